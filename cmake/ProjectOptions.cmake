@@ -1,0 +1,43 @@
+# SPDX-License-Identifier: ISC
+# What every target of the project is built with: link `project_options` PRIVATE.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(project_options INTERFACE)
+target_include_directories(project_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_link_libraries(project_options INTERFACE Threads::Threads)
+target_compile_options(project_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wdouble-promotion -Wshadow -Wold-style-cast>
+    # Products and sums stay two operations everywhere: the same audio on every processor.
+    -ffp-contract=off
+    # Lets the compiler use the square root instruction; no result changes, errno isn't read.
+    -fno-math-errno)
+if(PUFFGUARD_SANITIZE)
+    target_compile_options(project_options INTERFACE
+        -fsanitize=${PUFFGUARD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    target_link_options(project_options INTERFACE -fsanitize=${PUFFGUARD_SANITIZE})
+endif()
+
+# One static library per folder: puffguard_library(NAME SOURCES ... LINKS ...). Only links along
+# the arrows of docs/architecture.md are allowed; a test reads the includes.
+function(puffguard_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC project_options ${ARG_LINKS})
+endfunction()

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace DSP {
+
+template <typename T>
+class FFTImpl;
+
+/// Real discrete Fourier transform of F = 2^order samples, in single precision.
+///
+/// A spectrum has F + 2 floats: bins 0 to F/2 as interleaved (re, im), bin k at k * sampleRate / F.
+/// Forward() is the plain sum of x[n] exp(-2 pi i k n / F); Inverse() divides by F, so that one
+/// after the other gives the samples back to about 1e-7 of the largest.
+///
+/// Method: the even and odd samples as one complex sequence of half the length, a radix-4 autosort
+/// transform of it (after T. G. Stockham, "High-speed convolution and correlation", 1966), and a
+/// pass that separates the two. Real and imaginary parts lie in arrays of their own, so that four
+/// neighbours always go through the same steps.
+///
+/// Threads: the constructor is [setup]. An object carries its working buffer: [process] calls come
+/// from one thread at a time; they neither allocate nor fail. Pointers may have any alignment.
+template <>
+class FFTImpl<float> {
+public:
+    static constexpr int MinOrder = 3;
+    static constexpr int MaxOrder = 17;
+
+    /// Whether there is a transform of 2^order samples. [any]
+    static constexpr bool IsSupported(int order) noexcept
+    {
+        return order >= MinOrder && order <= MaxOrder;
+    }
+
+    /// Makes the tables, about 4 F floats with the working buffer. `newOrder` is a supported one.
+    /// [setup]
+    explicit FFTImpl(int newOrder);
+
+    int GetOrder() const noexcept { return order; }
+    int GetSize() const noexcept { return 1 << order; } ///< F, samples
+
+    /// `samples` has F floats, `spectrum` F + 2; they may be the same memory. [process]
+    void Forward(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
+
+    /// Counterpart of Forward(); the imaginary parts of bins 0 and F/2 are not read. Leaves
+    /// `spectrum` as it is unless `samples` is the same memory. [process]
+    void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
+
+private:
+    void MakeStageTables();
+    void MakeSeparationTable();
+    void MakeDirectTable();
+    void ForwardDirect(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
+    void InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
+    bool IsDirect() const noexcept { return half < 16; }
+
+    int order;
+    int half;                      // length of the complex transform, F / 2
+    std::vector<float> first;      // first stage: for each 4 butterflies re, im of 3 factors, by 4
+    std::vector<float> middle;     // later stages in a row: for each butterfly re, im of 3 factors
+    std::vector<float> separation; // for each 4 bins below F / 4: 4 cosines, 4 sines, halved
+    std::vector<float> direct; // cosines of one turn in F steps; only of the shortest transforms
+    std::vector<float> work;   // two split arrays of half + 4 floats a part
+};
+
+} // namespace DSP

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/DebugTrace.h"
+
+#include <cstdio>
+#include <mutex>
+#include <utility>
+
+namespace Util {
+namespace {
+
+struct Trace {
+    std::mutex mutex; // guards the sink, and keeps lines whole
+    DebugTraceSink sink;
+};
+
+Trace& GetTrace()
+{
+    static Trace trace;
+    return trace;
+}
+
+#ifdef NDEBUG
+constexpr bool writesByDefault = false;
+#else
+constexpr bool writesByDefault = true;
+#endif
+
+} // namespace
+
+void DebugTrace(const String& text) noexcept
+{
+    try {
+        Trace& trace = GetTrace();
+        const std::lock_guard lock(trace.mutex);
+        if (trace.sink)
+            trace.sink(text);
+        else if (writesByDefault)
+            std::fprintf(stderr, "%s\n", text.c_str());
+    } catch (...) {
+        // A diagnostic that can't be written must not stop the program, and there is nobody to
+        // tell.
+        return;
+    }
+}
+
+void SetDebugTraceSink(DebugTraceSink sink)
+{
+    Trace& trace = GetTrace();
+    const std::lock_guard lock(trace.mutex);
+    trace.sink = std::move(sink);
+}
+
+} // namespace Util

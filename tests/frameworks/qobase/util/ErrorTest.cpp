@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/Error.h"
+#include "frameworks/qobase/util/Exception.h"
+#include "frameworks/qobase/util/Expected.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+
+namespace {
+
+struct FileKind;
+struct ParseKind;
+using FileError = Util::BasicError<FileKind>;
+using ParseError = Util::BasicError<ParseKind>;
+
+Util::Expected<int> ReadDigit(char character)
+{
+    if (character < '0' || character > '9')
+        return ParseError(String("\"%1\" is no digit").arg(String(std::string(1, character))));
+    return character - '0';
+}
+
+Util::Expected<std::unique_ptr<int>> MakeOwned(bool succeeds)
+{
+    if (!succeeds)
+        return FileError("no memory");
+    return std::make_unique<int>(7);
+}
+
+Util::Expected<void> Check(bool succeeds)
+{
+    if (!succeeds)
+        return FileError("refused");
+    return {};
+}
+
+TEST(Error, CarriesItsTexts)
+{
+    const FileError error("what", "more", {"one", "two"});
+    EXPECT_EQ(error.GetDescription(), "what");
+    EXPECT_EQ(error.GetDetail(), "more");
+    EXPECT_EQ(error.GetCategoryFlag(), 0U);
+    ASSERT_EQ(error.GetArguments().size(), 2U);
+    EXPECT_EQ(error.GetArguments()[1], "two");
+}
+
+TEST(Error, WithoutArgumentsTheSpanHasNoMemory)
+{
+    const Util::BasicErrorBase error("what");
+    EXPECT_EQ(error.GetArguments().data(), nullptr);
+    EXPECT_TRUE(error.GetDetail().IsNull());
+}
+
+TEST(Error, ACloneIsOfTheSameKindAndOutlivesTheOriginal)
+{
+    auto original = std::make_unique<ParseError>("what", "more", std::vector<String>{"one"});
+    const std::unique_ptr<Util::Error> clone = original->Clone();
+    original.reset();
+    EXPECT_NE(dynamic_cast<ParseError*>(clone.get()), nullptr);
+    EXPECT_EQ(dynamic_cast<FileError*>(clone.get()), nullptr);
+    EXPECT_EQ(clone->GetArguments()[0], "one");
+}
+
+TEST(ErrorVariant, CopiesAreIndependentAndKeepTheKind)
+{
+    Util::ErrorVariant first = FileError("first");
+    Util::ErrorVariant second = first;
+    EXPECT_NE(&first.Get(), &second.Get());
+    first = Util::ErrorVariant(ParseError("other"));
+    EXPECT_NE(first.As<ParseError>(), nullptr);
+    EXPECT_EQ(second.As<ParseError>(), nullptr);
+    EXPECT_EQ(second.GetDescription(), "first");
+    const Util::ErrorVariant& alias = second;
+    second = alias; // assignment to itself
+    EXPECT_EQ(second.GetDescription(), "first");
+}
+
+TEST(Expected, IsTrueWithAResultAndFalseWithAnError)
+{
+    const auto good = ReadDigit('7');
+    ASSERT_TRUE(good);
+    EXPECT_EQ(*good, 7);
+    const auto bad = ReadDigit('x');
+    ASSERT_FALSE(bad);
+    EXPECT_EQ(bad.GetDescription(), "\"x\" is no digit");
+    EXPECT_NE(bad.GetError().As<ParseError>(), nullptr);
+    // A result that counts as false is a success all the same.
+    EXPECT_TRUE(ReadDigit('0'));
+}
+
+TEST(Expected, GivesAResultAwayThatCannotBeCopied)
+{
+    std::unique_ptr<int> owned = *MakeOwned(true);
+    EXPECT_EQ(*owned, 7);
+    EXPECT_EQ(MakeOwned(false).GetDescription(), "no memory");
+}
+
+TEST(Expected, OfNothingIsSuccessByDefault)
+{
+    EXPECT_TRUE(Check(true));
+    const auto refused = Check(false);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.GetDescription(), "refused");
+}
+
+class DerivedFault : public Exception::Base {
+public:
+    using Base::Base;
+    [[nodiscard]] String Describe() const override { return Base::Describe() + "\nDerivedFault\n"; }
+};
+
+TEST(Exception, DescribesMessagePlaceAndLastError)
+{
+    errno = ENOENT; // 2
+    const Exception::Base fault("broken");
+    const int line = __LINE__ - 1;
+    errno = EINVAL;
+    const std::string expected = std::string("Base:\nbroken\n") + __FILE__ + " (" +
+                                 std::to_string(line) + "): Thrown, GetLastError(): 2\n";
+    EXPECT_EQ(fault.Describe().ToStdString(), expected);
+}
+
+TEST(Exception, ADerivedFaultIsCaughtAsTheBaseAndEndsWithItsName)
+{
+    try {
+        throw DerivedFault("broken");
+    } catch (const Exception::Base& fault) {
+        const std::string text = fault.Describe().ToStdString();
+        EXPECT_TRUE(text.starts_with("Base:\nbroken\n"));
+        EXPECT_TRUE(text.ends_with("\n\nDerivedFault\n"));
+    }
+}
+
+} // namespace

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/TaskQueue.h"
+#include "frameworks/qobase/util/DebugTrace.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace {
+
+TEST(TaskQueue, RunsEverythingInOrderOnOneOtherThread)
+{
+    std::vector<int> order;
+    std::set<std::thread::id> threads;
+    Util::TaskQueue queue(1);
+    EXPECT_FALSE(queue.RunsOnCaller());
+    for (int i = 0; i < 500; ++i) {
+        queue.Post([&, i] {
+            order.push_back(i);
+            threads.insert(std::this_thread::get_id());
+        });
+    }
+    queue.WaitUntilIdle();
+    ASSERT_EQ(order.size(), 500U);
+    for (int i = 0; i < 500; ++i)
+        EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+    EXPECT_EQ(threads.size(), 1U);
+    EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
+}
+
+TEST(TaskQueue, WithoutWorkersRunsAtOnceOnTheCaller)
+{
+    Util::TaskQueue queue(0);
+    EXPECT_TRUE(queue.RunsOnCaller());
+    std::thread::id ranOn;
+    queue.Post([&ranOn] { ranOn = std::this_thread::get_id(); });
+    EXPECT_EQ(ranOn, std::this_thread::get_id());
+    queue.WaitUntilIdle();
+}
+
+TEST(TaskQueue, TheDestructorFinishesWhatWasPosted)
+{
+    int done = 0;
+    std::promise<void> gate;
+    {
+        Util::TaskQueue queue(1);
+        queue.Post([opened = gate.get_future().share()] { opened.wait(); });
+        for (int i = 0; i < 10; ++i)
+            queue.Post([&done] { ++done; });
+        EXPECT_EQ(done, 0); // all ten stand behind the gate
+        gate.set_value();
+    }
+    EXPECT_EQ(done, 10);
+}
+
+TEST(TaskQueue, WaitsForWorkThatWorkPosts)
+{
+    Util::TaskQueue queue(1);
+    int depth = 0;
+    std::function<void()> step = [&] {
+        if (++depth < 20)
+            queue.Post(step);
+    };
+    queue.Post(step);
+    queue.WaitUntilIdle();
+    EXPECT_EQ(depth, 20);
+}
+
+TEST(TaskQueue, WhatATaskHoldsIsGoneWhenTheQueueIsIdle)
+{
+    Util::TaskQueue queue(1);
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    queue.Post([inTask = std::move(held)] { static_cast<void>(inTask); });
+    queue.WaitUntilIdle();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(TaskQueue, AFailingTaskIsTracedAndTheNextOneRuns)
+{
+    std::vector<String> traced;
+    Util::SetDebugTraceSink([&traced](const String& text) { traced.push_back(text); });
+    for (const unsigned workers : {0U, 1U}) {
+        Util::TaskQueue queue(workers);
+        bool next = false;
+        queue.Post([] { throw std::runtime_error("broken"); });
+        queue.Post([&next] { next = true; });
+        queue.WaitUntilIdle();
+        EXPECT_TRUE(next);
+    }
+    Util::SetDebugTraceSink(nullptr);
+    EXPECT_EQ(traced.size(), 2U);
+}
+
+} // namespace

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/Timer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr uint32_t Period = 1; // ms; tests wait for counts, never for times
+
+/// Counts, and lets a test wait until a count is reached.
+class Counter {
+public:
+    void Add()
+    {
+        {
+            const std::lock_guard lock(mutex);
+            ++count;
+        }
+        changed.notify_all();
+    }
+    void WaitFor(int wanted)
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return count >= wanted; });
+    }
+    int Get()
+    {
+        const std::lock_guard lock(mutex);
+        return count;
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    int count = 0;
+};
+
+/// Sets a flag when the thread that it was made on has ended.
+struct EndOfThread {
+    explicit EndOfThread(std::atomic<bool>& newFlag)
+        : flag(newFlag)
+    {
+    }
+    EndOfThread(const EndOfThread&) = delete;
+    EndOfThread(EndOfThread&&) = delete;
+    EndOfThread& operator=(const EndOfThread&) = delete;
+    EndOfThread& operator=(EndOfThread&&) = delete;
+    ~EndOfThread() { flag = true; }
+    std::atomic<bool>& flag;
+};
+
+std::atomic<bool> firstThreadEnded = false;
+
+void MarkThread()
+{
+    thread_local const EndOfThread end(firstThreadEnded);
+    static_cast<void>(end);
+}
+
+TEST(PeriodicTimer, CallsAgainAndAgain)
+{
+    Counter ticks;
+    const Util::PeriodicTimer timer(Period, [&ticks] { ticks.Add(); });
+    ticks.WaitFor(5);
+}
+
+TEST(PeriodicTimer, AllTimersShareOneThreadAndItEndsWithTheLast)
+{
+    firstThreadEnded = false;
+    Counter firstTicks;
+    Counter secondTicks;
+    std::thread::id firstThread;
+    std::thread::id secondThread;
+    auto first = std::make_unique<Util::PeriodicTimer>(Period, [&] {
+        MarkThread();
+        firstThread = std::this_thread::get_id();
+        firstTicks.Add();
+    });
+    auto second = std::make_unique<Util::PeriodicTimer>(Period, [&] {
+        secondThread = std::this_thread::get_id();
+        secondTicks.Add();
+    });
+    firstTicks.WaitFor(1);
+    secondTicks.WaitFor(1);
+    first.reset();
+    EXPECT_FALSE(firstThreadEnded);
+    secondTicks.WaitFor(secondTicks.Get() + 2);
+    second.reset();
+    EXPECT_TRUE(firstThreadEnded);
+    EXPECT_EQ(firstThread, secondThread);
+    EXPECT_NE(firstThread, std::this_thread::get_id());
+}
+
+TEST(PeriodicTimer, TheDestructorWaitsForItsRunningCallback)
+{
+    std::promise<void> entered;
+    std::promise<void> gate;
+    std::atomic<bool> finished = false;
+    std::atomic<int> calls = 0;
+    std::optional<Util::PeriodicTimer> timer;
+    timer.emplace(Period, [&, opened = gate.get_future().share()] {
+        if (calls++ == 0)
+            entered.set_value();
+        opened.wait();
+        finished = true;
+    });
+    entered.get_future().wait();
+    std::thread opener([&] { gate.set_value(); });
+    timer.reset();
+    EXPECT_TRUE(finished);
+    const int callsAtEnd = calls;
+    opener.join();
+    EXPECT_EQ(calls, callsAtEnd);
+}
+
+TEST(PeriodicTimer, ABusyTimerDoesNotHoldUpTheEndOfAnother)
+{
+    std::promise<void> entered;
+    std::promise<void> gate;
+    std::atomic<bool> first = true;
+    const Util::PeriodicTimer busy(Period, [&, opened = gate.get_future().share()] {
+        if (first.exchange(false))
+            entered.set_value();
+        opened.wait();
+    });
+    entered.get_future().wait();
+    {
+        const Util::PeriodicTimer other(Period, [] {});
+    } // would never return when it waited for the callback of the busy one
+    gate.set_value();
+}
+
+TEST(PeriodicTimer, MayEndWithinItsOwnCallbackAndStartAgainThere)
+{
+    for (int round = 0; round < 3; ++round) {
+        Counter done;
+        std::unique_ptr<Util::PeriodicTimer> timer;
+        std::unique_ptr<Util::PeriodicTimer> successor;
+        std::mutex ready; // held until `timer` is assigned
+        std::unique_lock hold(ready);
+        timer = std::make_unique<Util::PeriodicTimer>(Period, [&] {
+            {
+                const std::lock_guard wait(ready);
+            }
+            auto& made = successor;
+            auto& counter = done;
+            timer.reset(); // the captures of this callback live on until it returns
+            made = std::make_unique<Util::PeriodicTimer>(Period, [&counter] { counter.Add(); });
+        });
+        hold.unlock();
+        done.WaitFor(2);
+    }
+}
+
+TEST(PeriodicTimer, TheLastOneMayEndWithinItsCallbackAndANewOneStarts)
+{
+    for (int round = 0; round < 20; ++round) {
+        Counter done;
+        std::unique_ptr<Util::PeriodicTimer> timer;
+        std::mutex ready;
+        std::unique_lock hold(ready);
+        timer = std::make_unique<Util::PeriodicTimer>(Period, [&] {
+            {
+                const std::lock_guard wait(ready);
+            }
+            auto& counter = done;
+            timer.reset();
+            counter.Add();
+        });
+        hold.unlock();
+        done.WaitFor(1);
+        Counter ticks;
+        const Util::PeriodicTimer next(Period, [&ticks] { ticks.Add(); });
+        ticks.WaitFor(1);
+    }
+}
+
+TEST(PeriodicTimer, AFailingCallbackIsCalledAgain)
+{
+    Counter ticks;
+    const Util::PeriodicTimer timer(Period, [&ticks] {
+        ticks.Add();
+        throw 1;
+    });
+    ticks.WaitFor(3);
+}
+
+TEST(PeriodicTimer, ComeAndGoOnSeveralThreads)
+{
+    // For the thread sanitizer: starting and ending the shared thread over and over.
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            for (int i = 0; i < 50; ++i) {
+                Counter ticks;
+                const Util::PeriodicTimer timer(Period, [&ticks] { ticks.Add(); });
+                if (i % 5 == 0)
+                    ticks.WaitFor(1);
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+}
+
+} // namespace

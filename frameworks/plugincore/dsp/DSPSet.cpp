@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/dsp/DSPSet.h"
+
+#include <algorithm>
+
+namespace DSP {
+
+void DSPSetImpl::OnUIIdle()
+{
+    for (const auto& [name, element] : elements) {
+        element->ServiceCommands();
+    }
+}
+
+void DSPSetImpl::OnSyncParams()
+{
+    for (const auto& [name, element] : elements) {
+        element->SyncParams();
+    }
+}
+
+Element* DSPSetImpl::GetElement(const String& name) const
+{
+    const auto found = elements.find(name);
+    return found != elements.end() ? found->second.get() : nullptr;
+}
+
+void DSPSetImpl::AddElement(const String& name,
+                            float sampleRate,
+                            uint32_t channelConfig,
+                            const std::function<std::shared_ptr<Element>()>& make)
+{
+    if (Element* present = GetElement(name)) {
+        if (present->IsConfigurable()) {
+            present->SetFormat(sampleRate, channelConfig);
+            return;
+        }
+        order.erase(std::remove_if(order.begin(),
+                                   order.end(),
+                                   [&](const NamedElement& entry) { return entry.first == name; }),
+                    order.end());
+        elements.erase(name); // its destruction ends its commands
+    }
+    std::shared_ptr<Element> element = make();
+    order.emplace_back(name, element.get());
+    elements.emplace(name, std::move(element));
+}
+
+} // namespace DSP

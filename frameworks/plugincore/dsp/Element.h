@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/DSPCommand.h"
+#include "frameworks/plugincore/dsp/ElementParam.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace DSP {
+
+/// One node of the signal chain. It lives as long as the instance; what depends on the stream
+/// format follows SetFormat().
+class Element : public DSPCommandMailbox {
+public:
+    Element() = default;
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+
+    /// The element's key in every file; never changes. [any]
+    virtual String GetName() const = 0;
+
+    /// Finishes commands that came back from the process side; every idle tick. [ui]
+    virtual void ServiceCommands() = 0;
+    /// Takes values that the process side changed over to the UI side; every idle tick. [ui]
+    virtual void SyncParams() = 0;
+    /// Takes in waiting commands. Under the process lock. [process, locks]
+    virtual void ProcessCommands() = 0;
+
+    virtual uint32_t GetChildCount() const = 0;
+    /// Null past the end.
+    virtual Element* GetChild(uint32_t index) const = 0;
+    virtual Element* GetParent() const = 0;
+    /// For the parent only.
+    virtual void SetParent(Element* newParent) = 0;
+
+    /// Whether SetFormat() is heard.
+    virtual bool IsConfigurable() const = 0;
+    /// Rate in Hz and layout code. Under the process lock. [setup]
+    virtual void SetFormat(float newSampleRate, uint32_t newChannelConfig) = 0;
+    virtual float GetSampleRate() const = 0;
+    virtual uint32_t GetChannelConfig() const = 0;
+    virtual uint32_t GetChannelCount() const = 0;
+
+    /// Samples by which the output is late: as that side knows it, and at most. [any]
+    virtual uint32_t GetLatency(Context context) const = 0;
+    virtual uint32_t GetMaxLatency() const = 0;
+
+    /// Number of time regions that state is kept for.
+    virtual uint32_t GetRegionCount() const = 0;
+
+    virtual uint32_t GetParamCount() const = 0;
+    /// Version of the parameter table, written with saved parameters.
+    virtual uint32_t GetParamVersion() const = 0;
+    /// Empty for an unknown name.
+    virtual std::optional<uint32_t> FindParamIndex(const String& name) const = 0;
+    /// Name of the parameter at this place of the table; empty past the end.
+    virtual String GetParamName(uint32_t index) const = 0;
+    virtual const ParamMap& GetParamMap() const = 0;
+    /// A static empty record for an unknown name.
+    virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
+
+    /// Nested; the first Suspend and the last Resume reach the element and its children. [setup]
+    virtual void Suspend() = 0;
+    virtual void Resume() = 0;
+
+    /// Restarts the signal path. Takes the process lock. [process, locks]
+    virtual void Reset() = 0;
+    /// Reset() that also restarts an element that has seen no audio since its last reset.
+    virtual void ClearState() = 0;
+    /// Empties the block assemblers only. [process, locks]
+    virtual void ResetTails() = 0;
+
+    /// ProcessRegion() of region 0. [process, locks]
+    virtual void Process(uint32_t frames, float* const* channels) = 0;
+    /// Takes in commands, then works on the block in place. With 0 frames or null channels only
+    /// the commands run. Holds the process lock. [process, locks]
+    virtual void ProcessRegion(uint32_t region, uint32_t frames, float* const* channels) = 0;
+
+    /// Whether the element changes the signal; a change is faded over 10 ms. [process]
+    virtual bool IsActive(uint32_t region) const = 0;
+    /// Keeps a copy of the input, late by the latency, to fade to. Ignored on a child. [setup]
+    virtual void SetDryHistoryEnabled(bool enabled) = 0;
+
+    /// Bytes that the element and its children may take from the pool at once. [setup]
+    virtual std::size_t GetProcessingMemorySize() const = 0;
+};
+
+} // namespace DSP

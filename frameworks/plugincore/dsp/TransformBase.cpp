@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/dsp/TransformBase.h"
+
+#include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/qobase/util/DebugTrace.h"
+
+#include <algorithm>
+
+namespace DSP {
+
+TransformBase::TransformBase(ElementHost& newHost, std::unique_ptr<DSPSet> newSet)
+    : host(newHost)
+    , set(std::move(newSet))
+{
+}
+
+void TransformBase::SetFormat(float sampleRate, uint32_t channelConfig)
+{
+    set->BuildElements(sampleRate, channelConfig);
+    dryBuffers.assign(DSP::GetChannelCount(channelConfig),
+                      std::vector<float>(host.GetMaxBlockFrames()));
+}
+
+void TransformBase::PlanDryDelay()
+{
+    uint32_t longest = 0;
+    for (const auto& [name, element] : set->GetElements()) {
+        longest += element->GetMaxLatency();
+    }
+    const uint32_t wanted = host.GetProcessingSystemDelaySamples();
+    if (wanted > longest) {
+        Util::DebugTrace("Plugin::GetProcessingSystemDelaySamples() is more than "
+                         "DSPSet::GetMaxSystemDelay()");
+        longest = wanted;
+    }
+    dryLines.assign(longest != 0 ? dryBuffers.size() : 0, DelayLine(longest));
+    for (DelayLine& line : dryLines) {
+        line.SetLength(wanted);
+    }
+}
+
+void TransformBase::ProcessChunk(uint32_t frames, float* const* channels)
+{
+    set->GetGlobalElement()->ProcessRegion(0, 0, nullptr);
+    const bool bypassed = set->GetBypassParam()->GetValue(Context::Process);
+    FollowDelay();
+    RunDryPath(frames, channels);
+    if (bypassed) {
+        CopyDry(frames, channels);
+        wasBypassed = true;
+    } else {
+        if (wasBypassed) {
+            wasBypassed = false;
+            Reset();
+        }
+        set->GetMainElement()->ProcessRegion(0, frames, channels);
+    }
+    samplesProcessed += frames;
+    host.SetProcessBlockOffset(0);
+}
+
+void TransformBase::FollowDelay()
+{
+    const uint32_t wanted = host.GetProcessingSystemDelaySamples();
+    for (DelayLine& line : dryLines) {
+        const uint32_t length = std::min(wanted, line.GetMaxLength());
+        if (line.GetLength() != length) {
+            line.SetLength(length);
+            line.Clear();
+        }
+    }
+}
+
+// Runs whether bypassed or not, so that the dry signal is there at once when it is wanted.
+void TransformBase::RunDryPath(uint32_t frames, float* const* channels)
+{
+    for (std::size_t channel = 0; channel < dryBuffers.size(); ++channel) {
+        float* dry = dryBuffers[channel].data();
+        const float* input = channels[channel];
+        if (!dryLines.empty()) {
+            dryLines[channel].Process(input, dry, frames);
+        } else if (input != nullptr) {
+            std::copy_n(input, frames, dry);
+        }
+    }
+}
+
+void TransformBase::CopyDry(uint32_t frames, float* const* channels) const
+{
+    for (std::size_t channel = 0; channel < dryBuffers.size(); ++channel) {
+        if (channels[channel] != nullptr) {
+            std::copy_n(dryBuffers[channel].data(), frames, channels[channel]);
+        }
+    }
+}
+
+void TransformBase::ResetElement(Element& element) const
+{
+    if (elementObserver.function != nullptr) {
+        elementObserver.function(elementObserver.context, &element, 1);
+    }
+    element.Reset();
+    if (elementObserver.function != nullptr) {
+        elementObserver.function(elementObserver.context, &element, 0);
+    }
+}
+
+void TransformBase::Settle()
+{
+    for (const auto& [name, element] : set->GetElements()) {
+        ResetElement(*element);
+    }
+    for (DelayLine& line : dryLines) {
+        line.Clear();
+    }
+    Reset();
+    samplesProcessed = 0;
+}
+
+void TransformBase::Reset()
+{
+    for (const auto& [name, element] : set->GetElements()) {
+        element->Reset();
+    }
+}
+
+} // namespace DSP

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/DSPSet.h"
+#include "frameworks/plugincore/dsp/DelayLine.h"
+#include "frameworks/plugincore/dsp/ParamSet.h"
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+
+#include <memory>
+#include <vector>
+
+namespace DSP {
+
+/// The signal path of an instance: owns the set, sends each chunk through the product's element,
+/// and keeps a copy of the input, late by what the host is told, for bypass.
+///
+/// The operations that a product may answer and this one doesn't are empty here.
+class TransformBase {
+public:
+    /// Reports an element's reset: see PluginCoreElementObserver.
+    struct ElementObserver {
+        PluginCoreElementObserver function = nullptr;
+        void* context = nullptr;
+    };
+
+    TransformBase(ElementHost& newHost, std::unique_ptr<DSPSet> newSet);
+    TransformBase(const TransformBase&) = delete;
+    TransformBase& operator=(const TransformBase&) = delete;
+    virtual ~TransformBase() = default;
+
+    /// Makes the elements, or brings them to a new format. Under the process lock. [setup]
+    void SetFormat(float sampleRate, uint32_t channelConfig);
+
+    /// Sizes the dry lines by the largest latency of the set, or by the delay that is wanted now if
+    /// that is larger, and clears them. After SetFormat(), once the latency is known. [setup]
+    void PlanDryDelay();
+
+    DSPSet& GetSet() const { return *set; }
+    virtual const ParamSetBase& GetParamSet() const = 0;
+
+    /// Works on one chunk of at most the host's largest block, in place. Null channels are skipped.
+    /// [process]
+    void ProcessChunk(uint32_t frames, float* const* channels);
+
+    /// Resets all elements, clears the dry lines and starts counting samples anew. [process]
+    void Settle();
+    /// Resets all elements; also what ends a bypass. [process]
+    virtual void Reset();
+
+    /// Samples processed since the last settling. [process]
+    uint64_t GetSamplesProcessed() const { return samplesProcessed; }
+
+    void SetElementObserver(ElementObserver observer) { elementObserver = observer; }
+
+    /// Whether the element's latency counts on the way from input to output. [any]
+    virtual bool IsInPath(const String& /*elementName*/, Context /*context*/) const { return true; }
+
+    virtual void BeforeProcess(uint32_t /*eventCount*/, const uint8_t* /*events*/) {}
+    virtual void AfterProcess() {}
+    virtual void ProcessSidePass(uint32_t /*frames*/, void* /*first*/, void* /*second*/) {}
+    /// In and out; untouched when there is nothing to ask.
+    virtual void Query(uint32_t& /*value*/) {}
+    virtual void Notify(uint32_t /*value*/) {}
+    /// True when the request was understood. [any]
+    virtual bool Read(TransformReadRecord& /*record*/) { return false; }
+    /// False when the data can't be used.
+    virtual bool LoadData(uint32_t /*size*/, const void* /*data*/) { return false; }
+
+protected:
+    ElementHost& GetHost() const { return host; }
+
+private:
+    void FollowDelay();
+    void RunDryPath(uint32_t frames, float* const* channels);
+    void CopyDry(uint32_t frames, float* const* channels) const;
+    void ResetElement(Element& element) const;
+
+    ElementHost& host;
+    const std::unique_ptr<DSPSet> set;
+    std::vector<DelayLine> dryLines;            // a channel each; empty while there is no delay
+    std::vector<std::vector<float>> dryBuffers; // [channel][largest chunk]
+    bool wasBypassed = false;
+    uint64_t samplesProcessed = 0;
+    ElementObserver elementObserver;
+};
+
+} // namespace DSP

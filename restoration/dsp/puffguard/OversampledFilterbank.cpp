@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/OversampledFilterbank.h"
+
+#include "restoration/dsp/puffguard/VectorOps.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace DSP {
+
+namespace {
+
+std::size_t Size(int32_t count)
+{
+    return static_cast<std::size_t>(count);
+}
+
+int32_t FindFFTSize(float wanted)
+{
+    int32_t size = 8;
+    while (static_cast<float>(size) < wanted) {
+        size *= 2;
+    }
+    return size;
+}
+
+} // namespace
+
+void OversampledFilterbank::initialise(int32_t newChannels,
+                                       int32_t newSampleRate,
+                                       int32_t newMaxBlockSize)
+{
+    channels = newChannels;
+    sampleRate = newSampleRate;
+    maxBlockSize = newMaxBlockSize;
+    reset();
+}
+
+void OversampledFilterbank::configure(float time,
+                                      int32_t overlapFactor,
+                                      int32_t windowKind,
+                                      int32_t newWindowLength)
+{
+    const float wanted = static_cast<float>(sampleRate) * time * 0.7F;
+    fftSize = FindFFTSize(wanted);
+    hop = fftSize / overlapFactor;
+    windowLength = newWindowLength == -1 ? fftSize : newWindowLength;
+    overlap = windowLength - hop;
+    latency = overlap;
+    if (!fft || fft->GetSize() != fftSize) {
+        fft = std::make_unique<FFTImpl<float>>(std::countr_zero(static_cast<uint32_t>(fftSize)));
+    }
+    frame.resize(Size(fftSize));
+    if (channels != 0) {
+        inputTail.configure(channels, overlap, 0);
+        outputTail.configure(channels, overlap, 0);
+        MakeBandEdges();
+    }
+    // Only the number of frames to the window and its length enter; a restart finds its windows
+    // here.
+    const bool isKnown =
+        kind == windowKind && windows.analysis.size() == Size(windowLength) && windowHop == hop;
+    if (!isKnown) {
+        windows = MakeWindows(windowKind, windowLength, hop);
+        kind = windowKind;
+        windowHop = hop;
+    }
+}
+
+void OversampledFilterbank::MakeBandEdges()
+{
+    const auto last = Size(fftSize / 2);
+    lowerBandEdges.resize(last + 1);
+    upperBandEdges.resize(last + 1);
+    const double binWidth = static_cast<double>(sampleRate) / fftSize;
+    for (std::size_t bin = 0; bin <= last; ++bin) {
+        lowerBandEdges[bin] = static_cast<float>((static_cast<double>(bin) - 0.5) * binWidth);
+        upperBandEdges[bin] = static_cast<float>((static_cast<double>(bin) + 0.5) * binWidth);
+    }
+    lowerBandEdges[0] = 0.0F;
+    upperBandEdges[last] = static_cast<float>(sampleRate) * 0.5F;
+}
+
+void OversampledFilterbank::reset() noexcept UTIL_NONBLOCKING
+{
+    inputTail.zero();
+    outputTail.zero();
+}
+
+void OversampledFilterbank::AnalyseFrame(const float* tail,
+                                         const float* input,
+                                         int32_t start,
+                                         float* spectrum) noexcept UTIL_NONBLOCKING
+{
+    // `start` counts from the first new sample; what lies before it is in the tail.
+    const int32_t fromTail = std::max(0, -start);
+    const float* const window = windows.analysis.data();
+    VectorOps::Multiply(tail + (overlap - fromTail), window, frame.data(), Size(fromTail));
+    if (fromTail < windowLength) {
+        VectorOps::Multiply(input + (fromTail + start),
+                            window + fromTail,
+                            frame.data() + fromTail,
+                            Size(windowLength - fromTail));
+    }
+    VectorOps::Zero(frame.data() + windowLength, Size(fftSize - windowLength));
+    fft->Forward(frame.data(), spectrum);
+}
+
+void OversampledFilterbank::analyse(const float* const* input,
+                                    int32_t sampleCount,
+                                    float* const* spectra,
+                                    int32_t inputOffset,
+                                    int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
+{
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        for (int32_t f = 0; f < sampleCount / hop; ++f) {
+            AnalyseFrame(inputTail.GetChannel(channel),
+                         input[channel] + inputOffset,
+                         (f + 1) * hop - windowLength,
+                         spectra[channel] + spectrumOffset + (fftSize + 2) * f);
+        }
+    }
+    inputTail.consume(sampleCount);
+    const int32_t kept = std::max(0, overlap - sampleCount);
+    const int32_t added = overlap - kept;
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        VectorOps::Copy(input[channel] + inputOffset + (sampleCount - added),
+                        inputTail.GetChannel(channel) + kept,
+                        Size(added));
+    }
+}
+
+void OversampledFilterbank::synthesise(float* const* output,
+                                       int32_t sampleCount,
+                                       const float* const* spectra,
+                                       int32_t outputOffset,
+                                       int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
+{
+    const int32_t finished = std::min(sampleCount, overlap);
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        float* const target = output[channel] + outputOffset;
+        VectorOps::Copy(outputTail.GetChannel(channel), target, Size(finished));
+        VectorOps::Zero(target + finished, Size(sampleCount - finished));
+    }
+    outputTail.consume(sampleCount);
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        float* const target = output[channel] + outputOffset;
+        float* const tail = outputTail.GetChannel(channel);
+        VectorOps::Zero(tail + (overlap - finished), Size(finished));
+        for (int32_t f = 0; f < sampleCount / hop; ++f) {
+            fft->Inverse(spectra[channel] + spectrumOffset + (fftSize + 2) * f, frame.data());
+            const int32_t begin = hop * f;
+            const int32_t now = std::min(sampleCount - begin, windowLength);
+            const float* const window = windows.synthesis.data();
+            VectorOps::MultiplyAdd(frame.data(), window, target + begin, Size(now));
+            VectorOps::MultiplyAdd(
+                frame.data() + now, window + now, tail, Size(windowLength - now));
+        }
+    }
+}
+
+} // namespace DSP

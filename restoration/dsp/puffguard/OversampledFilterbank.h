@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "frameworks/qobase/util/Realtime.h"
+#include "restoration/dsp/puffguard/DataTail.h"
+#include "restoration/dsp/puffguard/Windows.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace DSP {
+
+/// Weighted overlap-add filterbank: a stream of samples to short-time spectra and back.
+///
+/// Sizes in samples: F = FFT length; W = window length; H = hop, F / overlap factor. A frame's
+/// spectrum is F + 2 floats, bins 0 to F/2 as interleaved (re, im), bin k at k * sampleRate / F Hz.
+///
+/// Unchanged spectra give the input back, late by W - H samples, to within about 1e-6 of full
+/// scale, with Hann windows from 4 frames to the window on and with Blackman windows from 8 on.
+/// Spectra may be kept for any number of hops between analysis and synthesis.
+///
+/// Method: R. E. Crochiere, "A weighted overlap-add method of short-time Fourier
+/// analysis/synthesis", IEEE Trans. ASSP 28(1), 1980.
+///
+/// Threads: initialise() and configure() are [setup]; the others are [process], allocate nothing
+/// and don't fail.
+class OversampledFilterbank {
+public:
+    /// Records what configure() builds for and resets. `newSampleRate` in Hz; `newMaxBlockSize` in
+    /// samples is the largest block that will come.
+    void initialise(int32_t newChannels, int32_t newSampleRate, int32_t newMaxBlockSize);
+
+    /// Sizes everything: F is the smallest power of two, at least 8, that isn't below 0.7 `time`
+    /// seconds; `overlapFactor` = F / H is a power of two up to F / 2; `windowKind` as in
+    /// Windows.h; `newWindowLength` is W, even and up to F, or -1 for F. Allocates nothing when all
+    /// is as it was at the call before.
+    void configure(float time, int32_t overlapFactor, int32_t windowKind, int32_t newWindowLength);
+
+    /// Forgets the signal; sizes and windows stay.
+    void reset() noexcept UTIL_NONBLOCKING;
+
+    /// Takes `sampleCount` samples a channel, a multiple of H, from `inputOffset` on, and writes
+    /// the frames that they complete, one behind the other from float `spectrumOffset` on.
+    void analyse(const float* const* input,
+                 int32_t sampleCount,
+                 float* const* spectra,
+                 int32_t inputOffset,
+                 int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
+
+    /// Counterpart of analyse(), called in turn with it for blocks of the same length; `output` may
+    /// be the memory that `input` was.
+    void synthesise(float* const* output,
+                    int32_t sampleCount,
+                    const float* const* spectra,
+                    int32_t outputOffset,
+                    int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
+
+    int32_t GetMaxBlockSize() const noexcept { return maxBlockSize; } ///< samples
+    int32_t GetFFTSize() const noexcept { return fftSize; }           ///< F
+    int32_t GetHop() const noexcept { return hop; }                   ///< H
+    int32_t GetLatency() const noexcept { return latency; }           ///< W - H, samples
+
+    /// Lower and upper edges of the bins 0 to F/2 in Hz; empty without channels.
+    const std::vector<float>& GetLowerBandEdges() const noexcept { return lowerBandEdges; }
+    const std::vector<float>& GetUpperBandEdges() const noexcept { return upperBandEdges; }
+
+private:
+    void MakeBandEdges();
+    void
+    AnalyseFrame(const float* tail, const float* input, int32_t start, float* spectrum) noexcept
+        UTIL_NONBLOCKING;
+
+    std::vector<float> lowerBandEdges;
+    std::vector<float> upperBandEdges;
+    int32_t maxBlockSize = 0;
+    int32_t channels = 0;
+    int32_t sampleRate = 0;
+    int32_t latency = 0;
+    int32_t fftSize = 0;
+    int32_t windowLength = 0;
+    int32_t hop = 0;
+    int32_t overlap = 0; // W - H
+    std::unique_ptr<FFTImpl<float>> fft;
+    std::vector<float> frame; // F, scratch
+    int32_t kind = 0;         // of the windows
+    int32_t windowHop = 0;    // that the windows are scaled for
+    WindowPair windows;       // W each
+    DataTailCirc inputTail;   // the last W - H input samples
+    DataTailCirc outputTail;  // W - H output samples that miss frames yet
+};
+
+} // namespace DSP

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <vector>
+
+namespace DSP {
+
+/// Window kinds below 0; 0 and above is a Kaiser-Bessel derived window of that shape, whose kernel
+/// has beta = kind * pi. Any other negative kind is the filter window.
+enum WindowKind : int { WindowHann = -1, WindowBlackman = -2, WindowFilter = -3 };
+
+/// Analysis and synthesis window of an overlap-add filterbank.
+struct WindowPair {
+    std::vector<float> analysis;
+    std::vector<float> synthesis;
+};
+
+/// Makes the windows of `length` samples, an even number, for frames `hop` samples apart:
+/// `analysis` is scaled so that its products with the unscaled other one add up to length / 2,
+/// `synthesis` by hop / (length / 2). For Hann and Blackman, at 4 or 8 frames to the window, the
+/// products of all frames then add up to 1. Computed in double. [setup]
+WindowPair MakeWindows(int kind, int length, int hop);
+
+} // namespace DSP

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/Biquad.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace DSP::Synapse {
+
+namespace {
+
+struct Prototype {
+    double cosine;
+    double damping; // sin w / (2 Q)
+};
+
+Prototype MakePrototype(double cornerHz, double sampleRate, double q)
+{
+    const double w = 2.0 * std::numbers::pi * cornerHz / sampleRate;
+    return {std::cos(w), std::sin(w) / (2.0 * q)};
+}
+
+BiquadCoefficients Normalise(double b0, double b1, double b2, const Prototype& prototype)
+{
+    const double a0 = 1.0 + prototype.damping;
+    return {static_cast<float>(b0 / a0),
+            static_cast<float>(b1 / a0),
+            static_cast<float>(b2 / a0),
+            static_cast<float>(-2.0 * prototype.cosine / a0),
+            static_cast<float>((1.0 - prototype.damping) / a0)};
+}
+
+} // namespace
+
+BiquadCoefficients MakeLowpass(double cornerHz, double sampleRate, double q)
+{
+    if (cornerHz > sampleRate / 2) {
+        return {};
+    }
+    const Prototype prototype = MakePrototype(cornerHz, sampleRate, q);
+    const double gain = 1.0 - prototype.cosine;
+    return Normalise(gain / 2, gain, gain / 2, prototype);
+}
+
+BiquadCoefficients MakeHighpass(double cornerHz, double sampleRate, double q)
+{
+    if (cornerHz > sampleRate / 2) {
+        return {0, 0, 0, 0, 0};
+    }
+    const Prototype prototype = MakePrototype(cornerHz, sampleRate, q);
+    const double gain = 1.0 + prototype.cosine;
+    return Normalise(gain / 2, -gain, gain / 2, prototype);
+}
+
+} // namespace DSP::Synapse

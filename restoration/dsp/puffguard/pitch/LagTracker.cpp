@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/LagTracker.h"
+
+#include "restoration/dsp/puffguard/pitch/PeakSearch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace DSP::Synapse {
+
+namespace {
+
+constexpr double RiseSeconds = 0.001;
+constexpr double FallSeconds = 0.015;
+constexpr double ConfidenceSeconds = 0.02;
+constexpr float ConfidenceAtStart = 0.5F;
+constexpr float ValuePerLog = 32.0F;
+constexpr float LogPerValue = 0.03125F;
+
+/// How far a new lag replaces the former one: not below the first clarity, wholly from the second.
+float GetTrust(float clarity) noexcept
+{
+    constexpr float NoTrust = 0.15F;
+    constexpr float FullTrust = 0.3F;
+    if (clarity <= NoTrust) {
+        return 0;
+    }
+    return clarity >= FullTrust ? 1.0F : (clarity - NoTrust) / 0.15F;
+}
+
+} // namespace
+
+LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
+    : minLag(sizes.minLag)
+    , maxLag(sizes.maxLag)
+    , decimatedRate(sizes.decimatedRate)
+    , delayFrames(newDelayFrames)
+    , autocorr(sizes.maxLag)
+    , map(sizes)
+    , path(newDelayFrames + 1)
+    , gate(newDelayFrames)
+    , correlation(static_cast<std::size_t>(maxLag) + 2)
+    , score(static_cast<std::size_t>(maxLag) + 1)
+    , scratch(static_cast<std::size_t>(maxLag) + 2)
+{
+    const auto rate = static_cast<double>(sizes.trackerRate);
+    smoother.configure(score.size(), RiseSeconds, FallSeconds, rate, 0.0F);
+    confidence.configure(ConfidenceSeconds, rate, ConfidenceAtStart);
+    Reset();
+}
+
+void LagTracker::Reset() noexcept UTIL_NONBLOCKING
+{
+    map.Reset();
+    smoother.reset();
+    confidence.reset();
+    path.Reset();
+    gate.Reset();
+    lag = static_cast<float>(minLag);
+}
+
+void LagTracker::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
+{
+    if (enabled != dynamicProgramming) {
+        dynamicProgramming = enabled;
+        // Paths and rings must not hold runs from before a pause.
+        path.Reset();
+        gate.Reset();
+    }
+}
+
+/// Fills `correlation` and answers the first lag to be searched.
+int LagTracker::Correlate(std::span<const float> ring, std::size_t writePosition) noexcept
+    UTIL_NONBLOCKING
+{
+    const auto length = static_cast<std::size_t>(autocorr.GetFrameLength());
+    const std::size_t wrapped = writePosition < length ? length - writePosition : 0;
+    const auto older = ring.last(wrapped);
+    const auto newer = ring.subspan(writePosition - (length - wrapped), length - wrapped);
+    autocorr.Compute(older, newer, std::span(correlation).first(score.size()));
+    autocorr.CompensateWindow(correlation);
+    const int firstLag = FindEndOfFall(correlation, minLag, maxLag);
+    RemoveOctaveGhosts(correlation, scratch, firstLag, maxLag);
+    return firstLag;
+}
+
+/// Fills `score` from the smoothed correlation and the map, which then relaxes.
+void LagTracker::Score() noexcept UTIL_NONBLOCKING
+{
+    const float* const smoothed = smoother.process(correlation.data());
+    const float* const weight = map.GetWeights().data();
+    for (std::size_t i = 0; i < score.size(); ++i) {
+        score[i] = weight[i] * smoothed[i];
+    }
+    map.Relax();
+}
+
+LagTracker::Peak LagTracker::FindPeak(int firstLag) const noexcept UTIL_NONBLOCKING
+{
+    const int found = FindFirstLargest(score, firstLag, maxLag);
+    const int top = ClimbToPeak(correlation, found, map.GetMargin(), maxLag);
+    return {found,
+            top,
+            RefineLag(correlation, top, found),
+            GetClarity(correlation[static_cast<std::size_t>(top)], correlation[0])};
+}
+
+DP::Candidate LagTracker::MakeCandidate(float pitchHz, float clarity) const noexcept
+    UTIL_NONBLOCKING
+{
+    constexpr float LeastPitch = 1e-36F;
+    constexpr float NoLogarithm = -1e35F;
+    const float logarithm = std::fabs(pitchHz) < LeastPitch ? NoLogarithm : std::log(pitchHz);
+    return {ValuePerLog * logarithm, 1.0F - clarity, clarity};
+}
+
+/// Fills `candidates`: the best lags, and last the octave above the best, in case the best is an
+/// octave too low. Answers the best.
+LagTracker::Peak LagTracker::FindCandidates(int firstLag) noexcept UTIL_NONBLOCKING
+{
+    const int slots = dynamicProgramming ? DP::DynProgCached::CandidateCount : 1;
+    const int searched = std::max(slots - 1, 1);
+    Peak plain{};
+    for (int k = 0; k < searched; ++k) {
+        const Peak peak = FindPeak(firstLag);
+        const float pitchHz = decimatedRate / peak.lag;
+        candidates[static_cast<std::size_t>(k)] = MakeCandidate(pitchHz, peak.clarity);
+        if (k == 0) {
+            plain = peak;
+            const float atHalf = correlation[static_cast<std::size_t>(peak.top / 2)];
+            const float halfClarity = GetClarity(atHalf, correlation[0]);
+            candidates.back() =
+                MakeCandidate(2.0F * pitchHz, std::max(peak.clarity * 0.5F, halfClarity));
+        }
+        ErasePeak(score, peak.found, maxLag);
+        ErasePeak(correlation, peak.top, maxLag);
+        map.Mark(peak.found, peak.lag, plain.clarity);
+    }
+    return plain;
+}
+
+/// Takes the lag over as far as it can be trusted, and answers the smoothed confidence.
+float LagTracker::Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING
+{
+    lag = (lag - newLag) * (1.0F - GetTrust(newClarity)) + newLag;
+    return confidence.process(newClarity);
+}
+
+LagEstimate LagTracker::Run(std::span<const float> ring, std::size_t writePosition) noexcept
+    UTIL_NONBLOCKING
+{
+    const int firstLag = Correlate(ring, writePosition);
+    Score();
+    const Peak plain = FindCandidates(firstLag);
+    if (!dynamicProgramming) {
+        // Nothing is looked ahead for, so nothing may wait: the run's own cost decides.
+        const float smoothed = Settle(plain.lag, plain.clarity);
+        return {lag, !analysing || 1.0F - plain.clarity < VoicingGate::UnvoicedCost, smoothed};
+    }
+    const DP::DynProgCached::Result result = path.Push(candidates);
+    const float pathLag = decimatedRate / std::exp(result.oldest.value * LogPerValue);
+    const float smoothed = Settle(pathLag, result.oldest.clarity);
+    if (!analysing) {
+        return {lag, true, smoothed};
+    }
+    return gate.Push(lag, smoothed, static_cast<float>(result.pathCost / delayFrames));
+}
+
+} // namespace DSP::Synapse

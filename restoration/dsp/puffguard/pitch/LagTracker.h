@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+#include "restoration/dsp/puffguard/RunningExp.h"
+#include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+#include "restoration/dsp/puffguard/pitch/Autocorr.h"
+#include "restoration/dsp/puffguard/pitch/DynProgCached.h"
+#include "restoration/dsp/puffguard/pitch/LagMap.h"
+#include "restoration/dsp/puffguard/pitch/VoicingGate.h"
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace DSP::Synapse {
+
+/// Follows the pitch period of a decimated signal, one run per analysis hop.
+///
+/// Each run finds a few candidate lags in the frame's autocorrelation, weighted by what earlier
+/// runs have found; dynamic programming picks the smoothest way through the candidates of the last
+/// `delayFrames` + 1 runs, and the voicing gate tells voiced from unvoiced.
+///
+/// Threads: the constructor is [setup], the rest [process], from one thread at a time.
+class LagTracker {
+public:
+    /// `newDelayFrames` in runs: how far dynamic programming looks ahead.
+    LagTracker(const AnalysisSizes& sizes, int newDelayFrames);
+
+    /// Forgets the signal.
+    void Reset() noexcept UTIL_NONBLOCKING;
+
+    /// Off: each run's first candidate is taken as it is, at once.
+    void SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING;
+
+    /// Off: the lag is answered as voiced at once, without the voicing gate and its delay.
+    void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING { analysing = enabled; }
+
+    /// One run on the frame that ends before `writePosition`, the place of `ring` written last.
+    LagEstimate Run(std::span<const float> ring, std::size_t writePosition) noexcept
+        UTIL_NONBLOCKING;
+
+    int GetFrameLength() const noexcept { return autocorr.GetFrameLength(); } ///< samples
+    int GetFftSize() const noexcept { return autocorr.GetFftSize(); }
+
+private:
+    /// Where a candidate lies, and how periodic the frame is there.
+    struct Peak {
+        int found; ///< lag of the best score
+        int top;   ///< lag of the correlation's own maximum
+        float lag; ///< refined
+        float clarity;
+    };
+
+    int Correlate(std::span<const float> ring, std::size_t writePosition) noexcept UTIL_NONBLOCKING;
+    void Score() noexcept UTIL_NONBLOCKING;
+    Peak FindPeak(int firstLag) const noexcept UTIL_NONBLOCKING;
+    DP::Candidate MakeCandidate(float pitchHz, float clarity) const noexcept UTIL_NONBLOCKING;
+    Peak FindCandidates(int firstLag) noexcept UTIL_NONBLOCKING;
+    float Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING;
+
+    int minLag;
+    int maxLag;
+    float decimatedRate;
+    int delayFrames;
+    bool dynamicProgramming = true;
+    bool analysing = true;
+    Autocorr autocorr;
+    LagMap map;
+    RunningExps2<float> smoother; // by lag
+    RunningExp<float> confidence;
+    DP::DynProgCached path;
+    VoicingGate gate;
+    DP::DynProgCached::Candidates candidates;
+    std::vector<float> correlation; // maxLag + 2, the last one 0
+    std::vector<float> score;       // maxLag + 1
+    std::vector<float> scratch;     // maxLag + 2
+    float lag = 0;                  // answer of the run before
+};
+
+} // namespace DSP::Synapse

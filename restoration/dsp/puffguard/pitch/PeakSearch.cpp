@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/PeakSearch.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace DSP::Synapse {
+
+namespace {
+
+constexpr int Lanes = 8;
+constexpr int ErasedAnyway = 5;
+
+/// Largest value, in eight separate chains that the compiler keeps in vectors.
+float FindLargest(const float* values, int count) noexcept
+{
+    float largest[Lanes];
+    std::fill(std::begin(largest), std::end(largest), values[0]);
+    int i = 0;
+    for (; i + Lanes <= count; i += Lanes) {
+        for (int lane = 0; lane < Lanes; ++lane) {
+            const float value = values[i + lane];
+            largest[lane] = value > largest[lane] ? value : largest[lane];
+        }
+    }
+    float result = *std::max_element(std::begin(largest), std::end(largest));
+    for (; i < count; ++i) {
+        result = std::max(result, values[i]);
+    }
+    return result;
+}
+
+/// Zeroes from `centre` in steps of `direction` until values rise again or `count` are done.
+void EraseSide(float* centre, int direction, int count) noexcept
+{
+    float previous = *centre;
+    for (int step = 0; step < count; ++step) {
+        float& value = centre[step * direction];
+        if (step >= ErasedAnyway && value > previous) {
+            return;
+        }
+        previous = value;
+        value = 0;
+    }
+}
+
+} // namespace
+
+int FindEndOfFall(std::span<const float> correlation, int minLag, int maxLag) noexcept
+    UTIL_NONBLOCKING
+{
+    const float* const r = correlation.data();
+    const int limit = (minLag + maxLag) / 2;
+    int end = 0;
+    for (int i = 1; i < limit && r[i - 1] > r[i]; ++i) {
+        end = i;
+    }
+    return std::max(end, minLag);
+}
+
+void RemoveOctaveGhosts(std::span<float> correlation,
+                        std::span<float> scratch,
+                        int firstLag,
+                        int maxLag) noexcept UTIL_NONBLOCKING
+{
+    // Halves are read from values not yet reduced, as in a walk down from the longest lag.
+    float* const r = correlation.data();
+    float* const ghosts = scratch.data();
+    for (int half = 0; 2 * half <= maxLag; ++half) {
+        ghosts[2 * half] = (r[half] + r[half]) * 0.125F;
+        ghosts[2 * half + 1] = (r[half + 1] + r[half]) * 0.125F;
+    }
+    for (int i = firstLag; i <= maxLag; ++i) {
+        const float own = r[i] * 0.5F;
+        const float ghost = own < ghosts[i] ? own : ghosts[i];
+        r[i] -= ghost > 0.0F ? ghost : 0.0F;
+    }
+}
+
+int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING
+{
+    const float* const begin = values.data() + first;
+    const float* const end = values.data() + last + 1;
+    const float largest = FindLargest(begin, static_cast<int>(end - begin));
+    const float* const found = std::find(begin, end, largest);
+    return found == end ? first : first + static_cast<int>(found - begin);
+}
+
+int ClimbToPeak(std::span<const float> correlation, int start, int reach, int maxLag) noexcept
+    UTIL_NONBLOCKING
+{
+    const float* const r = correlation.data();
+    int peak = start;
+    while (peak > 1 && peak + reach > start && r[peak - 1] > r[peak]) {
+        --peak;
+    }
+    while (peak + 2 < maxLag && peak < start + reach && r[peak + 1] > r[peak]) {
+        ++peak;
+    }
+    return peak;
+}
+
+float RefineLag(std::span<const float> correlation, int peak, int fallback) noexcept
+    UTIL_NONBLOCKING
+{
+    constexpr float FlattestBend = 1e-30F;
+    const float* const r = correlation.data();
+    const float bend = 2.0F * r[peak] - r[peak + 1] - r[peak - 1];
+    if (bend <= FlattestBend) {
+        return static_cast<float>(fallback);
+    }
+    const float offset = (r[peak + 1] - r[peak - 1]) / (2.0F * bend);
+    // A peak at lag 1 can only come from an absurd sample rate; its lag must not reach 0.
+    return std::max(static_cast<float>(peak) + std::clamp(offset, -1.0F, 1.0F), 1.0F);
+}
+
+float GetClarity(float value, float atZero) noexcept UTIL_NONBLOCKING
+{
+    constexpr float Tiny = 1e-6F;
+    const float floor = 0.01F * atZero;
+    if (atZero <= Tiny || value <= floor) {
+        return 0;
+    }
+    if (value >= atZero + Tiny) {
+        return 1;
+    }
+    return (value - floor) / (atZero + Tiny - floor);
+}
+
+void ErasePeak(std::span<float> values, int centre, int last) noexcept UTIL_NONBLOCKING
+{
+    float* const middle = values.data() + centre;
+    const float top = *middle;
+    EraseSide(middle, -1, centre + 1);
+    *middle = top; // the way up compares with the unerased centre, too
+    EraseSide(middle, 1, last - centre + 1);
+}
+
+} // namespace DSP::Synapse

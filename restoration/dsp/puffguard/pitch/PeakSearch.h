@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <span>
+
+namespace DSP::Synapse {
+
+/// What the lag tracker does to an autocorrelation: plain functions on its values by lag.
+/// `correlation` has one value more than the longest lag searched, and that one reads 0.
+/// All are [process].
+
+/// First lag at which the fall from lag 0 has ended, but at least `minLag`.
+int FindEndOfFall(std::span<const float> correlation, int minLag, int maxLag) noexcept
+    UTIL_NONBLOCKING;
+
+/// Takes from the lags `firstLag`..`maxLag` what they owe to a peak at half the lag, which shows a
+/// false pitch one octave below. `scratch` holds maxLag + 2 floats.
+void RemoveOctaveGhosts(std::span<float> correlation,
+                        std::span<float> scratch,
+                        int firstLag,
+                        int maxLag) noexcept UTIL_NONBLOCKING;
+
+/// Index of the first largest value from `first` to `last` inclusive.
+int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING;
+
+/// From lag `start` up the slope to the top of the correlation, at most `reach` lags away.
+int ClimbToPeak(std::span<const float> correlation, int start, int reach, int maxLag) noexcept
+    UTIL_NONBLOCKING;
+
+/// Lag of the parabola's top through `peak` and its neighbours, in fractions of a sample;
+/// `fallback` where the correlation is flat or hollow there.
+float RefineLag(std::span<const float> correlation, int peak, int fallback) noexcept
+    UTIL_NONBLOCKING;
+
+/// How periodic a frame with this value of the correlation is, 0 to 1; `atZero` is its value at
+/// lag 0.
+float GetClarity(float value, float atZero) noexcept UTIL_NONBLOCKING;
+
+/// Zeroes the peak around `centre`: five values each way, counting the centre, and then as long as
+/// they fall, down to index 0 and up to `last`.
+void ErasePeak(std::span<float> values, int centre, int last) noexcept UTIL_NONBLOCKING;
+
+} // namespace DSP::Synapse

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+#include "restoration/dsp/puffguard/pitch/AnalysisDelegate.h"
+#include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+#include "restoration/dsp/puffguard/pitch/Biquad.h"
+#include "restoration/dsp/puffguard/pitch/LagTracker.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace DSP::Synapse {
+
+/// From a stream of mono samples to its pitch track: prefilters, decimation, centre clipping and
+/// the lag tracker.
+///
+/// Threads: the constructor is [setup], the rest [process], from one thread at a time.
+class PitchEngine {
+public:
+    /// `sampleRate` in Hz; `newDelayFrames` in tracker runs, at least 1.
+    PitchEngine(double sampleRate, int newDelayFrames);
+
+    /// Forgets the signal; settings stay.
+    void Reset() noexcept UTIL_NONBLOCKING;
+
+    /// Corners of the prefilters, in Hz: the low-pass before decimation, the high-pass after it.
+    void SetLowpass(float cornerHz) noexcept UTIL_NONBLOCKING;
+    void SetHighpass(float cornerHz) noexcept UTIL_NONBLOCKING;
+    /// Time of the level that centre clipping goes by, in ms; 0 follows each sample.
+    void SetAveragingTime(float milliseconds) noexcept UTIL_NONBLOCKING;
+    /// How much of the level is clipped away around 0, 0 to 1.
+    void SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING;
+    /// Off: less latency, a rougher track.
+    void SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING;
+    /// Where samples and pitches go while analysing; null: nowhere. Not owned.
+    void SetDelegate(AnalysisDelegate* newDelegate) noexcept UTIL_NONBLOCKING;
+    /// Lowest voice, which the latency allows for.
+    void SetVocalRange(VocalRange range) noexcept UTIL_NONBLOCKING { vocalRange = range; }
+
+    /// Delay of the pitch against the input, in samples.
+    int GetLatency() const noexcept UTIL_NONBLOCKING
+    {
+        return sizes.GetLatency(vocalRange, dynamicProgramming, delayFrames);
+    }
+
+    /// Takes the next samples, full scale 1.0, and uses their memory as scratch.
+    void Process(std::span<float> mono) noexcept UTIL_NONBLOCKING;
+
+    const AnalysisSizes& GetSizes() const noexcept { return sizes; } ///< [any]
+    int GetFftSize() const noexcept { return tracker.GetFftSize(); } ///< [any]
+
+private:
+    void RemoveDc(std::span<float> mono) noexcept UTIL_NONBLOCKING;
+    void Advance(float x) noexcept UTIL_NONBLOCKING;
+    void Decimate() noexcept UTIL_NONBLOCKING;
+    void RunTracker() noexcept UTIL_NONBLOCKING;
+
+    const AnalysisSizes sizes;
+    int delayFrames;
+    VocalRange vocalRange = VocalRange::TenorAlto;
+    bool dynamicProgramming = true;
+    AnalysisDelegate* delegate = nullptr; // not owned
+    std::vector<float> ring;
+    std::vector<float> decimatedRing;
+    uint32_t ringPosition = 0;
+    std::array<Biquad, 2> dcFilter;
+    Biquad lowpass;       // at the full rate
+    Biquad highpass;      // at the decimated rate
+    float lowpassSum = 0; // outputs since the last decimated sample
+    float level = 0;
+    float levelCoefficient = 1;
+    float clippingThreshold = 0;
+    int8_t offsetCounter = 0;
+    LagTracker tracker;
+    std::optional<float> pitchHz; // of the latest run
+    float confidence = 0;
+};
+
+} // namespace DSP::Synapse

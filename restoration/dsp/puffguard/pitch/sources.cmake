@@ -1,0 +1,13 @@
+# SPDX-License-Identifier: ISC
+set(PITCH_SOURCES
+    pitch/AnalysisSizes.cpp
+    pitch/Autocorr.cpp
+    pitch/Biquad.cpp
+    pitch/CosineTransform.cpp
+    pitch/DynProgCached.cpp
+    pitch/LagMap.cpp
+    pitch/LagTracker.cpp
+    pitch/PeakSearch.cpp
+    pitch/PitchEngine.cpp
+    pitch/PitchStorageDelegate.cpp
+    pitch/VoicingGate.cpp)

@@ -19,12 +19,12 @@ float HalfOfSmallest()
     return smallest * half;
 }
 
-/// Twice the smallest denormal number.
-float TwiceADenormal()
+/// A normal number, provided that a denormal factor counts.
+float EnlargedDenormal()
 {
     volatile float denormal = std::numeric_limits<float>::denorm_min();
-    volatile float two = 2.0F;
-    return denormal * two;
+    volatile float large = 1e20F;
+    return denormal * large;
 }
 
 TEST(ScopedDenormalGuard, FlushesResultsAndInputsInsideItsScopeOnly)
@@ -34,14 +34,14 @@ TEST(ScopedDenormalGuard, FlushesResultsAndInputsInsideItsScopeOnly)
     {
         const Util::ScopedDenormalGuard outer;
         EXPECT_EQ(HalfOfSmallest(), 0.0F);
-        EXPECT_EQ(TwiceADenormal(), 0.0F);
+        EXPECT_EQ(EnlargedDenormal(), 0.0F);
         {
             const Util::ScopedDenormalGuard inner;
         }
         EXPECT_EQ(HalfOfSmallest(), 0.0F); // the inner one gives back what it found
     }
     EXPECT_NE(HalfOfSmallest(), 0.0F);
-    EXPECT_NE(TwiceADenormal(), 0.0F);
+    EXPECT_NE(EnlargedDenormal(), 0.0F);
 #else
     GTEST_SKIP() << "no such mode on this processor";
 #endif

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
 #include <future>
 #include <memory>
 #include <set>
@@ -71,14 +73,34 @@ TEST(TaskQueue, WaitsForWorkThatWorkPosts)
     EXPECT_EQ(depth, 20);
 }
 
-TEST(TaskQueue, WhatATaskHoldsIsGoneWhenTheQueueIsIdle)
+TEST(TaskQueue, IsIdleOnlyWhenTheLastTaskHasReturned)
 {
     Util::TaskQueue queue(1);
-    auto held = std::make_shared<int>(1);
-    const std::weak_ptr<int> watched = held;
+    for (int round = 0; round < 20; ++round) {
+        std::promise<void> started;
+        bool done = false;
+        queue.Post([&] {
+            started.set_value();
+            for (int i = 0; i < 1000; ++i) // time enough for a wait that is too short to return
+                std::this_thread::yield();
+            done = true;
+        });
+        started.get_future().wait();
+        queue.WaitUntilIdle();
+        ASSERT_TRUE(done);
+    }
+}
+
+TEST(TaskQueue, WhatATaskHoldsDiesBeforeTheQueueIsIdleAndMayPost)
+{
+    // The deleter would wait for ever if it ran under the queue's lock.
+    Util::TaskQueue queue(1);
+    int number = 0;
+    std::atomic<bool> posted = false;
+    std::shared_ptr<int> held(&number, [&](int*) { queue.Post([&posted] { posted = true; }); });
     queue.Post([inTask = std::move(held)] { static_cast<void>(inTask); });
     queue.WaitUntilIdle();
-    EXPECT_TRUE(watched.expired());
+    EXPECT_TRUE(posted);
 }
 
 TEST(TaskQueue, AFailingTaskIsTracedAndTheNextOneRuns)

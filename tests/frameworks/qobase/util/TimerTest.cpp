@@ -102,24 +102,23 @@ TEST(PeriodicTimer, AllTimersShareOneThreadAndItEndsWithTheLast)
 
 TEST(PeriodicTimer, TheDestructorWaitsForItsRunningCallback)
 {
-    std::promise<void> entered;
-    std::promise<void> gate;
-    std::atomic<bool> finished = false;
-    std::atomic<int> calls = 0;
-    std::optional<Util::PeriodicTimer> timer;
-    timer.emplace(Period, [&, opened = gate.get_future().share()] {
-        if (calls++ == 0)
-            entered.set_value();
-        opened.wait();
-        finished = true;
-    });
-    entered.get_future().wait();
-    std::thread opener([&] { gate.set_value(); });
-    timer.reset();
-    EXPECT_TRUE(finished);
-    const int callsAtEnd = calls;
-    opener.join();
-    EXPECT_EQ(calls, callsAtEnd);
+    const Util::PeriodicTimer keepsTheThread(1000, [] {}); // else its end would be waited for
+    for (int round = 0; round < 20; ++round) {
+        std::promise<void> entered;
+        std::atomic<int> calls = 0;
+        std::atomic<int> finished = 0;
+        std::optional<Util::PeriodicTimer> timer;
+        timer.emplace(Period, [&] {
+            if (++calls == 1)
+                entered.set_value();
+            for (int i = 0; i < 1000; ++i) // time enough for a destructor that doesn't wait
+                std::this_thread::yield();
+            ++finished;
+        });
+        entered.get_future().wait();
+        timer.reset();
+        ASSERT_EQ(finished, calls);
+    }
 }
 
 TEST(PeriodicTimer, ABusyTimerDoesNotHoldUpTheEndOfAnother)

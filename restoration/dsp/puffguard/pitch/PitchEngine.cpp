@@ -107,11 +107,15 @@ void PitchEngine::RemoveDc(std::span<float> mono) noexcept UTIL_NONBLOCKING
     offsetCounter = static_cast<int8_t>(counter);
 }
 
-void PitchEngine::Process(std::span<float> mono) noexcept UTIL_NONBLOCKING
+void PitchEngine::BeginBlock() noexcept UTIL_NONBLOCKING
 {
     if (delegate != nullptr) {
         delegate->BeginBlock(static_cast<uint32_t>(GetLatency()), ringPosition);
     }
+}
+
+void PitchEngine::Process(std::span<float> mono) noexcept UTIL_NONBLOCKING
+{
     RemoveDc(mono);
     for (const float x : mono) {
         Advance(x);

@@ -47,6 +47,15 @@ public:
         return sizes.GetLatency(vocalRange, dynamicProgramming, delayFrames);
     }
 
+    /// The longest delay that any setting gives.
+    int GetMaxLatency() const noexcept UTIL_NONBLOCKING
+    {
+        return sizes.GetLatency(VocalRange::Bass, true, delayFrames);
+    }
+
+    /// Tells the delegate that the next samples are a new block.
+    void BeginBlock() noexcept UTIL_NONBLOCKING;
+
     /// Takes the next samples, full scale 1.0, and uses their memory as scratch.
     void Process(std::span<float> mono) noexcept UTIL_NONBLOCKING;
 

@@ -8,6 +8,8 @@ set(PITCH_SOURCES
     pitch/LagMap.cpp
     pitch/LagTracker.cpp
     pitch/PeakSearch.cpp
+    pitch/PitchDetect.cpp
     pitch/PitchEngine.cpp
     pitch/PitchStorageDelegate.cpp
+    pitch/Synapse.cpp
     pitch/VoicingGate.cpp)

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/ElementDispatcher.h"
+#include "restoration/dsp/puffguard/pitch/PitchStorageDelegate.h"
+#include "restoration/dsp/puffguard/pitch/Synapse.h"
+
+#include <cstdint>
+#include <span>
+
+/// Pitch of a signal, for elements that need to know it.
+namespace DSP::PitchDetect {
+
+/// Element that keeps the pitch of each sample of its latest block. The block passes unchanged.
+/// Its parameters hand on to those of the same name on the Synapse inside.
+class PitchDetect final : public ElementDispatcher {
+public:
+    enum Param : uint32_t {
+        Analyze = 0,
+        Bypass = 1,
+        DisableDynamicProgramming = 2,
+        ResamplingQuality = 3,
+        VocalRange = 4,
+        LowpassFrequency = 5,
+        HighpassFrequency = 6,
+        DynamicProgrammingPatches = 7
+    };
+
+    /// Runs of the tracker that its dynamic programming looks ahead.
+    static constexpr int DelayFrames = 64;
+
+    /// Where the element works: that of the element around it.
+    struct Format {
+        ElementHost& host;
+        float sampleRate = 0;       ///< Hz
+        uint32_t channelConfig = 0; ///< layout code
+    };
+
+    /// [setup]
+    explicit PitchDetect(const Format& format);
+
+    /// Pitch in Hz for each sample of the latest block, 0 when unvoiced; they belong to the samples
+    /// GetLatency() earlier. Empty unless "Analyze" is on. [process]
+    std::span<const float> GetPitches() const noexcept { return storage.GetPitches(); }
+    /// Confidence in each of these pitches, 0 to 1. [process]
+    std::span<const float> GetConfidences() const noexcept { return storage.GetConfidences(); }
+
+protected:
+    uint32_t GetLatencySamples(Context context) const override;
+    uint32_t GetMaxLatencySamples() const override;
+    void OnReset() override;
+    void ProcessAudio(uint32_t frames, float* const* channels) override;
+
+private:
+    struct Values {
+        bool analyze = false;
+        bool bypass = false;
+        bool disableDynamicProgramming = false;
+        uint32_t resamplingQuality = 0;
+        uint32_t vocalRange = 0;
+        float lowpassHz = 0;
+        float highpassHz = 0;
+        uint32_t dynamicProgrammingPatches = 0;
+    };
+
+    void LinkBools();
+    void LinkFloats();
+    void LinkEnums();
+
+    Values values;
+    PitchStorageDelegate storage;
+    Synapse::Synapse synapse;
+};
+
+} // namespace DSP::PitchDetect

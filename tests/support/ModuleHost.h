@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+/// A host of the finished module that knows no more than the public header: tests act through it.
+namespace TestHost {
+
+constexpr uint32_t Process = 0; ///< context of the processing side
+constexpr uint32_t UI = 1;      ///< context of the UI side
+
+/// Rows of the automatable list, in its order.
+enum Automatable : uint32_t { Sensitivity, Strength, UpperFrequency, GlobalBypass };
+/// Places in the flat list of element parameters: seven of the global element stand first.
+constexpr uint32_t ElementGlobalBypass = 0;
+constexpr uint32_t ElementLatencyScaling = 10;
+
+/// The layout code of a plain layout: 0 and 1 for mono and stereo, else the numbered ones.
+constexpr uint32_t LayoutOf(uint32_t channels)
+{
+    return channels <= 2 ? channels - 1 : channels + 10;
+}
+
+/// Audio as [channel][frame].
+using Audio = std::vector<std::vector<float>>;
+
+/// The entry of the module, which is loaded at the first call and stays; null when it can't be.
+PluginCoreEntryFunction Entry();
+
+/// Calls the entry with the right magic number.
+uint32_t Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data);
+
+/// What the host callback was called for.
+struct HostCall {
+    uint32_t opcode;
+    uint32_t context;
+    uint32_t word; ///< first word of the record, 0 without one
+};
+
+/// One instance from CreatePlugin to DestroyPlugin. Moving audio is for one thread at a time, the
+/// rest for another. Create it where it stays: the module holds its address.
+class Instance {
+public:
+    /// Creates and initializes. Get() is null when that fails.
+    Instance(float sampleRate, uint32_t channels);
+    Instance(const Instance&) = delete;
+    Instance(Instance&&) = delete;
+    Instance& operator=(const Instance&) = delete;
+    Instance& operator=(Instance&&) = delete;
+    /// Terminates and destroys.
+    ~Instance();
+
+    PluginCore* Get() const { return instance; }
+
+    uint32_t SetFormat(float sampleRate, uint32_t layout);
+    /// Reported latency in samples.
+    uint32_t Latency(uint32_t context = UI);
+    /// Normalised values.
+    void Set(uint32_t index, float value, uint32_t context = UI);
+    float Value(uint32_t index, uint32_t context = UI);
+    void SetElement(uint32_t index, float value, uint32_t context = UI);
+    /// Resets all processing, as a host does before it plays.
+    void Settle();
+    /// Number of repairs since the last restart that the module reports.
+    uint32_t Detections();
+
+    /// Runs `frames` frames in place from `begin` on; answers the entry's code.
+    uint32_t RunBlock(Audio& audio, uint32_t begin, uint32_t frames);
+    /// Runs everything in place, cut as `nextBlock` says (frames of the next block, at least 1).
+    void Run(Audio& audio, const std::function<uint32_t()>& nextBlock);
+    void Run(Audio& audio, uint32_t block);
+
+    /// Called within the host callback, besides keeping the call. Set it while nothing runs.
+    std::function<void(const HostCall&)> onHostCall;
+    /// All calls so far; of [ui] calls while no other thread runs.
+    std::vector<HostCall> calls;
+
+private:
+    static uint32_t
+    Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data);
+
+    PluginCore* instance = nullptr;
+};
+
+/// A quiet noise floor with bursts of air that the module repairs: [channels][frames], the same for
+/// the same arguments.
+Audio MakeSpeechLike(uint32_t channels, uint32_t frames, float sampleRate);
+
+} // namespace TestHost

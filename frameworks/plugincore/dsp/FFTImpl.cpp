@@ -2,10 +2,10 @@
 #include "frameworks/plugincore/dsp/FFTImpl.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <stdexcept>
 #include <utility>
 
 namespace DSP {
@@ -320,6 +320,14 @@ double Turn(int part, int whole)
     return 2.0 * std::numbers::pi * part / whole;
 }
 
+int CheckOrder(int order)
+{
+    if (!FFTImpl<float>::IsSupported(order)) {
+        throw std::invalid_argument("No transform of this size");
+    }
+    return order;
+}
+
 std::size_t Index(int position)
 {
     return static_cast<std::size_t>(position);
@@ -334,10 +342,9 @@ int SineShift(int size)
 } // namespace
 
 FFTImpl<float>::FFTImpl(int newOrder)
-    : order(newOrder)
-    , half(1 << (newOrder - 1))
+    : order(CheckOrder(newOrder))
+    , half(1 << (order - 1))
 {
-    assert(IsSupported(newOrder));
     if (IsDirect()) {
         MakeDirectTable();
         return;

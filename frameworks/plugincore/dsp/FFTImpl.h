@@ -36,8 +36,8 @@ public:
         return order >= MinOrder && order <= MaxOrder;
     }
 
-    /// Makes the tables, about 4 F floats with the working buffer. `newOrder` is a supported one.
-    /// [setup]
+    /// Makes the tables, about 4 F floats with the working buffer. Throws std::invalid_argument for
+    /// an order that isn't supported. [setup]
     explicit FFTImpl(int newOrder);
 
     int GetOrder() const noexcept { return order; }

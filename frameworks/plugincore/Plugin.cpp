@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/Plugin.h"
+
+#include "frameworks/plugincore/PluginInfo.h"
+#include "frameworks/plugincore/StreamFormat.h"
+#include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/qobase/util/Process.h"
+#include "frameworks/qobase/util/Tick.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace {
+
+// Gaps in the stream that are shorter than this don't hand the signal path to the UI side.
+constexpr uint32_t ProcessingHoldMilliseconds = 2500;
+
+constexpr uint32_t IgnoredHostMessage = 0x8070A002;
+constexpr uint32_t EditorTextMessage = 0x800523BC;
+
+uint64_t StackTop()
+{
+    return reinterpret_cast<uint64_t>(__builtin_frame_address(0));
+}
+
+} // namespace
+
+Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
+    : PluginCore(factory.GetDefinition(), setup)
+    , sampleRate(IsServableRate(setup.sampleRate) ? setup.sampleRate : FallbackSampleRate)
+    , channelConfig(IsServableLayout(setup.channelConfig) ? setup.channelConfig
+                                                          : FallbackChannelConfig)
+    , channelCount(DSP::GetChannelCount(channelConfig))
+    , maxBlockFrames(factory.GetDefinition().GetMaxBlockFrames())
+    , constructStart(setup.traceAllocations ? StackTop() : 0)
+    , hostIdentity(IdentifyHost(Util::GetExecutablePath()))
+    , delaySettings(factory.GetDelaySettings())
+    , memoryPool("PluginMemoryPool")
+    , fftPool("PluginFFTPool")
+    , taskQueue(1)
+    , transform(factory.CreateTransform(*this, sampleRate, channelConfig))
+{
+    UpdateLatency(DSP::Context::UI, Notify::Yes);
+    UpdateLatency(DSP::Context::Process, Notify::No);
+    transform->PlanDryDelay();
+    BuildElementParamList();
+    if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
+        timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
+    }
+    reconfiguring = false;
+}
+
+Plugin::~Plugin()
+{
+    suspended = true;
+    timer.reset();
+    transform.reset(); // its elements give back the commands that they still hold
+    // What is left was lost to a full ring.
+    for (DSP::DSPCommand* command : liveCommands) {
+        delete command;
+    }
+}
+
+void Plugin::Initialize()
+{
+    WindowHintRecord hint{};
+    if (GetHostCallback().Ask(HostOpcodeGetWindowHint, DSP::Context::Process, &hint)) {
+        hostWindowHint = hint;
+    }
+    initialized = true;
+}
+
+void Plugin::Terminate()
+{
+    initialized = false;
+}
+
+bool Plugin::RecentlyProcessed() const
+{
+    const uint32_t last = lastProcessTick;
+    return last != 0 && Util::GetTickCount() - last < ProcessingHoldMilliseconds;
+}
+
+bool Plugin::IsProcessing() const
+{
+    return processing || RecentlyProcessed();
+}
+
+bool Plugin::IsUIThread() const
+{
+    return processThread.load() != std::this_thread::get_id();
+}
+
+bool Plugin::MayChangeDSP() const
+{
+    const std::thread::id caller = std::this_thread::get_id();
+    if (caller == processThread.load() || caller == audioThread.load()) {
+        return true;
+    }
+    const bool exempt = GetFormat() == FormatDPMAudioSuite || GetFormat() == FormatAU;
+    return exempt || !IsUIThread() || suspended || reconfiguring || !IsProcessing();
+}
+
+uint64_t Plugin::GetProcessPosition() const
+{
+    return transform->GetSamplesProcessed() + processBlockOffset;
+}
+
+void Plugin::CommandPosted(DSP::Element& /*element*/, DSP::DSPCommand& command)
+{
+    liveCommands.push_back(&command);
+}
+
+void Plugin::CommandFinished(DSP::Element& /*element*/, DSP::DSPCommand& command)
+{
+    const auto found = std::find(liveCommands.begin(), liveCommands.end(), &command);
+    if (found != liveCommands.end()) {
+        *found = liveCommands.back();
+        liveCommands.pop_back();
+    }
+}
+
+uint32_t Plugin::HostMessage(const HostMessageRecord& record)
+{
+    switch (record.message) {
+    case IgnoredHostMessage:
+        return PluginCoreSuccess;
+    case EditorTextMessage:
+        return PluginCoreNoEditor;
+    default:
+        return PluginCoreUnsupported;
+    }
+}
+
+uint32_t Plugin::ElementCommand(ElementRecord& record)
+{
+    const auto& elements = transform->GetSet().GetElements();
+    switch (record.op) {
+    case ElementOpGetCount:
+        record.count = static_cast<uint32_t>(elements.size());
+        return PluginCoreSuccess;
+    case ElementOpGetElement: {
+        if (record.count != elements.size() || record.index >= elements.size()) {
+            return PluginCoreUnsupported;
+        }
+        const auto entry = std::next(elements.begin(), record.index);
+        CopyText(record.name, entry->first);
+        record.element = entry->second.get();
+        return PluginCoreSuccess;
+    }
+    case ElementOpSetObserver:
+        transform->SetElementObserver({record.observer, record.observerContext});
+        return PluginCoreSuccess;
+    default:
+        return PluginCoreUnsupported;
+    }
+}
+
+void Plugin::SetHostTrackValue(uint64_t value)
+{
+    hostTrackValue = value;
+    hasHostTrackValue = true;
+}
+
+void Plugin::Tick()
+{
+    if (!initialized || !GetThreadController().GetUILock().TryEnter()) {
+        return;
+    }
+    std::vector<HostCallback::Notification> notifications;
+    {
+        const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
+        GetHostCallback().Hold();
+        processDirty = false;
+        transform->GetSet().OnUIIdle();
+        transform->GetSet().OnSyncParams();
+        CheckLatency(DSP::Context::UI);
+        notifications = GetHostCallback().TakeHeld();
+    }
+    // With the lock free again: the host may answer with calls of its own, on any thread.
+    for (const HostCallback::Notification& notification : notifications) {
+        GetHostCallback().Send(notification);
+    }
+}

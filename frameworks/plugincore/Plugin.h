@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/HostIdentification.h"
+#include "frameworks/plugincore/PluginFactory.h"
+#include "frameworks/plugincore/dsp/FFTPool.h"
+#include "frameworks/plugincore/dsp/MemoryPool.h"
+#include "frameworks/qobase/util/TaskQueue.h"
+#include "frameworks/qobase/util/Timer.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <thread>
+#include <vector>
+
+/// One instance: owns the signal path, cuts the host's blocks to what the elements take, keeps a
+/// latency for each side and tells the host when they change, and brings everything to a new
+/// stream format.
+///
+/// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
+/// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
+/// touch is atomic.
+class Plugin final : public PluginCore, public DSP::ElementHost {
+public:
+    Plugin(const PluginFactory& factory, const PluginSetup& setup);
+    ~Plugin() override;
+
+    // PluginCore
+    void Initialize() override;
+    void Terminate() override;
+    uint64_t GetConstructStart() const override { return constructStart; }
+    uint32_t GetAutomatableParamCount() const override;
+    void GetAutomatableParamList(ParamInfoRecord* records) const override;
+    uint32_t GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const override;
+    uint32_t SetAutomatableParam(DSP::Context context, const ParamValueRecord& record) override;
+    uint32_t GetElementParamCount() const override;
+    void GetElementParamList(ElementParamInfoRecord* records) const override;
+    uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const override;
+    uint32_t SetElementParam(DSP::Context context, const ParamValueRecord& record) override;
+    void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
+    uint32_t GetLatency(DSP::Context context) const override;
+    uint32_t ResetProcessing(DSP::Context context) override;
+    void SetProcessingState(DSP::Context context, bool active, bool hold) override;
+    void onSettle() override;
+    void beforeProcess(uint32_t eventCount, const uint8_t* events) override;
+    void process(const ProcessRecord& record) override;
+    void afterProcess() override;
+    void ProcessSidePass(const SidePassRecord& record) override;
+    void TransformQuery(uint32_t& value) override { transform->Query(value); }
+    void TransformNotify(uint32_t value) override { transform->Notify(value); }
+    void TransformReset() override { transform->Reset(); }
+    bool TransformRead(TransformReadRecord& record) override { return transform->Read(record); }
+    bool LoadTransformData(uint32_t size, const void* data) override
+    {
+        return transform->LoadData(size, data);
+    }
+    uint32_t HostMessage(const HostMessageRecord& record) override;
+    uint32_t ElementCommand(ElementRecord& record) override;
+    void SetHostTrackValue(uint64_t value) override;
+
+    // DSP::ElementHost
+    void ReserveProcessingMemory(std::size_t bytes) override { memoryPool.Reserve(bytes); }
+    void* AllocProcessingMemory(std::size_t bytes) override { return memoryPool.Allocate(bytes); }
+    void FreeProcessingMemory(void* block, std::size_t bytes) override
+    {
+        memoryPool.Free(block, bytes);
+    }
+    std::size_t GetProcessingMemoryMark() override { return memoryPool.GetMark(); }
+    void SetProcessingMemoryMark(std::size_t mark) override { memoryPool.SetMark(mark); }
+    void PrepareFFT(uint32_t order) override { fftPool.Prepare(order); }
+    DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return fftPool.Get(order); }
+    bool IsProcessing() const override;
+    Util::CriticalSection& GetProcessLock() override
+    {
+        return GetThreadController().GetProcessLock();
+    }
+    bool IsPositionless() const override { return renderFlagB; }
+    bool GetRenderFlagA() const override { return renderFlagA; }
+    uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
+    void SetProcessBlockOffset(uint32_t frames) override { processBlockOffset = frames; }
+    uint32_t GetProcessBlockOffset() const override { return processBlockOffset; }
+    uint64_t GetProcessPosition() const override;
+    std::optional<int64_t> GetTransportPosition() const override;
+    void LatencyChanged(DSP::Context context) override;
+    uint32_t GetProcessingSystemDelaySamples() const override;
+    bool IsUIThread() const override;
+    bool MayChangeDSP() const override;
+    bool IsReconfiguring() const override { return reconfiguring; }
+    bool IsSuspended() const override { return suspended; }
+    void MarkProcessDirty() override { processDirty = true; }
+    Util::TaskQueue& GetTaskQueue() override { return taskQueue; }
+    void CommandPosted(DSP::Element& element, DSP::DSPCommand& command) override;
+    void CommandFinished(DSP::Element& element, DSP::DSPCommand& command) override;
+    void ParamGrabbed(DSP::Element& element, const String& name) override;
+    void ParamReleased(DSP::Element& element, const String& name) override;
+    void ParamChanged(DSP::Element& element, const String& name) override;
+
+    /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
+    bool RecentlyProcessed() const;
+    const HostIdentity& GetHostIdentity() const { return hostIdentity; }
+
+private:
+    // One side's view of the delay between input and output, in samples.
+    struct Latency {
+        std::atomic<uint32_t> reported{0};
+        std::atomic<uint32_t> raw{0}; // sum over the elements
+        std::atomic<bool> dirty{false};
+    };
+    // One row of the flat list of all elements' parameters.
+    struct ElementParam {
+        String elementName;
+        uint32_t elementIndex;
+        DSP::Element* element;
+        DSP::ParamObject param;
+    };
+    enum class Notify { No, Yes };
+    class ProcessScope;
+    class ThreadMark;
+
+    // Plugin.cpp
+    void Tick();
+    bool CanReport() const;
+    Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
+
+    // PluginLatency.cpp
+    void UpdateLatency(DSP::Context context, Notify notify);
+    void CheckLatency(DSP::Context context);
+
+    // PluginParams.cpp
+    void BuildElementParamList();
+    void SetParam(DSP::Element& element,
+                  const DSP::ParamObject& param,
+                  DSP::Context context,
+                  float value);
+    uint32_t FindAutomatable(const ElementParam& entry, uint32_t& index) const;
+
+    // PluginFormat.cpp
+    void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
+
+    // PluginProcess.cpp
+    void RunCommands();
+    void RunChunks(const ProcessRecord& record);
+    void ReplaceNonFinite(const ProcessRecord& record) const;
+
+    float sampleRate;       // Hz
+    uint32_t channelConfig; // layout code
+    uint32_t channelCount;
+    const uint32_t maxBlockFrames;
+    const uint64_t constructStart;
+    const HostIdentity hostIdentity;
+    const DelaySettings delaySettings;
+    std::atomic<bool> reconfiguring{true}; // until construction is done, then during a new format
+    std::atomic<bool> initialized{false};
+    std::atomic<bool> suspended{false};
+    std::atomic<bool> switching{false};
+    std::atomic<bool> processing{false};
+    std::atomic<bool> processDirty{false};        // the tick has to finish something
+    std::atomic<uint32_t> lastProcessTick{0};     // ms; 0 means never
+    std::atomic<std::thread::id> processThread{}; // inside the process side now; default: none
+    std::atomic<std::thread::id> audioThread{};   // last to run process()
+    std::array<Latency, 2> latencies;             // by context
+    DSP::MemoryPool memoryPool;
+    DSP::FFTPool fftPool;
+    Util::TaskQueue taskQueue;
+    std::vector<DSP::DSPCommand*> liveCommands; // under way; UI side
+    bool renderFlagA = false;
+    bool renderFlagB = false;
+    uint32_t processBlockOffset = 0;
+    TransportRecord transportCopy{}; // advanced chunk by chunk
+    bool transportCopyValid = false;
+    WindowHintRecord hostWindowHint{};
+    std::atomic<uint64_t> hostTrackValue{0};
+    std::atomic<bool> hasHostTrackValue{false};
+    std::unique_ptr<DSP::TransformBase> transform;
+    std::vector<ElementParam> elementParamList;
+    std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
+};

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/HostCallback.h"
+#include "frameworks/plugincore/PluginDefinition.h"
+#include "frameworks/plugincore/ThreadController.h"
+#include "frameworks/plugincore/dsp/ElementHost.h"
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+
+#include <optional>
+
+/// What CreatePlugin is given, and what an instance keeps of it.
+struct PluginSetup {
+    PluginCoreHostFunction hostCallback = nullptr;
+    void* hostRefcon = nullptr;
+    String modulePath;
+    PluginIdentity identity{};
+    float sampleRate = 0;       ///< Hz
+    uint32_t channelConfig = 0; ///< layout code
+    int32_t flag = 0;
+    bool traceAllocations = false;
+};
+
+/// What the entry asks of an instance: one operation for each selector that reaches it. The entry
+/// has taken the lock of the context that an operation is called with, and has tested the record.
+///
+/// Answers are codes of PluginCoreResult.
+struct PluginCore {
+    PluginCore(const PluginDefinition& newDefinition, const PluginSetup& setup);
+    PluginCore(const PluginCore&) = delete;
+    PluginCore& operator=(const PluginCore&) = delete;
+    virtual ~PluginCore();
+
+    ThreadController& GetThreadController() { return threadController; }
+    const PluginDefinition& GetDefinition() const { return definition; }
+
+    /// "VST3" and the like; "?" for a number that names none.
+    String GetFormatName() const;
+    const String& GetModulePath() const { return modulePath; }
+    /// Interface language that the wrapper forces, when it is one that there are texts for.
+    const std::optional<String>& GetForcedLanguage() const { return forcedLanguage; }
+
+    virtual void Initialize() = 0;
+    virtual void Terminate() = 0;
+    /// Stack top at construction, 0 unless tracing was asked for.
+    virtual uint64_t GetConstructStart() const = 0;
+
+    virtual uint32_t GetAutomatableParamCount() const = 0;
+    virtual void GetAutomatableParamList(ParamInfoRecord* records) const = 0;
+    virtual uint32_t GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const = 0;
+    virtual uint32_t SetAutomatableParam(DSP::Context context, const ParamValueRecord& record) = 0;
+    virtual uint32_t GetElementParamCount() const = 0;
+    virtual void GetElementParamList(ElementParamInfoRecord* records) const = 0;
+    virtual uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const = 0;
+    virtual uint32_t SetElementParam(DSP::Context context, const ParamValueRecord& record) = 0;
+
+    virtual void SetStreamFormat(float sampleRate, uint32_t channelConfig) = 0;
+    /// Samples.
+    virtual uint32_t GetLatency(DSP::Context context) const = 0;
+    virtual uint32_t ResetProcessing(DSP::Context context) = 0;
+    virtual void SetProcessingState(DSP::Context context, bool active, bool hold) = 0;
+
+    virtual void onSettle() = 0;
+    virtual void beforeProcess(uint32_t eventCount, const uint8_t* events) = 0;
+    virtual void process(const ProcessRecord& record) = 0;
+    virtual void afterProcess() = 0;
+    virtual void ProcessSidePass(const SidePassRecord& record) = 0;
+
+    virtual void TransformQuery(uint32_t& value) = 0;
+    virtual void TransformNotify(uint32_t value) = 0;
+    virtual void TransformReset() = 0;
+    virtual bool TransformRead(TransformReadRecord& record) = 0;
+    virtual bool LoadTransformData(uint32_t size, const void* data) = 0;
+
+    virtual uint32_t HostMessage(const HostMessageRecord& record) = 0;
+    virtual uint32_t ElementCommand(ElementRecord& record) = 0;
+    virtual void SetHostTrackValue(uint64_t value) = 0;
+
+protected:
+    HostCallback& GetHostCallback() { return hostCallback; }
+    const HostCallback& GetHostCallback() const { return hostCallback; }
+    int32_t GetFormat() const { return identity.format; }
+
+private:
+    PluginIdentity identity;
+    std::optional<String> forcedLanguage;
+    const PluginDefinition& definition;
+    HostCallback hostCallback;
+    const String modulePath;
+    ThreadController threadController;
+};

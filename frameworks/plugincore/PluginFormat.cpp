@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: ISC
+// What restarts the signal path of an instance: a new stream format, a reset, a change of the
+// processing state.
+#include "frameworks/plugincore/Plugin.h"
+#include "frameworks/plugincore/PluginThreadMark.h"
+#include "frameworks/plugincore/StreamFormat.h"
+#include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <mutex>
+
+namespace {
+
+// A flag that is set from here to the end of the scope, also when an exception ends it.
+class ScopedFlag {
+public:
+    explicit ScopedFlag(std::atomic<bool>& newFlag)
+        : flag(newFlag)
+    {
+        flag = true;
+    }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+    ~ScopedFlag() { flag = false; }
+
+private:
+    std::atomic<bool>& flag;
+};
+
+} // namespace
+
+void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
+{
+    if (!IsServableRate(newSampleRate) || !IsServableLayout(newChannelConfig)) {
+        return;
+    }
+    if (newSampleRate == sampleRate && newChannelConfig == channelConfig) {
+        return;
+    }
+    // A change within a change, through a host callback, is not heard.
+    if (reconfiguring) {
+        return;
+    }
+    const ScopedFlag guard(reconfiguring);
+    Reconfigure(newSampleRate, newChannelConfig);
+}
+
+void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
+{
+    const std::scoped_lock processGuard(GetThreadController().GetProcessLock());
+    const std::scoped_lock uiGuard(GetThreadController().GetUILock());
+    const ScopedFlag suspendedGuard(suspended);
+    const ScopedFlag switchingGuard(switching);
+    processing = false;
+    lastProcessTick = 0;
+    sampleRate = newSampleRate;
+    channelConfig = newChannelConfig;
+    channelCount = DSP::GetChannelCount(newChannelConfig);
+    transform->SetFormat(sampleRate, channelConfig);
+    BuildElementParamList();
+    LatencyChanged(DSP::Context::Process);
+    transform->PlanDryDelay();
+    transform->Settle();
+}
+
+uint32_t Plugin::ResetProcessing(DSP::Context context)
+{
+    RunCommands();
+    transform->Settle();
+    UpdateLatency(DSP::Context::Process, Notify::No);
+    UpdateLatency(DSP::Context::UI, Notify::Yes);
+    return GetLatency(context);
+}
+
+void Plugin::onSettle()
+{
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
+    transform->Settle();
+}
+
+void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
+{
+    if (active && !hold) {
+        if (context == DSP::Context::Process) {
+            onSettle();
+        } else {
+            const std::scoped_lock guard(GetThreadController().GetProcessLock());
+            const ScopedFlag suspendedGuard(suspended);
+            onSettle();
+        }
+    } else if (!active && !hold) {
+        processing = false;
+        lastProcessTick = 0;
+    }
+}

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: ISC
+// Parameters of an instance as the host sees them: the automatable ones in the order of their list,
+// and those of all elements in one flat list.
+#include "frameworks/plugincore/ParamRecords.h"
+#include "frameworks/plugincore/Plugin.h"
+#include "frameworks/plugincore/PluginThreadMark.h"
+#include "frameworks/qobase/util/Realtime.h"
+
+void Plugin::BuildElementParamList()
+{
+    elementParamList.clear();
+    uint32_t elementIndex = 0;
+    for (const auto& [name, element] : transform->GetSet().GetOrder()) {
+        for (uint32_t index = 0; index < element->GetParamCount(); ++index) {
+            const auto found = element->GetParamMap().find(element->GetParamName(index));
+            if (found != element->GetParamMap().end()) {
+                elementParamList.push_back({name, elementIndex, element, found->second});
+            }
+        }
+        ++elementIndex;
+    }
+}
+
+uint32_t Plugin::GetAutomatableParamCount() const
+{
+    return static_cast<uint32_t>(transform->GetParamSet().GetParams().size());
+}
+
+void Plugin::GetAutomatableParamList(ParamInfoRecord* records) const
+{
+    for (const DSP::AutomatableParam& entry : transform->GetParamSet().GetParams()) {
+        FillParamInfo(entry.param, entry.elementName, entry.displayName, *records++);
+    }
+}
+
+uint32_t Plugin::GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const
+{
+    const auto& params = transform->GetParamSet().GetParams();
+    if (record.index >= params.size()) {
+        return PluginCoreUnsupported;
+    }
+    record.value = GetNormalised(params[record.index].param, context);
+    return PluginCoreSuccess;
+}
+
+uint32_t Plugin::SetAutomatableParam(DSP::Context context, const ParamValueRecord& record)
+{
+    const auto& params = transform->GetParamSet().GetParams();
+    if (record.index >= params.size()) {
+        return PluginCoreUnsupported;
+    }
+    const DSP::AutomatableParam& entry = params[record.index];
+    SetParam(*entry.element, entry.param, context, record.value);
+    return PluginCoreSuccess;
+}
+
+uint32_t Plugin::GetElementParamCount() const
+{
+    return static_cast<uint32_t>(elementParamList.size());
+}
+
+void Plugin::GetElementParamList(ElementParamInfoRecord* records) const
+{
+    const DSP::ParamSetBase& automatable = transform->GetParamSet();
+    for (const ElementParam& entry : elementParamList) {
+        const String paramName =
+            std::visit([](const auto& object) { return object->GetName(); }, entry.param);
+        ParamInfoRecord& info = records->info;
+        FillParamInfo(entry.param,
+                      entry.elementName,
+                      String("%1 %2").arg(entry.elementName).arg(paramName),
+                      info);
+        if (const auto index = automatable.FindIndex(*entry.element, paramName)) {
+            info.isAutomatable = 1;
+            info.isAutomatable2 = 1;
+            info.automatableIndex = *index;
+        }
+        records->elementIndex = entry.elementIndex;
+        ++records;
+    }
+}
+
+uint32_t Plugin::GetElementParam(DSP::Context context, ParamValueRecord& record) const
+{
+    if (record.index >= elementParamList.size()) {
+        return PluginCoreUnsupported;
+    }
+    record.value = GetNormalised(elementParamList[record.index].param, context);
+    return PluginCoreSuccess;
+}
+
+uint32_t Plugin::SetElementParam(DSP::Context context, const ParamValueRecord& record)
+{
+    if (record.index >= elementParamList.size()) {
+        return PluginCoreUnsupported;
+    }
+    const ElementParam& entry = elementParamList[record.index];
+    SetParam(*entry.element, entry.param, context, record.value);
+    return PluginCoreSuccess;
+}
+
+void Plugin::SetParam(DSP::Element& element,
+                      const DSP::ParamObject& param,
+                      DSP::Context context,
+                      float value)
+{
+    const Util::ScopedDenormalGuard denormalGuard;
+    if (context == DSP::Context::Process) {
+        const ThreadMark mark(processThread);
+        if (SetNormalised(param, value, context, DSP::SourceHost)) {
+            processDirty = true;
+        }
+    } else {
+        // The process side may have moved on: the comparison is with what it has now.
+        element.SyncParams();
+        SetNormalised(param, value, context, DSP::SourceHost);
+    }
+    CheckLatency(context);
+}
+
+// Gestures come from an editor, so that without one there are none to report.
+void Plugin::ParamGrabbed(DSP::Element& /*element*/, const String& /*name*/) {}
+void Plugin::ParamReleased(DSP::Element& /*element*/, const String& /*name*/) {}
+
+void Plugin::ParamChanged(DSP::Element& element, const String& name)
+{
+    if (switching || reconfiguring) {
+        return;
+    }
+    const auto index = transform->GetParamSet().FindIndex(element, name);
+    if (!index) {
+        return;
+    }
+    const auto& params = transform->GetParamSet().GetParams();
+    GetHostCallback().NotifyParam(
+        {1, *index, GetNormalised(params[*index].param, DSP::Context::UI)});
+}

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: ISC
+// The way of a host's block through an instance.
+#include "frameworks/plugincore/Plugin.h"
+#include "frameworks/plugincore/PluginThreadMark.h"
+#include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/qobase/util/Realtime.h"
+#include "frameworks/qobase/util/Tick.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+/// Marks an instance as processing, and this thread as the one that does it.
+class Plugin::ProcessScope {
+public:
+    explicit ProcessScope(Plugin& newPlugin)
+        : plugin(newPlugin)
+        , mark(newPlugin.processThread)
+    {
+        plugin.lastProcessTick = Util::GetTickCount();
+        plugin.processing = true;
+        plugin.audioThread = std::this_thread::get_id();
+    }
+    ProcessScope(const ProcessScope&) = delete;
+    ProcessScope& operator=(const ProcessScope&) = delete;
+    ~ProcessScope() { plugin.processing = false; }
+
+private:
+    Plugin& plugin;
+    const ThreadMark mark;
+    const Util::ScopedDenormalGuard denormalGuard;
+};
+
+void Plugin::beforeProcess(uint32_t eventCount, const uint8_t* events)
+{
+    transform->BeforeProcess(eventCount, events);
+}
+
+void Plugin::afterProcess()
+{
+    transform->AfterProcess();
+}
+
+void Plugin::process(const ProcessRecord& record)
+{
+    const ProcessScope scope(*this);
+    renderFlagA = record.renderFlagA != 0;
+    renderFlagB = record.renderFlagB != 0;
+    transportCopy = record.transport != nullptr ? *record.transport : TransportRecord();
+    transportCopyValid = true;
+    ReplaceNonFinite(record);
+    RunCommands(); // once a host block, not once a chunk
+    RunChunks(record);
+    renderFlagA = false;
+    renderFlagB = false;
+    CheckLatency(DSP::Context::Process);
+    transportCopyValid = false;
+}
+
+// One bad sample from another plug-in would otherwise stay in the repair's statistics for good.
+void Plugin::ReplaceNonFinite(const ProcessRecord& record) const
+{
+    for (uint32_t channel = 0; channel < channelCount; ++channel) {
+        float* samples = record.channels[channel];
+        if (samples != nullptr) {
+            std::replace_if(
+                samples,
+                samples + record.frames,
+                [](float sample) { return !std::isfinite(sample); },
+                0.0F);
+        }
+    }
+}
+
+void Plugin::RunCommands()
+{
+    for (const auto& [name, element] : transform->GetSet().GetElements()) {
+        element->ProcessRegion(0, 0, nullptr);
+    }
+}
+
+void Plugin::RunChunks(const ProcessRecord& record)
+{
+    std::array<float*, DSP::MaxChannels> channels{};
+    for (uint32_t done = 0; done < record.frames;) {
+        const uint32_t chunk = std::min(record.frames - done, maxBlockFrames);
+        for (uint32_t channel = 0; channel < channelCount; ++channel) {
+            float* samples = record.channels[channel];
+            channels[channel] = samples != nullptr ? samples + done : nullptr;
+        }
+        transform->ProcessChunk(chunk, channels.data());
+        if (transportCopy.isPositionValid != 0) {
+            transportCopy.position += chunk;
+        }
+        done += chunk;
+    }
+}
+
+void Plugin::ProcessSidePass(const SidePassRecord& record)
+{
+    const ProcessScope scope(*this);
+    transform->ProcessSidePass(record.frames, record.first, record.second);
+}
+
+std::optional<int64_t> Plugin::GetTransportPosition() const
+{
+    if (!transportCopyValid || transportCopy.isPositionValid == 0) {
+        return std::nullopt;
+    }
+    return std::llround(transportCopy.position);
+}

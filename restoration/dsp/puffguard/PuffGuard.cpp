@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/PuffGuard.h"
+
+#include "restoration/dsp/puffguard/VectorOps.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace DSP::Shared {
+
+namespace {
+
+constexpr float FrameSeconds = 0.1F; // the filterbank takes 0.7 of it as the least length
+constexpr int32_t OverlapFactor = 8;
+constexpr float PeakSeconds = 0.07F;
+constexpr float EdgeSeconds = 0.05F;
+constexpr uint32_t LeastPeakRadius = 2;
+constexpr uint32_t LeastEdgeFrames = 3;
+constexpr float SilentPower = 1e-6F;
+// Where the energy that the log tells of is measured.
+constexpr float EnergyFromHz = 20;
+constexpr float EnergyToHz = 150;
+constexpr float LargestRate = 1e9F; // the filterbank takes whole numbers
+
+ParamRegistration<float>
+MakeParam(const char* name, ValueRange<float> range, float defaultValue, float& target)
+{
+    ParamRegistration<float> registration;
+    registration.name = name;
+    registration.range = range;
+    registration.defaultValue = defaultValue;
+    registration.target = &target;
+    return registration;
+}
+
+} // namespace
+
+PuffGuard::PuffGuard(const Format& format, DetectionLog& newLog)
+    : ElementDispatcher({.host = format.host,
+                         .name = "PuffGuard",
+                         .sampleRate = format.sampleRate,
+                         .channelConfig = format.channelConfig})
+    , pitchDetect({format.host, format.sampleRate, format.channelConfig})
+    , log(newLog)
+{
+    AddChild(pitchDetect);
+    RegisterParams();
+    // Shows the default "Latency scaling" of 1 to its callback: the first sizing is the largest.
+    FinaliseParams();
+    GetTail().SetFrameSize(hopSize);
+}
+
+void PuffGuard::RegisterParams()
+{
+    RegisterFloatParam(Sensitivity, MakeParam("Detection sensitivity", {0, 10}, 5, sensitivity));
+    RegisterFloatParam(Strength, MakeParam("Reduction strength", {0, 10}, 5, strength));
+    ParamRegistration<float> limit =
+        MakeParam("Upper repair frequency", {50, 2000}, 500, frequencyLimit);
+    limit.info.units = "Hz";
+    RegisterFloatParam(FrequencyLimit, std::move(limit));
+    ParamRegistration<float> scaling = MakeParam("Latency scaling", {0, 1}, 1, latencyScaling);
+    scaling.onProcessChange = [this](float) {
+        initialise();
+        GetHost().LatencyChanged(Context::Process);
+    };
+    RegisterFloatParam(LatencyScaling, std::move(scaling));
+}
+
+PuffGuard::HistorySizes PuffGuard::GetHistorySizes(float scaling) const noexcept UTIL_NONBLOCKING
+{
+    const auto framesIn = [&](float seconds) {
+        const float frames =
+            GetSampleRate() * scaling * seconds / static_cast<float>(hopSize) + 0.5F;
+        return static_cast<uint32_t>(frames);
+    };
+    HistorySizes sizes;
+    sizes.peakRadius = std::max(framesIn(PeakSeconds), LeastPeakRadius);
+    sizes.edgeFrames = std::max(framesIn(EdgeSeconds), LeastEdgeFrames);
+    sizes.length = (sizes.peakRadius + sizes.edgeFrames) * 2 + 1;
+    return sizes;
+}
+
+void PuffGuard::initialise()
+{
+    filterbank.initialise(static_cast<int32_t>(GetChannelCount()),
+                          static_cast<int32_t>(std::min(GetSampleRate(), LargestRate)),
+                          static_cast<int32_t>(GetHost().GetMaxBlockFrames()));
+    filterbank.configure(FrameSeconds, OverlapFactor, WindowBlackman, -1);
+    frameSize = static_cast<uint32_t>(filterbank.GetFFTSize());
+    hopSize = static_cast<uint32_t>(filterbank.GetHop());
+    binCount = frameSize / 2 + 1;
+    bands = MakeDetectionBands(filterbank.GetFFTSize(), GetSampleRate());
+    energyFirst = GetNearestBin(EnergyFromHz, filterbank.GetFFTSize(), GetSampleRate());
+    energyLast = GetNearestBin(EnergyToHz, filterbank.GetFFTSize(), GetSampleRate());
+
+    const HistorySizes sizes = GetHistorySizes(latencyScaling);
+    peakRadius = sizes.peakRadius;
+    edgeFrames = sizes.edgeFrames;
+    // Paired with the relaxed load of GetLatencySamples(): a number by itself, which the host reads
+    // after it has been told.
+    historyLength.store(sizes.length, std::memory_order_relaxed);
+    SizeRings();
+    const auto length = static_cast<int32_t>(sizes.length);
+    detectionHistory.configure(length, length - 1, true);
+    SetUpPitch();
+    AlignPitch();
+    noiseDetector.configure(
+        binCount,
+        GetSampleRate(),
+        hopSize,
+        SilentPower,
+        {static_cast<uint32_t>(bands.lowStart), static_cast<uint32_t>(bands.lowEnd)});
+    noiseFloor.assign(binCount, 0.0F);
+    log.Restart();
+}
+
+void PuffGuard::SizeRings()
+{
+    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    // Slots are kept when the history gets shorter, so that it can grow again without the heap.
+    const std::size_t slots = std::max<std::size_t>(length, spectrumRing.size());
+    spectrumRing.resize(slots);
+    powerRing.resize(slots);
+    framePower.resize(slots);
+    const auto channels = static_cast<int32_t>(GetChannelCount());
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+        spectrumRing[slot].configure(channels, static_cast<int32_t>(2 * binCount), 0);
+        powerRing[slot].configure(channels, static_cast<int32_t>(binCount), 0);
+    }
+    spectrumSlot = 0;
+    powerSlot = 0;
+}
+
+void PuffGuard::SetUpPitch()
+{
+    using Pitch = PitchDetect::PitchDetect;
+    pitchDetect.SetBoolValue(Pitch::Analyze, true, Context::Process, {});
+    pitchDetect.SetEnumValue(Pitch::VocalRange, 0, Context::Process, {});
+    pitchDetect.SetEnumValue(Pitch::DynamicProgrammingPatches, 1, Context::Process, {});
+    pitchDetect.Reset();
+}
+
+void PuffGuard::AlignPitch()
+{
+    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    // A tracker that is faster than half a frame would ask for a place in the future: the unsigned
+    // quotient is then huge and the place below the floor.
+    const uint32_t framesLate =
+        (pitchDetect.GetLatency(Context::Process) - frameSize / 2) / hopSize;
+    const auto place = static_cast<int32_t>(length - framesLate - 1);
+    const auto least = static_cast<int32_t>(length / 2 + 1);
+    pitchHistory.configure(static_cast<int32_t>(length), std::max(place, least), true);
+}
+
+uint32_t PuffGuard::GetLatencyOf(uint32_t length) const noexcept UTIL_NONBLOCKING
+{
+    return GetTail().GetLatency() + static_cast<uint32_t>(filterbank.GetLatency()) +
+           hopSize * (length - 1);
+}
+
+uint32_t PuffGuard::GetLatencySamples(Context /*context*/) const
+{
+    return GetLatencyOf(historyLength.load(std::memory_order_relaxed));
+}
+
+uint32_t PuffGuard::GetMaxLatencySamples() const
+{
+    return GetLatencyOf(GetHistorySizes(1.0F).length);
+}
+
+void PuffGuard::OnReset()
+{
+    filterbank.reset();
+    noiseDetector.reset();
+    VectorOps::Zero(noiseFloor.data(), noiseFloor.size());
+    for (DataTail& slot : spectrumRing) {
+        slot.zero();
+    }
+    for (DataTail& slot : powerRing) {
+        slot.zero();
+    }
+    spectrumSlot = 0;
+    powerSlot = 0;
+    detectionHistory.clear();
+    pitchHistory.clear();
+    pitchDetect.Reset();
+    log.Restart();
+}
+
+void PuffGuard::ProcessAudio(uint32_t /*frames*/, float* const* channels)
+{
+    Analyse(channels);
+    const float pitch = TrackPitch(channels);
+    const FrameDetection frame =
+        DetectFrame(powerRing[powerSlot].GetChannel(0), noiseFloor.data(), bands);
+    detectionHistory.append(&frame.value, 1, 0);
+    latest = {frame.value, GetDetectionThreshold(frame.noise, sensitivity), pitch};
+
+    SearchPlosive(frame.noise);
+
+    detectionHistory.consume(1);
+    pitchHistory.consume(1);
+    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    spectrumSlot = (spectrumSlot + 1) % length;
+    powerSlot = (powerSlot + 1) % length;
+    filterbank.synthesise(
+        channels, static_cast<int32_t>(hopSize), spectrumRing[spectrumSlot].GetChannels(), 0, 0);
+}
+
+void PuffGuard::Analyse(float* const* channels) noexcept UTIL_NONBLOCKING
+{
+    const DataTail& spectra = spectrumRing[spectrumSlot];
+    const DataTail& power = powerRing[powerSlot];
+    filterbank.analyse(channels, static_cast<int32_t>(hopSize), spectra.GetChannels(), 0, 0);
+    for (int32_t channel = 0; channel < power.GetChannelCount(); ++channel) {
+        VectorOps::SquaredMagnitude(
+            spectra.GetChannel(channel), power.GetChannel(channel), binCount);
+        if (channel > 0) {
+            VectorOps::MaximumInPlace(power.GetChannel(channel), power.GetChannel(0), binCount);
+        }
+    }
+    noiseDetector.process(power.GetChannel(0), noiseFloor.data());
+    log.CountHop(GetFrameEnergy(spectrumSlot));
+}
+
+float PuffGuard::TrackPitch(float* const* channels)
+{
+    pitchDetect.Process(hopSize, channels);
+    const std::span<const float> pitches = pitchDetect.GetPitches();
+    const float pitch = pitches.empty() ? 0.0F : pitches.back();
+    pitchHistory.append(&pitch, 1, 0);
+    return pitch;
+}
+
+} // namespace DSP::Shared

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/ElementDispatcher.h"
+#include "restoration/dsp/puffguard/DataTail.h"
+#include "restoration/dsp/puffguard/DataTail1D.h"
+#include "restoration/dsp/puffguard/DetectionLog.h"
+#include "restoration/dsp/puffguard/NoiseDetector.h"
+#include "restoration/dsp/puffguard/OversampledFilterbank.h"
+#include "restoration/dsp/puffguard/PlosiveDetection.h"
+#include "restoration/dsp/puffguard/PlosiveReduction.h"
+#include "restoration/dsp/puffguard/pitch/PitchDetect.h"
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace DSP::Shared {
+
+/// Finds plosive bursts in speech and takes them down.
+///
+/// Each hop of H samples becomes one frame of spectra, which waits in a ring of N frames. A frame
+/// is judged when it stands in the middle of the ring, with all channels' power taken together;
+/// what is repaired are the waiting frames around it, and the oldest frame of each hop goes out.
+///
+/// Threads: as ElementDispatcher. All memory for the longest history, "Latency scaling" 1, is taken
+/// at construction, so that a change of it restarts the repair on the audio thread without the
+/// heap.
+class PuffGuard final : public ElementDispatcher {
+public:
+    enum Param : uint32_t {
+        Sensitivity = 0,    ///< "Detection sensitivity", 0 to 10
+        Strength = 1,       ///< "Reduction strength", 0 to 10
+        FrequencyLimit = 2, ///< "Upper repair frequency", 50 to 2000 Hz
+        LatencyScaling = 3  ///< "Latency scaling", 0 to 1
+    };
+
+    /// What the latest hop has shown.
+    struct FrameReport {
+        float detection = 0; ///< detection value
+        float threshold = 0; ///< what detection values were compared with
+        float pitchHz = 0;   ///< 0 when unvoiced; belongs to an earlier frame
+    };
+
+    /// Where the element works.
+    struct Format {
+        ElementHost& host;
+        float sampleRate = 0;       ///< Hz
+        uint32_t channelConfig = 0; ///< layout code
+    };
+
+    /// `newLog` takes every repair; it isn't owned and outlives the element. Throws what
+    /// FFTImpl does when there is no transform that is long enough for the rate. [setup]
+    PuffGuard(const Format& format, DetectionLog& newLog);
+
+    uint32_t GetHop() const noexcept { return hopSize; }             ///< H, samples
+    uint32_t GetFrameSize() const noexcept { return frameSize; }     ///< F, samples
+    const FrameReport& GetLatest() const noexcept { return latest; } ///< [process]
+
+protected:
+    uint32_t GetLatencySamples(Context context) const override;
+    uint32_t GetMaxLatencySamples() const override;
+    void OnReset() override;
+    void ProcessAudio(uint32_t frames, float* const* channels) override;
+
+private:
+    /// Lengths in frames: N = 2 (L + M) + 1.
+    struct HistorySizes {
+        uint32_t peakRadius = 0; // L
+        uint32_t edgeFrames = 0; // M
+        uint32_t length = 0;     // N
+    };
+
+    /// A peak that has been found, and what belongs to it.
+    struct Plosive {
+        PeakTest peak;
+        RepairRegion region;
+        float threshold = 0;
+    };
+
+    void RegisterParams();
+    void initialise();
+    void SizeRings();
+    void AlignPitch();
+    void SetUpPitch();
+    HistorySizes GetHistorySizes(float scaling) const noexcept UTIL_NONBLOCKING;
+    uint32_t GetLatencyOf(uint32_t length) const noexcept UTIL_NONBLOCKING;
+
+    void Analyse(float* const* channels) noexcept UTIL_NONBLOCKING;
+    float TrackPitch(float* const* channels);
+    void SearchPlosive(float noise) noexcept UTIL_NONBLOCKING;
+    void Repair(const Plosive& plosive) noexcept UTIL_NONBLOCKING;
+    void ScaleSpectra(const RepairRegion& region, int32_t bins, float severity) noexcept
+        UTIL_NONBLOCKING;
+    void Log(const Plosive& plosive, DetectionRecord record) noexcept UTIL_NONBLOCKING;
+    RepairSettings GetRepairSettings() const noexcept UTIL_NONBLOCKING;
+    double GetRegionEnergy(const RepairRegion& region) const noexcept UTIL_NONBLOCKING;
+    double GetFrameEnergy(uint32_t slot) const noexcept UTIL_NONBLOCKING;
+    int64_t GetFrameCentre(int32_t historyIndex) const noexcept UTIL_NONBLOCKING;
+    uint32_t GetSlot(int32_t historyIndex) const noexcept UTIL_NONBLOCKING;
+    std::span<const float> GetDetections() const noexcept UTIL_NONBLOCKING;
+
+    float sensitivity = 0;
+    float strength = 0;
+    float frequencyLimit = 0; // Hz
+    float latencyScaling = 0;
+    OversampledFilterbank filterbank;
+    uint32_t frameSize = 0;             // F
+    uint32_t hopSize = 0;               // H
+    uint32_t binCount = 0;              // F / 2 + 1
+    std::vector<DataTail> spectrumRing; // slots of interleaved (re, im); N in use
+    uint32_t spectrumSlot = 0;          // of the newest frame
+    uint32_t powerSlot = 0;             // the same, in powerRing
+    std::vector<DataTail> powerRing;    // slots of power; channel 0 is the largest of all channels
+    NoiseDetector noiseDetector;
+    std::vector<float> noiseFloor;
+    uint32_t peakRadius = 0; // L
+    DataTail1D detectionHistory;
+    DataTail1D pitchHistory; // index as in detectionHistory; 0 where no pitch can be known yet
+    PitchDetect::PitchDetect pitchDetect;
+    uint32_t edgeFrames = 0;                // M
+    std::atomic<uint32_t> historyLength{0}; // N; the latency is asked for on any thread
+    DetectionLog& log;                      // not owned
+    DetectionBands bands;
+    int32_t energyFirst = 0; // bins whose energy the log tells of, both inclusive
+    int32_t energyLast = 0;
+    std::vector<float*> framePower; // by history index, while a repair is made
+    FrameReport latest;
+};
+
+} // namespace DSP::Shared

@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: ISC
+// Runs the element over recordings for which an independent calculation has left its detections and
+// its output. The limits are those that rounding of the last bit stays below by a wide margin.
+#include "restoration/dsp/puffguard/PuffGuard.h"
+#include "tests/support/TestElementHost.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sndfile.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using DSP::Context;
+using DSP::Shared::PuffGuard;
+
+// Severity is a difference to 1, divided by 24: close to 0, a detection value within its own limit
+// is worth more than this. The file has six decimals.
+constexpr double LargestSeverityError = 1e-3;  // relative
+constexpr double LargestDetectionError = 1e-4; // of the larger of value and threshold
+constexpr double LargestPitchError = 0.005;    // relative
+constexpr double LeastPitchAgreement = 0.98;   // of the hops
+constexpr double LargestRmsError = -100;       // dBFS
+constexpr double LargestPeakError = -70;       // dBFS
+constexpr double LargestPeakErrorOfPitch =
+    -40; // dBFS, around one event whose pitch came out otherwise
+
+struct Audio {
+    std::vector<std::vector<float>> channels;
+    int sampleRate = 0;
+
+    std::size_t GetFrames() const { return channels.front().size(); }
+};
+
+Audio ReadAudio(const fs::path& path)
+{
+    SF_INFO info{};
+    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
+    if (file == nullptr) {
+        throw std::runtime_error("can't read " + path.string());
+    }
+    const auto count = static_cast<std::size_t>(info.channels);
+    std::vector<float> interleaved(static_cast<std::size_t>(info.frames) * count);
+    sf_readf_float(file, interleaved.data(), info.frames);
+    sf_close(file);
+    Audio audio{std::vector<std::vector<float>>(count), info.samplerate};
+    for (std::size_t i = 0; i < interleaved.size(); ++i) {
+        audio.channels[i % count].push_back(interleaved[i]);
+    }
+    return audio;
+}
+
+/// What the element has given for one recording.
+struct Outcome {
+    std::vector<PuffGuard::FrameReport> hops;
+    std::vector<DetectionRecord> repairs;
+    Audio output; // lined up with the input
+    uint32_t latency = 0;
+};
+
+void SetParams(PuffGuard& element, const nlohmann::json& params)
+{
+    const auto set = [&](uint32_t index, const char* name) {
+        element.SetFloatValue(index, params.at(name).get<float>(), Context::Process, {});
+    };
+    set(PuffGuard::Sensitivity, "sensitivity");
+    set(PuffGuard::Strength, "strength");
+    set(PuffGuard::FrequencyLimit, "upperFrequency");
+    set(PuffGuard::LatencyScaling, "latencyScaling");
+}
+
+Outcome RunElement(const Audio& input, const nlohmann::json& params)
+{
+    Support::TestElementHost host;
+    DSP::DetectionLog log;
+    const uint32_t layout = input.channels.size() == 1 ? 0 : 1;
+    PuffGuard element({host, static_cast<float>(input.sampleRate), layout}, log);
+    SetParams(element, params);
+    element.Reset();
+
+    Outcome outcome;
+    outcome.latency = element.GetLatency(Context::Process);
+    outcome.output.sampleRate = input.sampleRate;
+    const std::size_t hop = element.GetHop();
+    const std::size_t total = input.GetFrames() + outcome.latency;
+    std::vector<std::vector<float>> made(input.channels.size());
+    std::vector<std::vector<float>> block(made.size(), std::vector<float>(hop));
+    uint32_t position = 0;
+    for (std::size_t done = 0; done < total; done += hop) {
+        std::vector<float*> pointers;
+        for (std::size_t channel = 0; channel < block.size(); ++channel) {
+            for (std::size_t i = 0; i < hop; ++i) {
+                const std::size_t at = done + i;
+                block[channel][i] = at < input.GetFrames() ? input.channels[channel][at] : 0.0F;
+            }
+            pointers.push_back(block[channel].data());
+        }
+        element.Process(static_cast<uint32_t>(hop), pointers.data());
+        outcome.hops.push_back(element.GetLatest());
+        for (std::size_t channel = 0; channel < block.size(); ++channel) {
+            made[channel].insert(made[channel].end(), block[channel].begin(), block[channel].end());
+        }
+        DetectionRecord record;
+        while (log.Read(position, {&record, 1}) > 0) {
+            outcome.repairs.push_back(record);
+        }
+    }
+    for (const std::vector<float>& channel : made) {
+        const auto start = channel.begin() + outcome.latency;
+        outcome.output.channels.emplace_back(
+            start, start + static_cast<std::ptrdiff_t>(input.GetFrames()));
+    }
+    return outcome;
+}
+
+double ToDecibels(double value)
+{
+    return value > 0 ? 20 * std::log10(value) : -200.0;
+}
+
+/// Largest differences to the vector, and whether anything differs that may not.
+struct Differences {
+    double severity = 0; // absolute
+    double detection = 0;
+    double pitchAgreement = 0;
+    double rms = 0;           // dBFS
+    double peak = 0;          // dBFS
+    double restPeak = 0;      // dBFS, outside the event with another pitch
+    std::string flippedPitch; // that event, for people
+};
+
+void CompareHops(const Outcome& outcome, const nlohmann::json& vector, Differences& differences)
+{
+    const auto& detections = vector.at("detectionPerHop");
+    const auto& pitches = vector.at("pitchPerHop");
+    const std::size_t count = std::min(outcome.hops.size(), detections.size());
+    EXPECT_GE(outcome.hops.size(), detections.size());
+    std::size_t agreeing = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const PuffGuard::FrameReport& hop = outcome.hops[i];
+        const double wanted = detections[i].get<double>();
+        const double scale = std::max({std::abs(wanted), double{hop.threshold}, 1e-30});
+        differences.detection =
+            std::max(differences.detection, std::abs(double{hop.detection} - wanted) / scale);
+        const double pitch = pitches[i].get<double>();
+        // The file has two decimals.
+        const double allowed = LargestPitchError * pitch + (pitch > 0 ? 0.005 : 0.0);
+        agreeing += std::abs(double{hop.pitchHz} - pitch) <= allowed ? 1U : 0U;
+    }
+    differences.pitchAgreement = static_cast<double>(agreeing) / static_cast<double>(count);
+}
+
+/// Compares the events and answers the index of one whose pitch came out otherwise, or -1.
+int CompareEvents(const Outcome& outcome, const nlohmann::json& vector, Differences& differences)
+{
+    const auto& events = vector.at("events");
+    EXPECT_EQ(outcome.repairs.size(), events.size());
+    int flipped = -1;
+    for (std::size_t i = 0; i < std::min(outcome.repairs.size(), events.size()); ++i) {
+        const DetectionRecord& made = outcome.repairs[i];
+        const auto& wanted = events[i];
+        EXPECT_EQ(made.hop, wanted.at("frame").get<uint32_t>()) << "event " << i;
+        EXPECT_EQ(made.regionStart, wanted.at("regionStart").get<uint32_t>()) << "event " << i;
+        EXPECT_EQ(made.regionEnd, wanted.at("regionEnd").get<uint32_t>()) << "event " << i;
+        EXPECT_EQ(made.repairedBins, wanted.at("B").get<uint32_t>()) << "event " << i;
+        const double rate = vector.at("sampleRate").get<double>();
+        EXPECT_NEAR(static_cast<double>(made.centre) / rate,
+                    wanted.at("centreTimeSeconds").get<double>(),
+                    1e-6);
+        const double severity = wanted.at("severity").get<double>();
+        const double error = std::abs(double{made.severity} - severity);
+        const double allowed = std::max(LargestSeverityError * severity,
+                                        LargestDetectionError * (1 + 24 * severity) / 24 + 5e-7);
+        EXPECT_LE(error, allowed) << "event " << i;
+        differences.severity = std::max(differences.severity, error);
+        const double f0 = wanted.at("voiced").get<bool>() ? wanted.at("f0").get<double>() : 0.0;
+        if (std::abs(double{made.pitchHz} - f0) > LargestPitchError * f0 + 0.005) {
+            EXPECT_EQ(flipped, -1) << "a second event with another pitch: " << i;
+            flipped = static_cast<int>(i);
+            differences.flippedPitch = "event " + std::to_string(i) + ": pitch " +
+                                       std::to_string(made.pitchHz) + " Hz for " +
+                                       std::to_string(f0) + " Hz";
+        }
+    }
+    return flipped;
+}
+
+void CompareAudio(const Outcome& outcome,
+                  const Audio& wanted,
+                  const DetectionRecord* flipped,
+                  double frameSize,
+                  Differences& differences)
+{
+    double square = 0;
+    double peak = 0;
+    double restPeak = 0;
+    ASSERT_EQ(outcome.output.channels.size(), wanted.channels.size());
+    ASSERT_EQ(outcome.output.GetFrames(), wanted.GetFrames());
+    for (std::size_t channel = 0; channel < wanted.channels.size(); ++channel) {
+        for (std::size_t i = 0; i < wanted.GetFrames(); ++i) {
+            const double error = std::abs(double{outcome.output.channels[channel][i]} -
+                                          double{wanted.channels[channel][i]});
+            const auto at = static_cast<double>(i);
+            const bool isAtFlipped = flipped != nullptr &&
+                                     at > static_cast<double>(flipped->start) - frameSize &&
+                                     at < static_cast<double>(flipped->end) + frameSize;
+            square += error * error;
+            peak = std::max(peak, error);
+            restPeak = isAtFlipped ? restPeak : std::max(restPeak, error);
+        }
+    }
+    const double count =
+        static_cast<double>(wanted.GetFrames()) * static_cast<double>(wanted.channels.size());
+    differences.rms = ToDecibels(std::sqrt(square / count));
+    differences.peak = ToDecibels(peak);
+    differences.restPeak = ToDecibels(restPeak);
+}
+
+void Print(const std::string& name, std::size_t events, const Differences& differences)
+{
+    std::printf("%-52s events %3zu  severity %.1e  detection %.1e  pitch %6.2f %%  rms %7.1f dBFS  "
+                "peak %7.1f dBFS  %s\n",
+                name.c_str(),
+                events,
+                differences.severity,
+                differences.detection,
+                differences.pitchAgreement * 100,
+                differences.rms,
+                differences.peak,
+                differences.flippedPitch.c_str());
+}
+
+fs::path GetMaterial()
+{
+    return fs::path(PUFFGUARD_MATERIAL);
+}
+
+std::vector<std::string> ListVectors()
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const fs::directory_entry& entry :
+         fs::directory_iterator(GetMaterial() / "vectors", error)) {
+        if (entry.path().extension() == ".json") {
+            names.push_back(entry.path().stem().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    // An empty name stands for "nothing there" and is skipped with a line.
+    return names.empty() ? std::vector<std::string>{""} : names;
+}
+
+class VectorsTest : public testing::TestWithParam<std::string> {};
+
+TEST_P(VectorsTest, DetectionsAndAudioAreThoseOfTheIndependentCalculation)
+{
+    if (GetParam().empty()) {
+        GTEST_SKIP() << "no vectors in " << GetMaterial();
+    }
+    const fs::path folder = GetMaterial() / "vectors";
+    const nlohmann::json vector =
+        nlohmann::json::parse(std::ifstream(folder / (GetParam() + ".json")));
+    const Audio input = ReadAudio(GetMaterial() / "audio" / vector.at("input").get<std::string>());
+    const Audio wanted = ReadAudio(folder / (GetParam() + ".out.flac"));
+
+    const Outcome outcome = RunElement(input, vector.at("parameters"));
+
+    Differences differences;
+    EXPECT_EQ(outcome.latency, vector.at("latency").get<uint32_t>());
+    CompareHops(outcome, vector, differences);
+    const int flipped = CompareEvents(outcome, vector, differences);
+    const DetectionRecord* const other =
+        flipped < 0 ? nullptr : &outcome.repairs[static_cast<std::size_t>(flipped)];
+    CompareAudio(outcome, wanted, other, vector.at("F").get<double>(), differences);
+    Print(GetParam(), outcome.repairs.size(), differences);
+
+    EXPECT_LE(differences.detection, LargestDetectionError);
+    EXPECT_GE(differences.pitchAgreement, LeastPitchAgreement);
+    EXPECT_LE(differences.restPeak, LargestPeakError);
+    if (other == nullptr) {
+        EXPECT_LE(differences.rms, LargestRmsError);
+    } else {
+        EXPECT_LE(differences.peak, LargestPeakErrorOfPitch);
+    }
+}
+
+std::string MakeTestName(const testing::TestParamInfo<std::string>& info)
+{
+    std::string name = info.param.empty() ? "none" : info.param;
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Recordings, VectorsTest, testing::ValuesIn(ListVectors()), MakeTestName);
+
+} // namespace

@@ -49,7 +49,7 @@ void operator delete[](void* block, std::size_t /*size*/) noexcept
     std::free(block);
 }
 
-namespace Test {
+namespace Support {
 
 HeapCount::HeapCount() noexcept
     : before(allocations)
@@ -61,4 +61,4 @@ std::size_t HeapCount::GetCount() const noexcept
     return allocations - before;
 }
 
-} // namespace Test
+} // namespace Support

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace Test {
+namespace Support {
 
 /// Counts the heap allocations that this thread makes by `new` while the object lives. The program
 /// must be built with HeapCount.cpp, which replaces the global operators.
@@ -20,4 +20,4 @@ private:
     std::size_t before;
 };
 
-} // namespace Test
+} // namespace Support

@@ -44,8 +44,8 @@ Instance::~Instance()
     Call(SelectorDestroyPlugin, UI, instance, nullptr);
 }
 
-uint32_t Instance::Callback(
-    uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data)
+uint32_t
+Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data)
 {
     if (magic != PLUGIN_CORE_MAGIC)
         return PluginCoreWrongMagic;
@@ -53,11 +53,19 @@ uint32_t Instance::Callback(
     if (data != nullptr)
         std::memcpy(&call.word, data, sizeof call.word);
     auto& self = *static_cast<Instance*>(refcon);
-    if (context == UI)
+    {
+        const std::lock_guard lock(self.callsMutex);
         self.calls.push_back(call);
+    }
     if (self.onHostCall)
         self.onHostCall(call);
     return opcode == HostOpcodeLatencyChanged ? 0 : 1;
+}
+
+std::vector<HostCall> Instance::Calls()
+{
+    const std::lock_guard lock(callsMutex);
+    return calls;
 }
 
 uint32_t Instance::SetFormat(float sampleRate, uint32_t layout)

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <vector>
 
 /// A host of the finished module that knows no more than the public header: tests act through it.
@@ -76,14 +77,16 @@ public:
 
     /// Called within the host callback, besides keeping the call. Set it while nothing runs.
     std::function<void(const HostCall&)> onHostCall;
-    /// All calls so far; of [ui] calls while no other thread runs.
-    std::vector<HostCall> calls;
+    /// All calls so far.
+    std::vector<HostCall> Calls();
 
 private:
     static uint32_t
     Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data);
 
     PluginCore* instance = nullptr;
+    std::mutex callsMutex;
+    std::vector<HostCall> calls; // guarded by callsMutex: the module has a timer thread
 };
 
 /// A quiet noise floor with bursts of air that the module repairs: [channels][frames], the same for

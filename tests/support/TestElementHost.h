@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace Test {
+namespace Support {
 
 /// Host for elements under test: positionless, not processing unless told, and it notes what the
 /// elements tell it.
@@ -84,4 +84,4 @@ private:
     Util::TaskQueue tasks{0};
 };
 
-} // namespace Test
+} // namespace Support

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using DSP::Synapse::AnalysisSizes;
+using DSP::Synapse::VocalRange;
+
+TEST(AnalysisSizes, AreTheWorkedOnesAt44100)
+{
+    const AnalysisSizes sizes = AnalysisSizes::ForRate(44100);
+    EXPECT_EQ(sizes.decimation, 4);
+    EXPECT_EQ(sizes.analysisHop, 32); // 24.7 samples, rounded up to a power of two
+    EXPECT_EQ(sizes.minLag, 17);      // (67 + 3) / 4
+    EXPECT_EQ(sizes.maxLag, 245);     // 980 / 4
+    // round(35280) + 32 * 64 = 37328, less the five lowest bits
+    EXPECT_EQ(sizes.ringLength, 37312U);
+    EXPECT_FLOAT_EQ(sizes.decimatedRate, 11025.0F);
+    EXPECT_FLOAT_EQ(sizes.trackerRate, 11025.0F / 32.0F);
+}
+
+TEST(AnalysisSizes, DecimateOnlyAbove22050)
+{
+    EXPECT_EQ(AnalysisSizes::ForRate(22050).decimation, 1);
+    EXPECT_EQ(AnalysisSizes::ForRate(22051).decimation, 4);
+    EXPECT_EQ(AnalysisSizes::ForRate(8000).analysisHop, 8); // 4.5, but at least 8
+    EXPECT_EQ(AnalysisSizes::ForRate(192000).analysisHop, 128);
+}
+
+TEST(AnalysisSizes, LatencyCountsBothWaitsAndHalfTheFrame)
+{
+    const AnalysisSizes sizes = AnalysisSizes::ForRate(44100);
+    // Half a frame: (980 / 4 * 1.8 = 441) * 2 = 882; the waits: 32 * 2 * 64 = 4096.
+    EXPECT_EQ(sizes.GetLatency(VocalRange::Bass, true, 64), 4978);
+    // 441 / 4 = 110, * 1.8 = 198, * 2 = 396
+    EXPECT_EQ(sizes.GetLatency(VocalRange::TenorAlto, true, 64), 4096 + 396);
+    // round(259.4) / 4 = 64, * 1.8 = 115, * 2 = 230
+    EXPECT_EQ(sizes.GetLatency(VocalRange::Soprano, true, 64), 4096 + 230);
+    // Without a look ahead: 32 / 4 + 882
+    EXPECT_EQ(sizes.GetLatency(VocalRange::Bass, false, 64), 890);
+}
+
+TEST(AnalysisSizes, LatencyHasNoFrameWithoutDecimation)
+{
+    EXPECT_EQ(AnalysisSizes::ForRate(16000).GetLatency(VocalRange::Bass, true, 64), 16 * 2 * 64);
+}
+
+TEST(AnalysisSizes, StayUsableAtAbsurdRates)
+{
+    for (const double rate : {1.0, 100.0, 3999.0, 768000.0}) {
+        const AnalysisSizes sizes = AnalysisSizes::ForRate(rate);
+        EXPECT_GT(sizes.maxLag, sizes.minLag) << rate;
+        EXPECT_EQ(sizes.ringLength % static_cast<std::size_t>(sizes.analysisHop), 0U) << rate;
+        EXPECT_GE(sizes.ringLength / static_cast<std::size_t>(sizes.decimation),
+                  static_cast<std::size_t>(sizes.maxLag) * 2)
+            << rate;
+    }
+}
+
+} // namespace

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/Biquad.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+using DSP::Synapse::Biquad;
+using DSP::Synapse::BiquadCoefficients;
+
+/// Gain at a frequency, measured: level of a sine over whole periods after the filter has
+/// settled.
+double MeasureGain(const BiquadCoefficients& coefficients, double frequencyHz, double sampleRate)
+{
+    Biquad filter;
+    filter.SetCoefficients(coefficients);
+    double power = 0;
+    const auto total = static_cast<int>(sampleRate);
+    for (int i = 0; i < total; ++i) {
+        const double phase = 2 * std::numbers::pi * frequencyHz * i / sampleRate;
+        const float y = filter.Process(static_cast<float>(std::sin(phase)));
+        if (i >= total / 2) {
+            power += static_cast<double>(y) * static_cast<double>(y);
+        }
+    }
+    return std::sqrt(2 * power / (total / 2));
+}
+
+/// Gain of the analogue Butterworth filter of second order, its frequencies bent by the bilinear
+/// transform.
+double Butterworth(double frequencyHz, double cornerHz, double sampleRate, bool isLowpass)
+{
+    const double f = std::tan(std::numbers::pi * frequencyHz / sampleRate);
+    const double c = std::tan(std::numbers::pi * cornerHz / sampleRate);
+    const double ratio = isLowpass ? f / c : c / f;
+    return 1 / std::sqrt(1 + std::pow(ratio, 4));
+}
+
+TEST(Biquad, LowpassFollowsTheButterworthCurve)
+{
+    for (const double f : {50.0, 300.0, 1000.0, 3000.0}) {
+        EXPECT_NEAR(MeasureGain(DSP::Synapse::MakeLowpass(300, 8000), f, 8000),
+                    Butterworth(f, 300, 8000, true),
+                    1e-5)
+            << f;
+    }
+}
+
+TEST(Biquad, HighpassFollowsTheButterworthCurve)
+{
+    for (const double f : {30.0, 100.0, 400.0, 3000.0}) {
+        EXPECT_NEAR(MeasureGain(DSP::Synapse::MakeHighpass(100, 8000), f, 8000),
+                    Butterworth(f, 100, 8000, false),
+                    1e-5)
+            << f;
+    }
+}
+
+TEST(Biquad, ACornerBeyondTheSpectrumPassesOrSilences)
+{
+    Biquad lowpass;
+    lowpass.SetCoefficients(DSP::Synapse::MakeLowpass(4001, 8000));
+    Biquad highpass;
+    highpass.SetCoefficients(DSP::Synapse::MakeHighpass(4001, 8000));
+    for (const float x : {1.0F, -0.5F, 0.25F}) {
+        EXPECT_EQ(lowpass.Process(x), x);
+        EXPECT_EQ(highpass.Process(x), 0.0F);
+    }
+}
+
+} // namespace

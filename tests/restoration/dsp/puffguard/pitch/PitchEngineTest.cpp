@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/pitch/PitchEngine.h"
+
+#include "restoration/dsp/puffguard/pitch/PitchStorageDelegate.h"
+#include "tests/support/HeapCount.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace {
+
+using DSP::PitchDetect::PitchStorageDelegate;
+using DSP::Synapse::PitchEngine;
+using DSP::Synapse::VocalRange;
+
+constexpr int DelayFrames = 64;
+/// What a steady tone's pitch may be off, as a fraction: the compensation of the window's fall and
+/// the removal of ghosts each tilt the peaks of the autocorrelation by up to a sample or two.
+constexpr double Bias = 0.025;
+
+/// An engine that analyses, with its output.
+struct Analysis {
+    explicit Analysis(double sampleRate)
+        : engine(sampleRate, DelayFrames)
+        , storage(8192)
+    {
+        engine.SetVocalRange(VocalRange::Bass);
+        engine.SetDelegate(&storage);
+    }
+
+    /// Pitch of each sample; the signal comes in blocks of this many samples.
+    std::vector<float> Run(std::vector<float> signal, std::size_t block = 512)
+    {
+        std::vector<float> pitches;
+        for (std::size_t at = 0; at < signal.size(); at += block) {
+            const std::size_t frames = std::min(block, signal.size() - at);
+            engine.BeginBlock();
+            engine.Process(std::span(signal).subspan(at, frames));
+            const auto made = storage.GetPitches();
+            pitches.insert(pitches.end(), made.begin(), made.end());
+        }
+        return pitches;
+    }
+
+    PitchEngine engine;
+    PitchStorageDelegate storage;
+};
+
+/// Tone with falling harmonics whose frequency is a function of the time in seconds.
+std::vector<float> MakeVoice(double sampleRate,
+                             double seconds,
+                             const std::function<double(double)>& frequencyHz,
+                             int harmonics = 8)
+{
+    std::vector<float> signal(static_cast<std::size_t>(sampleRate * seconds));
+    double phase = 0;
+    for (std::size_t i = 0; i < signal.size(); ++i) {
+        phase +=
+            2 * std::numbers::pi * frequencyHz(static_cast<double>(i) / sampleRate) / sampleRate;
+        double value = 0;
+        for (int k = 1; k <= harmonics; ++k) {
+            value += 0.2 / k * std::sin(k * phase);
+        }
+        signal[i] = static_cast<float>(value);
+    }
+    return signal;
+}
+
+std::vector<float>
+MakeTone(double sampleRate, double seconds, double frequencyHz, int harmonics = 8)
+{
+    return MakeVoice(
+        sampleRate, seconds, [=](double) { return frequencyHz; }, harmonics);
+}
+
+std::vector<float> MakeNoise(std::size_t count)
+{
+    std::mt19937 random(11);
+    std::normal_distribution<float> level(0, 0.1F);
+    std::vector<float> noise(count);
+    std::generate(noise.begin(), noise.end(), [&] { return level(random); });
+    return noise;
+}
+
+class PitchEngineAtRate : public testing::TestWithParam<double> {};
+
+TEST_P(PitchEngineAtRate, FindsThePitchOfHarmonicTones)
+{
+    for (const double frequencyHz : {70.0, 110.0, 223.0}) {
+        Analysis analysis(GetParam());
+        const std::vector<float> pitches = analysis.Run(MakeTone(GetParam(), 1.0, frequencyHz));
+        for (std::size_t i = pitches.size() * 8 / 10; i < pitches.size(); ++i) {
+            ASSERT_NEAR(static_cast<double>(pitches[i]), frequencyHz, frequencyHz * Bias) << i;
+        }
+    }
+}
+
+TEST_P(PitchEngineAtRate, FindsThePitchOfASine)
+{
+    Analysis analysis(GetParam());
+    const std::vector<float> pitches = analysis.Run(MakeTone(GetParam(), 1.0, 150, 1));
+    EXPECT_NEAR(pitches.back(), 150.0F, 150 * Bias);
+}
+
+TEST_P(PitchEngineAtRate, SilenceIsUnvoiced)
+{
+    Analysis analysis(GetParam());
+    const std::vector<float> silence(static_cast<std::size_t>(GetParam()));
+    const std::vector<float> pitches = analysis.Run(silence);
+    EXPECT_EQ(pitches, std::vector<float>(silence.size(), 0.0F));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates,
+                         PitchEngineAtRate,
+                         testing::Values(8000, 16000, 22050, 24000, 44100, 48000, 96000, 192000));
+
+TEST(PitchEngine, NoiseIsMostlyUnvoiced)
+{
+    Analysis analysis(44100);
+    const std::vector<float> pitches = analysis.Run(MakeNoise(4 * 44100));
+    const auto unvoiced = std::count(pitches.begin(), pitches.end(), 0.0F);
+    EXPECT_GT(static_cast<double>(unvoiced), 0.7 * static_cast<double>(pitches.size()));
+}
+
+TEST(PitchEngine, ReportsAChangeOneLatencyLate)
+{
+    constexpr double Rate = 44100;
+    constexpr double ChangeSeconds = 0.8;
+    Analysis analysis(Rate);
+    ASSERT_EQ(analysis.engine.GetLatency(), 4978);
+    const auto glide = [](double t) {
+        return 110.0 + 40.0 * std::clamp((t - ChangeSeconds) / 0.04 + 0.5, 0.0, 1.0);
+    };
+    const std::vector<float> pitches = analysis.Run(MakeVoice(Rate, 1.5, glide));
+    const auto begin = pitches.begin() + static_cast<std::ptrdiff_t>(Rate * ChangeSeconds);
+    const auto middle =
+        std::find_if(begin, pitches.end(), [](float pitchHz) { return pitchHz > 130; });
+    // The frame of 40 ms blurs the glide; a quarter of it, 10 ms, is what the middle may be off.
+    EXPECT_NEAR(static_cast<double>(middle - begin), 4978.0, 441.0);
+}
+
+TEST(PitchEngine, HoldsThroughABriefOctaveJump)
+{
+    constexpr double Rate = 48000;
+    // One period in which the voice creaks at half its pitch.
+    const auto creak = [](double t) { return t > 0.7 && t < 0.7 + 1 / 60.0 ? 60.0 : 120.0; };
+    Analysis analysis(Rate);
+    const std::vector<float> pitches = analysis.Run(MakeVoice(Rate, 1.4, creak));
+    for (std::size_t i = pitches.size() / 2; i < pitches.size(); ++i) {
+        ASSERT_GT(pitches[i], 90.0F) << i;
+        ASSERT_LT(pitches[i], 135.0F) << i;
+    }
+}
+
+TEST(PitchEngine, DoesNotDependOnTheCutIntoBlocks)
+{
+    const std::vector<float> signal = MakeTone(48000, 0.6, 140);
+    const std::vector<float> whole = Analysis(48000).Run(signal, 4096);
+    for (const std::size_t block : {std::size_t{1}, std::size_t{17}, std::size_t{480}}) {
+        EXPECT_EQ(Analysis(48000).Run(signal, block), whole) << block;
+    }
+}
+
+TEST(PitchEngine, ResetRepeatsTheFirstRunBitForBit)
+{
+    std::vector<float> signal = MakeTone(48000, 1.1, 140);
+    const std::vector<float> noise = MakeNoise(signal.size());
+    std::transform(signal.begin(), signal.end(), noise.begin(), signal.begin(), std::plus<>());
+    Analysis analysis(48000);
+    const std::vector<float> first = analysis.Run(signal, 480);
+    ASSERT_GT(*std::max_element(first.begin(), first.end()), 0.0F);
+    analysis.engine.Reset(); // nothing of the first pass may show in the second
+    EXPECT_EQ(analysis.Run(signal, 480), first);
+}
+
+TEST(PitchEngine, PrefiltersAndClippingAreHeard)
+{
+    const std::vector<float> signal = MakeTone(48000, 0.8, 140);
+    const auto run = [&](const std::function<void(PitchEngine&)>& change) {
+        Analysis analysis(48000);
+        change(analysis.engine);
+        return analysis.Run(signal);
+    };
+    const std::vector<float> standard = run([](PitchEngine&) {});
+    EXPECT_NE(run([](PitchEngine& engine) { engine.SetLowpass(2000); }), standard);
+    EXPECT_NE(run([](PitchEngine& engine) { engine.SetHighpass(20); }), standard);
+    EXPECT_NE(run([](PitchEngine& engine) { engine.SetClippingThreshold(0.5F); }), standard);
+    // A clipped tone keeps its pitch.
+    EXPECT_NEAR(
+        run([](PitchEngine& engine) { engine.SetClippingThreshold(0.5F); }).back(), 140.0F, 1.4F);
+    // A corner beyond the decimated spectrum silences everything.
+    EXPECT_EQ(run([](PitchEngine& engine) { engine.SetHighpass(6500); }).back(), 0.0F);
+}
+
+TEST(PitchEngine, WithoutDynamicProgrammingNothingWaits)
+{
+    constexpr double Rate = 44100;
+    Analysis analysis(Rate);
+    analysis.engine.SetDynamicProgramming(false);
+    EXPECT_EQ(analysis.engine.GetLatency(), 890);
+    const std::vector<float> pitches = analysis.Run(MakeTone(Rate, 0.2, 140));
+    const auto voiced =
+        std::find_if(pitches.begin(), pitches.end(), [](float pitchHz) { return pitchHz > 138; });
+    EXPECT_LT(voiced - pitches.begin(), 4410);
+    EXPECT_NEAR(pitches.back(), 140.0F, 140 * Bias);
+}
+
+TEST(PitchEngine, DelaysSamplesToTheirPitch)
+{
+    Analysis analysis(44100);
+    std::vector<float> signal(8192);
+    signal[100] = 1;
+    analysis.engine.BeginBlock();
+    analysis.engine.Process(signal);
+    EXPECT_EQ(analysis.storage.GetDelay(), 4978U);
+    const auto samples = analysis.storage.GetSamples();
+    ASSERT_EQ(samples.size(), 8192U);
+    // The impulse comes out again, less what the filter against direct current takes.
+    EXPECT_NEAR(samples[100 + 4978], 1.0F, 0.02F);
+    EXPECT_NEAR(samples[99 + 4978], 0.0F, 1e-6F);
+}
+
+TEST(PitchEngine, ProcessingStaysOffTheHeap)
+{
+    Analysis analysis(48000);
+    std::vector<float> signal = MakeNoise(8192);
+    const Support::HeapCount heap;
+    for (const std::size_t block : {std::size_t{1}, std::size_t{512}, signal.size()}) {
+        analysis.engine.BeginBlock();
+        analysis.engine.Process(std::span(signal).first(block));
+        analysis.engine.SetLowpass(static_cast<float>(block));
+        analysis.engine.SetDynamicProgramming(block != 512);
+    }
+    analysis.engine.Reset();
+    EXPECT_EQ(heap.GetCount(), 0U);
+    const std::vector<float> control(3); // the count does see what is allocated
+    EXPECT_EQ(heap.GetCount(), 1U);
+}
+
+} // namespace

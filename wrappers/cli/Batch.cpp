@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/Batch.h"
+
+#include "wrappers/cli/FileError.h"
+#include "wrappers/cli/FileJob.h"
+#include "wrappers/cli/OptionChecks.h"
+#include "wrappers/cli/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace Cli {
+
+namespace {
+
+constexpr int allDone = 0;
+constexpr int someFailed = 1;
+
+std::string DisplayName(const std::string& path)
+{
+    return path == "-" ? "stdin" : path;
+}
+
+Console::Config ConsoleConfig(const Options& options, size_t files)
+{
+    const bool isStdOutTaken = WritesAudioToStandardOutput(options) || options.events == "-" ||
+                               options.labels == "-" || options.plot == "-";
+    Console::Config config;
+    config.showsResults = !options.isQuiet && !options.wantsJson;
+    config.showsDetails = options.isVerbose;
+    config.resultsOnStdErr = isStdOutTaken;
+    config.showsProgress = !options.isQuiet;
+    config.files = files;
+    return config;
+}
+
+void Tell(Console& console, const FileReport& report)
+{
+    if (!report.failure.empty()) {
+        console.Complain(DisplayName(report.input), report.failure);
+        return;
+    }
+    if (report.nonFiniteSamples > 0)
+        console.Complain(DisplayName(report.input),
+                         fmt::format("{} sample{} no finite number; taken for 0",
+                                     report.nonFiniteSamples,
+                                     report.nonFiniteSamples == 1 ? " was" : "s were"));
+    if (report.lostRepairs > 0)
+        console.Complain(DisplayName(report.input),
+                         fmt::format("{} repairs were made but are missing from the reports",
+                                     report.lostRepairs));
+    console.Result(SummaryLine(report));
+}
+
+std::vector<FileReport>
+RunTasks(const RunContext& context, const std::vector<Task>& tasks, Console& console)
+{
+    std::vector<FileReport> reports(tasks.size());
+    std::atomic<size_t> next = 0;
+    const auto work = [&] {
+        for (size_t i = next++; i < tasks.size(); i = next++) {
+            reports[i] = RunFile(context, tasks[i], i);
+            console.Finished(i);
+            Tell(console, reports[i]);
+        }
+    };
+    std::vector<std::thread> workers;
+    const size_t count = std::min(tasks.size(), static_cast<size_t>(context.options.jobs));
+    for (size_t i = 1; i < count; ++i)
+        workers.emplace_back(work);
+    work();
+    for (std::thread& worker : workers)
+        worker.join();
+    return reports;
+}
+
+bool HasFailure(const std::vector<FileReport>& reports)
+{
+    return std::any_of(reports.begin(), reports.end(), [](const FileReport& report) {
+        return !report.failure.empty();
+    });
+}
+
+bool RunAll(const Options& options, const Module& module, const std::vector<Task>& tasks)
+{
+    Console console(ConsoleConfig(options, tasks.size()));
+    console.Detail(fmt::format(
+        "module {}, version {}", Printable(module.GetPath()), module.GetInfo().versionText));
+    std::unique_ptr<EventsDocument> events;
+    const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
+    try {
+        if (!options.events.empty())
+            events = std::make_unique<EventsDocument>(options.events, options.overwrite, form);
+    } catch (const FileError& error) {
+        console.Complain(options.events, error.what());
+        return false;
+    }
+    const auto reports = RunTasks({options, module, console, events.get()}, tasks, console);
+    bool isGood = !HasFailure(reports);
+    try {
+        if (events)
+            events->Finish();
+    } catch (const FileError& error) {
+        console.Complain(options.events, error.what());
+        isGood = false;
+    }
+    if (options.wantsJson && WriteFully(1, SummaryJson(reports)) != 0) {
+        console.Complain("standard output", FileError::FromErrno(errno).what());
+        isGood = false;
+    }
+    return isGood;
+}
+
+} // namespace
+
+int RunBatch(const Options& options)
+{
+    const std::vector<Task> tasks = MakeTasks(options);
+    if (tasks.empty())
+        throw FileError("no recordings in " + Printable(options.inputs.front()));
+    const Module module = Module::Load();
+    return RunAll(options, module, tasks) ? allDone : someFailed;
+}
+
+} // namespace Cli

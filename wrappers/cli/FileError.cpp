@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/FileError.h"
+
+#include <system_error>
+
+namespace Cli {
+
+FileError FileError::FromErrno(int number)
+{
+    // std::strerror isn't safe beside other threads; the category's text is.
+    return FileError(std::generic_category().message(number));
+}
+
+} // namespace Cli

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace Cli {
+
+/// Why one file could not be handled: a reason for a reader, without the file's name. The other
+/// files of a run go on.
+class FileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+
+    /// The reason that an error number of the system stands for, such as "No such file or
+    /// directory".
+    static FileError FromErrno(int number);
+};
+
+/// A command line that can't be meant: reported with exit code 2 before any file is touched.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace Cli

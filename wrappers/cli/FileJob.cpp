@@ -1,0 +1,329 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/FileJob.h"
+
+#include "wrappers/cli/Alignment.h"
+#include "wrappers/cli/AudioReader.h"
+#include "wrappers/cli/AudioWriter.h"
+#include "wrappers/cli/FileError.h"
+#include "wrappers/cli/Labels.h"
+#include "wrappers/cli/OutputFormat.h"
+#include "wrappers/cli/PlotPainter.h"
+#include "wrappers/cli/Quantiser.h"
+#include "wrappers/cli/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <memory>
+
+namespace Cli {
+
+namespace {
+
+// Frames read at a time: whole blocks, and enough of them to make a read worth while.
+size_t ChunkOf(int block)
+{
+    const auto frames = static_cast<size_t>(block);
+    const size_t least = defaultBlock;
+    return frames >= least ? frames : least / frames * frames;
+}
+
+void MakeFolderOf(const std::string& path)
+{
+    const auto folder = std::filesystem::path(path).parent_path();
+    std::error_code failure;
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, failure);
+    if (failure)
+        throw FileError(folder.string() + ": " + FileError::FromErrno(failure.value()).what());
+}
+
+// A report that appears together with the audio; the reason of a failure names it.
+std::unique_ptr<OutputFile> OpenReport(const std::string& path, const Options& options)
+{
+    if (path.empty())
+        return nullptr;
+    try {
+        if (!options.isSingle)
+            MakeFolderOf(path);
+        return std::make_unique<OutputFile>(path, options.overwrite);
+    } catch (const FileError& error) {
+        throw FileError(path + ": " + error.what());
+    }
+}
+
+// The effect would take them for 0 itself; here they must not enter the difference either.
+uint64_t SilenceNonFinite(std::span<double> samples)
+{
+    uint64_t count = 0;
+    for (double& sample : samples) {
+        if (!std::isfinite(static_cast<float>(sample))) {
+            sample = 0;
+            ++count;
+        }
+    }
+    return count;
+}
+
+std::string FormatName(int format)
+{
+    return ContainerName(format) + "/" + SubtypeName(format);
+}
+
+/// One recording on its way through.
+class FileJob {
+public:
+    FileJob(const RunContext& newContext, const Task& newTask, size_t newNumber)
+        : context(newContext)
+        , options(newContext.options)
+        , task(newTask)
+        , number(newNumber)
+        , reader(task.input, options.raw)
+        , channels(static_cast<size_t>(reader.GetChannels()))
+        , labels(OpenReport(task.labels, options))
+        , plot(OpenReport(task.plot, options))
+        , instance(context.module, reader.GetSampleRate(), reader.GetChannels(), options.controls)
+        , alignment(channels,
+                    static_cast<size_t>(options.block),
+                    instance.GetLatency(),
+                    options.keepsLatency ? LatencyMode::Keep : LatencyMode::Trim,
+                    [this](float** data, uint32_t frames) { instance.Process(data, frames); })
+        , plotFramesToSkip(options.keepsLatency ? instance.GetLatency() : 0)
+    {
+        if (plot)
+            recorder = std::make_unique<PlotRecorder>(reader.GetSampleRate(), reader.GetChannels());
+        if (!task.output.empty())
+            OpenWriter();
+    }
+
+    void Run(FileReport& report)
+    {
+        Describe(report);
+        ReadAll(report);
+        // What follows the recording is no part of its average.
+        average = AverageOf(instance.ReadTotals());
+        for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain())
+            Emit(pair);
+        SpoolDetections(report.frames);
+        report.lostRepairs = instance.GetLostDetections();
+        WriteReports(report);
+        if (writer)
+            writer->Finish();
+        CommitReports();
+        if (context.events != nullptr)
+            context.events->Add(number, report, instance.GetControls(), spool, average);
+    }
+
+private:
+    void OpenWriter();
+    void Describe(FileReport& report) const;
+    void ReadAll(FileReport& report);
+    void PushBlocks(std::span<const double> samples);
+    void Emit(const Alignment::Pair& pair);
+    void Record(const Alignment::Pair& pair);
+    void SpoolDetections(int64_t framesSoFar);
+    void WriteReports(FileReport& report);
+    void CommitReports();
+    std::unique_ptr<PlotPainter> MakePainter(const FileReport& report);
+
+    const RunContext& context;
+    const Options& options;
+    const Task& task;
+    size_t number;
+    AudioReader reader;
+    size_t channels;
+    std::unique_ptr<OutputFile> labels;
+    std::unique_ptr<OutputFile> plot;
+    Instance instance;
+    Alignment alignment;
+    size_t plotFramesToSkip;
+    std::unique_ptr<PlotRecorder> recorder;
+    int outputFormat = 0;
+    std::unique_ptr<AudioWriter> writer;
+    std::unique_ptr<Quantiser> quantiser;
+    std::vector<DetectionRecord> detections;
+    EventSpool spool;
+    BandAverage average;
+};
+
+void FileJob::OpenWriter()
+{
+    outputFormat = ChooseOutputFormat(
+        {task.input, task.output, reader.GetFormat(), reader.GetSampleRate(), reader.GetChannels()},
+        options);
+    AudioWriter::Target target;
+    target.path = task.output;
+    target.overwrite = options.isInPlace ? Overwrite::Allow : options.overwrite;
+    target.format = outputFormat;
+    target.sampleRate = reader.GetSampleRate();
+    target.channels = reader.GetChannels();
+    target.frames = reader.GetFrames();
+    if (target.frames && options.keepsLatency)
+        *target.frames += instance.GetLatency();
+    if (!options.outputDirectory.empty())
+        MakeFolderOf(task.output);
+    writer = std::make_unique<AudioWriter>(target, reader.GetMetadata());
+    if (KindOf(outputFormat) == SampleKind::Integer)
+        quantiser = std::make_unique<Quantiser>(BitsOf(outputFormat),
+                                                options.hasDither ? Quantiser::Dither::Triangular
+                                                                  : Quantiser::Dither::Off);
+}
+
+void FileJob::Describe(FileReport& report) const
+{
+    report.output = task.output;
+    report.sampleRate = reader.GetSampleRate();
+    report.channels = reader.GetChannels();
+    report.latency = instance.GetLatency();
+    const Controls& controls = instance.GetControls();
+    context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; "
+                                       "sensitivity {}, strength {}, up to {} Hz, "
+                                       "latency scaling {}{}{}",
+                                       Printable(task.input),
+                                       FormatName(reader.GetFormat()),
+                                       report.sampleRate,
+                                       report.channels,
+                                       report.channels == 1 ? "" : "s",
+                                       report.latency,
+                                       controls.sensitivity,
+                                       controls.strength,
+                                       controls.upperFrequency,
+                                       controls.latencyScaling,
+                                       controls.bypass ? ", bypassed" : "",
+                                       writer ? "; writes " + FormatName(outputFormat) : ""));
+}
+
+void FileJob::ReadAll(FileReport& report)
+{
+    std::vector<double> chunk(ChunkOf(options.block) * channels);
+    size_t count = chunk.size();
+    while (count == chunk.size()) {
+        count = reader.Read(chunk) * channels;
+        const std::span samples = std::span(chunk).first(count);
+        report.nonFiniteSamples += SilenceNonFinite(samples);
+        PushBlocks(samples);
+        report.frames += static_cast<int64_t>(count / channels);
+        SpoolDetections(report.frames);
+        context.console.Progress(number, report.frames, reader.GetFrames(), report.sampleRate);
+    }
+}
+
+void FileJob::PushBlocks(std::span<const double> samples)
+{
+    const size_t step = static_cast<size_t>(options.block) * channels;
+    for (size_t begin = 0; begin < samples.size(); begin += step)
+        Emit(alignment.Push(samples.subspan(begin, std::min(step, samples.size() - begin))));
+}
+
+void FileJob::Emit(const Alignment::Pair& pair)
+{
+    if (recorder)
+        Record(pair);
+    if (!writer)
+        return;
+    // Rounded before the difference is taken, so that difference and result add up to the input.
+    if (quantiser)
+        quantiser->Apply(pair.output);
+    if (options.wantsDifference) {
+        for (size_t i = 0; i < pair.output.size(); ++i)
+            pair.output[i] = pair.input[i] - pair.output[i];
+    }
+    writer->Write(pair.output);
+}
+
+void FileJob::Record(const Alignment::Pair& pair)
+{
+    const size_t skipped = std::min(plotFramesToSkip, pair.output.size() / channels);
+    plotFramesToSkip -= skipped;
+    recorder->Add(pair.input.subspan(skipped * channels), pair.output.subspan(skipped * channels));
+}
+
+void FileJob::SpoolDetections(int64_t framesSoFar)
+{
+    detections.clear();
+    instance.ReadDetections(detections);
+    // The silence behind the recording can seem to hold something too.
+    std::erase_if(detections, [&](const DetectionRecord& r) { return r.centre >= framesSoFar; });
+    spool.Append(detections);
+}
+
+std::unique_ptr<PlotPainter> FileJob::MakePainter(const FileReport& report)
+{
+    if (!recorder)
+        return nullptr;
+    recorder->Finish();
+    const Controls& controls = instance.GetControls();
+    const auto name = std::filesystem::path(task.input).filename().string();
+    PlotCaption caption;
+    caption.title = task.input == "-" ? "standard input" : ToUtf8(Printable(name));
+    caption.repairLimitHz = controls.bypass ? 0.0 : controls.upperFrequency;
+    caption.details = fmt::format(
+        "{} Hz, {} channel{}, {}   \u00B7   sensitivity {:g}, strength {:g}, up to {:g} Hz{}",
+        report.sampleRate,
+        report.channels,
+        report.channels == 1 ? "" : "s",
+        FormatClock(report.GetDuration()),
+        controls.sensitivity,
+        controls.strength,
+        controls.upperFrequency,
+        controls.bypass ? ", bypassed" : "");
+    return std::make_unique<PlotPainter>(*recorder, caption);
+}
+
+void FileJob::WriteReports(FileReport& report)
+{
+    const std::unique_ptr<PlotPainter> painter = MakePainter(report);
+    EventSummary& summary = report.events;
+    spool.ForEach([&](const DetectionRecord& record) {
+        const Event event = MakeEvent(record, average, report.sampleRate);
+        ++summary.repairs;
+        if (!summary.strongest || event.removed > summary.strongest->removed)
+            summary.strongest = event;
+        if (!event.isProminent)
+            return;
+        ++summary.prominent;
+        if (painter)
+            painter->Mark(event);
+        if (labels && WriteFully(labels->GetDescriptor(), LabelLine(event)) != 0)
+            throw FileError(task.labels + ": " + FileError::FromErrno(errno).what());
+        context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
+                                           Printable(task.input),
+                                           FormatClock(event.time),
+                                           -event.reduction));
+    });
+    if (painter)
+        painter->Save(plot->GetDescriptor());
+}
+
+void FileJob::CommitReports()
+{
+    if (labels)
+        labels->Commit();
+    if (plot)
+        plot->Commit();
+}
+
+} // namespace
+
+FileReport RunFile(const RunContext& context, const Task& task, size_t number)
+{
+    FileReport report;
+    report.input = task.input;
+    const auto start = std::chrono::steady_clock::now();
+    try {
+        if (!task.failure.empty())
+            throw FileError(task.failure);
+        FileJob(context, task, number).Run(report);
+    } catch (const std::exception& error) {
+        report.failure = error.what();
+    }
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    report.seconds = elapsed.count();
+    return report;
+}
+
+} // namespace Cli

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/Console.h"
+#include "wrappers/cli/EventsDocument.h"
+#include "wrappers/cli/FileReport.h"
+#include "wrappers/cli/Module.h"
+#include "wrappers/cli/Options.h"
+#include "wrappers/cli/Tasks.h"
+
+#include <cstddef>
+
+namespace Cli {
+
+/// What all files of a run share.
+struct RunContext {
+    const Options& options;
+    const Module& module;
+    Console& console;
+    EventsDocument* events; ///< null when not wanted
+};
+
+/// Takes one recording through an instance of its own and writes what was asked for. Several may
+/// run on different threads. Failures are told in the report, none is thrown.
+FileReport RunFile(const RunContext& context, const Task& task, size_t number);
+
+} // namespace Cli

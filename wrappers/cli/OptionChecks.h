@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/Options.h"
+
+namespace Cli {
+
+/// Refuses options that contradict each other and works out `isSingle`. Throws UsageError.
+void CheckOptions(Options& options);
+
+/// Refuses to write audio to a terminal. Throws UsageError.
+void CheckStandardOutput(const Options& options, bool isTerminal);
+
+/// True when some result goes to standard output.
+bool WritesAudioToStandardOutput(const Options& options);
+
+} // namespace Cli

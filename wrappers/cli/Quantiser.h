@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <span>
+
+namespace Cli {
+
+/// Steps from zero to full scale of an integer format with `bits` bits, 8 to 32.
+inline double StepsOf(int bits)
+{
+    return std::ldexp(1.0, bits - 1);
+}
+
+/// The step nearest to `sample` (full scale 1.0; ties to even), held between the least and the
+/// greatest number of the format instead of wrapping around.
+inline double RoundToStep(double sample, double steps)
+{
+    return std::clamp(std::nearbyint(sample * steps), -steps, steps - 1.0);
+}
+
+/// Brings samples to the steps of an integer format, with or without dither of triangular density,
+/// two steps wide. The noise is the same in every run.
+class Quantiser {
+public:
+    enum class Dither { Off, Triangular };
+
+    Quantiser(int bits, Dither newDither)
+        : steps(StepsOf(bits))
+        , dither(newDither)
+    {
+    }
+
+    /// Replaces each sample by the nearest one that the format can hold.
+    void Apply(std::span<double> samples)
+    {
+        for (double& sample : samples) {
+            const double noise = dither == Dither::Triangular ? Uniform() + Uniform() - 1.0 : 0.0;
+            sample = RoundToStep(sample + noise / steps, steps) / steps;
+        }
+    }
+
+private:
+    // 0 to 1; the distributions of the standard library differ between its makers.
+    double Uniform() { return static_cast<double>(random()) / 4294967296.0; }
+
+    double steps;
+    Dither dither;
+    std::mt19937 random{1};
+};
+
+} // namespace Cli

@@ -437,7 +437,9 @@ void FFTImpl<float>::ForwardDirect(const float* samples, float* spectrum) noexce
             im -= work[Index(n)] * direct[Index((k * n + SineShift(size)) % size)];
         }
         spectrum[2 * k] = re;
-        spectrum[2 * k + 1] = im;
+        // The table's sine isn't quite 0 at a half turn, but the ends of a real signal's spectrum
+        // are.
+        spectrum[2 * k + 1] = k == 0 || k == half ? 0.0F : im;
     }
 }
 

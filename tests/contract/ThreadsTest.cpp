@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: ISC
+// Two threads drive an instance, and many instances share the module. Most of what these tests find
+// they find under the thread sanitizer.
+#include "tests/support/ModuleHost.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace TestHost;
+
+/// Runs blocks of changing length on a thread of its own until the end of its life.
+class AudioThread {
+public:
+    explicit AudioThread(Instance& newInstance)
+        : instance(newInstance)
+    {
+    }
+    AudioThread(const AudioThread&) = delete;
+    AudioThread(AudioThread&&) = delete;
+    AudioThread& operator=(const AudioThread&) = delete;
+    AudioThread& operator=(AudioThread&&) = delete;
+    ~AudioThread()
+    {
+        ending = true;
+        thread.join();
+    }
+    bool SawOnlyGoodAudio() const { return good; }
+    /// Returns after so many more blocks.
+    void WaitForBlocks(uint32_t count) const
+    {
+        const uint32_t wanted = blocks + count;
+        while (blocks < wanted)
+            std::this_thread::yield();
+    }
+
+private:
+    void Run()
+    {
+        // Buffers for the largest layout, since the other thread may change it before any block.
+        Audio audio(PLUGIN_CORE_MAX_CHANNELS, std::vector<float>(3000));
+        std::mt19937 engine(3);
+        while (!ending) {
+            for (auto& channel : audio) {
+                for (float& sample : channel)
+                    sample = static_cast<float>(engine() % 1000) / 1000.0F - 0.5F;
+            }
+            const auto frames = static_cast<uint32_t>(1 + engine() % 3000);
+            if (instance.RunBlock(audio, 0, frames) != PluginCoreSuccess)
+                good = false;
+            for (const auto& channel : audio) {
+                for (const float sample : channel) {
+                    if (!std::isfinite(sample) || std::abs(sample) > 8.0F)
+                        good = false;
+                }
+            }
+            ++blocks;
+        }
+    }
+
+    Instance& instance;
+    std::atomic<bool> ending = false;
+    std::atomic<bool> good = true;
+    std::atomic<uint32_t> blocks = 0;
+    std::thread thread = std::thread([this] { Run(); });
+};
+
+/// The instance works like a fresh one of this format.
+void ExpectLikeNew(Instance& instance, float rate, uint32_t channels)
+{
+    Instance fresh(rate, channels);
+    EXPECT_EQ(instance.Latency(UI), fresh.Latency(UI));
+    EXPECT_EQ(instance.Latency(Process), fresh.Latency(Process));
+    Audio expected = MakeSpeechLike(channels, 40'000, rate);
+    Audio audio = expected;
+    fresh.Run(expected, 512);
+    instance.Settle();
+    instance.Run(audio, 512);
+    EXPECT_EQ(audio, expected);
+}
+
+TEST(FormatChange, WhileAudioRunsOnAnotherThread)
+{
+    Instance instance(44100.0F, 2);
+    {
+        const AudioThread audio(instance);
+        const std::array<std::pair<float, uint32_t>, 6> formats{std::pair{48000.0F, 1U},
+                                                                {96000.0F, 2U},
+                                                                {8000.0F, 24U},
+                                                                {192000.0F, 2U},
+                                                                {16000.0F, 6U},
+                                                                {22050.0F, 3U}};
+        for (int round = 0; round < 3; ++round) {
+            for (const auto& [rate, channels] : formats) {
+                EXPECT_EQ(instance.SetFormat(rate, LayoutOf(channels)), PluginCoreSuccess);
+                audio.WaitForBlocks(1);
+            }
+        }
+        EXPECT_TRUE(audio.SawOnlyGoodAudio());
+    }
+    instance.SetFormat(48000.0F, LayoutOf(2));
+    ExpectLikeNew(instance, 48000.0F, 2);
+}
+
+TEST(FormatChange, KeepsTheUsersValues)
+{
+    Instance instance(44100.0F, 2);
+    instance.Set(Sensitivity, 0.75F);
+    instance.Set(UpperFrequency, 1.0F);
+    instance.SetElement(ElementLatencyScaling, 0.0F);
+    instance.SetFormat(48000.0F, LayoutOf(6));
+    EXPECT_FLOAT_EQ(instance.Value(Sensitivity), 0.75F);
+    EXPECT_EQ(instance.Value(UpperFrequency), 1.0F);
+    // F = 4096, H = 512, L = 2, M = 3 at the shortest history: 4095 + 10 * 512.
+    EXPECT_EQ(instance.Latency(), 9215U);
+}
+
+TEST(FormatChange, ToWhatCannotBeServedChangesNothing)
+{
+    Instance instance(44100.0F, 2);
+    for (const float rate : {0.0F, -1.0F, std::nanf(""), HUGE_VALF}) {
+        EXPECT_EQ(instance.SetFormat(rate, 1), PluginCoreSuccess);
+        ExpectLikeNew(instance, 44100.0F, 2);
+    }
+    for (const uint32_t layout : {35U, 41U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(instance.SetFormat(48000.0F, layout), PluginCoreSuccess);
+        ExpectLikeNew(instance, 44100.0F, 2);
+    }
+}
+
+TEST(FormatChange, WithinAFormatChangeIsIgnored)
+{
+    Instance instance(44100.0F, 1);
+    uint32_t inner = 0;
+    instance.onHostCall = [&](const HostCall& call) {
+        if (call.opcode == HostOpcodeLatencyChanged) {
+            ++inner;
+            instance.SetFormat(8000.0F, 0);
+            instance.Latency(UI);
+        }
+    };
+    instance.SetFormat(96000.0F, LayoutOf(2));
+    instance.onHostCall = nullptr;
+    EXPECT_GT(inner, 0U);
+    ExpectLikeNew(instance, 96000.0F, 2);
+}
+
+TEST(FormatChange, ToTheSameFormatForgetsNothing)
+{
+    // Half of the signal, the same format again, the other half: as if nothing had been said.
+    Audio whole = MakeSpeechLike(1, 60'000, 44100.0F);
+    Audio parts = whole;
+    Instance first(44100.0F, 1);
+    first.Run(whole, 600);
+    Instance second(44100.0F, 1);
+    uint32_t blocks = 0;
+    second.Run(parts, [&] {
+        if (++blocks == 50)
+            second.SetFormat(44100.0F, 0);
+        return 600U;
+    });
+    EXPECT_EQ(parts, whole);
+}
+
+TEST(Creation, FallsBackTo44100HzForABadRate)
+{
+    for (const float rate : {0.0F, -48000.0F, std::nanf(""), HUGE_VALF}) {
+        Instance instance(rate, 1);
+        ASSERT_NE(instance.Get(), nullptr);
+        EXPECT_EQ(instance.Latency(), 14335U);
+    }
+}
+
+TEST(Storm, OfParametersFromTheOtherThread)
+{
+    Instance instance(44100.0F, 2);
+    {
+        const AudioThread audio(instance);
+        std::mt19937 engine(9);
+        for (int i = 0; i < 4000; ++i) {
+            const float value = static_cast<float>(engine() % 1001) / 1000.0F;
+            const auto index = static_cast<uint32_t>(engine() % 4);
+            instance.Set(index, value);
+            if (i % 7 == 0)
+                instance.Value(index);
+            if (i % 50 == 0)
+                instance.SetElement(ElementLatencyScaling, value);
+            if (i % 97 == 0)
+                instance.Detections();
+            if (i % 131 == 0)
+                instance.Latency();
+            if (i % 500 == 0)
+                audio.WaitForBlocks(1);
+        }
+        EXPECT_TRUE(audio.SawOnlyGoodAudio());
+    }
+    // Whatever the queues did on the way, the last word counts on both sides.
+    for (const uint32_t index : {Sensitivity, Strength})
+        instance.Set(index, 0.5F);
+    instance.Set(UpperFrequency, 150.0F / 450.0F);
+    instance.Set(GlobalBypass, 0.0F);
+    instance.SetElement(ElementLatencyScaling, 1.0F);
+    Audio settling(2, std::vector<float>(10'000));
+    instance.Run(settling, 512);
+    EXPECT_EQ(instance.Value(Sensitivity, Process), 0.5F);
+    EXPECT_EQ(instance.Value(Sensitivity, UI), 0.5F);
+    ExpectLikeNew(instance, 44100.0F, 2);
+}
+
+TEST(Storm, OfEverythingThatTheUISideMayCall)
+{
+    Instance instance(44100.0F, 1);
+    const AudioThread audio(instance);
+    for (int i = 0; i < 60; ++i) {
+        uint32_t latency = 0;
+        ProcessingStateRecord state{i % 2, i % 3 == 0 ? 1 : 0};
+        Call(SelectorSetProcessingState, UI, instance.Get(), &state);
+        Call(SelectorResetProcessing, UI, instance.Get(), &latency);
+        instance.Set(GlobalBypass, static_cast<float>(i % 2));
+        instance.SetFormat(i % 10 == 0 ? 48000.0F : 44100.0F, LayoutOf(1));
+        Call(SelectorTransformReset, UI, instance.Get(), nullptr);
+        audio.WaitForBlocks(1);
+    }
+    EXPECT_TRUE(audio.SawOnlyGoodAudio());
+}
+
+TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
+{
+    constexpr uint32_t threadCount = 8;
+    constexpr uint32_t instancesEach = 25;
+    const Audio input = MakeSpeechLike(1, 20'000, 16000.0F);
+    Audio expected = input;
+    {
+        Instance alone(16000.0F, 1);
+        alone.Run(expected, 1000);
+    }
+    std::atomic<uint32_t> good = 0;
+    std::vector<std::thread> threads;
+    for (uint32_t t = 0; t < threadCount; ++t) {
+        threads.emplace_back([&] {
+            std::vector<std::unique_ptr<Instance>> held; // several live at a time
+            for (uint32_t i = 0; i < instancesEach; ++i) {
+                held.push_back(std::make_unique<Instance>(16000.0F, 1));
+                Audio audio = input;
+                held.back()->Run(audio, 1000);
+                if (audio == expected)
+                    ++good;
+                if (held.size() == 5)
+                    held.erase(held.begin(), held.begin() + 4);
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(good, threadCount * instancesEach);
+}
+
+TEST(Instances, DoNotHearEachOther)
+{
+    Instance first(44100.0F, 1);
+    Instance second(44100.0F, 1);
+    second.Set(GlobalBypass, 1.0F);
+    EXPECT_EQ(first.Value(GlobalBypass), 0.0F);
+    Audio a = MakeSpeechLike(1, 40'000, 44100.0F);
+    const Audio input = a;
+    Audio b = a;
+    for (uint32_t done = 0; done < 40'000; done += 400) {
+        first.RunBlock(a, done, 400);
+        second.RunBlock(b, done, 400);
+    }
+    Instance alone(44100.0F, 1);
+    Audio expected = input;
+    alone.Run(expected, 400);
+    EXPECT_EQ(a, expected);
+    EXPECT_NE(b, expected);
+}
+
+} // namespace

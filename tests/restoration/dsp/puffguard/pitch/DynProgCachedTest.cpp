@@ -148,6 +148,20 @@ TEST(DynProgCached, IronsOutAnOctaveJump)
     EXPECT_NEAR(result.pathCost, 0.2, 1e-6); // two steps onto `low`
 }
 
+TEST(DynProgCached, ChangesItsMindAboutALongStretch)
+{
+    // Two tracks side by side, 0.01 a step apart, for 50 runs: 0.5 in all, far less than the 24.7
+    // that a change from one to the other costs.
+    const DP::Candidate low{100, 0.50F, 0.50F};
+    const DP::Candidate high{170, 0.51F, 0.49F};
+    DynProgCached path(60);
+    for (int run = 0; run < 50; ++run) {
+        EXPECT_EQ(path.Push({low, high, low, high}).oldest.value, low.value);
+    }
+    // Then only the dearer one goes on, and with it the path back to the first run.
+    EXPECT_EQ(path.Push({high, high, high, high}).oldest.value, high.value);
+}
+
 TEST(DynProgCached, ChargesLongJumpsAQuarterBeyondTheKnee)
 {
     const DP::Candidate low{150, 0.1F, 0.9F};

@@ -113,6 +113,14 @@ TEST(PeakSearch, ErasingEndsWhereValuesRiseAgain)
     EXPECT_EQ(values, expected);
 }
 
+TEST(PeakSearch, ErasingTakesFiveValuesAnyway)
+{
+    // All values rise away from the centre: the five that go anyway are the centre and four more.
+    std::vector<float> valley{6, 5, 4, 3, 2, 1, 0.5F, 1, 2, 3, 4, 5, 6};
+    Pitch::ErasePeak(valley, 6, 12);
+    EXPECT_EQ(valley, (std::vector<float>{6, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 6}));
+}
+
 TEST(PeakSearch, ErasingStopsAtBothEnds)
 {
     std::vector<float> falling{1, 2, 3, 4, 5, 6, 7, 6, 5, 4, 3, 2, 1};

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+/// What the benchmark prints. Each measures by turns with its yardstick and takes medians: figures
+/// are ratios of one run of the program, and times are only there to give them a scale.
+namespace Bench {
+
+/// The whole effect, through the module's entry, against FFTW for the transforms that its work is
+/// made of: a forward and an inverse one per hop and channel, and one of each per run of the pitch
+/// tracker.
+void PrintEffectRatios();
+
+/// Longest call against the mean call, at a host block of 64 frames.
+void PrintLongestCalls();
+
+/// Heap memory of one instance.
+void PrintMemory();
+
+/// The kernels, each against FFTW for its own transforms.
+void PrintKernelRatios();
+
+} // namespace Bench

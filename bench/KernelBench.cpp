@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: ISC
+#include "bench/Benches.h"
+#include "bench/FftwTransform.h"
+#include "bench/Measure.h"
+#include "bench/Signal.h"
+#include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "restoration/dsp/puffguard/OversampledFilterbank.h"
+#include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+#include "restoration/dsp/puffguard/pitch/LagTracker.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+constexpr int Rounds = 25;
+constexpr int Calls = 200; // of a kernel in one turn
+
+void PrintRatio(const char* name, int size, const Comparison& result)
+{
+    std::printf(
+        "  %-24s %6d  %5.2f   (%.2f us)\n", name, size, result.ratio, result.seconds * 1e6 / Calls);
+}
+
+void PrintTransform(int order)
+{
+    DSP::FFTImpl<float> transform(order);
+    const auto size = static_cast<std::size_t>(transform.GetSize());
+    std::vector<float> samples = MakeSpeech(1, 48000, 1)[0];
+    samples.resize(size);
+    std::vector<float> spectrum(size + 2);
+    FftwTransform reference(transform.GetSize());
+    PrintRatio("transform and back",
+               transform.GetSize(),
+               Compare(
+                   Rounds,
+                   [&] {
+                       for (int i = 0; i < Calls; ++i) {
+                           transform.Forward(samples.data(), spectrum.data());
+                           transform.Inverse(spectrum.data(), samples.data());
+                       }
+                   },
+                   [&] { reference.RunPairs(Calls); }));
+}
+
+void PrintTrackerRun(double sampleRate)
+{
+    const auto sizes = DSP::Synapse::AnalysisSizes::ForRate(sampleRate);
+    DSP::Synapse::LagTracker tracker(sizes, 64);
+    const std::vector<float> signal = MakeSpeech(1, sizes.decimatedRate, 4)[0];
+    const auto step =
+        static_cast<std::size_t>(sizes.analysisHop) / static_cast<std::size_t>(sizes.decimation);
+    std::size_t position = 0;
+    FftwTransform reference(tracker.GetFftSize());
+    PrintRatio("run of the pitch tracker",
+               tracker.GetFftSize(),
+               Compare(
+                   Rounds,
+                   [&] {
+                       for (int i = 0; i < Calls; ++i) {
+                           position = (position + step) % signal.size();
+                           tracker.Run(signal, position);
+                       }
+                   },
+                   [&] { reference.RunPairs(Calls); }));
+}
+
+void PrintFilterbankHop(int sampleRate)
+{
+    DSP::OversampledFilterbank bank;
+    bank.initialise(1, sampleRate, 8192);
+    bank.configure(0.1F, 8, -2, -1);
+    std::vector<float> signal = MakeSpeech(1, static_cast<float>(sampleRate), 4)[0];
+    std::vector<float> spectrum(static_cast<std::size_t>(bank.GetFFTSize()) + 2);
+    const int hop = bank.GetHop();
+    int position = 0;
+    const auto runHop = [&] {
+        position = position + 2 * hop > static_cast<int>(signal.size()) ? 0 : position + hop;
+        float* const samples = signal.data() + position;
+        float* const bins = spectrum.data();
+        bank.analyse(&samples, hop, &bins, 0, 0);
+        bank.synthesise(&samples, hop, &bins, 0, 0);
+    };
+    FftwTransform reference(bank.GetFFTSize());
+    PrintRatio("hop of the filterbank",
+               bank.GetFFTSize(),
+               Compare(
+                   Rounds,
+                   [&] {
+                       for (int i = 0; i < Calls; ++i) {
+                           runHop();
+                       }
+                   },
+                   [&] { reference.RunPairs(Calls); }));
+}
+
+} // namespace
+
+void PrintKernelRatios()
+{
+    std::printf("Kernel / FFTW for a transform and back of its size:\n");
+    for (int order = 9; order <= 14; ++order) {
+        PrintTransform(order);
+    }
+    for (const int sampleRate : {44100, 48000, 96000}) {
+        PrintTrackerRun(sampleRate);
+        PrintFilterbankHop(sampleRate);
+    }
+}
+
+} // namespace Bench

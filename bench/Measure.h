@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <vector>
+
+namespace Bench {
+
+/// Seconds that one call of `work` takes.
+template <typename Work>
+double Time(Work&& work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Middle one of an odd number of values.
+inline double Median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+/// Two kinds of work measured by turns, so that what disturbs the machine meets both.
+struct Comparison {
+    double seconds = 0;   ///< of one call of the first
+    double reference = 0; ///< of one call of the second
+    double ratio = 0;     ///< first to second
+};
+
+/// Medians over `rounds` turns, an odd number; the ratio is the median of each turn's own.
+template <typename Work, typename Reference>
+Comparison Compare(int rounds, Work&& work, Reference&& reference)
+{
+    std::vector<double> seconds;
+    std::vector<double> references;
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        seconds.push_back(Time(work));
+        references.push_back(Time(reference));
+        ratios.push_back(seconds.back() / references.back());
+    }
+    return {Median(seconds), Median(references), Median(ratios)};
+}
+
+} // namespace Bench

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: ISC
+#include "bench/Benches.h"
+#include "tests/support/ModuleHost.h"
+
+#include <malloc.h>
+
+#include <cstddef>
+#include <cstdio>
+
+namespace Bench {
+
+namespace {
+
+/// Bytes that the heap has given out, in its arenas and as mappings of their own.
+std::size_t GetHeapBytes()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+} // namespace
+
+void PrintMemory()
+{
+    constexpr float SampleRate = 44100;
+    // What the module takes once, whatever the number of instances, is taken before.
+    TestHost::Instance first(SampleRate, 1);
+    TestHost::Audio audio = TestHost::MakeSpeechLike(1, 44100, SampleRate);
+    first.Run(audio, 512);
+    const std::size_t before = GetHeapBytes();
+    TestHost::Instance second(SampleRate, 1);
+    second.Run(audio, 512);
+    const double mebibytes =
+        static_cast<double>(GetHeapBytes() - before) / static_cast<double>(1024 * 1024);
+    std::printf("Heap memory of a mono instance at 44100 Hz: %.2f MiB\n", mebibytes);
+}
+
+} // namespace Bench

@@ -38,8 +38,9 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue(1)
-    , transform(factory.CreateTransform(*this, sampleRate, channelConfig))
 {
+    // In the body, so that elements under construction find a null pointer in its place.
+    transform = factory.CreateTransform(*this, sampleRate, channelConfig);
     UpdateLatency(DSP::Context::UI, Notify::Yes);
     UpdateLatency(DSP::Context::Process, Notify::No);
     transform->PlanDryDelay();

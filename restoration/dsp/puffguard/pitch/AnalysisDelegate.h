@@ -23,7 +23,7 @@ public:
     /// place in the ring where the block's first sample goes.
     virtual void BeginBlock(uint32_t delay, uint32_t phase) noexcept UTIL_NONBLOCKING = 0;
 
-    /// The next sample has been written to `ring` at `position`.
+    /// The next sample has been written to `ring` at `position`. The ring is longer than the delay.
     virtual void AddSample(std::span<const float> ring, uint32_t position) noexcept
         UTIL_NONBLOCKING = 0;
 

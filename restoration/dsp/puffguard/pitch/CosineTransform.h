@@ -32,7 +32,7 @@ private:
     FFTImpl<float> transform;
     std::vector<float> sines;    // sin(pi j / N) for j < N / 2
     std::vector<float> cosines;  // cos(pi j / N) for j < N / 2
-    std::vector<float> folded;   // N
+    std::vector<float> folded;   // N + 1, the last one mirrors the first
     std::vector<float> spectrum; // N + 2
 };
 

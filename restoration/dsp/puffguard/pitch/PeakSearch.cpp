@@ -2,28 +2,39 @@
 #include "restoration/dsp/puffguard/pitch/PeakSearch.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <cstring>
 
 namespace DSP::Synapse {
 
 namespace {
 
-constexpr int Lanes = 8;
 constexpr int ErasedAnyway = 5;
 
-/// Largest value, in eight separate chains that the compiler keeps in vectors.
+// Four floats that go through the same operations; the compiler maps them to the machine's own.
+using Lanes = float __attribute__((vector_size(16)));
+constexpr int LaneCount = 4;
+
+Lanes Load(const float* source) noexcept
+{
+    Lanes lanes;
+    std::memcpy(&lanes, source, sizeof lanes);
+    return lanes;
+}
+
+/// Largest of at least one value.
 float FindLargest(const float* values, int count) noexcept
 {
-    float largest[Lanes];
-    std::fill(std::begin(largest), std::end(largest), values[0]);
+    Lanes even = Lanes{} + values[0];
+    Lanes odd = even;
     int i = 0;
-    for (; i + Lanes <= count; i += Lanes) {
-        for (int lane = 0; lane < Lanes; ++lane) {
-            const float value = values[i + lane];
-            largest[lane] = value > largest[lane] ? value : largest[lane];
-        }
+    for (; i + 2 * LaneCount <= count; i += 2 * LaneCount) {
+        const Lanes first = Load(values + i);
+        const Lanes second = Load(values + i + LaneCount);
+        even = first > even ? first : even;
+        odd = second > odd ? second : odd;
     }
-    float result = *std::max_element(std::begin(largest), std::end(largest));
+    even = odd > even ? odd : even;
+    float result = std::max({even[0], even[1], even[2], even[3]});
     for (; i < count; ++i) {
         result = std::max(result, values[i]);
     }
@@ -73,17 +84,17 @@ void RemoveOctaveGhosts(std::span<float> correlation,
     for (int i = firstLag; i <= maxLag; ++i) {
         const float own = r[i] * 0.5F;
         const float ghost = own < ghosts[i] ? own : ghosts[i];
-        r[i] -= ghost > 0.0F ? ghost : 0.0F;
+        r[i] -= ghost;
     }
 }
 
 int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING
 {
     const float* const begin = values.data() + first;
-    const float* const end = values.data() + last + 1;
-    const float largest = FindLargest(begin, static_cast<int>(end - begin));
-    const float* const found = std::find(begin, end, largest);
-    return found == end ? first : first + static_cast<int>(found - begin);
+    const int count = last - first + 1;
+    const float largest = FindLargest(begin, count);
+    const float* const found = std::find(begin, begin + count, largest);
+    return found == begin + count ? first : first + static_cast<int>(found - begin);
 }
 
 int ClimbToPeak(std::span<const float> correlation, int start, int reach, int maxLag) noexcept

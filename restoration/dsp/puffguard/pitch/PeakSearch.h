@@ -16,7 +16,7 @@ int FindEndOfFall(std::span<const float> correlation, int minLag, int maxLag) no
     UTIL_NONBLOCKING;
 
 /// Takes from the lags `firstLag`..`maxLag` what they owe to a peak at half the lag, which shows a
-/// false pitch one octave below. `scratch` holds maxLag + 2 floats.
+/// false pitch one octave below. No value is negative; `scratch` holds maxLag + 2 floats.
 void RemoveOctaveGhosts(std::span<float> correlation,
                         std::span<float> scratch,
                         int firstLag,

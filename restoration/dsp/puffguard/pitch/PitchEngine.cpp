@@ -129,7 +129,8 @@ void PitchEngine::Advance(float x) noexcept UTIL_NONBLOCKING
         delegate->AddSample(ring, ringPosition);
     }
     lowpassSum += lowpass.Process(x);
-    if (ringPosition % static_cast<uint32_t>(sizes.decimation) == 0) {
+    // Both step sizes are powers of two.
+    if ((ringPosition & static_cast<uint32_t>(sizes.decimation - 1)) == 0) {
         Decimate();
     }
     if ((ringPosition & static_cast<uint32_t>(sizes.analysisHop - 1)) == 0) {

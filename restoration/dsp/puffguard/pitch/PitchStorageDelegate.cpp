@@ -30,8 +30,8 @@ void PitchStorageDelegate::BeginBlock(uint32_t newDelay, uint32_t newPhase) noex
 void PitchStorageDelegate::AddSample(std::span<const float> ring, uint32_t position) noexcept
     UTIL_NONBLOCKING
 {
-    const std::size_t back = delay % ring.size();
-    Append(samples, ring[position >= back ? position - back : position + ring.size() - back]);
+    const std::size_t start = position >= delay ? position : position + ring.size();
+    Append(samples, ring[start - delay]);
 }
 
 void PitchStorageDelegate::AddPitch(std::optional<float> pitchHz, float confidence) noexcept

@@ -56,7 +56,8 @@ int AnalysisSizes::GetLatency(VocalRange range,
         std::min<std::size_t>(static_cast<std::size_t>(range), lowestPitchHz.size() - 1);
     const auto period =
         static_cast<int>(std::lround(static_cast<double>(sampleRate) / lowestPitchHz[index]));
-    const int frame = static_cast<int>(period / decimation * 1.8);
+    const int decimatedPeriod = period / decimation;
+    const int frame = static_cast<int>(decimatedPeriod * 1.8);
     const int halfFrame = frame * (decimation / 2);
     return dynamicProgramming ? analysisHop * 2 * delayFrames + halfFrame
                               : analysisHop / decimation + halfFrame;

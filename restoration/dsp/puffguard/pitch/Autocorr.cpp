@@ -41,7 +41,7 @@ Autocorr::Autocorr(int maxLag)
         window[i] = static_cast<float>(1.0 - std::cos(2.0 * pi * position / n));
     }
     for (std::size_t i = 0; i < compensation.size(); ++i) {
-        const double lag = static_cast<double>(i);
+        const auto lag = static_cast<double>(i);
         compensation[i] = static_cast<float>((1.0 - std::cos(lag * 0.5 * pi / n)) * 4.0 + 1.0);
     }
 }

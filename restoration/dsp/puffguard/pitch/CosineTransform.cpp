@@ -85,7 +85,7 @@ void CosineTransform::Transform(std::span<const float> values, std::span<float> 
 {
     const float scale = 1.0F / static_cast<float>(size); // 2 / F, exact
     // Odd outputs are a running sum; in double it adds no rounding of its own.
-    double odd = static_cast<double>(Fold(values));
+    auto odd = static_cast<double>(Fold(values));
     transform.Forward(folded.data(), spectrum.data());
     const std::size_t count = out.size();
     for (std::size_t k = 0; k < count; k += 2) {

@@ -33,7 +33,7 @@ void DynProgCached::Reset() noexcept UTIL_NONBLOCKING
     count = 0;
 }
 
-void DynProgCached::Extend(const Run& previous, Run& next) const noexcept UTIL_NONBLOCKING
+void DynProgCached::Extend(const Run& previous, Run& next) noexcept UTIL_NONBLOCKING
 {
     for (std::size_t to = 0; to < CandidateCount; ++to) {
         int best = 0;
@@ -85,7 +85,7 @@ DynProgCached::Result DynProgCached::Push(const Candidates& candidates) noexcept
     nextSlot = newest + 1 == runs.size() ? 0 : newest + 1;
     count = std::min(count + 1, runs.size());
 
-    const auto lowest = std::min_element(run.totals.begin(), run.totals.end());
+    const auto* const lowest = std::min_element(run.totals.begin(), run.totals.end());
     TracePath(newest, static_cast<int>(lowest - run.totals.begin()));
     const std::size_t oldest = count < runs.size() ? 0 : nextSlot;
     const auto chosen = static_cast<std::size_t>(path[oldest]);

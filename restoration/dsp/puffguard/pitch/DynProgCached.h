@@ -53,7 +53,7 @@ private:
         std::array<int, CandidateCount> predecessors{}; // index in the run before
     };
 
-    void Extend(const Run& previous, Run& next) const noexcept UTIL_NONBLOCKING;
+    static void Extend(const Run& previous, Run& next) noexcept UTIL_NONBLOCKING;
     void TracePath(std::size_t newest, int best) noexcept UTIL_NONBLOCKING;
     std::size_t Before(std::size_t slot) const noexcept
     {

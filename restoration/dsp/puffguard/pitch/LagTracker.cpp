@@ -28,6 +28,14 @@ float GetTrust(float clarity) noexcept
     return clarity >= FullTrust ? 1.0F : (clarity - NoTrust) / 0.15F;
 }
 
+DP::Candidate MakeCandidate(float pitchHz, float clarity) noexcept
+{
+    constexpr float LeastPitch = 1e-36F;
+    constexpr float NoLogarithm = -1e35F;
+    const float logarithm = std::fabs(pitchHz) < LeastPitch ? NoLogarithm : std::log(pitchHz);
+    return {ValuePerLog * logarithm, 1.0F - clarity, clarity};
+}
+
 } // namespace
 
 LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
@@ -103,15 +111,6 @@ LagTracker::Peak LagTracker::FindPeak(int firstLag) const noexcept UTIL_NONBLOCK
             top,
             RefineLag(correlation, top, found),
             GetClarity(correlation[static_cast<std::size_t>(top)], correlation[0])};
-}
-
-DP::Candidate LagTracker::MakeCandidate(float pitchHz, float clarity) const noexcept
-    UTIL_NONBLOCKING
-{
-    constexpr float LeastPitch = 1e-36F;
-    constexpr float NoLogarithm = -1e35F;
-    const float logarithm = std::fabs(pitchHz) < LeastPitch ? NoLogarithm : std::log(pitchHz);
-    return {ValuePerLog * logarithm, 1.0F - clarity, clarity};
 }
 
 /// Fills `candidates`: the best lags, and last the octave above the best, in case the best is an

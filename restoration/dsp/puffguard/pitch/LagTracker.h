@@ -55,7 +55,6 @@ private:
     int Correlate(std::span<const float> ring, std::size_t writePosition) noexcept UTIL_NONBLOCKING;
     void Score() noexcept UTIL_NONBLOCKING;
     Peak FindPeak(int firstLag) const noexcept UTIL_NONBLOCKING;
-    DP::Candidate MakeCandidate(float pitchHz, float clarity) const noexcept UTIL_NONBLOCKING;
     Peak FindCandidates(int firstLag) noexcept UTIL_NONBLOCKING;
     float Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING;
 

@@ -2,6 +2,7 @@
 #include "restoration/dsp/puffguard/pitch/PeakSearch.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace DSP::Synapse {
@@ -42,11 +43,12 @@ float FindLargest(const float* values, int count) noexcept
 }
 
 /// Zeroes from `centre` in steps of `direction` until values rise again or `count` are done.
-void EraseSide(float* centre, int direction, int count) noexcept
+void EraseSide(std::span<float> values, int centre, int direction, int count) noexcept
 {
-    float previous = *centre;
+    float previous = values[static_cast<std::size_t>(centre)];
     for (int step = 0; step < count; ++step) {
-        float& value = centre[step * direction];
+        const int at = centre + step * direction;
+        float& value = values[static_cast<std::size_t>(at)];
         if (step >= ErasedAnyway && value > previous) {
             return;
         }
@@ -77,7 +79,7 @@ void RemoveOctaveGhosts(std::span<float> correlation,
     // Halves are read from values not yet reduced, as in a walk down from the longest lag.
     float* const r = correlation.data();
     float* const ghosts = scratch.data();
-    for (int half = 0; 2 * half <= maxLag; ++half) {
+    for (std::ptrdiff_t half = 0; 2 * half <= maxLag; ++half) {
         ghosts[2 * half] = (r[half] + r[half]) * 0.125F;
         ghosts[2 * half + 1] = (r[half + 1] + r[half]) * 0.125F;
     }
@@ -140,11 +142,11 @@ float GetClarity(float value, float atZero) noexcept UTIL_NONBLOCKING
 
 void ErasePeak(std::span<float> values, int centre, int last) noexcept UTIL_NONBLOCKING
 {
-    float* const middle = values.data() + centre;
-    const float top = *middle;
-    EraseSide(middle, -1, centre + 1);
-    *middle = top; // the way up compares with the unerased centre, too
-    EraseSide(middle, 1, last - centre + 1);
+    float& middle = values[static_cast<std::size_t>(centre)];
+    const float top = middle;
+    EraseSide(values, centre, -1, centre + 1);
+    middle = top; // the way up compares with the unerased centre, too
+    EraseSide(values, centre, 1, last - centre + 1);
 }
 
 } // namespace DSP::Synapse

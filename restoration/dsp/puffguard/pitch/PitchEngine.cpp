@@ -12,7 +12,7 @@ namespace {
 
 constexpr double DcCornerHz = 40.0;
 /// Q of the two sections of a Butterworth filter of fourth order, 1 / (2 cos(pi / 8 * {1, 3})).
-constexpr double DcSectionQ[] = {0.54119610014619698, 1.3065629648763766};
+constexpr std::array DcSectionQ{0.54119610014619698, 1.3065629648763766};
 /// Keeps the filters' states away from denormal numbers in digital silence.
 constexpr float DenormalOffset = 1e-10F;
 constexpr float LeastLevel = 1e-12F;

@@ -128,6 +128,17 @@ TEST(PitchEngine, NoiseIsMostlyUnvoiced)
     EXPECT_GT(static_cast<double>(unvoiced), 0.7 * static_cast<double>(pitches.size()));
 }
 
+TEST(PitchEngine, StaysFiniteAtAbsurdRates)
+{
+    for (const double rate : {100.0, 1000.0, 768000.0}) {
+        Analysis analysis(rate);
+        for (const float pitchHz : analysis.Run(MakeNoise(20000))) {
+            ASSERT_GE(pitchHz, 0.0F) << rate;
+            ASSERT_LT(pitchHz, 5000.0F) << rate;
+        }
+    }
+}
+
 TEST(PitchEngine, ReportsAChangeOneLatencyLate)
 {
     constexpr double Rate = 44100;

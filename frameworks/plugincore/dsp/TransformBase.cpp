@@ -5,6 +5,7 @@
 #include "frameworks/qobase/util/DebugTrace.h"
 
 #include <algorithm>
+#include <mutex>
 
 namespace DSP {
 
@@ -94,21 +95,26 @@ void TransformBase::CopyDry(uint32_t frames, float* const* channels) const
     }
 }
 
-void TransformBase::ResetElement(Element& element) const
+void TransformBase::SetElementObserver(ElementObserver observer)
 {
-    if (elementObserver.function != nullptr) {
-        elementObserver.function(elementObserver.context, &element, 1);
-    }
-    element.Reset();
-    if (elementObserver.function != nullptr) {
-        elementObserver.function(elementObserver.context, &element, 0);
-    }
+    const std::scoped_lock guard(observersLock);
+    observers.push_back(std::make_unique<const ElementObserver>(observer));
+    // Pairs with the load in Settle(): what the pointer leads to is complete.
+    elementObserver.store(observers.back().get(), std::memory_order_release);
 }
 
 void TransformBase::Settle()
 {
+    const ElementObserver* observer = elementObserver.load(std::memory_order_acquire);
+    const auto tell = [observer](Element& element, uint32_t begins) {
+        if (observer != nullptr && observer->function != nullptr) {
+            observer->function(observer->context, &element, begins);
+        }
+    };
     for (const auto& [name, element] : set->GetElements()) {
-        ResetElement(*element);
+        tell(*element, 1);
+        element->Reset();
+        tell(*element, 0);
     }
     for (DelayLine& line : dryLines) {
         line.Clear();

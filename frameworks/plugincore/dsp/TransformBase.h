@@ -5,7 +5,9 @@
 #include "frameworks/plugincore/dsp/DelayLine.h"
 #include "frameworks/plugincore/dsp/ParamSet.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/qobase/util/CriticalSection.h"
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -50,7 +52,8 @@ public:
     /// Samples processed since the last settling. [process]
     uint64_t GetSamplesProcessed() const { return samplesProcessed; }
 
-    void SetElementObserver(ElementObserver observer) { elementObserver = observer; }
+    /// Heard at the next settling; an empty one ends it. [any]
+    void SetElementObserver(ElementObserver observer);
 
     /// Whether the element's latency counts on the way from input to output. [any]
     virtual bool IsInPath(const String& /*elementName*/, Context /*context*/) const { return true; }
@@ -73,7 +76,6 @@ private:
     void FollowDelay();
     void RunDryPath(uint32_t frames, float* const* channels);
     void CopyDry(uint32_t frames, float* const* channels) const;
-    void ResetElement(Element& element) const;
 
     ElementHost& host;
     const std::unique_ptr<DSPSet> set;
@@ -81,7 +83,11 @@ private:
     std::vector<std::vector<float>> dryBuffers; // [channel][largest chunk]
     bool wasBypassed = false;
     uint64_t samplesProcessed = 0;
-    ElementObserver elementObserver;
+    // The call that sets an observer holds no lock of the instance, so that the process side takes
+    // the pointer as it comes; former observers are kept, since it may still be at work with one.
+    Util::CriticalSection observersLock{"Element Observers"};
+    std::vector<std::unique_ptr<const ElementObserver>> observers;
+    std::atomic<const ElementObserver*> elementObserver{nullptr};
 };
 
 } // namespace DSP

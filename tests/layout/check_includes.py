@@ -32,7 +32,7 @@ ARROWS = {
     "wrappers/cli": {ENTRY},
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
-    "tests/realtime": {ENTRY, "tests/support"},
+    "tests/realtime": {ENTRY, UTIL, "tests/support"}, # UTIL for the names of locks
     "tests/support": EVERYTHING,
     "tests": EVERYTHING,
     "bench": EVERYTHING,

@@ -10,6 +10,28 @@
 #include <random>
 
 namespace TestHost {
+namespace {
+
+/// Holds a flag for a few instructions.
+class SpinGuard {
+public:
+    explicit SpinGuard(std::atomic_flag& newFlag)
+        : flag(newFlag)
+    {
+        while (flag.test_and_set(std::memory_order_acquire)) {
+        }
+    }
+    SpinGuard(const SpinGuard&) = delete;
+    SpinGuard(SpinGuard&&) = delete;
+    SpinGuard& operator=(const SpinGuard&) = delete;
+    SpinGuard& operator=(SpinGuard&&) = delete;
+    ~SpinGuard() { flag.clear(std::memory_order_release); }
+
+private:
+    std::atomic_flag& flag;
+};
+
+} // namespace
 
 PluginCoreEntryFunction Entry()
 {
@@ -54,8 +76,9 @@ Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refc
         std::memcpy(&call.word, data, sizeof call.word);
     auto& self = *static_cast<Instance*>(refcon);
     {
-        const std::lock_guard lock(self.callsMutex);
-        self.calls.push_back(call);
+        const SpinGuard guard(self.callsBusy);
+        if (self.callCount < self.calls.size())
+            self.calls[self.callCount++] = call;
     }
     if (self.onHostCall)
         self.onHostCall(call);
@@ -64,8 +87,8 @@ Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refc
 
 std::vector<HostCall> Instance::Calls()
 {
-    const std::lock_guard lock(callsMutex);
-    return calls;
+    const SpinGuard guard(callsBusy);
+    return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(callCount)};
 }
 
 uint32_t Instance::SetFormat(float sampleRate, uint32_t layout)

@@ -3,9 +3,11 @@
 
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 
+#include <array>
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <vector>
 
 /// A host of the finished module that knows no more than the public header: tests act through it.
@@ -77,7 +79,7 @@ public:
 
     /// Called within the host callback, besides keeping the call. Set it while nothing runs.
     std::function<void(const HostCall&)> onHostCall;
-    /// All calls so far.
+    /// All calls so far, the first 1024 of them.
     std::vector<HostCall> Calls();
 
 private:
@@ -85,8 +87,11 @@ private:
     Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data);
 
     PluginCore* instance = nullptr;
-    std::mutex callsMutex;
-    std::vector<HostCall> calls; // guarded by callsMutex: the module has a timer thread
+    // Host calls come on the audio thread too, so keeping them takes neither the heap nor a lock
+    // that could wait.
+    std::atomic_flag callsBusy = ATOMIC_FLAG_INIT;
+    std::array<HostCall, 1024> calls{}; // guarded by callsBusy
+    std::size_t callCount = 0;          // guarded by callsBusy
 };
 
 /// A quiet noise floor with bursts of air that the module repairs: [channels][frames], the same for

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: ISC
+// The processing side of the built module keeps off the heap and the system, and takes no lock but
+// the stated ones, from its first block on.
+#include "tests/realtime/Probe.h"
+#include "tests/support/ModuleHost.h"
+
+#include "frameworks/qobase/util/CriticalSection.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace TestHost;
+
+/// The name of the critical section whose lock this is; the lock stands behind the name.
+std::string NameOf(const void* lock)
+{
+    static_assert(sizeof(Util::CriticalSection) == sizeof(String) + sizeof(std::recursive_mutex));
+    const auto* section = static_cast<const std::byte*>(lock) - sizeof(String);
+    return reinterpret_cast<const Util::CriticalSection*>(section)->GetName().ToStdString();
+}
+
+/// The locks that the audio thread may take, as docs/threads.md lists them.
+bool IsStated(std::string_view name)
+{
+    return name == "PluginCore Processing CritSec" || name == "PluginMemoryPool Critical Section" ||
+           name.ends_with("Process FIFO Read Lock") || name.ends_with("UI FIFO Write Lock");
+}
+
+bool IsRecursive(const void* lock)
+{
+    // Set when the lock is made and not changed since. Only critical sections are recursive; the
+    // plain locks of queues and timers have no name to be read.
+    return static_cast<const pthread_mutex_t*>(lock)->__data.__kind == PTHREAD_MUTEX_RECURSIVE;
+}
+
+void ExpectClean(const Probe::Report& report, const std::string& where)
+{
+    EXPECT_EQ(report.heapCalls, 0U) << where;
+    EXPECT_EQ(report.waits, 0U) << where;
+    EXPECT_EQ(report.systemCalls, 0U) << where << ": system call " << report.systemCall;
+    for (std::size_t i = 0; i < report.lockCount; ++i) {
+        const void* lock = report.locks[i];
+        if (!IsRecursive(lock))
+            ADD_FAILURE() << where << ": a plain lock";
+        else
+            EXPECT_TRUE(IsStated(NameOf(lock))) << where << ": \"" << NameOf(lock) << '"';
+    }
+}
+
+/// Runs all of `audio` under the probe, calling `between` with the block's number before each block
+/// but unwatched.
+void RunWatched(Instance& instance,
+                Audio& audio,
+                uint32_t block,
+                const std::function<void(uint32_t)>& between = {})
+{
+    const auto frames = static_cast<uint32_t>(audio[0].size());
+    uint32_t number = 0;
+    for (uint32_t done = 0; done < frames && !testing::Test::HasFailure(); ++number) {
+        if (between)
+            between(number);
+        const uint32_t count = std::min(block, frames - done);
+        Probe::Watch watch;
+        instance.RunBlock(audio, done, count);
+        const Probe::Report& report = watch.Stop(); // before the text below takes memory
+        ExpectClean(report, "block " + std::to_string(number) + " of " + std::to_string(block));
+        done += count;
+    }
+}
+
+/// Loads the misbehaving module once.
+bool Misbehave(const char* name)
+{
+    static const auto function = [] {
+        void* module = dlopen(PUFFGUARD_CONTROL, RTLD_NOW | RTLD_LOCAL);
+        return reinterpret_cast<bool (*)(const char*)>(dlsym(module, "Misbehave"));
+    }();
+    return function(name);
+}
+
+Probe::Report WatchMisbehaviour(const char* name)
+{
+    Misbehave("nothing"); // loads it
+    Probe::Watch watch;
+    const bool known = Misbehave(name);
+    const Probe::Report report = watch.Stop();
+    EXPECT_TRUE(known) << name;
+    return report;
+}
+
+TEST(Probe, SeesEachUseOfTheHeapInALoadedModule)
+{
+    for (const char* what : {"malloc", "free", "new", "delete", "aligned new", "delete"})
+        EXPECT_EQ(WatchMisbehaviour(what).heapCalls, 1U) << what;
+}
+
+TEST(Probe, SeesLocksAndTellsThePlainFromTheNamed)
+{
+    for (const char* what : {"lock", "try lock"}) {
+        const Probe::Report report = WatchMisbehaviour(what);
+        EXPECT_EQ(report.lockCalls, 1U) << what;
+        ASSERT_EQ(report.lockCount, 1U) << what;
+        EXPECT_FALSE(IsRecursive(report.locks[0])) << what;
+    }
+    EXPECT_EQ(WatchMisbehaviour("notify").waits, 1U);
+    Util::CriticalSection section("a name");
+    Probe::Watch watch;
+    section.Enter();
+    section.Leave();
+    const Probe::Report& report = watch.Stop();
+    ASSERT_EQ(report.lockCount, 1U);
+    EXPECT_TRUE(IsRecursive(report.locks[0]));
+    EXPECT_EQ(NameOf(report.locks[0]), "a name");
+    EXPECT_FALSE(IsStated(NameOf(report.locks[0])));
+}
+
+TEST(Probe, SeesSystemCalls)
+{
+    if (!Probe::CanSeeSystemCalls())
+        GTEST_SKIP() << "this kernel doesn't report system calls of a thread";
+    for (const char* what : {"yield", "write"})
+        EXPECT_EQ(WatchMisbehaviour(what).systemCalls, 1U) << what;
+}
+
+TEST(Probe, SeesNothingWhereNothingIs)
+{
+    const Probe::Report report = WatchMisbehaviour("nothing");
+    EXPECT_EQ(report.heapCalls + report.waits + report.lockCalls + report.systemCalls, 0U);
+}
+
+TEST(Probe, SeesTheLocksOfBothSidesOfTheModule)
+{
+    // A call of the UI side must count as unclean, or the other tests would prove nothing.
+    Instance instance(44100.0F, 1);
+    Probe::Watch watch;
+    instance.Latency(UI);
+    const Probe::Report& report = watch.Stop();
+    ASSERT_GE(report.lockCount, 1U);
+    EXPECT_EQ(NameOf(report.locks[0]), "PluginCore UI CritSec");
+    EXPECT_FALSE(IsStated(NameOf(report.locks[0])));
+}
+
+class Processing : public testing::TestWithParam<uint32_t> {};
+
+TEST_P(Processing, IsCleanFromTheFirstBlockOn)
+{
+    const uint32_t block = GetParam();
+    Instance instance(44100.0F, 2);
+    Audio audio = MakeSpeechLike(2, block == 1 ? 40'000 : 120'000, 44100.0F);
+    RunWatched(instance, audio, block);
+    EXPECT_GT(instance.Detections(), 0U);
+}
+
+TEST_P(Processing, IsCleanWhileParametersChangeAndBypassComesAndGoes)
+{
+    const uint32_t block = GetParam();
+    Instance instance(44100.0F, 2);
+    Audio audio = MakeSpeechLike(2, block == 1 ? 20'000 : 120'000, 44100.0F);
+    const uint32_t every = block < 100 ? 100 : 1;
+    RunWatched(instance, audio, block, [&](uint32_t number) {
+        if (number % every != 0)
+            return;
+        const uint32_t step = number / every;
+        const float value = static_cast<float>(step % 11) / 10.0F;
+        instance.Set(step % 3, value);
+        instance.Set((step + 1) % 3, value);
+        if (step % 5 == 4)
+            instance.Set(GlobalBypass, static_cast<float>(step % 2));
+        if (step % 7 == 3)
+            instance.SetElement(ElementLatencyScaling, value);
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Blocks,
+                         Processing,
+                         testing::Values(1U, 17U, 64U, 480U, 512U, 4096U, 8192U, 20'000U),
+                         testing::PrintToStringParamName());
+
+TEST(Processing, IsCleanAtEveryFormat)
+{
+    for (const float rate : {8000.0F, 48000.0F, 192000.0F}) {
+        for (const uint32_t channels : {1U, 6U, 24U}) {
+            Instance instance(rate, channels);
+            Audio audio = MakeSpeechLike(channels, 40'000, rate);
+            RunWatched(instance, audio, 1000);
+        }
+    }
+}
+
+TEST(Processing, IsCleanRightAfterAFormatChange)
+{
+    Instance instance(44100.0F, 1);
+    Audio mono = MakeSpeechLike(1, 30'000, 44100.0F);
+    RunWatched(instance, mono, 512);
+    instance.SetFormat(96000.0F, LayoutOf(6));
+    Audio six = MakeSpeechLike(6, 60'000, 96000.0F);
+    RunWatched(instance, six, 512);
+}
+
+TEST(Processing, IsCleanWhenAHostResetsItOnTheAudioThread)
+{
+    Instance instance(44100.0F, 2);
+    Audio audio = MakeSpeechLike(2, 60'000, 44100.0F);
+    RunWatched(instance, audio, 512);
+    Probe::Watch watch;
+    instance.Settle();
+    const Probe::Report& report = watch.Stop();
+    ExpectClean(report, "reset");
+}
+
+TEST(Processing, IsCleanWhenAHostAutomatesOnTheAudioThread)
+{
+    Instance instance(44100.0F, 2);
+    Audio audio = MakeSpeechLike(2, 60'000, 44100.0F);
+    RunWatched(instance, audio, 512, [&](uint32_t number) {
+        Probe::Watch watch;
+        instance.Set(number % 4, static_cast<float>(number % 10) / 9.0F, TestHost::Process);
+        instance.Value(number % 4, TestHost::Process);
+        instance.Latency(TestHost::Process);
+        const Probe::Report& report = watch.Stop();
+        ExpectClean(report, "parameter " + std::to_string(number % 4));
+    });
+}
+
+TEST(Processing, IsCleanWithBadSamples)
+{
+    Instance instance(44100.0F, 1);
+    Audio audio = MakeSpeechLike(1, 60'000, 44100.0F);
+    for (std::size_t i = 0; i < audio[0].size(); i += 100)
+        audio[0][i] = std::numeric_limits<float>::quiet_NaN();
+    RunWatched(instance, audio, 512);
+}
+
+} // namespace

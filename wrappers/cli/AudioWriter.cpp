@@ -14,6 +14,9 @@ namespace Cli {
 
 namespace {
 
+// What 32 bits can count, less room for chunks behind the samples.
+constexpr int64_t greatestNarrowFile = (int64_t{1} << 32) - (int64_t{1} << 20);
+
 bool IsWavContainer(int format)
 {
     const int container = format & SF_FORMAT_TYPEMASK;
@@ -63,6 +66,16 @@ void AudioWriter::OpenStream(const Metadata& metadata, std::optional<int64_t> fr
     handle = io->Open(SFM_WRITE, info);
 }
 
+// These containers count bytes in 32 bits and would end up with a wrong head.
+void AudioWriter::RefuseTooLong() const
+{
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    const bool isNarrow = container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX ||
+                          container == SF_FORMAT_AIFF || container == SF_FORMAT_AU;
+    if (isNarrow && io->GetPosition() > greatestNarrowFile)
+        throw FileError(ContainerName(format) + " can't hold more than 4 GiB; --format rf64 can");
+}
+
 void AudioWriter::ThrowIfFailed(bool isShort)
 {
     if (io->GetFailure() != 0)
@@ -90,6 +103,7 @@ void AudioWriter::Write(std::span<const double> samples)
                                    ? WriteIntegers(samples)
                                    : sf_write_double(handle.get(), samples.data(), count);
     ThrowIfFailed(written != count);
+    RefuseTooLong();
 }
 
 void AudioWriter::Finish()

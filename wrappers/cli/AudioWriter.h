@@ -43,6 +43,7 @@ private:
     void OpenContainer(int descriptor, const Metadata& metadata);
     void OpenStream(const Metadata& metadata, std::optional<int64_t> frames);
     void ThrowIfFailed(bool isShort);
+    void RefuseTooLong() const;
     sf_count_t WriteIntegers(std::span<const double> samples);
 
     OutputFile output;

@@ -129,6 +129,7 @@ void Console::Finished(size_t number)
 
 std::string Console::BarText(size_t width) const
 {
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     double recorded = finishedSeconds;
     std::optional<double> done = static_cast<double>(finishedFiles);
     for (const auto& [number, file] : running) {
@@ -136,10 +137,9 @@ std::string Console::BarText(size_t width) const
         if (file.total && *file.total > 0)
             *done += static_cast<double>(file.frames) / static_cast<double>(*file.total);
         else if (config.files == 1)
-            return FormatProgress(std::nullopt, recorded, 0.0, width);
+            return FormatProgress(std::nullopt, recorded, elapsed.count(), width);
     }
     *done /= static_cast<double>(config.files);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return FormatProgress(done, recorded, elapsed.count(), width);
 }
 

@@ -38,6 +38,8 @@ SndFileHandle DescriptorIo::Open(int mode, SF_INFO& info)
     if (failure != 0)
         throw FileError::FromErrno(failure);
     if (!handle) {
+        if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT)
+            throw FileError("is no audio file of a known kind");
         std::string reason = sf_strerror(nullptr);
         if (reason.ends_with('.'))
             reason.pop_back();

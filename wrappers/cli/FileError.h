@@ -17,6 +17,18 @@ public:
     static FileError FromErrno(int number);
 };
 
+/// Does `work` and puts `name` before the reason when it fails, for a file that isn't the one that
+/// the user named as input.
+template <typename Work>
+auto Naming(const std::string& name, Work work)
+{
+    try {
+        return work();
+    } catch (const FileError& error) {
+        throw FileError(name + ": " + error.what());
+    }
+}
+
 /// A command line that can't be meant: reported with exit code 2 before any file is touched.
 class UsageError : public std::runtime_error {
 public:

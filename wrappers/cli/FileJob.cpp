@@ -47,13 +47,11 @@ std::unique_ptr<OutputFile> OpenReport(const std::string& path, const Options& o
 {
     if (path.empty())
         return nullptr;
-    try {
+    return Naming(path, [&] {
         if (!options.isSingle)
             MakeFolderOf(path);
         return std::make_unique<OutputFile>(path, options.overwrite);
-    } catch (const FileError& error) {
-        throw FileError(path + ": " + error.what());
-    }
+    });
 }
 
 // The effect would take them for 0 itself; here they must not enter the difference either.
@@ -110,15 +108,20 @@ public:
             Emit(pair);
         SpoolDetections(report.frames);
         report.lostRepairs = instance.GetLostDetections();
+        // The picture takes a time of its own, which says nothing of the repair's speed.
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        report.seconds = elapsed.count();
         WriteReports(report);
         if (writer)
-            writer->Finish();
+            Naming(OutputLabel(), [&] { writer->Finish(); });
         CommitReports();
         if (context.events != nullptr)
             context.events->Add(number, report, instance.GetControls(), spool, average);
     }
 
 private:
+    // The reason of a failure names the output where that isn't the input.
+    std::string OutputLabel() const { return task.output == "-" ? "standard output" : task.output; }
     void OpenWriter();
     void Describe(FileReport& report) const;
     void ReadAll(FileReport& report);
@@ -127,6 +130,7 @@ private:
     void Record(const Alignment::Pair& pair);
     void SpoolDetections(int64_t framesSoFar);
     void WriteReports(FileReport& report);
+    void WriteLabel(const Event& event);
     void CommitReports();
     std::unique_ptr<PlotPainter> MakePainter(const FileReport& report);
 
@@ -134,6 +138,7 @@ private:
     const Options& options;
     const Task& task;
     size_t number;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     AudioReader reader;
     size_t channels;
     std::unique_ptr<OutputFile> labels;
@@ -166,7 +171,8 @@ void FileJob::OpenWriter()
         *target.frames += instance.GetLatency();
     if (!options.outputDirectory.empty())
         MakeFolderOf(task.output);
-    writer = std::make_unique<AudioWriter>(target, reader.GetMetadata());
+    writer = Naming(OutputLabel(),
+                    [&] { return std::make_unique<AudioWriter>(target, reader.GetMetadata()); });
     if (KindOf(outputFormat) == SampleKind::Integer)
         quantiser = std::make_unique<Quantiser>(BitsOf(outputFormat),
                                                 options.hasDither ? Quantiser::Dither::Triangular
@@ -232,7 +238,7 @@ void FileJob::Emit(const Alignment::Pair& pair)
         for (size_t i = 0; i < pair.output.size(); ++i)
             pair.output[i] = pair.input[i] - pair.output[i];
     }
-    writer->Write(pair.output);
+    Naming(OutputLabel(), [&] { writer->Write(pair.output); });
 }
 
 void FileJob::Record(const Alignment::Pair& pair)
@@ -288,23 +294,30 @@ void FileJob::WriteReports(FileReport& report)
         ++summary.prominent;
         if (painter)
             painter->Mark(event);
-        if (labels && WriteFully(labels->GetDescriptor(), LabelLine(event)) != 0)
-            throw FileError(task.labels + ": " + FileError::FromErrno(errno).what());
+        if (labels)
+            WriteLabel(event);
         context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
                                            Printable(task.input),
                                            FormatClock(event.time),
                                            -event.reduction));
     });
     if (painter)
-        painter->Save(plot->GetDescriptor());
+        Naming(task.plot, [&] { painter->Save(plot->GetDescriptor()); });
+}
+
+void FileJob::WriteLabel(const Event& event)
+{
+    const int failure = WriteFully(labels->GetDescriptor(), LabelLine(event));
+    if (failure != 0)
+        throw FileError(task.labels + ": " + FileError::FromErrno(failure).what());
 }
 
 void FileJob::CommitReports()
 {
     if (labels)
-        labels->Commit();
+        Naming(task.labels, [&] { labels->Commit(); });
     if (plot)
-        plot->Commit();
+        Naming(task.plot, [&] { plot->Commit(); });
 }
 
 } // namespace
@@ -313,7 +326,6 @@ FileReport RunFile(const RunContext& context, const Task& task, size_t number)
 {
     FileReport report;
     report.input = task.input;
-    const auto start = std::chrono::steady_clock::now();
     try {
         if (!task.failure.empty())
             throw FileError(task.failure);
@@ -321,8 +333,6 @@ FileReport RunFile(const RunContext& context, const Task& task, size_t number)
     } catch (const std::exception& error) {
         report.failure = error.what();
     }
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    report.seconds = elapsed.count();
     return report;
 }
 

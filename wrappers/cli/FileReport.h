@@ -20,7 +20,7 @@ struct FileReport {
     EventSummary events;
     uint64_t nonFiniteSamples = 0;
     uint64_t lostRepairs = 0;
-    double seconds = 0; ///< spent on the file
+    double seconds = 0; ///< spent on reading, repairing and writing the audio
 
     double GetDuration() const
     {

@@ -10,8 +10,9 @@ namespace Cli {
 
 namespace {
 
-// Room for the history texts behind the fixed part of a broadcast or cart chunk.
-constexpr size_t historyRoom = size_t{64} * 1024;
+// Room for the history texts behind the fixed part of a broadcast or cart chunk; libsndfile keeps
+// 16 KiB of them and refuses to take as much.
+constexpr size_t historyRoom = size_t{15} * 1024;
 
 } // namespace
 

@@ -48,10 +48,10 @@ private:
     std::string target; // symbolic links followed
     std::string temporary;
     Overwrite overwrite;
-    bool isStream = false;
-    bool isCommitted = false;
     std::unique_ptr<ScopedCleanUp> cleanUp;
     FileDescriptor file;
+    bool isStream; // behind `file`, which its initialisation opens
+    bool isCommitted = false;
 };
 
 /// Writes `content` as a whole file. Throws FileError.

@@ -33,7 +33,7 @@ constexpr Colour ink = {0.13, 0.15, 0.18};
 constexpr Colour faintInk = {0.42, 0.45, 0.5};
 constexpr Colour gridInk = {0.6, 0.63, 0.68, 0.35};
 constexpr Colour markInk = {0.0, 0.62, 0.68};
-constexpr Colour markFill = {0.25, 0.95, 1.0, 0.1};
+constexpr Colour markFill = {0.25, 0.95, 1.0, 0.16};
 constexpr Colour markEdge = {0.2, 0.8, 0.85, 0.7};
 constexpr Colour beforeInk = {0.93, 0.5, 0.22};
 constexpr Colour afterInk = {0.16, 0.32, 0.55};
@@ -362,9 +362,12 @@ void PlotPainter::Mark(const Event& event)
     for (const Panel& panel : {Panel{beforeTop, spectrumHeight},
                                Panel{afterTop, spectrumHeight},
                                Panel{waveTop, waveHeight}}) {
-        SetColour(context.get(), markFill);
-        cairo_rectangle(context.get(), begin, panel.top, std::max(end - begin, 1.5), panel.height);
-        cairo_fill(context.get());
+        // A tint would change the spectrogram's colours, which are what it is about.
+        if (panel.top == waveTop) {
+            SetColour(context.get(), markFill);
+            cairo_rectangle(context.get(), begin, panel.top, end - begin, panel.height);
+            cairo_fill(context.get());
+        }
         SetColour(context.get(), markEdge);
         DrawLine(context.get(), begin, panel.top, begin, panel.top + panel.height);
         DrawLine(context.get(), end, panel.top, end, panel.top + panel.height);

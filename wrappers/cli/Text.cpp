@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <numeric>
 
 namespace Cli {
 
@@ -41,21 +40,23 @@ bool IsControl(std::string_view sequence)
            (first == 0xC2 && static_cast<uint8_t>(sequence[1]) < 0xA0);
 }
 
+// Letters that must be changed, added, left out or swapped with their neighbour.
 size_t EditDistance(std::string_view a, std::string_view b)
 {
-    std::vector<size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), size_t{0});
-    for (size_t i = 0; i < a.size(); ++i) {
-        size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (size_t j = 0; j < b.size(); ++j) {
-            const size_t above = row[j + 1];
-            const size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            row[j + 1] = std::min({above + 1, row[j] + 1, replaced});
-            diagonal = above;
+    std::vector<std::vector<size_t>> cost(a.size() + 1, std::vector<size_t>(b.size() + 1));
+    for (size_t i = 0; i <= a.size(); ++i) {
+        for (size_t j = 0; j <= b.size(); ++j) {
+            if (i == 0 || j == 0) {
+                cost[i][j] = i + j;
+                continue;
+            }
+            const size_t replaced = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, replaced});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
         }
     }
-    return row.back();
+    return cost[a.size()][b.size()];
 }
 
 } // namespace

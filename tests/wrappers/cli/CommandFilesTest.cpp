@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: ISC
+#include "tests/wrappers/cli/support/CommandRunner.h"
+#include "tests/wrappers/cli/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+
+namespace {
+
+using namespace CliTest;
+using Names = std::vector<std::string>;
+
+struct Kind {
+    const char* extension;
+    int format;
+};
+
+void PrintTo(const Kind& kind, std::ostream* out)
+{
+    *out << kind.extension << std::hex << kind.format;
+}
+
+class CommandRoundTrip : public testing::TestWithParam<Kind> {};
+
+TEST_P(CommandRoundTrip, BypassGivesTheInputBackBitForBit)
+{
+    const TemporaryFolder folder;
+    Audio audio = MakeSpeech(44100, 2, 0.7);
+    audio.format = GetParam().format;
+    // The ends of the range, and more low bits than a float has.
+    audio.samples[10] = 1.0;
+    audio.samples[11] = -1.0;
+    audio.samples[12] = 0.7 + std::ldexp(1.0, -31);
+    const std::string input = folder / "in." + GetParam().extension;
+    WriteAudio(input, audio);
+    const Outcome outcome = RunPuffguard({input, "--bypass"});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    const Audio expected = ReadAudio(input);
+    const Audio result = ReadAudio(folder / "in.puffguard." + GetParam().extension);
+    EXPECT_EQ(result.format, expected.format);
+    EXPECT_EQ(result.sampleRate, 44100);
+    EXPECT_EQ(result.channels, 2);
+    EXPECT_EQ(result.samples, expected.samples);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds,
+                         CommandRoundTrip,
+                         testing::Values(Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_24},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_32},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_DOUBLE},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_ULAW},
+                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_ALAW},
+                                         Kind{"wav", SF_FORMAT_WAVEX | SF_FORMAT_PCM_24},
+                                         Kind{"rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_24},
+                                         Kind{"w64", SF_FORMAT_W64 | SF_FORMAT_FLOAT},
+                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8},
+                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_24},
+                                         Kind{"aiff",
+                                              SF_FORMAT_AIFF | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
+                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_FLOAT},
+                                         Kind{"au", SF_FORMAT_AU | SF_FORMAT_PCM_32},
+                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_PCM_24},
+                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_ALAC_16},
+                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_ALAC_24},
+                                         Kind{"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+                                         Kind{"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24}));
+
+class CommandFiles : public testing::Test {
+protected:
+    void SetUp() override { WriteAudio(input, MakeSpeech()); }
+
+    TemporaryFolder folder;
+    std::string input = folder / "talk.wav";
+};
+
+TEST_F(CommandFiles, RepairTakesBurstsDownAndLinesUp)
+{
+    ASSERT_EQ(RunPuffguard({input}).exitCode, 0);
+    const Audio before = ReadAudio(input);
+    const Audio after = ReadAudio(folder / "talk.puffguard.wav");
+    ASSERT_EQ(after.samples.size(), before.samples.size());
+    // The bursts of MakeSpeech() begin at 0.6, 1.6 and 2.6 s and last 60 ms.
+    double burstBefore = 0;
+    double burstAfter = 0;
+    for (size_t i = 48000 * 26 / 10; i < 48000 * 266 / 100; ++i) {
+        burstBefore += before.samples[i] * before.samples[i];
+        burstAfter += after.samples[i] * after.samples[i];
+    }
+    EXPECT_LT(burstAfter, burstBefore / 2);
+    // Away from bursts the output is the input: a shift by one sample would show. 1.1 to 1.3 s.
+    double error = 0;
+    double power = 0;
+    for (size_t i = 48000 * 11 / 10; i < 48000 * 13 / 10; ++i) {
+        error += std::pow(after.samples[i] - before.samples[i], 2);
+        power += before.samples[i] * before.samples[i];
+    }
+    EXPECT_LT(error, power * 1e-3);
+}
+
+TEST_F(CommandFiles, DifferenceAndResultAddUpToTheInput)
+{
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "result.wav"}).exitCode, 0);
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "gone.wav", "--difference"}).exitCode, 0);
+    const auto before = ReadAudio(input).samples;
+    const auto result = ReadAudio(folder / "result.wav").samples;
+    const auto gone = ReadAudio(folder / "gone.wav").samples;
+    ASSERT_EQ(gone.size(), before.size());
+    double taken = 0;
+    for (size_t i = 0; i < before.size(); ++i) {
+        ASSERT_EQ(result[i] + gone[i], before[i]) << i;
+        taken += gone[i] * gone[i];
+    }
+    EXPECT_GT(taken, 1.0);
+}
+
+TEST_F(CommandFiles, KeptLatencyIsTheAlignedResultBehindSilence)
+{
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "a.wav"}).exitCode, 0);
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "raw.wav", "--keep-latency"}).exitCode, 0);
+    const auto aligned = ReadAudio(folder / "a.wav").samples;
+    const auto raw = ReadAudio(folder / "raw.wav").samples;
+    ASSERT_GT(raw.size(), aligned.size());
+    EXPECT_TRUE(
+        std::equal(aligned.begin(), aligned.end(), raw.end() - static_cast<long>(aligned.size())));
+}
+
+TEST_F(CommandFiles, BlocksAndJobsChangeNothing)
+{
+    Names inputs;
+    for (int i = 0; i < 5; ++i) {
+        inputs.push_back(folder / "copy" + std::to_string(i) + ".wav");
+        std::filesystem::copy(input, inputs.back());
+    }
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "plain.wav"}).exitCode, 0);
+    const std::string expected = ReadBytes(folder / "plain.wav");
+    for (const char* block : {"1", "17", "20000"}) {
+        ASSERT_EQ(RunPuffguard({input, "-fo", folder / "b.wav", "--block", block}).exitCode, 0);
+        EXPECT_EQ(ReadBytes(folder / "b.wav"), expected) << block;
+    }
+    Names arguments = inputs;
+    arguments.insert(arguments.end(), {"--jobs", "3", "--output-dir", folder / "out"});
+    ASSERT_EQ(RunPuffguard(arguments).exitCode, 0);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(ReadBytes(folder / "out/copy" + std::to_string(i) + ".wav"), expected);
+}
+
+TEST_F(CommandFiles, NeverOverwritesUnlessForced)
+{
+    WriteBytes(folder / "talk.puffguard.wav", "mine");
+    const Outcome refused = RunPuffguard({input});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_NE(refused.err.find("--force"), std::string::npos);
+    EXPECT_EQ(ReadBytes(folder / "talk.puffguard.wav"), "mine");
+    EXPECT_EQ(RunPuffguard({input, "--force"}).exitCode, 0);
+    EXPECT_EQ(ReadAudio(folder / "talk.puffguard.wav").GetFrames(), 144000U);
+}
+
+TEST_F(CommandFiles, InPlaceReplacesWhenDoneAndKeepsTheOldOneOtherwise)
+{
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "expected.wav"}).exitCode, 0);
+    ASSERT_EQ(RunPuffguard({input, "--in-place"}).exitCode, 0);
+    EXPECT_EQ(ReadBytes(input), ReadBytes(folder / "expected.wav"));
+    // A FLAC file breaks only when its damaged part is reached, with half the output written.
+    Audio audio = MakeSpeech(48000, 1, 20.0);
+    audio.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+    WriteAudio(folder / "cut.flac", audio);
+    const std::string cut = ReadBytes(folder / "cut.flac").substr(0, 300'000);
+    WriteBytes(folder / "cut.flac", cut);
+    EXPECT_EQ(RunPuffguard({folder / "cut.flac", "--in-place"}).exitCode, 1);
+    EXPECT_EQ(ReadBytes(folder / "cut.flac"), cut);
+    EXPECT_EQ(folder.List(), (Names{"cut.flac", "expected.wav", "talk.wav"}));
+}
+
+TEST_F(CommandFiles, RecursiveTakesAFolder)
+{
+    std::filesystem::create_directories(folder / "tree/sub");
+    std::filesystem::copy(input, folder / "tree/a.wav");
+    std::filesystem::copy(input, folder / "tree/sub/b.wav");
+    WriteBytes(folder / "tree/readme.txt", "no audio");
+    ASSERT_EQ(RunPuffguard({"-r", folder / "tree", "-O", folder / "out"}).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder / "out/a.wav"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "out/sub/b.wav"));
+    // A second run over results beside their inputs takes only the inputs.
+    ASSERT_EQ(RunPuffguard({"-r", folder / "tree"}).exitCode, 0);
+    EXPECT_EQ(RunPuffguard({"-r", folder / "tree", "--force"}).exitCode, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder / "tree/a.puffguard.puffguard.wav"));
+}
+
+TEST_F(CommandFiles, FormatsAndSubtypesChangeOnRequest)
+{
+    ASSERT_EQ(RunPuffguard({input, "--format", "flac", "--subtype", "pcm24"}).exitCode, 0);
+    EXPECT_EQ(ReadAudio(folder / "talk.puffguard.flac").format, SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
+    ASSERT_EQ(RunPuffguard({input, "-o", folder / "x.aiff"}).exitCode, 0);
+    EXPECT_EQ(ReadAudio(folder / "x.aiff").format, SF_FORMAT_AIFF | SF_FORMAT_PCM_16);
+    EXPECT_EQ(RunPuffguard({input, "--format", "flac", "--subtype", "float"}).exitCode, 1);
+}
+
+TEST_F(CommandFiles, FloatIsNotClippedAndIntegersSaturate)
+{
+    Audio loud = MakeSpeech();
+    loud.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+    loud.samples[5000] = 3.5;
+    loud.samples[5001] = -3.5;
+    WriteAudio(folder / "loud.wav", loud);
+    ASSERT_EQ(RunPuffguard({folder / "loud.wav", "--bypass"}).exitCode, 0);
+    EXPECT_EQ(ReadAudio(folder / "loud.puffguard.wav").samples[5000], 3.5);
+    ASSERT_EQ(RunPuffguard({folder / "loud.wav", "--bypass", "-o", folder / "i.flac"}).exitCode, 0);
+    const auto integers = ReadAudio(folder / "i.flac").samples;
+    EXPECT_EQ(integers[5000], 8388607.0 / 8388608);
+    EXPECT_EQ(integers[5001], -1.0);
+}
+
+TEST_F(CommandFiles, TextsAndChunksStay)
+{
+    SF_INFO info = {};
+    info.samplerate = 48000;
+    info.channels = 2;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    SNDFILE* file = sf_open((folder / "m.wav").c_str(), SFM_WRITE, &info);
+    sf_set_string(file, SF_STR_TITLE, "A title");
+    sf_set_string(file, SF_STR_ARTIST, "Somebody");
+    SF_BROADCAST_INFO broadcast = {};
+    std::copy_n("made by hand", 13, static_cast<char*>(broadcast.description));
+    broadcast.time_reference_low = 4711;
+    sf_command(file, SFC_SET_BROADCAST_INFO, &broadcast, sizeof broadcast);
+    const std::vector<short> silence(20000);
+    sf_write_short(file, silence.data(), 20000);
+    sf_close(file);
+    ASSERT_EQ(RunPuffguard({folder / "m.wav"}).exitCode, 0);
+    file = sf_open((folder / "m.puffguard.wav").c_str(), SFM_READ, &info);
+    ASSERT_NE(file, nullptr);
+    EXPECT_STREQ(sf_get_string(file, SF_STR_TITLE), "A title");
+    EXPECT_STREQ(sf_get_string(file, SF_STR_ARTIST), "Somebody");
+    SF_BROADCAST_INFO result = {};
+    EXPECT_EQ(sf_command(file, SFC_GET_BROADCAST_INFO, &result, sizeof result), SF_TRUE);
+    EXPECT_STREQ(static_cast<char*>(result.description), "made by hand");
+    EXPECT_EQ(result.time_reference_low, 4711U);
+    sf_close(file);
+}
+
+TEST_F(CommandFiles, ShorterThanTheLatencyWorks)
+{
+    for (const size_t frames : {1U, 2U, 1000U}) {
+        Audio tiny;
+        tiny.samples.assign(frames, 0.25);
+        WriteAudio(folder / "tiny.wav", tiny);
+        ASSERT_EQ(RunPuffguard({folder / "tiny.wav", "-f", "--bypass"}).exitCode, 0);
+        EXPECT_EQ(ReadAudio(folder / "tiny.puffguard.wav").samples, tiny.samples);
+    }
+}
+
+TEST_F(CommandFiles, SignalsLeaveNothingHalfWritten)
+{
+    // Raw samples that never end, so that the signal always finds it at work.
+    const std::string samples(400'000, '\x01');
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        const Outcome outcome = InterruptPuffguard(
+            {"-", "--raw", "s16,48000,1", "-o", folder / "out.wav", "--labels", folder / "l.txt"},
+            folder.GetPath(),
+            samples,
+            number);
+        EXPECT_EQ(outcome.signal, number);
+        EXPECT_EQ(folder.List(), Names{"talk.wav"});
+    }
+}
+
+} // namespace

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: ISC
+#include "tests/wrappers/cli/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <numbers>
+#include <random>
+#include <sstream>
+
+namespace CliTest {
+
+TemporaryFolder::TemporaryFolder()
+{
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "puffguard-test-XXXXXX").string();
+    EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
+    path = pattern;
+    // Runs without root's rights work in it too.
+    std::filesystem::permissions(path, std::filesystem::perms::all);
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+std::vector<std::string> TemporaryFolder::List() const
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(path))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+Audio MakeSpeech(int sampleRate, int channels, double seconds)
+{
+    Audio audio;
+    audio.sampleRate = sampleRate;
+    audio.channels = channels;
+    std::mt19937 random(7);
+    const auto frames = static_cast<size_t>(seconds * sampleRate);
+    for (size_t i = 0; i < frames; ++i) {
+        const double t = static_cast<double>(i) / sampleRate;
+        const double noise = (static_cast<double>(random()) / 4294967296.0 - 0.5) * 0.004;
+        const double word = std::max(0.0, std::sin(2 * std::numbers::pi * 1.6 * t));
+        double buzz = 0;
+        for (int k = 1; k < 12; ++k)
+            buzz += std::sin(2 * std::numbers::pi * 130 * k * t) / k;
+        const double sinceBurst = std::fmod(t + 0.4, 1.0);
+        const double burst = sinceBurst < 0.06 ? std::sin(2 * std::numbers::pi * 40 * sinceBurst) *
+                                                     std::sin(std::numbers::pi * sinceBurst / 0.06)
+                                               : 0.0;
+        for (int channel = 0; channel < channels; ++channel)
+            audio.samples.push_back(noise + word * 0.08 * buzz + 0.5 * burst / (1 + channel));
+    }
+    return audio;
+}
+
+void WriteAudio(const std::string& path, const Audio& audio)
+{
+    SF_INFO info = {};
+    info.samplerate = audio.sampleRate;
+    info.channels = audio.channels;
+    info.format = audio.format;
+    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    ASSERT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
+    sf_command(file, SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    const auto count = static_cast<sf_count_t>(audio.samples.size());
+    EXPECT_EQ(sf_write_double(file, audio.samples.data(), count), count);
+    sf_close(file);
+}
+
+Audio ReadAudio(const std::string& path)
+{
+    Audio audio;
+    SF_INFO info = {};
+    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
+    EXPECT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
+    if (file == nullptr)
+        return audio;
+    audio.sampleRate = info.samplerate;
+    audio.channels = info.channels;
+    audio.format = info.format;
+    audio.samples.resize(static_cast<size_t>(info.frames * info.channels));
+    EXPECT_EQ(sf_readf_double(file, audio.samples.data(), info.frames), info.frames);
+    sf_close(file);
+    return audio;
+}
+
+std::string ReadBytes(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file.good()) << path;
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+} // namespace CliTest

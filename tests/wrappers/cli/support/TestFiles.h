@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <sndfile.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace CliTest {
+
+/// A folder of the test's own that goes away with it.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string GetPath() const { return path.string(); }
+
+    /// The full name of `name` in it.
+    std::string operator/(const std::string& name) const { return (path / name).string(); }
+
+    /// Names of everything in it, hidden files too, sorted.
+    std::vector<std::string> List() const;
+
+private:
+    std::filesystem::path path;
+};
+
+/// Samples of a file with what they mean; interleaved, full scale 1.0.
+struct Audio {
+    int sampleRate = 48000;
+    int channels = 1;
+    int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    std::vector<double> samples;
+
+    size_t GetFrames() const { return samples.size() / static_cast<size_t>(channels); }
+};
+
+/// Something like speech with bursts of air: a buzz with pauses, noise, and three 40 Hz bursts in
+/// three seconds. The same numbers every time.
+Audio MakeSpeech(int sampleRate = 48000, int channels = 1, double seconds = 3.0);
+
+void WriteAudio(const std::string& path, const Audio& audio);
+
+Audio ReadAudio(const std::string& path);
+
+std::string ReadBytes(const std::string& path);
+
+void WriteBytes(const std::string& path, const std::string& bytes);
+
+} // namespace CliTest

@@ -3,8 +3,8 @@
 
 namespace DSP {
 
-/// Modified Bessel function of the first kind and order 0, by a rational approximation for the
-/// arguments of window functions, up to about 50 in size. [any]
+/// Modified Bessel function of the first kind and order 0, by a rational approximation that
+/// is good to 1e-9 of the value up to 15 in size and leaves it beyond. [any]
 double BesselI0(double x) noexcept;
 
 } // namespace DSP

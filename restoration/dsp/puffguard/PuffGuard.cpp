@@ -4,6 +4,7 @@
 #include "restoration/dsp/puffguard/VectorOps.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace DSP::Shared {
@@ -20,7 +21,16 @@ constexpr float SilentPower = 1e-6F;
 // Where the energy that the log tells of is measured.
 constexpr float EnergyFromHz = 20;
 constexpr float EnergyToHz = 150;
-constexpr float LargestRate = 1e9F; // the filterbank takes whole numbers
+// What the longest transform, 2^17 samples, serves: it is to last 0.07 s.
+constexpr float LargestRate = 1.8e6F;
+
+float CheckRate(float sampleRate)
+{
+    if (!(sampleRate > 0 && sampleRate <= LargestRate)) {
+        throw std::invalid_argument("Sample rate out of range");
+    }
+    return sampleRate;
+}
 
 ParamRegistration<float>
 MakeParam(const char* name, ValueRange<float> range, float defaultValue, float& target)
@@ -38,7 +48,7 @@ MakeParam(const char* name, ValueRange<float> range, float defaultValue, float& 
 PuffGuard::PuffGuard(const Format& format, DetectionLog& newLog)
     : ElementDispatcher({.host = format.host,
                          .name = "PuffGuard",
-                         .sampleRate = format.sampleRate,
+                         .sampleRate = CheckRate(format.sampleRate),
                          .channelConfig = format.channelConfig})
     , pitchDetect({format.host, format.sampleRate, format.channelConfig})
     , log(newLog)
@@ -83,7 +93,7 @@ PuffGuard::HistorySizes PuffGuard::GetHistorySizes(float scaling) const noexcept
 void PuffGuard::initialise()
 {
     filterbank.initialise(static_cast<int32_t>(GetChannelCount()),
-                          static_cast<int32_t>(std::min(GetSampleRate(), LargestRate)),
+                          static_cast<int32_t>(GetSampleRate()),
                           static_cast<int32_t>(GetHost().GetMaxBlockFrames()));
     filterbank.configure(FrameSeconds, OverlapFactor, WindowBlackman, -1);
     frameSize = static_cast<uint32_t>(filterbank.GetFFTSize());

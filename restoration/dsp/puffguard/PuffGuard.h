@@ -50,8 +50,8 @@ public:
         uint32_t channelConfig = 0; ///< layout code
     };
 
-    /// `newLog` takes every repair; it isn't owned and outlives the element. Throws what
-    /// FFTImpl does when there is no transform that is long enough for the rate. [setup]
+    /// `newLog` takes every repair; it isn't owned and outlives the element. Throws
+    /// std::invalid_argument for a rate that isn't above 0 or is above 1.8 MHz. [setup]
     PuffGuard(const Format& format, DetectionLog& newLog);
 
     uint32_t GetHop() const noexcept { return hopSize; }             ///< H, samples

@@ -6,7 +6,7 @@
 namespace DSP {
 
 /// Window kinds below 0; 0 and above is a Kaiser-Bessel derived window of that shape, whose kernel
-/// has beta = kind * pi. Any other negative kind is the filter window.
+/// has beta = kind * pi, up to 4. Any other negative kind is the filter window.
 enum WindowKind : int { WindowHann = -1, WindowBlackman = -2, WindowFilter = -3 };
 
 /// Analysis and synthesis window of an overlap-add filterbank.

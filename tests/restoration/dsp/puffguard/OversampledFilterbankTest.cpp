@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: ISC
+// Expected values come from the theory of the transform, never from a run of the code.
+#include "restoration/dsp/puffguard/OversampledFilterbank.h"
+#include "tests/support/HeapCount.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Channels = std::vector<std::vector<float>>;
+
+Channels MakeNoise(std::size_t channels, std::size_t count)
+{
+    std::mt19937 generator(1);
+    std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
+    Channels values(channels, std::vector<float>(count));
+    for (std::vector<float>& channel : values) {
+        std::generate(channel.begin(), channel.end(), [&] { return distribution(generator); });
+    }
+    return values;
+}
+
+std::vector<float*> GetPointers(Channels& channels)
+{
+    std::vector<float*> pointers;
+    for (std::vector<float>& channel : channels) {
+        pointers.push_back(channel.data());
+    }
+    return pointers;
+}
+
+/// Passes the input through in calls of `hops` hops, output over input.
+Channels PassThrough(DSP::OversampledFilterbank& bank, const Channels& input, int32_t hops)
+{
+    Channels audio = input;
+    const std::vector<float*> pointers = GetPointers(audio);
+    const int32_t count = hops * bank.GetHop();
+    Channels spectra(input.size(),
+                     std::vector<float>(static_cast<std::size_t>(hops) *
+                                        static_cast<std::size_t>(bank.GetFFTSize() + 2)));
+    const std::vector<float*> bins = GetPointers(spectra);
+    for (int32_t done = 0; done + count <= static_cast<int32_t>(input[0].size()); done += count) {
+        bank.analyse(pointers.data(), count, bins.data(), done, 0);
+        bank.synthesise(pointers.data(), count, bins.data(), done, 0);
+    }
+    return audio;
+}
+
+double LargestDifference(const Channels& output, const Channels& input, int32_t delay)
+{
+    double largest = 0;
+    for (std::size_t channel = 0; channel < input.size(); ++channel) {
+        for (std::size_t i = 0; i < input[channel].size(); ++i) {
+            const auto shift = static_cast<std::size_t>(delay);
+            const float wanted = i < shift ? 0.0F : input[channel][i - shift];
+            largest = std::max(largest, std::abs(double{output[channel][i]} - double{wanted}));
+        }
+    }
+    return largest;
+}
+
+TEST(OversampledFilterbank, SizesFollowTheRate)
+{
+    struct Row {
+        int32_t rate;
+        int32_t fftSize;
+    };
+    // The least power of two from 0.07 * rate on: 560, 1120, 3087, 3360, 6720, 13440.
+    for (const Row& row : {Row{8000, 1024},
+                           Row{16000, 2048},
+                           Row{44100, 4096},
+                           Row{48000, 4096},
+                           Row{96000, 8192},
+                           Row{192000, 16384},
+                           Row{50, 8}}) {
+        DSP::OversampledFilterbank bank;
+        bank.initialise(1, row.rate, 512);
+        bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
+        EXPECT_EQ(bank.GetFFTSize(), row.fftSize);
+        EXPECT_EQ(bank.GetHop(), row.fftSize / 8);
+        EXPECT_EQ(bank.GetLatency(), row.fftSize - row.fftSize / 8);
+        EXPECT_EQ(bank.GetMaxBlockSize(), 512);
+    }
+}
+
+TEST(OversampledFilterbank, BandEdgesLieHalfwayBetweenBins)
+{
+    DSP::OversampledFilterbank bank;
+    bank.initialise(1, 8000, 512);
+    bank.configure(0.1F, 8, DSP::WindowHann, -1);
+    // 8000 / 1024 = 7.8125 Hz a bin.
+    EXPECT_EQ(bank.GetLowerBandEdges().size(), 513U);
+    EXPECT_EQ(bank.GetLowerBandEdges()[0], 0.0F);
+    EXPECT_EQ(bank.GetUpperBandEdges()[0], 3.90625F);
+    EXPECT_EQ(bank.GetLowerBandEdges()[10], 74.21875F);
+    EXPECT_EQ(bank.GetUpperBandEdges()[512], 4000.0F);
+}
+
+struct RoundTrip {
+    int32_t kind;
+    int32_t overlapFactor;
+    int32_t hops;
+};
+
+class OversampledFilterbankRoundTrip : public testing::TestWithParam<RoundTrip> {};
+
+TEST_P(OversampledFilterbankRoundTrip, UnchangedSpectraGiveTheInputBackLateByTheLatency)
+{
+    const RoundTrip& setting = GetParam();
+    DSP::OversampledFilterbank bank;
+    bank.initialise(2, 8000, 8192);
+    bank.configure(0.1F, setting.overlapFactor, setting.kind, -1);
+    const Channels input = MakeNoise(2, 60 * 128);
+    const Channels output = PassThrough(bank, input, setting.hops);
+    EXPECT_LT(LargestDifference(output, input, bank.GetLatency()), 2e-6);
+}
+
+TEST_P(OversampledFilterbankRoundTrip, CutIntoCallsAndResetChangeNoBit)
+{
+    const RoundTrip& setting = GetParam();
+    DSP::OversampledFilterbank bank;
+    bank.initialise(2, 8000, 8192);
+    bank.configure(0.1F, setting.overlapFactor, setting.kind, -1);
+    const Channels input = MakeNoise(2, 60 * 128);
+    const Channels single = PassThrough(bank, input, 1);
+    bank.reset();
+    EXPECT_EQ(PassThrough(bank, input, setting.hops), single);
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings,
+                         OversampledFilterbankRoundTrip,
+                         testing::Values(RoundTrip{DSP::WindowBlackman, 8, 1},
+                                         RoundTrip{DSP::WindowBlackman, 8, 3},
+                                         RoundTrip{DSP::WindowBlackman, 8, 12},
+                                         RoundTrip{DSP::WindowHann, 4, 2},
+                                         RoundTrip{DSP::WindowHann, 8, 60}));
+
+TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
+{
+    // Blackman: neighbours at 0.25 / 0.42 and 0.04 / 0.42, nothing beyond. A sine at bin 100 has
+    // period F / 100, so that every full frame shows the same magnitudes.
+    DSP::OversampledFilterbank bank;
+    bank.initialise(1, 8000, 1024);
+    bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
+    Channels audio(1);
+    for (int i = 0; i < 1024; ++i) {
+        audio[0].push_back(static_cast<float>(std::sin(2 * std::numbers::pi * 100 * i / 1024.0)));
+    }
+    Channels spectra(1, std::vector<float>(8 * 1026));
+    bank.analyse(GetPointers(audio).data(), 1024, GetPointers(spectra).data(), 0, 0);
+    const auto bin = [&](std::size_t k) {
+        const float* const full = spectra[0].data() + 7 * 1026; // the first frame without silence
+        return std::complex<double>(full[2 * k], full[2 * k + 1]);
+    };
+    EXPECT_NEAR(std::abs(bin(98) / bin(100)), 0.04 / 0.42, 1e-5);
+    EXPECT_LT(std::abs(bin(103) / bin(100)), 1e-5);
+    // The window is symmetric about n = (W - 1) / 2, which turns the neighbour by pi / F: seen only
+    // here is a window that is off by half a sample.
+    const std::complex<double> neighbour = -0.25 / 0.42 * std::polar(1.0, std::numbers::pi / 1024);
+    EXPECT_LT(std::abs(bin(101) / bin(100) - neighbour), 1e-5);
+    EXPECT_LT(std::abs(bin(100).real() / bin(100).imag()), 1e-5); // a sine from the frame's start
+    EXPECT_LT(bin(100).imag(), 0.0);
+}
+
+TEST(OversampledFilterbank, ShortWindowLeavesTheRestOfTheFrameEmpty)
+{
+    // W = F / 2: latency W - H, and the input still comes back.
+    DSP::OversampledFilterbank bank;
+    bank.initialise(1, 8000, 1024);
+    bank.configure(0.1F, 16, DSP::WindowHann, 512);
+    EXPECT_EQ(bank.GetLatency(), 512 - 64);
+    const Channels input = MakeNoise(1, 40 * 64);
+    EXPECT_LT(LargestDifference(PassThrough(bank, input, 1), input, 448), 2e-6);
+}
+
+TEST(OversampledFilterbank, RestartAndProcessingStayOffTheHeap)
+{
+    DSP::OversampledFilterbank bank;
+    bank.initialise(1, 8000, 1024);
+    bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
+    Channels audio = MakeNoise(1, 128);
+    Channels spectra(1, std::vector<float>(1026));
+    const std::vector<float*> samples = GetPointers(audio);
+    const std::vector<float*> bins = GetPointers(spectra);
+    const Support::HeapCount heap;
+    bank.analyse(samples.data(), 128, bins.data(), 0, 0);
+    bank.synthesise(samples.data(), 128, bins.data(), 0, 0);
+    bank.initialise(1, 8000, 1024);
+    bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
+    EXPECT_EQ(heap.GetCount(), 0U);
+}
+
+} // namespace

@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/PuffGuard.h"
+#include "tests/support/HeapCount.h"
+#include "tests/support/TestElementHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace {
+
+using DSP::Context;
+using DSP::Shared::PuffGuard;
+using Channels = std::vector<std::vector<float>>;
+
+constexpr uint32_t Mono = 0;
+constexpr uint32_t Stereo = 1;
+constexpr float Rate = 16000;        // F = 2048, H = 256, N = 15 at scaling 1
+constexpr std::size_t Burst = 32000; // sample at which the burst begins
+
+/// Quiet noise with a tone as reference, and one burst of 45 Hz over 60 ms.
+std::vector<float> MakeSpeechWithBurst(float burst)
+{
+    std::mt19937 generator(1);
+    std::uniform_real_distribution<float> noise(-0.003F, 0.003F);
+    std::vector<float> samples(64000);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double time = static_cast<double>(i) / static_cast<double>(Rate);
+        samples[i] = noise(generator);
+        const double since = time - static_cast<double>(Burst) / static_cast<double>(Rate);
+        if (since >= 0 && since < 0.06) {
+            samples[i] += burst * static_cast<float>(std::sin(2 * std::numbers::pi * 45 * since));
+        }
+    }
+    return samples;
+}
+
+class PuffGuardTest : public testing::Test {
+protected:
+    void Make(float rate, uint32_t layout)
+    {
+        element = std::make_unique<PuffGuard>(PuffGuard::Format{host, rate, layout}, *log);
+        element->SetFloatValue(PuffGuard::FrequencyLimit, 200, Context::Process, {});
+    }
+
+    void Set(PuffGuard::Param param, float value)
+    {
+        element->SetFloatValue(param, value, Context::Process, {});
+    }
+
+    /// Output of the whole input, as long as it, in blocks of the given length.
+    Channels Run(Channels audio, std::size_t block = 512)
+    {
+        for (std::size_t done = 0; done < audio[0].size(); done += block) {
+            std::vector<float*> pointers;
+            for (std::vector<float>& channel : audio) {
+                pointers.push_back(channel.data() + done);
+            }
+            const std::size_t frames = std::min(block, audio[0].size() - done);
+            element->Process(static_cast<uint32_t>(frames), pointers.data());
+        }
+        return audio;
+    }
+
+    std::vector<DetectionRecord> GetRepairs() const
+    {
+        std::vector<DetectionRecord> repairs(DSP::DetectionLog::Capacity);
+        uint32_t position = 0;
+        repairs.resize(log->Read(position, repairs));
+        return repairs;
+    }
+
+    /// The strongest repair from running number `first` on; one burst may be repaired in pieces.
+    DetectionRecord GetStrongest(std::size_t first = 0) const
+    {
+        const std::vector<DetectionRecord> repairs = GetRepairs();
+        return *std::max_element(repairs.begin() + static_cast<std::ptrdiff_t>(first),
+                                 repairs.end(),
+                                 [](const DetectionRecord& a, const DetectionRecord& b) {
+                                     return a.detection < b.detection;
+                                 });
+    }
+
+    /// Largest difference of the output to the input, late by the latency.
+    double GetDifference(const std::vector<float>& output, const std::vector<float>& input) const
+    {
+        const std::size_t latency = element->GetLatency(Context::Process);
+        double largest = 0;
+        for (std::size_t i = 0; i < output.size(); ++i) {
+            const float wanted = i < latency ? 0.0F : input[i - latency];
+            largest = std::max(largest, std::abs(double{output[i]} - double{wanted}));
+        }
+        return largest;
+    }
+
+    Support::TestElementHost host;
+    std::unique_ptr<DSP::DetectionLog> log = std::make_unique<DSP::DetectionLog>();
+    std::unique_ptr<PuffGuard> element;
+};
+
+TEST_F(PuffGuardTest, LatencyIsFrameAndHistory)
+{
+    struct Row {
+        float rate;
+        uint32_t whole;
+        uint32_t least;
+    };
+    // F - 1 + H (N - 1): 4095 + 512 * 20, 4095 + 512 * 24, 8191 + 1024 * 24; at 16 kHz L = 4, M =
+    // 3: 2047 + 256 * 14; at 8 kHz, F = 1024, L = 4, M = 3: 1023 + 128 * 14; at 192 kHz as at 96,
+    // twice. At scaling 0 N is 11.
+    for (const Row& row : {Row{44100, 14335, 9215},
+                           Row{48000, 16383, 9215},
+                           Row{96000, 32767, 18431},
+                           Row{16000, 5631, 4607},
+                           Row{8000, 2815, 2303},
+                           Row{192000, 65535, 36863}}) {
+        Make(row.rate, Mono);
+        EXPECT_EQ(element->GetLatency(Context::UI), row.whole) << row.rate;
+        host.latencyChanges = 0;
+        Set(PuffGuard::LatencyScaling, 0);
+        EXPECT_EQ(element->GetLatency(Context::UI), row.least) << row.rate;
+        EXPECT_EQ(element->GetMaxLatency(), row.whole) << row.rate;
+        EXPECT_EQ(host.latencyChanges, 1);
+    }
+}
+
+TEST_F(PuffGuardTest, BurstIsTakenDownAndTheRestPasses)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    const std::vector<float> output = Run({input})[0];
+    ASSERT_FALSE(GetRepairs().empty());
+    const DetectionRecord repair = GetStrongest();
+    // The burst's middle, within a hop or two.
+    EXPECT_NEAR(static_cast<double>(repair.centre), Burst + 480.0, 512.0);
+    EXPECT_EQ(repair.severity, 1.0F);
+    EXPECT_EQ(repair.pitchHz, 0.0F);
+    EXPECT_EQ(repair.repairedBins, 31U); // 240 * 2048 / 16000 = 30.7
+    EXPECT_EQ(repair.end - repair.start, 256 * (repair.regionEnd - repair.regionStart));
+    EXPECT_LT(repair.energyAfter, repair.energyBefore * 0.03);
+
+    const std::size_t latency = element->GetLatency(Context::Process);
+    double before = 0;
+    double after = 0;
+    double rest = 0;
+    for (std::size_t i = latency; i < output.size(); ++i) {
+        const std::size_t at = i - latency;
+        if (at >= Burst && at < Burst + 960) {
+            before += double{input[at]} * double{input[at]};
+            after += double{output[i]} * double{output[i]};
+        } else if (at + 4096 < Burst || at > Burst + 5056) {
+            rest = std::max(rest, std::abs(double{output[i]} - double{input[at]}));
+        }
+    }
+    EXPECT_LT(after, before * 0.1);
+    EXPECT_LT(rest, 2e-7);
+}
+
+TEST_F(PuffGuardTest, WithoutStrengthOrSensitivityEverythingPasses)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    Set(PuffGuard::Strength, 0);
+    EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
+    const std::size_t found = GetRepairs().size();
+    EXPECT_GE(found, 1U); // found, but the target is 120 dB up
+    element->Reset();
+    Set(PuffGuard::Strength, 5);
+    Set(PuffGuard::Sensitivity, 0);
+    EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
+    EXPECT_EQ(GetRepairs().size(), found);
+}
+
+TEST_F(PuffGuardTest, SilencePassesAndFindsNothing)
+{
+    Make(Rate, Mono);
+    const std::vector<float> silence(40000, 0.0F);
+    EXPECT_EQ(Run({silence})[0], silence);
+    EXPECT_TRUE(GetRepairs().empty());
+}
+
+TEST_F(PuffGuardTest, SameBurstInBothChannelsIsTheMonoCase)
+{
+    // Channels combine by their largest, not by their sum. Cut with level 1 in both.
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    const std::vector<float> mono = Run({input})[0];
+    const DetectionRecord one = GetStrongest();
+    const std::size_t count = GetRepairs().size();
+    Make(Rate, Stereo);
+    const Channels stereo = Run({input, input});
+    EXPECT_EQ(GetRepairs().size(), 2 * count);
+    const DetectionRecord two = GetStrongest(count);
+    EXPECT_EQ(two.detection, one.detection);
+    EXPECT_DOUBLE_EQ(two.energyBefore, 2 * one.energyBefore);
+    EXPECT_EQ(stereo[0], mono);
+    EXPECT_EQ(stereo[1], mono);
+}
+
+TEST_F(PuffGuardTest, ChannelBelowTheTargetKeepsItsLevel)
+{
+    // The burst stands in the first channel only; the second one's noise is 20 dB below the noise
+    // that the target is drawn through.
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    std::vector<float> quiet = MakeSpeechWithBurst(0.0F);
+    for (float& sample : quiet) {
+        sample *= 0.1F;
+    }
+    Make(Rate, Stereo);
+    const Channels output = Run({input, quiet});
+    ASSERT_GE(GetRepairs().size(), 1U);
+    EXPECT_GT(GetDifference(output[0], input), 0.1);
+    // A few bins of noise dip below the target's; none of the burst's reduction reaches this
+    // channel.
+    EXPECT_LT(GetDifference(output[1], quiet), 1e-4);
+}
+
+TEST_F(PuffGuardTest, CutIntoBlocksChangesNoBit)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    const Channels whole = Run({input}, 4096);
+    for (const std::size_t block : {1U, 17U, 256U, 1000U}) {
+        element->Reset();
+        EXPECT_EQ(Run({input}, block), whole) << block;
+    }
+}
+
+TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    const Channels first = Run({input});
+    element->Reset();
+    EXPECT_EQ(Run({input}), first);
+    const std::vector<DetectionRecord> both = GetRepairs();
+    const std::size_t count = both.size() / 2;
+    ASSERT_GE(count, 1U);
+    EXPECT_EQ(both[0].restart, 0U);
+    EXPECT_EQ(both[count].restart, 1U);
+    EXPECT_EQ(both[count].centre, both[0].centre);
+    // There and back: everything restarts; only the tail's samples are not the repair's to clear.
+    Set(PuffGuard::LatencyScaling, 0.25F);
+    Run({input});
+    Set(PuffGuard::LatencyScaling, 1);
+    element->ResetTails();
+    EXPECT_EQ(Run({input}), first);
+    EXPECT_EQ(GetRepairs().back().restart, 3U);
+    EXPECT_EQ(GetRepairs().back().centre, both.back().centre);
+}
+
+TEST_F(PuffGuardTest, TotalsCountAllFramesBeforeAnyRepair)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    Run({input});
+    const DetectionTotalsRecord totals = log->GetTotals();
+    EXPECT_EQ(totals.hops, 250U); // 64000 / 256
+    EXPECT_EQ(totals.detections, GetRepairs().size());
+    // Nearly all that the low band holds is the burst, and the region has all of it but its fringe.
+    const double regionEnergy = GetStrongest().energyBefore;
+    EXPECT_GT(regionEnergy, totals.bandEnergy * 0.8);
+    EXPECT_LT(regionEnergy, totals.bandEnergy);
+}
+
+TEST_F(PuffGuardTest, ProcessingAndRestartStayOffTheHeap)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Mono);
+    std::vector<float> audio = input;
+    float* channel = audio.data();
+    // What the host lends to elements comes from its pool in the product.
+    host.ReserveProcessingMemory(1 << 20);
+    const Support::HeapCount heap;
+    element->Process(static_cast<uint32_t>(2 * Burst / 8), &channel);
+    Set(PuffGuard::LatencyScaling, 0);
+    element->Process(8000, &channel);
+    Set(PuffGuard::LatencyScaling, 1);
+    channel = audio.data() + Burst - 8000;
+    element->Process(8000, &channel);
+    channel = audio.data() + Burst;
+    element->Process(8000, &channel);
+    element->Reset();
+    EXPECT_EQ(heap.GetCount(), 0U);
+    EXPECT_GE(log->GetNextNumber(), 0U);
+}
+
+TEST_F(PuffGuardTest, RatesFarOutsideAudioAreRefusedOrBorne)
+{
+    for (const float rate : {1.9e6F, 3e38F, 0.0F, -1.0F, std::nanf("")}) {
+        EXPECT_THROW(Make(rate, Mono), std::invalid_argument) << rate;
+    }
+    for (const float rate : {0.5F, 10.0F, 100.0F, 1000.0F, 384000.0F}) {
+        Make(rate, Stereo);
+        const std::vector<float> noise = MakeSpeechWithBurst(0.5F);
+        const Channels output = Run({noise, noise});
+        EXPECT_TRUE(std::all_of(output[1].begin(), output[1].end(), [](float sample) {
+            return std::isfinite(sample);
+        })) << rate;
+    }
+}
+
+} // namespace

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: ISC
+#include "restoration/dsp/puffguard/RunningExp.h"
+#include "restoration/dsp/puffguard/RunningHann.h"
+#include "restoration/dsp/puffguard/RunningMax.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <numbers>
+#include <random>
+
+namespace {
+
+std::vector<float> MakeNoise(std::size_t count, unsigned seed)
+{
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<float> distribution(0.0F, 2.0F);
+    std::vector<float> values(count);
+    std::generate(values.begin(), values.end(), [&] { return distribution(generator); });
+    return values;
+}
+
+/// The weighted mean as defined, in double: weights 1 - cos(2 pi (i + 1/2) / N) over the last N.
+double WeightedMean(const std::deque<double>& window)
+{
+    const auto count = static_cast<double>(window.size());
+    double sum = 0;
+    for (std::size_t i = 0; i < window.size(); ++i) {
+        const double place = static_cast<double>(i) + 0.5;
+        sum += window[i] * (1 - std::cos(2 * std::numbers::pi * place / count));
+    }
+    return sum / count;
+}
+
+TEST(RunningHann, IsTheWeightedMeanOfTheLastValues)
+{
+    for (const uint32_t halfLength : {1U, 2U, 7U, 64U}) {
+        DSP::RunningHann<float> average;
+        average.configure(halfLength, 1.0F);
+        std::deque<double> window(2 * halfLength + 1, 1.0);
+        // Long enough for many windows: what rounding leaves behind must not pile up.
+        for (const float value : MakeNoise(5000, halfLength)) {
+            window.pop_front();
+            window.push_back(value);
+            const float result = average.process(value) * average.GetScale();
+            ASSERT_NEAR(result, WeightedMean(window), 2e-5) << halfLength;
+            ASSERT_NEAR(average.GetCurrent(), result, 1e-5) << halfLength;
+        }
+    }
+}
+
+TEST(RunningHann, HoldsAConstantOnceTheWindowIsFull)
+{
+    DSP::RunningHann<float> average;
+    average.configure(3, 0.0F);
+    float result = 0;
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_LT(result, 5.0F * 0.999F);
+        result = average.process(5.0F) * average.GetScale();
+    }
+    EXPECT_NEAR(result, 5.0F, 1e-5F);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_NEAR(average.process(5.0F) * average.GetScale(), 5.0F, 1e-5F);
+    }
+}
+
+TEST(RunningHann, WindowOfOneValuePassesIt)
+{
+    DSP::RunningHann<float> average;
+    average.configure(0, 9.0F);
+    for (const float value : {3.0F, -2.0F, 0.0F, 7.5F}) {
+        EXPECT_EQ(average.process(value) * average.GetScale(), value);
+    }
+}
+
+TEST(RunningHann, ResetRepeatsTheFirstRun)
+{
+    DSP::RunningHanns<float> averages;
+    averages.configure(2, 5, 1.0F);
+    const std::vector<float> values = MakeNoise(40, 1);
+    const auto run = [&] {
+        std::vector<float> results;
+        for (const float value : values) {
+            results.push_back(averages[0].process(value));
+            results.push_back(averages[1].process(2 * value));
+        }
+        return results;
+    };
+    const std::vector<float> first = run();
+    EXPECT_NE(run(), first);
+    averages.reset();
+    averages.reset(); // a second one finds nothing to do
+    EXPECT_EQ(run(), first);
+}
+
+TEST(RunningMax, IsTheLargestOfTheLastValues)
+{
+    for (const uint32_t length : {1U, 2U, 3U, 5U, 8U, 172U}) {
+        DSP::RunningMax<float> maximum;
+        maximum.configure(length, -1000.0F);
+        std::deque<float> window(length, -1000.0F);
+        for (const float value : MakeNoise(1000, length)) {
+            window.pop_front();
+            window.push_back(-value);
+            ASSERT_EQ(maximum.process(-value), *std::max_element(window.begin(), window.end()))
+                << length;
+        }
+    }
+}
+
+TEST(RunningMax, ResetForgetsTheInput)
+{
+    DSP::RunningMaxs<float> maxima;
+    maxima.configure(1, 4, -5.0F);
+    EXPECT_EQ(maxima[0].process(3.0F), 3.0F);
+    maxima.reset();
+    EXPECT_EQ(maxima[0].process(-7.0F), -5.0F); // the fill value is larger
+}
+
+TEST(RunningMax, LengthOfNothingIsOne)
+{
+    DSP::RunningMax<float> maximum;
+    maximum.configure(0, 0.0F);
+    EXPECT_EQ(maximum.process(-3.0F), -3.0F);
+}
+
+TEST(RunningExp, ReachesOneMinusOneOverEInItsTime)
+{
+    // 100 steps a second for 0.25 s: 25 steps, after which 1 - (1 - c)^25 = 1 - exp(-1).
+    DSP::RunningExp<float> smoother;
+    smoother.configure(0.25, 100.0, 0.0F);
+    float value = 0;
+    for (int i = 0; i < 25; ++i) {
+        value = smoother.process(1.0F);
+    }
+    EXPECT_NEAR(value, 1 - std::exp(-1.0), 1e-5);
+    smoother.reset();
+    EXPECT_NEAR(smoother.process(1.0F), 1 - std::exp(-1.0 / 25), 1e-6);
+}
+
+TEST(RunningExp2, RisesAndFallsEachInItsTime)
+{
+    DSP::RunningExp2<float> smoother;
+    smoother.configure(10.0, 0.1, 100.0, 1.0F);
+    EXPECT_NEAR(smoother.process(2.0F), 2 - std::exp(-1.0 / 1000), 1e-6);
+    smoother.reset();
+    EXPECT_NEAR(smoother.process(0.0F), std::exp(-1.0 / 10), 1e-6);
+}
+
+TEST(RunningExp2, WithoutTimeItFollowsAtOnceAndSmallStatesAreNothing)
+{
+    DSP::RunningExp2<float> smoother;
+    smoother.configure(0.0, -1.0, 100.0, 1.0F);
+    EXPECT_EQ(smoother.process(5.0F), 5.0F);
+    EXPECT_EQ(smoother.process(0.25F), 0.25F);
+    EXPECT_EQ(smoother.process(0.0F), 0.0F);
+    EXPECT_EQ(smoother.process(2e-30F), 2e-30F);
+    EXPECT_EQ(smoother.process(0.5e-30F), 0.0F);
+}
+
+TEST(RunningExps2, AllBinsAtOnceAreThoseOfOneByOne)
+{
+    constexpr std::size_t Count = 37;
+    DSP::RunningExps2<float> together;
+    DSP::RunningExps2<float> single;
+    together.configure(Count, 0.05, 0.02, 100.0, 0.5F);
+    single.configure(Count, 0.05, 0.02, 100.0, 0.5F);
+    for (unsigned step = 0; step < 20; ++step) {
+        const std::vector<float> values = MakeNoise(Count, step);
+        const float* const states = together.process(values.data());
+        for (std::size_t bin = 0; bin < Count; ++bin) {
+            ASSERT_EQ(states[bin], single.process(bin, values[bin]));
+        }
+    }
+    single.SetState(3, 0.125F);
+    EXPECT_EQ(single.process(3, 0.125F), 0.125F);
+    single.reset();
+    EXPECT_EQ(single.process(3, 0.5F), 0.5F);
+}
+
+} // namespace

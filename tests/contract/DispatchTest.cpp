@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,12 @@ struct Rule {
     Needs record;
     uint32_t answer = PluginCoreSuccess; ///< with everything right
 };
+
+/// Names the test of a rule.
+void PrintTo(const Rule& rule, std::ostream* out)
+{
+    *out << "selector " << rule.selector;
+}
 
 // Selectors that work on an instance; 7 ends one and has tests of its own.
 constexpr std::array rules{

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cmath>
@@ -179,6 +180,26 @@ TEST(Creation, FallsBackTo44100HzForABadRate)
     }
 }
 
+TEST(Tick, TellsTheHostOfALatencyThatChangedWhileAudioRan)
+{
+    Instance instance(44100.0F, 1);
+    Audio audio(1, std::vector<float>(2000));
+    instance.Run(audio, 500);
+    instance.SetElement(ElementLatencyScaling, 0.0F);
+    instance.Run(audio, 500);
+    EXPECT_EQ(instance.Latency(Process), 9215U);
+    const auto hostWasTold = [&instance] {
+        const auto calls = instance.Calls();
+        return std::any_of(calls.begin(), calls.end(), [](const HostCall& call) {
+            return call.opcode == HostOpcodeLatencyChanged && call.context == UI &&
+                   call.word == 9215U;
+        });
+    };
+    while (!hostWasTold()) // ends by the test's time limit when no tick ever comes
+        std::this_thread::yield();
+    EXPECT_EQ(instance.Latency(UI), 9215U);
+}
+
 TEST(Storm, OfParametersFromTheOtherThread)
 {
     Instance instance(44100.0F, 2);
@@ -210,6 +231,9 @@ TEST(Storm, OfParametersFromTheOtherThread)
     instance.SetElement(ElementLatencyScaling, 1.0F);
     Audio settling(2, std::vector<float>(10'000));
     instance.Run(settling, 512);
+    // The UI side hears of the processing side's last latency at a tick; a reset is sooner.
+    uint32_t latency = 0;
+    Call(SelectorResetProcessing, UI, instance.Get(), &latency);
     EXPECT_EQ(instance.Value(Sensitivity, Process), 0.5F);
     EXPECT_EQ(instance.Value(Sensitivity, UI), 0.5F);
     ExpectLikeNew(instance, 44100.0F, 2);

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: ISC
-"""Compiles every header by itself: check_headers.py ROOT C++-COMPILER C-COMPILER.
+"""Compiles every header by itself: check_headers.py ROOT BUILD C++-COMPILER C-COMPILER.
 
-Headers of the entry are compiled as strict C11 too, since wrappers may be written in C.
+Headers of the entry are compiled as strict C11 too, since wrappers may be written in C. Libraries
+are looked for where the sources beside a header find them, as compile_commands.json in BUILD says.
 """
 
+import json
 import os
+import shlex
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
@@ -14,6 +17,21 @@ from pathlib import Path
 FOLDERS = ("frameworks", "restoration", "wrappers", "tests")
 C_FOLDER = "frameworks/plugincore/entry/"
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+
+
+def library_folders(root, build):
+    """For each folder with sources: the options that name folders of libraries."""
+    found = {}
+    commands = json.loads((Path(build) / "compile_commands.json").read_text(encoding="utf-8"))
+    for entry in commands:
+        words = shlex.split(entry["command"])
+        options = found.setdefault(os.path.relpath(os.path.dirname(entry["file"]), root), [])
+        for word, following in zip(words, words[1:]):
+            if word == "-isystem":
+                options += [word, following]
+            elif word.startswith("-I") and word != f"-I{root}":
+                options.append(word)
+    return found
 
 
 def compile_alone(root, command, header):
@@ -25,10 +43,12 @@ def compile_alone(root, command, header):
 
 
 def main():
-    root, cxx, c = sys.argv[1:]
+    root, build, cxx, c = sys.argv[1:]
+    libraries = library_folders(root, build)
     headers = [path.relative_to(root).as_posix()
                for folder in FOLDERS for path in sorted((Path(root) / folder).rglob("*.h"))]
-    jobs = [([cxx, "-x", "c++", "-std=c++20"], header) for header in headers]
+    jobs = [([cxx, "-x", "c++", "-std=c++20", *libraries.get(os.path.dirname(header), [])], header)
+            for header in headers]
     jobs += [([c, "-x", "c", "-std=c11", "-pedantic-errors"], header)
              for header in headers if header.startswith(C_FOLDER)]
     with ThreadPoolExecutor(os.cpu_count()) as pool:

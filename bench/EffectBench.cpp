@@ -20,7 +20,7 @@ namespace {
 constexpr float Rates[] = {44100, 48000, 96000};
 constexpr uint32_t HostBlock = 512;
 constexpr uint32_t SmallBlock = 64;
-constexpr int Rounds = 25;
+constexpr int Rounds = 101;
 constexpr double FrameSeconds = 0.07; ///< least length of the main transform
 constexpr int FramesPerWindow = 8;
 
@@ -82,14 +82,14 @@ void PrintEffectRatio(float sampleRate, uint32_t channels)
     const Work work(sampleRate, channels, Frames);
     FftwTransform main(work.mainSize);
     FftwTransform tracker(work.trackerSize);
-    TestHost::Audio* next = &feeder.GetNext();
+    TestHost::Audio* next = nullptr;
     const Comparison result = Compare(
         Rounds,
+        [&] { next = &feeder.GetNext(); },
         [&] { instance.Run(*next, HostBlock); },
         [&] {
             main.RunPairs(work.mainPairs);
             tracker.RunPairs(work.trackerPairs);
-            next = &feeder.GetNext();
         });
     const double audioSeconds = Frames / static_cast<double>(sampleRate);
     std::printf("  %6.0f Hz %-6s  %5.2f   (%.0f x real time, %u repairs)\n",

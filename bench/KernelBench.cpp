@@ -16,13 +16,29 @@ namespace Bench {
 
 namespace {
 
-constexpr int Rounds = 25;
-constexpr int Calls = 200; // of a kernel in one turn
+constexpr int Rounds = 101;
+constexpr int Calls = 100; // of a kernel in one turn
 
 void PrintRatio(const char* name, int size, const Comparison& result)
 {
     std::printf(
         "  %-24s %6d  %5.2f   (%.2f us)\n", name, size, result.ratio, result.seconds * 1e6 / Calls);
+}
+
+/// Measures `Calls` calls of a kernel against as many transforms there and back of `size`.
+template <typename Kernel>
+void PrintKernel(const char* name, int size, Kernel&& kernel)
+{
+    FftwTransform reference(size);
+    const auto runKernel = [&] {
+        for (int i = 0; i < Calls; ++i) {
+            kernel();
+        }
+    };
+    PrintRatio(name,
+               size,
+               Compare(
+                   Rounds, [] {}, runKernel, [&] { reference.RunPairs(Calls); }));
 }
 
 void PrintTransform(int order)
@@ -32,18 +48,10 @@ void PrintTransform(int order)
     std::vector<float> samples = MakeSpeech(1, 48000, 1)[0];
     samples.resize(size);
     std::vector<float> spectrum(size + 2);
-    FftwTransform reference(transform.GetSize());
-    PrintRatio("transform and back",
-               transform.GetSize(),
-               Compare(
-                   Rounds,
-                   [&] {
-                       for (int i = 0; i < Calls; ++i) {
-                           transform.Forward(samples.data(), spectrum.data());
-                           transform.Inverse(spectrum.data(), samples.data());
-                       }
-                   },
-                   [&] { reference.RunPairs(Calls); }));
+    PrintKernel("transform and back", transform.GetSize(), [&] {
+        transform.Forward(samples.data(), spectrum.data());
+        transform.Inverse(spectrum.data(), samples.data());
+    });
 }
 
 void PrintTrackerRun(double sampleRate)
@@ -51,21 +59,12 @@ void PrintTrackerRun(double sampleRate)
     const auto sizes = DSP::Synapse::AnalysisSizes::ForRate(sampleRate);
     DSP::Synapse::LagTracker tracker(sizes, 64);
     const std::vector<float> signal = MakeSpeech(1, sizes.decimatedRate, 4)[0];
-    const auto step =
-        static_cast<std::size_t>(sizes.analysisHop) / static_cast<std::size_t>(sizes.decimation);
+    const auto step = static_cast<std::size_t>(sizes.analysisHop / sizes.decimation);
     std::size_t position = 0;
-    FftwTransform reference(tracker.GetFftSize());
-    PrintRatio("run of the pitch tracker",
-               tracker.GetFftSize(),
-               Compare(
-                   Rounds,
-                   [&] {
-                       for (int i = 0; i < Calls; ++i) {
-                           position = (position + step) % signal.size();
-                           tracker.Run(signal, position);
-                       }
-                   },
-                   [&] { reference.RunPairs(Calls); }));
+    PrintKernel("run of the pitch tracker", tracker.GetFftSize(), [&] {
+        position = (position + step) % signal.size();
+        tracker.Run(signal, position);
+    });
 }
 
 void PrintFilterbankHop(int sampleRate)
@@ -74,27 +73,18 @@ void PrintFilterbankHop(int sampleRate)
     bank.initialise(1, sampleRate, 8192);
     bank.configure(0.1F, 8, -2, -1);
     std::vector<float> signal = MakeSpeech(1, static_cast<float>(sampleRate), 4)[0];
+    std::vector<float> output(static_cast<std::size_t>(bank.GetHop()));
     std::vector<float> spectrum(static_cast<std::size_t>(bank.GetFFTSize()) + 2);
     const int hop = bank.GetHop();
     int position = 0;
-    const auto runHop = [&] {
+    PrintKernel("hop of the filterbank", bank.GetFFTSize(), [&] {
         position = position + 2 * hop > static_cast<int>(signal.size()) ? 0 : position + hop;
-        float* const samples = signal.data() + position;
+        const float* const input = signal.data() + position;
         float* const bins = spectrum.data();
-        bank.analyse(&samples, hop, &bins, 0, 0);
+        float* const samples = output.data();
+        bank.analyse(&input, hop, &bins, 0, 0);
         bank.synthesise(&samples, hop, &bins, 0, 0);
-    };
-    FftwTransform reference(bank.GetFFTSize());
-    PrintRatio("hop of the filterbank",
-               bank.GetFFTSize(),
-               Compare(
-                   Rounds,
-                   [&] {
-                       for (int i = 0; i < Calls; ++i) {
-                           runHop();
-                       }
-                   },
-                   [&] { reference.RunPairs(Calls); }));
+    });
 }
 
 } // namespace

@@ -13,6 +13,14 @@
 /// long as a thread holds a lock that the wrapper's answer must not meet.
 class HostCallback {
 public:
+    /// Something that the host is to hear.
+    struct Notification {
+        PluginCoreHostOpcode opcode;
+        DSP::Context context;
+        uint32_t latency; ///< samples, of a change of latency
+        ParamEventRecord event;
+    };
+
     /// A null function counts as a host that refuses every call.
     HostCallback(PluginCoreHostFunction newFunction, void* newRefcon);
 
@@ -23,16 +31,10 @@ public:
     void NotifyLatency(DSP::Context context, uint32_t samples);
     void NotifyParam(const ParamEventRecord& event);
 
-    /// Holds back what the calling thread notifies, from here to SendHeld(). One thread at a time,
+    /// Holds back what the calling thread notifies, from here to TakeHeld(). One thread at a time,
     /// with the UI lock held. [ui]
     void Hold() { holdingThread.store(std::this_thread::get_id()); }
     /// Ends Hold(); what is returned is for Send(), once the lock is free. [ui]
-    struct Notification {
-        PluginCoreHostOpcode opcode;
-        DSP::Context context;
-        uint32_t latency;
-        ParamEventRecord event;
-    };
     [[nodiscard]] std::vector<Notification> TakeHeld();
     void Send(const Notification& notification) const;
 

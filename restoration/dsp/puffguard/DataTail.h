@@ -62,10 +62,12 @@ protected:
 /// the start at the end, so that most steps move nothing.
 class DataTailCirc : public DataTail {
 public:
-    ~DataTailCirc() override = default;
     DataTailCirc() = default;
+    DataTailCirc(const DataTailCirc&) = delete;
+    DataTailCirc& operator=(const DataTailCirc&) = delete;
     DataTailCirc(DataTailCirc&&) noexcept = default;
     DataTailCirc& operator=(DataTailCirc&&) noexcept = default;
+    ~DataTailCirc() override = default;
 
     void resizeBlock(int32_t newBlockLength) override;
 

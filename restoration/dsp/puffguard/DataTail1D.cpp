@@ -12,7 +12,7 @@ void DataTail1D::configure(int32_t newBlockLength, int32_t newTailLength, bool i
 {
     blockLength = newBlockLength;
     tailLength = newTailLength;
-    values.resize(static_cast<std::size_t>(tailLength + blockLength));
+    values.resize(GetLength());
     if (isCleared) {
         clear();
     }
@@ -38,7 +38,7 @@ void DataTail1D::consume(int32_t count) noexcept UTIL_NONBLOCKING
 void DataTail1D::clear() noexcept UTIL_NONBLOCKING
 {
     writeIndex = tailLength;
-    VectorOps::Zero(values.data(), static_cast<std::size_t>(tailLength + blockLength));
+    VectorOps::Zero(values.data(), GetLength());
 }
 
 } // namespace DSP

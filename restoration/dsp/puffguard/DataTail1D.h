@@ -35,7 +35,12 @@ public:
     int32_t GetTailLength() const noexcept { return tailLength; }
 
 private:
-    std::vector<float> values; // at least tailLength + blockLength
+    std::size_t GetLength() const noexcept
+    {
+        return static_cast<std::size_t>(tailLength) + static_cast<std::size_t>(blockLength);
+    }
+
+    std::vector<float> values; // GetLength()
     int32_t tailLength = 0;
     int32_t writeIndex = 0;
     int32_t blockLength = 0;

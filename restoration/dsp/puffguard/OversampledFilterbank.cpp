@@ -112,12 +112,13 @@ void OversampledFilterbank::analyse(const float* const* input,
                                     int32_t inputOffset,
                                     int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
 {
+    const std::ptrdiff_t frameFloats = fftSize + 2;
     for (int32_t channel = 0; channel < channels; ++channel) {
         for (int32_t f = 0; f < sampleCount / hop; ++f) {
             AnalyseFrame(inputTail.GetChannel(channel),
                          input[channel] + inputOffset,
                          (f + 1) * hop - windowLength,
-                         spectra[channel] + spectrumOffset + (fftSize + 2) * f);
+                         spectra[channel] + spectrumOffset + frameFloats * f);
         }
     }
     inputTail.consume(sampleCount);
@@ -143,12 +144,13 @@ void OversampledFilterbank::synthesise(float* const* output,
         VectorOps::Zero(target + finished, Size(sampleCount - finished));
     }
     outputTail.consume(sampleCount);
+    const std::ptrdiff_t frameFloats = fftSize + 2;
     for (int32_t channel = 0; channel < channels; ++channel) {
         float* const target = output[channel] + outputOffset;
         float* const tail = outputTail.GetChannel(channel);
         VectorOps::Zero(tail + (overlap - finished), Size(finished));
         for (int32_t f = 0; f < sampleCount / hop; ++f) {
-            fft->Inverse(spectra[channel] + spectrumOffset + (fftSize + 2) * f, frame.data());
+            fft->Inverse(spectra[channel] + spectrumOffset + frameFloats * f, frame.data());
             const int32_t begin = hop * f;
             const int32_t now = std::min(sampleCount - begin, windowLength);
             const float* const window = windows.synthesis.data();

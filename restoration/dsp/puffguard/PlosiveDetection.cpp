@@ -50,7 +50,7 @@ int32_t GetNearestBin(float frequencyHz, int32_t fftSize, float sampleRate) noex
     UTIL_NONBLOCKING
 {
     const float bin = static_cast<float>(fftSize) * frequencyHz / sampleRate + 0.5F;
-    return static_cast<int32_t>(std::min(bin, static_cast<float>(fftSize / 2)));
+    return static_cast<int32_t>(std::min(bin, static_cast<float>(fftSize) * 0.5F));
 }
 
 DetectionBands MakeDetectionBands(int32_t fftSize, float sampleRate) noexcept UTIL_NONBLOCKING
@@ -99,7 +99,7 @@ TestPeak(std::span<const float> history, int32_t centre, int32_t radius, float t
     const float* const at = history.data() + centre;
     PeakTest test;
     test.centre = at[0];
-    test.maximum = VectorOps::Maximum(at - radius, static_cast<std::size_t>(2 * radius + 1));
+    test.maximum = VectorOps::Maximum(at - radius, 2 * static_cast<std::size_t>(radius) + 1);
     test.isSustained = at[radius] > threshold;
     const bool isHighest = test.centre == test.maximum && test.maximum > threshold;
     const bool isLocal = test.centre > threshold && test.centre >= at[-1] && test.centre > at[1];

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace DSP {
 
@@ -152,7 +153,7 @@ void ApplyGains(float* spectrum, const float* power, int32_t repairedBins, float
     UTIL_NONBLOCKING
 {
     const float weakening = severity * severity;
-    for (int32_t bin = 0; bin < repairedBins; ++bin) {
+    for (std::ptrdiff_t bin = 0; bin < repairedBins; ++bin) {
         const float re = spectrum[2 * bin];
         const float im = spectrum[2 * bin + 1];
         const float ratio = power[bin] / ((re * re + im * im) * weakening + Tiny);

@@ -33,7 +33,7 @@ public:
     /// Publishes a record; tags are above 0 and differ from the one before. [process]
     void Store(const T& record, uint64_t tag) noexcept UTIL_NONBLOCKING
     {
-        std::array<uint64_t, WordCount> values;
+        std::array<uint64_t, WordCount> values{};
         std::memcpy(values.data(), &record, sizeof record);
         sequence.store(2 * tag - 1, std::memory_order_relaxed);
         for (std::size_t i = 0; i < WordCount; ++i) {
@@ -48,7 +48,7 @@ public:
     std::optional<Tagged> Load() const noexcept
     {
         const uint64_t before = sequence.load(std::memory_order_acquire);
-        std::array<uint64_t, WordCount> values;
+        std::array<uint64_t, WordCount> values{};
         for (std::size_t i = 0; i < WordCount; ++i) {
             values[i] = words[i].load(std::memory_order_acquire);
         }
@@ -57,7 +57,7 @@ public:
         if (before != after || before % 2 != 0 || before == 0) {
             return std::nullopt;
         }
-        Tagged tagged;
+        Tagged tagged{};
         std::memcpy(&tagged.record, values.data(), sizeof tagged.record);
         tagged.tag = before / 2;
         return tagged;

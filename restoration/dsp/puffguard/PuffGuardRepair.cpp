@@ -4,6 +4,8 @@
 
 #include "restoration/dsp/puffguard/VectorOps.h"
 
+#include <cstddef>
+
 namespace DSP::Shared {
 
 std::span<const float> PuffGuard::GetDetections() const noexcept UTIL_NONBLOCKING
@@ -63,7 +65,7 @@ void PuffGuard::Repair(const Plosive& plosive) noexcept UTIL_NONBLOCKING
     ScaleSpectra(region, bins, severity);
     // The same burst must not be found again on its way through the history.
     VectorOps::Zero(detectionHistory.GetData() + region.start,
-                    static_cast<std::size_t>(region.end - region.start + 1));
+                    static_cast<std::size_t>(region.end - region.start) + 1);
 
     DetectionRecord record{};
     record.severity = severity;
@@ -111,7 +113,7 @@ double PuffGuard::GetFrameEnergy(uint32_t slot) const noexcept UTIL_NONBLOCKING
     double energy = 0;
     for (int32_t channel = 0; channel < spectra.GetChannelCount(); ++channel) {
         const float* const spectrum = spectra.GetChannel(channel);
-        for (int32_t bin = energyFirst; bin <= energyLast; ++bin) {
+        for (std::ptrdiff_t bin = energyFirst; bin <= energyLast; ++bin) {
             const double re = spectrum[2 * bin];
             const double im = spectrum[2 * bin + 1];
             energy += re * re + im * im;

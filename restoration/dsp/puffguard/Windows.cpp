@@ -29,6 +29,7 @@ double Kaiser(int position, int last, double beta)
 std::vector<double> MakeHann(int length)
 {
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(length));
     for (int i = 0; i < length; ++i) {
         values.push_back(0.5 - 0.5 * std::cos(2 * std::numbers::pi * (i + 0.5) / length));
     }
@@ -38,6 +39,7 @@ std::vector<double> MakeHann(int length)
 std::vector<double> MakeBlackman(int length)
 {
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(length));
     for (int i = 0; i < length; ++i) {
         const double turn = 2 * std::numbers::pi * (i + 0.5) / length;
         values.push_back(0.42 - 0.5 * std::cos(turn) + 0.08 * std::cos(2 * turn));
@@ -68,6 +70,7 @@ std::vector<double> MakeKaiserBesselDerived(int length, int shape)
         running.push_back(before + Kaiser(i, half, shape * std::numbers::pi));
     }
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(length));
     for (int i = 0; i < length; ++i) {
         const auto nearer = static_cast<std::size_t>(std::min(i, length - 1 - i));
         values.push_back(std::sqrt(running[nearer] / running.back()));

@@ -22,6 +22,8 @@ TEST(AudioFormatTest, ReplacesASubtypeThatTheContainerLacks)
 {
     EXPECT_EQ(ChangeFormat(SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_FLAC, {}, 48000, 1),
               SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
+    EXPECT_EQ(ChangeFormat(SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SF_FORMAT_WAV, {}, 48000, 1),
+              SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     EXPECT_EQ(ChangeFormat(SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_WAV, {}, 48000, 1),
               SF_FORMAT_WAV | SF_FORMAT_PCM_U8);
     EXPECT_EQ(ChangeFormat(SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_WAV, {}, 48000, 1),

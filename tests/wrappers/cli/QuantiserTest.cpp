@@ -18,9 +18,9 @@ std::vector<double> Quantise(int bits, Quantiser::Dither dither, std::vector<dou
 
 TEST(QuantiserTest, RoundsToTheNearestStep)
 {
-    // 8 bits: a step is 1/128. 0.3 * 128 = 38.4, -0.3 * 128 = -38.4, 0.496 * 128 = 63.488.
-    EXPECT_EQ(Quantise(8, Quantiser::Dither::Off, {0.3, -0.3, 0.496}),
-              (std::vector<double>{38.0 / 128, -38.0 / 128, 63.0 / 128}));
+    // 8 bits: a step is 1/128. 0.3 * 128 = 38.4 and 0.31 * 128 = 39.68.
+    EXPECT_EQ(Quantise(8, Quantiser::Dither::Off, {0.3, -0.3, 0.31, -0.31}),
+              (std::vector<double>{38.0 / 128, -38.0 / 128, 40.0 / 128, -40.0 / 128}));
 }
 
 TEST(QuantiserTest, StopsAtFullScaleInsteadOfWrapping)

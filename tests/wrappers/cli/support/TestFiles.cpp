@@ -38,6 +38,20 @@ std::vector<std::string> TemporaryFolder::List() const
     return names;
 }
 
+namespace {
+
+// 60 ms of 40 Hz, swelling up and down, at the beginning of each second.
+double BurstAt(double t)
+{
+    const double sinceBurst = t - std::floor(t);
+    if (sinceBurst >= 0.06)
+        return 0.0;
+    return std::sin(2 * std::numbers::pi * 40 * sinceBurst) *
+           std::sin(std::numbers::pi * sinceBurst / 0.06);
+}
+
+} // namespace
+
 Audio MakeSpeech(int sampleRate, int channels, double seconds)
 {
     Audio audio;
@@ -52,10 +66,7 @@ Audio MakeSpeech(int sampleRate, int channels, double seconds)
         double buzz = 0;
         for (int k = 1; k < 12; ++k)
             buzz += std::sin(2 * std::numbers::pi * 130 * k * t) / k;
-        const double sinceBurst = std::fmod(t + 0.4, 1.0);
-        const double burst = sinceBurst < 0.06 ? std::sin(2 * std::numbers::pi * 40 * sinceBurst) *
-                                                     std::sin(std::numbers::pi * sinceBurst / 0.06)
-                                               : 0.0;
+        const double burst = BurstAt(t - 0.6) + 0.03 * BurstAt(t - 0.3);
         for (int channel = 0; channel < channels; ++channel)
             audio.samples.push_back(noise + word * 0.08 * buzz + 0.5 * burst / (1 + channel));
     }

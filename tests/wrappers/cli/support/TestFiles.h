@@ -39,8 +39,8 @@ struct Audio {
     size_t GetFrames() const { return samples.size() / static_cast<size_t>(channels); }
 };
 
-/// Something like speech with bursts of air: a buzz with pauses, noise, and three 40 Hz bursts in
-/// three seconds. The same numbers every time.
+/// Something like speech with bursts of air: a buzz with pauses, noise, and in each second a strong
+/// 40 Hz burst at 0.6 s and a faint one at 0.3 s. The same numbers every time.
 Audio MakeSpeech(int sampleRate = 48000, int channels = 1, double seconds = 3.0);
 
 void WriteAudio(const std::string& path, const Audio& audio);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 #include <numbers>
@@ -141,6 +142,10 @@ TEST_F(PuffGuardTest, BurstIsTakenDownAndTheRestPasses)
     EXPECT_EQ(repair.severity, 1.0F);
     EXPECT_EQ(repair.pitchHz, 0.0F);
     EXPECT_EQ(repair.repairedBins, 31U); // 240 * 2048 / 16000 = 30.7
+    // The middle of 15 frames is 7 behind the newest one; a frame that ends with hop f is centred
+    // half of F = 2048 before that end.
+    EXPECT_EQ(repair.centre, (int64_t{repair.hop} - 7 + 1) * 256 - 1024);
+    EXPECT_EQ(repair.start, repair.centre - 256 * (7 - int64_t{repair.regionStart}));
     EXPECT_EQ(repair.end - repair.start, 256 * (repair.regionEnd - repair.regionStart));
     EXPECT_LT(repair.energyAfter, repair.energyBefore * 0.03);
 
@@ -252,6 +257,36 @@ TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
     EXPECT_EQ(Run({input}), first);
     EXPECT_EQ(GetRepairs().back().restart, 3U);
     EXPECT_EQ(GetRepairs().back().centre, both.back().centre);
+}
+
+TEST_F(PuffGuardTest, ResetForgetsFloorAndPitch)
+{
+    // What the audio may hide: every hop's values, with a tone that has a pitch.
+    std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    for (std::size_t i = 0; i < input.size(); ++i) {
+        const double turn = 2 * std::numbers::pi * 150 * static_cast<double>(i) / double{Rate};
+        input[i] += 0.1F * static_cast<float>(std::sin(turn) + 0.5 * std::sin(2 * turn));
+    }
+    Make(Rate, Mono);
+    const auto run = [&] {
+        std::vector<std::array<float, 3>> hops;
+        std::vector<float> audio = input;
+        for (std::size_t done = 0; done < audio.size(); done += 256) {
+            float* channel = audio.data() + done;
+            element->Process(256, &channel);
+            const PuffGuard::FrameReport& hop = element->GetLatest();
+            hops.push_back({hop.detection, hop.threshold, hop.pitchHz});
+        }
+        return hops;
+    };
+    const std::vector<std::array<float, 3>> first = run();
+    EXPECT_NEAR(first[100][2], 150.0F, 2.0F);
+    element->Reset();
+    EXPECT_EQ(run(), first);
+    Set(PuffGuard::LatencyScaling, 0);
+    Set(PuffGuard::LatencyScaling, 1);
+    element->ResetTails();
+    EXPECT_EQ(run(), first);
 }
 
 TEST_F(PuffGuardTest, TotalsCountAllFramesBeforeAnyRepair)

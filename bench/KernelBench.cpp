@@ -4,6 +4,7 @@
 #include "bench/Measure.h"
 #include "bench/Signal.h"
 #include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "frameworks/plugincore/dsp/FFTPool.h"
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
@@ -69,7 +70,8 @@ void PrintTrackerRun(double sampleRate)
 
 void PrintFilterbankHop(int sampleRate)
 {
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Bench");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(1, sampleRate, 8192);
     bank.configure(0.1F, 8, -2, -1);
     std::vector<float> signal = MakeSpeech(1, static_cast<float>(sampleRate), 4)[0];

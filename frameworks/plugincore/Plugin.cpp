@@ -41,7 +41,8 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
 {
     // In the body, so that elements under construction find a null pointer in its place.
     transform = factory.CreateTransform(*this, sampleRate, channelConfig);
-    UpdateLatency(DSP::Context::UI, Notify::Yes);
+    // The host has no instance yet that it could be told about.
+    UpdateLatency(DSP::Context::UI, Notify::No);
     UpdateLatency(DSP::Context::Process, Notify::No);
     transform->PlanDryDelay();
     BuildElementParamList();
@@ -171,15 +172,29 @@ void Plugin::Tick()
     std::vector<HostCallback::Notification> notifications;
     {
         const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
-        GetHostCallback().Hold();
+        notifications = RunIdleWork();
+    }
+    // With the lock free again: the host may answer with calls of its own, on any thread.
+    for (HostCallback::Notification& notification : notifications) {
+        if (notification.opcode == HostOpcodeLatencyChanged) {
+            // What counts is the latency of now: audio may have started meanwhile and changed it.
+            notification.latency = GetLatencyOf(notification.context).reported;
+        }
+        GetHostCallback().Send(notification);
+    }
+}
+
+std::vector<HostCallback::Notification> Plugin::RunIdleWork()
+{
+    GetHostCallback().Hold();
+    try {
         processDirty = false;
         transform->GetSet().OnUIIdle();
         transform->GetSet().OnSyncParams();
         CheckLatency(DSP::Context::UI);
-        notifications = GetHostCallback().TakeHeld();
+    } catch (...) {
+        static_cast<void>(GetHostCallback().TakeHeld());
+        throw;
     }
-    // With the lock free again: the host may answer with calls of its own, on any thread.
-    for (const HostCallback::Notification& notification : notifications) {
-        GetHostCallback().Send(notification);
-    }
+    return GetHostCallback().TakeHeld();
 }

@@ -50,7 +50,7 @@ public:
     void ProcessSidePass(const SidePassRecord& record) override;
     void TransformQuery(uint32_t& value) override { transform->Query(value); }
     void TransformNotify(uint32_t value) override { transform->Notify(value); }
-    void TransformReset() override { transform->Reset(); }
+    void TransformReset() override;
     bool TransformRead(TransformReadRecord& record) override { return transform->Read(record); }
     bool LoadTransformData(uint32_t size, const void* data) override
     {
@@ -69,8 +69,8 @@ public:
     }
     std::size_t GetProcessingMemoryMark() override { return memoryPool.GetMark(); }
     void SetProcessingMemoryMark(std::size_t mark) override { memoryPool.SetMark(mark); }
-    void PrepareFFT(uint32_t order) override { fftPool.Prepare(order); }
-    DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return fftPool.Get(order); }
+    void PrepareFFT(uint32_t order) override { fftPool.PrepareFFT(order); }
+    DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return fftPool.GetFFT(order); }
     bool IsProcessing() const override;
     Util::CriticalSection& GetProcessLock() override
     {
@@ -121,7 +121,7 @@ private:
 
     // Plugin.cpp
     void Tick();
-    bool CanReport() const;
+    std::vector<HostCallback::Notification> RunIdleWork();
     Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
 
     // PluginLatency.cpp
@@ -134,12 +134,13 @@ private:
                   const DSP::ParamObject& param,
                   DSP::Context context,
                   float value);
-    uint32_t FindAutomatable(const ElementParam& entry, uint32_t& index) const;
 
     // PluginFormat.cpp
     void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
+    void TakeFormat(float newSampleRate, uint32_t newChannelConfig);
 
     // PluginProcess.cpp
+    void RunBlock(const ProcessRecord& record);
     void RunCommands();
     void RunChunks(const ProcessRecord& record);
     void ReplaceNonFinite(const ProcessRecord& record) const;
@@ -160,6 +161,7 @@ private:
     std::atomic<uint32_t> lastProcessTick{0};     // ms; 0 means never
     std::atomic<std::thread::id> processThread{}; // inside the process side now; default: none
     std::atomic<std::thread::id> audioThread{};   // last to run process()
+    std::atomic<std::thread::id> latencyThread{}; // telling the host of a latency now
     std::array<Latency, 2> latencies;             // by context
     DSP::MemoryPool memoryPool;
     DSP::FFTPool fftPool;

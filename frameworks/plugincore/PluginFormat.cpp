@@ -37,8 +37,10 @@ void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
     if (newSampleRate == sampleRate && newChannelConfig == channelConfig) {
         return;
     }
-    // A change within a change, through a host callback, is not heard.
-    if (reconfiguring) {
+    // A change within a change is not heard, nor is one that a host callback asks for while this
+    // thread is still inside the signal path that would be rebuilt.
+    const std::thread::id caller = std::this_thread::get_id();
+    if (reconfiguring || caller == processThread.load() || caller == latencyThread.load()) {
         return;
     }
     const ScopedFlag guard(reconfiguring);
@@ -53,23 +55,43 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     const ScopedFlag switchingGuard(switching);
     processing = false;
     lastProcessTick = 0;
-    sampleRate = newSampleRate;
-    channelConfig = newChannelConfig;
-    channelCount = DSP::GetChannelCount(newChannelConfig);
-    transform->SetFormat(sampleRate, channelConfig);
+    const float formerRate = sampleRate;
+    const uint32_t formerConfig = channelConfig;
+    try {
+        TakeFormat(newSampleRate, newChannelConfig);
+    } catch (...) {
+        TakeFormat(formerRate, formerConfig); // the instance stays as it was
+        throw;
+    }
     BuildElementParamList();
     LatencyChanged(DSP::Context::Process);
     transform->PlanDryDelay();
     transform->Settle();
 }
 
+void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)
+{
+    sampleRate = newSampleRate;
+    channelConfig = newChannelConfig;
+    channelCount = DSP::GetChannelCount(newChannelConfig);
+    transform->SetFormat(sampleRate, channelConfig);
+}
+
 uint32_t Plugin::ResetProcessing(DSP::Context context)
 {
     RunCommands();
-    transform->Settle();
+    // Also the dry lines, so that bypass and repair go on from the same silence.
+    onSettle();
     UpdateLatency(DSP::Context::Process, Notify::No);
     UpdateLatency(DSP::Context::UI, Notify::Yes);
     return GetLatency(context);
+}
+
+void Plugin::TransformReset()
+{
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
+    transform->Reset();
 }
 
 void Plugin::onSettle()

@@ -3,6 +3,7 @@
 // the side that hears of it first does its own half and leaves a mark for the other half, which is
 // done by whichever side comes next. A mark is exchanged, so that only one does it.
 #include "frameworks/plugincore/Plugin.h"
+#include "frameworks/plugincore/PluginThreadMark.h"
 
 namespace {
 
@@ -44,6 +45,7 @@ void Plugin::LatencyChanged(DSP::Context context)
     if (transform == nullptr) {
         return; // an element under construction; the sum is taken once all are there
     }
+    const ThreadMark mark(latencyThread);
     const DSP::Context other = Other(context);
     GetLatencyOf(other).dirty = true;
     UpdateLatency(context, Notify::Yes);

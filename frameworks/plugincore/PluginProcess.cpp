@@ -10,12 +10,12 @@
 #include <array>
 #include <cmath>
 
-/// Marks an instance as processing, and this thread as the one that does it.
+/// Marks an instance as processing, and this thread as the last that did it; at the end of the
+/// scope what belongs to one block is gone.
 class Plugin::ProcessScope {
 public:
     explicit ProcessScope(Plugin& newPlugin)
         : plugin(newPlugin)
-        , mark(newPlugin.processThread)
     {
         plugin.lastProcessTick = Util::GetTickCount();
         plugin.processing = true;
@@ -23,12 +23,16 @@ public:
     }
     ProcessScope(const ProcessScope&) = delete;
     ProcessScope& operator=(const ProcessScope&) = delete;
-    ~ProcessScope() { plugin.processing = false; }
+    ~ProcessScope()
+    {
+        plugin.processing = false;
+        plugin.renderFlagA = false;
+        plugin.renderFlagB = false;
+        plugin.transportCopyValid = false;
+    }
 
 private:
     Plugin& plugin;
-    const ThreadMark mark;
-    const Util::ScopedDenormalGuard denormalGuard;
 };
 
 void Plugin::beforeProcess(uint32_t eventCount, const uint8_t* events)
@@ -43,6 +47,14 @@ void Plugin::afterProcess()
 
 void Plugin::process(const ProcessRecord& record)
 {
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
+    RunBlock(record);
+    CheckLatency(DSP::Context::Process);
+}
+
+void Plugin::RunBlock(const ProcessRecord& record)
+{
     const ProcessScope scope(*this);
     renderFlagA = record.renderFlagA != 0;
     renderFlagB = record.renderFlagB != 0;
@@ -51,10 +63,6 @@ void Plugin::process(const ProcessRecord& record)
     ReplaceNonFinite(record);
     RunCommands(); // once a host block, not once a chunk
     RunChunks(record);
-    renderFlagA = false;
-    renderFlagB = false;
-    CheckLatency(DSP::Context::Process);
-    transportCopyValid = false;
 }
 
 // One bad sample from another plug-in would otherwise stay in the repair's statistics for good.
@@ -98,6 +106,8 @@ void Plugin::RunChunks(const ProcessRecord& record)
 
 void Plugin::ProcessSidePass(const SidePassRecord& record)
 {
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
     const ProcessScope scope(*this);
     transform->ProcessSidePass(record.frames, record.first, record.second);
 }

@@ -31,8 +31,8 @@ public:
     }
     std::size_t GetProcessingMemoryMark() override { return memory.GetMark(); }
     void SetProcessingMemoryMark(std::size_t mark) override { memory.SetMark(mark); }
-    void PrepareFFT(uint32_t order) override { transforms.Prepare(order); }
-    DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return transforms.Get(order); }
+    void PrepareFFT(uint32_t order) override { transforms.PrepareFFT(order); }
+    DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return transforms.GetFFT(order); }
 
     bool IsProcessing() const override { return processing; }
     Util::CriticalSection& GetProcessLock() override { return lock; }

@@ -116,6 +116,7 @@ bool BlockAssembler::NextPassThrough(Frame& frame) noexcept
     }
     frame = block;
     consumed += block.frames;
+    clean = false;
     return true;
 }
 
@@ -144,6 +145,7 @@ bool BlockAssembler::Next(Frame& frame) noexcept
     frame.inputPosition = FrameInputPosition();
     frame.outputPosition = FrameOutputPosition();
     consumed += frameSize;
+    clean = false;
     return true;
 }
 

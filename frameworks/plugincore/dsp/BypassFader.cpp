@@ -13,8 +13,10 @@ BypassFader::BypassFader(uint32_t newChannelCount, uint32_t newLengthFrames)
 
 void BypassFader::SetLength(uint32_t newLengthFrames) noexcept
 {
-    lengthFrames = std::max(newLengthFrames, 1U);
-    position = std::min(position, lengthFrames);
+    const uint32_t longer = std::max(newLengthFrames, 1U);
+    // All dry stays all dry, whatever the length.
+    position = position == lengthFrames ? longer : std::min(position, longer);
+    lengthFrames = longer;
 }
 
 void BypassFader::Process(uint32_t frames, const float* const* dry, float* const* wet) noexcept

@@ -103,6 +103,7 @@ void ElementDispatcher::Build(uint32_t index, Registration& registration)
             } else {
                 const String paramName = record.name;
                 names[index] = paramName;
+                indexByName[paramName] = index;
                 if constexpr (std::is_same_v<Record, EnumRegistration>) {
                     paramsByName[paramName] = Make<ElementDispatcherParamEnum>(index, record);
                 } else {
@@ -120,6 +121,7 @@ void ElementDispatcher::FinaliseParams()
         return;
     }
     finalised = true;
+    indexByName.clear(); // from now on of what is built
     names.resize(pending.size());
     dispatch.resize(pending.size());
     for (uint32_t index = 0; index < pending.size(); ++index) {
@@ -157,10 +159,8 @@ void ElementDispatcher::SyncParams()
 std::optional<uint32_t> ElementDispatcher::FindParamIndex(const String& paramName) const
 {
     const auto found = indexByName.find(paramName);
-    if (found == indexByName.end() || paramsByName.count(paramName) == 0) {
-        return std::nullopt;
-    }
-    return found->second;
+    const bool isBuilt = found != indexByName.end() && finalised;
+    return isBuilt ? std::optional<uint32_t>(found->second) : std::nullopt;
 }
 
 String ElementDispatcher::GetParamName(uint32_t index) const

@@ -15,13 +15,13 @@ namespace DSP {
 /// What a concrete element states of one of its parameters. Callbacks may be empty.
 template <typename T>
 struct ParamRegistration {
-    String name;
-    ValueRange<T> range;
+    String name{};
+    ValueRange<T> range{};
     T defaultValue{};
     T* target = nullptr; ///< the element's member that the audio code reads
-    std::function<void(T value)> onProcessChange; ///< [process]
-    std::function<void(T value)> onUIChange;      ///< [ui]
-    ParamInfo info;
+    std::function<void(T value)> onProcessChange{}; ///< [process]
+    std::function<void(T value)> onUIChange{};      ///< [ui]
+    ParamInfo info{};
 };
 
 /// A registration whose values have labels; range.min is the first label's value.

@@ -10,7 +10,7 @@ FFTPool::FFTPool(const String& name)
 {
 }
 
-FFTImpl<float>* FFTPool::Get(uint32_t order)
+FFTImpl<float>* FFTPool::GetFFT(uint32_t order)
 {
     if (order >= OrderCount || !FFTImpl<float>::IsSupported(static_cast<int>(order))) {
         return nullptr;

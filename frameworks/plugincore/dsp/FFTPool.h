@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "frameworks/plugincore/dsp/ProcessingPools.h"
 #include "frameworks/qobase/util/CriticalSection.h"
 
 #include <array>
@@ -13,16 +13,16 @@ namespace DSP {
 
 /// One transform of each size, made when first asked for and shared from then on. The transforms
 /// carry their working buffers, so that all users belong to one process side.
-class FFTPool {
+class FFTPool final : public ProcessingFFTPool {
 public:
     explicit FFTPool(const String& name);
 
     /// Makes the transform of 2^order points if it is missing. [setup]
-    void Prepare(uint32_t order) { Get(order); }
+    void PrepareFFT(uint32_t order) override { GetFFT(order); }
 
     /// The transform of 2^order points, made if it is missing, without a lock when it is there.
     /// Null for a size that there is none of, and for every order of 32 or more.
-    FFTImpl<float>* Get(uint32_t order);
+    FFTImpl<float>* GetFFT(uint32_t order) override;
 
 private:
     static constexpr uint32_t OrderCount = 32;

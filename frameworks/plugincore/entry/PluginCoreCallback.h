@@ -84,12 +84,24 @@ typedef enum PluginCoreSelector {
     SelectorHostMessage = 39              /**< HostMessageRecord */
 } PluginCoreSelector;
 
-/** Second argument of the host callback; the comment names the record. */
+/**
+ * Second argument of the host callback; the comment names the record. This build of the module
+ * sends 1, 2, 12 and 17; the others belong to an editor and to services that it doesn't have.
+ */
 typedef enum PluginCoreHostOpcode {
-    HostOpcodeParamEvent = 1,      /**< ParamEventRecord */
-    HostOpcodeLatencyChanged = 2,  /**< uint32_t, samples; the context tells whose latency */
-    HostOpcodeGetHostDelay = 12,   /**< uint32_t out, samples that the host adds */
-    HostOpcodeGetWindowHint = 17   /**< WindowHintRecord out */
+    HostOpcodeParamEvent = 1,        /**< ParamEventRecord */
+    HostOpcodeLatencyChanged = 2,    /**< uint32_t, samples; the context tells whose latency */
+    HostOpcodeReloadEditor = 3,      /**< none */
+    HostOpcodeUICodeEnd = 4,         /**< none */
+    HostOpcodeUICodeBegin = 5,       /**< none */
+    HostOpcodeGetHostDelay = 12,     /**< uint32_t out, samples that the host adds */
+    HostOpcodeGetHostInfo = 13,      /**< HostInfoRecord out */
+    HostOpcodeAutomationEvent = 14,  /**< AutomationEventRecord */
+    HostOpcodeDirtyState = 16,       /**< none */
+    HostOpcodeGetWindowHint = 17,    /**< WindowHintRecord out */
+    HostOpcodeGetProcessSeconds = 18, /**< float out */
+    HostOpcodeGetUISeconds = 19,     /**< float out */
+    HostOpcodeRequestReinstantiate = 20 /**< ReinstantiateRecord */
 } PluginCoreHostOpcode;
 
 /** Format numbers of PluginIdentity. */
@@ -113,9 +125,12 @@ typedef uint32_t (*PluginCoreEntryFunction)(
     uint32_t magic, uint32_t selector, uint32_t context, PluginCore* instance, void* data);
 
 /**
- * What the wrapper lends: (magic, opcode, context, refcon, record). It is called from the thread
- * that the context stands for, possibly from within a call of the entry, and answers without
- * waiting for another thread. It may call the entry again on the same thread.
+ * What the wrapper lends: (magic, opcode, context, refcon, record). It is called from within a call
+ * of the entry, or from the module's own timer thread, and answers without waiting for another
+ * thread. The context says what a message is about, not which thread brings it: a change of the
+ * processing side's latency may come from the UI side while no audio runs. The callback may call the
+ * entry again on the same thread; a new stream format that it asks for from inside a process call or
+ * a change of latency is not heard.
  */
 typedef uint32_t (*PluginCoreHostFunction)(
     uint32_t magic, uint32_t opcode, uint32_t context, void* hostRefcon, void* data);
@@ -329,7 +344,8 @@ typedef enum PluginCoreTransformRead {
  *
  * TransformReadDetections gives the repairs that the instance has made, oldest first. The list is
  * bounded: a reader that stays away longer than 1024 repairs loses the oldest, which shows as a
- * jump of `number`. Any thread may read while audio runs; nothing is removed by reading.
+ * jump of `number`. Any thread may read while audio runs; nothing is removed by reading. A position
+ * that no repair has reached yet gives nothing until one does.
  */
 typedef struct TransformReadRecord {
     uint32_t request;     /**< PluginCoreTransformRead */
@@ -517,6 +533,28 @@ typedef struct ParamEventRecord {
     uint32_t index;
     float value; /**< normalised */
 } ParamEventRecord;
+
+/** HostOpcodeGetHostInfo: the host's own name and version. */
+typedef struct HostInfoRecord {
+    uint32_t length; /**< bytes of the name */
+    uint32_t reserved4;
+    const char* name; /**< owned by the host, UTF-8 */
+    float version;    /**< 0: unknown */
+    uint32_t reserved20;
+} HostInfoRecord;
+
+/** HostOpcodeAutomationEvent: gestures of several parameters at once. */
+typedef struct AutomationEventRecord {
+    uint8_t gestures[152];
+    uint32_t handled; /**< out: not 0 when the wrapper has dealt with it */
+} AutomationEventRecord;
+
+/** HostOpcodeRequestReinstantiate. */
+typedef struct ReinstantiateRecord {
+    uint32_t first;
+    uint32_t second;
+    void* third;
+} ReinstantiateRecord;
 
 /** HostOpcodeGetWindowHint. */
 typedef struct WindowHintRecord {

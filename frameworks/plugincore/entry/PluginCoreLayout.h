@@ -279,6 +279,17 @@ PLUGIN_CORE_AT(WindowHintRecord, present, 0);
 PLUGIN_CORE_AT(WindowHintRecord, a, 4);
 PLUGIN_CORE_AT(WindowHintRecord, b, 8);
 
+PLUGIN_CORE_SIZE(HostInfoRecord, 24);
+PLUGIN_CORE_AT(HostInfoRecord, length, 0);
+PLUGIN_CORE_AT(HostInfoRecord, name, 8);
+PLUGIN_CORE_AT(HostInfoRecord, version, 16);
+
+PLUGIN_CORE_SIZE(AutomationEventRecord, 156);
+PLUGIN_CORE_AT(AutomationEventRecord, handled, 152);
+
+PLUGIN_CORE_SIZE(ReinstantiateRecord, 16);
+PLUGIN_CORE_AT(ReinstantiateRecord, third, 8);
+
 #undef PLUGIN_CORE_AT
 #undef PLUGIN_CORE_SIZE
 #undef PLUGIN_CORE_ASSERT

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <stdexcept>
 
 namespace DSP {
 
@@ -47,8 +48,9 @@ void OversampledFilterbank::configure(float time,
     windowLength = newWindowLength == -1 ? fftSize : newWindowLength;
     overlap = windowLength - hop;
     latency = overlap;
-    if (!fft || fft->GetSize() != fftSize) {
-        fft = std::make_unique<FFTImpl<float>>(std::countr_zero(static_cast<uint32_t>(fftSize)));
+    fft = pool.GetFFT(static_cast<uint32_t>(std::countr_zero(static_cast<uint32_t>(fftSize))));
+    if (fft == nullptr) {
+        throw std::length_error("no transform is long enough for the sample rate");
     }
     frame.resize(Size(fftSize));
     if (channels != 0) {

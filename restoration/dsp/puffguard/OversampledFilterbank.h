@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "frameworks/plugincore/dsp/ProcessingPools.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/DataTail.h"
 #include "restoration/dsp/puffguard/Windows.h"
 
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace DSP {
@@ -28,6 +27,12 @@ namespace DSP {
 /// and don't fail.
 class OversampledFilterbank {
 public:
+    /// Takes its transform from `newPool`, which outlives the bank. [setup]
+    explicit OversampledFilterbank(ProcessingFFTPool& newPool)
+        : pool(newPool)
+    {
+    }
+
     /// Records what configure() builds for and resets. `newSampleRate` in Hz; `newMaxBlockSize` in
     /// samples is the largest block that will come.
     void initialise(int32_t newChannels, int32_t newSampleRate, int32_t newMaxBlockSize);
@@ -82,13 +87,14 @@ private:
     int32_t windowLength = 0;
     int32_t hop = 0;
     int32_t overlap = 0; // W - H
-    std::unique_ptr<FFTImpl<float>> fft;
-    std::vector<float> frame; // F, scratch
-    int32_t kind = 0;         // of the windows
-    int32_t windowHop = 0;    // that the windows are scaled for
-    WindowPair windows;       // W each
-    DataTailCirc inputTail;   // the last W - H input samples
-    DataTailCirc outputTail;  // W - H output samples that miss frames yet
+    ProcessingFFTPool& pool;
+    FFTImpl<float>* fft = nullptr; // of the pool
+    std::vector<float> frame;      // F, scratch
+    int32_t kind = 0;              // of the windows
+    int32_t windowHop = 0;         // that the windows are scaled for
+    WindowPair windows;            // W each
+    DataTailCirc inputTail;        // the last W - H input samples
+    DataTailCirc outputTail;       // W - H output samples that miss frames yet
 };
 
 } // namespace DSP

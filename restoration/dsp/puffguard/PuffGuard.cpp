@@ -50,6 +50,7 @@ PuffGuard::PuffGuard(const Format& format, DetectionLog& newLog)
                          .name = "PuffGuard",
                          .sampleRate = CheckRate(format.sampleRate),
                          .channelConfig = format.channelConfig})
+    , filterbank(format.host)
     , pitchDetect({format.host, format.sampleRate, format.channelConfig})
     , log(newLog)
 {
@@ -71,6 +72,7 @@ void PuffGuard::RegisterParams()
     ParamRegistration<float> scaling = MakeParam("Latency scaling", {0, 1}, 1, latencyScaling);
     scaling.onProcessChange = [this](float) {
         initialise();
+        ResetTails(); // the first hop after a restart is made of samples that came after it
         GetHost().LatencyChanged(Context::Process);
     };
     RegisterFloatParam(LatencyScaling, std::move(scaling));
@@ -106,9 +108,10 @@ void PuffGuard::initialise()
     const HistorySizes sizes = GetHistorySizes(latencyScaling);
     peakRadius = sizes.peakRadius;
     edgeFrames = sizes.edgeFrames;
-    // Paired with the relaxed load of GetLatencySamples(): a number by itself, which the host reads
-    // after it has been told.
-    historyLength.store(sizes.length, std::memory_order_relaxed);
+    historyLength = sizes.length;
+    // Numbers by themselves: the host reads them after it has been told.
+    latencySamples.store(GetLatencyOf(sizes.length), std::memory_order_relaxed);
+    maxLatencySamples.store(GetLatencyOf(GetHistorySizes(1.0F).length), std::memory_order_relaxed);
     SizeRings();
     const auto length = static_cast<int32_t>(sizes.length);
     detectionHistory.configure(length, length - 1, true);
@@ -126,7 +129,7 @@ void PuffGuard::initialise()
 
 void PuffGuard::SizeRings()
 {
-    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    const uint32_t length = historyLength;
     // Slots are kept when the history gets shorter, so that it can grow again without the heap.
     const std::size_t slots = std::max<std::size_t>(length, spectrumRing.size());
     spectrumRing.resize(slots);
@@ -152,7 +155,7 @@ void PuffGuard::SetUpPitch()
 
 void PuffGuard::AlignPitch()
 {
-    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    const uint32_t length = historyLength;
     // A tracker that is faster than half a frame would ask for a place in the future: the unsigned
     // quotient is then huge and the place below the floor.
     const uint32_t framesLate =
@@ -164,18 +167,18 @@ void PuffGuard::AlignPitch()
 
 uint32_t PuffGuard::GetLatencyOf(uint32_t length) const noexcept UTIL_NONBLOCKING
 {
-    return GetTail().GetLatency() + static_cast<uint32_t>(filterbank.GetLatency()) +
-           hopSize * (length - 1);
+    // The tail collects one hop: it holds back all of it but one sample.
+    return hopSize - 1 + static_cast<uint32_t>(filterbank.GetLatency()) + hopSize * (length - 1);
 }
 
 uint32_t PuffGuard::GetLatencySamples(Context /*context*/) const
 {
-    return GetLatencyOf(historyLength.load(std::memory_order_relaxed));
+    return latencySamples.load(std::memory_order_relaxed);
 }
 
 uint32_t PuffGuard::GetMaxLatencySamples() const
 {
-    return GetLatencyOf(GetHistorySizes(1.0F).length);
+    return maxLatencySamples.load(std::memory_order_relaxed);
 }
 
 void PuffGuard::OnReset()
@@ -210,7 +213,7 @@ void PuffGuard::ProcessAudio(uint32_t /*frames*/, float* const* channels)
 
     detectionHistory.consume(1);
     pitchHistory.consume(1);
-    const uint32_t length = historyLength.load(std::memory_order_relaxed);
+    const uint32_t length = historyLength;
     spectrumSlot = (spectrumSlot + 1) % length;
     powerSlot = (powerSlot + 1) % length;
     filterbank.synthesise(

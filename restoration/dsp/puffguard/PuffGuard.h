@@ -119,9 +119,12 @@ private:
     DataTail1D detectionHistory;
     DataTail1D pitchHistory; // index as in detectionHistory; 0 where no pitch can be known yet
     PitchDetect::PitchDetect pitchDetect;
-    uint32_t edgeFrames = 0;                // M
-    std::atomic<uint32_t> historyLength{0}; // N; the latency is asked for on any thread
-    DetectionLog& log;                      // not owned
+    uint32_t edgeFrames = 0;    // M
+    uint32_t historyLength = 0; // N
+    // The latency is asked for on any thread; the lengths that it is made of are not for them.
+    std::atomic<uint32_t> latencySamples{0};
+    std::atomic<uint32_t> maxLatencySamples{0};
+    DetectionLog& log; // not owned
     DetectionBands bands;
     int32_t energyFirst = 0; // bins whose energy the log tells of, both inclusive
     int32_t energyLast = 0;

@@ -10,15 +10,14 @@ namespace DSP::Shared {
 
 std::span<const float> PuffGuard::GetDetections() const noexcept UTIL_NONBLOCKING
 {
-    return {detectionHistory.GetData(), historyLength.load(std::memory_order_relaxed)};
+    return {detectionHistory.GetData(), historyLength};
 }
 
 uint32_t PuffGuard::GetSlot(int32_t historyIndex) const noexcept UTIL_NONBLOCKING
 {
     // Gives the frame before the one that the detection value belongs to, and the newest one for
     // index 0: repair lies one frame ahead of detection by design.
-    return (powerSlot + static_cast<uint32_t>(historyIndex)) %
-           historyLength.load(std::memory_order_relaxed);
+    return (powerSlot + static_cast<uint32_t>(historyIndex)) % historyLength;
 }
 
 void PuffGuard::SearchPlosive(float noise) noexcept UTIL_NONBLOCKING

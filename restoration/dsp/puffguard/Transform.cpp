@@ -44,7 +44,9 @@ bool Transform::ReadDetections(TransformReadRecord& record) const
     }
     auto* target = static_cast<DetectionRecord*>(record.buffer);
     record.count = log->Read(record.position, {target, record.capacity});
-    record.flag = record.position != log->GetNextNumber() ? 1 : 0;
+    // Numbers wrap, so that the distance tells; a reader that is ahead waits.
+    const auto waiting = static_cast<int32_t>(log->GetNextNumber() - record.position);
+    record.flag = waiting > 0 ? 1 : 0;
     return true;
 }
 

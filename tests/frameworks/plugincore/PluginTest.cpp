@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -46,6 +48,7 @@ public:
     std::vector<uint64_t> processPositions;
     uint32_t resets = 0;
     bool wasOnUIThread = true;
+    bool refusesStereo = false;
 
 protected:
     uint32_t GetLatencySamples(Context) const override { return static_cast<uint32_t>(late); }
@@ -54,6 +57,12 @@ protected:
     {
         ++resets;
         line.Clear();
+    }
+    void OnFormatChanged() override
+    {
+        if (refusesStereo && GetChannelCount() == 2) {
+            throw std::bad_alloc();
+        }
     }
     void ProcessAudio(uint32_t frames, float* const* channels) override
     {
@@ -126,6 +135,7 @@ enum : uint32_t { Bypass = 0, Late = 1 };
 struct PluginTest : testing::Test {
     Factory factory;
     std::vector<Call> calls;
+    std::function<void()> onLatencyChanged;
     std::unique_ptr<Plugin> plugin;
 
     static uint32_t
@@ -133,6 +143,9 @@ struct PluginTest : testing::Test {
     {
         auto& test = *static_cast<PluginTest*>(refcon);
         test.calls.push_back({opcode, context, *static_cast<uint32_t*>(data)});
+        if (opcode == HostOpcodeLatencyChanged && test.onLatencyChanged) {
+            test.onLatencyChanged();
+        }
         return opcode == HostOpcodeLatencyChanged ? PluginCoreSuccess : PluginCoreUnsupported;
     }
 
@@ -337,6 +350,41 @@ TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
     plugin->SetStreamFormat(96000.0F, 35);
     EXPECT_EQ(recorder.resets, resets);
     EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
+}
+
+// The host answers a new latency by a new layout while the block of the old one, or the parameter's
+// own callback, is still on the stack.
+TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
+{
+    Recorder& recorder = Create();
+    onLatencyChanged = [this] { plugin->SetStreamFormat(48000.0F, 1); };
+    std::vector<float> samples(64);
+    Process(samples);
+    Set(Late, 0.5F); // waits in the ring
+    Process(samples);
+    EXPECT_EQ(plugin->GetLatency(Context::Process), 50U);
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    plugin->SetProcessingState(Context::UI, false, false);
+    Set(Late, 0.25F); // runs at once
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    onLatencyChanged = nullptr;
+    plugin->SetStreamFormat(48000.0F, 1);
+    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+}
+
+TEST_F(PluginTest, StaysAsItWasWhenANewFormatFails)
+{
+    Recorder& recorder = Create();
+    recorder.refusesStereo = true;
+    EXPECT_THROW(plugin->SetStreamFormat(96000.0F, 1), std::bad_alloc);
+    EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    std::vector<float> samples = Impulse(10);
+    Process(samples);
+    EXPECT_EQ(PeakOf(samples), 0);
+    recorder.refusesStereo = false;
+    plugin->SetStreamFormat(96000.0F, 1); // the same request again is heard
+    EXPECT_EQ(recorder.GetChannelCount(), 2U);
 }
 
 TEST_F(PluginTest, FallsBackWhenItIsCreatedForAFormatThatCannotBe)

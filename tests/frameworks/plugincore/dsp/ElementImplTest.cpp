@@ -253,6 +253,7 @@ TEST(BypassFader, LeavesASettledSignalBitForBitAndGoesBackFromTheMiddle)
     EXPECT_EQ(falling[2], 0.0F);
     fader.SetTarget(true);
     fader.Snap();
+    fader.SetLength(9); // all dry stays all dry
     wetChannels[0] = falling;
     fader.Process(1, dryChannels, wetChannels);
     EXPECT_EQ(falling[0], 1.0F);

@@ -60,15 +60,15 @@ TEST(MemoryPool, GrowsOnlyWhileNothingIsTaken)
 TEST(FFTPool, MakesEachSizeOnceAndKeepsIt)
 {
     DSP::FFTPool pool("Test");
-    pool.Prepare(10);
+    pool.PrepareFFT(10);
     const Support::HeapCount heap;
-    DSP::FFTImpl<float>* transform = pool.Get(10);
+    DSP::FFTImpl<float>* transform = pool.GetFFT(10);
     EXPECT_EQ(heap.GetCount(), 0U);
     ASSERT_NE(transform, nullptr);
     EXPECT_EQ(transform->GetSize(), 1024);
-    EXPECT_EQ(pool.Get(10), transform);
-    EXPECT_NE(pool.Get(11), transform);
-    EXPECT_EQ(pool.Get(32), nullptr);
-    EXPECT_EQ(pool.Get(1), nullptr);
-    EXPECT_EQ(pool.Get(UINT32_MAX), nullptr);
+    EXPECT_EQ(pool.GetFFT(10), transform);
+    EXPECT_NE(pool.GetFFT(11), transform);
+    EXPECT_EQ(pool.GetFFT(32), nullptr);
+    EXPECT_EQ(pool.GetFFT(1), nullptr);
+    EXPECT_EQ(pool.GetFFT(UINT32_MAX), nullptr);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 // Expected values come from the theory of the transform, never from a run of the code.
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
+
+#include "frameworks/plugincore/dsp/FFTPool.h"
 #include "tests/support/HeapCount.h"
 
 #include <gtest/gtest.h>
@@ -72,15 +74,18 @@ TEST(OversampledFilterbank, SizesFollowTheRate)
         int32_t rate;
         int32_t fftSize;
     };
-    // The least power of two from 0.07 * rate on: 560, 1120, 3087, 3360, 6720, 13440.
+    // The least power of two from 0.07 * rate on: 560, 1022, 1029, 1120, 3087, 3360, 6720, 13440.
     for (const Row& row : {Row{8000, 1024},
+                           Row{14600, 1024},
+                           Row{14700, 2048},
                            Row{16000, 2048},
                            Row{44100, 4096},
                            Row{48000, 4096},
                            Row{96000, 8192},
                            Row{192000, 16384},
                            Row{50, 8}}) {
-        DSP::OversampledFilterbank bank;
+        DSP::FFTPool transforms("Test");
+        DSP::OversampledFilterbank bank(transforms);
         bank.initialise(1, row.rate, 512);
         bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
         EXPECT_EQ(bank.GetFFTSize(), row.fftSize);
@@ -92,7 +97,8 @@ TEST(OversampledFilterbank, SizesFollowTheRate)
 
 TEST(OversampledFilterbank, BandEdgesLieHalfwayBetweenBins)
 {
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(1, 8000, 512);
     bank.configure(0.1F, 8, DSP::WindowHann, -1);
     // 8000 / 1024 = 7.8125 Hz a bin.
@@ -114,7 +120,8 @@ class OversampledFilterbankRoundTrip : public testing::TestWithParam<RoundTrip> 
 TEST_P(OversampledFilterbankRoundTrip, UnchangedSpectraGiveTheInputBackLateByTheLatency)
 {
     const RoundTrip& setting = GetParam();
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(2, 8000, 8192);
     bank.configure(0.1F, setting.overlapFactor, setting.kind, -1);
     const Channels input = MakeNoise(2, 60 * 128);
@@ -125,7 +132,8 @@ TEST_P(OversampledFilterbankRoundTrip, UnchangedSpectraGiveTheInputBackLateByThe
 TEST_P(OversampledFilterbankRoundTrip, CutIntoCallsAndResetChangeNoBit)
 {
     const RoundTrip& setting = GetParam();
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(2, 8000, 8192);
     bank.configure(0.1F, setting.overlapFactor, setting.kind, -1);
     const Channels input = MakeNoise(2, 60 * 128);
@@ -146,7 +154,8 @@ TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
 {
     // Blackman: neighbours at 0.25 / 0.42 and 0.04 / 0.42, nothing beyond. A sine at bin 100 has
     // period F / 100, so that every full frame shows the same magnitudes.
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(1, 8000, 1024);
     bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
     Channels audio(1);
@@ -172,7 +181,8 @@ TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
 TEST(OversampledFilterbank, ShortWindowLeavesTheRestOfTheFrameEmpty)
 {
     // W = F / 2: latency W - H, and the input still comes back.
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(1, 8000, 1024);
     bank.configure(0.1F, 16, DSP::WindowHann, 512);
     EXPECT_EQ(bank.GetLatency(), 512 - 64);
@@ -182,7 +192,8 @@ TEST(OversampledFilterbank, ShortWindowLeavesTheRestOfTheFrameEmpty)
 
 TEST(OversampledFilterbank, RestartAndProcessingStayOffTheHeap)
 {
-    DSP::OversampledFilterbank bank;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
     bank.initialise(1, 8000, 1024);
     bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
     Channels audio = MakeNoise(1, 128);

@@ -239,6 +239,20 @@ TEST(Storm, OfParametersFromTheOtherThread)
     ExpectLikeNew(instance, 44100.0F, 2);
 }
 
+TEST(Storm, OfLatenciesWhileTheHostAsksForThem)
+{
+    Instance instance(44100.0F, 1);
+    const AudioThread audio(instance);
+    for (int i = 0; i < 60; ++i) {
+        instance.SetElement(ElementLatencyScaling, static_cast<float>(i % 2));
+        instance.Set(Sensitivity, static_cast<float>(i % 10) / 10.0F); // looks at marked latencies
+        const uint32_t told = instance.Latency(UI);
+        EXPECT_TRUE(told == 14335U || told == 9215U) << told;
+        audio.WaitForBlocks(1); // the audio side restarts with the new length
+    }
+    EXPECT_TRUE(audio.SawOnlyGoodAudio());
+}
+
 TEST(Storm, OfEverythingThatTheUISideMayCall)
 {
     Instance instance(44100.0F, 1);

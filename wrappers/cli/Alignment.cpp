@@ -31,8 +31,9 @@ void Alignment::SplitChannels(std::span<const double> samples, size_t frames)
     for (size_t channel = 0; channel < channels; ++channel) {
         float* target = block.data() + channel * greatestBlock;
         channelPointers[channel] = target;
-        for (size_t frame = 0; frame < frames; ++frame)
+        for (size_t frame = 0; frame < frames; ++frame) {
             target[frame] = static_cast<float>(samples[frame * channels + channel]);
+        }
     }
 }
 
@@ -41,8 +42,9 @@ void Alignment::PairFrame(size_t frame, const double* sample)
 {
     for (size_t channel = 0; channel < channels; ++channel) {
         double input = sample[channel];
-        if (latency > 0)
+        if (latency > 0) {
             std::swap(input, delayLine[delayPosition * channels + channel]);
+        }
         const auto given = static_cast<double>(static_cast<float>(input));
         const auto taken = static_cast<double>(block[channel * greatestBlock + frame]);
         inputs[frame * channels + channel] = input;
@@ -57,8 +59,9 @@ Alignment::Pair Alignment::Push(std::span<const double> samples)
     const size_t frames = samples.size() / channels;
     SplitChannels(samples, frames);
     effect(channelPointers.data(), static_cast<uint32_t>(frames));
-    for (size_t frame = 0; frame < frames; ++frame)
+    for (size_t frame = 0; frame < frames; ++frame) {
         PairFrame(frame, samples.data() + frame * channels);
+    }
     const auto skipped = static_cast<size_t>(std::min<uint64_t>(framesToSkip, frames));
     framesToSkip -= skipped;
     const size_t begin = skipped * channels;
@@ -73,8 +76,9 @@ Alignment::Pair Alignment::Drain()
         const auto frames = static_cast<size_t>(std::min<uint64_t>(framesToDrain, greatestBlock));
         framesToDrain -= frames;
         const Pair pair = Push(std::span(silence).first(frames * channels));
-        if (!pair.output.empty())
+        if (!pair.output.empty()) {
             return pair;
+        }
     }
     return {};
 }

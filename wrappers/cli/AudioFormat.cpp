@@ -95,19 +95,25 @@ std::vector<int> Substitutes(int subtype, int container)
     const auto* usual = std::find_if(
         containers.begin(), containers.end(), [&](const auto& c) { return c.major == container; });
     const bool isEightBit = subtype == SF_FORMAT_PCM_U8 || subtype == SF_FORMAT_PCM_S8;
-    if (isEightBit)
+    if (isEightBit) {
         result = {SF_FORMAT_PCM_U8, SF_FORMAT_PCM_S8, SF_FORMAT_PCM_16};
+    }
     const int bits = BitsOf(subtype);
-    if (bits == 20 || bits == 24)
+    if (bits == 20 || bits == 24) {
         result.push_back(SF_FORMAT_PCM_24);
-    if (bits == 32)
+    }
+    if (bits == 32) {
         result.push_back(SF_FORMAT_PCM_32);
-    if (bits == 16)
+    }
+    if (bits == 16) {
         result.push_back(SF_FORMAT_PCM_16);
-    if (subtype == SF_FORMAT_DOUBLE)
+    }
+    if (subtype == SF_FORMAT_DOUBLE) {
         result.push_back(SF_FORMAT_FLOAT);
-    if (usual != containers.end())
+    }
+    if (usual != containers.end()) {
         result.push_back(usual->subtype);
+    }
     result.insert(result.end(), {SF_FORMAT_PCM_24, SF_FORMAT_PCM_16});
     return result;
 }
@@ -116,9 +122,11 @@ int NumberBehind(std::string_view text, const char* what, int least, int most)
 {
     int value = 0;
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (failure != std::errc{} || end != text.data() + text.size() || value < least || value > most)
+    if (failure != std::errc{} || end != text.data() + text.size() || value < least ||
+        value > most) {
         throw UsageError(
             fmt::format("--raw: the {} \"{}\" is outside {} to {}", what, text, least, most));
+    }
     return value;
 }
 
@@ -141,13 +149,16 @@ int ParseRawName(std::string_view text)
 {
     std::string name = LowerCase(text);
     int endian = SF_ENDIAN_LITTLE;
-    if (name.ends_with("be"))
+    if (name.ends_with("be")) {
         endian = SF_ENDIAN_BIG;
-    if (name.ends_with("be") || name.ends_with("le"))
+    }
+    if (name.ends_with("be") || name.ends_with("le")) {
         name.resize(name.size() - 2);
+    }
     for (const RawName& raw : rawNames) {
-        if (name == raw.name)
+        if (name == raw.name) {
             return SF_FORMAT_RAW | raw.subtype | endian;
+        }
     }
     throw UsageError(fmt::format("--raw: the format \"{}\" is none of s8, u8, s16, s24, s32, f32, "
                                  "f64, ulaw and alaw (with le or be behind it)",
@@ -159,8 +170,9 @@ int ParseRawName(std::string_view text)
 std::optional<int> FindContainer(std::string_view name)
 {
     for (const Container& container : containers) {
-        if (LowerCase(name) == container.name)
+        if (LowerCase(name) == container.name) {
             return container.major;
+        }
     }
     return std::nullopt;
 }
@@ -170,8 +182,9 @@ std::optional<int> ContainerOfExtension(std::string_view extension)
     const std::string wanted = LowerCase(extension) + " ";
     for (const Container& container : containers) {
         const std::string known = std::string(" ") + container.extensions;
-        if (wanted.size() > 1 && known.find(" " + wanted) != std::string::npos)
+        if (wanted.size() > 1 && known.find(" " + wanted) != std::string::npos) {
             return container.major;
+        }
     }
     return std::nullopt;
 }
@@ -181,8 +194,9 @@ std::string ExtensionOf(int format)
     for (const Container& container : containers) {
         const bool isOpus = (format & SF_FORMAT_SUBMASK) == SF_FORMAT_OPUS;
         if (container.major != (format & SF_FORMAT_TYPEMASK) ||
-            isOpus != (container.subtype == SF_FORMAT_OPUS))
+            isOpus != (container.subtype == SF_FORMAT_OPUS)) {
             continue;
+        }
         const std::string_view all = container.extensions;
         return std::string(all.substr(0, all.find(' ')));
     }
@@ -196,8 +210,9 @@ std::optional<int> FindSubtype(std::string_view name)
         return text;
     };
     for (const Subtype& subtype : subtypes) {
-        if (plain(LowerCase(name)) == plain(subtype.name))
+        if (plain(LowerCase(name)) == plain(subtype.name)) {
             return subtype.value;
+        }
     }
     return std::nullopt;
 }
@@ -205,8 +220,9 @@ std::optional<int> FindSubtype(std::string_view name)
 std::string ContainerName(int format)
 {
     for (const Container& container : containers) {
-        if (container.major == (format & SF_FORMAT_TYPEMASK))
+        if (container.major == (format & SF_FORMAT_TYPEMASK)) {
             return container.name;
+        }
     }
     return "other";
 }
@@ -220,16 +236,18 @@ std::string SubtypeName(int format)
 std::vector<std::string> ContainerNames()
 {
     std::vector<std::string> names;
-    for (const Container& container : containers)
+    for (const Container& container : containers) {
         names.emplace_back(container.name);
+    }
     return names;
 }
 
 std::vector<std::string> SubtypeNames()
 {
     std::vector<std::string> names;
-    for (const Subtype& subtype : subtypes)
+    for (const Subtype& subtype : subtypes) {
         names.emplace_back(subtype.name);
+    }
     return names;
 }
 
@@ -275,16 +293,19 @@ int ChangeFormat(int format,
 {
     // The byte order belongs to the container that it came with.
     int major = format & (SF_FORMAT_TYPEMASK | SF_FORMAT_ENDMASK);
-    if (container && *container != (format & SF_FORMAT_TYPEMASK))
+    if (container && *container != (format & SF_FORMAT_TYPEMASK)) {
         major = *container;
+    }
     const int wanted = major | subtype.value_or(format & SF_FORMAT_SUBMASK);
-    if (IsPossible(wanted, sampleRate, channels))
+    if (IsPossible(wanted, sampleRate, channels)) {
         return wanted;
+    }
     if (!subtype) {
         for (const int other :
              Substitutes(format & SF_FORMAT_SUBMASK, major & SF_FORMAT_TYPEMASK)) {
-            if (IsPossible(major | other, sampleRate, channels))
+            if (IsPossible(major | other, sampleRate, channels)) {
                 return major | other;
+            }
         }
     }
     throw FileError(fmt::format("{} can't hold {} with {} channel{} at {} Hz",
@@ -299,8 +320,9 @@ RawFormat ParseRawFormat(std::string_view text)
 {
     const size_t first = text.find(',');
     const size_t second = first == std::string_view::npos ? first : text.find(',', first + 1);
-    if (second == std::string_view::npos)
+    if (second == std::string_view::npos) {
         throw UsageError("--raw wants FORMAT,RATE,CHANNELS, such as s16,48000,1");
+    }
     RawFormat raw;
     raw.format = ParseRawName(text.substr(0, first));
     raw.sampleRate = NumberBehind(

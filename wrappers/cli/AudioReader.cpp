@@ -25,8 +25,9 @@ FileDescriptor OpenForReading(const std::string& path)
 {
     FileDescriptor file(path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
                                     : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file.IsOpen())
+    if (!file.IsOpen()) {
         throw FileError::FromErrno(errno);
+    }
     return file;
 }
 
@@ -51,8 +52,9 @@ bool LogTellsTruncation(const std::string& log)
     for (std::sregex_iterator match(log.begin(), log.end(), sizes), end; match != end; ++match) {
         const int64_t claimed = std::stoll((*match)[2]);
         const int64_t present = std::stoll((*match)[3]);
-        if (claimed > present && !IsPlaceholderSize(claimed))
+        if (claimed > present && !IsPlaceholderSize(claimed)) {
             return true;
+        }
     }
     return false;
 }
@@ -66,14 +68,16 @@ std::string ReadLog(SNDFILE* handle)
 
 void CheckLimits(const SF_INFO& info)
 {
-    if (info.samplerate < leastSampleRate || info.samplerate > greatestSampleRate)
+    if (info.samplerate < leastSampleRate || info.samplerate > greatestSampleRate) {
         throw FileError(fmt::format("its rate of {} Hz is outside {} to {} Hz",
                                     info.samplerate,
                                     leastSampleRate,
                                     greatestSampleRate));
-    if (info.channels < 1 || info.channels > greatestChannelCount)
+    }
+    if (info.channels < 1 || info.channels > greatestChannelCount) {
         throw FileError(fmt::format(
             "its {} channels are more than the {} possible", info.channels, greatestChannelCount));
+    }
 }
 
 } // namespace
@@ -82,24 +86,28 @@ AudioReader::AudioReader(const std::string& path, const std::optional<RawFormat>
     : file(OpenForReading(path))
 {
     struct stat status = {};
-    if (::fstat(file.Get(), &status) == 0 && S_ISDIR(status.st_mode))
+    if (::fstat(file.Get(), &status) == 0 && S_ISDIR(status.st_mode)) {
         throw FileError("is a directory");
+    }
     const std::string extension = LowerCase(std::filesystem::path(path).extension().string());
     const bool isRaw = raw && (path == "-" || extension == ".raw");
     const bool isFile = S_ISREG(status.st_mode) && IsSeekable(file.Get());
-    if (isFile && status.st_size == 0)
+    if (isFile && status.st_size == 0) {
         throw FileError("the file is empty");
-    if (isRaw && isFile)
+    }
+    if (isRaw && isFile) {
         OpenRaw(*raw,
                 DescriptorIo::Access::Seekable,
                 status.st_size - ::lseek(file.Get(), 0, SEEK_CUR));
-    else if (isFile)
+    } else if (isFile) {
         OpenFile();
-    else
+    } else {
         OpenStream(raw);
+    }
     CheckLimits(info);
-    if (frames == 0)
+    if (frames == 0) {
         throw FileError("holds no samples");
+    }
 }
 
 void AudioReader::OpenFile()
@@ -108,8 +116,9 @@ void AudioReader::OpenFile()
     handle = io->Open(SFM_READ, info);
     frames = info.frames;
     // What an Ogg stream answers when its last page is missing.
-    if (info.frames == SF_COUNT_MAX || LogTellsTruncation(ReadLog(handle.get())))
+    if (info.frames == SF_COUNT_MAX || LogTellsTruncation(ReadLog(handle.get()))) {
         RefuseTruncated();
+    }
     CheckLimits(info);
     metadata = Metadata::ReadFrom(handle.get(), info.channels);
 }
@@ -122,12 +131,14 @@ void AudioReader::OpenStream(const std::optional<RawFormat>& raw)
     }
     std::string firstBytes(12, '\0');
     firstBytes.resize(ReadFully(file.Get(), firstBytes));
-    if (firstBytes.empty())
+    if (firstBytes.empty()) {
         throw FileError("the stream is empty");
-    if (IsWav(firstBytes))
+    }
+    if (IsWav(firstBytes)) {
         OpenWavStream(firstBytes);
-    else
+    } else {
         SpoolStream(firstBytes);
+    }
 }
 
 void AudioReader::OpenRaw(const RawFormat& raw,
@@ -138,8 +149,9 @@ void AudioReader::OpenRaw(const RawFormat& raw,
     info.format = raw.format;
     info.samplerate = raw.sampleRate;
     info.channels = raw.channels;
-    if (bytes)
+    if (bytes) {
         frames = *bytes / (raw.channels * BytesPerSample(raw.format));
+    }
     io = std::make_unique<DescriptorIo>(file.Get(), access, bytes);
     handle = io->Open(SFM_READ, info);
 }
@@ -168,8 +180,9 @@ void AudioReader::SpoolStream(const std::string& firstBytes)
     std::string buffer = firstBytes;
     while (!buffer.empty()) {
         const int failure = WriteFully(spool.Get(), buffer);
-        if (failure != 0)
+        if (failure != 0) {
             throw FileError::FromErrno(failure);
+        }
         buffer.resize(size_t{64} * 1024);
         buffer.resize(ReadFully(file.Get(), buffer));
     }
@@ -187,18 +200,22 @@ size_t AudioReader::Read(std::span<double> target)
 {
     const auto wanted = static_cast<sf_count_t>(target.size()) / info.channels;
     const sf_count_t count = sf_readf_double(handle.get(), target.data(), wanted);
-    if (io->GetFailure() != 0)
+    if (io->GetFailure() != 0) {
         throw FileError::FromErrno(io->GetFailure());
-    if (count < wanted && sf_error(handle.get()) != SF_ERR_NO_ERROR)
+    }
+    if (count < wanted && sf_error(handle.get()) != SF_ERR_NO_ERROR) {
         throw FileError(fmt::format("damaged or truncated after {}: {}",
                                     FormatClock(static_cast<double>(framesRead + count) /
                                                 static_cast<double>(info.samplerate)),
                                     sf_strerror(handle.get())));
+    }
     framesRead += count;
-    if (count < wanted && frames && framesRead < *frames)
+    if (count < wanted && frames && framesRead < *frames) {
         RefuseTruncated();
-    if (count < wanted && framesRead == 0)
+    }
+    if (count < wanted && framesRead == 0) {
         throw FileError("holds no samples");
+    }
     return static_cast<size_t>(count);
 }
 

@@ -58,8 +58,9 @@ void AudioWriter::OpenStream(const Metadata& metadata, std::optional<int64_t> fr
 {
     if (IsWavContainer(format)) {
         const int failure = WriteFully(output.GetDescriptor(), MakeWavHead(info, metadata, frames));
-        if (failure != 0)
+        if (failure != 0) {
             throw FileError::FromErrno(failure);
+        }
         info.format = SF_FORMAT_RAW | (format & SF_FORMAT_SUBMASK) | SF_ENDIAN_LITTLE;
     }
     io = std::make_unique<DescriptorIo>(output.GetDescriptor(), DescriptorIo::Access::Forward, 0);
@@ -72,16 +73,19 @@ void AudioWriter::RefuseTooLong() const
     const int container = info.format & SF_FORMAT_TYPEMASK;
     const bool isNarrow = container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX ||
                           container == SF_FORMAT_AIFF || container == SF_FORMAT_AU;
-    if (isNarrow && io->GetPosition() > greatestNarrowFile)
+    if (isNarrow && io->GetPosition() > greatestNarrowFile) {
         throw FileError(ContainerName(format) + " can't hold more than 4 GiB; --format rf64 can");
+    }
 }
 
 void AudioWriter::ThrowIfFailed(bool isShort)
 {
-    if (io->GetFailure() != 0)
+    if (io->GetFailure() != 0) {
         throw FileError::FromErrno(io->GetFailure());
-    if (isShort)
+    }
+    if (isShort) {
         throw FileError(sf_strerror(handle.get()));
+    }
 }
 
 sf_count_t AudioWriter::WriteIntegers(std::span<const double> samples)
@@ -110,12 +114,15 @@ void AudioWriter::Finish()
 {
     // Closing writes the head for good.
     const int failure = sf_close(handle.release());
-    if (io->GetFailure() != 0)
+    if (io->GetFailure() != 0) {
         throw FileError::FromErrno(io->GetFailure());
-    if (failure != 0)
+    }
+    if (failure != 0) {
         throw FileError(sf_error_number(failure));
-    if (spool.IsOpen())
+    }
+    if (spool.IsOpen()) {
         CopyBytes(spool.Get(), 0, ::lseek(spool.Get(), 0, SEEK_END), output.GetDescriptor());
+    }
     output.Commit();
 }
 

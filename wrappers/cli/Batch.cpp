@@ -43,15 +43,17 @@ void Tell(Console& console, const FileReport& report)
         console.Complain(DisplayName(report.input), report.failure);
         return;
     }
-    if (report.nonFiniteSamples > 0)
+    if (report.nonFiniteSamples > 0) {
         console.Complain(DisplayName(report.input),
                          fmt::format("{} sample{} no finite number; taken for 0",
                                      report.nonFiniteSamples,
                                      report.nonFiniteSamples == 1 ? " was" : "s were"));
-    if (report.lostRepairs > 0)
+    }
+    if (report.lostRepairs > 0) {
         console.Complain(DisplayName(report.input),
                          fmt::format("{} repairs were made but are missing from the reports",
                                      report.lostRepairs));
+    }
     console.Result(SummaryLine(report));
 }
 
@@ -69,11 +71,13 @@ RunTasks(const RunContext& context, const std::vector<Task>& tasks, Console& con
     };
     std::vector<std::thread> workers;
     const size_t count = std::min(tasks.size(), static_cast<size_t>(context.options.jobs));
-    for (size_t i = 1; i < count; ++i)
+    for (size_t i = 1; i < count; ++i) {
         workers.emplace_back(work);
+    }
     work();
-    for (std::thread& worker : workers)
+    for (std::thread& worker : workers) {
         worker.join();
+    }
     return reports;
 }
 
@@ -92,8 +96,9 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
     std::unique_ptr<EventsDocument> events;
     const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
     try {
-        if (!options.events.empty())
+        if (!options.events.empty()) {
             events = std::make_unique<EventsDocument>(options.events, options.overwrite, form);
+        }
     } catch (const FileError& error) {
         console.Complain(options.events, error.what());
         return false;
@@ -101,8 +106,9 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
     const auto reports = RunTasks({options, module, console, events.get()}, tasks, console);
     bool isGood = !HasFailure(reports);
     try {
-        if (events)
+        if (events) {
             events->Finish();
+        }
     } catch (const FileError& error) {
         console.Complain(options.events, error.what());
         isGood = false;
@@ -119,8 +125,9 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
 int RunBatch(const Options& options)
 {
     const std::vector<Task> tasks = MakeTasks(options);
-    if (tasks.empty())
+    if (tasks.empty()) {
         throw FileError("no recordings in " + Printable(options.inputs.front()));
+    }
     const Module module = Module::Load();
     return RunAll(options, module, tasks) ? allDone : someFailed;
 }

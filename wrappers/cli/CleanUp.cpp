@@ -47,13 +47,15 @@ void AwaitOpening(const Slot& slot)
 extern "C" void RemoveFilesAndEnd(int signalNumber)
 {
     // A second signal while the first is at work changes nothing.
-    if (isEnding.exchange(true))
+    if (isEnding.exchange(true)) {
         return;
+    }
     for (const Slot& slot : slots) {
         AwaitOpening(slot);
         const SlotState state = slot.state;
-        if (state == SlotState::Opening || state == SlotState::Open)
+        if (state == SlotState::Opening || state == SlotState::Open) {
             ::unlink(slot.path.load());
+        }
     }
     struct sigaction action = {};
     action.sa_handler = SIG_DFL;
@@ -65,8 +67,9 @@ sigset_t EndingSignalSet()
 {
     sigset_t set;
     ::sigemptyset(&set);
-    for (const int number : endingSignals)
+    for (const int number : endingSignals) {
         ::sigaddset(&set, number);
+    }
     return set;
 }
 
@@ -74,8 +77,9 @@ int ClaimSlot()
 {
     for (size_t i = 0; i < slots.size(); ++i) {
         SlotState expected = SlotState::Free;
-        if (slots[i].state.compare_exchange_strong(expected, SlotState::Claimed))
+        if (slots[i].state.compare_exchange_strong(expected, SlotState::Claimed)) {
             return static_cast<int>(i);
+        }
     }
     throw FileError("too many files are being written at once");
 }
@@ -89,8 +93,9 @@ void InstallCleanUpOnSignals()
     for (const int number : endingSignals) {
         struct sigaction former = {};
         ::sigaction(number, nullptr, &former);
-        if (former.sa_handler != SIG_IGN)
+        if (former.sa_handler != SIG_IGN) {
             ::sigaction(number, &action, nullptr);
+        }
     }
 }
 

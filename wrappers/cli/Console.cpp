@@ -33,8 +33,9 @@ bool AllowsColour()
 size_t TerminalWidth()
 {
     winsize size = {};
-    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col < 20)
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col < 20) {
         return 79;
+    }
     return size_t{size.ws_col} - 1;
 }
 
@@ -44,15 +45,18 @@ std::string
 FormatProgress(std::optional<double> done, double recorded, double elapsed, size_t width)
 {
     const double speed = elapsed > 0 ? recorded / elapsed : 0.0;
-    if (!done)
+    if (!done) {
         return fmt::format("{} done, {:.0f}x real time", FormatRemaining(recorded), speed)
             .substr(0, width);
+    }
     const double share = std::clamp(*done, 0.0, 1.0);
     std::string numbers = fmt::format(" {:3.0f} %  {:.0f}x", share * 100.0, speed);
-    if (share > 0)
+    if (share > 0) {
         numbers += fmt::format("  {} left", FormatRemaining(elapsed * (1.0 - share) / share));
-    if (width < numbers.size() + 12)
+    }
+    if (width < numbers.size() + 12) {
         return numbers.substr(0, width);
+    }
     const size_t room = std::min<size_t>(width - numbers.size() - 2, 50);
     const auto filled = static_cast<size_t>(std::lround(share * static_cast<double>(room)));
     return fmt::format(
@@ -65,8 +69,9 @@ Console::Console(const Config& newConfig)
     , start(std::chrono::steady_clock::now())
 {
     config.showsProgress = config.showsProgress && ::isatty(STDERR_FILENO) != 0;
-    if (config.showsProgress)
+    if (config.showsProgress) {
         ticker = std::thread([this] { Tick(); });
+    }
 }
 
 Console::~Console()
@@ -76,8 +81,9 @@ Console::~Console()
         isEnding = true;
     }
     wake.notify_all();
-    if (ticker.joinable())
+    if (ticker.joinable()) {
         ticker.join();
+    }
     EraseBar();
 }
 
@@ -92,14 +98,16 @@ void Console::Write(int descriptor, std::string line)
 
 void Console::Result(std::string_view line)
 {
-    if (config.showsResults)
+    if (config.showsResults) {
         Write(config.resultsOnStdErr ? STDERR_FILENO : STDOUT_FILENO, std::string(line));
+    }
 }
 
 void Console::Detail(std::string_view line)
 {
-    if (config.showsDetails)
+    if (config.showsDetails) {
         Write(STDERR_FILENO, std::string(line));
+    }
 }
 
 void Console::Complain(std::string_view name, std::string_view reason)
@@ -112,8 +120,9 @@ void Console::Complain(std::string_view name, std::string_view reason)
 
 void Console::Progress(size_t number, int64_t frames, std::optional<int64_t> total, int sampleRate)
 {
-    if (!config.showsProgress)
+    if (!config.showsProgress) {
         return;
+    }
     const std::lock_guard lock(mutex);
     running[number] = {frames, total, sampleRate};
 }
@@ -134,10 +143,11 @@ std::string Console::BarText(size_t width) const
     std::optional<double> done = static_cast<double>(finishedFiles);
     for (const auto& [number, file] : running) {
         recorded += static_cast<double>(file.frames) / file.sampleRate;
-        if (file.total && *file.total > 0)
+        if (file.total && *file.total > 0) {
             *done += static_cast<double>(file.frames) / static_cast<double>(*file.total);
-        else if (config.files == 1)
+        } else if (config.files == 1) {
             return FormatProgress(std::nullopt, recorded, elapsed.count(), width);
+        }
     }
     *done /= static_cast<double>(config.files);
     return FormatProgress(done, recorded, elapsed.count(), width);
@@ -145,8 +155,9 @@ std::string Console::BarText(size_t width) const
 
 void Console::DrawBar()
 {
-    if (running.empty())
+    if (running.empty()) {
         return;
+    }
     // Written over itself, then the rest of the line is cleared: no flicker.
     const std::string line = fmt::format("\r{}\033[K", BarText(TerminalWidth()));
     static_cast<void>(WriteFully(STDERR_FILENO, line));
@@ -155,16 +166,18 @@ void Console::DrawBar()
 
 void Console::EraseBar()
 {
-    if (isBarShown)
+    if (isBarShown) {
         static_cast<void>(WriteFully(STDERR_FILENO, "\r\033[K"));
+    }
     isBarShown = false;
 }
 
 void Console::Tick()
 {
     std::unique_lock lock(mutex);
-    while (!wake.wait_for(lock, tickPeriod, [this] { return isEnding; }))
+    while (!wake.wait_for(lock, tickPeriod, [this] { return isEnding; })) {
         DrawBar();
+    }
 }
 
 } // namespace Cli

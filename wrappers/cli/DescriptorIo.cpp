@@ -27,22 +27,26 @@ DescriptorIo::DescriptorIo(int newDescriptor, Access newAccess, std::optional<in
     , access(newAccess)
     , length(newLength.value_or(endlessLength))
 {
-    if (access == Access::Seekable)
+    if (access == Access::Seekable) {
         base = std::max<int64_t>(::lseek(descriptor, 0, SEEK_CUR), 0);
+    }
 }
 
 SndFileHandle DescriptorIo::Open(int mode, SF_INFO& info)
 {
     SF_VIRTUAL_IO callbacks = {Length, Seek, Read, Write, Tell};
     SndFileHandle handle(sf_open_virtual(&callbacks, mode, &info, this));
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
     if (!handle) {
-        if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT)
+        if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT) {
             throw FileError("is no audio file of a known kind");
+        }
         std::string reason = sf_strerror(nullptr);
-        if (reason.ends_with('.'))
+        if (reason.ends_with('.')) {
             reason.pop_back();
+        }
         throw FileError(reason);
     }
     return handle;
@@ -51,8 +55,9 @@ SndFileHandle DescriptorIo::Open(int mode, SF_INFO& info)
 sf_count_t DescriptorIo::Length(void* self)
 {
     const auto& io = *static_cast<DescriptorIo*>(self);
-    if (io.access == Access::Forward)
+    if (io.access == Access::Forward) {
         return io.length;
+    }
     struct stat status = {};
     return ::fstat(io.descriptor, &status) == 0 ? status.st_size - io.base : 0;
 }
@@ -61,14 +66,17 @@ sf_count_t DescriptorIo::Seek(sf_count_t offset, int whence, void* self)
 {
     auto& io = *static_cast<DescriptorIo*>(self);
     int64_t target = offset;
-    if (whence == SEEK_CUR)
+    if (whence == SEEK_CUR) {
         target += io.position;
-    else if (whence == SEEK_END)
+    } else if (whence == SEEK_END) {
         target += Length(self);
-    if (io.access == Access::Forward)
+    }
+    if (io.access == Access::Forward) {
         return target == io.position ? target : -1;
-    if (target < 0 || ::lseek(io.descriptor, io.base + target, SEEK_SET) < 0)
+    }
+    if (target < 0 || ::lseek(io.descriptor, io.base + target, SEEK_SET) < 0) {
         return -1;
+    }
     io.position = target;
     return target;
 }
@@ -76,14 +84,16 @@ sf_count_t DescriptorIo::Seek(sf_count_t offset, int whence, void* self)
 sf_count_t DescriptorIo::Read(void* target, sf_count_t count, void* self)
 {
     auto& io = *static_cast<DescriptorIo*>(self);
-    if (io.access == Access::Forward)
+    if (io.access == Access::Forward) {
         count = std::min<sf_count_t>(count, io.length - io.position);
+    }
     int error = 0;
     const auto done = static_cast<sf_count_t>(
         ReadFully(io.descriptor, {static_cast<char*>(target), static_cast<size_t>(count)}, error));
     // The caller is C code: the reason travels in the object.
-    if (io.failure == 0)
+    if (io.failure == 0) {
         io.failure = error;
+    }
     io.position += done;
     return done;
 }

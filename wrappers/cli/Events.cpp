@@ -23,8 +23,9 @@ double Decibel(double energyRatio)
 
 BandAverage AverageOf(const DetectionTotalsRecord& totals)
 {
-    if (totals.hops == 0)
+    if (totals.hops == 0) {
         return {};
+    }
     return {totals.bandEnergy / static_cast<double>(totals.hops)};
 }
 
@@ -38,10 +39,12 @@ Event MakeEvent(const DetectionRecord& record, const BandAverage& average, int s
     event.start = seconds(record.start);
     event.end = seconds(record.end);
     event.severity = static_cast<double>(record.severity);
-    if (record.pitchHz > 0)
+    if (record.pitchHz > 0) {
         event.pitch = static_cast<double>(record.pitchHz);
-    if (record.energyBefore > 0)
+    }
+    if (record.energyBefore > 0) {
         event.reduction = Decibel(record.energyAfter / record.energyBefore);
+    }
     const double frames = record.regionEnd < record.regionStart
                               ? 0.0
                               : static_cast<double>(record.regionEnd - record.regionStart) + 1.0;
@@ -57,8 +60,9 @@ void EventSpool::Append(std::span<const DetectionRecord> records)
     const auto bytes = std::as_bytes(records);
     const int failure =
         WriteFully(file.Get(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
     count += records.size();
 }
 
@@ -69,8 +73,9 @@ void EventSpool::ForEach(const std::function<void(const DetectionRecord&)>& visi
         buffer.resize(static_cast<size_t>(std::min<uint64_t>(buffer.size(), count - first)));
         const size_t bytes = buffer.size() * sizeof(DetectionRecord);
         const auto offset = static_cast<off_t>(first * sizeof(DetectionRecord));
-        if (::pread(file.Get(), buffer.data(), bytes, offset) != static_cast<ssize_t>(bytes))
+        if (::pread(file.Get(), buffer.data(), bytes, offset) != static_cast<ssize_t>(bytes)) {
             throw FileError("the list of repairs can't be read back");
+        }
         std::for_each(buffer.begin(), buffer.end(), visit);
     }
 }

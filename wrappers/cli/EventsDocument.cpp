@@ -16,8 +16,9 @@ constexpr size_t enough = size_t{64} * 1024;
 void WriteText(int descriptor, std::string_view text)
 {
     const int failure = WriteFully(descriptor, text);
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
 }
 
 // All members but "events", still open behind the last one.
@@ -93,11 +94,13 @@ void EventsDocument::Add(size_t number,
 
 void EventsDocument::Finish()
 {
-    if (form == Form::Object && places.empty())
+    if (form == Form::Object && places.empty()) {
         return;
+    }
     const int target = output.GetDescriptor();
-    if (form == Form::Array)
+    if (form == Form::Array) {
         WriteText(target, "[");
+    }
     const char* separator = form == Form::Array ? "\n" : "";
     for (const auto& [number, place] : places) {
         WriteText(target, separator);

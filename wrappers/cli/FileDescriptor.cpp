@@ -39,11 +39,12 @@ size_t ReadFully(int descriptor, std::span<char> target, int& failure)
     size_t done = 0;
     while (done < target.size()) {
         const ssize_t count = ::read(descriptor, target.data() + done, target.size() - done);
-        if (count == 0)
+        if (count == 0) {
             break;
-        if (count > 0)
+        }
+        if (count > 0) {
             done += static_cast<size_t>(count);
-        else if (errno != EINTR) {
+        } else if (errno != EINTR) {
             failure = errno;
             break;
         }
@@ -55,8 +56,9 @@ size_t ReadFully(int descriptor, std::span<char> target)
 {
     int failure = 0;
     const size_t done = ReadFully(descriptor, target, failure);
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
     return done;
 }
 
@@ -64,10 +66,11 @@ int WriteFully(int descriptor, std::string_view data)
 {
     while (!data.empty()) {
         const ssize_t count = ::write(descriptor, data.data(), data.size());
-        if (count >= 0)
+        if (count >= 0) {
             data.remove_prefix(static_cast<size_t>(count));
-        else if (errno != EINTR)
+        } else if (errno != EINTR) {
             return errno;
+        }
     }
     return 0;
 }
@@ -81,9 +84,10 @@ FileDescriptor OpenAnonymousFile()
         // Not every file system makes nameless files.
         std::string name = folder + "/puffguard-XXXXXX";
         file = FileDescriptor(::mkostemp(name.data(), O_CLOEXEC));
-        if (!file.IsOpen())
+        if (!file.IsOpen()) {
             throw FileError("no temporary file in " + folder + ": " +
                             FileError::FromErrno(errno).what());
+        }
         ::unlink(name.c_str());
     }
     return file;
@@ -96,13 +100,16 @@ void CopyBytes(int from, int64_t offset, int64_t length, int to)
         const auto wanted =
             static_cast<size_t>(std::min<int64_t>(length, static_cast<int64_t>(buffer.size())));
         const ssize_t count = ::pread(from, buffer.data(), wanted, offset);
-        if (count < 0 && errno == EINTR)
+        if (count < 0 && errno == EINTR) {
             continue;
-        if (count <= 0)
+        }
+        if (count <= 0) {
             throw FileError::FromErrno(count < 0 ? errno : EIO);
+        }
         const int failure = WriteFully(to, {buffer.data(), static_cast<size_t>(count)});
-        if (failure != 0)
+        if (failure != 0) {
             throw FileError::FromErrno(failure);
+        }
         offset += count;
         length -= count;
     }

@@ -36,20 +36,24 @@ void MakeFolderOf(const std::string& path)
 {
     const auto folder = std::filesystem::path(path).parent_path();
     std::error_code failure;
-    if (!folder.empty())
+    if (!folder.empty()) {
         std::filesystem::create_directories(folder, failure);
-    if (failure)
+    }
+    if (failure) {
         throw FileError(folder.string() + ": " + FileError::FromErrno(failure.value()).what());
+    }
 }
 
 // A report that appears together with the audio; the reason of a failure names it.
 std::unique_ptr<OutputFile> OpenReport(const std::string& path, const Options& options)
 {
-    if (path.empty())
+    if (path.empty()) {
         return nullptr;
+    }
     return Naming(path, [&] {
-        if (!options.isSingle)
+        if (!options.isSingle) {
             MakeFolderOf(path);
+        }
         return std::make_unique<OutputFile>(path, options.overwrite);
     });
 }
@@ -92,10 +96,12 @@ public:
                     [this](float** data, uint32_t frames) { instance.Process(data, frames); })
         , plotFramesToSkip(options.keepsLatency ? instance.GetLatency() : 0)
     {
-        if (plot)
+        if (plot) {
             recorder = std::make_unique<PlotRecorder>(reader.GetSampleRate(), reader.GetChannels());
-        if (!task.output.empty())
+        }
+        if (!task.output.empty()) {
             OpenWriter();
+        }
     }
 
     void Run(FileReport& report)
@@ -104,19 +110,22 @@ public:
         ReadAll(report);
         // What follows the recording is no part of its average.
         average = AverageOf(instance.ReadTotals());
-        for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain())
+        for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain()) {
             Emit(pair);
+        }
         SpoolDetections(report.frames);
         report.lostRepairs = instance.GetLostDetections();
         // The picture takes a time of its own, which says nothing of the repair's speed.
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         report.seconds = elapsed.count();
         WriteReports(report);
-        if (writer)
+        if (writer) {
             Naming(OutputLabel(), [&] { writer->Finish(); });
+        }
         CommitReports();
-        if (context.events != nullptr)
+        if (context.events != nullptr) {
             context.events->Add(number, report, instance.GetControls(), spool, average);
+        }
     }
 
 private:
@@ -167,16 +176,19 @@ void FileJob::OpenWriter()
     target.sampleRate = reader.GetSampleRate();
     target.channels = reader.GetChannels();
     target.frames = reader.GetFrames();
-    if (target.frames && options.keepsLatency)
+    if (target.frames && options.keepsLatency) {
         *target.frames += instance.GetLatency();
-    if (!options.outputDirectory.empty())
+    }
+    if (!options.outputDirectory.empty()) {
         MakeFolderOf(task.output);
+    }
     writer = Naming(OutputLabel(),
                     [&] { return std::make_unique<AudioWriter>(target, reader.GetMetadata()); });
-    if (KindOf(outputFormat) == SampleKind::Integer)
+    if (KindOf(outputFormat) == SampleKind::Integer) {
         quantiser = std::make_unique<Quantiser>(BitsOf(outputFormat),
                                                 options.hasDither ? Quantiser::Dither::Triangular
                                                                   : Quantiser::Dither::Off);
+    }
 }
 
 void FileJob::Describe(FileReport& report) const
@@ -221,22 +233,27 @@ void FileJob::ReadAll(FileReport& report)
 void FileJob::PushBlocks(std::span<const double> samples)
 {
     const size_t step = static_cast<size_t>(options.block) * channels;
-    for (size_t begin = 0; begin < samples.size(); begin += step)
+    for (size_t begin = 0; begin < samples.size(); begin += step) {
         Emit(alignment.Push(samples.subspan(begin, std::min(step, samples.size() - begin))));
+    }
 }
 
 void FileJob::Emit(const Alignment::Pair& pair)
 {
-    if (recorder)
+    if (recorder) {
         Record(pair);
-    if (!writer)
+    }
+    if (!writer) {
         return;
+    }
     // Rounded before the difference is taken, so that difference and result add up to the input.
-    if (quantiser)
+    if (quantiser) {
         quantiser->Apply(pair.output);
+    }
     if (options.wantsDifference) {
-        for (size_t i = 0; i < pair.output.size(); ++i)
+        for (size_t i = 0; i < pair.output.size(); ++i) {
             pair.output[i] = pair.input[i] - pair.output[i];
+        }
     }
     Naming(OutputLabel(), [&] { writer->Write(pair.output); });
 }
@@ -259,8 +276,9 @@ void FileJob::SpoolDetections(int64_t framesSoFar)
 
 std::unique_ptr<PlotPainter> FileJob::MakePainter(const FileReport& report)
 {
-    if (!recorder)
+    if (!recorder) {
         return nullptr;
+    }
     recorder->Finish();
     const Controls& controls = instance.GetControls();
     const auto name = std::filesystem::path(task.input).filename().string();
@@ -287,37 +305,45 @@ void FileJob::WriteReports(FileReport& report)
     spool.ForEach([&](const DetectionRecord& record) {
         const Event event = MakeEvent(record, average, report.sampleRate);
         ++summary.repairs;
-        if (!summary.strongest || event.removed > summary.strongest->removed)
+        if (!summary.strongest || event.removed > summary.strongest->removed) {
             summary.strongest = event;
-        if (!event.isProminent)
+        }
+        if (!event.isProminent) {
             return;
+        }
         ++summary.prominent;
-        if (painter)
+        if (painter) {
             painter->Mark(event);
-        if (labels)
+        }
+        if (labels) {
             WriteLabel(event);
+        }
         context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
                                            Printable(task.input),
                                            FormatClock(event.time),
                                            -event.reduction));
     });
-    if (painter)
+    if (painter) {
         Naming(task.plot, [&] { painter->Save(plot->GetDescriptor()); });
+    }
 }
 
 void FileJob::WriteLabel(const Event& event)
 {
     const int failure = WriteFully(labels->GetDescriptor(), LabelLine(event));
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError(task.labels + ": " + FileError::FromErrno(failure).what());
+    }
 }
 
 void FileJob::CommitReports()
 {
-    if (labels)
+    if (labels) {
         Naming(task.labels, [&] { labels->Commit(); });
-    if (plot)
+    }
+    if (plot) {
         Naming(task.plot, [&] { plot->Commit(); });
+    }
 }
 
 } // namespace
@@ -327,8 +353,9 @@ FileReport RunFile(const RunContext& context, const Task& task, size_t number)
     FileReport report;
     report.input = task.input;
     try {
-        if (!task.failure.empty())
+        if (!task.failure.empty()) {
             throw FileError(task.failure);
+        }
         FileJob(context, task, number).Run(report);
     } catch (const std::exception& error) {
         report.failure = error.what();

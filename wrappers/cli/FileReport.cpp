@@ -60,8 +60,9 @@ std::string SummaryLine(const FileReport& report)
                             -report.events.strongest->reduction);
     }
     line += fmt::format("; {:.0f}x real time", report.GetSpeed());
-    if (!report.output.empty() && report.output != "-")
+    if (!report.output.empty() && report.output != "-") {
         line += " -> " + Printable(report.output);
+    }
     return line;
 }
 

@@ -21,13 +21,15 @@ public:
 
     void Add(Column column)
     {
-        if (pending == 0)
+        if (pending == 0) {
             entries.push_back(std::move(column));
-        else
+        } else {
             entries.back().Fold(column);
+        }
         pending = (pending + 1) % span;
-        if (pending == 0 && entries.size() == limit)
+        if (pending == 0 && entries.size() == limit) {
             Halve();
+        }
     }
 
     const std::vector<Column>& GetEntries() const { return entries; }

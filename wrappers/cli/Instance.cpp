@@ -79,15 +79,17 @@ void Instance::Create(int sampleRate, int channels)
     record.sampleRate = static_cast<float>(sampleRate);
     record.channelConfig = ChannelConfigOf(channels);
     const uint32_t answer = module.Call(SelectorCreatePlugin, uiContext, nullptr, &record);
-    if (answer != PluginCoreSuccess || core == nullptr)
+    if (answer != PluginCoreSuccess || core == nullptr) {
         throw ModuleError(fmt::format("the module makes no instance (answer {})", answer));
+    }
 }
 
 void Instance::Call(uint32_t selector, uint32_t context, void* data, const char* purpose) const
 {
     const uint32_t answer = module.Call(selector, context, core, data);
-    if (answer != PluginCoreSuccess)
+    if (answer != PluginCoreSuccess) {
         throw ModuleError(fmt::format("the module refuses to {} (answer {})", purpose, answer));
+    }
 }
 
 void Instance::ReadParamList()
@@ -109,8 +111,9 @@ const ElementParamInfoRecord& Instance::FindParam(std::string_view identifier,
                LowerCase(identifier);
     };
     const auto found = std::find_if(params.begin(), params.end(), isWanted);
-    if (found == params.end())
+    if (found == params.end()) {
         throw ModuleError(fmt::format("the module has no parameter \"{}\"", identifier));
+    }
     index = static_cast<uint32_t>(found - params.begin());
     return *found;
 }
@@ -161,8 +164,9 @@ void Instance::ReadDetections(std::vector<DetectionRecord>& detections)
     record.buffer = detectionBuffer.data();
     do {
         record.position = nextDetection;
-        if (!ReadTransform(record))
+        if (!ReadTransform(record)) {
             throw ModuleError("the module doesn't tell its repairs");
+        }
         for (uint32_t i = 0; i < record.count; ++i) {
             const DetectionRecord& detection = detectionBuffer[i];
             lostDetections += detection.number - nextDetection;
@@ -180,8 +184,9 @@ DetectionTotalsRecord Instance::ReadTotals() const
     record.capacity = 1;
     record.recordBytes = sizeof totals;
     record.buffer = &totals;
-    if (!ReadTransform(record))
+    if (!ReadTransform(record)) {
         throw ModuleError("the module doesn't tell its sums");
+    }
     return totals;
 }
 

@@ -27,8 +27,9 @@ int Run(int argc, char** argv)
     const auto parsed = Cli::ParseOptions(argc, argv);
     if (const auto* answer = std::get_if<Cli::Answer>(&parsed)) {
         const int failure = Cli::WriteFully(STDOUT_FILENO, answer->text);
-        if (failure != 0)
+        if (failure != 0) {
             throw Cli::FileError::FromErrno(failure);
+        }
         return 0;
     }
     const auto& options = std::get<Cli::Options>(parsed);

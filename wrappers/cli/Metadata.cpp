@@ -19,8 +19,9 @@ constexpr size_t historyRoom = size_t{15} * 1024;
 void Metadata::TakeChunk(SNDFILE* file, int getCommand, int setCommand, size_t size)
 {
     std::vector<char> bytes(size);
-    if (sf_command(file, getCommand, bytes.data(), static_cast<int>(size)) == SF_TRUE)
+    if (sf_command(file, getCommand, bytes.data(), static_cast<int>(size)) == SF_TRUE) {
         chunks.push_back({setCommand, std::move(bytes)});
+    }
 }
 
 Metadata Metadata::ReadFrom(SNDFILE* file, int channels)
@@ -28,8 +29,9 @@ Metadata Metadata::ReadFrom(SNDFILE* file, int channels)
     Metadata result;
     for (int kind = SF_STR_FIRST; kind <= SF_STR_LAST; ++kind) {
         const char* text = sf_get_string(file, kind);
-        if (text != nullptr)
+        if (text != nullptr) {
             result.texts.push_back({kind, text});
+        }
     }
     result.TakeChunk(file,
                      SFC_GET_BROADCAST_INFO,
@@ -56,8 +58,9 @@ Metadata Metadata::ReadFrom(SNDFILE* file, int channels)
 
 void Metadata::WriteTo(SNDFILE* file) const
 {
-    for (const Text& text : texts)
+    for (const Text& text : texts) {
         sf_set_string(file, text.kind, text.text.c_str());
+    }
     for (const Chunk& chunk : chunks) {
         std::vector<char> bytes = chunk.bytes;
         sf_command(file, chunk.setCommand, bytes.data(), static_cast<int>(bytes.size()));

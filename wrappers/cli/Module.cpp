@@ -25,13 +25,15 @@ std::vector<std::filesystem::path> UsualPlaces()
 std::string FindModule()
 {
     const char* chosen = std::getenv("PUFFGUARD_MODULE"); // NOLINT(concurrency-mt-unsafe)
-    if (chosen != nullptr && *chosen != '\0')
+    if (chosen != nullptr && *chosen != '\0') {
         return chosen;
+    }
     std::string tried;
     for (const auto& place : UsualPlaces()) {
         std::error_code failure;
-        if (std::filesystem::exists(place, failure))
+        if (std::filesystem::exists(place, failure)) {
             return place.string();
+        }
         tried += (tried.empty() ? "" : " and ") + place.string();
     }
     throw ModuleError("the module is neither named by PUFFGUARD_MODULE nor found at " + tried);
@@ -50,16 +52,19 @@ Module::Module(const std::string& file)
     // A bare name would be searched for in the system's folders.
     const std::string exact = file.find('/') == std::string::npos ? "./" + file : file;
     void* library = ::dlopen(exact.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr)
+    if (library == nullptr) {
         throw ModuleError(std::string("the module can't be loaded: ") + ::dlerror());
+    }
     entry = reinterpret_cast<PluginCoreEntryFunction>(::dlsym(library, PLUGIN_CORE_ENTRY_NAME));
-    if (entry == nullptr)
+    if (entry == nullptr) {
         throw ModuleError(file + " has no " PLUGIN_CORE_ENTRY_NAME);
+    }
     PluginInfoRequest request = {};
     request.identity.format = FormatStandalone;
     request.info = &info;
-    if (Call(SelectorGetPluginInfo, 1, nullptr, &request) != PluginCoreSuccess)
+    if (Call(SelectorGetPluginInfo, 1, nullptr, &request) != PluginCoreSuccess) {
         throw ModuleError(file + " doesn't describe itself");
+    }
 }
 
 uint32_t Module::Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data) const

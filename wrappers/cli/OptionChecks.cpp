@@ -18,8 +18,9 @@ bool IsFolder(const std::string& path)
 
 void Refuse(bool condition, const char* reason)
 {
-    if (condition)
+    if (condition) {
         throw UsageError(reason);
+    }
 }
 
 void CheckTarget(const Options& options)

@@ -56,16 +56,18 @@ Number ParseNumber(const std::string& text, const char* option, Number least, Nu
     const auto [stop, failure] = std::from_chars(text.data(), end, value);
     // Written so that a NaN fails too.
     const bool isInside = value >= least && value <= most;
-    if (failure != std::errc{} || stop != end || !isInside)
+    if (failure != std::errc{} || stop != end || !isInside) {
         throw UsageError(fmt::format("{} {} is outside {} to {}", option, text, least, most));
+    }
     return value;
 }
 
 std::optional<double>
 ParseControl(const std::string& text, const char* option, double least, double most)
 {
-    if (text.empty())
+    if (text.empty()) {
         return std::nullopt;
+    }
     return ParseNumber<double>(text, option, least, most);
 }
 
@@ -74,8 +76,9 @@ std::optional<int> ParseName(const std::string& name,
                              std::optional<int> found,
                              const std::vector<std::string>& known)
 {
-    if (name.empty() || found)
+    if (name.empty() || found) {
         return name.empty() ? std::nullopt : found;
+    }
     const std::string nearest = NearestWord(LowerCase(name), known);
     throw UsageError(fmt::format("{} \"{}\" is none of {}{}",
                                  option,
@@ -143,19 +146,23 @@ void Interpret(const Typed& typed, Options& options)
     options.controls.upperFrequency =
         ParseControl(typed.upperFrequency, "--upper-frequency", 50, 500);
     options.controls.latencyScaling = ParseControl(typed.latencyScaling, "--latency-scaling", 0, 1);
-    if (!typed.block.empty())
+    if (!typed.block.empty()) {
         options.block = ParseNumber<int>(typed.block, "--block", 1, greatestBlock);
+    }
     options.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    if (!typed.jobs.empty())
+    if (!typed.jobs.empty()) {
         options.jobs = ParseNumber<int>(typed.jobs, "--jobs", 1, 256);
+    }
     options.container =
         ParseName(typed.container, "--format", FindContainer(typed.container), ContainerNames());
     options.subtype =
         ParseName(typed.subtype, "--subtype", FindSubtype(typed.subtype), SubtypeNames());
-    if (LowerCase(typed.container) == "opus" && !options.subtype)
+    if (LowerCase(typed.container) == "opus" && !options.subtype) {
         options.subtype = FindSubtype("opus");
-    if (!typed.raw.empty())
+    }
+    if (!typed.raw.empty()) {
         options.raw = ParseRawFormat(typed.raw);
+    }
     options.overwrite = typed.force ? Overwrite::Allow : Overwrite::Refuse;
 }
 
@@ -163,8 +170,9 @@ std::vector<std::string> OptionNames(const CLI::App& app)
 {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames())
+        for (const std::string& name : option->get_lnames()) {
             names.push_back("--" + name);
+        }
     }
     return names;
 }
@@ -172,8 +180,9 @@ std::vector<std::string> OptionNames(const CLI::App& app)
 void RefuseUnknown(const CLI::App& app)
 {
     const std::vector<std::string> unknown = app.remaining();
-    if (unknown.empty())
+    if (unknown.empty()) {
         return;
+    }
     const std::string word = unknown.front().substr(0, unknown.front().find('='));
     const std::string nearest = NearestWord(word, OptionNames(app));
     throw UsageError(fmt::format("unknown option {}{}",
@@ -206,8 +215,9 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
     } catch (const CLI::ParseError& error) {
         throw UsageError(Printable(error.what()));
     }
-    if (wantsVersion)
+    if (wantsVersion) {
         return Answer{"puffguard " PUFFGUARD_VERSION "\n"};
+    }
     RefuseUnknown(app);
     Interpret(typed, options);
     CheckOptions(options);

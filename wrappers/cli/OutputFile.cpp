@@ -43,26 +43,31 @@ OutputFile::OutputFile(const std::string& newTarget, Overwrite newOverwrite)
     , overwrite(newOverwrite)
     , isStream(OpenStream(newTarget))
 {
-    if (isStream)
+    if (isStream) {
         return;
+    }
     struct stat status = {};
     if (::lstat(target.c_str(), &status) == 0) {
-        if (S_ISDIR(status.st_mode))
+        if (S_ISDIR(status.st_mode)) {
             throw FileError("is a directory");
-        if (overwrite == Overwrite::Refuse)
+        }
+        if (overwrite == Overwrite::Refuse) {
             throw FileError(existsText);
+        }
     }
     temporary = HiddenNameBeside(target);
     cleanUp = std::make_unique<ScopedCleanUp>(temporary);
     file = FileDescriptor(cleanUp->Open(0666));
-    if (!file.IsOpen())
+    if (!file.IsOpen()) {
         throw FileError::FromErrno(errno);
+    }
 }
 
 OutputFile::~OutputFile()
 {
-    if (!isStream && !isCommitted)
+    if (!isStream && !isCommitted) {
         ::unlink(temporary.c_str());
+    }
 }
 
 bool OutputFile::OpenStream(const std::string& newTarget)
@@ -76,20 +81,23 @@ bool OutputFile::OpenStream(const std::string& newTarget)
     } else {
         return false;
     }
-    if (!file.IsOpen())
+    if (!file.IsOpen()) {
         throw FileError::FromErrno(errno);
+    }
     return true;
 }
 
 void OutputFile::KeepAttributes() const
 {
     struct stat status = {};
-    if (::stat(target.c_str(), &status) != 0)
+    if (::stat(target.c_str(), &status) != 0) {
         return;
+    }
     // Giving a file away may be forbidden; the content matters more than its owner. The mode comes
     // second because a change of owner clears bits of it.
-    if (::fchown(file.Get(), status.st_uid, status.st_gid) != 0)
+    if (::fchown(file.Get(), status.st_uid, status.st_gid) != 0) {
         errno = 0;
+    }
     ::fchmod(file.Get(), status.st_mode & 07777U);
 }
 
@@ -97,16 +105,20 @@ void OutputFile::Rename() const
 {
     if (overwrite == Overwrite::Refuse) {
         if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) ==
-            0)
+            0) {
             return;
-        if (errno == EEXIST)
+        }
+        if (errno == EEXIST) {
             throw FileError(existsText);
+        }
         // File systems without that flag: the target's absence was tested at the start.
-        if (errno != EINVAL && errno != ENOSYS)
+        if (errno != EINVAL && errno != ENOSYS) {
             throw FileError::FromErrno(errno);
+        }
     }
-    if (::rename(temporary.c_str(), target.c_str()) != 0)
+    if (::rename(temporary.c_str(), target.c_str()) != 0) {
         throw FileError::FromErrno(errno);
+    }
 }
 
 void OutputFile::Commit()
@@ -114,13 +126,16 @@ void OutputFile::Commit()
     if (!isStream) {
         KeepAttributes();
         // EINVAL: a file system that has nothing to flush.
-        if (::fsync(file.Get()) != 0 && errno != EINVAL)
+        if (::fsync(file.Get()) != 0 && errno != EINVAL) {
             throw FileError::FromErrno(errno);
+        }
     }
-    if (!file.Close())
+    if (!file.Close()) {
         throw FileError::FromErrno(errno);
-    if (!isStream)
+    }
+    if (!isStream) {
         Rename();
+    }
     isCommitted = true;
 }
 
@@ -128,8 +143,9 @@ void WriteWholeFile(const std::string& target, Overwrite overwrite, std::string_
 {
     OutputFile file(target, overwrite);
     const int failure = WriteFully(file.GetDescriptor(), content);
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
     file.Commit();
 }
 

@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/FileDescriptor.h"
 #include "wrappers/cli/FileError.h"
+#include "wrappers/cli/PlotAxis.h"
 #include "wrappers/cli/PlotDrawing.h"
 
 #include <fmt/format.h>
@@ -44,16 +45,6 @@ double Decibel(float power)
     return 10.0 * std::log10(std::max(static_cast<double>(power), 1e-20));
 }
 
-std::string TimeText(double seconds, double step)
-{
-    if (step < 1.0)
-        return fmt::format("{:.{}f}", seconds, step < 0.1 ? 2 : 1);
-    const auto whole = std::llround(seconds);
-    if (whole >= 3600)
-        return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
-    return whole >= 60 ? fmt::format("{}:{:02}", whole / 60, whole % 60) : fmt::format("{}", whole);
-}
-
 cairo_status_t WritePart(void* descriptor, const unsigned char* data, unsigned length)
 {
     const std::string_view bytes(reinterpret_cast<const char*>(data), length);
@@ -62,27 +53,6 @@ cairo_status_t WritePart(void* descriptor, const unsigned char* data, unsigned l
 }
 
 } // namespace
-
-double NiceStep(double range, int most, bool isTime)
-{
-    constexpr std::array timeSteps = {60.0, 120.0, 300.0, 600.0, 1200.0, 1800.0, 3600.0, 7200.0};
-    const double least = range / most;
-    if (isTime && least > 30.0) {
-        for (const double step : timeSteps) {
-            if (step >= least)
-                return step;
-        }
-        return 7200.0 * std::ceil(least / 7200.0);
-    }
-    if (isTime && least > 5.0)
-        return least <= 10.0 ? 10.0 : least <= 15.0 ? 15.0 : 30.0;
-    const double power = std::pow(10.0, std::floor(std::log10(least)));
-    for (const double factor : {1.0, 2.0, 5.0}) {
-        if (factor * power >= least * (1 - 1e-9))
-            return factor * power;
-    }
-    return 10.0 * power;
-}
 
 PlotPainter::PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& newCaption)
     : recorder(newRecorder)
@@ -112,9 +82,10 @@ void PlotPainter::FindRange()
 {
     float greatest = 0;
     for (const Spectrogram* spectrogram : {&recorder.GetBefore(), &recorder.GetAfter()}) {
-        for (const SpectrumColumn& column : spectrogram->GetColumns())
+        for (const SpectrumColumn& column : spectrogram->GetColumns()) {
             greatest =
                 std::max(greatest, *std::max_element(column.powers.begin(), column.powers.end()));
+        }
     }
     // Silence gets a scale too.
     const double loudest = std::max(Decibel(greatest), -100.0);
@@ -133,8 +104,9 @@ void PlotPainter::PaintTitle()
 void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram)
 {
     const auto& columns = spectrogram.GetColumns();
-    if (columns.empty())
+    if (columns.empty()) {
         return;
+    }
     const int imageWidth = static_cast<int>(columns.size());
     const int imageHeight = static_cast<int>(columns.front().powers.size());
     const std::unique_ptr<cairo_surface_t, FreeSurface> image(
@@ -211,8 +183,9 @@ void PlotPainter::PaintFrequencyAxis(const Panel& panel)
 
 void PlotPainter::PaintRepairLimit(const Panel& panel)
 {
-    if (caption.repairLimitHz <= 0)
+    if (caption.repairLimitHz <= 0) {
         return;
+    }
     constexpr std::array dashes = {7.0, 6.0};
     const double y = panel.top + panel.height * (1.0 - caption.repairLimitHz / spectrogramLimitHz);
     SetColour(context.get(), {1, 1, 1, 0.6});
@@ -229,30 +202,33 @@ void PlotPainter::PaintTimeAxis(const Panel& panel, bool hasNumbers)
         const double seconds = static_cast<double>(i) * step;
         SetColour(context.get(), ink);
         DrawLine(context.get(), TimeToX(seconds), bottom, TimeToX(seconds), bottom + 6);
-        if (hasNumbers)
+        if (hasNumbers) {
             DrawText(context.get(),
                      TimeToX(seconds),
                      bottom + 23,
-                     TimeText(seconds, step),
+                     FormatMark(seconds, step),
                      {14, Anchor::Centre, false});
+        }
     }
-    if (hasNumbers)
+    if (hasNumbers) {
         DrawText(context.get(),
                  left + width / 2,
                  bottom + 47,
                  duration >= 60 ? "time (min:s)" : "time (s)",
                  {15, Anchor::Centre, false});
+    }
 }
 
 void PlotPainter::PaintWave(const Panel& panel)
 {
     float greatest = 0;
-    for (const WaveColumn& column : recorder.GetWave())
+    for (const WaveColumn& column : recorder.GetWave()) {
         greatest = std::max({greatest,
                              -column.leastBefore,
                              column.greatestBefore,
                              -column.leastAfter,
                              column.greatestAfter});
+    }
     // Some room above the peak; silence gets a scale too.
     const double scale = std::max(static_cast<double>(greatest) * 1.08, 1e-4);
     SetColour(context.get(), gridInk);
@@ -385,10 +361,12 @@ void PlotPainter::Save(int descriptor) const
     errno = 0;
     const cairo_status_t status =
         cairo_surface_write_to_png_stream(surface.get(), WritePart, &descriptor);
-    if (status == CAIRO_STATUS_WRITE_ERROR && errno != 0)
+    if (status == CAIRO_STATUS_WRITE_ERROR && errno != 0) {
         throw FileError::FromErrno(errno);
-    if (status != CAIRO_STATUS_SUCCESS)
+    }
+    if (status != CAIRO_STATUS_SUCCESS) {
         throw FileError(cairo_status_to_string(status));
+    }
 }
 
 } // namespace Cli

@@ -68,8 +68,4 @@ private:
     std::unique_ptr<cairo_t, FreeContext> context;
 };
 
-/// A round distance between marks of an axis: 1, 2 or 5 times a power of ten, or whole parts of a
-/// minute or an hour when `isTime`, so that at most `most` marks fit into `range`.
-double NiceStep(double range, int most, bool isTime);
-
 } // namespace Cli

@@ -13,8 +13,9 @@ constexpr size_t greatestWaveColumnCount = 2800;
 float Average(const double* samples, size_t count)
 {
     double sum = 0;
-    for (size_t i = 0; i < count; ++i)
+    for (size_t i = 0; i < count; ++i) {
         sum += samples[i];
+    }
     return static_cast<float>(sum / static_cast<double>(count));
 }
 
@@ -51,13 +52,15 @@ double PlotRecorder::GetDuration() const
 void PlotRecorder::AddToWave(float sampleBefore, float sampleAfter)
 {
     const WaveColumn sample{sampleBefore, sampleBefore, sampleAfter, sampleAfter};
-    if (waveCount == 0)
+    if (waveCount == 0) {
         waveColumn = sample;
-    else
+    } else {
         waveColumn.Fold(sample);
+    }
     waveCount = (waveCount + 1) % waveStep;
-    if (waveCount == 0)
+    if (waveCount == 0) {
         wave.Add(waveColumn);
+    }
 }
 
 void PlotRecorder::Add(std::span<const double> samplesBefore, std::span<const double> samplesAfter)
@@ -76,8 +79,9 @@ void PlotRecorder::Finish()
 {
     before.Finish();
     after.Finish();
-    if (waveCount > 0)
+    if (waveCount > 0) {
         wave.Add(waveColumn);
+    }
 }
 
 } // namespace Cli

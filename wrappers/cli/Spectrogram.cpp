@@ -33,8 +33,9 @@ std::vector<float> MakeLowPass(size_t factor)
     }
     const double sum = std::accumulate(taps.begin(), taps.end(), 0.0);
     std::vector<float> result;
-    for (const double tap : taps)
+    for (const double tap : taps) {
         result.push_back(static_cast<float>(tap / sum));
+    }
     return result;
 }
 
@@ -55,8 +56,9 @@ std::vector<float> MakeWindow(size_t length)
 size_t TransformLength(size_t windowLength)
 {
     size_t length = 64;
-    while (length < 2 * windowLength)
+    while (length < 2 * windowLength) {
         length *= 2;
+    }
     return length;
 }
 
@@ -64,8 +66,9 @@ size_t TransformLength(size_t windowLength)
 
 void SpectrumColumn::Fold(const SpectrumColumn& other)
 {
-    for (size_t i = 0; i < powers.size(); ++i)
+    for (size_t i = 0; i < powers.size(); ++i) {
         powers[i] = std::max(powers[i], other.powers[i]);
+    }
 }
 
 Spectrogram::Spectrogram(int sampleRate)
@@ -105,15 +108,17 @@ void Spectrogram::Add(float sample)
 {
     recent[recentPosition] = recent[recentPosition + filter.size()] = sample;
     recentPosition = (recentPosition + 1) % filter.size();
-    if (--untilReduced > 0)
+    if (--untilReduced > 0) {
         return;
+    }
     untilReduced = factor;
     const float sum =
         std::inner_product(filter.begin(), filter.end(), recent.data() + recentPosition, 0.0F);
-    if (toSkip > 0)
+    if (toSkip > 0) {
         --toSkip;
-    else
+    } else {
         AddReduced(sum);
+    }
 }
 
 void Spectrogram::AddReduced(float sample)
@@ -128,21 +133,24 @@ void Spectrogram::AddReduced(float sample)
 
 void Spectrogram::Analyse()
 {
-    for (size_t i = 0; i < frame.size(); ++i)
+    for (size_t i = 0; i < frame.size(); ++i) {
         fftInput[i] = window[i] * frame[(framePosition + i) % frame.size()];
+    }
     kiss_fftr(plan.get(), fftInput.data(), fftOutput.data());
     SpectrumColumn column;
     column.powers.resize(binCount);
-    for (size_t i = 0; i < binCount; ++i)
+    for (size_t i = 0; i < binCount; ++i) {
         column.powers[i] = fftOutput[i].r * fftOutput[i].r + fftOutput[i].i * fftOutput[i].i;
+    }
     columns.Add(std::move(column));
 }
 
 void Spectrogram::Finish()
 {
     const size_t missing = (filterReach + window.size() / 2) * factor;
-    for (size_t i = 0; i < missing; ++i)
+    for (size_t i = 0; i < missing; ++i) {
         Add(0.0F);
+    }
 }
 
 } // namespace Cli

@@ -44,8 +44,9 @@ void SearchFolder(const fs::path& folder,
     std::error_code failure;
     std::vector<fs::directory_entry> entries;
     for (fs::directory_iterator at(folder, failure), end; !failure && at != end;
-         at.increment(failure))
+         at.increment(failure)) {
         entries.push_back(*at);
+    }
     if (failure) {
         found.push_back({folder.string(), {}, FileError::FromErrno(failure.value()).what()});
         return;
@@ -55,8 +56,9 @@ void SearchFolder(const fs::path& folder,
         const fs::path name = relative / entry.path().filename();
         // Links to folders aren't followed: they may lead around in circles.
         if (entry.is_directory(failure) && !entry.is_symlink(failure)) {
-            if (!IsSameFolder(entry.path(), options.outputDirectory))
+            if (!IsSameFolder(entry.path(), options.outputDirectory)) {
                 SearchFolder(entry.path(), name, options, found);
+            }
         } else if (entry.is_regular_file(failure) && IsRecording(entry.path())) {
             found.push_back({entry.path().string(), name, {}});
         }
@@ -68,37 +70,44 @@ std::vector<Found> FindRecordings(const Options& options)
     std::vector<Found> found;
     for (const std::string& input : options.inputs) {
         std::error_code failure;
-        if (input == "-" || !fs::is_directory(input, failure))
+        if (input == "-" || !fs::is_directory(input, failure)) {
             found.push_back({input, fs::path(input).filename(), {}});
-        else if (!options.isRecursive)
+        } else if (!options.isRecursive) {
             found.push_back({input, {}, "is a folder; --recursive takes the recordings inside"});
-        else
+        } else {
             SearchFolder(input, {}, options, found);
+        }
     }
     return found;
 }
 
 std::string NewExtension(const Options& options)
 {
-    if (!options.container)
+    if (!options.container) {
         return {};
+    }
     return ExtensionOf(*options.container | options.subtype.value_or(0));
 }
 
 std::string OutputName(const Found& found, const Options& options)
 {
-    if (options.isDryRun)
+    if (options.isDryRun) {
         return {};
-    if (!options.output.empty())
+    }
+    if (!options.output.empty()) {
         return options.output;
-    if (options.isInPlace || found.path == "-")
+    }
+    if (options.isInPlace || found.path == "-") {
         return found.path;
+    }
     const std::string extension = NewExtension(options);
-    if (options.outputDirectory.empty())
+    if (options.outputDirectory.empty()) {
         return DefaultOutputName(found.path, extension);
+    }
     fs::path name = fs::path(options.outputDirectory) / found.relative;
-    if (!extension.empty())
+    if (!extension.empty()) {
         name.replace_extension(extension);
+    }
     return name.string();
 }
 
@@ -107,8 +116,9 @@ std::string FolderReport(const std::string& pattern,
                          std::string_view ending,
                          const Options& options)
 {
-    if (pattern.empty() || pattern == "-")
+    if (pattern.empty() || pattern == "-") {
         return pattern;
+    }
     std::error_code failure;
     const bool isFolder =
         !options.isSingle || pattern.ends_with('/') || fs::is_directory(pattern, failure);
@@ -128,13 +138,15 @@ void RefuseClashes(std::vector<Task>& tasks)
     std::map<std::string, std::string> takenBy;
     for (Task& task : tasks) {
         for (const std::string* name : {&task.output, &task.labels, &task.plot}) {
-            if (name->empty() || *name == "-" || !task.failure.empty())
+            if (name->empty() || *name == "-" || !task.failure.empty()) {
                 continue;
+            }
             const auto [entry, isNew] =
                 takenBy.emplace(fs::path(*name).lexically_normal().string(), task.input);
-            if (!isNew)
+            if (!isNew) {
                 task.failure =
                     Printable(*name) + " is already the result of " + Printable(entry->second);
+            }
         }
     }
 }
@@ -157,10 +169,12 @@ std::string ReportName(const std::string& pattern,
     const fs::path path(input);
     const std::string stem = input == "-" ? "stdin" : path.stem().string();
     const size_t mark = pattern.find("{name}");
-    if (mark != std::string::npos)
+    if (mark != std::string::npos) {
         return std::string(pattern).replace(mark, 6, stem);
-    if (!isFolder)
+    }
+    if (!isFolder) {
         return pattern;
+    }
     const fs::path below = path.is_absolute() ? fs::path() : path.parent_path();
     return (fs::path(pattern) / below / (stem + std::string(ending))).string();
 }
@@ -175,8 +189,9 @@ std::vector<Task> MakeTasks(const Options& options)
         task.output = OutputName(found, options);
         task.labels = FolderReport(options.labels, found, ".txt", options);
         task.plot = FolderReport(options.plot, found, ".png", options);
-        if (task.failure.empty() && !options.isInPlace && IsSameFile(task.input, task.output))
+        if (task.failure.empty() && !options.isInPlace && IsSameFile(task.input, task.output)) {
             task.failure = "is its own output; --in-place repairs in place";
+        }
         tasks.push_back(std::move(task));
     }
     RefuseClashes(tasks);

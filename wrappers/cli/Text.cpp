@@ -17,14 +17,17 @@ size_t SequenceLength(std::string_view text)
 {
     const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
     const uint8_t first = byte(0);
-    if (first < 0x80)
+    if (first < 0x80) {
         return 1;
+    }
     const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || text.size() < length)
+    if (first < 0xC2 || first > 0xF4 || text.size() < length) {
         return 0;
+    }
     for (size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U)
+        if ((byte(i) & 0xC0U) != 0x80U) {
             return 0;
+        }
     }
     const uint8_t second = byte(1);
     const bool outOfRange = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
@@ -52,8 +55,9 @@ size_t EditDistance(std::string_view a, std::string_view b)
             }
             const size_t replaced = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
             cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, replaced});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
                 cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+            }
         }
     }
     return cost[a.size()][b.size()];
@@ -91,8 +95,9 @@ std::string ToUtf8(std::string_view name)
 std::string FormatClock(double seconds)
 {
     const auto hundredths = std::llround(seconds * 100.0);
-    if (hundredths < 6000)
+    if (hundredths < 6000) {
         return fmt::format("{:.2f} s", static_cast<double>(hundredths) / 100.0);
+    }
     const auto hours = hundredths / 360000;
     const auto minutes = hundredths / 6000 % 60;
     const double rest = static_cast<double>(hundredths % 6000) / 100.0;
@@ -127,8 +132,9 @@ std::string LowerCase(std::string_view text)
 {
     std::string result(text);
     for (char& letter : result) {
-        if (letter >= 'A' && letter <= 'Z')
+        if (letter >= 'A' && letter <= 'Z') {
             letter = static_cast<char>(letter - 'A' + 'a');
+        }
     }
     return result;
 }

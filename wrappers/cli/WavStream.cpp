@@ -25,25 +25,29 @@ constexpr size_t chunkHeadBytes = 8; // name, size
 uint64_t GetNumber(std::string_view bytes, size_t offset, size_t size)
 {
     uint64_t value = 0;
-    for (size_t i = size; i-- > 0;)
+    for (size_t i = size; i-- > 0;) {
         value = value << 8U | static_cast<uint8_t>(bytes[offset + i]);
+    }
     return value;
 }
 
 void PutNumber(std::string& bytes, size_t offset, size_t size, uint64_t value)
 {
-    for (size_t i = 0; i < size; ++i)
+    for (size_t i = 0; i < size; ++i) {
         bytes[offset + i] = static_cast<char>(value >> (8 * i) & 0xFFU);
+    }
 }
 
 void Append(std::string& bytes, int descriptor, size_t count)
 {
-    if (count > greatestHead || bytes.size() + count > greatestHead)
+    if (count > greatestHead || bytes.size() + count > greatestHead) {
         throw FileError("damaged: its WAV head claims to be longer than 16 MiB");
+    }
     const size_t former = bytes.size();
     bytes.resize(former + count);
-    if (ReadFully(descriptor, {bytes.data() + former, count}) != count)
+    if (ReadFully(descriptor, {bytes.data() + former, count}) != count) {
         throw FileError("truncated: it ends inside its WAV head");
+    }
 }
 
 // Programs that write to a pipe put one of these where the size would stand.
@@ -57,8 +61,9 @@ size_t FindChunk(std::string_view bytes, std::string_view name)
 {
     size_t offset = riffHeadBytes;
     while (offset + chunkHeadBytes <= bytes.size()) {
-        if (bytes.substr(offset, 4) == name)
+        if (bytes.substr(offset, 4) == name) {
             return offset;
+        }
         const uint64_t size = GetNumber(bytes, offset + 4, 4);
         offset += chunkHeadBytes + size + (size & 1U);
     }
@@ -72,8 +77,9 @@ void PutSizes(std::string& head, std::optional<uint64_t> dataBytes, uint64_t fra
     PutNumber(head, 4, 4, fits ? head.size() - chunkHeadBytes + *dataBytes : unknownSize);
     PutNumber(head, head.size() - 4, 4, fits ? *dataBytes : unknownSize);
     const size_t fact = FindChunk(head, "fact");
-    if (fact != std::string_view::npos)
+    if (fact != std::string_view::npos) {
         PutNumber(head, fact + chunkHeadBytes, 4, fits ? frames : unknownSize);
+    }
     const size_t wide = FindChunk(head, "ds64");
     if (wide != std::string_view::npos && dataBytes) {
         PutNumber(head, wide + 8, 8, head.size() - chunkHeadBytes + *dataBytes);
@@ -86,8 +92,9 @@ FileDescriptor ToAnonymousFile(std::string_view bytes)
 {
     FileDescriptor file = OpenAnonymousFile();
     const int failure = WriteFully(file.Get(), bytes);
-    if (failure != 0)
+    if (failure != 0) {
         throw FileError::FromErrno(failure);
+    }
     ::lseek(file.Get(), 0, SEEK_SET);
     return file;
 }
@@ -111,17 +118,19 @@ WavHead ReadWavHead(int descriptor, std::string_view firstBytes)
         const std::string name = head.bytes.substr(chunk, 4);
         const uint64_t size = GetNumber(head.bytes, chunk + 4, 4);
         if (name == "data") {
-            if (size == unknownSize && wideDataBytes)
+            if (size == unknownSize && wideDataBytes) {
                 head.dataBytes = static_cast<int64_t>(*wideDataBytes);
-            else if (!IsPlaceholder(size))
+            } else if (!IsPlaceholder(size)) {
                 head.dataBytes = static_cast<int64_t>(size);
+            }
             return head;
         }
         Append(head.bytes, descriptor, size + (size & 1U));
         if (name == "ds64" && size >= 24) {
             const uint64_t claimed = GetNumber(head.bytes, chunk + 16, 8);
-            if (claimed > 0 && claimed < std::numeric_limits<uint64_t>::max() / 8)
+            if (claimed > 0 && claimed < std::numeric_limits<uint64_t>::max() / 8) {
                 wideDataBytes = claimed;
+            }
         }
     }
 }
@@ -158,12 +167,14 @@ MakeWavHead(const SF_INFO& info, const Metadata& metadata, std::optional<int64_t
     ::lseek(file.Get(), 0, SEEK_SET);
     ReadFully(file.Get(), head);
     const size_t data = FindChunk(head, "data");
-    if (data == std::string_view::npos)
+    if (data == std::string_view::npos) {
         throw FileError("libsndfile made no WAV head");
+    }
     head.resize(data + chunkHeadBytes);
     std::optional<uint64_t> dataBytes;
-    if (frames)
+    if (frames) {
         dataBytes = static_cast<uint64_t>(*frames * info.channels * BytesPerSample(info.format));
+    }
     PutSizes(head, dataBytes, static_cast<uint64_t>(frames.value_or(0)));
     return head;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/Spectrogram.h"
 
-#include "wrappers/cli/PlotPainter.h"
+#include "wrappers/cli/PlotAxis.h"
 #include "wrappers/cli/PlotRecorder.h"
 
 #include <gtest/gtest.h>
@@ -114,13 +114,21 @@ TEST(PlotRecorderTest, WaveHoldsTheExtremesOfTheAverageOfChannels)
     EXPECT_EQ(recorder.GetWave()[3].greatestBefore, 0.0F);
 }
 
-TEST(PlotPainterTest, AxisStepsAreRound)
+TEST(PlotAxisTest, StepsAreRound)
 {
     EXPECT_DOUBLE_EQ(Cli::NiceStep(9.55, 14, true), 1.0);
     EXPECT_DOUBLE_EQ(Cli::NiceStep(0.12, 14, true), 0.01);
     EXPECT_DOUBLE_EQ(Cli::NiceStep(600, 14, true), 60.0);
     EXPECT_DOUBLE_EQ(Cli::NiceStep(7200, 14, true), 600.0);
     EXPECT_DOUBLE_EQ(Cli::NiceStep(1.9, 4, false), 0.5);
+}
+
+TEST(PlotAxisTest, MarksAreShortAndExact)
+{
+    EXPECT_EQ(Cli::FormatMark(0.25, 0.05), "0.25");
+    EXPECT_EQ(Cli::FormatMark(3, 1), "3");
+    EXPECT_EQ(Cli::FormatMark(130, 10), "2:10");
+    EXPECT_EQ(Cli::FormatMark(3730, 10), "1:02:10");
 }
 
 } // namespace

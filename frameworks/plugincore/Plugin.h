@@ -143,7 +143,7 @@ private:
     void RunBlock(const ProcessRecord& record);
     void RunCommands();
     void RunChunks(const ProcessRecord& record);
-    void ReplaceNonFinite(const ProcessRecord& record) const;
+    void ReplaceUnusable(const ProcessRecord& record) const;
 
     float sampleRate;       // Hz
     uint32_t channelConfig; // layout code

@@ -10,6 +10,19 @@
 #include <array>
 #include <cmath>
 
+namespace {
+
+// Beyond this, +300 dB over full scale, a sample is as much of an accident as one that is no
+// number: its power would overflow.
+constexpr float LargestSample = 1e15F;
+
+bool IsUsable(float sample)
+{
+    return std::abs(sample) <= LargestSample; // false for a NaN
+}
+
+} // namespace
+
 /// Marks an instance as processing, and this thread as the last that did it; at the end of the
 /// scope what belongs to one block is gone.
 class Plugin::ProcessScope {
@@ -60,13 +73,13 @@ void Plugin::RunBlock(const ProcessRecord& record)
     renderFlagB = record.renderFlagB != 0;
     transportCopy = record.transport != nullptr ? *record.transport : TransportRecord();
     transportCopyValid = true;
-    ReplaceNonFinite(record);
+    ReplaceUnusable(record);
     RunCommands(); // once a host block, not once a chunk
     RunChunks(record);
 }
 
 // One bad sample from another plug-in would otherwise stay in the repair's statistics for good.
-void Plugin::ReplaceNonFinite(const ProcessRecord& record) const
+void Plugin::ReplaceUnusable(const ProcessRecord& record) const
 {
     for (uint32_t channel = 0; channel < channelCount; ++channel) {
         float* samples = record.channels[channel];
@@ -74,7 +87,7 @@ void Plugin::ReplaceNonFinite(const ProcessRecord& record) const
             std::replace_if(
                 samples,
                 samples + record.frames,
-                [](float sample) { return !std::isfinite(sample); },
+                [](float sample) { return !IsUsable(sample); },
                 0.0F);
         }
     }

@@ -310,7 +310,10 @@ typedef struct TransportRecord {
     uint8_t reserved36[100];
 } TransportRecord;
 
-/** SelectorProcess: one block, in place. */
+/**
+ * SelectorProcess: one block, in place. Samples that are no finite numbers, or beyond 1e15, count
+ * as 0.
+ */
 typedef struct ProcessRecord {
     uint32_t frames; /**< any number; 0 does nothing */
     uint32_t reserved4;

@@ -230,9 +230,10 @@ TEST_F(PluginTest, ReplacesNonFiniteSamplesBeforeAnyElementSeesThem)
                                std::numeric_limits<float>::quiet_NaN(),
                                std::numeric_limits<float>::infinity(),
                                -std::numeric_limits<float>::infinity(),
+                               1e30F,
                                -2.0F};
     Process(samples);
-    EXPECT_EQ(samples, (std::vector<float>{1.0F, 0.0F, 0.0F, 0.0F, -2.0F}));
+    EXPECT_EQ(samples, (std::vector<float>{1.0F, 0.0F, 0.0F, 0.0F, 0.0F, -2.0F}));
 }
 
 TEST_F(PluginTest, ReportsALatencyOnceToEachSideWhileNoAudioRuns)

@@ -236,6 +236,7 @@ std::string SubtypeName(int format)
 std::vector<std::string> ContainerNames()
 {
     std::vector<std::string> names;
+    names.reserve(containers.size());
     for (const Container& container : containers) {
         names.emplace_back(container.name);
     }
@@ -245,6 +246,7 @@ std::vector<std::string> ContainerNames()
 std::vector<std::string> SubtypeNames()
 {
     std::vector<std::string> names;
+    names.reserve(subtypes.size());
     for (const Subtype& subtype : subtypes) {
         names.emplace_back(subtype.name);
     }

@@ -66,6 +66,11 @@ std::string ReadLog(SNDFILE* handle)
     return buffer.data();
 }
 
+[[noreturn]] void RefuseTruncated()
+{
+    throw FileError("truncated: it ends before the samples that its head promises");
+}
+
 void CheckLimits(const SF_INFO& info)
 {
     if (info.samplerate < leastSampleRate || info.samplerate > greatestSampleRate) {
@@ -150,7 +155,7 @@ void AudioReader::OpenRaw(const RawFormat& raw,
     info.samplerate = raw.sampleRate;
     info.channels = raw.channels;
     if (bytes) {
-        frames = *bytes / (raw.channels * BytesPerSample(raw.format));
+        frames = *bytes / raw.channels / BytesPerSample(raw.format);
     }
     io = std::make_unique<DescriptorIo>(file.Get(), access, bytes);
     handle = io->Open(SFM_READ, info);
@@ -189,11 +194,6 @@ void AudioReader::SpoolStream(const std::string& firstBytes)
     ::lseek(spool.Get(), 0, SEEK_SET);
     file = std::move(spool);
     OpenFile();
-}
-
-void AudioReader::RefuseTruncated()
-{
-    throw FileError("truncated: it ends before the samples that its head promises");
 }
 
 size_t AudioReader::Read(std::span<double> target)

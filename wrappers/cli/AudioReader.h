@@ -46,7 +46,6 @@ private:
     void OpenWavStream(const std::string& firstBytes);
     void OpenRaw(const RawFormat& raw, DescriptorIo::Access access, std::optional<int64_t> bytes);
     void SpoolStream(const std::string& firstBytes);
-    void RefuseTruncated();
 
     FileDescriptor file;
     std::unique_ptr<DescriptorIo> io;

@@ -8,7 +8,8 @@ namespace Cli {
 FileError FileError::FromErrno(int number)
 {
     // std::strerror isn't safe beside other threads; the category's text is.
-    return FileError(std::generic_category().message(number));
+    FileError error(std::generic_category().message(number));
+    return error;
 }
 
 } // namespace Cli

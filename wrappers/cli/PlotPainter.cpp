@@ -28,6 +28,8 @@ constexpr double afterTop = beforeTop + spectrumHeight + 30;
 constexpr double waveTop = afterTop + spectrumHeight + 30;
 constexpr double waveHeight = 170;
 
+constexpr double narrowestSpan = 4; // of a mark, in pixels
+
 constexpr double shownDecibels = 70; // from the loudest to black
 
 constexpr Colour ink = {0.13, 0.15, 0.18};
@@ -66,8 +68,8 @@ PlotPainter::PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& new
     SetColour(context.get(), paper);
     cairo_paint(context.get());
     PaintTitle();
-    PaintSpectrogram({beforeTop, spectrumHeight}, recorder.GetBefore(), "before");
-    PaintSpectrogram({afterTop, spectrumHeight}, recorder.GetAfter(), "after");
+    PaintSpectrogram({beforeTop, spectrumHeight}, recorder.GetBefore());
+    PaintSpectrogram({afterTop, spectrumHeight}, recorder.GetAfter());
     PaintWave({waveTop, waveHeight});
     PaintColourBar();
     PaintLegend();
@@ -139,16 +141,13 @@ void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogr
     cairo_restore(context.get());
 }
 
-void PlotPainter::PaintSpectrogram(const Panel& panel,
-                                   const Spectrogram& spectrogram,
-                                   const char* name)
+void PlotPainter::PaintSpectrogram(const Panel& panel, const Spectrogram& spectrogram)
 {
     PaintSpectrum(panel, spectrogram);
     PaintRepairLimit(panel);
     PaintFrame(panel);
     PaintFrequencyAxis(panel);
     PaintTimeAxis(panel, false);
-    PaintName(panel, name);
 }
 
 void PlotPainter::PaintFrame(const Panel& panel)
@@ -263,7 +262,7 @@ void PlotPainter::PaintWaveSpan(const Panel& panel, double scale, bool isAfter)
 
 void PlotPainter::PaintWaveAxis(const Panel& panel, double scale)
 {
-    const double step = NiceStep(2 * scale, 4, false);
+    const double step = NiceStep(2 * scale, 6, false);
     SetColour(context.get(), ink);
     for (double value = -step * std::floor(scale / step); value <= scale; value += step) {
         const double y = panel.top + panel.height / 2 * (1.0 - value / scale);
@@ -335,29 +334,43 @@ void PlotPainter::Mark(const Event& event)
     const double begin = std::max(left, TimeToX(event.start));
     const double end = std::min(right, TimeToX(event.end));
     const double middle = std::clamp(TimeToX(event.time), left, right);
+    // Where a span has no width left to show, lines would only hide the picture.
+    const bool hasSpan = end - begin >= narrowestSpan;
+    const double halfWidth = hasSpan ? 7 : 0.75;
     for (const Panel& panel : {Panel{beforeTop, spectrumHeight},
                                Panel{afterTop, spectrumHeight},
                                Panel{waveTop, waveHeight}}) {
-        // A tint would change the spectrogram's colours, which are what it is about.
-        if (panel.top == waveTop) {
-            SetColour(context.get(), markFill);
-            cairo_rectangle(context.get(), begin, panel.top, end - begin, panel.height);
-            cairo_fill(context.get());
+        if (hasSpan) {
+            MarkSpan(panel, begin, end);
         }
-        SetColour(context.get(), markEdge);
-        DrawLine(context.get(), begin, panel.top, begin, panel.top + panel.height);
-        DrawLine(context.get(), end, panel.top, end, panel.top + panel.height);
         SetColour(context.get(), markInk);
-        cairo_move_to(context.get(), middle - 7, panel.top - 13);
-        cairo_line_to(context.get(), middle + 7, panel.top - 13);
-        cairo_line_to(context.get(), middle, panel.top - 1);
+        cairo_move_to(context.get(), middle - halfWidth, panel.top - 13);
+        cairo_line_to(context.get(), middle + halfWidth, panel.top - 13);
+        cairo_line_to(context.get(), middle + (hasSpan ? 0 : halfWidth), panel.top - 1);
+        cairo_line_to(context.get(), middle - (hasSpan ? 0 : halfWidth), panel.top - 1);
         cairo_close_path(context.get());
         cairo_fill(context.get());
     }
 }
 
-void PlotPainter::Save(int descriptor) const
+void PlotPainter::MarkSpan(const Panel& panel, double begin, double end)
 {
+    // A tint would change the spectrogram's colours, which are what it is about.
+    if (panel.top == waveTop) {
+        SetColour(context.get(), markFill);
+        cairo_rectangle(context.get(), begin, panel.top, end - begin, panel.height);
+        cairo_fill(context.get());
+    }
+    SetColour(context.get(), markEdge);
+    DrawLine(context.get(), begin, panel.top, begin, panel.top + panel.height);
+    DrawLine(context.get(), end, panel.top, end, panel.top + panel.height);
+}
+
+void PlotPainter::Save(int descriptor)
+{
+    // Over the marks.
+    PaintName({beforeTop, spectrumHeight}, "before");
+    PaintName({afterTop, spectrumHeight}, "after");
     errno = 0;
     const cairo_status_t status =
         cairo_surface_write_to_png_stream(surface.get(), WritePart, &descriptor);

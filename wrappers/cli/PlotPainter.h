@@ -28,8 +28,8 @@ public:
     /// Marks an event in all panels.
     void Mark(const Event& event);
 
-    /// Writes the picture as PNG. Throws FileError.
-    void Save(int descriptor) const;
+    /// Writes the picture as PNG; the last call. Throws FileError.
+    void Save(int descriptor);
 
 private:
     struct Panel {
@@ -45,7 +45,8 @@ private:
 
     double TimeToX(double seconds) const;
     void PaintTitle();
-    void PaintSpectrogram(const Panel& panel, const Spectrogram& spectrogram, const char* name);
+    void PaintSpectrogram(const Panel& panel, const Spectrogram& spectrogram);
+    void MarkSpan(const Panel& panel, double begin, double end);
     void PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram);
     void PaintFrequencyAxis(const Panel& panel);
     void PaintRepairLimit(const Panel& panel);

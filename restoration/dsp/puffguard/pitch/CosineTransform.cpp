@@ -31,14 +31,17 @@ Lanes Mirror(Lanes lanes) noexcept
     return __builtin_shufflevector(lanes, lanes, 3, 2, 1, 0);
 }
 
-/// Sum of the products of `a` and `b`; `count` is a multiple of the lanes.
+/// Sum of the products of `a` and `b`; `count` is even. In double: every odd output builds on this
+/// sum, so that its rounding would show in all of them.
 float DotProduct(const float* a, const float* b, int count) noexcept
 {
-    Lanes sums{};
-    for (int i = 0; i < count; i += LaneCount) {
-        sums += Load(a + i) * Load(b + i);
+    double even = 0;
+    double odd = 0;
+    for (int i = 0; i < count; i += 2) {
+        even += static_cast<double>(a[i]) * static_cast<double>(b[i]);
+        odd += static_cast<double>(a[i + 1]) * static_cast<double>(b[i + 1]);
     }
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    return static_cast<float>(even + odd);
 }
 
 } // namespace

@@ -13,25 +13,24 @@ struct Prototype {
     double damping; // sin w / (2 Q)
 };
 
-Prototype MakePrototype(double cornerHz, double sampleRate, double q)
+Prototype MakePrototype(double cornerHz, double sampleRate, double q) noexcept UTIL_NONBLOCKING
 {
     const double w = 2.0 * std::numbers::pi * cornerHz / sampleRate;
     return {std::cos(w), std::sin(w) / (2.0 * q)};
 }
 
-BiquadCoefficients Normalise(double b0, double b1, double b2, const Prototype& prototype)
+BiquadCoefficients Normalise(double b0, double b1, double b2, const Prototype& prototype) noexcept
+    UTIL_NONBLOCKING
 {
     const double a0 = 1.0 + prototype.damping;
-    return {static_cast<float>(b0 / a0),
-            static_cast<float>(b1 / a0),
-            static_cast<float>(b2 / a0),
-            static_cast<float>(-2.0 * prototype.cosine / a0),
-            static_cast<float>((1.0 - prototype.damping) / a0)};
+    return {
+        b0 / a0, b1 / a0, b2 / a0, -2.0 * prototype.cosine / a0, (1.0 - prototype.damping) / a0};
 }
 
 } // namespace
 
-BiquadCoefficients MakeLowpass(double cornerHz, double sampleRate, double q)
+BiquadCoefficients MakeLowpass(double cornerHz, double sampleRate, double q) noexcept
+    UTIL_NONBLOCKING
 {
     if (cornerHz > sampleRate / 2) {
         return {};
@@ -41,7 +40,8 @@ BiquadCoefficients MakeLowpass(double cornerHz, double sampleRate, double q)
     return Normalise(gain / 2, gain, gain / 2, prototype);
 }
 
-BiquadCoefficients MakeHighpass(double cornerHz, double sampleRate, double q)
+BiquadCoefficients MakeHighpass(double cornerHz, double sampleRate, double q) noexcept
+    UTIL_NONBLOCKING
 {
     if (cornerHz > sampleRate / 2) {
         return {0, 0, 0, 0, 0};

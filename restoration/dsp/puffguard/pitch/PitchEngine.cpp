@@ -10,11 +10,6 @@ namespace DSP::Synapse {
 
 namespace {
 
-constexpr double DcCornerHz = 40.0;
-/// Q of the two sections of a Butterworth filter of fourth order, 1 / (2 cos(pi / 8 * {1, 3})).
-constexpr std::array DcSectionQ{0.54119610014619698, 1.3065629648763766};
-/// Keeps the filters' states away from denormal numbers in digital silence.
-constexpr float DenormalOffset = 1e-10F;
 constexpr float LeastLevel = 1e-12F;
 constexpr float DefaultLowpassHz = 300;
 constexpr float DefaultHighpassHz = 100;
@@ -27,12 +22,9 @@ PitchEngine::PitchEngine(double sampleRate, int newDelayFrames)
     , delayFrames(newDelayFrames)
     , ring(sizes.ringLength)
     , decimatedRing(sizes.ringLength / static_cast<std::size_t>(sizes.decimation))
+    , dcFilter(static_cast<double>(sizes.sampleRate))
     , tracker(sizes, newDelayFrames)
 {
-    const auto rate = static_cast<double>(sizes.sampleRate);
-    for (std::size_t i = 0; i < dcFilter.size(); ++i) {
-        dcFilter[i].SetCoefficients(MakeHighpass(DcCornerHz, rate, DcSectionQ[i]));
-    }
     SetLowpass(DefaultLowpassHz);
     SetHighpass(DefaultHighpassHz);
     SetAveragingTime(DefaultAveragingMs);
@@ -44,14 +36,11 @@ void PitchEngine::Reset() noexcept UTIL_NONBLOCKING
     std::fill(ring.begin(), ring.end(), 0.0F);
     std::fill(decimatedRing.begin(), decimatedRing.end(), 0.0F);
     ringPosition = 0;
-    for (Biquad& section : dcFilter) {
-        section.Reset();
-    }
+    dcFilter.Reset();
     lowpass.Reset();
     highpass.Reset();
     lowpassSum = 0;
     level = 0;
-    offsetCounter = 0;
     tracker.Reset();
     pitchHz.reset();
     confidence = 0;
@@ -92,21 +81,6 @@ void PitchEngine::SetDelegate(AnalysisDelegate* newDelegate) noexcept UTIL_NONBL
     tracker.SetAnalysing(delegate != nullptr);
 }
 
-void PitchEngine::RemoveDc(std::span<float> mono) noexcept UTIL_NONBLOCKING
-{
-    // Copies of the sections stay in registers through the loop.
-    Biquad first = dcFilter[0];
-    Biquad second = dcFilter[1];
-    auto counter = static_cast<uint8_t>(offsetCounter);
-    for (float& x : mono) {
-        const bool positive = counter < 128; // as a signed count: not below 0
-        x = second.Process(first.Process(x)) + (positive ? DenormalOffset : -DenormalOffset);
-        ++counter;
-    }
-    dcFilter = {first, second};
-    offsetCounter = static_cast<int8_t>(counter);
-}
-
 void PitchEngine::BeginBlock() noexcept UTIL_NONBLOCKING
 {
     if (delegate != nullptr) {
@@ -116,7 +90,7 @@ void PitchEngine::BeginBlock() noexcept UTIL_NONBLOCKING
 
 void PitchEngine::Process(std::span<float> mono) noexcept UTIL_NONBLOCKING
 {
-    RemoveDc(mono);
+    dcFilter.Process(mono);
     for (const float x : mono) {
         Advance(x);
     }

@@ -5,9 +5,9 @@
 #include "restoration/dsp/puffguard/pitch/AnalysisDelegate.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
 #include "restoration/dsp/puffguard/pitch/Biquad.h"
+#include "restoration/dsp/puffguard/pitch/DcFilter.h"
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -63,7 +63,6 @@ public:
     int GetFftSize() const noexcept { return tracker.GetFftSize(); } ///< [any]
 
 private:
-    void RemoveDc(std::span<float> mono) noexcept UTIL_NONBLOCKING;
     void Advance(float x) noexcept UTIL_NONBLOCKING;
     void Decimate() noexcept UTIL_NONBLOCKING;
     void RunTracker() noexcept UTIL_NONBLOCKING;
@@ -76,14 +75,13 @@ private:
     std::vector<float> ring;
     std::vector<float> decimatedRing;
     uint32_t ringPosition = 0;
-    std::array<Biquad, 2> dcFilter;
-    Biquad lowpass;       // at the full rate
-    Biquad highpass;      // at the decimated rate
-    float lowpassSum = 0; // outputs since the last decimated sample
+    DcFilter dcFilter;
+    Biquad<float> lowpass;  // at the full rate
+    Biquad<float> highpass; // at the decimated rate
+    float lowpassSum = 0;   // outputs since the last decimated sample
     float level = 0;
     float levelCoefficient = 1;
     float clippingThreshold = 0;
-    int8_t offsetCounter = 0;
     LagTracker tracker;
     std::optional<float> pitchHz; // of the latest run
     float confidence = 0;

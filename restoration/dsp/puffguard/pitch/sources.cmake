@@ -4,6 +4,7 @@ set(PITCH_SOURCES
     pitch/Autocorr.cpp
     pitch/Biquad.cpp
     pitch/CosineTransform.cpp
+    pitch/DcFilter.cpp
     pitch/DynProgCached.cpp
     pitch/LagMap.cpp
     pitch/LagTracker.cpp

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Biquad.h"
+#include "restoration/dsp/puffguard/pitch/DcFilter.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace {
 
@@ -15,15 +17,15 @@ using DSP::Synapse::BiquadCoefficients;
 /// settled.
 double MeasureGain(const BiquadCoefficients& coefficients, double frequencyHz, double sampleRate)
 {
-    Biquad filter;
+    Biquad<double> filter;
     filter.SetCoefficients(coefficients);
     double power = 0;
     const auto total = static_cast<int>(sampleRate);
     for (int i = 0; i < total; ++i) {
         const double phase = 2 * std::numbers::pi * frequencyHz * i / sampleRate;
-        const float y = filter.Process(static_cast<float>(std::sin(phase)));
+        const double y = filter.Process(std::sin(phase));
         if (i >= total / 2) {
-            power += static_cast<double>(y) * static_cast<double>(y);
+            power += y * y;
         }
     }
     return std::sqrt(2 * power / (total / 2));
@@ -61,13 +63,29 @@ TEST(Biquad, HighpassFollowsTheButterworthCurve)
 
 TEST(Biquad, ACornerBeyondTheSpectrumPassesOrSilences)
 {
-    Biquad lowpass;
+    Biquad<double> lowpass;
     lowpass.SetCoefficients(DSP::Synapse::MakeLowpass(4001, 8000));
-    Biquad highpass;
+    Biquad<double> highpass;
     highpass.SetCoefficients(DSP::Synapse::MakeHighpass(4001, 8000));
-    for (const float x : {1.0F, -0.5F, 0.25F}) {
+    for (const double x : {1.0, -0.5, 0.25}) {
         EXPECT_EQ(lowpass.Process(x), x);
-        EXPECT_EQ(highpass.Process(x), 0.0F);
+        EXPECT_EQ(highpass.Process(x), 0.0);
+    }
+}
+
+TEST(DcFilter, AConstantFadesAtEveryRate)
+{
+    // After 2 s the poles, 40 Hz * 2 pi * 0.38 and faster, have left far below 1e-10; what remains
+    // is the rounding of floats near 1.
+    for (const double rate : {4e3, 44.1e3, 192e3, 400e3, 401e3, 768e3, 1e6, 1.5e6, 1.8e6}) {
+        DSP::Synapse::DcFilter filter(rate);
+        std::vector<float> second;
+        for (int i = 0; i < 2; ++i) {
+            second.assign(static_cast<std::size_t>(rate), 1.0F);
+            filter.Process(second);
+            EXPECT_TRUE(std::isfinite(second.back())) << rate;
+        }
+        EXPECT_LT(std::fabs(second.back()), 1e-3F) << rate;
     }
 }
 

@@ -38,6 +38,12 @@ void DataTail::zero() noexcept UTIL_NONBLOCKING
     }
 }
 
+void DataTailCirc::configure(int32_t newChannelCount, int32_t newBlockLength, int32_t newTailLength)
+{
+    startOffset = 0; // nothing is kept: the resizing has nothing to move
+    DataTail::configure(newChannelCount, newBlockLength, newTailLength);
+}
+
 void DataTailCirc::resizeBlock(int32_t newBlockLength)
 {
     const auto kept = static_cast<std::size_t>(GetLength());

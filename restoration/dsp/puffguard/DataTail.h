@@ -25,7 +25,7 @@ public:
     virtual ~DataTail() = default;
 
     /// Lengths in samples a channel. Everything is zero afterwards.
-    void configure(int32_t newChannelCount, int32_t newBlockLength, int32_t newTailLength);
+    virtual void configure(int32_t newChannelCount, int32_t newBlockLength, int32_t newTailLength);
 
     /// Gives the block another length; the tail stays, and what the block gains is zero.
     virtual void resizeBlock(int32_t newBlockLength);
@@ -69,6 +69,7 @@ public:
     DataTailCirc& operator=(DataTailCirc&&) noexcept = default;
     ~DataTailCirc() override = default;
 
+    void configure(int32_t newChannelCount, int32_t newBlockLength, int32_t newTailLength) override;
     void resizeBlock(int32_t newBlockLength) override;
 
     /// Drops the oldest `count` samples of all channels, at most all of them. As many at the end

@@ -74,6 +74,20 @@ TEST(DataTailCirc, ResizingOnTheWayKeepsTheSamples)
     EXPECT_EQ(Read(line.GetChannel(0), 6), std::vector<float>(6, 0.0F));
 }
 
+TEST(DataTailCirc, MayBeMadeLargerOnTheWay)
+{
+    DSP::DataTailCirc line;
+    line.configure(1, 4, 0);
+    line.consume(3); // the samples no longer lie at the start of the memory
+    line.configure(2, 6, 5);
+    for (int32_t channel = 0; channel < 2; ++channel) {
+        EXPECT_EQ(Read(line.GetChannel(channel), 11), std::vector<float>(11, 0.0F));
+        std::iota(line.GetChannel(channel), line.GetChannel(channel) + 11, 1.0F);
+    }
+    line.consume(4);
+    EXPECT_EQ(Read(line.GetChannel(1), 2), (std::vector<float>{5, 6}));
+}
+
 TEST(DataTail1D, AppendsBehindTheTailAndDropsTheOldest)
 {
     DSP::DataTail1D history;

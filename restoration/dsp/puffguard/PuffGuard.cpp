@@ -124,6 +124,7 @@ void PuffGuard::initialise()
         SilentPower,
         {static_cast<uint32_t>(bands.lowStart), static_cast<uint32_t>(bands.lowEnd)});
     noiseFloor.assign(binCount, 0.0F);
+    latest = {};
     log.Restart();
 }
 
@@ -197,6 +198,7 @@ void PuffGuard::OnReset()
     detectionHistory.clear();
     pitchHistory.clear();
     pitchDetect.Reset();
+    latest = {};
     log.Restart();
 }
 

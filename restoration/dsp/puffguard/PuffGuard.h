@@ -36,7 +36,7 @@ public:
         LatencyScaling = 3  ///< "Latency scaling", 0 to 1
     };
 
-    /// What the latest hop has shown.
+    /// What the latest hop has shown; all 0 before the first one.
     struct FrameReport {
         float detection = 0; ///< detection value
         float threshold = 0; ///< what detection values were compared with

@@ -281,9 +281,12 @@ TEST_F(PuffGuardTest, ResetForgetsFloorAndPitch)
     };
     const std::vector<std::array<float, 3>> first = run();
     EXPECT_NEAR(first[100][2], 150.0F, 2.0F);
+    EXPECT_GT(element->GetLatest().threshold, 0.0F);
     element->Reset();
+    EXPECT_EQ(element->GetLatest().threshold, 0.0F);
     EXPECT_EQ(run(), first);
     Set(PuffGuard::LatencyScaling, 0);
+    EXPECT_EQ(element->GetLatest().threshold, 0.0F);
     Set(PuffGuard::LatencyScaling, 1);
     element->ResetTails();
     EXPECT_EQ(run(), first);

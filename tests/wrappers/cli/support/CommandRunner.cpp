@@ -128,6 +128,9 @@ private:
         ::signal(SIGPIPE, SIG_DFL);
         if (!setup.folder.empty() && ::chdir(setup.folder.c_str()) != 0)
             ::_exit(120);
+        // Read only by a command that is built to look for leaks.
+        ::setenv(
+            "LSAN_OPTIONS", "suppressions=" PUFFGUARD_LEAK_SUPPRESSIONS ":print_suppressions=0", 0);
         for (const std::string& variable : setup.environment)
             ::putenv(const_cast<char*>(variable.c_str()));
         if (setup.asNobody && (::setgid(nobody) != 0 || ::setuid(nobody) != 0))

@@ -32,7 +32,6 @@ public:
 
     float* GetData() noexcept { return values.data(); }
     const float* GetData() const noexcept { return values.data(); }
-    int32_t GetTailLength() const noexcept { return tailLength; }
 
 private:
     std::size_t GetLength() const noexcept

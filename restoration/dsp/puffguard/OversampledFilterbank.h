@@ -62,14 +62,9 @@ public:
                     int32_t outputOffset,
                     int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
 
-    int32_t GetMaxBlockSize() const noexcept { return maxBlockSize; } ///< samples
-    int32_t GetFFTSize() const noexcept { return fftSize; }           ///< F
-    int32_t GetHop() const noexcept { return hop; }                   ///< H
-    int32_t GetLatency() const noexcept { return latency; }           ///< W - H, samples
-
-    /// Lower and upper edges of the bins 0 to F/2 in Hz; empty without channels.
-    const std::vector<float>& GetLowerBandEdges() const noexcept { return lowerBandEdges; }
-    const std::vector<float>& GetUpperBandEdges() const noexcept { return upperBandEdges; }
+    int32_t GetFFTSize() const noexcept { return fftSize; } ///< F
+    int32_t GetHop() const noexcept { return hop; }         ///< H
+    int32_t GetLatency() const noexcept { return latency; } ///< W - H, samples
 
 private:
     void MakeBandEdges();
@@ -77,9 +72,9 @@ private:
     AnalyseFrame(const float* tail, const float* input, int32_t start, float* spectrum) noexcept
         UTIL_NONBLOCKING;
 
-    std::vector<float> lowerBandEdges;
+    std::vector<float> lowerBandEdges; // of the bins 0 to F/2, Hz; empty without channels
     std::vector<float> upperBandEdges;
-    int32_t maxBlockSize = 0;
+    int32_t maxBlockSize = 0; // samples
     int32_t channels = 0;
     int32_t sampleRate = 0;
     int32_t latency = 0;

@@ -39,7 +39,6 @@ public:
     float GetCurrent() const noexcept UTIL_NONBLOCKING { return (sum + re) * scale; }
 
     float GetScale() const noexcept { return scale; } ///< 1 / (2n + 1)
-    uint32_t GetHalfLength() const noexcept { return halfLength; }
 
 private:
     bool primed = false; // nothing has come in since the last reset

@@ -42,8 +42,6 @@ public:
     /// Pitch in Hz for each sample of the latest block, 0 when unvoiced; they belong to the samples
     /// GetLatency() earlier. Empty unless "Analyze" is on. [process]
     std::span<const float> GetPitches() const noexcept { return storage.GetPitches(); }
-    /// Confidence in each of these pitches, 0 to 1. [process]
-    std::span<const float> GetConfidences() const noexcept { return storage.GetConfidences(); }
 
 protected:
     uint32_t GetLatencySamples(Context context) const override;

@@ -25,10 +25,6 @@ public:
 
     /// Hz, 0 when unvoiced. [process]
     std::span<const float> GetPitches() const noexcept { return pitches; }
-    std::span<const float> GetConfidences() const noexcept { return confidences; } ///< [process]
-    std::span<const float> GetSamples() const noexcept { return samples; }         ///< [process]
-    uint32_t GetDelay() const noexcept { return delay; } ///< samples. [process]
-    uint32_t GetPhase() const noexcept { return phase; } ///< [process]
 
 private:
     static void Append(std::vector<float>& values, float value) noexcept UTIL_NONBLOCKING;

@@ -91,22 +91,7 @@ TEST(OversampledFilterbank, SizesFollowTheRate)
         EXPECT_EQ(bank.GetFFTSize(), row.fftSize);
         EXPECT_EQ(bank.GetHop(), row.fftSize / 8);
         EXPECT_EQ(bank.GetLatency(), row.fftSize - row.fftSize / 8);
-        EXPECT_EQ(bank.GetMaxBlockSize(), 512);
     }
-}
-
-TEST(OversampledFilterbank, BandEdgesLieHalfwayBetweenBins)
-{
-    DSP::FFTPool transforms("Test");
-    DSP::OversampledFilterbank bank(transforms);
-    bank.initialise(1, 8000, 512);
-    bank.configure(0.1F, 8, DSP::WindowHann, -1);
-    // 8000 / 1024 = 7.8125 Hz a bin.
-    EXPECT_EQ(bank.GetLowerBandEdges().size(), 513U);
-    EXPECT_EQ(bank.GetLowerBandEdges()[0], 0.0F);
-    EXPECT_EQ(bank.GetUpperBandEdges()[0], 3.90625F);
-    EXPECT_EQ(bank.GetLowerBandEdges()[10], 74.21875F);
-    EXPECT_EQ(bank.GetUpperBandEdges()[512], 4000.0F);
 }
 
 struct RoundTrip {

@@ -226,21 +226,6 @@ TEST(PitchEngine, WithoutDynamicProgrammingNothingWaits)
     EXPECT_NEAR(pitches.back(), 140.0F, 140 * Bias);
 }
 
-TEST(PitchEngine, DelaysSamplesToTheirPitch)
-{
-    Analysis analysis(44100);
-    std::vector<float> signal(8192);
-    signal[100] = 1;
-    analysis.engine.BeginBlock();
-    analysis.engine.Process(signal);
-    EXPECT_EQ(analysis.storage.GetDelay(), 4978U);
-    const auto samples = analysis.storage.GetSamples();
-    ASSERT_EQ(samples.size(), 8192U);
-    // The impulse comes out again, less what the filter against direct current takes.
-    EXPECT_NEAR(samples[100 + 4978], 1.0F, 0.02F);
-    EXPECT_NEAR(samples[99 + 4978], 0.0F, 1e-6F);
-}
-
 TEST(PitchEngine, ProcessingStaysOffTheHeap)
 {
     Analysis analysis(48000);

@@ -122,23 +122,17 @@ inline float Minimum(const float* source, std::size_t count) noexcept UTIL_NONBL
     return *std::min_element(source, source + count);
 }
 
-/// Index of the first of the largest values; 0 when there are none.
-inline std::size_t IndexOfMaximum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
-{
-    return static_cast<std::size_t>(std::max_element(source, source + count) - source);
-}
-
 /// Index of the first of the smallest values; 0 when there are none.
 inline std::size_t IndexOfMinimum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
 {
     return static_cast<std::size_t>(std::min_element(source, source + count) - source);
 }
 
-/// What is below `level` becomes `level`.
+/// What isn't above `level` becomes `level`.
 inline void ClampBelow(float level, float* target, std::size_t count) noexcept UTIL_NONBLOCKING
 {
     for (std::size_t i = 0; i < count; ++i) {
-        target[i] = target[i] < level ? level : target[i];
+        target[i] = target[i] > level ? target[i] : level;
     }
 }
 

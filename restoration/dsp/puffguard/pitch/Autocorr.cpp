@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Autocorr.h"
 
+#include "restoration/dsp/puffguard/VectorOps.h"
+
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -51,12 +53,8 @@ void Autocorr::Compute(std::span<const float> older,
                        std::span<float> correlation) noexcept UTIL_NONBLOCKING
 {
     const std::size_t split = older.size();
-    for (std::size_t i = 0; i < split; ++i) {
-        frame[i] = older[i] * window[i];
-    }
-    for (std::size_t i = 0; i < newer.size(); ++i) {
-        frame[split + i] = newer[i] * window[split + i];
-    }
+    VectorOps::Multiply(older.data(), window.data(), frame.data(), split);
+    VectorOps::Multiply(newer.data(), window.data() + split, frame.data() + split, newer.size());
     transform.Forward(frame.data(), spectrum.data());
     for (std::size_t bin = 0; bin < magnitudes.size(); ++bin) {
         const float re = spectrum[2 * bin];
@@ -68,10 +66,8 @@ void Autocorr::Compute(std::span<const float> older,
 
 void Autocorr::CompensateWindow(std::span<float> correlation) const noexcept UTIL_NONBLOCKING
 {
-    for (std::size_t i = 0; i < compensation.size(); ++i) {
-        const float value = correlation[i] * compensation[i];
-        correlation[i] = value > 0.0F ? value : 0.0F;
-    }
+    VectorOps::MultiplyInPlace(compensation.data(), correlation.data(), compensation.size());
+    VectorOps::ClampBelow(0.0F, correlation.data(), compensation.size());
 }
 
 } // namespace DSP

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
 
+#include "restoration/dsp/puffguard/VectorOps.h"
 #include "restoration/dsp/puffguard/pitch/PeakSearch.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ constexpr float ValuePerLog = 32.0F;
 constexpr float LogPerValue = 0.03125F;
 
 /// How far a new lag replaces the former one: not below the first clarity, wholly from the second.
-float GetTrust(float clarity) noexcept
+float GetTrust(float clarity) noexcept UTIL_NONBLOCKING
 {
     constexpr float NoTrust = 0.15F;
     constexpr float FullTrust = 0.3F;
@@ -28,7 +29,7 @@ float GetTrust(float clarity) noexcept
     return clarity >= FullTrust ? 1.0F : (clarity - NoTrust) / 0.15F;
 }
 
-DP::Candidate MakeCandidate(float pitchHz, float clarity) noexcept
+DP::Candidate MakeCandidate(float pitchHz, float clarity) noexcept UTIL_NONBLOCKING
 {
     constexpr float LeastPitch = 1e-36F;
     constexpr float NoLogarithm = -1e35F;
@@ -97,9 +98,7 @@ void LagTracker::Score() noexcept UTIL_NONBLOCKING
 {
     const float* const smoothed = smoother.process(correlation.data());
     const float* const weight = map.GetWeights().data();
-    for (std::size_t i = 0; i < score.size(); ++i) {
-        score[i] = weight[i] * smoothed[i];
-    }
+    VectorOps::Multiply(weight, smoothed, score.data(), score.size());
     map.Relax();
 }
 

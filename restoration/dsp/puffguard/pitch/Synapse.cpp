@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Synapse.h"
 
+#include "restoration/dsp/puffguard/VectorOps.h"
 #include "restoration/dsp/puffguard/pitch/ParamRegistrations.h"
 
 #include <algorithm>
@@ -149,17 +150,16 @@ void Synapse::MixToMono(uint32_t offset, uint32_t frames, float* const* channels
     const auto mode = static_cast<StereoInputMode>(values.stereoInput);
     const float* const left = channels[0] + offset;
     if (!stereo || mode == StereoInputMode::LeftOnly) {
-        std::copy_n(left, frames, mono.data());
+        VectorOps::Copy(left, mono.data(), frames);
         return;
     }
     const float* const right = channels[1] + offset;
     if (mode == StereoInputMode::RightOnly) {
-        std::copy_n(right, frames, mono.data());
+        VectorOps::Copy(right, mono.data(), frames);
         return;
     }
-    for (uint32_t i = 0; i < frames; ++i) {
-        mono[i] = (left[i] + right[i]) * 0.5F;
-    }
+    VectorOps::Add(left, right, mono.data(), frames);
+    VectorOps::Scale(0.5F, mono.data(), frames);
 }
 
 void Synapse::ProcessAudio(uint32_t frames, float* const* channels)

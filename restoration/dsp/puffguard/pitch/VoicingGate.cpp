@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/VoicingGate.h"
 
+#include "restoration/dsp/puffguard/VectorOps.h"
+
 #include <algorithm>
 
 namespace DSP::Synapse {
@@ -40,7 +42,7 @@ LagEstimate VoicingGate::Push(float lag, float confidence, float meanCost) noexc
 
     costs[costPosition] = smoothedCost.process(meanCost) * smoothedCost.GetScale();
     costPosition = costPosition + 1 == CostCount ? 0 : costPosition + 1;
-    const float lowest = *std::min_element(costs.begin(), costs.end());
+    const float lowest = VectorOps::Minimum(costs.data(), costs.size());
     const bool startingUp = startUpRuns > 0;
     startUpRuns -= startingUp ? 1 : 0;
     if (startingUp || lowest >= UnvoicedCost || oldest.lag == 0) {

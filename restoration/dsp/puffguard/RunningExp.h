@@ -19,7 +19,7 @@ class RunningExps2;
 
 /// How far one step of an exponential smoother goes: 1 - exp(-1 / (time * rate)), 1 for a time of 0
 /// or below. `time` in seconds, `rate` in steps a second. [any]
-inline float GetSmootherCoefficient(double time, double rate) noexcept
+inline float GetSmootherCoefficient(double time, double rate) noexcept UTIL_NONBLOCKING
 {
     return time <= 0 ? 1.0F : static_cast<float>(1.0 - std::exp(-1.0 / (time * rate)));
 }

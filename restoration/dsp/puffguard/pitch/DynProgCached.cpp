@@ -12,7 +12,7 @@ namespace {
 constexpr float JumpKnee = 9.6F;
 constexpr float SlopeBeyondKnee = 0.25F;
 
-float StepCost(const Candidate& from, const Candidate& to) noexcept
+float StepCost(const Candidate& from, const Candidate& to) noexcept UTIL_NONBLOCKING
 {
     float jump = std::fabs(from.value - to.value);
     jump = jump > JumpKnee ? (jump - JumpKnee) * SlopeBeyondKnee + JumpKnee : jump;

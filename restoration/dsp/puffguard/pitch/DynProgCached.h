@@ -55,7 +55,7 @@ private:
 
     static void Extend(const Run& previous, Run& next) noexcept UTIL_NONBLOCKING;
     void TracePath(std::size_t newest, int best) noexcept UTIL_NONBLOCKING;
-    std::size_t Before(std::size_t slot) const noexcept
+    std::size_t Before(std::size_t slot) const noexcept UTIL_NONBLOCKING
     {
         return slot == 0 ? runs.size() - 1 : slot - 1;
     }

@@ -1,43 +1,23 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/CosineTransform.h"
 
+#include "frameworks/plugincore/dsp/Lanes.h"
+
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <numbers>
 
 namespace DSP {
 
 namespace {
 
-// Four floats that go through the same operations; the compiler maps them to the machine's own.
-using Lanes = float __attribute__((vector_size(16)));
-constexpr int LaneCount = 4;
-
-Lanes Load(const float* source) noexcept
-{
-    Lanes lanes;
-    std::memcpy(&lanes, source, sizeof lanes);
-    return lanes;
-}
-
-void Store(float* target, Lanes lanes) noexcept
-{
-    std::memcpy(target, &lanes, sizeof lanes);
-}
-
-Lanes Mirror(Lanes lanes) noexcept
-{
-    return __builtin_shufflevector(lanes, lanes, 3, 2, 1, 0);
-}
-
 /// Sum of the products of `a` and `b`; `count` is even. In double: every odd output builds on this
 /// sum, so that its rounding would show in all of them.
-float DotProduct(const float* a, const float* b, int count) noexcept
+float DotProduct(const float* a, const float* b, std::ptrdiff_t count) noexcept UTIL_NONBLOCKING
 {
     double even = 0;
     double odd = 0;
-    for (int i = 0; i < count; i += 2) {
+    for (std::ptrdiff_t i = 0; i < count; i += 2) {
         even += static_cast<double>(a[i]) * static_cast<double>(b[i]);
         odd += static_cast<double>(a[i + 1]) * static_cast<double>(b[i + 1]);
     }
@@ -64,11 +44,11 @@ CosineTransform::CosineTransform(int halfOrder)
 /// Fills `folded` and returns output 1, from which the other odd outputs are reached by steps.
 float CosineTransform::Fold(std::span<const float> values) noexcept UTIL_NONBLOCKING
 {
-    const int half = size / 2;
+    const std::ptrdiff_t half = size / 2;
     const float* const upper = values.data() + size;
     float* const high = folded.data() + size;
     float* const differences = spectrum.data(); // free until the transform
-    for (int j = 0; j < half; j += LaneCount) {
+    for (std::ptrdiff_t j = 0; j < half; j += LaneCount) {
         const Lanes low = Load(values.data() + j);
         const Lanes mirrored = Mirror(Load(upper - j - (LaneCount - 1)));
         const Lanes mean = 0.5F * (low + mirrored);

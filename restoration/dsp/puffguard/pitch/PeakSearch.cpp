@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/PeakSearch.h"
 
+#include "frameworks/plugincore/dsp/Lanes.h"
+
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace DSP::Synapse {
 
@@ -11,23 +12,12 @@ namespace {
 
 constexpr int ErasedAnyway = 5;
 
-// Four floats that go through the same operations; the compiler maps them to the machine's own.
-using Lanes = float __attribute__((vector_size(16)));
-constexpr int LaneCount = 4;
-
-Lanes Load(const float* source) noexcept
-{
-    Lanes lanes;
-    std::memcpy(&lanes, source, sizeof lanes);
-    return lanes;
-}
-
 /// Largest of at least one value.
-float FindLargest(const float* values, int count) noexcept
+float FindLargest(const float* values, std::ptrdiff_t count) noexcept UTIL_NONBLOCKING
 {
-    Lanes even = Lanes{} + values[0];
+    Lanes even = Broadcast(values[0]);
     Lanes odd = even;
-    int i = 0;
+    std::ptrdiff_t i = 0;
     for (; i + 2 * LaneCount <= count; i += 2 * LaneCount) {
         const Lanes first = Load(values + i);
         const Lanes second = Load(values + i + LaneCount);
@@ -44,6 +34,7 @@ float FindLargest(const float* values, int count) noexcept
 
 /// Zeroes from `centre` in steps of `direction` until values rise again or `count` are done.
 void EraseSide(std::span<float> values, int centre, int direction, int count) noexcept
+    UTIL_NONBLOCKING
 {
     float previous = values[static_cast<std::size_t>(centre)];
     for (int step = 0; step < count; ++step) {

@@ -18,8 +18,14 @@ std::vector<std::filesystem::path> UsualPlaces()
     std::error_code failure;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", failure);
     const auto prefix = executable.parent_path().parent_path();
-    return {prefix / PUFFGUARD_LIBRARY_FOLDER / "puffguard" / moduleFileName,
-            prefix / "lib" / "puffguard" / moduleFileName};
+    std::vector<std::filesystem::path> places = {prefix / PUFFGUARD_LIBRARY_FOLDER};
+    if (places.front() != prefix / "lib") {
+        places.push_back(prefix / "lib");
+    }
+    for (auto& place : places) {
+        place = place / "puffguard" / moduleFileName;
+    }
+    return places;
 }
 
 std::string FindModule()

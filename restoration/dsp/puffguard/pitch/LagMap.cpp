@@ -47,7 +47,7 @@ void LagMap::Relax() noexcept UTIL_NONBLOCKING
 
 /// Fills `bell` with cos(pi (i - centre) / b) * 0.5 + 0.5 for the lags i within b of `index`. The
 /// cosine of each lag comes from the table by turning it through what `centre` lies off `index`.
-/// That differs from the cosine taken directly by the rounding of its last bits, below 3e-7, at a
+/// That differs from the cosine taken directly in the last bits only, by less than 1e-6, at a
 /// fraction of the cost. It is good enough: weights lie between 0.1 and 2.5 and only rank lags
 /// whose own values carry roundings as large.
 LagMap::Range LagMap::ShapeBell(int index, float centre) noexcept UTIL_NONBLOCKING

@@ -5,6 +5,7 @@
 #include "frameworks/qobase/util/DebugTrace.h"
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 
 namespace DSP {
@@ -98,15 +99,16 @@ void TransformBase::CopyDry(uint32_t frames, float* const* channels) const
 void TransformBase::SetElementObserver(ElementObserver observer)
 {
     const std::scoped_lock guard(observersLock);
-    const auto known = std::find_if(observers.begin(), observers.end(), [&](const auto& former) {
+    const auto isSame = [&](const auto& former) {
         return former->function == observer.function && former->context == observer.context;
-    });
-    if (known == observers.end()) {
+    };
+    auto chosen = std::find_if(observers.begin(), observers.end(), isSame);
+    if (chosen == observers.end()) {
         observers.push_back(std::make_unique<const ElementObserver>(observer));
+        chosen = std::prev(observers.end());
     }
-    const auto& chosen = known == observers.end() ? observers.back() : *known;
     // Pairs with the load in Settle(): what the pointer leads to is complete.
-    elementObserver.store(chosen.get(), std::memory_order_release);
+    elementObserver.store(chosen->get(), std::memory_order_release);
 }
 
 void TransformBase::Settle()

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/DataTail.h"
 #include "restoration/dsp/puffguard/DataTail1D.h"
-#include "tests/support/HeapCount.h"
 
 #include <gtest/gtest.h>
 
@@ -115,24 +114,6 @@ TEST(DataTail1D, PlaceOfTheTailMayChangeWithoutClearing)
     history.append(&value, 1, 0);
     history.configure(2, 1, false);
     EXPECT_EQ(history.GetData()[2], 7.0F);
-}
-
-TEST(DataTailMemory, SmallerSizesAndProcessingStayOffTheHeap)
-{
-    DSP::DataTailCirc line;
-    DSP::DataTail1D history;
-    line.configure(2, 100, 0);
-    history.configure(25, 24, true);
-    const float value = 1;
-    const Support::HeapCount heap;
-    line.configure(2, 60, 0);
-    line.configure(2, 100, 0);
-    line.consume(99);
-    history.configure(11, 10, true);
-    history.append(&value, 1, 0);
-    history.consume(1);
-    history.configure(25, 24, true);
-    EXPECT_EQ(heap.GetCount(), 0U);
 }
 
 } // namespace

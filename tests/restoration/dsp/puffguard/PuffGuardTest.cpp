@@ -148,6 +148,12 @@ TEST_F(PuffGuardTest, BurstIsTakenDownAndTheRestPasses)
     EXPECT_EQ(repair.start, repair.centre - 256 * (7 - int64_t{repair.regionStart}));
     EXPECT_EQ(repair.end - repair.start, 256 * (repair.regionEnd - repair.regionStart));
     EXPECT_LT(repair.energyAfter, repair.energyBefore * 0.03);
+    const DetectionTotalsRecord totals = log->GetTotals();
+    EXPECT_EQ(totals.hops, 250U); // 64000 / 256
+    EXPECT_EQ(totals.detections, GetRepairs().size());
+    // Nearly all that the low band holds is the burst, and the region has all of it but its fringe.
+    EXPECT_GT(repair.energyBefore, totals.bandEnergy * 0.8);
+    EXPECT_LT(repair.energyBefore, totals.bandEnergy);
 
     const std::size_t latency = element->GetLatency(Context::Process);
     double before = 0;
@@ -170,6 +176,10 @@ TEST_F(PuffGuardTest, WithoutStrengthOrSensitivityEverythingPasses)
 {
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);
     Make(Rate, Mono);
+    const std::vector<float> silence(40000, 0.0F);
+    EXPECT_EQ(Run({silence})[0], silence);
+    EXPECT_TRUE(GetRepairs().empty());
+    element->Reset();
     Set(PuffGuard::Strength, 0);
     EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
     const std::size_t found = GetRepairs().size();
@@ -179,14 +189,6 @@ TEST_F(PuffGuardTest, WithoutStrengthOrSensitivityEverythingPasses)
     Set(PuffGuard::Sensitivity, 0);
     EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
     EXPECT_EQ(GetRepairs().size(), found);
-}
-
-TEST_F(PuffGuardTest, SilencePassesAndFindsNothing)
-{
-    Make(Rate, Mono);
-    const std::vector<float> silence(40000, 0.0F);
-    EXPECT_EQ(Run({silence})[0], silence);
-    EXPECT_TRUE(GetRepairs().empty());
 }
 
 TEST_F(PuffGuardTest, SameBurstInBothChannelsIsTheMonoCase)
@@ -292,20 +294,6 @@ TEST_F(PuffGuardTest, ResetForgetsFloorAndPitch)
     EXPECT_EQ(run(), first);
 }
 
-TEST_F(PuffGuardTest, TotalsCountAllFramesBeforeAnyRepair)
-{
-    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
-    Make(Rate, Mono);
-    Run({input});
-    const DetectionTotalsRecord totals = log->GetTotals();
-    EXPECT_EQ(totals.hops, 250U); // 64000 / 256
-    EXPECT_EQ(totals.detections, GetRepairs().size());
-    // Nearly all that the low band holds is the burst, and the region has all of it but its fringe.
-    const double regionEnergy = GetStrongest().energyBefore;
-    EXPECT_GT(regionEnergy, totals.bandEnergy * 0.8);
-    EXPECT_LT(regionEnergy, totals.bandEnergy);
-}
-
 TEST_F(PuffGuardTest, ProcessingAndRestartStayOffTheHeap)
 {
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);
@@ -325,7 +313,9 @@ TEST_F(PuffGuardTest, ProcessingAndRestartStayOffTheHeap)
     element->Process(8000, &channel);
     element->Reset();
     EXPECT_EQ(heap.GetCount(), 0U);
-    EXPECT_GE(log->GetNextNumber(), 0U);
+    EXPECT_GE(log->GetNextNumber(), 1U); // a repair was among it
+    const std::vector<float> control(3); // the count does see what is allocated
+    EXPECT_EQ(heap.GetCount(), 1U);
 }
 
 TEST_F(PuffGuardTest, RatesFarOutsideAudioAreRefusedOrBorne)

@@ -38,13 +38,10 @@ TEST(AnalysisSizes, LatencyCountsBothWaitsAndHalfTheFrame)
     EXPECT_EQ(sizes.GetLatency(VocalRange::TenorAlto, true, 64), 4096 + 396);
     // round(259.4) / 4 = 64, * 1.8 = 115, * 2 = 230
     EXPECT_EQ(sizes.GetLatency(VocalRange::Soprano, true, 64), 4096 + 230);
+    // No frame without decimation.
+    EXPECT_EQ(AnalysisSizes::ForRate(16000).GetLatency(VocalRange::Bass, true, 64), 16 * 2 * 64);
     // Without a look ahead: 32 / 4 + 882
     EXPECT_EQ(sizes.GetLatency(VocalRange::Bass, false, 64), 890);
-}
-
-TEST(AnalysisSizes, LatencyHasNoFrameWithoutDecimation)
-{
-    EXPECT_EQ(AnalysisSizes::ForRate(16000).GetLatency(VocalRange::Bass, true, 64), 16 * 2 * 64);
 }
 
 TEST(AnalysisSizes, StayUsableAtAbsurdRates)

@@ -41,19 +41,13 @@ double Butterworth(double frequencyHz, double cornerHz, double sampleRate, bool 
     return 1 / std::sqrt(1 + std::pow(ratio, 4));
 }
 
-TEST(Biquad, LowpassFollowsTheButterworthCurve)
+TEST(Biquad, FollowsTheButterworthCurve)
 {
-    for (const double f : {50.0, 300.0, 1000.0, 3000.0}) {
+    for (const double f : {30.0, 100.0, 300.0, 1000.0, 3000.0}) {
         EXPECT_NEAR(MeasureGain(DSP::Synapse::MakeLowpass(300, 8000), f, 8000),
                     Butterworth(f, 300, 8000, true),
                     1e-5)
             << f;
-    }
-}
-
-TEST(Biquad, HighpassFollowsTheButterworthCurve)
-{
-    for (const double f : {30.0, 100.0, 400.0, 3000.0}) {
         EXPECT_NEAR(MeasureGain(DSP::Synapse::MakeHighpass(100, 8000), f, 8000),
                     Butterworth(f, 100, 8000, false),
                     1e-5)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/PitchDetect.h"
 
-#include "tests/support/HeapCount.h"
 #include "tests/support/TestElementHost.h"
 
 #include <gtest/gtest.h>
@@ -148,21 +147,6 @@ TEST(PitchDetect, RestartsFromSilence)
     element.Process(4096, channels);
     EXPECT_EQ(element.GetPitches().front(), 0.0F);
     EXPECT_EQ(element.GetPitches().back(), 0.0F);
-}
-
-TEST(PitchDetect, ProcessingStaysOffTheHeap)
-{
-    Support::TestElementHost host;
-    PitchDetect element({host, 44100, Mono});
-    Configure(element);
-    std::vector<float> block(8192, 0.1F);
-    float* const channels[] = {block.data()};
-    const Support::HeapCount heap;
-    for (const uint32_t frames : {1U, 64U, 8192U}) {
-        element.Process(frames, channels);
-    }
-    element.Reset();
-    EXPECT_EQ(heap.GetCount(), 0U);
 }
 
 } // namespace

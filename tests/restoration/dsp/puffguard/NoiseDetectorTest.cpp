@@ -120,24 +120,4 @@ TEST(NoiseDetectorRange, BinsOfTheRangeAreThoseOfTheWholeSpectrum)
     }
 }
 
-TEST(NoiseDetectorRange, ResetRepeatsTheFirstRun)
-{
-    DSP::NoiseDetector detector;
-    detector.configure(3, Rate, Hop, Floor);
-    const auto run = [&] {
-        std::vector<float> results;
-        for (int frame = 0; frame < 300; ++frame) {
-            const auto x = static_cast<float>(frame % 17);
-            const float power[3] = {x, 2 * x, 0.1F};
-            float out[3];
-            detector.process(power, out);
-            results.insert(results.end(), out, out + 3);
-        }
-        return results;
-    };
-    const std::vector<float> first = run();
-    detector.reset();
-    EXPECT_EQ(run(), first);
-}
-
 } // namespace

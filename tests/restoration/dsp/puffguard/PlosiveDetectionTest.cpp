@@ -56,27 +56,19 @@ protected:
     }
 };
 
-TEST_F(DetectFrameTest, TiltBetweenTheEndsIsALine)
+TEST_F(DetectFrameTest, ValueIsTheWhitenedSumTimesTheTilt)
 {
     const DSP::FrameDetection frame = Detect(1.0F); // q = 8 / 2 = 4, t = 3 / 5: 6 + 0.7
     EXPECT_NEAR(frame.value, 8.875F * 6.7F, 1e-4F);
     EXPECT_EQ(frame.noise, 1.5F);
-}
-
-TEST_F(DetectFrameTest, TiltHasAFloorAndATop)
-{
     EXPECT_NEAR(Detect(4.0F).value, 8.875F * 0.7F, 1e-5F);       // q = 1
     EXPECT_NEAR(Detect(40.0F).value, 8.875F * 0.7F, 1e-5F);      // below 1
     EXPECT_NEAR(Detect(8.0F / 12).value, 8.875F * 10.7F, 1e-4F); // q = 6
     EXPECT_NEAR(Detect(0.0F).value, 8.875F * 10.7F, 1e-4F);      // nothing to compare with
-}
-
-TEST_F(DetectFrameTest, DigitalSilenceIsZero)
-{
     const std::vector<float> nothing(8, 0.0F);
-    const DSP::FrameDetection frame = DSP::DetectFrame(nothing.data(), nothing.data(), bands);
-    EXPECT_EQ(frame.value, 0.0F);
-    EXPECT_EQ(frame.noise, 0.0F);
+    const DSP::FrameDetection silent = DSP::DetectFrame(nothing.data(), nothing.data(), bands);
+    EXPECT_EQ(silent.value, 0.0F);
+    EXPECT_EQ(silent.noise, 0.0F);
 }
 
 TEST(DetectionThreshold, FallsWithTheSquareOfTheSensitivity)
@@ -121,6 +113,8 @@ TEST(PeakTest, LargestValueAboveTheThresholdIsAPeak)
     EXPECT_EQ(test.centre, 100.0F);
     EXPECT_EQ(test.maximum, 100.0F);
     EXPECT_FALSE(TestMiddle(history, 100).isPeak); // strictly above
+    // Every frame of a plateau is one.
+    EXPECT_TRUE(TestMiddle(MakeHistory({0, 50, 50, 50, 50, 50, 0}), 10).isPeak);
 }
 
 TEST(PeakTest, EndsOfTheWindowBelongToIt)
@@ -140,11 +134,6 @@ TEST(PeakTest, LocalPeakCountsWhileTheLevelStays)
         TestMiddle(MakeHistory({120, 9, 101, 100, 99, 9, 20}), 10).isPeak); // still rising back
     EXPECT_FALSE(
         TestMiddle(MakeHistory({120, 9, 99, 100, 100, 9, 20}), 10).isPeak); // equal to the right
-}
-
-TEST(PeakTest, EveryFrameOfAPlateauIsAPeak)
-{
-    EXPECT_TRUE(TestMiddle(MakeHistory({0, 50, 50, 50, 50, 50, 0}), 10).isPeak);
 }
 
 TEST(PeakTest, NothingPassesAThresholdThatIsNoNumber)
@@ -188,14 +177,11 @@ TEST(RepairRegion, SustainedPeakEndsBeforeTheLowestOfTheNextFrames)
     // The lowest is the very next frame, number 0: the region ends at the peak, above the level.
     EXPECT_EQ(FindRegion(MakeHistory({1, 4, 30, 100, 2, 50, 3}), 2, 1),
               (std::array<int32_t, 2>{3, 6}));
-}
-
-TEST(RepairRegion, SustainedPeakWithARadiusOfTwoEndsAtThePeak)
-{
-    const std::vector<float> history{0, 0, 0, 4, 30, 100, 50, 20, 0, 0, 0};
-    const DSP::PeakTest peak = DSP::TestPeak(history, 5, 2, 10);
+    // A radius of two leaves one frame to search: the region ends at the peak, too.
+    const std::vector<float> narrow{0, 0, 0, 4, 30, 100, 50, 20, 0, 0, 0};
+    const DSP::PeakTest peak = DSP::TestPeak(narrow, 5, 2, 10);
     ASSERT_TRUE(peak.isSustained);
-    EXPECT_EQ(DSP::FindRepairRegion(history, 5, 2, peak, 1).end, 5);
+    EXPECT_EQ(DSP::FindRepairRegion(narrow, 5, 2, peak, 1).end, 5);
 }
 
 TEST(RepairRegion, WalkStopsAtTheOldestFrame)

@@ -62,21 +62,4 @@ TEST(LagTracker, KeepsToWhatItHasFollowed)
     EXPECT_NEAR(FollowRing(high, mixture, 8), 190.0, 19.0);
 }
 
-TEST(LagTracker, ResetForgetsWhatItHasFollowed)
-{
-    const std::vector<float> mixture = MakeRing(0.2, 0.2);
-    LagTracker fresh = MakeTracker();
-    LagTracker used = MakeTracker();
-    FollowRing(used, MakeRing(0, 0.2), 100);
-    used.Reset();
-    LagTracker other = MakeTracker();
-    FollowRing(other, MakeRing(0.2, 0), 100);
-    other.Reset();
-    for (std::size_t run = 1; run < 20; ++run) {
-        const double expected = FollowRing(fresh, mixture, run);
-        EXPECT_EQ(FollowRing(used, mixture, run), expected) << run;
-        EXPECT_EQ(FollowRing(other, mixture, run), expected) << run;
-    }
-}
-
 } // namespace

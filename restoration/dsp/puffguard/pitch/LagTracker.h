@@ -40,8 +40,7 @@ public:
     LagEstimate Run(std::span<const float> ring, std::size_t writePosition) noexcept
         UTIL_NONBLOCKING;
 
-    int GetFrameLength() const noexcept { return autocorr.GetFrameLength(); } ///< samples
-    int GetFftSize() const noexcept { return autocorr.GetFftSize(); }
+    int GetFftSize() const noexcept { return autocorr.GetFftSize(); } ///< samples
 
 private:
     /// Where a candidate lies, and how periodic the frame is there.

@@ -59,9 +59,6 @@ public:
     /// Takes the next samples, full scale 1.0, and uses their memory as scratch.
     void Process(std::span<float> mono) noexcept UTIL_NONBLOCKING;
 
-    const AnalysisSizes& GetSizes() const noexcept { return sizes; } ///< [any]
-    int GetFftSize() const noexcept { return tracker.GetFftSize(); } ///< [any]
-
 private:
     void Advance(float x) noexcept UTIL_NONBLOCKING;
     void Decimate() noexcept UTIL_NONBLOCKING;

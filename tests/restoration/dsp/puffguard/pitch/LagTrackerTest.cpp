@@ -62,4 +62,19 @@ TEST(LagTracker, KeepsToWhatItHasFollowed)
     EXPECT_NEAR(FollowRing(high, mixture, 8), 190.0, 19.0);
 }
 
+TEST(LagTracker, ResetForgetsWhatItHasFollowed)
+{
+    const std::vector<float> mixture = MakeRing(0.2, 0.2);
+    for (const double level : {0.0, 0.2}) {
+        LagTracker fresh = MakeTracker();
+        LagTracker used = MakeTracker();
+        FollowRing(used, MakeRing(0.2 - level, level), 100);
+        used.Reset();
+        for (std::size_t run = 1; run < 20; ++run) {
+            const double expected = FollowRing(fresh, mixture, run);
+            EXPECT_EQ(FollowRing(used, mixture, run), expected) << run;
+        }
+    }
+}
+
 } // namespace

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: ISC
+// Random calls of the built module's entry, with every record filled at random as far as it holds
+// no pointer. The seed stands in a failing test's output and gives the same calls again.
+#include "tests/fuzz/Rounds.h"
+#include "tests/support/ModuleHost.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using namespace TestHost;
+
+constexpr uint32_t MostFrames = 9000; // more than a chunk
+constexpr int CallsPerRound = 400;
+
+class Caller {
+public:
+    explicit Caller(unsigned seed)
+        : random(seed)
+        , instance(48000.0F, 2)
+        , audio(PLUGIN_CORE_MAX_CHANNELS, std::vector<float>(MostFrames))
+    {
+    }
+
+    void CallOnce()
+    {
+        if (random() % 3 == 0) {
+            Process();
+            return;
+        }
+        const auto selector = static_cast<uint32_t>(2 + random() % 39);
+        if (selector == SelectorDestroyPlugin) {
+            return;
+        }
+        const std::array<uint32_t, 4> contexts{
+            ProcessSide, UI, 2, std::numeric_limits<uint32_t>::max()};
+        void* const data = FillRecord(selector);
+        const uint32_t code = Call(selector, contexts[random() % 4], instance.Get(), data);
+        EXPECT_LE(code, 7U) << selector;
+    }
+
+    void ExpectWorkingOrder()
+    {
+        instance.SetFormat(44100.0F, 0);
+        Instance fresh(44100.0F, 1);
+        for (uint32_t index = 0; index < 11; ++index) {
+            ParamValueRecord value{index, 0.0F};
+            Call(SelectorGetElementParamValue, UI, fresh.Get(), &value);
+            instance.SetElement(index, value.value);
+        }
+        instance.Settle();
+        Audio expected = MakeSpeechLike(1, 30'000, 44100.0F);
+        Audio heard = expected;
+        fresh.Run(expected, 700);
+        instance.Run(heard, 700);
+        EXPECT_EQ(heard, expected);
+    }
+
+private:
+    static constexpr uint32_t ProcessSide = TestHost::Process;
+
+    void Process()
+    {
+        const std::array<float, 6> oddities{std::nanf(""),
+                                            std::numeric_limits<float>::infinity(),
+                                            1e38F,
+                                            -1e10F,
+                                            std::numeric_limits<float>::denorm_min(),
+                                            -0.0F};
+        std::uniform_real_distribution<float> level(-1.0F, 1.0F);
+        const auto frames = static_cast<uint32_t>(random() % MostFrames);
+        for (auto& channel : audio) {
+            const float gain = random() % 4 == 0 ? 0.0F : level(random);
+            for (uint32_t i = 0; i < frames; ++i) {
+                channel[i] = gain * level(random);
+            }
+            if (frames != 0 && random() % 8 == 0) {
+                channel[random() % frames] = oddities[random() % oddities.size()];
+            }
+        }
+        ASSERT_EQ(instance.RunBlock(audio, 0, frames), PluginCoreSuccess);
+        for (uint32_t i = 0; i < frames; ++i) { // the channel that every layout has
+            ASSERT_TRUE(std::abs(audio[0][i]) < 1e13F) << audio[0][i];
+        }
+    }
+
+    // Random bytes, but with pointers that are null or lead somewhere.
+    void* FillRecord(uint32_t selector)
+    {
+        if (random() % 16 == 0 && selector != SelectorTransformNotify) {
+            return nullptr;
+        }
+        for (unsigned char& byte : record) {
+            byte = static_cast<unsigned char>(random());
+        }
+        switch (selector) {
+        case SelectorGetAllocationTrace:
+            std::memset(record.data(), 0, sizeof(AllocationTraceRecord));
+            break;
+        case SelectorGetAutomatableParamList:
+        case SelectorGetElementParamList:
+            As<ParamListRecord>().params = random() % 2 == 0 ? nullptr : list.data();
+            As<ParamListRecord>().count %= 16;
+            break;
+        case SelectorSetStreamFormat:
+            FillFormat(As<StreamFormatRecord>());
+            break;
+        case SelectorProcess:
+            As<ProcessRecord>().channels = nullptr; // Process() has the other cases
+            break;
+        case SelectorTransformRead:
+            As<TransformReadRecord>().request %= 4;
+            As<TransformReadRecord>().capacity %= 9;
+            As<TransformReadRecord>().recordBytes = random() % 2 == 0 ? 80 : 24;
+            As<TransformReadRecord>().buffer = random() % 4 == 0 ? nullptr : list.data();
+            break;
+        case SelectorModuleListQuery:
+            As<ModuleListRecord>().op %= 8;
+            As<ModuleListRecord>().text = random() % 2 == 0 ? nullptr : list.data();
+            As<ModuleListRecord>().data = random() % 2 == 0 ? nullptr : list.data();
+            break;
+        case SelectorElementCommand:
+            As<ElementRecord>().op %= 8;
+            As<ElementRecord>().observer = nullptr;
+            break;
+        default:
+            break;
+        }
+        return record.data();
+    }
+
+    void FillFormat(StreamFormatRecord& format)
+    {
+        const std::array<float, 8> rates{
+            8000, 16000, 22050, 44100, 48000, 96000, std::nanf(""), -1.0F};
+        format.sampleRate = rates[random() % rates.size()];
+        format.channelConfig = static_cast<uint32_t>(random() % 42);
+    }
+
+    template <typename Record>
+    Record& As()
+    {
+        return *reinterpret_cast<Record*>(record.data());
+    }
+
+    std::mt19937 random;
+    Instance instance;
+    Audio audio;
+    alignas(16) std::array<unsigned char, 512> record{};
+    std::vector<char> list = std::vector<char>(16 * sizeof(ElementParamInfoRecord));
+};
+
+} // namespace
+
+TEST(EntryFuzz, AnyCallsLeaveAnInstanceInWorkingOrder)
+{
+    for (int round = 0; round < Fuzz::GetRounds(); ++round) {
+        SCOPED_TRACE(round);
+        Caller caller(static_cast<unsigned>(round));
+        for (int i = 0; i < CallsPerRound; ++i) {
+            caller.CallOnce();
+        }
+        caller.ExpectWorkingOrder();
+        if (testing::Test::HasFailure()) {
+            return;
+        }
+    }
+}

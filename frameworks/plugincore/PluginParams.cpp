@@ -12,9 +12,8 @@ void Plugin::BuildElementParamList()
     uint32_t elementIndex = 0;
     for (const auto& [name, element] : transform->GetSet().GetOrder()) {
         for (uint32_t index = 0; index < element->GetParamCount(); ++index) {
-            const auto found = element->GetParamMap().find(element->GetParamName(index));
-            if (found != element->GetParamMap().end()) {
-                elementParamList.push_back({name, elementIndex, element, found->second});
+            if (const DSP::ParamObject* param = element->FindParam(index)) {
+                elementParamList.push_back({name, elementIndex, element, *param});
             }
         }
         ++elementIndex;

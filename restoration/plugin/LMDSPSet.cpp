@@ -18,8 +18,7 @@ void LMDSPSet::BuildElements(float sampleRate, uint32_t channelConfig)
         return std::make_shared<Global::Global>(GetHost(), sampleRate, channelConfig);
     });
     globalElement = GetElement("Global");
-    const auto& param = globalElement->GetParamMap().at("Global Bypass");
-    bypassParam = std::get<std::shared_ptr<ElementParamImplBase<bool>>>(param).get();
+    bypassParam = {*globalElement, Global::Global::GlobalBypass};
     BuildMainElement(sampleRate, channelConfig);
     mainElement = GetElement(mainElementName);
 }

@@ -21,7 +21,7 @@ public:
     void BuildMainElement(float sampleRate, uint32_t channelConfig) override;
     Element* GetMainElement() const override { return mainElement; }
     Element* GetGlobalElement() const override { return globalElement; }
-    const ElementParamImplBase<bool>* GetBypassParam() const override { return bypassParam; }
+    ElementParam<bool> GetBypassParam() const override { return bypassParam; }
 
 private:
     const String mainElementName;
@@ -29,7 +29,7 @@ private:
     // Owned by the elements' map; kept so that the process side needs no look-up.
     Element* mainElement = nullptr;
     Element* globalElement = nullptr;
-    const ElementParamImplBase<bool>* bypassParam = nullptr; // of "Global"
+    ElementParam<bool> bypassParam;
 };
 
 } // namespace DSP

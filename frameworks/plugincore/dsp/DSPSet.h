@@ -78,8 +78,8 @@ public:
     /// Null before BuildElements(). [any]
     virtual Element* GetMainElement() const = 0;
     virtual Element* GetGlobalElement() const = 0;
-    /// Whether the signal is to be passed by. Null before BuildElements(). [setup]
-    virtual const ElementParamImplBase<bool>* GetBypassParam() const = 0;
+    /// Whether the signal is to be passed by. Empty before BuildElements(). [any]
+    virtual ElementParam<bool> GetBypassParam() const = 0;
 };
 
 } // namespace DSP

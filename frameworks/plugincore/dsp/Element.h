@@ -57,6 +57,8 @@ public:
     /// Name of the parameter at this place of the table; empty past the end.
     virtual String GetParamName(uint32_t index) const = 0;
     virtual const ParamMap& GetParamMap() const = 0;
+    /// The parameter at this place of the table; null past the end and before the table is built.
+    virtual const ParamObject* FindParam(uint32_t index) const = 0;
     /// A static empty record for an unknown name.
     virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
 

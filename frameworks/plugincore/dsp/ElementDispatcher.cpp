@@ -53,20 +53,25 @@ void ElementDispatcher::Register(uint32_t index, Record registration)
     pending[index] = std::move(registration);
 }
 
-void ElementDispatcher::RegisterFloatParam(uint32_t index, ParamRegistration<float> registration)
+ElementParam<float> ElementDispatcher::RegisterFloatParam(uint32_t index,
+                                                          ParamRegistration<float> registration)
 {
     Register(index, std::move(registration));
+    return {*this, index};
 }
 
-void ElementDispatcher::RegisterBoolParam(uint32_t index, ParamRegistration<bool> registration)
+ElementParam<bool> ElementDispatcher::RegisterBoolParam(uint32_t index,
+                                                        ParamRegistration<bool> registration)
 {
     registration.range = {false, true};
     Register(index, std::move(registration));
+    return {*this, index};
 }
 
-void ElementDispatcher::RegisterEnumParam(uint32_t index, EnumRegistration registration)
+ElementParamEnum ElementDispatcher::RegisterEnumParam(uint32_t index, EnumRegistration registration)
 {
     Register(index, std::move(registration));
+    return {*this, index};
 }
 
 bool ElementDispatcher::IsNameTaken(const String& paramName) const
@@ -110,6 +115,7 @@ void ElementDispatcher::Build(uint32_t index, Registration& registration)
                     using Value = decltype(record.defaultValue);
                     paramsByName[paramName] = Make<ElementDispatcherParam<Value>>(index, record);
                 }
+                paramsByIndex[index] = &paramsByName.at(paramName);
             }
         },
         registration);
@@ -124,6 +130,7 @@ void ElementDispatcher::FinaliseParams()
     indexByName.clear(); // from now on of what is built
     names.resize(pending.size());
     dispatch.resize(pending.size());
+    paramsByIndex.resize(pending.size(), nullptr);
     for (uint32_t index = 0; index < pending.size(); ++index) {
         Build(index, pending[index]);
     }
@@ -166,6 +173,11 @@ std::optional<uint32_t> ElementDispatcher::FindParamIndex(const String& paramNam
 String ElementDispatcher::GetParamName(uint32_t index) const
 {
     return index < names.size() ? names[index] : String();
+}
+
+const ParamObject* ElementDispatcher::FindParam(uint32_t index) const
+{
+    return index < paramsByIndex.size() ? paramsByIndex[index] : nullptr;
 }
 
 const ParamInfo& ElementDispatcher::GetParamInfoByName(const String& paramName) const

@@ -43,6 +43,7 @@ public:
     std::optional<uint32_t> FindParamIndex(const String& paramName) const override;
     String GetParamName(uint32_t index) const override;
     const ParamMap& GetParamMap() const override { return paramsByName; }
+    const ParamObject* FindParam(uint32_t index) const override;
     const ParamInfo& GetParamInfoByName(const String& paramName) const override;
 
     /// Values by index, as that side has them. An index past the end, or of another type, is
@@ -60,9 +61,9 @@ public:
 
 protected:
     /// Writes the default to the target and enters the parameter. [setup]
-    void RegisterFloatParam(uint32_t index, ParamRegistration<float> registration);
-    void RegisterBoolParam(uint32_t index, ParamRegistration<bool> registration);
-    void RegisterEnumParam(uint32_t index, EnumRegistration registration);
+    ElementParam<float> RegisterFloatParam(uint32_t index, ParamRegistration<float> registration);
+    ElementParam<bool> RegisterBoolParam(uint32_t index, ParamRegistration<bool> registration);
+    ElementParamEnum RegisterEnumParam(uint32_t index, EnumRegistration registration);
 
     /// Builds the table and shows every default once to the callbacks. [setup]
     void FinaliseParams();
@@ -86,8 +87,9 @@ private:
     bool IsNameTaken(const String& paramName) const;
 
     ParamMap paramsByName;
-    std::vector<Dispatch> dispatch;    // by index
-    std::vector<Registration> pending; // by index, until FinaliseParams()
+    std::vector<const ParamObject*> paramsByIndex; // into paramsByName; null where none is
+    std::vector<Dispatch> dispatch;                // by index
+    std::vector<Registration> pending;             // by index, until FinaliseParams()
     std::map<String, uint32_t> indexByName;
     std::vector<String> names; // by index
     bool finalised = false;

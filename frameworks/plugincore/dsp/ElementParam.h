@@ -78,6 +78,49 @@ using ParamObject = std::variant<std::shared_ptr<ElementParamImplBase<float>>,
 /// Parameters by name.
 using ParamMap = std::map<String, ParamObject>;
 
+/// Handle of a registered parameter: the element and the parameter's place in its table. Small, to
+/// be copied; the element outlives it. An empty handle, and one whose element is still under
+/// construction, answers 0, false or an empty text. Threads: as the parameter's.
+template <typename T>
+class ElementParam {
+public:
+    ElementParam() = default;
+    ElementParam(const Element& newElement, uint32_t newIndex)
+        : element(&newElement)
+        , index(newIndex)
+    {
+    }
+
+    T GetValue(Context thread) const;
+    bool SetValue(T value, Context thread, ValueSource source) const;
+    ValueRange<T> GetRange() const;
+    T GetDefault() const;
+    ParamInfo GetParamInfo() const;
+    void Grab() const;
+    void Release() const;
+    /// Null for an empty handle.
+    const Element* GetElement() const { return element; }
+    String GetName() const;
+
+protected:
+    ElementParamImplBase<T>* Find() const;
+
+private:
+    const Element* element = nullptr; // not owned
+    uint32_t index = 0;
+};
+
+/// The same for an enumeration.
+class ElementParamEnum : public ElementParam<uint32_t> {
+public:
+    using ElementParam::ElementParam;
+    String GetEnumLabel(uint32_t value) const;
+};
+
+extern template class ElementParam<float>;
+extern template class ElementParam<uint32_t>;
+extern template class ElementParam<bool>;
+
 /// Does something with each parameter of an element, in name order.
 class ParamVisitor {
 public:

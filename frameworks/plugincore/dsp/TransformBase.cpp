@@ -44,7 +44,7 @@ void TransformBase::PlanDryDelay()
 void TransformBase::ProcessChunk(uint32_t frames, float* const* channels)
 {
     set->GetGlobalElement()->ProcessRegion(0, 0, nullptr);
-    const bool bypassed = set->GetBypassParam()->GetValue(Context::Process);
+    const bool bypassed = set->GetBypassParam().GetValue(Context::Process);
     FollowDelay();
     RunDryPath(frames, channels);
     if (bypassed) {

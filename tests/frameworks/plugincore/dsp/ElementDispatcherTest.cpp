@@ -35,14 +35,15 @@ public:
         gaining.onProcessChange = [this](float value) { events += "p" + Number(value); };
         gaining.onUIChange = [this](float value) { events += "u" + Number(value); };
         gaining.info.units = "dB";
-        RegisterFloatParam(Gain, gaining);
+        gainHandle = RegisterFloatParam(Gain, gaining);
         DSP::EnumRegistration choosing;
         choosing.name = "Mode";
         choosing.range = {2, 4};
         choosing.defaultValue = 3;
         choosing.target = &mode;
         choosing.labels = {"two", "three", "four"};
-        RegisterEnumParam(Mode, choosing);
+        modeHandle = RegisterEnumParam(Mode, choosing);
+        earlyDefault = gainHandle.GetDefault();
         if (withDuplicate) {
             gaining.target = &other;
             RegisterFloatParam(4, gaining); // leaves a gap at 3, too
@@ -55,6 +56,9 @@ public:
         return std::to_string(static_cast<int>(std::lround(value * 100))) + " ";
     }
 
+    DSP::ElementParam<float> gainHandle;
+    DSP::ElementParamEnum modeHandle;
+    float earlyDefault = 9;
     float gain = 0;
     float other = 0;
     uint32_t mode = 0;
@@ -178,6 +182,26 @@ TEST_F(ElementDispatcherTest, ParameterObjectsKnowRangeLabelAndGesture)
     mode.Grab();
     mode.Release();
     EXPECT_EQ(host.gestures, (std::vector<std::string>{"grab Mode", "release Mode"}));
+}
+
+TEST_F(ElementDispatcherTest, HandlesForwardAndAnswerNeutrallyWhenEmpty)
+{
+    EXPECT_EQ(element.earlyDefault, 0.0F); // the table wasn't built yet
+    EXPECT_EQ(element.gainHandle.GetDefault(), 0.25F);
+    EXPECT_TRUE(element.gainHandle.SetValue(0.5F, Context::UI, 0));
+    EXPECT_EQ(element.gain, 0.5F);
+    EXPECT_EQ(element.gainHandle.GetRange().min, -1.0F);
+    EXPECT_EQ(element.gainHandle.GetName(), String("Gain"));
+    EXPECT_EQ(element.modeHandle.GetEnumLabel(3), String("three"));
+    EXPECT_EQ(element.modeHandle.GetElement(), &element);
+
+    const DSP::ElementParamEnum empty;
+    EXPECT_EQ(empty.GetValue(Context::UI), 0U);
+    EXPECT_FALSE(empty.SetValue(1, Context::UI, 0));
+    EXPECT_TRUE(empty.GetName().IsEmpty());
+    EXPECT_TRUE(empty.GetEnumLabel(0).IsEmpty());
+    const DSP::ElementParam<bool> ofAnotherType(element, Element::Gain);
+    EXPECT_FALSE(ofAnotherType.GetValue(Context::UI));
 }
 
 TEST_F(ElementDispatcherTest, CollectsWhatDiffersFromItsDefault)

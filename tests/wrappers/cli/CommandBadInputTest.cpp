@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <limits>
 
 namespace {
@@ -114,13 +115,27 @@ TEST_F(CommandBadInput, TheLimitsThemselvesWork)
 TEST_F(CommandBadInput, NoPermission)
 {
     const bool isRoot = ::geteuid() == 0;
+    // Whoever has no rights may not even reach the build folder: the program comes along, with the
+    // module where it looks for it.
+    const TemporaryFolder installed;
+    const std::filesystem::path built = PUFFGUARD_COMMAND;
+    std::filesystem::create_directories(installed / "bin");
+    std::filesystem::create_directories(installed / "lib/puffguard");
+    std::filesystem::copy(built, installed / "bin/puffguard");
+    std::filesystem::copy(built.parent_path().parent_path() / "lib/puffguard/LMPuffguard.so",
+                          installed / "lib/puffguard/LMPuffguard.so");
+    ASSERT_EQ(::chmod(installed.GetPath().c_str(), 0755), 0);
+    RunSetup setup;
+    setup.asNobody = isRoot;
+    setup.program = installed / "bin/puffguard";
+    setup.environment = {"LSAN_OPTIONS="}; // the suppressions may lie out of reach, too
     ASSERT_EQ(::chmod((folder / "good.wav").c_str(), 0), 0);
-    const Outcome unreadable = RunPuffguard({folder / "good.wav"}, {.asNobody = isRoot});
+    const Outcome unreadable = RunPuffguard({folder / "good.wav"}, setup);
     EXPECT_EQ(unreadable.exitCode, 1);
     EXPECT_NE(unreadable.err.find("Permission denied"), std::string::npos) << unreadable.err;
     ASSERT_EQ(::chmod((folder / "good.wav").c_str(), 0644), 0);
     ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0555), 0);
-    const Outcome unwritable = RunPuffguard({folder / "good.wav"}, {.asNobody = isRoot});
+    const Outcome unwritable = RunPuffguard({folder / "good.wav"}, setup);
     EXPECT_EQ(unwritable.exitCode, 1);
     EXPECT_NE(unwritable.err.find("Permission denied"), std::string::npos) << unwritable.err;
     ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0777), 0);

@@ -55,7 +55,9 @@ class Child {
 public:
     Child(const std::vector<std::string>& arguments, const RunSetup& setup)
     {
-        std::vector<char*> words = {const_cast<char*>(PUFFGUARD_COMMAND)};
+        const char* const built = PUFFGUARD_COMMAND;
+        const char* const program = setup.program.empty() ? built : setup.program.c_str();
+        std::vector<char*> words = {const_cast<char*>(program)};
         for (const std::string& argument : arguments)
             words.push_back(const_cast<char*>(argument.c_str()));
         words.push_back(nullptr);

@@ -20,6 +20,7 @@ struct RunSetup {
     std::string folder = {};                   ///< working folder; empty: the test's own
     std::vector<std::string> environment = {}; ///< "NAME=VALUE" in addition
     bool asNobody = false;                     ///< without the rights of root
+    std::string program = {};                  ///< instead of the built one
     std::string outTo = {};                    ///< file for standard output instead of `out`
 };
 

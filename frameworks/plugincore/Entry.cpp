@@ -7,7 +7,6 @@
 #include <array>
 #include <exception>
 #include <iterator>
-#include <mutex>
 
 namespace {
 
@@ -164,12 +163,12 @@ uint32_t Run(const Rule& rule, PluginCore& instance, uint32_t context, void* dat
     }
     ThreadController& locks = instance.GetThreadController();
     if (isUI && rule.lock == Lock::Own) {
-        const std::scoped_lock guard(locks.GetUILock());
+        const Util::CriticalSectionGuard guard(locks.GetUILock());
         return RunLocked(rule, instance, side, data);
     }
-    const std::scoped_lock processGuard(locks.GetProcessLock());
+    const Util::CriticalSectionGuard processGuard(locks.GetProcessLock());
     if (isUI) {
-        const std::scoped_lock uiGuard(locks.GetUILock());
+        const Util::CriticalSectionGuard uiGuard(locks.GetUILock());
         return RunLocked(rule, instance, side, data);
     }
     return RunLocked(rule, instance, side, data);

@@ -7,8 +7,6 @@
 #include "frameworks/plugincore/dsp/ChannelConfig.h"
 #include "frameworks/qobase/util/Realtime.h"
 
-#include <mutex>
-
 namespace {
 
 // A flag that is set from here to the end of the scope, also when an exception ends it.
@@ -49,8 +47,8 @@ void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
 
 void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
 {
-    const std::scoped_lock processGuard(GetThreadController().GetProcessLock());
-    const std::scoped_lock uiGuard(GetThreadController().GetUILock());
+    const Util::CriticalSectionGuard processGuard(GetThreadController().GetProcessLock());
+    const Util::CriticalSectionGuard uiGuard(GetThreadController().GetUILock());
     const ScopedFlag suspendedGuard(suspended);
     const ScopedFlag switchingGuard(switching);
     processing = false;
@@ -107,7 +105,7 @@ void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
         if (context == DSP::Context::Process) {
             onSettle();
         } else {
-            const std::scoped_lock guard(GetThreadController().GetProcessLock());
+            const Util::CriticalSectionGuard guard(GetThreadController().GetProcessLock());
             const ScopedFlag suspendedGuard(suspended);
             onSettle();
         }

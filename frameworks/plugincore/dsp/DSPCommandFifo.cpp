@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/DSPCommandFifo.h"
 
-#include <mutex>
-
 namespace DSP {
 
 DSPCommandFifo::DSPCommandFifo(const String& name, Growing growth, uint32_t capacity)
@@ -15,7 +13,7 @@ DSPCommandFifo::DSPCommandFifo(const String& name, Growing growth, uint32_t capa
 
 bool DSPCommandFifo::Push(DSPCommand* command)
 {
-    const std::scoped_lock guard(writeLock);
+    const Util::CriticalSectionGuard guard(writeLock);
     for (;;) {
         const auto size = static_cast<uint32_t>(slots.size());
         const uint32_t write = writeIndex.load(std::memory_order_relaxed);
@@ -37,7 +35,7 @@ void DSPCommandFifo::Grow()
 {
     const auto oldSize = static_cast<uint32_t>(slots.size());
     std::vector<DSPCommand*> larger(std::size_t{2} * oldSize, nullptr);
-    const std::scoped_lock guard(readLock);
+    const Util::CriticalSectionGuard guard(readLock);
     // A reader may have taken some since the ring was seen full, so the unread ones are counted.
     uint32_t read = readIndex.load(std::memory_order_relaxed);
     const uint32_t write = writeIndex.load(std::memory_order_relaxed);
@@ -53,7 +51,7 @@ void DSPCommandFifo::Grow()
 
 DSPCommand* DSPCommandFifo::Pop()
 {
-    const std::scoped_lock guard(readLock);
+    const Util::CriticalSectionGuard guard(readLock);
     const uint32_t read = readIndex.load(std::memory_order_relaxed);
     // Pairs with the store in Push(): the slot's pointer is seen with the index.
     if (read == writeIndex.load(std::memory_order_acquire)) {

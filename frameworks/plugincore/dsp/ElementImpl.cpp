@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
 
 namespace DSP {
 namespace {
@@ -205,7 +204,7 @@ void ElementImpl::Resume()
 
 void ElementImpl::Reset()
 {
-    const std::scoped_lock guard(host.GetProcessLock());
+    const Util::CriticalSectionGuard guard(host.GetProcessLock());
     for (auto& tail : tails) {
         tail->Reset();
     }
@@ -226,7 +225,7 @@ void ElementImpl::Reset()
 
 void ElementImpl::ResetTails()
 {
-    const std::scoped_lock guard(host.GetProcessLock());
+    const Util::CriticalSectionGuard guard(host.GetProcessLock());
     for (auto& tail : tails) {
         tail->Reset();
     }
@@ -235,7 +234,7 @@ void ElementImpl::ResetTails()
 
 void ElementImpl::ClearState()
 {
-    const std::scoped_lock guard(host.GetProcessLock());
+    const Util::CriticalSectionGuard guard(host.GetProcessLock());
     initialised = false;
     Reset();
 }
@@ -253,7 +252,7 @@ void ElementImpl::ProcessRegion(uint32_t region, uint32_t frames, float* const* 
     }
     const bool hasAudio = frames != 0 && channels != nullptr;
     const DryBlock dry(host, dryHistoryEnabled && hasAudio ? frames : 0, channelCount);
-    const std::scoped_lock guard(host.GetProcessLock());
+    const Util::CriticalSectionGuard guard(host.GetProcessLock());
     if (!DefersCommands()) {
         // What commands took from the pool is free again afterwards.
         const std::size_t mark = host.GetProcessingMemoryMark();

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/FFTPool.h"
 
-#include <mutex>
-
 namespace DSP {
 
 FFTPool::FFTPool(const String& name)
@@ -19,7 +17,7 @@ FFTImpl<float>* FFTPool::GetFFT(uint32_t order)
     if (auto* present = slots[order].load(std::memory_order_acquire)) {
         return present;
     }
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     if (owned[order] == nullptr) {
         owned[order] = std::make_unique<FFTImpl<float>>(static_cast<int>(order));
         slots[order].store(owned[order].get(), std::memory_order_release);

@@ -28,7 +28,7 @@ private:
     static constexpr uint32_t OrderCount = 32;
 
     Util::CriticalSection lock; // held while one is made
-    std::array<std::unique_ptr<FFTImpl<float>>, OrderCount> owned;
+    std::array<std::unique_ptr<FFTImpl<float>>, OrderCount> owned UTIL_GUARDED_BY(lock);
     std::array<std::atomic<FFTImpl<float>*>, OrderCount> slots{};
 };
 

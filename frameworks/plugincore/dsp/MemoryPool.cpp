@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <functional>
-#include <mutex>
 #include <new>
 
 namespace DSP {
@@ -27,7 +26,7 @@ MemoryPool::MemoryPool(const String& name)
 
 void MemoryPool::Reserve(std::size_t bytes)
 {
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     const std::size_t wanted = RoundUp(bytes);
     if (wanted > size && used == 0) {
         memory.resize((wanted + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t));
@@ -52,7 +51,7 @@ bool MemoryPool::Holds(const void* block) const noexcept
 
 void* MemoryPool::Allocate(std::size_t bytes)
 {
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     const std::size_t taken = RoundUp(bytes);
     ForgetOverrun();
     if (taken > size - used) {
@@ -68,7 +67,7 @@ void* MemoryPool::Allocate(std::size_t bytes)
 
 void MemoryPool::Free(void* block, std::size_t bytes)
 {
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     const std::size_t taken = RoundUp(bytes);
     if (used > size) {
         used = 0;
@@ -88,13 +87,13 @@ void MemoryPool::Free(void* block, std::size_t bytes)
 
 std::size_t MemoryPool::GetMark()
 {
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     return used;
 }
 
 void MemoryPool::SetMark(std::size_t mark)
 {
-    const std::scoped_lock guard(lock);
+    const Util::CriticalSectionGuard guard(lock);
     used = used > size ? 0 : mark;
 }
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <mutex>
 
 namespace DSP {
 
@@ -98,7 +97,7 @@ void TransformBase::CopyDry(uint32_t frames, float* const* channels) const
 
 void TransformBase::SetElementObserver(ElementObserver observer)
 {
-    const std::scoped_lock guard(observersLock);
+    const Util::CriticalSectionGuard guard(observersLock);
     const auto isSame = [&](const auto& former) {
         return former->function == observer.function && former->context == observer.context;
     };

@@ -86,7 +86,7 @@ private:
     // The call that sets an observer holds no lock of the instance, so that the process side takes
     // the pointer as it comes; former observers are kept, since it may still be at work with one.
     Util::CriticalSection observersLock{"Element Observers"};
-    std::vector<std::unique_ptr<const ElementObserver>> observers;
+    std::vector<std::unique_ptr<const ElementObserver>> observers UTIL_GUARDED_BY(observersLock);
     std::atomic<const ElementObserver*> elementObserver{nullptr};
 };
 

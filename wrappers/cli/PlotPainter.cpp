@@ -91,7 +91,7 @@ void PlotPainter::FindRange()
     }
     // Silence gets a scale too.
     const double loudest = std::max(Decibel(greatest), -100.0);
-    topDecibel = 10.0 * std::ceil(loudest / 10.0);
+    topDecibel = 10.0 * std::ceil(loudest / 10.0) + 0.0; // the sum makes a 0 of a -0
     floorDecibel = topDecibel - shownDecibels;
 }
 

@@ -88,6 +88,8 @@ int ClaimSlot()
 
 void InstallCleanUpOnSignals()
 {
+    // A limit on the size of files becomes a write that fails, and so a message.
+    std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action = {};
     action.sa_handler = RemoveFilesAndEnd;
     for (const int number : endingSignals) {

@@ -177,9 +177,22 @@ std::vector<std::string> OptionNames(const CLI::App& app)
     return names;
 }
 
+// An empty value is most likely a shell variable that isn't set.
+void RefuseEmptyValues(CLI::App& app)
+{
+    for (CLI::Option* option : app.get_options()) {
+        if (option->get_type_size() > 0 && !option->get_positional()) {
+            option->check([](const std::string& value) {
+                return value.empty() ? std::string("the value is empty") : std::string();
+            });
+        }
+    }
+}
+
 void RefuseUnknown(const CLI::App& app)
 {
-    const std::vector<std::string> unknown = app.remaining();
+    std::vector<std::string> unknown = app.remaining();
+    std::erase(unknown, "--"); // only says that inputs follow
     if (unknown.empty()) {
         return;
     }
@@ -208,6 +221,7 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
     AddControlOptions(app, options, typed);
     AddReportOptions(app, options, typed);
     app.add_flag("--version", wantsVersion, "Print the version and exit");
+    RefuseEmptyValues(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {

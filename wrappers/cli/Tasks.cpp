@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <set>
 
 namespace fs = std::filesystem;
 
@@ -132,20 +133,75 @@ bool IsSameFile(const std::string& a, const std::string& b)
     return a != "-" && b != "-" && fs::is_regular_file(b, failure) && fs::equivalent(a, b, failure);
 }
 
-// Two recordings whose results would be one file: the second is refused, not the first replaced.
-void RefuseClashes(std::vector<Task>& tasks)
+// One name for one file, whatever links lead to it; empty for what can be written any number of
+// times, such as a device.
+std::string IdentityOf(const std::string& name)
 {
+    std::error_code failure;
+    const fs::file_status status = fs::status(name, failure);
+    if (name.empty() || name == "-" || (fs::exists(status) && !fs::is_regular_file(status))) {
+        return {};
+    }
+    const fs::path identity = fs::weakly_canonical(name, failure);
+    return failure ? fs::absolute(name, failure).lexically_normal().string() : identity.string();
+}
+
+/// Who has claimed which file of a run, so that nothing of it replaces anything else of it.
+class Claims {
+public:
+    void AddRecording(const std::string& name) { recordings.insert(IdentityOf(name)); }
+
+    /// Claims the file of a report, which isn't given the name of a recording either.
+    std::string ClaimReport(const std::string& name, const std::string& owner)
+    {
+        const std::string extension = fs::path(name).extension().string();
+        if (extension.size() > 1 && ContainerOfExtension(extension.substr(1))) {
+            return Printable(name) + " has the name of a recording";
+        }
+        return Claim(name, owner);
+    }
+
+    /// Claims a file to be written; `owner` is told to whoever comes later. Answers why not, or an
+    /// empty text. A recording may be replaced only by the result of `itself`.
+    std::string
+    Claim(const std::string& name, const std::string& owner, const std::string& itself = {})
+    {
+        const std::string identity = IdentityOf(name);
+        if (identity.empty()) {
+            return {};
+        }
+        if (recordings.count(identity) != 0 && identity != IdentityOf(itself)) {
+            return Printable(name) + " is a recording of this run; nothing is written over it";
+        }
+        const auto [entry, isNew] = takenBy.emplace(identity, owner);
+        return isNew ? std::string() : Printable(name) + " is already " + entry->second;
+    }
+
+private:
+    std::set<std::string> recordings;
     std::map<std::string, std::string> takenBy;
+};
+
+// What would be written over something else of the run is refused, the later one of two.
+void RefuseClashes(std::vector<Task>& tasks, const Options& options)
+{
+    Claims claims;
+    for (const Task& task : tasks) {
+        claims.AddRecording(task.input);
+    }
+    const std::string reason = claims.ClaimReport(options.events, "the list of events");
+    if (!reason.empty()) {
+        throw UsageError("--events: " + reason);
+    }
     for (Task& task : tasks) {
-        for (const std::string* name : {&task.output, &task.labels, &task.plot}) {
-            if (name->empty() || *name == "-" || !task.failure.empty()) {
-                continue;
-            }
-            const auto [entry, isNew] =
-                takenBy.emplace(fs::path(*name).lexically_normal().string(), task.input);
-            if (!isNew) {
-                task.failure =
-                    Printable(*name) + " is already the result of " + Printable(entry->second);
+        const std::string owner = "the result of " + Printable(task.input);
+        const std::string itself = options.isInPlace ? task.input : "";
+        if (task.failure.empty()) {
+            task.failure = claims.Claim(task.output, owner, itself);
+        }
+        for (const std::string* report : {&task.labels, &task.plot}) {
+            if (task.failure.empty()) {
+                task.failure = claims.ClaimReport(*report, owner);
             }
         }
     }
@@ -194,7 +250,7 @@ std::vector<Task> MakeTasks(const Options& options)
         }
         tasks.push_back(std::move(task));
     }
-    RefuseClashes(tasks);
+    RefuseClashes(tasks, options);
     return tasks;
 }
 

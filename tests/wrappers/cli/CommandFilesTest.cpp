@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
+#include <filesystem>
 
 namespace {
 
@@ -159,6 +160,27 @@ TEST_F(CommandFiles, NeverOverwritesUnlessForced)
     EXPECT_EQ(ReadBytes(folder / "talk.puffguard.wav"), "mine");
     EXPECT_EQ(RunPuffguard({input, "--force"}).exitCode, 0);
     EXPECT_EQ(ReadAudio(folder / "talk.puffguard.wav").GetFrames(), 144000U);
+}
+
+TEST_F(CommandFiles, NothingOfARunReplacesItsRecordingsEvenWhenForced)
+{
+    WriteAudio(folder / "a.wav", MakeSpeech(16000, 1, 0.5));
+    WriteAudio(folder / "a.puffguard.wav", MakeSpeech(16000, 1, 0.7));
+    std::filesystem::create_symlink(folder / "a.wav", folder / "link");
+    const std::string first = ReadBytes(folder / "a.wav");
+    const std::string second = ReadBytes(folder / "a.puffguard.wav");
+    const std::string a = folder / "a.wav";
+    for (const Names& arguments : {Names{a, folder / "a.puffguard.wav", "-f"},
+                                   Names{a, "-n", "-f", "--events", a},
+                                   Names{a, "-n", "-f", "--events", folder / "link"},
+                                   Names{a, "-n", "-f", "--labels", a},
+                                   Names{a, "-n", "-f", "--plot", folder / "a.puffguard.wav"},
+                                   Names{a, "-n", "-f", "--labels", "x", "--plot", "x"}}) {
+        const Outcome outcome = RunPuffguard(arguments);
+        EXPECT_NE(outcome.exitCode, 0) << testing::PrintToString(arguments);
+        EXPECT_EQ(ReadBytes(a), first);
+        EXPECT_EQ(ReadBytes(folder / "a.puffguard.wav"), second);
+    }
 }
 
 TEST_F(CommandFiles, InPlaceReplacesWhenDoneAndKeepsTheOldOneOtherwise)

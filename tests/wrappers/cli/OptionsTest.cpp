@@ -65,6 +65,14 @@ TEST(OptionsTest, SuggestsWhatAMisspeltWordMayMean)
               std::string::npos);
 }
 
+TEST(OptionsTest, RefusesAnEmptyValueAndTakesNamesBehindTwoDashes)
+{
+    EXPECT_EQ(Complaint({"a.wav", "--sensitivity", ""}), "--sensitivity: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "-o", ""}), "--output: the value is empty");
+    const Options options = Parse({"-f", "--", "-a.wav", "--b.wav"});
+    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--b.wav"}));
+}
+
 TEST(OptionsTest, RefusesWhatContradictsItself)
 {
     const std::vector<std::vector<std::string>> cases = {

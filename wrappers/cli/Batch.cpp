@@ -113,6 +113,10 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
         console.Complain(options.events, error.what());
         isGood = false;
     }
+    if (const int failure = console.GetResultFailure()) {
+        console.Complain("standard output", FileError::FromErrno(failure).what());
+        isGood = false;
+    }
     if (options.wantsJson && WriteFully(1, SummaryJson(reports)) != 0) {
         console.Complain("standard output", FileError::FromErrno(errno).what());
         isGood = false;

@@ -87,19 +87,22 @@ Console::~Console()
     EraseBar();
 }
 
-void Console::Write(int descriptor, std::string line)
+int Console::Write(int descriptor, std::string line)
 {
     line += '\n';
     const std::lock_guard lock(mutex);
     EraseBar();
-    // A reader that went away is told by the signal; nothing else could be done about it here.
-    static_cast<void>(WriteFully(descriptor, line));
+    return WriteFully(descriptor, line);
 }
 
 void Console::Result(std::string_view line)
 {
     if (config.showsResults) {
-        Write(config.resultsOnStdErr ? STDERR_FILENO : STDOUT_FILENO, std::string(line));
+        const int target = config.resultsOnStdErr ? STDERR_FILENO : STDOUT_FILENO;
+        const int failure = Write(target, std::string(line));
+        if (failure != 0) {
+            resultFailure = failure;
+        }
     }
 }
 
@@ -140,17 +143,19 @@ std::string Console::BarText(size_t width) const
 {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     double recorded = finishedSeconds;
-    std::optional<double> done = static_cast<double>(finishedFiles);
+    double known = finishedSeconds; // length of the recordings that have been opened
     for (const auto& [number, file] : running) {
-        recorded += static_cast<double>(file.frames) / file.sampleRate;
-        if (file.total && *file.total > 0) {
-            *done += static_cast<double>(file.frames) / static_cast<double>(*file.total);
-        } else if (config.files == 1) {
+        const double soFar = static_cast<double>(file.frames) / file.sampleRate;
+        recorded += soFar;
+        if (!file.total && config.files == 1) {
             return FormatProgress(std::nullopt, recorded, elapsed.count(), width);
         }
+        known += file.total ? static_cast<double>(*file.total) / file.sampleRate : soFar;
     }
-    *done /= static_cast<double>(config.files);
-    return FormatProgress(done, recorded, elapsed.count(), width);
+    // Those to come are taken for as long as the others on average.
+    const auto opened = static_cast<double>(finishedFiles + running.size());
+    const double whole = opened > 0 ? known / opened * static_cast<double>(config.files) : 0.0;
+    return FormatProgress(whole > 0 ? recorded / whole : 0.0, recorded, elapsed.count(), width);
 }
 
 void Console::DrawBar()

@@ -36,6 +36,9 @@ public:
     /// A line about a finished recording.
     void Result(std::string_view line);
 
+    /// Why a result line could not be written, as in errno; 0 when all were.
+    int GetResultFailure() const { return resultFailure; }
+
     /// A line for --verbose.
     void Detail(std::string_view line);
 
@@ -55,7 +58,7 @@ private:
         int sampleRate = 1;
     };
 
-    void Write(int descriptor, std::string line);
+    int Write(int descriptor, std::string line); // 0, or the reason as in errno
     void DrawBar();
     void EraseBar();
     void Tick();
@@ -68,6 +71,7 @@ private:
     size_t finishedFiles = 0;
     double finishedSeconds = 0; // of recording
     bool isBarShown = false;
+    std::atomic<int> resultFailure = 0;
     std::chrono::steady_clock::time_point start;
     std::condition_variable wake;
     bool isEnding = false;

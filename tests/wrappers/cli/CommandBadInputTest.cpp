@@ -158,6 +158,9 @@ TEST_F(CommandBadInput, FullDisk)
     const Outcome piped = RunPuffguard({folder / "good.wav", "-o", "-"}, {.outTo = "/dev/full"});
     EXPECT_EQ(piped.exitCode, 1);
     EXPECT_NE(piped.err.find(reason), std::string::npos) << piped.err;
+    const Outcome unheard = RunPuffguard({folder / "good.wav", "-n"}, {.outTo = "/dev/full"});
+    EXPECT_EQ(unheard.exitCode, 1);
+    EXPECT_NE(unheard.err.find(reason), std::string::npos) << unheard.err;
     EXPECT_EQ(folder.List(), Names{"good.wav"});
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <mutex>
 #include <span>
 #include <string_view>
 
@@ -34,6 +35,10 @@ DescriptorIo::DescriptorIo(int newDescriptor, Access newAccess, std::optional<in
 
 SndFileHandle DescriptorIo::Open(int mode, SF_INFO& info)
 {
+    // The library keeps the reason of a failed opening for the whole process: another file's
+    // opening must not come between the failure and the question.
+    static std::mutex opening;
+    const std::scoped_lock guard(opening);
     SF_VIRTUAL_IO callbacks = {Length, Seek, Read, Write, Tell};
     SndFileHandle handle(sf_open_virtual(&callbacks, mode, &info, this));
     if (failure != 0) {

@@ -130,7 +130,6 @@ PluginSetup ReadSetup(const CreateRecord& record)
     setup.identity = record.identity;
     setup.sampleRate = record.sampleRate;
     setup.channelConfig = record.channelConfig;
-    setup.flag = record.flag;
     setup.traceAllocations = record.traceAllocations != 0;
     return setup;
 }

@@ -17,7 +17,6 @@ struct PluginSetup {
     PluginIdentity identity{};
     float sampleRate = 0;       ///< Hz
     uint32_t channelConfig = 0; ///< layout code
-    int32_t flag = 0;
     bool traceAllocations = false;
 };
 

@@ -36,52 +36,52 @@ typedef struct PluginCore PluginCore;
 typedef enum PluginCoreResult {
     PluginCoreSuccess = 0,
     PluginCoreWrongMagic = 1,
-    PluginCoreWrongContext = 2,   /**< this selector doesn't take this context */
+    PluginCoreWrongContext = 2, /**< this selector doesn't take this context */
     PluginCoreUnknownSelector = 3,
     PluginCoreNullInstance = 4,
-    PluginCoreNullRecord = 5,     /**< the record, or a pointer that it must hold, is null */
-    PluginCoreUnsupported = 6,    /**< unknown sub-operation, index out of range, not supported */
-    PluginCoreNoEditor = 7        /**< the editor could not be opened, or isn't open */
+    PluginCoreNullRecord = 5,  /**< the record, or a pointer that it must hold, is null */
+    PluginCoreUnsupported = 6, /**< unknown sub-operation, index out of range, not supported */
+    PluginCoreNoEditor = 7     /**< the editor could not be opened, or isn't open */
 } PluginCoreResult;
 
 /** Second argument of the entry; the comment names the record. */
 typedef enum PluginCoreSelector {
-    SelectorGetPluginInfo = 0,            /**< PluginInfoRequest; no instance */
-    SelectorCreatePlugin = 1,             /**< CreateRecord; no instance */
-    SelectorGetAllocationTrace = 2,       /**< AllocationTraceRecord */
-    SelectorInitialize = 5,               /**< none */
-    SelectorTerminate = 6,                /**< none */
-    SelectorDestroyPlugin = 7,            /**< none; no other call may run or follow */
-    SelectorGetAutomatableParamCount = 8, /**< uint32_t out */
-    SelectorGetAutomatableParamList = 9,  /**< ParamListRecord of ParamInfoRecord */
+    SelectorGetPluginInfo = 0,             /**< PluginInfoRequest; no instance */
+    SelectorCreatePlugin = 1,              /**< CreateRecord; no instance */
+    SelectorGetAllocationTrace = 2,        /**< AllocationTraceRecord */
+    SelectorInitialize = 5,                /**< none */
+    SelectorTerminate = 6,                 /**< none */
+    SelectorDestroyPlugin = 7,             /**< none; no other call may run or follow */
+    SelectorGetAutomatableParamCount = 8,  /**< uint32_t out */
+    SelectorGetAutomatableParamList = 9,   /**< ParamListRecord of ParamInfoRecord */
     SelectorGetAutomatableParamValue = 10, /**< ParamValueRecord */
     SelectorSetAutomatableParamValue = 11, /**< ParamValueRecord */
-    SelectorGetElementParamCount = 12,    /**< uint32_t out */
-    SelectorGetElementParamList = 13,     /**< ParamListRecord of ElementParamInfoRecord */
-    SelectorGetElementParamValue = 14,    /**< ParamValueRecord */
-    SelectorSetElementParamValue = 15,    /**< ParamValueRecord */
-    SelectorGetParamAtPoint = 16,         /**< ParamAtPointRecord */
-    SelectorSetStreamFormat = 17,         /**< StreamFormatRecord */
-    SelectorGetLatency = 18,              /**< uint32_t out, samples */
-    SelectorResetProcessing = 19,         /**< uint32_t out, samples */
-    SelectorSetProcessingState = 20,      /**< ProcessingStateRecord */
-    SelectorSettle = 21,                  /**< none */
-    SelectorProcess = 22,                 /**< ProcessRecord */
-    SelectorProcessSidePass = 23,         /**< SidePassRecord */
-    SelectorTransformQuery = 24,          /**< uint32_t in and out */
-    SelectorTransformNotify = 25,         /**< uint32_t in; read without a test */
-    SelectorTransformReset = 26,          /**< none */
-    SelectorTransformRead = 27,           /**< TransformReadRecord */
-    SelectorEditorCommand = 28,           /**< EditorRecord */
-    SelectorEditorKey = 29,               /**< EditorKeyRecord */
-    SelectorEditorMouse = 30,             /**< EditorMouseRecord */
-    SelectorStateCommand = 31,            /**< StateRecord */
-    SelectorLoadTransformData = 32,       /**< TransformDataRecord */
-    SelectorModuleListQuery = 33,         /**< ModuleListRecord */
-    SelectorGetExtensionCount = 34,       /**< uint32_t out, always 0 */
-    SelectorElementCommand = 37,          /**< ElementRecord */
-    SelectorSetHostTrackValue = 38,       /**< uint32_t in */
-    SelectorHostMessage = 39              /**< HostMessageRecord */
+    SelectorGetElementParamCount = 12,     /**< uint32_t out */
+    SelectorGetElementParamList = 13,      /**< ParamListRecord of ElementParamInfoRecord */
+    SelectorGetElementParamValue = 14,     /**< ParamValueRecord */
+    SelectorSetElementParamValue = 15,     /**< ParamValueRecord */
+    SelectorGetParamAtPoint = 16,          /**< ParamAtPointRecord */
+    SelectorSetStreamFormat = 17,          /**< StreamFormatRecord */
+    SelectorGetLatency = 18,               /**< uint32_t out, samples */
+    SelectorResetProcessing = 19,          /**< uint32_t out, samples */
+    SelectorSetProcessingState = 20,       /**< ProcessingStateRecord */
+    SelectorSettle = 21,                   /**< none */
+    SelectorProcess = 22,                  /**< ProcessRecord */
+    SelectorProcessSidePass = 23,          /**< SidePassRecord */
+    SelectorTransformQuery = 24,           /**< uint32_t in and out */
+    SelectorTransformNotify = 25,          /**< uint32_t in; read without a test */
+    SelectorTransformReset = 26,           /**< none */
+    SelectorTransformRead = 27,            /**< TransformReadRecord */
+    SelectorEditorCommand = 28,            /**< EditorRecord */
+    SelectorEditorKey = 29,                /**< EditorKeyRecord */
+    SelectorEditorMouse = 30,              /**< EditorMouseRecord */
+    SelectorStateCommand = 31,             /**< StateRecord */
+    SelectorLoadTransformData = 32,        /**< TransformDataRecord */
+    SelectorModuleListQuery = 33,          /**< ModuleListRecord */
+    SelectorGetExtensionCount = 34,        /**< uint32_t out, always 0 */
+    SelectorElementCommand = 37,           /**< ElementRecord */
+    SelectorSetHostTrackValue = 38,        /**< uint32_t in */
+    SelectorHostMessage = 39               /**< HostMessageRecord */
 } PluginCoreSelector;
 
 /**
@@ -89,18 +89,18 @@ typedef enum PluginCoreSelector {
  * sends 1, 2, 12 and 17; the others belong to an editor and to services that it doesn't have.
  */
 typedef enum PluginCoreHostOpcode {
-    HostOpcodeParamEvent = 1,        /**< ParamEventRecord */
-    HostOpcodeLatencyChanged = 2,    /**< uint32_t, samples; the context tells whose latency */
-    HostOpcodeReloadEditor = 3,      /**< none */
-    HostOpcodeUICodeEnd = 4,         /**< none */
-    HostOpcodeUICodeBegin = 5,       /**< none */
-    HostOpcodeGetHostDelay = 12,     /**< uint32_t out, samples that the host adds */
-    HostOpcodeGetHostInfo = 13,      /**< HostInfoRecord out */
-    HostOpcodeAutomationEvent = 14,  /**< AutomationEventRecord */
-    HostOpcodeDirtyState = 16,       /**< none */
-    HostOpcodeGetWindowHint = 17,    /**< WindowHintRecord out */
-    HostOpcodeGetProcessSeconds = 18, /**< float out */
-    HostOpcodeGetUISeconds = 19,     /**< float out */
+    HostOpcodeParamEvent = 1,           /**< ParamEventRecord */
+    HostOpcodeLatencyChanged = 2,       /**< uint32_t, samples; the context tells whose latency */
+    HostOpcodeReloadEditor = 3,         /**< none */
+    HostOpcodeUICodeEnd = 4,            /**< none */
+    HostOpcodeUICodeBegin = 5,          /**< none */
+    HostOpcodeGetHostDelay = 12,        /**< uint32_t out, samples that the host adds */
+    HostOpcodeGetHostInfo = 13,         /**< HostInfoRecord out */
+    HostOpcodeAutomationEvent = 14,     /**< AutomationEventRecord */
+    HostOpcodeDirtyState = 16,          /**< none */
+    HostOpcodeGetWindowHint = 17,       /**< WindowHintRecord out */
+    HostOpcodeGetProcessSeconds = 18,   /**< float out */
+    HostOpcodeGetUISeconds = 19,        /**< float out */
     HostOpcodeRequestReinstantiate = 20 /**< ReinstantiateRecord */
 } PluginCoreHostOpcode;
 
@@ -128,9 +128,9 @@ typedef uint32_t (*PluginCoreEntryFunction)(
  * What the wrapper lends: (magic, opcode, context, refcon, record). It is called from within a call
  * of the entry, or from the module's own timer thread, and answers without waiting for another
  * thread. The context says what a message is about, not which thread brings it: a change of the
- * processing side's latency may come from the UI side while no audio runs. The callback may call the
- * entry again on the same thread; a new stream format that it asks for from inside a process call or
- * a change of latency is not heard.
+ * processing side's latency may come from the UI side while no audio runs. The callback may call
+ * the entry again on the same thread; a new stream format that it asks for from inside a process
+ * call or a change of latency is not heard.
  */
 typedef uint32_t (*PluginCoreHostFunction)(
     uint32_t magic, uint32_t opcode, uint32_t context, void* hostRefcon, void* data);
@@ -221,7 +221,7 @@ typedef struct CreateRecord {
     PluginCore** instance;  /**< out */
     float sampleRate;       /**< Hz; what isn't finite and above 0 counts as 44100 */
     uint32_t channelConfig; /**< 0 mono, 1 stereo, 13 to 34 plain layouts of 3 to 24 channels */
-    int32_t flag;
+    int32_t flag;           /**< accepted; nothing depends on it */
     int32_t traceAllocations;
 } CreateRecord;
 
@@ -233,7 +233,7 @@ typedef struct AllocationTraceRecord {
     uint32_t* traceCount;
     uint32_t* stride; /**< always 200 */
     uint32_t* wordCount;
-    void* buffer; /**< may be null */
+    void* buffer;             /**< may be null */
     uint64_t* constructStart; /**< stack top at construction when tracing was asked for, else 0 */
     uint64_t* editorStart;
 } AllocationTraceRecord;
@@ -250,14 +250,14 @@ typedef struct ParamInfoRecord {
     char identifier[256]; /**< "element.parameter" */
     char displayName[1024];
     char units[1024];
-    char labels[2048]; /**< of an enumeration, separated by tabs */
-    uint32_t type;     /**< PluginCoreParamType */
-    uint32_t flags;    /**< bit 0: logarithmic */
-    uint32_t isAutomatable;    /**< 0 here; see ElementParamInfoRecord */
-    uint32_t isAutomatable2;   /**< 0 here */
+    char labels[2048];       /**< of an enumeration, separated by tabs */
+    uint32_t type;           /**< PluginCoreParamType */
+    uint32_t flags;          /**< bit 0: logarithmic */
+    uint32_t isAutomatable;  /**< 0 here; see ElementParamInfoRecord */
+    uint32_t isAutomatable2; /**< 0 here */
     uint32_t reserved;
     uint32_t automatableIndex; /**< 0 here */
-    float minimum; /**< in the parameter's own units, as are the next two */
+    float minimum;             /**< in the parameter's own units, as are the next two */
     float maximum;
     float defaultValue;
     uint32_t steps; /**< number of values of a bool or an enumeration, 0 for a float */
@@ -273,7 +273,7 @@ typedef struct ElementParamInfoRecord {
 typedef struct ParamListRecord {
     uint32_t count; /**< in: must equal the real count */
     uint32_t reserved;
-    void* params;   /**< out: array of `count` records */
+    void* params; /**< out: array of `count` records */
 } ParamListRecord;
 
 /** Selectors 10, 11, 14, 15. The value is normalised: 0 to 1, linear over the range. */
@@ -369,15 +369,15 @@ typedef struct TransformReadRecord {
  * and the bins from 20 to 150 Hz.
  */
 typedef struct DetectionRecord {
-    uint32_t number;   /**< running number, from 0 */
-    uint32_t restart;  /**< how often the repair had restarted */
-    int64_t centre;    /**< samples */
-    int64_t start;     /**< samples, first frame of the region */
-    int64_t end;       /**< samples, last frame of the region */
-    float severity;    /**< 0 to 1 */
-    float pitchHz;     /**< 0: unvoiced */
-    float detection;   /**< detection value of the centre frame */
-    float threshold;   /**< what it had to exceed */
+    uint32_t number;  /**< running number, from 0 */
+    uint32_t restart; /**< how often the repair had restarted */
+    int64_t centre;   /**< samples */
+    int64_t start;    /**< samples, first frame of the region */
+    int64_t end;      /**< samples, last frame of the region */
+    float severity;   /**< 0 to 1 */
+    float pitchHz;    /**< 0: unvoiced */
+    float detection;  /**< detection value of the centre frame */
+    float threshold;  /**< what it had to exceed */
     double energyBefore;
     double energyAfter;
     uint32_t hop;         /**< number of the hop in which the repair was made, from 0 */
@@ -388,8 +388,8 @@ typedef struct DetectionRecord {
 
 /** Sums over all frames since the repair last restarted. */
 typedef struct DetectionTotalsRecord {
-    uint64_t hops;       /**< frames analysed */
-    double bandEnergy;   /**< before any repair; units of DetectionRecord.energyBefore */
+    uint64_t hops;     /**< frames analysed */
+    double bandEnergy; /**< before any repair; units of DetectionRecord.energyBefore */
     uint32_t restart;
     uint32_t detections; /**< number that the next repair will get */
 } DetectionTotalsRecord;
@@ -501,7 +501,7 @@ typedef struct ElementRecord {
     uint32_t index;
     char name[256]; /**< out */
     uint32_t reserved268;
-    void* element; /**< out */
+    void* element;                      /**< out */
     PluginCoreElementObserver observer; /**< null removes it */
     void* observerContext;
     uint8_t observerOnWorker; /**< accepted; resets run on the calling thread */

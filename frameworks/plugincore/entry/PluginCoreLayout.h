@@ -14,7 +14,8 @@
 #define PLUGIN_CORE_ASSERT(condition) _Static_assert(condition, #condition)
 #endif
 #define PLUGIN_CORE_SIZE(record, bytes) PLUGIN_CORE_ASSERT(sizeof(record) == (bytes))
-#define PLUGIN_CORE_AT(record, member, bytes) PLUGIN_CORE_ASSERT(offsetof(record, member) == (bytes))
+#define PLUGIN_CORE_AT(record, member, bytes)                                                      \
+    PLUGIN_CORE_ASSERT(offsetof(record, member) == (bytes))
 
 PLUGIN_CORE_ASSERT(sizeof(void*) == 8);
 

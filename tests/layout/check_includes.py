@@ -17,18 +17,25 @@ from pathlib import Path
 UTIL, ENTRY = "frameworks/qobase/util", "frameworks/plugincore/entry"
 DSP, CORE = "frameworks/plugincore/dsp", "frameworks/plugincore"
 FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
+CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/preset"
+HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
 PRODUCT = "restoration/plugin_LM_Puffguard"
-EVERYTHING = {UTIL, ENTRY, DSP, CORE, FAMILY, REPAIR, PRODUCT, "tests/support", "wrappers/cli"}
+EVERYTHING = {UTIL, ENTRY, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY, REPAIR,
+              PRODUCT, "tests/support", "wrappers/cli"}
 
 # Folder: the folders that its files may include, besides itself. The longest match counts.
 ARROWS = {
     UTIL: set(),
     ENTRY: set(),
     DSP: {ENTRY, UTIL},
-    CORE: {DSP, ENTRY, UTIL},
-    FAMILY: {CORE, DSP, ENTRY, UTIL},
+    CONTROLLER: {DSP, UTIL},
+    PRESET: {CONTROLLER, DSP, UTIL},
+    HISTORY: {UTIL},
+    HISTORY_DIALOG: {HISTORY, UTIL},
+    CORE: {CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
+    FAMILY: {CORE, CONTROLLER, PRESET, DSP, ENTRY, UTIL},
     REPAIR: {DSP, ENTRY, UTIL},
-    PRODUCT: {FAMILY, REPAIR, CORE, ENTRY, UTIL},
+    PRODUCT: {FAMILY, REPAIR, HISTORY_DIALOG, CORE, CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
     "wrappers/cli": {ENTRY},
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
@@ -42,13 +49,20 @@ ARROWS = {
 WITHOUT_LIBRARIES = ("frameworks/", "restoration/")
 # Operating system and processor headers, for sources only: the seams towards a platform.
 PLATFORM = {
-    UTIL: {"xmmintrin.h", "emmintrin.h", "unistd.h"},
+    UTIL: {"xmmintrin.h", "emmintrin.h", "unistd.h", "fcntl.h", "pwd.h", "sys/file.h", "sys/random.h",
+           "sys/stat.h"},
     CORE: {"dlfcn.h"},
     REPAIR: {"xmmintrin.h", "emmintrin.h", "arm_neon.h"},
     DSP: {"xmmintrin.h", "emmintrin.h", "arm_neon.h"},
 }
 # Libraries that a folder's sources may use.
-LIBRARIES = {DSP: ("boost/signals2/",)}
+LIBRARIES = {
+    UTIL: ("json/", "zlib.h"),
+    DSP: ("boost/signals2/",),
+    CONTROLLER: ("boost/signals2/",),
+    PRESET: ("boost/signals2/", "pugixml.hpp"),
+    CORE: ("boost/signals2/",),
+}
 C_HEADERS = {name + ".h" for name in (
     "assert complex ctype errno fenv float inttypes iso646 limits locale math setjmp signal stdalign"
     " stdarg stdatomic stdbool stddef stdint stdio stdlib stdnoreturn string tgmath threads time"

@@ -140,8 +140,12 @@ typedef void (*PluginCoreElementObserver)(void* observerContext, void* element, 
 
 /** Who is loading: filled by the wrapper, copied by value. */
 typedef struct PluginIdentity {
-    char options[1024]; /**< tokens separated by "|"; "Lang:xx" forces the interface language */
-    int32_t format;     /**< PluginCoreFormat */
+    /**
+     * Tokens separated by "|". "Lang:xx" forces the interface language. "Offline" is for a renderer
+     * of files: the user's settings change neither latency nor values, and none is written.
+     */
+    char options[1024];
+    int32_t format; /**< PluginCoreFormat */
     uint8_t reserved[4];
 } PluginIdentity;
 
@@ -529,6 +533,47 @@ typedef struct HostMessageRecord {
     uint32_t length; /**< bytes */
     void* data;
 } HostMessageRecord;
+
+/** Message of SelectorHostMessage with context 1: presets of the instance; data: PresetRecord. */
+#define PLUGIN_CORE_MESSAGE_PRESET 0x50755072u
+
+/**
+ * One operation on presets. A call that carries it answers PluginCoreSuccess whenever the operation
+ * is known and the record is large enough; `failed` tells how the operation went. An instance whose
+ * operation failed is as it was.
+ */
+typedef struct PresetRecord {
+    int32_t op;
+    uint8_t failed;     /**< out: 1 when the operation failed; `message` says why */
+    uint8_t isReadOnly; /**< out of PresetOpDescribe: not to be overwritten or removed */
+    uint8_t reserved6[2];
+    uint32_t count; /**< out of PresetOpList: entries */
+    uint32_t index; /**< in of PresetOpDescribe: place in the list made by PresetOpList */
+    uint32_t group; /**< out of PresetOpDescribe: PluginCorePresetGroup */
+    uint32_t reserved20;
+    const char*
+        name; /**< in: a preset's name, or a file's path: one with "/" or ending in ".xml" */
+    const char* comment;      /**< in of PresetOpSave; null: none */
+    char presetName[256];     /**< out; texts are UTF-8, cut to their field and terminated */
+    char presetComment[1024]; /**< out */
+    char path[4096];          /**< out; empty for an entry without a file */
+    char message[1024]; /**< out: what went wrong, or what a list shows in place of a comment */
+} PresetRecord;
+
+/** Sub-operations of PLUGIN_CORE_MESSAGE_PRESET. */
+typedef enum PluginCorePresetOp {
+    PresetOpList = 0,     /**< looks at the folders anew and counts */
+    PresetOpDescribe = 1, /**< name, group, comment and path of one entry of that list */
+    PresetOpApply = 2,    /**< sets the instance's values by the preset `name`; names it */
+    PresetOpSave = 3      /**< writes the instance's values to `name`; tells the path */
+} PluginCorePresetOp;
+
+/** Where a preset of the list comes from. */
+typedef enum PluginCorePresetGroup {
+    PresetGroupBuiltIn = 0, /**< made on the spot: the elements' defaults */
+    PresetGroupFactory = 1, /**< came with the product */
+    PresetGroupUser = 2     /**< in the user's preset folder */
+} PluginCorePresetGroup;
 
 /** HostOpcodeParamEvent. */
 typedef struct ParamEventRecord {

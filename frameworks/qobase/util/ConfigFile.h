@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Bytes.h"
+#include "frameworks/qobase/util/String.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace Util {
+
+/// Settings of a user under one key path, such as "SOFTWARE/Vendor/Product".
+///
+/// Kept in one JSON file a key path, `<configuration folder>/Vendor/Product.json`; child keys are
+/// files in the folder of that name. Three kinds of value exist (text, 32-bit number, binary) and
+/// are kept apart; names are flat, whatever they hold. A read that finds nothing, or another kind,
+/// gives the default. A write is on the disk when it returns, merged with what other processes
+/// wrote meanwhile, and is dropped silently when it can't be. A file that is no settings file is
+/// set aside under a new name by the first write. No operation raises.
+///
+/// Threads: [any]; objects of one path share their contents within the process.
+class ConfigFile {
+public:
+    explicit ConfigFile(const String& keyPath);
+    ConfigFile(const ConfigFile&) = delete;
+    ConfigFile& operator=(const ConfigFile&) = delete;
+    virtual ~ConfigFile();
+
+    /// Of this key, or of the child key `subPath` when that isn't empty.
+    virtual void GetValueNames(std::set<String>& names, const String& subPath) const;
+    virtual void GetSubKeys(std::set<String>& names, const String& subPath) const;
+
+    virtual String ReadString(const String& name, const String& defaultValue) const;
+    virtual void WriteString(const String& name, const String& text);
+    virtual float ReadFloat(const String& name, float defaultValue) const;
+    virtual void WriteFloat(const String& name, float value);
+    virtual bool ReadBool(const String& name, bool defaultValue) const;
+    virtual void WriteBool(const String& name, bool value);
+    virtual int32_t ReadInt(const String& name, int32_t defaultValue) const;
+    virtual void WriteInt(const String& name, int32_t value);
+    virtual uint32_t ReadUInt(const String& name, uint32_t defaultValue) const;
+    virtual void WriteUInt(const String& name, uint32_t value);
+    virtual Bytes ReadBinary(const String& name, const Bytes& defaultValue) const;
+    virtual void WriteBinary(const String& name, ByteSpan bytes);
+    virtual bool HasValue(const String& name) const;
+    virtual void DeleteValue(const String& name);
+    /// The child key with everything below it, or this key's values when `subPath` is empty.
+    virtual void DeleteKey(const String& subPath);
+    /// Takes settings from text, one a line: `name=kind:value`, kind one of "text", "number" and
+    /// "binary" (hexadecimal). Lines that can't be read, and those that start with "#" or ";", are
+    /// passed over. True when every other line was taken.
+    virtual bool Import(const String& text);
+
+    /// With "\" between the parts.
+    const String& GetKeyPath() const { return keyPath; }
+
+private:
+    class Store;
+
+    const String keyPath;
+    const std::shared_ptr<Store> store; // one a path and process
+};
+
+} // namespace Util

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Bytes.h"
+#include "frameworks/qobase/util/Expected.h"
+
+#include <cstdint>
+
+namespace Util {
+
+/// A path with explicit open, read, write and seek. Never throws; failures carry a text for a
+/// person, the category "File" as their detail, and the path and the system's reason as arguments.
+/// An open file is closed with the object. One object belongs to one thread.
+class File {
+public:
+    struct ErrorKind;
+    using Error = BasicError<ErrorKind>;
+
+    /// The numbers are those that callers store.
+    enum class Mode : uint32_t { Read = 2, Write = 4 };
+
+    explicit File(String newPath);
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    File(File&& other) noexcept;
+    File& operator=(File&& other) noexcept;
+    ~File();
+
+    const String& GetPath() const { return path; }
+    bool IsOpen() const { return descriptor >= 0; }
+
+    /// Write makes the file or empties it. A file that is open is closed first.
+    Expected<void> Open(Mode mode);
+    /// Exactly `count` bytes, or a failure; the position is then undefined.
+    Expected<void> Read(void* buffer, uint64_t count);
+    Expected<void> Write(const void* buffer, uint64_t count);
+    /// Bytes from the start.
+    Expected<void> Seek(uint64_t position);
+    Expected<void> Close();
+    /// Brings what was written to the disk.
+    Expected<void> Flush();
+
+    Expected<uint64_t> GetSize() const;
+    Expected<uint64_t> GetPosition() const;
+    /// Seconds since 1970; of the path, open or not.
+    Expected<int64_t> GetModificationTime() const;
+    bool Exists() const;
+    Expected<void> Remove();
+    /// Renames the file, replacing a file at `target`. The object keeps its old path.
+    Expected<void> Move(const String& target);
+
+private:
+    String path;
+    int descriptor = -1;
+    int lastError = 0; // errno of the last failure
+};
+
+/// Everything in the file at `path`; a failure when it is larger than `maxBytes`. [ui]
+Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimedBytes);
+
+/// Puts `bytes` in the place of the file at `path`, whole or not at all: a temporary beside it is
+/// written, flushed to the disk and renamed. On failure the former file stays and the temporary
+/// goes. Follows a symbolic link; keeps the former file's permissions. [ui]
+Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes);
+
+} // namespace Util

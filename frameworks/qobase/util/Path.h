@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Expected.h"
+
+#include <vector>
+
+/// Paths, with "/" as the separator of this platform. [any]
+namespace Util::Path {
+
+/// Folder and file with exactly one separator between them.
+String Join(const String& folder, const String& file);
+/// Each "/" and "\" as the platform's separator.
+String ToNative(const String& path);
+/// The last part; empty when the path ends in a separator.
+String GetFileName(const String& path);
+/// The last part without its last extension: "a/b.c.xml" gives "b.c".
+String GetStem(const String& path);
+/// All before the last separator; empty when there is none.
+String GetFolder(const String& path);
+
+enum class Recursive { No, Yes };
+/// Makes a folder, with the ones above it when asked. A folder that is there is a success.
+Expected<void> MakeDirectory(const String& path, Recursive recursive);
+bool IsDirectory(const String& path);
+
+/// Full paths of the regular files in a folder whose name ends in `extension` (with its dot,
+/// matched without case), in byte order. None for a folder that can't be read.
+std::vector<String> ListFiles(const String& folder, const String& extension);
+
+/// The user's folders, without a separator at the end. They follow the environment, so that a test
+/// can move them.
+String GetHomeFolder();
+String GetApplicationDataFolder(); ///< $XDG_DATA_HOME or ~/.local/share
+String GetConfigurationFolder();   ///< $XDG_CONFIG_HOME or ~/.config
+String GetDocumentsFolder();       ///< as xdg-user-dir DOCUMENTS says, or ~/Documents
+/// "%USERDOCS%" at the start of a pattern filled in, separators made native.
+String ExpandUserFolders(const String& pattern);
+
+} // namespace Util::Path

@@ -85,19 +85,19 @@ bool PeriodicTimer::SharedThread::IsOwnThread(const Lock&) const noexcept
     return alive && threadId == std::this_thread::get_id();
 }
 
-void PeriodicTimer::SharedThread::Insert(const std::shared_ptr<Entry>& entry)
+void PeriodicTimer::SharedThread::Insert(const std::shared_ptr<Entry>& timer)
 {
-    entry->deadline = Clock::now() + entry->period;
-    entries.push_back(entry);
+    timer->deadline = Clock::now() + timer->period;
+    entries.push_back(timer);
     changed.notify_all();
 }
 
-void PeriodicTimer::SharedThread::Add(const std::shared_ptr<Entry>& entry)
+void PeriodicTimer::SharedThread::Add(const std::shared_ptr<Entry>& timer)
 {
     {
         const Lock lock(mutex);
         if (IsOwnThread(lock)) {
-            Insert(entry);
+            Insert(timer);
             return;
         }
     }
@@ -110,20 +110,20 @@ void PeriodicTimer::SharedThread::Add(const std::shared_ptr<Entry>& entry)
         threadId = thread.get_id();
         alive = true;
     }
-    Insert(entry);
+    Insert(timer);
 }
 
-void PeriodicTimer::SharedThread::Remove(const std::shared_ptr<Entry>& entry)
+void PeriodicTimer::SharedThread::Remove(const std::shared_ptr<Entry>& timer)
 {
     {
         Lock lock(mutex);
-        std::erase(entries, entry);
+        std::erase(entries, timer);
         // From within a callback there is nothing to wait for. The thread ends after it when this
         // was the last timer, and is joined by the next one or by the module's unloading.
         if (IsOwnThread(lock))
             return;
         changed.notify_all();
-        changed.wait(lock, [&] { return running != entry.get(); });
+        changed.wait(lock, [&] { return running != timer.get(); });
     }
     EndWhenUnused();
 }

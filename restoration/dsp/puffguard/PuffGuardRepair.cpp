@@ -113,8 +113,8 @@ double PuffGuard::GetFrameEnergy(uint32_t slot) const noexcept UTIL_NONBLOCKING
     for (int32_t channel = 0; channel < spectra.GetChannelCount(); ++channel) {
         const float* const spectrum = spectra.GetChannel(channel);
         for (std::ptrdiff_t bin = energyFirst; bin <= energyLast; ++bin) {
-            const double re = spectrum[2 * bin];
-            const double im = spectrum[2 * bin + 1];
+            const auto re = static_cast<double>(spectrum[2 * bin]);
+            const auto im = static_cast<double>(spectrum[2 * bin + 1]);
             energy += re * re + im * im;
         }
     }

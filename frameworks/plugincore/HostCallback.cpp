@@ -26,6 +26,11 @@ void HostCallback::NotifyParam(const ParamEventRecord& event)
     SendOrHold({HostOpcodeParamEvent, DSP::Context::UI, 0, event});
 }
 
+void HostCallback::NotifyDirty()
+{
+    SendOrHold({HostOpcodeDirtyState, DSP::Context::UI, 0, {}});
+}
+
 void HostCallback::SendOrHold(const Notification& notification)
 {
     if (holdingThread.load() == std::this_thread::get_id()) {
@@ -43,12 +48,14 @@ std::vector<HostCallback::Notification> HostCallback::TakeHeld()
 
 void HostCallback::Send(const Notification& notification) const
 {
-    // The host gets a copy: its callback may write into the record.
+    // The host gets copies: its callback may write into the record.
+    uint32_t samples = notification.latency;
+    ParamEventRecord event = notification.event;
+    void* data = nullptr;
     if (notification.opcode == HostOpcodeLatencyChanged) {
-        uint32_t samples = notification.latency;
-        Ask(notification.opcode, notification.context, &samples);
-    } else {
-        ParamEventRecord event = notification.event;
-        Ask(notification.opcode, notification.context, &event);
+        data = &samples;
+    } else if (notification.opcode == HostOpcodeParamEvent) {
+        data = &event;
     }
+    Ask(notification.opcode, notification.context, data);
 }

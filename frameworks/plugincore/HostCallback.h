@@ -30,6 +30,8 @@ public:
     /// Both sides. Allocates only while notifications are held back, never on the process side.
     void NotifyLatency(DSP::Context context, uint32_t samples);
     void NotifyParam(const ParamEventRecord& event);
+    /// The state has changed by what the user did. [ui]
+    void NotifyDirty();
 
     /// Holds back what the calling thread notifies, from here to TakeHeld(). One thread at a time,
     /// with the UI lock held. [ui]

@@ -18,6 +18,36 @@ constexpr uint32_t ProcessingHoldMilliseconds = 2500;
 constexpr uint32_t IgnoredHostMessage = 0x8070A002;
 constexpr uint32_t EditorTextMessage = 0x800523BC;
 
+// No host delays by more than this, a minute and a half at the highest rate; a dry line that long
+// can still be had.
+constexpr int32_t LongestFrozenDelay = 1 << 24;
+
+String SettingsPath(const String& vendor, const String& identifier)
+{
+    return String("SOFTWARE/%1/%2").arg(vendor).arg(identifier);
+}
+
+String ProductSettingsPath(const PluginDefinition& definition)
+{
+    return definition.GetConfigPath().value_or(
+        SettingsPath(definition.GetVendor(), definition.GetShortName()));
+}
+
+std::unique_ptr<Util::ConfigFile> MakeSharedConfigFile(const PluginDefinition& definition)
+{
+    const String identifier = definition.GetSharedConfigId();
+    return identifier.IsEmpty() ? nullptr
+                                : std::make_unique<Util::ConfigFile>(
+                                      SettingsPath(definition.GetVendor(), identifier));
+}
+
+std::optional<uint32_t> ReadFrozenDelay(const Util::ConfigFile& settings)
+{
+    const int32_t samples = settings.ReadInt("FrozenSystemDelay", -1);
+    const bool isUsable = samples >= 0 && samples <= LongestFrozenDelay;
+    return isUsable ? std::optional<uint32_t>(static_cast<uint32_t>(samples)) : std::nullopt;
+}
+
 uint64_t StackTop()
 {
     return reinterpret_cast<uint64_t>(__builtin_frame_address(0));
@@ -34,7 +64,11 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , maxBlockFrames(factory.GetDefinition().GetMaxBlockFrames())
     , constructStart(setup.traceAllocations ? StackTop() : 0)
     , hostIdentity(IdentifyHost(Util::GetExecutablePath()))
-    , delaySettings(factory.GetDelaySettings())
+    , configFile(ProductSettingsPath(factory.GetDefinition()))
+    , sharedConfigFile(MakeSharedConfigFile(factory.GetDefinition()))
+    , delayCompensationEnabled(IsOffline() || configFile.ReadBool("DelayCompensationEnable", true))
+    , frozenSystemDelay(IsOffline() ? std::nullopt : ReadFrozenDelay(configFile))
+    , sessionUuid(Util::MakeUuid())
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue(1)
@@ -46,6 +80,7 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     UpdateLatency(DSP::Context::Process, Notify::No);
     transform->PlanDryDelay();
     BuildElementParamList();
+    history = factory.CreateHistory(*this);
     if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
         timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
     }
@@ -56,6 +91,7 @@ Plugin::~Plugin()
 {
     suspended = true;
     timer.reset();
+    history.reset();
     transform.reset(); // its elements give back the commands that they still hold
     // What is left was lost to a full ring.
     for (DSP::DSPCommand* command : liveCommands) {
@@ -108,6 +144,12 @@ uint64_t Plugin::GetProcessPosition() const
     return transform->GetSamplesProcessed() + processBlockOffset;
 }
 
+void Plugin::AttachEditor(Editor* newEditor)
+{
+    editor = newEditor;
+    editorThread = newEditor != nullptr ? std::this_thread::get_id() : std::thread::id();
+}
+
 void Plugin::CommandPosted(DSP::Element& /*element*/, DSP::DSPCommand& command)
 {
     liveCommands.push_back(&command);
@@ -158,6 +200,13 @@ uint32_t Plugin::ElementCommand(ElementRecord& record)
     }
 }
 
+void Plugin::NotifyHistory()
+{
+    if (history) {
+        history->onStateChanged();
+    }
+}
+
 void Plugin::SetHostTrackValue(uint64_t value)
 {
     hostTrackValue = value;
@@ -188,9 +237,14 @@ std::vector<HostCallback::Notification> Plugin::RunIdleWork()
 {
     GetHostCallback().Hold();
     try {
-        processDirty = false;
+        if (processDirty.exchange(false)) {
+            NotifyHistory();
+        }
         transform->GetSet().OnUIIdle();
         transform->GetSet().OnSyncParams();
+        if (history) {
+            history->onIdle();
+        }
         CheckLatency(DSP::Context::UI);
     } catch (...) {
         static_cast<void>(GetHostCallback().TakeHeld());

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/Editor.h"
 #include "frameworks/plugincore/HostIdentification.h"
 #include "frameworks/plugincore/PluginFactory.h"
 #include "frameworks/plugincore/dsp/FFTPool.h"
 #include "frameworks/plugincore/dsp/MemoryPool.h"
+#include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 #include "frameworks/qobase/util/Timer.h"
+#include "frameworks/qobase/util/Uuid.h"
 
 #include <array>
 #include <atomic>
@@ -101,6 +104,22 @@ public:
     bool RecentlyProcessed() const;
     const HostIdentity& GetHostIdentity() const { return hostIdentity; }
 
+    DSP::DSPSet& GetSet() const { return transform->GetSet(); }
+    /// The user's settings for this product, also of an offline instance, which looks at them only
+    /// for what it is asked to do. [ui]
+    Util::ConfigFile& GetConfigFile() { return configFile; }
+    /// The settings that products share; null when there are none. [ui]
+    Util::ConfigFile* GetSharedConfigFile() { return sharedConfigFile.get(); }
+    const Util::Uuid& GetSessionUuid() const { return sessionUuid; }
+
+    /// The open editor, of the calling thread from now on; it stays the caller's. Null: there is
+    /// none. Under the UI lock. [ui]
+    void AttachEditor(Editor* newEditor);
+    Editor* GetEditor() const { return editor; }
+
+    /// Tells the host that the user has changed the instance's state. [ui]
+    void NotifyDirty() { GetHostCallback().NotifyDirty(); }
+
 private:
     // One side's view of the delay between input and output, in samples.
     struct Latency {
@@ -122,6 +141,7 @@ private:
     // Plugin.cpp
     void Tick();
     std::vector<HostCallback::Notification> RunIdleWork();
+    void NotifyHistory();
     Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
 
     // PluginLatency.cpp
@@ -151,7 +171,11 @@ private:
     const uint32_t maxBlockFrames;
     const uint64_t constructStart;
     const HostIdentity hostIdentity;
-    const DelaySettings delaySettings;
+    Util::ConfigFile configFile;
+    const std::unique_ptr<Util::ConfigFile> sharedConfigFile;
+    const bool delayCompensationEnabled;
+    const std::optional<uint32_t> frozenSystemDelay; // samples that the host is told at any rate
+    const Util::Uuid sessionUuid;
     std::atomic<bool> reconfiguring{true}; // until construction is done, then during a new format
     std::atomic<bool> initialized{false};
     std::atomic<bool> suspended{false};
@@ -175,7 +199,11 @@ private:
     WindowHintRecord hostWindowHint{};
     std::atomic<uint64_t> hostTrackValue{0};
     std::atomic<bool> hasHostTrackValue{false};
+    Editor* editor = nullptr;               // not owned; UI side
+    std::thread::id editorThread{};         // that attached the editor
+    std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
     std::unique_ptr<DSP::TransformBase> transform;
+    std::unique_ptr<HistoryManager> history; // may be null
     std::vector<ElementParam> elementParamList;
     std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
 };

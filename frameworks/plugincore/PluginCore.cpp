@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <vector>
 
 namespace {
 
@@ -36,6 +37,12 @@ std::optional<String> ReadLanguage(const char* options)
     return std::nullopt;
 }
 
+bool HasToken(const char* options, const String& token)
+{
+    const std::vector<String> tokens = String(options).Split('|');
+    return std::find(tokens.begin(), tokens.end(), token) != tokens.end();
+}
+
 PluginIdentity Terminated(PluginIdentity identity)
 {
     identity.options[std::size(identity.options) - 1] = '\0';
@@ -47,6 +54,7 @@ PluginIdentity Terminated(PluginIdentity identity)
 PluginCore::PluginCore(const PluginDefinition& newDefinition, const PluginSetup& setup)
     : identity(Terminated(setup.identity))
     , forcedLanguage(ReadLanguage(identity.options))
+    , isOffline(HasToken(identity.options, "Offline"))
     , definition(newDefinition)
     , hostCallback(setup.hostCallback, setup.hostRefcon)
     , modulePath(setup.modulePath)

@@ -38,6 +38,9 @@ struct PluginCore {
     const String& GetModulePath() const { return modulePath; }
     /// Interface language that the wrapper forces, when it is one that there are texts for.
     const std::optional<String>& GetForcedLanguage() const { return forcedLanguage; }
+    /// For a renderer of files: the user's settings and saved values neither change the instance
+    /// nor are changed by it, and it writes no file by itself. [any]
+    bool IsOffline() const { return isOffline; }
 
     virtual void Initialize() = 0;
     virtual void Terminate() = 0;
@@ -83,6 +86,7 @@ protected:
 private:
     PluginIdentity identity;
     std::optional<String> forcedLanguage;
+    const bool isOffline;
     const PluginDefinition& definition;
     HostCallback hostCallback;
     const String modulePath;

@@ -22,8 +22,8 @@ void Plugin::UpdateLatency(DSP::Context context, Notify notify)
             sum += element->GetLatency(context);
         }
     }
-    uint32_t reported = delaySettings.frozenSystemDelay.value_or(sum);
-    if (!delaySettings.delayCompensationEnabled) {
+    uint32_t reported = frozenSystemDelay.value_or(sum);
+    if (!delayCompensationEnabled) {
         reported = 0;
     }
     Latency& latency = GetLatencyOf(context);

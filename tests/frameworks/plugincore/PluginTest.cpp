@@ -5,10 +5,12 @@
 
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
 #include "restoration/plugin/LMDSPSet.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <new>
@@ -17,7 +19,7 @@
 
 namespace {
 
-using DSP::Context;
+using Side = DSP::Context; // `Context` is a namespace of its own
 
 // Passes audio on, late by its parameter "Late", and writes down what it sees.
 class Recorder final : public DSP::ElementDispatcher {
@@ -34,7 +36,7 @@ public:
         registration.target = &late;
         registration.onProcessChange = [this](float value) {
             line.SetLength(static_cast<uint32_t>(value));
-            GetHost().LatencyChanged(Context::Process);
+            GetHost().LatencyChanged(Side::Process);
         };
         registration.onUIChange = [this](float) { GetHost().ParamChanged(*this, "Late"); };
         RegisterFloatParam(0, registration);
@@ -51,7 +53,7 @@ public:
     bool refusesStereo = false;
 
 protected:
-    uint32_t GetLatencySamples(Context) const override { return static_cast<uint32_t>(late); }
+    uint32_t GetLatencySamples(Side) const override { return static_cast<uint32_t>(late); }
     uint32_t GetMaxLatencySamples() const override { return MaxLate; }
     void OnReset() override
     {
@@ -102,6 +104,8 @@ private:
 
 class Definition final : public PluginDefinition {
 public:
+    String GetVendor() const override { return "Test"; }
+    String GetShortName() const override { return "Plugin"; }
     uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
     uint32_t maxBlockFrames = 8192;
 };
@@ -116,10 +120,8 @@ public:
         transform = made.get();
         return made;
     }
-    DelaySettings GetDelaySettings() const override { return settings; }
 
     Definition definition;
-    DelaySettings settings;
     mutable TestTransform* transform = nullptr;
 };
 
@@ -133,16 +135,20 @@ struct Call {
 enum : uint32_t { Bypass = 0, Late = 1 };
 
 struct PluginTest : testing::Test {
+    const Support::UserFolders folders;
+    Util::ConfigFile settings{"SOFTWARE/Test/Plugin"};
     Factory factory;
     std::vector<Call> calls;
     std::function<void()> onLatencyChanged;
+    const char* options = "";
     std::unique_ptr<Plugin> plugin;
 
     static uint32_t
     Answer(uint32_t /*magic*/, uint32_t opcode, uint32_t context, void* refcon, void* data)
     {
         auto& test = *static_cast<PluginTest*>(refcon);
-        test.calls.push_back({opcode, context, *static_cast<uint32_t*>(data)});
+        const uint32_t word = data != nullptr ? *static_cast<uint32_t*>(data) : 0;
+        test.calls.push_back({opcode, context, word});
         if (opcode == HostOpcodeLatencyChanged && test.onLatencyChanged) {
             test.onLatencyChanged();
         }
@@ -156,6 +162,7 @@ struct PluginTest : testing::Test {
         setup.hostRefcon = this;
         setup.sampleRate = rate;
         setup.channelConfig = layout;
+        std::strcpy(setup.identity.options, options);
         plugin = std::make_unique<Plugin>(factory, setup);
         plugin->Initialize();
         calls.clear();
@@ -172,7 +179,7 @@ struct PluginTest : testing::Test {
         plugin->process(record);
     }
 
-    void Set(uint32_t index, float value, Context context = Context::UI)
+    void Set(uint32_t index, float value, Side context = Side::UI)
     {
         plugin->SetAutomatableParam(context, {index, value});
     }
@@ -241,7 +248,7 @@ TEST_F(PluginTest, ReportsALatencyOnceToEachSideWhileNoAudioRuns)
     Create();
     Set(Late, 0.5F);
     EXPECT_EQ(calls, (std::vector<Call>{{2, 0, 50}, {2, 1, 50}}));
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 50U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
     Set(Late, 0.5F);
     EXPECT_EQ(calls.size(), 2U);
 }
@@ -252,14 +259,14 @@ TEST_F(PluginTest, LeavesTheUISidesHalfToTheTickWhileAudioRuns)
     std::vector<float> samples(64);
     Process(samples);
     EXPECT_TRUE(plugin->IsProcessing());
-    Set(Late, 0.25F, Context::Process);
+    Set(Late, 0.25F, Side::Process);
     EXPECT_EQ(calls, (std::vector<Call>{{2, 0, 25}}));
     // From the other side: the command waits for the next block, and that tells the process side.
     Set(Late, 0.75F);
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 25U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 25U);
     Process(samples);
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 75U);
-    plugin->SetProcessingState(Context::UI, false, false);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 75U);
+    plugin->SetProcessingState(Side::UI, false, false);
     EXPECT_FALSE(plugin->IsProcessing());
 }
 
@@ -275,8 +282,8 @@ TEST_F(PluginTest, AddsTheHostsOwnDelayToTheUIFigureOnly)
         return PluginCoreUnsupported;
     };
     const Plugin withDelay(factory, setup);
-    EXPECT_EQ(withDelay.GetLatency(Context::Process), 0U);
-    EXPECT_EQ(withDelay.GetLatency(Context::UI), 7U);
+    EXPECT_EQ(withDelay.GetLatency(Side::Process), 0U);
+    EXPECT_EQ(withDelay.GetLatency(Side::UI), 7U);
 }
 
 TEST_F(PluginTest, BypassDelaysTheInputByTheReportedLatency)
@@ -305,10 +312,10 @@ TEST_F(PluginTest, BypassDelaysTheInputByTheReportedLatency)
 
 TEST_F(PluginTest, FrozenDelayIsToldAndDelaysTheDryPathWhateverTheSum)
 {
-    factory.settings.frozenSystemDelay = 512; // above the elements' longest
+    settings.WriteInt("FrozenSystemDelay", 512); // above the elements' longest
     Create();
     Set(Late, 1.0F);
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 512U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 512U);
     Set(Bypass, 1.0F);
     std::vector<float> samples = Impulse(1000);
     Process(samples);
@@ -317,16 +324,28 @@ TEST_F(PluginTest, FrozenDelayIsToldAndDelaysTheDryPathWhateverTheSum)
 
 TEST_F(PluginTest, WithoutCompensationTheHostIsToldZero)
 {
-    factory.settings.delayCompensationEnabled = false;
-    factory.settings.frozenSystemDelay = 5;
+    settings.WriteBool("DelayCompensationEnable", false);
+    settings.WriteInt("FrozenSystemDelay", 5);
     Create();
     Set(Late, 1.0F);
     EXPECT_TRUE(calls.empty());
-    EXPECT_EQ(plugin->GetLatency(Context::UI), 0U);
+    EXPECT_EQ(plugin->GetLatency(Side::UI), 0U);
     Set(Bypass, 1.0F);
     std::vector<float> samples = Impulse(10);
     Process(samples);
     EXPECT_EQ(PeakOf(samples), 0);
+}
+
+TEST_F(PluginTest, TakesADelayFromTheSettingsOnlyWhenItCanBeAndIsOnline)
+{
+    settings.WriteInt("FrozenSystemDelay", -3);
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
+    settings.WriteInt("FrozenSystemDelay", 2'000'000'000); // gigabytes of dry lines
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
+    settings.WriteInt("FrozenSystemDelay", 7);
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 7U);
+    options = "Lang:de|Offline";
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
 }
 
 TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
@@ -338,7 +357,7 @@ TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
     plugin->SetStreamFormat(48000.0F, 1);
     EXPECT_EQ(&factory.transform->GetRecorder(), &recorder);
     EXPECT_EQ(recorder.GetChannelCount(), 2U);
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 50U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
     Set(Bypass, 1.0F);
     samples.assign(300, 0.0F);
     Process(samples); // nothing of the former audio is left in the dry lines
@@ -363,9 +382,9 @@ TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
     Process(samples);
     Set(Late, 0.5F); // waits in the ring
     Process(samples);
-    EXPECT_EQ(plugin->GetLatency(Context::Process), 50U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
     EXPECT_EQ(recorder.GetChannelCount(), 1U);
-    plugin->SetProcessingState(Context::UI, false, false);
+    plugin->SetProcessingState(Side::UI, false, false);
     Set(Late, 0.25F); // runs at once
     EXPECT_EQ(recorder.GetChannelCount(), 1U);
     onLatencyChanged = nullptr;
@@ -400,7 +419,7 @@ TEST_F(PluginTest, HostSetsAreNotEchoedOthersAre)
     Recorder& recorder = Create();
     Set(Late, 0.5F);
     calls.clear();
-    recorder.SetFloatValue(0, 25.0F, Context::UI, DSP::SourceController);
+    recorder.SetFloatValue(0, 25.0F, Side::UI, DSP::SourceController);
     EXPECT_EQ(calls.back(), (Call{1, 1, 1})); // kind 1: value changed
     calls.clear();
     Set(Late, 0.5F);
@@ -414,10 +433,10 @@ TEST_F(PluginTest, SettingAnEqualButStaleValueStillArrives)
 {
     Create();
     Set(Late, 0.5F);
-    Set(Late, 0.2F, Context::Process);
+    Set(Late, 0.2F, Side::Process);
     Set(Late, 0.5F);
     ParamValueRecord record{Late, 0.0F};
-    plugin->GetAutomatableParam(Context::Process, record);
+    plugin->GetAutomatableParam(Side::Process, record);
     EXPECT_EQ(record.value, 0.5F);
 }
 
@@ -433,6 +452,6 @@ TEST_F(PluginTest, KnowsWhoMayChangeTheSignalPath)
     audio.join();
     EXPECT_FALSE(plugin->MayChangeDSP());
     EXPECT_TRUE(plugin->RecentlyProcessed());
-    plugin->SetProcessingState(Context::UI, false, false);
+    plugin->SetProcessingState(Side::UI, false, false);
     EXPECT_TRUE(plugin->MayChangeDSP());
 }

@@ -20,6 +20,7 @@ public:
     virtual void EndDictionary() = 0;
     /// The whole text of the root; the writer is then empty and as good as new.
     virtual String GetText() = 0;
+    virtual void WriteArray(const String& key, const DictionaryValue::Array& value) = 0;
 };
 
 /// Writes every value of `dictionary` into the dictionary that the writer has open.

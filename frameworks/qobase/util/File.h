@@ -29,38 +29,50 @@ public:
     const String& GetPath() const { return path; }
     bool IsOpen() const { return descriptor >= 0; }
 
-    /// Write makes the file or empties it. A file that is open is closed first.
+    /// Write makes the file or empties it. A file that is open is closed first. A folder is
+    /// refused.
     Expected<void> Open(Mode mode);
     /// Exactly `count` bytes, or a failure; the position is then undefined.
     Expected<void> Read(void* buffer, uint64_t count);
+    /// All `count` bytes, or a failure; the position is then undefined.
     Expected<void> Write(const void* buffer, uint64_t count);
     /// Bytes from the start.
     Expected<void> Seek(uint64_t position);
+    /// The file is closed whatever comes back. Success when it wasn't open.
     Expected<void> Close();
     /// Brings what was written to the disk.
     Expected<void> Flush();
 
+    /// Bytes; of an open regular file.
     Expected<uint64_t> GetSize() const;
     Expected<uint64_t> GetPosition() const;
     /// Seconds since 1970; of the path, open or not.
     Expected<int64_t> GetModificationTime() const;
+    /// Also true for a folder.
     bool Exists() const;
+    /// Of the path, open or not. No folder is removed.
     Expected<void> Remove();
     /// Renames the file, replacing a file at `target`. The object keeps its old path.
     Expected<void> Move(const String& target);
 
+    /// A failure at `path`; `systemError` is the system's number of the reason. [any]
+    static Error MakeError(const String& text, const String& path, int systemError);
+
 private:
+    Expected<void> Result(int systemError, const char* text) const;
+
     String path;
-    int descriptor = -1;
-    int lastError = 0; // errno of the last failure
+    int descriptor = -1; // the runtime library's number of the open file
 };
 
-/// Everything in the file at `path`; a failure when it is larger than `maxBytes`. [ui]
+/// Everything in the file at `path`; a failure when it is larger than `maxBytes`. A pipe is read to
+/// its end; folders and devices are refused. [ui]
 Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimedBytes);
 
 /// Puts `bytes` in the place of the file at `path`, whole or not at all: a temporary beside it is
 /// written, flushed to the disk and renamed. On failure the former file stays and the temporary
-/// goes. Follows a symbolic link; keeps the former file's permissions. [ui]
+/// goes. Follows a symbolic link; keeps the former file's permissions; refuses what is no regular
+/// file, and a file that this user may not write. [ui]
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes);
 
 } // namespace Util

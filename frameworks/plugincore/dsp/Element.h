@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 namespace DSP {
 
@@ -61,6 +62,18 @@ public:
     virtual const ParamObject* FindParam(uint32_t index) const = 0;
     /// A static empty record for an unknown name.
     virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
+
+    /// State beside the parameters that is saved with them as bytes. [ui]
+    virtual bool HasExtraBytes() const = 0;
+    virtual uint32_t GetExtraBytesCount() const = 0;
+    /// Fills bytes to be saved; as many as GetExtraBytesSize() says.
+    virtual void WriteExtraBytes(std::span<uint8_t> bytes) const = 0;
+    /// GetExtraBytesCount(), but 0 while there are none.
+    virtual uint32_t GetExtraBytesSize() const = 0;
+    /// Takes saved bytes over, which come from a file and may be anything.
+    virtual void ReadExtraBytes(std::span<const uint8_t> bytes) = 0;
+    /// Takes over that there were none.
+    virtual void ClearExtraBytes() = 0;
 
     /// Nested; the first Suspend and the last Resume reach the element and its children. [setup]
     virtual void Suspend() = 0;

@@ -25,6 +25,7 @@ public:
     }
 
     T GetValue(Context thread) const override { return transport.GetValue(thread); }
+    T GetWantedValue() const override { return transport.GetWantedValue(); }
     bool SetValue(T value, Context thread, ValueSource source) override
     {
         return transport.SetValue(value, thread, source);
@@ -58,6 +59,7 @@ public:
     }
 
     uint32_t GetValue(Context thread) const override { return inner.GetValue(thread); }
+    uint32_t GetWantedValue() const override { return inner.GetWantedValue(); }
     bool SetValue(uint32_t value, Context thread, ValueSource source) override
     {
         return inner.SetValue(value, thread, source);

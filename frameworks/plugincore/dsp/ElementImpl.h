@@ -46,6 +46,15 @@ public:
     uint32_t GetMaxLatency() const override { return GetMaxLatencySamples(); }
     uint32_t GetRegionCount() const override { return static_cast<uint32_t>(tails.size()); }
     uint32_t GetParamVersion() const override { return 0; }
+    bool HasExtraBytes() const override { return false; }
+    uint32_t GetExtraBytesCount() const override { return 0; }
+    void WriteExtraBytes(std::span<uint8_t> /*bytes*/) const override {}
+    uint32_t GetExtraBytesSize() const override
+    {
+        return HasExtraBytes() ? GetExtraBytesCount() : 0;
+    }
+    void ReadExtraBytes(std::span<const uint8_t> /*bytes*/) override {}
+    void ClearExtraBytes() override {}
     void Suspend() override;
     void Resume() override;
     void Reset() override;

@@ -51,6 +51,9 @@ public:
 
     /// Value of that side. [any]
     virtual T GetValue(Context thread) const = 0;
+    /// What the user or the plug-in host asked for last, also while it is on its way to the process
+    /// side: what is saved. [ui]
+    virtual T GetWantedValue() const = 0;
     /// Clamps, compares and sets the value of that side; true when it changed. [process] or [ui]
     virtual bool SetValue(T value, Context thread, ValueSource source) = 0;
     virtual ValueRange<T> GetRange() const = 0;

@@ -24,14 +24,20 @@ std::string DisplayName(const std::string& path)
     return path == "-" ? "stdin" : path;
 }
 
+void WriteText(int descriptor, std::string_view text)
+{
+    const int failure = WriteFully(descriptor, text);
+    if (failure != 0) {
+        throw FileError("standard output: " + std::string(FileError::FromErrno(failure).what()));
+    }
+}
+
 Console::Config ConsoleConfig(const Options& options, size_t files)
 {
-    const bool isStdOutTaken = WritesAudioToStandardOutput(options) || options.events == "-" ||
-                               options.labels == "-" || options.plot == "-";
     Console::Config config;
     config.showsResults = !options.isQuiet && !options.wantsJson;
     config.showsDetails = options.isVerbose;
-    config.resultsOnStdErr = isStdOutTaken;
+    config.resultsOnStdErr = TakesStandardOutput(options);
     config.showsProgress = !options.isQuiet;
     config.files = files;
     return config;
@@ -88,11 +94,36 @@ bool HasFailure(const std::vector<FileReport>& reports)
     });
 }
 
-bool RunAll(const Options& options, const Module& module, const std::vector<Task>& tasks)
+// The table was asked for by name: --quiet doesn't hold it back.
+void ShowParameters(const Options& options, const Session& session)
 {
+    if (!options.session.printsParams || options.wantsJson) {
+        return;
+    }
+    const int target = TakesStandardOutput(options) ? 2 : 1;
+    WriteText(target, ParameterTable(session.parameters));
+}
+
+void TellSaved(Console& console, const Session& session)
+{
+    if (!session.savedPreset.empty()) {
+        console.Result("preset -> " + Printable(session.savedPreset));
+    }
+    if (!session.savedState.empty() && session.savedState != "-") {
+        console.Result("session -> " + Printable(session.savedState));
+    }
+}
+
+bool RunAll(const Options& options,
+            const Module& module,
+            const Session& session,
+            const std::vector<Task>& tasks)
+{
+    ShowParameters(options, session);
     Console console(ConsoleConfig(options, tasks.size()));
     console.Detail(fmt::format(
         "module {}, version {}", Printable(module.GetPath()), module.GetInfo().versionText));
+    TellSaved(console, session);
     std::unique_ptr<EventsDocument> events;
     const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
     try {
@@ -103,7 +134,8 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
         console.Complain(options.events, error.what());
         return false;
     }
-    const auto reports = RunTasks({options, module, console, events.get()}, tasks, console);
+    const auto reports =
+        RunTasks({options, module, session, console, events.get()}, tasks, console);
     bool isGood = !HasFailure(reports);
     try {
         if (events) {
@@ -117,7 +149,7 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
         console.Complain("standard output", FileError::FromErrno(failure).what());
         isGood = false;
     }
-    if (options.wantsJson && WriteFully(1, SummaryJson(reports)) != 0) {
+    if (options.wantsJson && WriteFully(1, SummaryJson(session, reports)) != 0) {
         console.Complain("standard output", FileError::FromErrno(errno).what());
         isGood = false;
     }
@@ -128,12 +160,17 @@ bool RunAll(const Options& options, const Module& module, const std::vector<Task
 
 int RunBatch(const Options& options)
 {
+    if (options.session.listsPresets) {
+        WriteText(1, ListPresets(Module::Load(), options.wantsJson));
+        return allDone;
+    }
     const std::vector<Task> tasks = MakeTasks(options);
-    if (tasks.empty()) {
+    if (tasks.empty() && !options.inputs.empty()) {
         throw FileError("no recordings in " + Printable(options.inputs.front()));
     }
     const Module module = Module::Load();
-    return RunAll(options, module, tasks) ? allDone : someFailed;
+    const Session session = MakeSession(options, module);
+    return RunAll(options, module, session, tasks) ? allDone : someFailed;
 }
 
 } // namespace Cli

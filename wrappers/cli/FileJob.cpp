@@ -88,7 +88,10 @@ public:
         , channels(static_cast<size_t>(reader.GetChannels()))
         , labels(OpenReport(task.labels, options))
         , plot(OpenReport(task.plot, options))
-        , instance(context.module, reader.GetSampleRate(), reader.GetChannels(), options.controls)
+        , instance(context.module,
+                   reader.GetSampleRate(),
+                   reader.GetChannels(),
+                   context.session.settings)
         , alignment(channels,
                     static_cast<size_t>(options.block),
                     instance.GetLatency(),
@@ -197,6 +200,7 @@ void FileJob::Describe(FileReport& report) const
     report.sampleRate = reader.GetSampleRate();
     report.channels = reader.GetChannels();
     report.latency = instance.GetLatency();
+    report.preset = context.session.preset ? context.session.preset->name : "";
     const Controls& controls = instance.GetControls();
     context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; "
                                        "sensitivity {}, strength {}, up to {} Hz, "

@@ -6,6 +6,7 @@
 #include "wrappers/cli/FileReport.h"
 #include "wrappers/cli/Module.h"
 #include "wrappers/cli/Options.h"
+#include "wrappers/cli/Session.h"
 #include "wrappers/cli/Tasks.h"
 
 #include <cstddef>
@@ -16,6 +17,7 @@ namespace Cli {
 struct RunContext {
     const Options& options;
     const Module& module;
+    const Session& session;
     Console& console;
     EventsDocument* events; ///< null when not wanted
 };

@@ -15,6 +15,59 @@ std::string Counted(uint64_t count, const char* noun)
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
+nlohmann::ordered_json TextOrNull(const std::string& text)
+{
+    return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(ToUtf8(text));
+}
+
+nlohmann::ordered_json ToJson(const Parameter& parameter, double value)
+{
+    if (parameter.type == ParamTypeBool) {
+        return value >= 0.5;
+    }
+    if (parameter.type == ParamTypeEnum) {
+        return ToUtf8(FormatValue(parameter, value));
+    }
+    return value;
+}
+
+nlohmann::ordered_json ToJson(const Parameter& parameter)
+{
+    nlohmann::ordered_json json;
+    json["name"] = ToUtf8(parameter.identifier);
+    json["value"] = ToJson(parameter, parameter.value);
+    if (parameter.type == ParamTypeFloat) {
+        json["minimum"] = parameter.minimum;
+        json["maximum"] = parameter.maximum;
+    }
+    if (parameter.type == ParamTypeEnum) {
+        json["values"] = parameter.labels;
+    }
+    json["default"] = ToJson(parameter, parameter.defaultValue);
+    json["unit"] = TextOrNull(parameter.unit);
+    return json;
+}
+
+nlohmann::ordered_json ToJson(const Session& session)
+{
+    nlohmann::ordered_json json;
+    json["version"] = PUFFGUARD_VERSION;
+    json["preset"] = nullptr;
+    if (session.preset) {
+        json["preset"] = {{"name", ToUtf8(session.preset->name)},
+                          {"file", TextOrNull(session.preset->path)}};
+    }
+    json["savedPreset"] = TextOrNull(session.savedPreset);
+    json["savedState"] = TextOrNull(session.savedState);
+    if (!session.parameters.empty()) {
+        json["parameters"] = nlohmann::ordered_json::array();
+        for (const Parameter& parameter : session.parameters) {
+            json["parameters"].push_back(ToJson(parameter));
+        }
+    }
+    return json;
+}
+
 nlohmann::ordered_json ToJson(const FileReport& report)
 {
     nlohmann::ordered_json json;
@@ -24,8 +77,7 @@ nlohmann::ordered_json ToJson(const FileReport& report)
         json["reason"] = ToUtf8(report.failure);
         return json;
     }
-    json["output"] = report.output.empty() ? nlohmann::ordered_json()
-                                           : nlohmann::ordered_json(ToUtf8(report.output));
+    json["output"] = TextOrNull(report.output);
     json["sampleRate"] = report.sampleRate;
     json["channels"] = report.channels;
     json["frames"] = report.frames;
@@ -59,6 +111,9 @@ std::string SummaryLine(const FileReport& report)
                             report.events.strongest->removed,
                             -report.events.strongest->reduction);
     }
+    if (!report.preset.empty()) {
+        line += "; preset " + Printable(report.preset);
+    }
     line += fmt::format("; {:.0f}x real time", report.GetSpeed());
     if (!report.output.empty() && report.output != "-") {
         line += " -> " + Printable(report.output);
@@ -66,10 +121,9 @@ std::string SummaryLine(const FileReport& report)
     return line;
 }
 
-std::string SummaryJson(const std::vector<FileReport>& reports)
+std::string SummaryJson(const Session& session, const std::vector<FileReport>& reports)
 {
-    nlohmann::ordered_json json;
-    json["version"] = PUFFGUARD_VERSION;
+    nlohmann::ordered_json json = ToJson(session);
     json["files"] = nlohmann::ordered_json::array();
     size_t failed = 0;
     for (const FileReport& report : reports) {

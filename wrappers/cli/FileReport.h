@@ -2,9 +2,11 @@
 #pragma once
 
 #include "wrappers/cli/Events.h"
+#include "wrappers/cli/Session.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Cli {
 
@@ -12,6 +14,7 @@ namespace Cli {
 struct FileReport {
     std::string input;
     std::string output;  ///< empty when no audio was written
+    std::string preset;  ///< name of the one that was used; empty: none
     std::string failure; ///< not empty: why it failed; the rest then says nothing
     int sampleRate = 0;  ///< Hz
     int channels = 0;
@@ -34,7 +37,7 @@ struct FileReport {
 /// One line for a reader: what was found, the strongest and where, how fast.
 std::string SummaryLine(const FileReport& report);
 
-/// All reports as one JSON document.
-std::string SummaryJson(const std::vector<FileReport>& reports);
+/// All reports, with what the run was set to, as one JSON document.
+std::string SummaryJson(const Session& session, const std::vector<FileReport>& reports);
 
 } // namespace Cli

@@ -6,8 +6,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 
 namespace Cli {
 
@@ -16,23 +14,16 @@ namespace {
 constexpr uint32_t processContext = 0;
 constexpr uint32_t uiContext = 1;
 
+constexpr const char* sensitivity = "PuffGuard.Sensitivity";
+constexpr const char* strength = "PuffGuard.Strength";
+constexpr const char* upperFrequency = "PuffGuard.Upper Repair Frequency";
+constexpr const char* latencyScaling = "PuffGuard.Latency Scaling";
+constexpr const char* bypass = "Global.Global Bypass";
+
 // Files have no controls that a change of latency or a parameter could be shown on.
 uint32_t RefuseHostCall(uint32_t, uint32_t, uint32_t, void*, void*)
 {
     return 1;
-}
-
-// Length of a text that may fill its field without a terminator.
-std::string_view FieldText(const char* field, size_t size)
-{
-    return {field, ::strnlen(field, size)};
-}
-
-// A float's decimal form without the digits that come from its being binary: 200 and not
-// 200.00000596.
-double Tidy(double value)
-{
-    return std::round(value * 1e4) / 1e4;
 }
 
 } // namespace
@@ -43,19 +34,12 @@ uint32_t ChannelConfigOf(int channels)
     return count <= 2 ? count - 1 : count + 10;
 }
 
-Instance::Instance(const Module& newModule,
-                   int sampleRate,
-                   int channels,
-                   const ChosenControls& chosen)
+Instance::Instance(const Module& newModule, int sampleRate, int channels, const Settings& settings)
     : module(newModule)
 {
     Create(sampleRate, channels);
     try {
-        Call(SelectorInitialize, uiContext, nullptr, "be initialised");
-        ReadParamList();
-        SetControls(chosen);
-        Call(SelectorGetLatency, processContext, &latency, "tell its latency");
-        nextDetection = ReadTotals().detections;
+        SetUp(settings);
     } catch (...) {
         module.Call(SelectorDestroyPlugin, uiContext, core, nullptr);
         throw;
@@ -75,6 +59,9 @@ void Instance::Create(int sampleRate, int channels)
     record.hostRefcon = this;
     module.GetPath().copy(static_cast<char*>(record.modulePath), sizeof record.modulePath - 1);
     record.identity.format = FormatStandalone;
+    // What the user has set up for live use must not shift a result.
+    std::string_view("Offline").copy(static_cast<char*>(record.identity.options),
+                                     sizeof record.identity.options - 1);
     record.instance = &core;
     record.sampleRate = static_cast<float>(sampleRate);
     record.channelConfig = ChannelConfigOf(channels);
@@ -82,6 +69,20 @@ void Instance::Create(int sampleRate, int channels)
     if (answer != PluginCoreSuccess || core == nullptr) {
         throw ModuleError(fmt::format("the module makes no instance (answer {})", answer));
     }
+}
+
+void Instance::SetUp(const Settings& settings)
+{
+    Call(SelectorInitialize, uiContext, nullptr, "be initialised");
+    ReadParamList();
+    for (const char* name : {sensitivity, strength, upperFrequency, latencyScaling, bypass}) {
+        SetParam(name, params[FindParam(name)].defaultValue);
+    }
+    if (!settings.state.empty() && !LoadState(settings.state)) {
+        throw ModuleError("the module refuses the settings that it gave itself");
+    }
+    Choose(settings.chosen);
+    nextDetection = ReadTotals().detections;
 }
 
 void Instance::Call(uint32_t selector, uint32_t context, void* data, const char* purpose) const
@@ -96,49 +97,63 @@ void Instance::ReadParamList()
 {
     uint32_t count = 0;
     Call(SelectorGetElementParamCount, uiContext, &count, "count its parameters");
-    params.resize(count);
-    ParamListRecord list = {count, 0, params.data()};
+    std::vector<ElementParamInfoRecord> records(count);
+    ParamListRecord list = {count, 0, records.data()};
     Call(SelectorGetElementParamList, uiContext, &list, "list its parameters");
+    for (const ElementParamInfoRecord& record : records) {
+        params.push_back(MakeParameter(record.info));
+    }
 }
 
-const ElementParamInfoRecord& Instance::FindParam(std::string_view identifier,
-                                                  uint32_t& index) const
+uint32_t Instance::FindParam(std::string_view identifier) const
 {
-    const auto isWanted = [&](const ElementParamInfoRecord& param) {
-        const auto& field = param.info.identifier;
+    const auto found = std::find_if(params.begin(), params.end(), [&](const Parameter& param) {
         // The element's name has been spelt both "PuffGuard" and "Puffguard".
-        return LowerCase(FieldText(static_cast<const char*>(field), sizeof field)) ==
-               LowerCase(identifier);
-    };
-    const auto found = std::find_if(params.begin(), params.end(), isWanted);
+        return LowerCase(param.identifier) == LowerCase(identifier);
+    });
     if (found == params.end()) {
         throw ModuleError(fmt::format("the module has no parameter \"{}\"", identifier));
     }
-    index = static_cast<uint32_t>(found - params.begin());
-    return *found;
+    return static_cast<uint32_t>(found - params.begin());
 }
 
-double Instance::SetControl(std::string_view identifier, std::optional<double> value)
+void Instance::SetParam(std::string_view identifier, std::optional<double> value)
 {
-    ParamValueRecord record = {};
-    const ParamInfoRecord& info = FindParam(identifier, record.index).info;
-    const auto minimum = static_cast<double>(info.minimum);
-    const auto maximum = static_cast<double>(info.maximum);
-    const double wanted =
-        std::clamp(value.value_or(static_cast<double>(info.defaultValue)), minimum, maximum);
-    const double range = maximum - minimum;
-    record.value = static_cast<float>(range > 0 ? (wanted - minimum) / range : 0.0);
-    Call(SelectorSetElementParamValue, uiContext, &record, "take a parameter");
-    return value ? wanted : Tidy(wanted);
+    if (value) {
+        const uint32_t index = FindParam(identifier);
+        ParamValueRecord record = {index, Normalised(params[index], *value)};
+        Call(SelectorSetElementParamValue, uiContext, &record, "take a parameter");
+    }
 }
 
-void Instance::SetControls(const ChosenControls& chosen)
+double Instance::ReadParam(uint32_t index) const
 {
-    controls.sensitivity = SetControl("PuffGuard.Sensitivity", chosen.sensitivity);
-    controls.strength = SetControl("PuffGuard.Strength", chosen.strength);
-    controls.upperFrequency = SetControl("PuffGuard.Upper Repair Frequency", chosen.upperFrequency);
-    controls.latencyScaling = SetControl("PuffGuard.Latency Scaling", chosen.latencyScaling);
-    controls.bypass = SetControl("Global.Global Bypass", chosen.bypass ? 1.0 : 0.0) >= 0.5;
+    ParamValueRecord record = {index, 0};
+    Call(SelectorGetElementParamValue, uiContext, &record, "tell a parameter");
+    return FromNormalised(params[index], record.value);
+}
+
+void Instance::Choose(const ChosenControls& chosen)
+{
+    const auto set = [this](const char* name, std::optional<double> value) {
+        SetParam(name, value);
+        return value ? *value : ReadParam(FindParam(name));
+    };
+    controls.sensitivity = set(sensitivity, chosen.sensitivity);
+    controls.strength = set(strength, chosen.strength);
+    controls.upperFrequency = set(upperFrequency, chosen.upperFrequency);
+    controls.latencyScaling = set(latencyScaling, chosen.latencyScaling);
+    controls.bypass = set(bypass, chosen.bypass ? std::optional(1.0) : std::nullopt) >= 0.5;
+    Call(SelectorGetLatency, processContext, &latency, "tell its latency");
+}
+
+std::vector<Parameter> Instance::ReadParameters() const
+{
+    std::vector<Parameter> result = params;
+    for (uint32_t index = 0; index < result.size(); ++index) {
+        result[index].value = ReadParam(index);
+    }
+    return result;
 }
 
 void Instance::Process(float** channels, uint32_t frames)

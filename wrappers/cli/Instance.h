@@ -2,6 +2,8 @@
 #pragma once
 
 #include "wrappers/cli/Module.h"
+#include "wrappers/cli/Parameters.h"
+#include "wrappers/cli/Presets.h"
 
 #include <array>
 #include <cstdint>
@@ -21,13 +23,19 @@ struct Controls {
     bool bypass = false;
 };
 
-/// Controls that the user chose; the others stay as the module has them by default.
+/// Controls that the user chose; the others stay as they are.
 struct ChosenControls {
     std::optional<double> sensitivity;
     std::optional<double> strength;
     std::optional<double> upperFrequency;
     std::optional<double> latencyScaling;
     bool bypass = false;
+};
+
+/// What an instance is set to, one upon the other.
+struct Settings {
+    std::string state; ///< a saved session; empty: the module's defaults
+    ChosenControls chosen;
 };
 
 /// One instance of the module, driven through the entry as a host drives it. All calls of one
@@ -37,12 +45,36 @@ public:
     /// Makes and initialises an instance and sets its controls, before any audio runs. All controls
     /// are set, chosen or not, so that nothing kept from another session shows in the result.
     /// Throws ModuleError.
-    Instance(const Module& module, int sampleRate, int channels, const ChosenControls& chosen);
+    Instance(const Module& module, int sampleRate, int channels, const Settings& settings);
     ~Instance();
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
     Instance(Instance&&) = delete;
     Instance& operator=(Instance&&) = delete;
+
+    /// Sets what the user chose on top of what is set. Throws ModuleError.
+    void Choose(const ChosenControls& chosen);
+
+    /// Takes a saved session; false when it is none, and then nothing has changed. Throws
+    /// ModuleError.
+    bool LoadState(std::string_view state);
+
+    /// The session as it stands. Throws ModuleError.
+    std::string SaveState() const;
+
+    /// Sets the instance by a preset's name or file. Throws FileError when it can't be, and then
+    /// nothing has changed; its text names the preset. Throws ModuleError.
+    Preset ApplyPreset(const std::string& name);
+
+    /// Writes the settings as a preset, under a name or into a file, and returns the file. Throws
+    /// FileError, whose text names it, and ModuleError.
+    std::string SavePreset(const std::string& name, const std::string& comment);
+
+    /// Throws ModuleError.
+    std::vector<Preset> ListPresets();
+
+    /// All parameters with their values. Throws ModuleError.
+    std::vector<Parameter> ReadParameters() const;
 
     const Controls& GetControls() const { return controls; }
 
@@ -65,16 +97,19 @@ public:
 
 private:
     void Create(int sampleRate, int channels);
-    void SetControls(const ChosenControls& chosen);
-    double SetControl(std::string_view identifier, std::optional<double> value);
-    const ElementParamInfoRecord& FindParam(std::string_view identifier, uint32_t& index) const;
+    void SetUp(const Settings& settings);
     void ReadParamList();
+    uint32_t FindParam(std::string_view identifier) const;
+    void SetParam(std::string_view identifier, std::optional<double> value);
+    double ReadParam(uint32_t index) const;
+    bool CallState(StateRecord& record) const;
+    void CallPreset(PresetRecord& record, const char* purpose) const;
     void Call(uint32_t selector, uint32_t context, void* data, const char* purpose) const;
     bool ReadTransform(TransformReadRecord& record) const;
 
     const Module& module;
     PluginCore* core = nullptr;
-    std::vector<ElementParamInfoRecord> params;
+    std::vector<Parameter> params;
     Controls controls;
     uint32_t latency = 0;
     uint32_t nextDetection = 0;

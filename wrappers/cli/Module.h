@@ -3,8 +3,10 @@
 
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace Cli {
 
@@ -13,6 +15,14 @@ class ModuleError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// The text in a field of a record, which may fill it without a terminator.
+template <size_t Size>
+std::string TextOf(const char (&field)[Size])
+{
+    const std::string_view all(static_cast<const char*>(field), Size);
+    return std::string(all.substr(0, all.find('\0')));
+}
 
 /// The loaded module and its one entry. It stays loaded until the process ends, because threads of
 /// the module may outlive the last instance by a moment. Calls may come from any thread.

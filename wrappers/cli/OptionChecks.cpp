@@ -51,8 +51,11 @@ void CheckReports(const Options& options)
     const auto users =
         static_cast<int>(WritesAudioToStandardOutput(options)) +
         static_cast<int>(options.wantsJson) + static_cast<int>(options.events == "-") +
-        static_cast<int>(options.labels == "-") + static_cast<int>(options.plot == "-");
-    Refuse(users > 1, "only one of audio, --json, --events, --labels and --plot can go to stdout");
+        static_cast<int>(options.labels == "-") + static_cast<int>(options.plot == "-") +
+        static_cast<int>(options.session.stateOut == "-");
+    Refuse(
+        users > 1,
+        "only one of audio, --json, --events, --labels, --plot and --state-out can go to stdout");
     Refuse(options.isQuiet && options.isVerbose, "--quiet and --verbose exclude each other");
     const auto namesOneFile = [&](const std::string& report) {
         return !report.empty() && report.find("{name}") == std::string::npos &&
@@ -65,17 +68,47 @@ void CheckReports(const Options& options)
            "with several recordings --plot takes a folder or a name with {name} in it");
 }
 
+void CheckSession(const Options& options)
+{
+    const SessionOptions& session = options.session;
+    Refuse(!session.comment.empty() && session.savePreset.empty(), "--comment needs --save-preset");
+    Refuse(session.savePreset == "-", "--save-preset needs a file or a name, not -");
+    Refuse(session.stateIn == "-" && std::count(options.inputs.begin(), options.inputs.end(), "-"),
+           "only one of the recording and --state-in can come from stdin");
+}
+
+// What makes or reports on audio has no use without it.
+bool NeedsRecording(const Options& options)
+{
+    return !options.output.empty() || !options.outputDirectory.empty() || options.isInPlace ||
+           options.isDryRun || !options.events.empty() || !options.labels.empty() ||
+           !options.plot.empty();
+}
+
+void CheckTask(const Options& options)
+{
+    const SessionOptions& session = options.session;
+    const bool hasOther = session.printsParams || !session.savePreset.empty() ||
+                          !session.stateOut.empty() || !session.preset.empty() ||
+                          !session.stateIn.empty();
+    Refuse(session.listsPresets && (!options.inputs.empty() || hasOther || NeedsRecording(options)),
+           "--list-presets stands alone, or with --json");
+    Refuse(options.inputs.empty() && (!session.IsTaskInItself() || NeedsRecording(options)),
+           "no input; puffguard --help shows how");
+}
+
 } // namespace
 
 void CheckOptions(Options& options)
 {
-    Refuse(options.inputs.empty(), "no input; puffguard --help shows how");
+    CheckTask(options);
     Refuse(std::count(options.inputs.begin(), options.inputs.end(), "") > 0,
            "an input's name is empty");
     options.isSingle = options.inputs.size() == 1 && !IsFolder(options.inputs.front());
     CheckTarget(options);
     CheckStandardInput(options);
     CheckReports(options);
+    CheckSession(options);
     Refuse(options.hasDither && options.isDryRun, "--dither has no use in a --dry-run");
 }
 
@@ -86,10 +119,18 @@ bool WritesAudioToStandardOutput(const Options& options)
     return !options.isDryRun && (options.output == "-" || isDefault);
 }
 
+bool TakesStandardOutput(const Options& options)
+{
+    return WritesAudioToStandardOutput(options) || options.events == "-" || options.labels == "-" ||
+           options.plot == "-" || options.session.stateOut == "-";
+}
+
 void CheckStandardOutput(const Options& options, bool isTerminal)
 {
     Refuse(isTerminal && WritesAudioToStandardOutput(options),
            "audio isn't written to a terminal; name a file with -o or use a pipe");
+    Refuse(isTerminal && options.session.stateOut == "-",
+           "a session isn't written to a terminal; name a file or use a pipe");
 }
 
 } // namespace Cli

@@ -14,4 +14,7 @@ void CheckStandardOutput(const Options& options, bool isTerminal);
 /// True when some result goes to standard output.
 bool WritesAudioToStandardOutput(const Options& options);
 
+/// True when standard output carries audio, a report or a session, and so no lines for a reader.
+bool TakesStandardOutput(const Options& options);
+
 } // namespace Cli

@@ -27,6 +27,10 @@ constexpr const char* examples = R"(Examples:
                                             look before you repair
   puffguard talk.wav --strength 8 --upper-frequency 300
                                             stronger, and higher up
+  puffguard talk.wav --preset Strong --strength 8
+                                            a preset, but for one control
+  puffguard --preset Gentle --upper-frequency 300 --save-preset mine.xml
+                                            a preset of your own
   sox in.wav -t wav - | puffguard - -o - | sox -t wav - out.wav
                                             in a pipe
   puffguard - -o - --raw s16,48000,2        samples without a head
@@ -89,6 +93,7 @@ std::optional<int> ParseName(const std::string& name,
 
 void AddFileOptions(CLI::App& app, Options& options, Typed& typed)
 {
+    app.option_defaults()->group("Results");
     app.add_option("INPUT", options.inputs, "Recordings, folders with --recursive, or - for stdin")
         ->type_name("");
     app.add_option("-o,--output", options.output, "Write the one result here; - is stdout")
@@ -109,6 +114,7 @@ void AddFileOptions(CLI::App& app, Options& options, Typed& typed)
 
 void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
 {
+    app.option_defaults()->group("Repair");
     app.add_option("--sensitivity", typed.sensitivity, "How readily a burst counts (0 to 10)")
         ->type_name("0..10");
     app.add_option("--strength", typed.strength, "How far a burst is taken down (0 to 10)")
@@ -124,14 +130,30 @@ void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
         ->type_name("FRAMES");
 }
 
+void AddSessionOptions(CLI::App& app, SessionOptions& session)
+{
+    app.option_defaults()->group("Presets and sessions (controls given above win over them)");
+    app.add_option("--preset", session.preset, "Start from this preset")->type_name("NAME|FILE");
+    app.add_flag("--list-presets", session.listsPresets, "List the presets and exit");
+    app.add_option("--save-preset", session.savePreset, "Save the controls as a preset")
+        ->type_name("NAME|FILE");
+    app.add_option("--comment", session.comment, "Comment in the saved preset")->type_name("TEXT");
+    app.add_option("--state-in", session.stateIn, "Start from this session, before any preset")
+        ->type_name("FILE");
+    app.add_option("--state-out", session.stateOut, "Save the session")->type_name("FILE");
+    app.add_flag("--print-params", session.printsParams, "List every parameter with its value");
+}
+
 void AddReportOptions(CLI::App& app, Options& options, Typed& typed)
 {
+    app.option_defaults()->group("Reports");
     app.add_flag("-n,--dry-run", options.isDryRun, "Detect and report, write no audio");
     app.add_option("--events", options.events, "Every repair as JSON")->type_name("FILE.json");
     app.add_option("--labels", options.labels, "Prominent plosives as a label track for Audacity")
         ->type_name("FILE.txt");
     app.add_option("--plot", options.plot, "Picture of 0 to 1 kHz before and after")
         ->type_name("FILE.png");
+    app.option_defaults()->group("Run");
     app.add_option("-j,--jobs", typed.jobs, "Files side by side (default: all cores)")
         ->type_name("N");
     app.add_flag("--json", options.wantsJson, "Summary as JSON on stdout");
@@ -219,8 +241,10 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
     bool wantsVersion = false;
     AddFileOptions(app, options, typed);
     AddControlOptions(app, options, typed);
+    AddSessionOptions(app, options.session);
     AddReportOptions(app, options, typed);
     app.add_flag("--version", wantsVersion, "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this help message and exit")->group("Run");
     RefuseEmptyValues(app);
     try {
         app.parse(argc, argv);

@@ -5,6 +5,7 @@
 #include "wrappers/cli/Instance.h"
 #include "wrappers/cli/Limits.h"
 #include "wrappers/cli/OutputFile.h"
+#include "wrappers/cli/SessionOptions.h"
 
 #include <optional>
 #include <string>
@@ -35,6 +36,7 @@ struct Options {
     std::string plot;
 
     ChosenControls controls;
+    SessionOptions session;
     int block = defaultBlock; ///< frames
     int jobs = 1;
 

@@ -38,6 +38,23 @@ std::string HiddenNameBeside(const std::string& target)
 
 } // namespace
 
+void CheckNewFile(const std::string& target, Overwrite overwrite)
+{
+    struct stat status = {};
+    if (::lstat(target.c_str(), &status) != 0) {
+        return;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw FileError("is a directory");
+    }
+    if (overwrite == Overwrite::Refuse) {
+        throw FileError(existsText);
+    }
+    if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        throw FileError("is no regular file");
+    }
+}
+
 OutputFile::OutputFile(const std::string& newTarget, Overwrite newOverwrite)
     : target(FollowLinks(newTarget))
     , overwrite(newOverwrite)
@@ -46,15 +63,7 @@ OutputFile::OutputFile(const std::string& newTarget, Overwrite newOverwrite)
     if (isStream) {
         return;
     }
-    struct stat status = {};
-    if (::lstat(target.c_str(), &status) == 0) {
-        if (S_ISDIR(status.st_mode)) {
-            throw FileError("is a directory");
-        }
-        if (overwrite == Overwrite::Refuse) {
-            throw FileError(existsText);
-        }
-    }
+    CheckNewFile(target, overwrite);
     temporary = HiddenNameBeside(target);
     cleanUp = std::make_unique<ScopedCleanUp>(temporary);
     file = FileDescriptor(cleanUp->Open(0666));

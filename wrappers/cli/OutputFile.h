@@ -13,6 +13,9 @@ namespace Cli {
 /// Whether a file that is there already may be replaced.
 enum class Overwrite { Refuse, Allow };
 
+/// Throws FileError when `target` exists and may not be replaced, or is no regular file.
+void CheckNewFile(const std::string& target, Overwrite overwrite);
+
 /// A file that appears under its name whole or not at all.
 ///
 /// The bytes go to a hidden file beside the target; Commit() flushes that to the disk and renames

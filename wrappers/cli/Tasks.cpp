@@ -4,10 +4,11 @@
 #include "wrappers/cli/FileError.h"
 #include "wrappers/cli/Text.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <set>
 
 namespace fs = std::filesystem;
 
@@ -149,20 +150,25 @@ std::string IdentityOf(const std::string& name)
 /// Who has claimed which file of a run, so that nothing of it replaces anything else of it.
 class Claims {
 public:
-    void AddRecording(const std::string& name) { recordings.insert(IdentityOf(name)); }
+    /// Protects a file that is read; `what` it is is told to whoever wants to write it.
+    void Protect(const std::string& name, const char* what)
+    {
+        sources.emplace(IdentityOf(name), what);
+    }
 
     /// Claims the file of a report, which isn't given the name of a recording either.
-    std::string ClaimReport(const std::string& name, const std::string& owner)
+    std::string
+    ClaimReport(const std::string& name, const std::string& owner, const std::string& itself = {})
     {
         const std::string extension = fs::path(name).extension().string();
         if (extension.size() > 1 && ContainerOfExtension(extension.substr(1))) {
             return Printable(name) + " has the name of a recording";
         }
-        return Claim(name, owner);
+        return Claim(name, owner, itself);
     }
 
     /// Claims a file to be written; `owner` is told to whoever comes later. Answers why not, or an
-    /// empty text. A recording may be replaced only by the result of `itself`.
+    /// empty text. What is read may be replaced only by what comes of `itself`.
     std::string
     Claim(const std::string& name, const std::string& owner, const std::string& itself = {})
     {
@@ -170,29 +176,51 @@ public:
         if (identity.empty()) {
             return {};
         }
-        if (recordings.count(identity) != 0 && identity != IdentityOf(itself)) {
-            return Printable(name) + " is a recording of this run; nothing is written over it";
+        const auto source = sources.find(identity);
+        if (source != sources.end() && identity != IdentityOf(itself)) {
+            return fmt::format("{} is {} of this run; nothing is written over it",
+                               Printable(name),
+                               source->second);
         }
         const auto [entry, isNew] = takenBy.emplace(identity, owner);
         return isNew ? std::string() : Printable(name) + " is already " + entry->second;
     }
 
 private:
-    std::set<std::string> recordings;
+    std::map<std::string, const char*> sources;
     std::map<std::string, std::string> takenBy;
 };
+
+// The files of the run as a whole. A preset or session may be brought up to date in its own file.
+void ClaimRunFiles(Claims& claims, const Options& options)
+{
+    const SessionOptions& session = options.session;
+    const std::string preset = IsPresetFile(session.preset) ? session.preset : "";
+    const std::string savedPreset = IsPresetFile(session.savePreset) ? session.savePreset : "";
+    claims.Protect(preset, "the preset");
+    claims.Protect(session.stateIn, "the session");
+    const auto claim = [&](const char* option,
+                           const std::string& name,
+                           const char* owner,
+                           const std::string& itself) {
+        const std::string reason = claims.ClaimReport(name, owner, itself);
+        if (!reason.empty()) {
+            throw UsageError(fmt::format("{}: {}", option, reason));
+        }
+    };
+    claim("--events", options.events, "the list of events", {});
+    claim("--save-preset", savedPreset, "the saved preset", preset);
+    claim("--state-out", session.stateOut, "the saved session", session.stateIn);
+}
 
 // What would be written over something else of the run is refused, the later one of two.
 void RefuseClashes(std::vector<Task>& tasks, const Options& options)
 {
     Claims claims;
     for (const Task& task : tasks) {
-        claims.AddRecording(task.input);
+        claims.Protect(task.input, "a recording");
     }
-    const std::string reason = claims.ClaimReport(options.events, "the list of events");
-    if (!reason.empty()) {
-        throw UsageError("--events: " + reason);
-    }
+    ClaimRunFiles(claims, options);
     for (Task& task : tasks) {
         const std::string owner = "the result of " + Printable(task.input);
         const std::string itself = options.isInPlace ? task.input : "";

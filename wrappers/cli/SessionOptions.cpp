@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/SessionOptions.h"
+
+namespace Cli {
+
+bool IsPresetFile(std::string_view preset)
+{
+    return preset.find('/') != std::string_view::npos || preset.ends_with(".xml");
+}
+
+} // namespace Cli

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/qobase/util/ByteStream.h"
 #include "frameworks/qobase/util/Bytes.h"
-#include "frameworks/qobase/util/Expected.h"
 
 #include <cstdint>
 
@@ -11,7 +11,7 @@ namespace Util {
 /// A path with explicit open, read, write and seek. Never throws; failures carry a text for a
 /// person, the category "File" as their detail, and the path and the system's reason as arguments.
 /// An open file is closed with the object. One object belongs to one thread.
-class File {
+class File final : public ByteStream {
 public:
     struct ErrorKind;
     using Error = BasicError<ErrorKind>;
@@ -24,7 +24,7 @@ public:
     File& operator=(const File&) = delete;
     File(File&& other) noexcept;
     File& operator=(File&& other) noexcept;
-    ~File();
+    ~File() override;
 
     const String& GetPath() const { return path; }
     bool IsOpen() const { return descriptor >= 0; }
@@ -32,20 +32,17 @@ public:
     /// Write makes the file or empties it. A file that is open is closed first. A folder is
     /// refused.
     Expected<void> Open(Mode mode);
-    /// Exactly `count` bytes, or a failure; the position is then undefined.
-    Expected<void> Read(void* buffer, uint64_t count);
-    /// All `count` bytes, or a failure; the position is then undefined.
-    Expected<void> Write(const void* buffer, uint64_t count);
-    /// Bytes from the start.
-    Expected<void> Seek(uint64_t position);
+    Expected<void> Read(void* buffer, uint64_t count) override;
+    Expected<void> Write(const void* buffer, uint64_t count) override;
+    Expected<void> Seek(uint64_t position) override;
     /// The file is closed whatever comes back. Success when it wasn't open.
     Expected<void> Close();
     /// Brings what was written to the disk.
-    Expected<void> Flush();
+    Expected<void> Flush() override;
 
-    /// Bytes; of an open regular file.
-    Expected<uint64_t> GetSize() const;
-    Expected<uint64_t> GetPosition() const;
+    /// Of an open regular file.
+    Expected<uint64_t> GetSize() const override;
+    Expected<uint64_t> GetPosition() const override;
     /// Seconds since 1970; of the path, open or not.
     Expected<int64_t> GetModificationTime() const;
     /// Also true for a folder.

@@ -11,6 +11,8 @@
 
 namespace Util {
 
+struct DictionaryValue;
+
 /// Settings of a user under one key path, such as "SOFTWARE/Vendor/Product".
 ///
 /// Kept in one JSON file a key path, `<configuration folder>/Vendor/Product.json`; child keys are
@@ -48,9 +50,9 @@ public:
     virtual void DeleteValue(const String& name);
     /// The child key with everything below it, or this key's values when `subPath` is empty.
     virtual void DeleteKey(const String& subPath);
-    /// Takes settings from text, one a line: `name=kind:value`, kind one of "text", "number" and
-    /// "binary" (hexadecimal). Lines that can't be read, and those that start with "#" or ";", are
-    /// passed over. True when every other line was taken.
+    /// Takes settings from text in one write, one setting a line: `name=kind:value`, kind one of
+    /// "text", "number" and "binary" (hexadecimal). Lines that are empty or start with "#" or ";"
+    /// are passed over. True when every other line could be read, and the write was not dropped.
     virtual bool Import(const String& text);
 
     /// With "\" between the parts.
@@ -58,6 +60,9 @@ public:
 
 private:
     class Store;
+
+    std::shared_ptr<Store> GetStore(const String& subPath) const;
+    void Set(const String& name, DictionaryValue value);
 
     const String keyPath;
     const std::shared_ptr<Store> store; // one a path and process

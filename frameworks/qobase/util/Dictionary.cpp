@@ -23,6 +23,16 @@ bool Dictionary::IsEmpty() const
     return values.empty();
 }
 
+bool Dictionary::Has(const String& key) const
+{
+    return values.contains(key);
+}
+
+void Dictionary::Remove(const String& key)
+{
+    values.erase(key);
+}
+
 Dictionary::Map::const_iterator Dictionary::begin() const
 {
     return values.begin();

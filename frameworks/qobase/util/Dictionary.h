@@ -32,6 +32,9 @@ public:
     template <typename T>
     const T* Find(const String& key) const;
     bool IsEmpty() const;
+    bool Has(const String& key) const;
+    /// Nothing happens when there is no value of this key.
+    void Remove(const String& key);
 
     Map::const_iterator begin() const;
     Map::const_iterator end() const;

@@ -92,11 +92,25 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
         {"a.wav", "--quiet", "--verbose"},
         {"a.wav", "b.wav", "--plot", "p.png"},
         {"a.wav", "b.wav", "--labels", "l.txt"},
+        {"a.wav", "--comment", "text"},
+        {"a.wav", "--save-preset", "-"},
+        {"a.wav", "--state-out", "-", "--json"},
+        {"-", "--state-in", "-"},
+        {"a.wav", "--list-presets"},
+        {"--list-presets", "--preset", "p"},
+        {"--preset", "p"},
+        {"--state-in", "s"},
+        {"--print-params", "-o", "a.wav"},
+        {"--print-params", "--dry-run"},
+        {"--save-preset", "p.xml", "--plot", "p.png"},
         {"a.wav", "--sensitivity"}};
     for (const auto& words : cases)
         EXPECT_NE(Complaint(words), "") << testing::PrintToString(words);
     EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "{name}.png"}), "");
     EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "folder/"}), "");
+    EXPECT_EQ(Complaint({"--list-presets", "--json"}), "");
+    EXPECT_EQ(Complaint({"--state-in", "-", "--state-out", "-"}), "");
+    EXPECT_EQ(Complaint({"--preset", "p", "--save-preset", "q", "--comment", "text"}), "");
 }
 
 TEST(OptionsTest, ReadsRawFormats)

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/Parameters.h"
+#include "wrappers/cli/TextTable.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+using namespace Cli;
+
+Parameter Float(double minimum, double maximum)
+{
+    Parameter parameter;
+    parameter.minimum = minimum;
+    parameter.maximum = maximum;
+    return parameter;
+}
+
+// What the module holds after `value` has gone in: it works in float.
+float Stored(const Parameter& parameter, double value)
+{
+    const auto minimum = static_cast<float>(parameter.minimum);
+    return Normalised(parameter, value) * (static_cast<float>(parameter.maximum) - minimum) +
+           minimum;
+}
+
+TEST(ParametersTest, AValueComesBackAsItWasTyped)
+{
+    // Every value with as many digits as a float surely holds, over three kinds of range.
+    struct Case {
+        double minimum;
+        double maximum;
+        int perUnit;
+    };
+    for (const auto& [minimum, maximum, perUnit] :
+         {Case{50, 500, 1000}, Case{0, 10, 10000}, Case{0, 1, 100000}, Case{-1, 1, 10000}}) {
+        const Parameter parameter = Float(minimum, maximum);
+        const int begin = static_cast<int>(minimum) * perUnit;
+        const int end = static_cast<int>(maximum) * perUnit;
+        for (int i = begin; i <= end; i += 7) {
+            const double value = static_cast<double>(i) / perUnit;
+            const float stored = Stored(parameter, value);
+            const auto span = static_cast<float>(maximum - minimum);
+            const float told = (stored - static_cast<float>(minimum)) / span;
+            ASSERT_EQ(FromNormalised(parameter, told), value);
+        }
+    }
+}
+
+TEST(ParametersTest, WhatLiesOutsideTheRangeGoesToItsEnd)
+{
+    EXPECT_EQ(Normalised(Float(50, 500), 1000), 1.0F);
+    EXPECT_EQ(Normalised(Float(50, 500), -1000), 0.0F);
+    EXPECT_EQ(Normalised(Float(3, 3), 3), 0.0F);
+}
+
+TEST(ParametersTest, EachKindIsShownInItsOwnWords)
+{
+    ParamInfoRecord record = {};
+    std::strcpy(static_cast<char*>(record.identifier), "Element.Depth");
+    std::strcpy(static_cast<char*>(record.labels), "Fifty\tHundred\tWithout end");
+    record.type = ParamTypeEnum;
+    record.maximum = 2;
+    record.defaultValue = 1;
+    const Parameter depth = MakeParameter(record);
+    Parameter strength = Float(0, 10);
+    strength.identifier = "Element.Strength";
+    strength.value = 0.125;
+    strength.unit = "dB";
+    Parameter bypass = Float(0, 1);
+    bypass.identifier = "Bypass";
+    bypass.type = ParamTypeBool;
+    bypass.value = 1;
+    EXPECT_EQ(ParameterTable({depth, strength, bypass}),
+              "NAME              VALUE    RANGE                        DEFAULT  UNIT\n"
+              "Element.Depth     Hundred  Fifty, Hundred, Without end  Hundred\n"
+              "Element.Strength  0.125    0 to 10                      0        dB\n"
+              "Bypass            on       off, on                      off\n");
+}
+
+TEST(ParametersTest, AFieldWithoutATerminatorEndsWithTheField)
+{
+    ParamInfoRecord record = {};
+    std::memset(static_cast<void*>(record.units), 'x', sizeof record.units);
+    EXPECT_EQ(MakeParameter(record).unit, std::string(sizeof record.units, 'x'));
+}
+
+TEST(TextTableTest, ColumnsLineUpWhateverTheTextsHold)
+{
+    TextTable table({"A", "B"});
+    table.Add({"\u00fcber", "1"});
+    table.Add({"", "2\n\x1b[31m"});
+    table.Add({"long one", ""});
+    EXPECT_EQ(table.Format(),
+              "A         B\n"
+              "\u00fcber      1\n"
+              "          2\\x0A\\x1B[31m\n"
+              "long one\n");
+}
+
+} // namespace

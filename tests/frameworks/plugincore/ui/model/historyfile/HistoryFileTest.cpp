@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: ISC
+// Both forms of the file, held against bytes that were written by hand.
+#include "frameworks/plugincore/ui/model/historyfile/HistoryFile.h"
+
+#include "frameworks/plugincore/ui/model/historyfile/InvalidHistoryFile.h"
+#include "frameworks/qobase/util/DataStreamIO.h"
+#include "frameworks/qobase/util/File.h"
+#include "frameworks/qobase/util/MemoryStream.h"
+#include "restoration/ui/dialog/historyfile/HistoryLogic.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestHistoryDelegate.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using UI::Dialog::DialogHistoryForm;
+
+Util::Bytes FromHex(const std::string& text)
+{
+    Util::Bytes bytes;
+    std::string digits;
+    for (const char c : text) {
+        if (c != ' ') {
+            digits += c;
+        }
+    }
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        bytes.push_back(static_cast<uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+// Magic and version 1; the dialog form goes on with the size of the state, which has 3 bytes.
+const std::string FrameworkHead = "5D603B00 01000000 ";
+const std::string DialogHead = "112B3A00 01000000 03000000 ";
+// Snapshots {AA BB CC, "A"} and {nothing, "\xC3\xA4"}.
+const std::string FrameworkSnapshots = "503D0100 0300000000000000 AABBCC 01000000 41"
+                                       "503D0100 0000000000000000 02000000 C3A4";
+const std::string DialogSnapshots = "503D0100 03000000 AABBCC 01000000 41"
+                                    "503D0100 00000000 02000000 C3A4";
+// Slot 1 holds snapshot 1, slot 3 holds snapshot 0.
+const std::string Slots = "2F450000 01000000 01000000 2F450000 03000000 00000000";
+// A slot 4, of which there is none.
+const std::string BadSlot = "2F450000 04000000 00000000";
+
+std::vector<std::string> LabelsOf(const HistoryModel& model)
+{
+    std::vector<std::string> labels;
+    for (const Snapshot& snapshot : model.snapshots) {
+        labels.push_back(snapshot.label.ToStdString());
+    }
+    return labels;
+}
+
+HistoryModel TwoSnapshots()
+{
+    HistoryModel model;
+    model.snapshots = {{{0xAA, 0xBB, 0xCC}, "A"}, {{}, "\xC3\xA4"}};
+    model.slots = {std::nullopt, 1, std::nullopt, 0};
+    return model;
+}
+
+class HistoryFileTest : public testing::Test {
+protected:
+    void Store(const Util::Bytes& bytes) const { ASSERT_TRUE(Util::ReplaceWholeFile(path, bytes)); }
+    Util::Bytes Stored() const { return *Util::ReadWholeFile(path); }
+
+    // The text of the fault, or empty.
+    std::string Load(const HistoryFileForm& form)
+    {
+        try {
+            HistoryFile(form, instance).Load(path, model);
+            return "";
+        } catch (const Exception::InvalidHistoryFile& fault) {
+            return fault.GetMessage().ToStdString();
+        } catch (const Util::Exception::DataStreamIO& fault) {
+            return fault.GetMessage().ToStdString();
+        }
+    }
+
+    Support::TemporaryFolder folder;
+    const String path = folder / "a.hst";
+    Support::TestHistoryDelegate instance;
+    HistoryModel model;
+};
+
+TEST_F(HistoryFileTest, BothFormsLieInTheFileAsTheyAreDescribed)
+{
+    const std::pair<const HistoryFileForm*, std::string> cases[] = {
+        {&FrameworkHistoryForm, FrameworkHead + FrameworkSnapshots + Slots},
+        {&DialogHistoryForm, DialogHead + DialogSnapshots + Slots}};
+    for (const auto& [form, hex] : cases) {
+        ASSERT_TRUE(HistoryFile(*form, instance).Save(path, TwoSnapshots()));
+        EXPECT_EQ(Stored(), FromHex(hex));
+        EXPECT_EQ(Load(*form), "");
+        EXPECT_EQ(LabelsOf(model), LabelsOf(TwoSnapshots()));
+        EXPECT_EQ(model.snapshots[0].bytes, (Util::Bytes{0xAA, 0xBB, 0xCC}));
+        EXPECT_EQ(model.slots, TwoSnapshots().slots);
+    }
+}
+
+TEST_F(HistoryFileTest, EachFaultEndsInItsOwnWay)
+{
+    using Labels = std::vector<std::string>;
+    const Labels framework = {"<Initial State>"};
+    const Labels dialog = {"Initial State"};
+    const Labels both = {"A", "\xC3\xA4"};
+    const struct {
+        const char* name;
+        const HistoryFileForm& form;
+        std::string hex;
+        std::string fault; // how it begins
+        Labels labels;
+    } cases[] = {
+        {"other magic", FrameworkHistoryForm, "4D3C2B1A", "Invalid magic number 439041101", {}},
+        {"other form", DialogHistoryForm, FrameworkHead, "Invalid magic number 3891293", {}},
+        {"version 0", FrameworkHistoryForm, "5D603B00 00000000" + Slots, "", framework},
+        {"version 2", DialogHistoryForm, "112B3A00 02000000 09000000", "", dialog},
+        {"other size",
+         DialogHistoryForm,
+         "112B3A00 01000000 04000000",
+         "Invalid total param size 4",
+         {}},
+        {"header only", FrameworkHistoryForm, FrameworkHead, "", framework},
+        {"header only", DialogHistoryForm, DialogHead, "", dialog},
+        {"slots only", DialogHistoryForm, DialogHead + Slots, "", dialog},
+        {"length 1000000001",
+         FrameworkHistoryForm,
+         FrameworkHead + FrameworkSnapshots + "503D0100 01CA9A3B00000000",
+         "",
+         framework},
+        {"length 2^64 - 1",
+         FrameworkHistoryForm,
+         FrameworkHead + "503D0100 FFFFFFFFFFFFFFFF",
+         "",
+         framework},
+        {"length 64 MiB + 1", DialogHistoryForm, DialogHead + "503D0100 01000004", "", dialog},
+        {"length 64 MiB, nothing there",
+         DialogHistoryForm,
+         DialogHead + "503D0100 00000004 00",
+         "Can't extract",
+         {}},
+        {"label of 200001 bytes",
+         DialogHistoryForm,
+         DialogHead + "503D0100 00000000 410D0300",
+         "Improbable string length 200001",
+         {}},
+        {"slot 4",
+         DialogHistoryForm,
+         DialogHead + DialogSnapshots + BadSlot + "00000000",
+         "",
+         both},
+        {"unknown tag",
+         FrameworkHistoryForm,
+         FrameworkHead + FrameworkSnapshots + "04000000 503D0100",
+         "",
+         framework},
+    };
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.name);
+        model = TwoSnapshots();
+        Store(FromHex(entry.hex));
+        const std::string fault = Load(entry.form);
+        EXPECT_EQ(fault.substr(0, entry.fault.size()), entry.fault);
+        EXPECT_EQ(fault.empty(), entry.fault.empty()) << fault;
+        EXPECT_EQ(LabelsOf(model), entry.labels);
+    }
+}
+
+TEST_F(HistoryFileTest, AMissingFileIsTheStateOfNow)
+{
+    model = TwoSnapshots();
+    EXPECT_EQ(Load(FrameworkHistoryForm), "");
+    ASSERT_EQ(model.snapshots.size(), 1U);
+    EXPECT_EQ(model.snapshots[0].bytes, instance.state);
+    EXPECT_FALSE(model.slots[1].has_value());
+
+    model = TwoSnapshots();
+    HistoryFile(FrameworkHistoryForm, instance).MakeInitialState(model);
+    EXPECT_EQ(model.slots, TwoSnapshots().slots);
+}
+
+// Also one bit wrong at any place: the model is then another one, or none, but always a sound one.
+TEST_F(HistoryFileTest, ACutOrDamagedFileGivesAModelOrAFaultAndStaysAsItIs)
+{
+    const std::pair<const HistoryFileForm*, std::string> cases[] = {
+        {&FrameworkHistoryForm, FrameworkHead + FrameworkSnapshots + Slots},
+        {&DialogHistoryForm, DialogHead + DialogSnapshots + Slots}};
+    for (const auto& [form, hex] : cases) {
+        const Util::Bytes whole = FromHex(hex);
+        std::vector<Util::Bytes> variants;
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            variants.emplace_back(whole.begin(),
+                                  whole.begin() + static_cast<std::ptrdiff_t>(length));
+            for (const uint8_t mask : Util::Bytes{0x01, 0x80, 0xFF}) {
+                variants.push_back(whole);
+                variants.back()[length] ^= mask;
+            }
+        }
+        for (const Util::Bytes& variant : variants) {
+            Store(variant);
+            const bool failed = !Load(*form).empty();
+            EXPECT_EQ(model.snapshots.empty(), failed);
+            EXPECT_LE(model.snapshots.size(), 2U);
+            EXPECT_EQ(Stored(), variant);
+        }
+    }
+}
+
+TEST_F(HistoryFileTest, AKilledSaveLeavesTheFormerFileOrTheNewOne)
+{
+    HistoryModel longer = TwoSnapshots();
+    longer.snapshots.push_back({Util::Bytes(300000, 7), "long"});
+    const HistoryFile file(DialogHistoryForm, instance);
+    for (int round = 0; round < 20; ++round) {
+        int pipeEnds[2];
+        ASSERT_EQ(pipe(pipeEnds), 0);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            alarm(30);
+            for (;;) {
+                const bool saved = file.Save(path, TwoSnapshots()) && file.Save(path, longer);
+                if (!saved || write(pipeEnds[1], "", 1) != 1) {
+                    _exit(1);
+                }
+            }
+        }
+        close(pipeEnds[1]);
+        char counts[3];
+        ASSERT_GT(read(pipeEnds[0], counts, 1 + static_cast<std::size_t>(round % 3)), 0);
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        close(pipeEnds[0]);
+        ASSERT_EQ(Load(DialogHistoryForm), "");
+        const auto labels = LabelsOf(model);
+        EXPECT_TRUE(labels == LabelsOf(TwoSnapshots()) || labels == LabelsOf(longer));
+        EXPECT_EQ(model.slots, TwoSnapshots().slots);
+    }
+}
+
+TEST_F(HistoryFileTest, ASaveThatFailsSaysSo)
+{
+    Store({1});
+    EXPECT_FALSE(HistoryFile(FrameworkHistoryForm, instance).Save(path + "/b.hst", TwoSnapshots()));
+    EXPECT_EQ(Stored(), Util::Bytes{1});
+}
+
+TEST(InvalidHistoryFileTest, DescribesItselfAtTheEnd)
+{
+    const std::string text = Exception::InvalidHistoryFile("reason").Describe().ToStdString();
+    EXPECT_EQ(text.substr(0, 13), "Base:\nreason\n");
+    EXPECT_EQ(text.substr(text.find("\n\n")), "\n\nInvalidHistoryFile\n");
+}
+
+} // namespace

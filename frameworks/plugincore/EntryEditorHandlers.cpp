@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 
 namespace EntryHandlers {
 namespace {
@@ -72,22 +73,42 @@ uint32_t EditorMouse(PluginCore& /*plugin*/, DSP::Context /*context*/, void* dat
     return PluginCoreSuccess;
 }
 
-uint32_t StateCommand(PluginCore& /*plugin*/, DSP::Context /*context*/, void* data)
+uint32_t StateCommand(PluginCore& plugin, DSP::Context /*context*/, void* data)
 {
     auto& record = As<StateRecord>(data);
+    if (record.op == StateOpGetSize) {
+        record.size = plugin.GetStateSize();
+        return PluginCoreSuccess;
+    }
+    // A chunk that has no place counts as one of no bytes, which is never right.
+    auto* bytes = static_cast<uint8_t*>(record.buffer);
+    const std::span<uint8_t> chunk(bytes, bytes != nullptr ? record.size : 0);
+    bool succeeded = false;
     switch (record.op) {
-    case StateOpGetSize:
-        record.size = 0;
-        return PluginCoreSuccess;
     case StateOpGetCompareChunk:
+        succeeded = plugin.GetCompareChunk(chunk);
+        break;
     case StateOpGetChunk:
+        succeeded = plugin.GetChunk(chunk);
+        plugin.ClearDefaultState();
+        break;
     case StateOpSetChunk:
-    case StateOpCompareChunk:
-        record.failed = 1;
-        return PluginCoreSuccess;
+        plugin.ClearDefaultState();
+        succeeded = plugin.SetChunk(chunk, record.version, DSP::SourceHost);
+        break;
+    case StateOpCompareChunk: {
+        bool equal = false;
+        succeeded = plugin.CompareChunk(chunk, equal);
+        if (succeeded) {
+            record.equal = equal ? 1 : 0;
+        }
+        break;
+    }
     default:
         return PluginCoreUnsupported;
     }
+    record.failed = succeeded ? 0 : 1;
+    return PluginCoreSuccess;
 }
 
 uint32_t ModuleListQuery(PluginCore& /*plugin*/, DSP::Context /*context*/, void* data)

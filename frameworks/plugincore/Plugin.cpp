@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -69,6 +70,9 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , delayCompensationEnabled(IsOffline() || configFile.ReadBool("DelayCompensationEnable", true))
     , frozenSystemDelay(IsOffline() ? std::nullopt : ReadFrozenDelay(configFile))
     , sessionUuid(Util::MakeUuid())
+    , reader(factory.CreateReader())
+    , writer(factory.CreateWriter())
+    , sessionContext(factory.CreateContext())
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue(1)
@@ -146,6 +150,9 @@ uint64_t Plugin::GetProcessPosition() const
 
 void Plugin::AttachEditor(Editor* newEditor)
 {
+    // A new editor finds what a change of format has left to be done already done.
+    editorPending = false;
+    LoadPendingChunks();
     editor = newEditor;
     editorThread = newEditor != nullptr ? std::this_thread::get_id() : std::thread::id();
 }
@@ -237,6 +244,10 @@ std::vector<HostCallback::Notification> Plugin::RunIdleWork()
 {
     GetHostCallback().Hold();
     try {
+        if (std::exchange(editorPending, false)) {
+            editor->AttachControllers();
+            LoadPendingChunks();
+        }
         if (processDirty.exchange(false)) {
             NotifyHistory();
         }

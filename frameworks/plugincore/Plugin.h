@@ -42,6 +42,12 @@ public:
     void GetElementParamList(ElementParamInfoRecord* records) const override;
     uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const override;
     uint32_t SetElementParam(DSP::Context context, const ParamValueRecord& record) override;
+    uint32_t GetStateSize() override;
+    bool GetChunk(std::span<uint8_t> chunk) override;
+    bool GetCompareChunk(std::span<uint8_t> chunk) override;
+    bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) override;
+    bool CompareChunk(Util::ByteSpan chunk, bool& equal) override;
+    void ClearDefaultState() override { defaultStateFlag = false; }
     void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
     uint32_t GetLatency(DSP::Context context) const override;
     uint32_t ResetProcessing(DSP::Context context) override;
@@ -155,9 +161,24 @@ private:
                   DSP::Context context,
                   float value);
 
+    // PluginState.cpp
+    Util::Dictionary BuildCommonDictionary() const;
+    Util::Dictionary BuildStateDictionary() const;
+    Util::Dictionary BuildCompareDictionary() const;
+    String WriteText(const Util::Dictionary& dictionary);
+    bool WriteStateChunk(const Util::Dictionary& dictionary, std::span<uint8_t> chunk);
+    void ApplyStateDictionary(Util::ByteSpan text, DSP::ValueSource source);
+    void ApplyLegacyDictionary(const Util::Dictionary& state, DSP::ValueSource source);
+    void ApplyVersion1Dictionary(const Util::Dictionary& state, DSP::ValueSource source);
+    void LoadPendingChunks();
+
     // PluginFormat.cpp
     void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
     void TakeFormat(float newSampleRate, uint32_t newChannelConfig);
+    void FollowFormat(const Util::Bytes& state);
+    Util::Bytes SaveState();
+    void RestoreState(const Util::Bytes& state);
+    Editor* FreeEditorOfElements();
 
     // PluginProcess.cpp
     void RunBlock(const ProcessRecord& record);
@@ -175,7 +196,11 @@ private:
     const std::unique_ptr<Util::ConfigFile> sharedConfigFile;
     const bool delayCompensationEnabled;
     const std::optional<uint32_t> frozenSystemDelay; // samples that the host is told at any rate
-    const Util::Uuid sessionUuid;
+    Util::Uuid sessionUuid;                          // UI side
+    const std::unique_ptr<Util::DictionaryReader> reader;
+    const std::unique_ptr<Util::DictionaryWriter> writer;
+    const std::unique_ptr<Context::ContextBase> sessionContext;
+    bool defaultStateFlag = true;          // the host has neither saved nor loaded a state; UI side
     std::atomic<bool> reconfiguring{true}; // until construction is done, then during a new format
     std::atomic<bool> initialized{false};
     std::atomic<bool> suspended{false};
@@ -201,6 +226,7 @@ private:
     std::atomic<bool> hasHostTrackValue{false};
     Editor* editor = nullptr;               // not owned; UI side
     std::thread::id editorThread{};         // that attached the editor
+    bool editorPending = false;             // its controllers are to be attached again; UI side
     std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
     std::unique_ptr<DSP::TransformBase> transform;
     std::unique_ptr<HistoryManager> history; // may be null

@@ -5,9 +5,12 @@
 #include "frameworks/plugincore/PluginDefinition.h"
 #include "frameworks/plugincore/ThreadController.h"
 #include "frameworks/plugincore/dsp/ElementHost.h"
+#include "frameworks/plugincore/dsp/ElementParam.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/qobase/util/Bytes.h"
 
 #include <optional>
+#include <span>
 
 /// What CreatePlugin is given, and what an instance keeps of it.
 struct PluginSetup {
@@ -55,6 +58,22 @@ struct PluginCore {
     virtual void GetElementParamList(ElementParamInfoRecord* records) const = 0;
     virtual uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const = 0;
     virtual uint32_t SetElementParam(DSP::Context context, const ParamValueRecord& record) = 0;
+
+    // The state as bytes that a host keeps; see StateRecord. [ui]
+
+    /// Bytes that the state takes now. A later change of a value may change them.
+    virtual uint32_t GetStateSize() = 0;
+    /// False when the chunk doesn't take the place exactly; what fits is written.
+    virtual bool GetChunk(std::span<uint8_t> chunk) = 0;
+    /// The same without what is no difference between two states.
+    virtual bool GetCompareChunk(std::span<uint8_t> chunk) = 0;
+    /// `version` is that of the program that saved the chunk, or of its states; `source` goes with
+    /// each changed value. False, and nothing changed, when the chunk can't be read.
+    virtual bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) = 0;
+    /// Whether the chunk's values are those of now. False when that can't be told.
+    virtual bool CompareChunk(Util::ByteSpan chunk, bool& equal) = 0;
+    /// The host has saved or loaded: the instance is not as it was created.
+    virtual void ClearDefaultState() = 0;
 
     virtual void SetStreamFormat(float sampleRate, uint32_t channelConfig) = 0;
     /// Samples.

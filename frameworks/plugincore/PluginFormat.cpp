@@ -7,6 +7,8 @@
 #include "frameworks/plugincore/dsp/ChannelConfig.h"
 #include "frameworks/qobase/util/Realtime.h"
 
+#include <utility>
+
 namespace {
 
 // A flag that is set from here to the end of the scope, also when an exception ends it.
@@ -53,18 +55,75 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     const ScopedFlag switchingGuard(switching);
     processing = false;
     lastProcessTick = 0;
+    const Util::Bytes state = SaveState();
+    transform->BeforeFormatChange();
+    Editor* const closedEditor = FreeEditorOfElements();
     const float formerRate = sampleRate;
     const uint32_t formerConfig = channelConfig;
+    const auto finish = [&] {
+        FollowFormat(state);
+        if (closedEditor != nullptr) {
+            closedEditor->ReopenAfterFormat();
+            editor = closedEditor;
+        }
+    };
     try {
         TakeFormat(newSampleRate, newChannelConfig);
     } catch (...) {
         TakeFormat(formerRate, formerConfig); // the instance stays as it was
+        finish();
         throw;
     }
+    finish();
+}
+
+// The editor when it is this thread's, which is closed then; one of another thread stays open and
+// is put right by the tick.
+Editor* Plugin::FreeEditorOfElements()
+{
+    if (editor == nullptr) {
+        return nullptr;
+    }
+    if (editorThread != std::this_thread::get_id()) {
+        editor->DetachControllers();
+        editorPending = true;
+        return nullptr;
+    }
+    editor->CloseForFormat();
+    return std::exchange(editor, nullptr);
+}
+
+void Plugin::FollowFormat(const Util::Bytes& state)
+{
     BuildElementParamList();
     LatencyChanged(DSP::Context::Process);
+    RestoreState(state);
     transform->PlanDryDelay();
     transform->Settle();
+    transform->AfterFormatChange();
+}
+
+Util::Bytes Plugin::SaveState()
+{
+    Util::Bytes state(GetStateSize());
+    if (!GetChunk(state)) {
+        state.clear(); // what is made anew then starts with its defaults
+    }
+    return state;
+}
+
+void Plugin::RestoreState(const Util::Bytes& state)
+{
+    // Elements that live on have kept their values. They are not set again later, by when the host
+    // may have changed them.
+    if (state.empty() || SaveState() == state) {
+        return;
+    }
+    if (editorPending) {
+        pendingChunks.assign(1, state);
+    } else {
+        SetChunk(state, GetDefinition().GetVersionNumber(), DSP::SourceHost);
+    }
 }
 
 void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)

@@ -111,8 +111,11 @@ void Plugin::SetParam(DSP::Element& element,
         }
     } else {
         // The process side may have moved on: the comparison is with what it has now.
+        LoadPendingChunks();
         element.SyncParams();
-        SetNormalised(param, value, context, DSP::SourceHost);
+        if (SetNormalised(param, value, context, DSP::SourceHost)) {
+            NotifyHistory();
+        }
     }
     CheckLatency(context);
 }
@@ -123,7 +126,7 @@ void Plugin::ParamReleased(DSP::Element& /*element*/, const String& /*name*/) {}
 
 void Plugin::ParamChanged(DSP::Element& element, const String& name)
 {
-    if (switching || reconfiguring) {
+    if (switching || reconfiguring || !pendingChunks.empty()) {
         return;
     }
     const auto index = transform->GetParamSet().FindIndex(element, name);

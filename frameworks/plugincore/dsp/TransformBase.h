@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace DSP {
@@ -57,6 +58,19 @@ public:
 
     /// Whether the element's latency counts on the way from input to output. [any]
     virtual bool IsInPath(const String& /*elementName*/, Context /*context*/) const { return true; }
+
+    /// Around the saving and loading of a state. [ui]
+    virtual void BeforeSave() {}
+    virtual void AfterStateLoaded() {}
+    /// A state from before there were versions: its text, as it was compressed. True when it has
+    /// been loaded. [ui]
+    virtual bool LoadLegacyChunk(std::span<const uint8_t> /*text*/, uint32_t /*version*/)
+    {
+        return false;
+    }
+    /// Around a new stream format, under both locks. [setup]
+    virtual void BeforeFormatChange() {}
+    virtual void AfterFormatChange() {}
 
     virtual void BeforeProcess(uint32_t /*eventCount*/, const uint8_t* /*events*/) {}
     virtual void AfterProcess() {}

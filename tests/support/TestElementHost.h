@@ -6,6 +6,7 @@
 #include "frameworks/plugincore/dsp/MemoryPool.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ public:
     uint32_t blockOffset = 0;
     int latencyChanges = 0;
     int commandsUnderWay = 0;
+    /// Unset: elements have no controllers.
+    std::function<std::shared_ptr<Controller::ControllerSet>(DSP::ElementDispatcher&)>
+        makeControllerSet;
     std::vector<std::string> gestures; ///< "grab NAME", "release NAME", "change NAME"
 
     void ReserveProcessingMemory(std::size_t bytes) override { memory.Reserve(bytes); }
@@ -70,6 +74,11 @@ public:
     void ParamChanged(DSP::Element& /*element*/, const String& name) override
     {
         Note("change ", name);
+    }
+    std::shared_ptr<Controller::ControllerSet>
+    CreateControllerSet(DSP::ElementDispatcher& element) override
+    {
+        return makeControllerSet ? makeControllerSet(element) : nullptr;
     }
 
 private:

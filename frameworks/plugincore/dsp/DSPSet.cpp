@@ -1,9 +1,34 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/DSPSet.h"
 
+#include "frameworks/plugincore/dsp/ControllerSet.h"
+
 #include <algorithm>
 
 namespace DSP {
+
+std::any DSPSetImpl::ValueForKey(const String& key)
+{
+    auto found = elements.find(key);
+    if (found == elements.end()) {
+        found = std::find_if(elements.begin(), elements.end(), [&key](const auto& entry) {
+            return entry.second->GetName() == key;
+        });
+    }
+    if (found == elements.end()) {
+        return {};
+    }
+    return static_cast<Controller::KeyValueCoding*>(found->second->GetControllerSet().get());
+}
+
+std::set<String> DSPSetImpl::AllKeys()
+{
+    std::set<String> keys;
+    for (const auto& [name, element] : elements) {
+        keys.insert(name);
+    }
+    return keys;
+}
 
 void DSPSetImpl::OnUIIdle()
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/Element.h"
+#include "frameworks/plugincore/dsp/KeyValueCoding.h"
 
 #include <functional>
 #include <map>
@@ -11,16 +12,12 @@
 
 namespace DSP {
 
-/// The elements of an instance, as the rest of the program sees them. [ui] unless said otherwise
-class DSPSetBase {
+/// The elements of an instance, as the rest of the program sees them. By key, an element is its
+/// controller set, as a `KeyValueCoding*`. [ui] unless said otherwise
+class DSPSetBase : public Controller::KeyValueCoding {
 public:
     /// Elements by name, in name order.
     using ElementMap = std::map<String, std::shared_ptr<Element>>;
-
-    DSPSetBase() = default;
-    DSPSetBase(const DSPSetBase&) = delete;
-    DSPSetBase& operator=(const DSPSetBase&) = delete;
-    virtual ~DSPSetBase() = default;
 
     /// Makes the elements, or gives those that are there the new format. Under the process lock.
     /// [setup]
@@ -42,6 +39,9 @@ public:
     {
     }
 
+    /// Also finds an element by its own name, where that differs from the one in the set.
+    std::any ValueForKey(const String& key) override;
+    std::set<String> AllKeys() override;
     void OnUIIdle() override;
     void OnSyncParams() override;
     Element* GetElement(const String& name) const override;

@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/dsp/ElementParam.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -62,6 +63,10 @@ public:
     virtual const ParamObject* FindParam(uint32_t index) const = 0;
     /// A static empty record for an unknown name.
     virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
+
+    /// The parameters for the user interface, made at the first call; the set may not be kept longer
+    /// than the element. Throws std::logic_error when it is called while the set is being made. [ui]
+    virtual std::shared_ptr<Controller::ControllerSet> GetControllerSet() = 0;
 
     /// State beside the parameters that is saved with them as bytes. [ui]
     virtual bool HasExtraBytes() const = 0;

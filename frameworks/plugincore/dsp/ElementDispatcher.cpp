@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/ElementDispatcherParam.h"
 #include "frameworks/qobase/util/DebugTrace.h"
 
+#include <stdexcept>
 #include <type_traits>
 
 namespace DSP {
@@ -32,6 +33,22 @@ void VisitDispatch(auto& dispatch, Visit visit)
         },
         dispatch);
 }
+
+// Set from here to the end of the scope, also when an exception ends it.
+class ScopedMark {
+public:
+    explicit ScopedMark(bool& newMark)
+        : mark(newMark)
+    {
+        mark = true;
+    }
+    ScopedMark(const ScopedMark&) = delete;
+    ScopedMark& operator=(const ScopedMark&) = delete;
+    ~ScopedMark() { mark = false; }
+
+private:
+    bool& mark;
+};
 
 } // namespace
 
@@ -168,6 +185,25 @@ std::optional<uint32_t> ElementDispatcher::FindParamIndex(const String& paramNam
     const auto found = indexByName.find(paramName);
     const bool isBuilt = found != indexByName.end() && finalised;
     return isBuilt ? std::optional<uint32_t>(found->second) : std::nullopt;
+}
+
+std::shared_ptr<Controller::ControllerSet> ElementDispatcher::CreateControllerSet()
+{
+    return GetHost().CreateControllerSet(*this);
+}
+
+std::shared_ptr<Controller::ControllerSet> ElementDispatcher::GetControllerSet()
+{
+    if (makingControllerSet) {
+        throw std::logic_error(
+            "Calling ElementDispatcher::GetControllerSet() recursively. Make sure your custom "
+            "controller set's constructor does not call through to GetControllerSet()!");
+    }
+    if (!controllerSet) {
+        const ScopedMark mark(makingControllerSet);
+        controllerSet = CreateControllerSet();
+    }
+    return controllerSet;
 }
 
 String ElementDispatcher::GetParamName(uint32_t index) const

@@ -45,6 +45,7 @@ public:
     const ParamMap& GetParamMap() const override { return paramsByName; }
     const ParamObject* FindParam(uint32_t index) const override;
     const ParamInfo& GetParamInfoByName(const String& paramName) const override;
+    std::shared_ptr<Controller::ControllerSet> GetControllerSet() override;
 
     /// Values by index, as that side has them. An index past the end, or of another type, is
     /// ignored and reads as 0. True when the value changed. [process] or [ui]
@@ -67,6 +68,9 @@ protected:
 
     /// Builds the table and shows every default once to the callbacks. [setup]
     void FinaliseParams();
+
+    /// An element whose parameters are shown in a way of their own makes another set. [ui]
+    virtual std::shared_ptr<Controller::ControllerSet> CreateControllerSet();
 
 private:
     // Empty first, so that a gap between two indices reads as "not registered".
@@ -93,6 +97,8 @@ private:
     std::map<String, uint32_t> indexByName;
     std::vector<String> names; // by index
     bool finalised = false;
+    bool makingControllerSet = false;
+    std::shared_ptr<Controller::ControllerSet> controllerSet; // last: it listens to the transports
 };
 
 } // namespace DSP

@@ -6,7 +6,12 @@
 #include "frameworks/qobase/util/String.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
+
+namespace Controller {
+class ControllerSet;
+}
 
 namespace Util {
 class TaskQueue;
@@ -16,6 +21,7 @@ namespace DSP {
 
 class DSPCommand;
 class Element;
+class ElementDispatcher;
 
 /// Which side a call comes from or a value belongs to. The numbers are those of the entry.
 enum class Context : uint32_t { Process = 0, UI = 1 };
@@ -75,6 +81,10 @@ public:
     virtual void ParamGrabbed(Element& element, const String& name) = 0;
     virtual void ParamReleased(Element& element, const String& name) = 0;
     virtual void ParamChanged(Element& element, const String& name) = 0;
+
+    /// Makes what the user interface binds to. The element, which outlives the set, keeps it. [ui]
+    virtual std::shared_ptr<Controller::ControllerSet>
+    CreateControllerSet(ElementDispatcher& /*element*/) { return nullptr; }
 };
 
 } // namespace DSP

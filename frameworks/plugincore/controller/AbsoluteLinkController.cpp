@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/controller/AbsoluteLinkController.h"
+
+namespace Controller {
+namespace {
+
+// Set from here to the end of the scope, also when an exception ends it.
+class ScopedMark {
+public:
+    explicit ScopedMark(bool& newMark)
+        : mark(newMark)
+    {
+        mark = true;
+    }
+    ScopedMark(const ScopedMark&) = delete;
+    ScopedMark& operator=(const ScopedMark&) = delete;
+    ~ScopedMark() { mark = false; }
+
+private:
+    bool& mark;
+};
+
+} // namespace
+
+template <typename ParamType>
+LinkedParam<ParamType>::LinkedParam(AbsoluteLinkController<ParamType>& newLink,
+                                    ParamType& newTarget)
+    : ParamType(std::make_unique<LinkedParamStorage<T, ParamType>>(newTarget))
+    , link(newLink)
+    , target(newTarget)
+    , observer(newTarget)
+{
+    ParamType::SetRange(target.GetRange());
+    ParamType::SetDefault(target.GetDefault());
+}
+
+template <typename ParamType>
+LinkedParam<ParamType>& AbsoluteLinkController<ParamType>::Add(ParamType& param)
+{
+    auto& added = AddChild(std::make_unique<LinkedParam<ParamType>>(*this, param));
+    linked.push_back(&added);
+    param.ValueChanged().Connect(*this, [this, &param](const T& value) { Spread(param, value); });
+    return added;
+}
+
+template <typename ParamType>
+void AbsoluteLinkController<ParamType>::BeginChangeOfAll()
+{
+    for (const LinkedParam<ParamType>* entry : linked) {
+        if (ParamType* target = entry->GetTarget()) {
+            target->BeginChange();
+        }
+    }
+}
+
+template <typename ParamType>
+void AbsoluteLinkController<ParamType>::EndChangeOfAll()
+{
+    for (const LinkedParam<ParamType>* entry : linked) {
+        if (ParamType* target = entry->GetTarget()) {
+            target->EndChange();
+        }
+    }
+}
+
+template <typename ParamType>
+void AbsoluteLinkController<ParamType>::Spread(const ParamType& from, const T& value)
+{
+    // One that can't take the value answers with another: that isn't sent round again.
+    if (spreading) {
+        return;
+    }
+    const ScopedMark mark(spreading);
+    const T wanted = value;
+    for (const LinkedParam<ParamType>* entry : linked) {
+        ParamType* target = entry->GetTarget();
+        if (target != nullptr && target != &from) {
+            target->SetValue(wanted);
+        }
+    }
+}
+
+template class LinkedParam<FloatParam>;
+template class LinkedParam<EnumParam>;
+template class LinkedParam<BoolParam>;
+template class AbsoluteLinkController<FloatParam>;
+template class AbsoluteLinkController<EnumParam>;
+template class AbsoluteLinkController<BoolParam>;
+
+} // namespace Controller

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/controller/Param.h"
+
+#include <vector>
+
+namespace Controller {
+
+template <typename ParamType>
+class AbsoluteLinkController;
+
+/// The value is that of another parameter. It is set there with all that belongs to it.
+template <typename T, typename ParamType>
+class LinkedParamStorage final : public ParamStorage<T> {
+public:
+    /// The parameter outlives the storage's use.
+    explicit LinkedParamStorage(ParamType& newParam)
+        : param(newParam)
+        , connection(param.ValueChanged().Connect(
+              [this](const T& value) { this->ValueChanged().Emit(value); }))
+    {
+    }
+
+    void Store(const T& value) override { param.SetValue(value); }
+    T Load() const override { return param.GetValue(); }
+
+private:
+    ParamType& param;
+    const Connection connection;
+};
+
+/// Stands for a parameter of a link: setting it sets all of them, and a gesture on it is one on all
+/// of them. [ui]
+template <typename ParamType>
+class LinkedParam final : public ParamType {
+public:
+    using T = typename ParamType::Value;
+
+    /// Made by the link, which outlives it.
+    LinkedParam(AbsoluteLinkController<ParamType>& newLink, ParamType& newTarget);
+
+    void BeginChange() override { link.BeginChangeOfAll(); }
+    void EndChange() override { link.EndChangeOfAll(); }
+    /// Null once the parameter is gone.
+    ParamType* GetTarget() const { return observer.IsDestroyed() ? nullptr : &target; }
+
+private:
+    AbsoluteLinkController<ParamType>& link;
+    ParamType& target;
+    const DestructorObserver observer;
+};
+
+/// Keeps several parameters at the same value: a change of one sets the others, each as far as its
+/// own constraints and range allow. What they become by that changes no other. Parameters may have
+/// different values until the first change. [ui]
+template <typename ParamType>
+class AbsoluteLinkController final : public Object, public virtual Trackable {
+public:
+    using T = typename ParamType::Value;
+
+    /// Joins a parameter, which may go first; answers what stands for it, owned by the link. Not
+    /// during a gesture.
+    LinkedParam<ParamType>& Add(ParamType& param);
+
+    /// For LinkedParam.
+    void BeginChangeOfAll();
+    void EndChangeOfAll();
+
+private:
+    void Spread(const ParamType& from, const T& value);
+
+    std::vector<LinkedParam<ParamType>*> linked; // children
+    bool spreading = false;
+};
+
+extern template class LinkedParam<FloatParam>;
+extern template class LinkedParam<EnumParam>;
+extern template class LinkedParam<BoolParam>;
+extern template class AbsoluteLinkController<FloatParam>;
+extern template class AbsoluteLinkController<EnumParam>;
+extern template class AbsoluteLinkController<BoolParam>;
+
+} // namespace Controller

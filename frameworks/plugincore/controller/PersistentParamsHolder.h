@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/controller/PersistentParams.h"
+#include "frameworks/qobase/util/CriticalSection.h"
+
+#include <map>
+#include <memory>
+#include <variant>
+#include <vector>
+
+namespace Controller {
+
+class PersistentParamsLink;
+
+/// The preferences of the user under one path of the settings, shared by all instances of the
+/// process; it ends with the last of them. A parameter's key is "Params.", its element's name,
+/// ".Float.", ".Bool." or ".Enum.", and its own name.
+///
+/// Threads: [any], except on the processing side. Instances may have different UI threads, so that
+/// everything happens under the holder's lock. It calls nothing back but the queues of the links.
+class PersistentParamsHolder {
+public:
+    /// The one of this path: made anew, from what the settings hold, while there is none.
+    static std::shared_ptr<PersistentParamsHolder> Share(const String& settingsPath);
+
+    explicit PersistentParamsHolder(const String& settingsPath);
+
+    /// Makes the parameter of this key, unless it is there. For float, uint32_t and bool.
+    template <typename T>
+    void Register(const String& key, const DSP::ElementParamImplBase<T>& model);
+    /// The key has been registered with this type.
+    template <typename T>
+    T Get(const String& key) const;
+    /// Writes a value that differs to the settings and announces it to all links but `from`.
+    template <typename T>
+    void Set(const String& key, T value, const PersistentParamsLink& from);
+
+    /// A link is told of changes from Attach() to Detach().
+    void Attach(PersistentParamsLink& link);
+    void Detach(PersistentParamsLink& link);
+
+private:
+    using ParamPointer = std::variant<std::shared_ptr<PersistentFloatParam>,
+                                      std::shared_ptr<PersistentEnumParam>,
+                                      std::shared_ptr<PersistentBoolParam>>;
+
+    mutable Util::CriticalSection lock{"Persistent Params"};
+    Util::ConfigFile file UTIL_GUARDED_BY(lock);
+    std::map<String, ParamPointer> params UTIL_GUARDED_BY(lock);
+    std::vector<PersistentParamsLink*> links UTIL_GUARDED_BY(lock); // not owned
+};
+
+} // namespace Controller

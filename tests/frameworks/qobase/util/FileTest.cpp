@@ -1,0 +1,314 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/File.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <set>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Util::File;
+
+constexpr unsigned childSeconds = 60; // a child that hangs ends itself
+
+Util::Bytes BytesOf(std::string_view text)
+{
+    return {text.begin(), text.end()};
+}
+
+void Put(const std::string& path, std::string_view contents)
+{
+    std::ofstream(path, std::ios::binary) << contents;
+}
+
+std::string Contents(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::set<std::string> NamesIn(const fs::path& folder)
+{
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+template <typename T>
+std::string TextOf(const Util::Expected<T>& result)
+{
+    return result ? "success" : result.GetDescription().ToStdString();
+}
+
+/// A file of four bytes that is open for reading.
+File OpenForReading(const std::string& path)
+{
+    Put(path, "four");
+    File file(path);
+    EXPECT_TRUE(file.Open(File::Mode::Read));
+    return file;
+}
+
+TEST(File, FailuresHaveTheirTexts)
+{
+    const Support::TemporaryFolder folder;
+    const String missing = folder / "none/file";
+    File closed(missing);
+    File open = OpenForReading(folder / "open");
+    File aFolder(folder.Path().string());
+    char buffer[10] = {};
+    const std::pair<std::string, std::string> expected[] = {
+        {TextOf(closed.Open(File::Mode::Read)), "Error opening file"},
+        {TextOf(closed.Open(File::Mode::Write)), "Error opening file"},
+        {TextOf(aFolder.Open(File::Mode::Read)), "Error opening file"},
+        {TextOf(aFolder.Open(File::Mode::Write)), "Error opening file"},
+        {TextOf(closed.Read(buffer, 7)), "Attempt to read 7 bytes when not open"},
+        {TextOf(closed.Write(buffer, 7)), "Attempt to write 7 bytes when not open"},
+        {TextOf(closed.Seek(7)), "Attempt to seek to 7 when not open"},
+        {TextOf(closed.GetSize()), "Could not get the number of bytes remaining"},
+        {TextOf(closed.GetPosition()), "Could not get the number of bytes remaining"},
+        {TextOf(closed.GetModificationTime()), "Error getting file time"},
+        {TextOf(closed.Remove()), "Remove failed"},
+        {TextOf(aFolder.Remove()), "Remove failed"},
+        {TextOf(closed.Move(folder / "target")), "MoveFileEx failed"},
+        {TextOf(closed.Close()), "success"},
+        {TextOf(open.Read(buffer, 10)), "Attempt to read 10 bytes, only read 4 bytes"},
+        {TextOf(open.Write(buffer, 3)), "Attempt to write 3 bytes, only wrote 0 bytes"},
+        {TextOf(open.Seek(std::numeric_limits<uint64_t>::max())),
+         "Seek to 18446744073709551615 failed"},
+        {TextOf(open.Move(folder / "none/target")), "MoveFileEx failed"},
+    };
+    for (const auto& [text, wanted] : expected)
+        EXPECT_EQ(text, wanted);
+
+    const auto failure = closed.Open(File::Mode::Read);
+    const auto* const error = failure.GetError().As<File::Error>();
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->GetDetail(), "File");
+    ASSERT_EQ(error->GetArguments().size(), 2U);
+    EXPECT_EQ(error->GetArguments()[0], missing);
+    EXPECT_EQ(error->GetArguments()[1], "No such file or directory");
+}
+
+TEST(File, MovesItsPositionByWhatIsReadAndWritten)
+{
+    const Support::TemporaryFolder folder;
+    File file(folder / "file");
+    Put(folder / "file", "longer than what comes");
+    ASSERT_TRUE(file.Open(File::Mode::Write));
+    ASSERT_TRUE(file.Write("abcdef", 6));
+    ASSERT_TRUE(file.Seek(2));
+    ASSERT_TRUE(file.Write("XY", 2));
+    EXPECT_EQ(*file.GetPosition(), 4U);
+    EXPECT_EQ(*file.GetSize(), 6U);
+    ASSERT_TRUE(file.Flush());
+    File moved = std::move(file);
+    ASSERT_TRUE(moved.Open(File::Mode::Read));
+    ASSERT_TRUE(moved.Seek(1));
+    char read[4] = {};
+    ASSERT_TRUE(moved.Read(read, 4));
+    EXPECT_EQ(std::string(read, 4), "bXYe");
+}
+
+TEST(File, MovingReplacesATarget)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "from", "new");
+    Put(folder / "to", "old");
+    ASSERT_TRUE(File(folder / "from").Move(folder / "to"));
+    EXPECT_EQ(Contents(folder / "to"), "new");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"to"});
+}
+
+TEST(File, NoCallTouchesTheFileBeforeANulByte)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "kept", "kept");
+    const String path = folder / std::string("kept\0.old", 9);
+    EXPECT_FALSE(File(path).Exists());
+    EXPECT_FALSE(File(path).Open(File::Mode::Write));
+    EXPECT_FALSE(File(path).Remove());
+    EXPECT_FALSE(File(path).Move(folder / "moved"));
+    EXPECT_FALSE(Util::ReplaceWholeFile(path, {}));
+    EXPECT_FALSE(Util::ReadWholeFile(path));
+    EXPECT_EQ(Contents(folder / "kept"), "kept");
+}
+
+TEST(ReadWholeFile, TakesWhatComesUpToTheLimit)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "file", std::string(100000, 'x'));
+    EXPECT_EQ(Util::ReadWholeFile(folder / "file", 100000)->size(), 100000U);
+    const auto larger = Util::ReadWholeFile(folder / "file", 99999);
+    EXPECT_EQ(TextOf(larger), "File is larger than 99999 bytes");
+    Put(folder / "empty", "");
+    EXPECT_TRUE(Util::ReadWholeFile(folder / "empty", 0)->empty());
+    // States a size of 0, and has contents.
+    EXPECT_GT(Util::ReadWholeFile("/proc/self/status")->size(), 100U);
+    for (const char* const refused : {"/", "/dev/zero", "/none/file", ""})
+        EXPECT_EQ(TextOf(Util::ReadWholeFile(refused)), "Error opening file") << refused;
+}
+
+TEST(ReadWholeFile, ReadsAPipeToItsEndOrToTheLimit)
+{
+    const Support::TemporaryFolder folder;
+    const std::string pipe = folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string sent(300000, 'p');
+    for (const uint64_t limit : {uint64_t{300000}, uint64_t{299999}, uint64_t{10}}) {
+        // The writer is left alone with a broken pipe when the limit is met, and lives on.
+        std::thread writer([&] {
+            File file(pipe);
+            if (file.Open(File::Mode::Write))
+                static_cast<void>(file.Write(sent.data(), sent.size()));
+        });
+        const auto bytes = Util::ReadWholeFile(pipe, limit);
+        writer.join();
+        EXPECT_EQ(static_cast<bool>(bytes), limit == sent.size()) << limit;
+        if (bytes) {
+            EXPECT_EQ(*bytes, BytesOf(sent));
+        }
+    }
+}
+
+TEST(ReplaceWholeFile, KeepsPermissionsAndFollowsLinks)
+{
+    const Support::TemporaryFolder folder;
+    fs::create_directory(folder / "deep");
+    Put(folder / "deep/file", "old");
+    fs::permissions(folder / "deep/file", fs::perms(0640));
+    fs::create_symlink("deep/file", folder / "near");
+    fs::create_symlink(folder / "near", folder / "far");
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "far", BytesOf("new")));
+    EXPECT_EQ(Contents(folder / "deep/file"), "new");
+    EXPECT_EQ(fs::status(folder / "deep/file").permissions(), fs::perms(0640));
+    EXPECT_TRUE(fs::is_symlink(folder / "near") && fs::is_symlink(folder / "far"));
+
+    fs::create_symlink("deep/none", folder / "dangling");
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "dangling", BytesOf("made")));
+    EXPECT_EQ(Contents(folder / "deep/none"), "made");
+    EXPECT_EQ(NamesIn(folder / "deep"), (std::set<std::string>{"file", "none"}));
+
+    // A new file is as open to others as the user's mask lets it be.
+    const mode_t former = umask(027);
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "fresh", BytesOf("new")));
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "deep/file", BytesOf("again")));
+    umask(former);
+    EXPECT_EQ(fs::status(folder / "fresh").permissions(), fs::perms(0640));
+}
+
+TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "file", "old");
+    fs::create_directory(folder / "folder");
+    fs::create_symlink("loop", folder / "loop");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    const auto before = NamesIn(folder.Path());
+    for (const char* const path : {"file/below", "none/file", "folder", "loop", "pipe", "file/"}) {
+        const auto result = Util::ReplaceWholeFile(folder / path, BytesOf("new"));
+        EXPECT_EQ(TextOf(result), "Error opening file") << path;
+    }
+    const std::string longName(300, 'n');
+    EXPECT_FALSE(Util::ReplaceWholeFile(folder / longName, BytesOf("new")));
+    EXPECT_EQ(NamesIn(folder.Path()), before);
+    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+    if (geteuid() == 0)
+        return; // nothing is read-only for an administrator
+    fs::permissions(folder / "file", fs::perms(0444));
+    EXPECT_FALSE(Util::ReplaceWholeFile(folder / "file", BytesOf("new")));
+    EXPECT_EQ(Contents(folder / "file"), "old");
+}
+
+/// In a child of its own: what comes of `action` when files may have 1000 bytes.
+void RunWithSmallFiles(const std::function<Util::Expected<void>()>& action)
+{
+    alarm(childSeconds);
+    const rlimit limit{1000, 1000};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const auto result = action();
+    sigset_t mask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    const bool isBlocked = sigismember(&mask, SIGXFSZ) == 1;
+    std::fprintf(stderr, "%s%s", TextOf(result).c_str(), isBlocked ? ", mask left behind" : "");
+    _exit(0);
+}
+
+TEST(FileDeathTest, AFullDiskEndsTheWriteAndNotTheProcess)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "file", "old");
+    const Util::Bytes large(5000, 'x');
+    EXPECT_EXIT(RunWithSmallFiles([&] { return Util::ReplaceWholeFile(folder / "file", large); }),
+                testing::ExitedWithCode(0),
+                "^Attempt to write 5000 bytes, only wrote 1000 bytes$");
+    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"file"});
+    EXPECT_EXIT(RunWithSmallFiles([&] {
+                    File file(folder / "other");
+                    static_cast<void>(file.Open(File::Mode::Write));
+                    return file.Write(large.data(), large.size());
+                }),
+                testing::ExitedWithCode(0),
+                "^Attempt to write 5000 bytes, only wrote 1000 bytes$");
+}
+
+/// One version of a file: its first byte tells how many there are, all alike.
+Util::Bytes Version(uint8_t number)
+{
+    return Util::Bytes(1000 * (1 + std::size_t{number}), number);
+}
+
+TEST(ReplaceWholeFile, IsOneWholeVersionWheneverTheWriterIsKilled)
+{
+    constexpr int kills = 40;
+    const Support::TemporaryFolder folder;
+    const std::string path = folder / "file";
+    ASSERT_TRUE(Util::ReplaceWholeFile(path, Version(0)));
+    for (int round = 0; round < kills; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(childSeconds);
+            for (uint8_t number = 1;; ++number)
+                static_cast<void>(Util::ReplaceWholeFile(path, Version(number)));
+        }
+        ASSERT_GT(child, 0);
+        // Other numbers of looks end the child at other places of its loop.
+        std::set<uint8_t> seen;
+        for (int look = 0; look < round * 10 || seen.size() < 2; ++look) {
+            const auto bytes = Util::ReadWholeFile(path);
+            ASSERT_TRUE(bytes && !bytes->empty());
+            EXPECT_TRUE(*bytes == Version(bytes->front()));
+            ASSERT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "ended by itself";
+            seen.insert(bytes->front());
+        }
+        kill(child, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+        const auto left = Util::ReadWholeFile(path);
+        ASSERT_TRUE(left && !left->empty());
+        EXPECT_TRUE(*left == Version(left->front()));
+    }
+}
+
+} // namespace

@@ -14,7 +14,7 @@ namespace Util {
 namespace {
 
 /// False when the open file's name leads to another file by now, or to none.
-bool HasStillItsName(int descriptor, const char* path)
+bool StillHasItsName(int descriptor, const char* path)
 {
     struct stat open {};
     struct stat named {};
@@ -49,7 +49,7 @@ bool FileLock::Try(const String& path)
         return errno == EINTR;
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0)
         return errno == EWOULDBLOCK || errno == EINTR;
-    isHeld = HasStillItsName(descriptor, path.c_str());
+    isHeld = StillHasItsName(descriptor, path.c_str());
     if (!isHeld)
         Close(); // the lock of a removed file keeps nobody out
     return true;

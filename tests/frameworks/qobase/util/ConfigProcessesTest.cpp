@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/ConfigFile.h"
+#include "frameworks/qobase/util/FileLock.h"
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <set>
+
+namespace {
+
+using Util::ConfigFile;
+
+constexpr const char* Key = "SOFTWARE/Norvane/LM6Pfgd";
+
+/// Work in a process of its own, which ends with the object at the latest.
+class Child {
+public:
+    explicit Child(const std::function<void()>& work)
+        : process(fork())
+    {
+        if (process != 0)
+            return;
+        alarm(120); // ends it should the work hang
+        work();
+        _exit(0);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() { Kill(); }
+
+    /// True when the work came to its end.
+    bool Wait()
+    {
+        int status = -1;
+        waitpid(process, &status, 0);
+        process = -1;
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+    void Kill()
+    {
+        if (process <= 0)
+            return;
+        kill(process, SIGKILL);
+        Wait();
+    }
+
+private:
+    pid_t process;
+};
+
+String Name(const char* prefix, int32_t number)
+{
+    return String(prefix).arg(number, 10, 3);
+}
+
+void WriteMany(const char* prefix, int32_t count)
+{
+    ConfigFile config(Key);
+    for (int32_t i = 0; i < count; ++i)
+        config.WriteInt(Name(prefix, i), i);
+}
+
+std::set<String> NamesOnDisk()
+{
+    std::set<String> names;
+    ConfigFile(Key).GetValueNames(names, "");
+    return names;
+}
+
+TEST(ConfigProcesses, LoseNoWriteOfEachOther)
+{
+    const Support::UserFolders folders;
+    constexpr int32_t count = 200;
+    Child first([] { WriteMany("a", count); });
+    Child second([] { WriteMany("b", count); });
+    EXPECT_TRUE(first.Wait());
+    EXPECT_TRUE(second.Wait());
+    EXPECT_EQ(NamesOnDisk().size(), 2U * count);
+    const ConfigFile config(Key);
+    for (int32_t i = 0; i < count; ++i)
+        EXPECT_EQ(config.ReadInt(Name("a", i), -1) + config.ReadInt(Name("b", i), -1), 2 * i);
+}
+
+TEST(ConfigProcesses, ReadsSeeWhatAnotherWroteAndWritesKeepIt)
+{
+    const Support::UserFolders folders;
+    ConfigFile config(Key);
+    config.WriteInt("own", 1);
+    for (int32_t i = 1; i < 9; ++i) { // the same length every time, so that the size tells nothing
+        ASSERT_TRUE(Child([i] { ConfigFile(Key).WriteInt("other", i); }).Wait());
+        EXPECT_EQ(config.ReadInt("other", 0), i);
+    }
+    ASSERT_TRUE(Child([] { ConfigFile(Key).DeleteValue("other"); }).Wait());
+    config.WriteInt("own", 2);
+    EXPECT_FALSE(config.HasValue("other"));
+}
+
+TEST(ConfigProcesses, AKilledWriterLeavesAWholeFileAndNoLock)
+{
+    for (const std::size_t wanted : {1U, 5U, 20U}) {
+        const Support::UserFolders folders;
+        Child writer([] { WriteMany("n", 1000); });
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (NamesOnDisk().size() < wanted && std::chrono::steady_clock::now() < limit) {
+        }
+        writer.Kill();
+        const std::set<String> names = NamesOnDisk();
+        ASSERT_GE(names.size(), wanted);
+        // Written one after the other, so that whatever is there is there without a gap.
+        int32_t expected = 0;
+        for (const String& name : names)
+            EXPECT_EQ(name, Name("n", expected++));
+        ConfigFile config(Key);
+        config.WriteInt("after", 1);
+        EXPECT_EQ(NamesOnDisk().size(), names.size() + 1);
+    }
+}
+
+TEST(ConfigProcesses, OneThatHangsWithTheLockHangsNoOther)
+{
+    const Support::UserFolders folders;
+    ConfigFile config(Key);
+    config.WriteInt("x", 1);
+    const auto folder = folders.Home().Path() / "config/Norvane";
+    const String lockPath((folder / ".LM6Pfgd.json.lock").string());
+    ASSERT_TRUE(std::filesystem::exists(folder / ".LM6Pfgd.json.lock"));
+
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    Child holder([&] {
+        const Util::FileLock lock(lockPath, std::chrono::seconds(60));
+        const char mark = lock.IsHeld() ? 'y' : 'n';
+        if (write(ready[1], &mark, 1) == 1)
+            pause();
+    });
+    char mark = 0;
+    ASSERT_EQ(read(ready[0], &mark, 1), 1);
+    close(ready[0]);
+    close(ready[1]);
+    ASSERT_EQ(mark, 'y');
+    config.WriteInt("x", 2);
+    EXPECT_EQ(config.ReadInt("x", 0), 1) << "dropped, and reading needs no lock";
+    holder.Kill();
+    config.WriteInt("x", 3);
+    EXPECT_EQ(config.ReadInt("x", 0), 3);
+}
+
+TEST(FileLock, OfARemovedFileKeepsNobodyOut)
+{
+    const Support::TemporaryFolder folder;
+    const String path(folder / "lock");
+    const Util::FileLock first(path, std::chrono::milliseconds(0));
+    EXPECT_TRUE(first.IsHeld());
+    EXPECT_FALSE(Util::FileLock(path, std::chrono::milliseconds(0)).IsHeld());
+    std::filesystem::remove(folder / "lock");
+    EXPECT_TRUE(Util::FileLock(path, std::chrono::milliseconds(0)).IsHeld());
+    EXPECT_FALSE(Util::FileLock(String(folder / "none/lock"), std::chrono::seconds(60)).IsHeld());
+}
+
+} // namespace

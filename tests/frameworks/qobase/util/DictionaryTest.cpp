@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/qobase/util/DictionaryReaderJSON.h"
+#include "frameworks/qobase/util/JSONDictionaryWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using Util::Bytes;
+using Util::Dictionary;
+using Array = Util::DictionaryValue::Array;
+
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+
+std::optional<Dictionary> Read(std::string_view text)
+{
+    Util::DictionaryReaderJSON reader;
+    return Util::ReadDictionary(reader,
+                                {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}
+
+std::string Write(const Dictionary& dictionary)
+{
+    Util::JSONDictionaryWriter writer;
+    Util::WriteDictionary(writer, dictionary);
+    return writer.GetText().ToStdString();
+}
+
+/// Every type, at its limits, plain and inside the two that nest.
+Dictionary MakeTree()
+{
+    Dictionary leaf;
+    leaf.Set("least", {std::numeric_limits<int32_t>::min()});
+    leaf.Set("most", {std::numeric_limits<uint32_t>::max()});
+    leaf.Set("", {Dictionary()});
+    leaf.Set("none", {Array()});
+    leaf.Set("bytes", {Bytes()});
+    Dictionary root;
+    root.Set("leaf", {leaf});
+    root.Set("Leaf", {Array{{Array{{true}, {leaf}}}, {0.1}, {String("")}, {Bytes{0, 255, 1}}}});
+    root.Set("text \"\\/\b\x01\x7f",
+             {String(std::string_view("nul\0, \xc3\xa4, \xf0\x9f\x8e\xa4", 14))});
+    root.Set("no UTF-8", {String("\xff\xc3(\xed\xa0\x80")});
+    root.Set("smallest", {std::numeric_limits<double>::denorm_min()});
+    root.Set("largest", {std::numeric_limits<double>::max()});
+    root.Set("minus zero", {-0.0});
+    return root;
+}
+
+TEST(Dictionary, TextIsTheWrittenForm)
+{
+    Dictionary inner;
+    inner.Set("b", {uint32_t{7}});
+    Dictionary root;
+    root.Set("Gain", {0.5});
+    EXPECT_EQ(Write(root), R"({"Gain":{"Type":"Float","Value":0.5}})");
+    EXPECT_EQ(Write({}), "{}");
+    root.Set("D", {inner});
+    root.Set("a\n", {Array{{int32_t{-1}}, {String("q\"")}, {Bytes{'M', 'a', 'n'}}, {false}}});
+    EXPECT_EQ(Write(root),
+              R"({"D":{"Type":"Dictionary","Value":{"b":{"Type":"UInt","Value":7}}},)"
+              R"("Gain":{"Type":"Float","Value":0.5},)"
+              R"("a\u000a":{"Type":"Array","Value":[{"Type":"Int","Value":-1},)"
+              R"({"Type":"String","Value":"q\""},{"Type":"Base64","Value":"TWFu"},)"
+              R"({"Type":"Bool","Value":false}]}})");
+}
+
+TEST(Dictionary, EveryValueGoesThroughTextUnchanged)
+{
+    const Dictionary tree = MakeTree();
+    EXPECT_TRUE(Read(Write(tree)) == tree);
+    EXPECT_TRUE(std::signbit(*Read(Write(tree))->Find<double>("minus zero")));
+    EXPECT_EQ(tree.Find<int32_t>("smallest"), nullptr) << "a value is found by its type only";
+
+    std::mt19937 random(1);
+    Array floats;
+    for (int i = 0; i < 20000; ++i) {
+        const auto value = std::bit_cast<float>(static_cast<uint32_t>(random()));
+        if (std::isfinite(value))
+            floats.push_back({static_cast<double>(value)});
+    }
+    Dictionary numbers;
+    numbers.Set("floats", {floats});
+    EXPECT_TRUE(Read(Write(numbers)) == numbers);
+}
+
+struct GermanNumbers : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(Dictionary, TheLocaleOfTheHostChangesNothing)
+{
+    const Dictionary tree = MakeTree();
+    const std::string text = Write(tree);
+    const std::locale former =
+        std::locale::global(std::locale(std::locale::classic(), new GermanNumbers));
+    EXPECT_EQ(Write(tree), text);
+    EXPECT_TRUE(Read(text) == tree);
+    std::locale::global(former);
+}
+
+TEST(Dictionary, WhatJsonCannotHoldIsLeftOut)
+{
+    Dictionary inner;
+    inner.Set("nan", {std::nan("")});
+    Dictionary root;
+    root.Set("array", {Array{{1.0}, {Array{{-Infinity}}}}});
+    root.Set("inner", {inner});
+    root.Set("number", {Infinity});
+    root.Set("rest", {1.0});
+    Dictionary expected;
+    expected.Set("inner", {Dictionary()});
+    expected.Set("rest", {1.0});
+    EXPECT_TRUE(Read(Write(root)) == expected);
+}
+
+TEST(Dictionary, OneBadMemberFailsTheWholeText)
+{
+    const struct {
+        const char* member;
+        bool isGood;
+    } cases[] = {
+        {R"({"Type":"UInt","Value":4294967295})", true},
+        {R"({"Type":"UInt","Value":4294967296})", false},
+        {R"({"Type":"UInt","Value":-1})", false},
+        {R"({"Type":"UInt","Value":0.5})", false},
+        {R"({"Type":"UInt","Value":"1"})", false},
+        {R"({"Type":"Int","Value":-2147483648})", true},
+        {R"({"Type":"Int","Value":2147483648})", false},
+        {R"({"Type":"Int","Value":99999999999999999999999999})", false},
+        {R"({"Type":"Int","Value":true})", false},
+        {R"({"Type":"Float","Value":3})", true},
+        {R"({"Type":"Float","Value":-1.5e+3})", true},
+        {R"({"Type":"Float","Value":1e999})", false},
+        {R"({"Type":"Float","Value":NaN})", false},
+        {R"({"Type":"Float","Value":1.2.3})", false},
+        {R"({"Type":"Float","Value":-})", false},
+        {R"({"Type":"Float","Value":null})", false},
+        {R"({"Type":"Bool","Value":1})", false},
+        {R"({"Type":"String","Value":false})", false},
+        {R"({"Type":"String","Value":"\ud83c"})", false},
+        {R"({"Type":"String","Value":"\ud83c\udfa4"})", true},
+        {R"({"Type":"Base64","Value":"QQ"})", false},
+        {R"({"Type":"Base64","Value":7})", false},
+        {R"({"Type":"Dictionary","Value":[]})", false},
+        {R"({"Type":"Dictionary","Value":{"x":1}})", false},
+        {R"({"Type":"Array","Value":{}})", false},
+        {R"({"Type":"Array","Value":[1]})", false},
+        {R"({"Type":"Array","Value":[{"Type":"Bool","Value":true},]})", false},
+        {R"({"Type":"uint","Value":1})", false},
+        {R"({"Type":0,"Value":1})", false},
+        {R"({"Type":"UInt"})", false},
+        {R"({"Value":1})", false},
+        {R"({"Type":"UInt","Value":1,"More":[2.5]})", true},
+        {R"({"Type":"UInt","Value":0.5,"Value":1})", true},
+        {R"({'Type':'UInt','Value':1})", false},
+        {R"({"Type":"UInt","Value":/**/1})", false},
+        {"1", false},
+        {"null", false},
+        {"[]", false},
+    };
+    for (const auto& [member, isGood] : cases) {
+        const std::string text =
+            std::string(R"({"a":{"Type":"Bool","Value":true},"b":)") + member + "}";
+        EXPECT_EQ(Read(text).has_value(), isGood) << text;
+    }
+    for (const char* text : {"", " ", "null", "7", "[]", "\"{}\"", "{}x", "{} 1", "{a}", "\xff"})
+        EXPECT_FALSE(Read(text)) << text;
+    EXPECT_TRUE(Read(" {\r\n\t} \n"));
+}
+
+TEST(Dictionary, OfEqualKeysTheLaterCounts)
+{
+    const auto tree = Read(R"({"a":{"Type":"Bool","Value":true},"a":{"Type":"UInt","Value":2}})");
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(*tree->Find<uint32_t>("a"), 2U);
+}
+
+TEST(Dictionary, DamagedTextIsRefusedOrReadButNeverHarmful)
+{
+    const std::string text = Write(MakeTree());
+    for (std::size_t length = 0; length < text.size(); ++length)
+        EXPECT_FALSE(Read(std::string_view(text).substr(0, length))) << length;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        for (const char character : {'"', '\\', '{', ']', ',', '9', '-', '\0', '\xff'}) {
+            std::string damaged = text;
+            damaged[i] = character;
+            // What passes as good has to be a tree that stands a further round.
+            const auto tree = Read(damaged);
+            EXPECT_TRUE(!tree || Read(Write(*tree)) == *tree) << damaged;
+        }
+    }
+}
+
+TEST(Dictionary, DepthAndNumberOfPartsAreBounded)
+{
+    Util::DictionaryReaderJSON reader;
+    for (const auto& [depth, isGood] : {std::pair(119, true), {130, false}, {100000, false}}) {
+        std::string text;
+        for (int i = 0; i < depth; ++i)
+            text += R"({"a":{"Type":"Dictionary","Value":)";
+        text += "{}";
+        for (int i = 0; i < depth; ++i)
+            text += "}}";
+        const Util::ByteSpan bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+        EXPECT_EQ(Util::ReadDictionary(reader, bytes).has_value(), isGood) << depth;
+    }
+    EXPECT_FALSE(Read(std::string(1000000, '[')));
+    std::string many = R"({"a":{"Type":"Array","Value":[0)";
+    for (int i = 0; i < 1100000; ++i)
+        many += ",0";
+    EXPECT_FALSE(Read(many + "]}}"));
+}
+
+TEST(Dictionary, WriterKeepsItsPlace)
+{
+    Util::JSONDictionaryWriter writer;
+    writer.EndDictionary(); // there is nothing but the root
+    writer.BeginDictionary("a");
+    writer.BeginDictionary("b");
+    writer.WriteBool("x", true);
+    writer.EndDictionary();
+    writer.EndDictionary();
+    writer.WriteBool("y", true);
+    writer.BeginDictionary("a");
+    writer.BeginDictionary("b");
+    writer.WriteBool("z", false); // joins "x"; both dictionaries are still open
+    Dictionary b;
+    b.Set("x", {true});
+    b.Set("z", {false});
+    Dictionary a;
+    a.Set("b", {b});
+    Dictionary root;
+    root.Set("a", {a});
+    root.Set("y", {true});
+    EXPECT_EQ(writer.GetText().ToStdString(), Write(root));
+    EXPECT_EQ(writer.GetText().ToStdString(), "{}");
+}
+
+} // namespace

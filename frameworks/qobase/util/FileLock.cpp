@@ -2,7 +2,6 @@
 #include "frameworks/qobase/util/FileLock.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,11 +21,21 @@ bool StillHasItsName(int descriptor, const char* path)
            open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
+/// Locks of this kind belong to the open file, not to the process, and so part threads as well.
+struct flock RangeOf(bool isLock, short type)
+{
+    struct flock range {};
+    range.l_type = type;
+    range.l_whence = SEEK_SET;
+    range.l_start = isLock ? 0 : 1;
+    range.l_len = 1;
+    return range;
+}
+
 } // namespace
 
 FileLock::FileLock(const String& path, std::chrono::milliseconds longestWait)
 {
-    // Short steps: a busy owner leaves only moments between one lock and its next.
     constexpr std::chrono::microseconds Step(200);
     const auto end = std::chrono::steady_clock::now() + longestWait;
     while (Try(path) && !isHeld && std::chrono::steady_clock::now() < end)
@@ -37,7 +46,7 @@ FileLock::~FileLock()
 {
     // Said outright, since a process forked meanwhile would keep the lock with its copy.
     if (isHeld)
-        flock(descriptor, LOCK_UN);
+        GiveBack(Byte::Lock);
     Close();
 }
 
@@ -47,12 +56,31 @@ bool FileLock::Try(const String& path)
         descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     if (descriptor < 0)
         return errno == EINTR;
-    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0)
-        return errno == EWOULDBLOCK || errno == EINTR;
+    // Who waits for the lock has the turn, so that its last owner can't be back before.
+    int error = hasTurn ? 0 : Take(Byte::Turn);
+    hasTurn = error == 0;
+    if (hasTurn)
+        error = Take(Byte::Lock);
+    if (error != 0)
+        return error == EAGAIN || error == EACCES || error == EINTR;
+    GiveBack(Byte::Turn);
+    hasTurn = false;
     isHeld = StillHasItsName(descriptor, path.c_str());
     if (!isHeld)
         Close(); // the lock of a removed file keeps nobody out
     return true;
+}
+
+int FileLock::Take(Byte byte)
+{
+    struct flock range = RangeOf(byte == Byte::Lock, F_WRLCK);
+    return fcntl(descriptor, F_OFD_SETLK, &range) == 0 ? 0 : errno;
+}
+
+void FileLock::GiveBack(Byte byte)
+{
+    struct flock range = RangeOf(byte == Byte::Lock, F_UNLCK);
+    fcntl(descriptor, F_OFD_SETLK, &range);
 }
 
 void FileLock::Close()

@@ -13,7 +13,8 @@ namespace Util {
 
 /// An advisory lock between processes and threads, by a file of its own. The file is made when
 /// missing and left behind; one that somebody removes while it is held or waited for does no harm.
-/// A process that ends leaves its locks. [ui]
+/// A process that ends leaves its locks. One that takes the lock again and again does not starve
+/// another that waits. [ui]
 class FileLock {
 public:
     /// Waits for `longestWait` at most, so that a process that hangs with the lock hangs no other.
@@ -25,11 +26,17 @@ public:
     bool IsHeld() const { return isHeld; }
 
 private:
+    enum class Byte { Lock, Turn };
+
     /// One step: false when waiting longer makes no sense.
     bool Try(const String& path);
+    /// Takes a byte of the file, or gives it back: 0, or the system's error.
+    int Take(Byte byte);
+    void GiveBack(Byte byte);
     void Close();
 
     int descriptor = -1;
+    bool hasTurn = false;
     bool isHeld = false;
 };
 

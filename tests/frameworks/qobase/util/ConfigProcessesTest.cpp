@@ -65,8 +65,13 @@ String Name(const char* prefix, int32_t number)
 void WriteMany(const char* prefix, int32_t count)
 {
     ConfigFile config(Key);
-    for (int32_t i = 0; i < count; ++i)
-        config.WriteInt(Name(prefix, i), i);
+    for (int32_t i = 0; i < count; ++i) {
+        // A machine under load may make a write wait so long that it is dropped; none is lost
+        // afterwards.
+        do
+            config.WriteInt(Name(prefix, i), i);
+        while (!config.HasValue(Name(prefix, i)));
+    }
 }
 
 std::set<String> NamesOnDisk()

@@ -88,6 +88,11 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
         timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
     }
+    if (!IsOffline()) {
+        persistentParams = std::make_unique<Controller::PersistentParamsLink>(
+            Controller::PersistentParamsHolder::Share(configFile.GetKeyPath()));
+        LoadPersistentParams();
+    }
     reconfiguring = false;
 }
 
@@ -96,6 +101,7 @@ Plugin::~Plugin()
     suspended = true;
     timer.reset();
     history.reset();
+    persistentParams.reset();
     transform.reset(); // its elements give back the commands that they still hold
     // What is left was lost to a full ring.
     for (DSP::DSPCommand* command : liveCommands) {
@@ -253,6 +259,9 @@ std::vector<HostCallback::Notification> Plugin::RunIdleWork()
         }
         transform->GetSet().OnUIIdle();
         transform->GetSet().OnSyncParams();
+        if (persistentParams) {
+            persistentParams->ApplyChanges();
+        }
         if (history) {
             history->onIdle();
         }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "frameworks/plugincore/Editor.h"
+#include "frameworks/plugincore/GestureBook.h"
 #include "frameworks/plugincore/HostIdentification.h"
 #include "frameworks/plugincore/PluginFactory.h"
+#include "frameworks/plugincore/controller/PersistentParamsLink.h"
 #include "frameworks/plugincore/dsp/FFTPool.h"
 #include "frameworks/plugincore/dsp/MemoryPool.h"
 #include "frameworks/qobase/util/ConfigFile.h"
@@ -105,6 +107,8 @@ public:
     void ParamGrabbed(DSP::Element& element, const String& name) override;
     void ParamReleased(DSP::Element& element, const String& name) override;
     void ParamChanged(DSP::Element& element, const String& name) override;
+    std::shared_ptr<Controller::ControllerSet>
+    CreateControllerSet(DSP::ElementDispatcher& element) override;
 
     /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
     bool RecentlyProcessed() const;
@@ -125,6 +129,22 @@ public:
 
     /// Tells the host that the user has changed the instance's state. [ui]
     void NotifyDirty() { GetHostCallback().NotifyDirty(); }
+
+    /// Something that the user does in one go, from here to the end of the scope: the host hears
+    /// once, at the end, that the state has changed, if it has. [ui]
+    class UserAction {
+    public:
+        explicit UserAction(Plugin& newPlugin);
+        UserAction(const UserAction&) = delete;
+        UserAction& operator=(const UserAction&) = delete;
+        ~UserAction();
+
+        /// What changes is no parameter.
+        void MarkChanged();
+
+    private:
+        Plugin& plugin;
+    };
 
 private:
     // One side's view of the delay between input and output, in samples.
@@ -160,6 +180,12 @@ private:
                   const DSP::ParamObject& param,
                   DSP::Context context,
                   float value);
+
+    // PluginGestures.cpp
+    bool MayReport() const;
+    void ReportParam(uint32_t kind, const DSP::Element& element, const String& name);
+    void StorePersistentParams();
+    void LoadPersistentParams();
 
     // PluginState.cpp
     Util::Dictionary BuildCommonDictionary() const;
@@ -228,8 +254,10 @@ private:
     std::thread::id editorThread{};         // that attached the editor
     bool editorPending = false;             // its controllers are to be attached again; UI side
     std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
+    GestureBook gestures;                   // UI side
     std::unique_ptr<DSP::TransformBase> transform;
-    std::unique_ptr<HistoryManager> history; // may be null
+    std::unique_ptr<Controller::PersistentParamsLink> persistentParams; // null offline
+    std::unique_ptr<HistoryManager> history;                            // may be null
     std::vector<ElementParam> elementParamList;
     std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
 };

@@ -56,6 +56,7 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     processing = false;
     lastProcessTick = 0;
     const Util::Bytes state = SaveState();
+    StorePersistentParams();
     transform->BeforeFormatChange();
     Editor* const closedEditor = FreeEditorOfElements();
     const float formerRate = sampleRate;
@@ -97,6 +98,7 @@ void Plugin::FollowFormat(const Util::Bytes& state)
 {
     BuildElementParamList();
     LatencyChanged(DSP::Context::Process);
+    LoadPersistentParams();
     RestoreState(state);
     transform->PlanDryDelay();
     transform->Settle();

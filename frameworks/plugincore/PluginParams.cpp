@@ -119,21 +119,3 @@ void Plugin::SetParam(DSP::Element& element,
     }
     CheckLatency(context);
 }
-
-// Gestures come from an editor, so that without one there are none to report.
-void Plugin::ParamGrabbed(DSP::Element& /*element*/, const String& /*name*/) {}
-void Plugin::ParamReleased(DSP::Element& /*element*/, const String& /*name*/) {}
-
-void Plugin::ParamChanged(DSP::Element& element, const String& name)
-{
-    if (switching || reconfiguring || !pendingChunks.empty()) {
-        return;
-    }
-    const auto index = transform->GetParamSet().FindIndex(element, name);
-    if (!index) {
-        return;
-    }
-    const auto& params = transform->GetParamSet().GetParams();
-    GetHostCallback().NotifyParam(
-        {1, *index, GetNormalised(params[*index].param, DSP::Context::UI)});
-}

@@ -84,7 +84,7 @@ public:
 
     /// Makes what the user interface binds to. The element, which outlives the set, keeps it. [ui]
     virtual std::shared_ptr<Controller::ControllerSet>
-    CreateControllerSet(ElementDispatcher& /*element*/) { return nullptr; }
+    CreateControllerSet(ElementDispatcher& element) = 0;
 };
 
 } // namespace DSP

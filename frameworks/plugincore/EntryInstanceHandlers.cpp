@@ -153,9 +153,9 @@ uint32_t SetHostTrackValue(PluginCore& plugin, DSP::Context /*context*/, void* d
     return PluginCoreSuccess;
 }
 
-uint32_t HostMessage(PluginCore& plugin, DSP::Context /*context*/, void* data)
+uint32_t HostMessage(PluginCore& plugin, DSP::Context context, void* data)
 {
-    return plugin.HostMessage(As<HostMessageRecord>(data));
+    return plugin.HostMessage(context, As<HostMessageRecord>(data));
 }
 
 } // namespace EntryHandlers

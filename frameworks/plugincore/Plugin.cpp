@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/PluginInfo.h"
 #include "frameworks/plugincore/StreamFormat.h"
 #include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/plugincore/preset/PresetManager.h"
 #include "frameworks/qobase/util/Process.h"
 #include "frameworks/qobase/util/Tick.h"
 
@@ -102,6 +103,7 @@ Plugin::~Plugin()
     timer.reset();
     history.reset();
     persistentParams.reset();
+    presets.reset();
     transform.reset(); // its elements give back the commands that they still hold
     // What is left was lost to a full ring.
     for (DSP::DSPCommand* command : liveCommands) {
@@ -177,13 +179,15 @@ void Plugin::CommandFinished(DSP::Element& /*element*/, DSP::DSPCommand& command
     }
 }
 
-uint32_t Plugin::HostMessage(const HostMessageRecord& record)
+uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& record)
 {
     switch (record.message) {
     case IgnoredHostMessage:
         return PluginCoreSuccess;
     case EditorTextMessage:
         return PluginCoreNoEditor;
+    case PLUGIN_CORE_MESSAGE_PRESET:
+        return PresetMessage(context, record);
     default:
         return PluginCoreUnsupported;
     }

@@ -20,6 +20,10 @@
 #include <thread>
 #include <vector>
 
+namespace Preset {
+class PresetManager;
+}
+
 /// One instance: owns the signal path, cuts the host's blocks to what the elements take, keeps a
 /// latency for each side and tells the host when they change, and brings everything to a new
 /// stream format.
@@ -67,7 +71,7 @@ public:
     {
         return transform->LoadData(size, data);
     }
-    uint32_t HostMessage(const HostMessageRecord& record) override;
+    uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) override;
     uint32_t ElementCommand(ElementRecord& record) override;
     void SetHostTrackValue(uint64_t value) override;
 
@@ -198,6 +202,10 @@ private:
     void ApplyVersion1Dictionary(const Util::Dictionary& state, DSP::ValueSource source);
     void LoadPendingChunks();
 
+    // PluginPresets.cpp
+    uint32_t PresetMessage(DSP::Context context, const HostMessageRecord& record);
+    bool MakePresets();
+
     // PluginFormat.cpp
     void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
     void TakeFormat(float newSampleRate, uint32_t newChannelConfig);
@@ -256,6 +264,7 @@ private:
     std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
     GestureBook gestures;                   // UI side
     std::unique_ptr<DSP::TransformBase> transform;
+    std::unique_ptr<Preset::PresetManager> presets; // made at its first use; UI side
     std::unique_ptr<Controller::PersistentParamsLink> persistentParams; // null offline
     std::unique_ptr<HistoryManager> history;                            // may be null
     std::vector<ElementParam> elementParamList;

@@ -93,7 +93,7 @@ struct PluginCore {
     virtual bool TransformRead(TransformReadRecord& record) = 0;
     virtual bool LoadTransformData(uint32_t size, const void* data) = 0;
 
-    virtual uint32_t HostMessage(const HostMessageRecord& record) = 0;
+    virtual uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) = 0;
     virtual uint32_t ElementCommand(ElementRecord& record) = 0;
     virtual void SetHostTrackValue(uint64_t value) = 0;
 

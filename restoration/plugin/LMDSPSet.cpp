@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/plugin/LMDSPSet.h"
 
+#include "frameworks/plugincore/preset/PresetDSPSetInterface.h"
+#include "frameworks/plugincore/preset/PresetMetadata.h"
 #include "restoration/plugin/Global.h"
 
 namespace DSP {
@@ -12,6 +14,8 @@ LMDSPSet::LMDSPSet(ElementHost& owner, String mainName, MainElementFactory makeM
 {
 }
 
+LMDSPSet::~LMDSPSet() = default;
+
 void LMDSPSet::BuildElements(float sampleRate, uint32_t channelConfig)
 {
     AddElement("Global", sampleRate, channelConfig, [&] {
@@ -21,6 +25,20 @@ void LMDSPSet::BuildElements(float sampleRate, uint32_t channelConfig)
     bypassParam = {*globalElement, Global::Global::GlobalBypass};
     BuildMainElement(sampleRate, channelConfig);
     mainElement = GetElement(mainElementName);
+    if (!presetInterface) {
+        presetMetadata = std::make_unique<Preset::PresetMetadata>();
+        presetInterface = std::make_unique<Preset::PresetDSPSetInterface>(*this);
+    }
+}
+
+Preset::PresetMetadataBase* LMDSPSet::GetPresetMetadata() const
+{
+    return presetMetadata.get();
+}
+
+Preset::PresetDSPInterfaceBase* LMDSPSet::GetPresetInterface() const
+{
+    return presetInterface.get();
 }
 
 void LMDSPSet::BuildMainElement(float sampleRate, uint32_t channelConfig)

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/DSPSet.h"
 
 #include <functional>
+#include <memory>
 
 namespace DSP {
 
@@ -16,12 +17,15 @@ public:
         ElementHost& host, float sampleRate, uint32_t channelConfig)>;
 
     LMDSPSet(ElementHost& owner, String mainName, MainElementFactory makeMain);
+    ~LMDSPSet() override;
 
     void BuildElements(float sampleRate, uint32_t channelConfig) override;
     void BuildMainElement(float sampleRate, uint32_t channelConfig) override;
     Element* GetMainElement() const override { return mainElement; }
     Element* GetGlobalElement() const override { return globalElement; }
     ElementParam<bool> GetBypassParam() const override { return bypassParam; }
+    Preset::PresetMetadataBase* GetPresetMetadata() const override;
+    Preset::PresetDSPInterfaceBase* GetPresetInterface() const override;
 
 private:
     const String mainElementName;
@@ -30,6 +34,9 @@ private:
     Element* mainElement = nullptr;
     Element* globalElement = nullptr;
     ElementParam<bool> bypassParam;
+    // Made with the first elements, and kept like these.
+    std::unique_ptr<Preset::PresetMetadataBase> presetMetadata;
+    std::unique_ptr<Preset::PresetDSPInterfaceBase> presetInterface;
 };
 
 } // namespace DSP

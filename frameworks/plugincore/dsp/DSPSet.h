@@ -10,6 +10,11 @@
 #include <utility>
 #include <vector>
 
+namespace Preset {
+class PresetDSPInterfaceBase;
+class PresetMetadataBase;
+} // namespace Preset
+
 namespace DSP {
 
 /// The elements of an instance, as the rest of the program sees them. By key, an element is its
@@ -29,6 +34,10 @@ public:
     /// Null for an unknown name.
     virtual Element* GetElement(const String& name) const = 0;
     virtual const ElementMap& GetElements() const = 0;
+    /// Of the preset that was applied or saved last, and what presets set these elements by. Null
+    /// for a set without presets.
+    virtual Preset::PresetMetadataBase* GetPresetMetadata() const { return nullptr; }
+    virtual Preset::PresetDSPInterfaceBase* GetPresetInterface() const { return nullptr; }
 };
 
 /// Keeps the elements and runs their idle work.

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: ISC
+// Preferences of the user: kept over processes, equal in all instances of one, and not written by
+// those that only follow.
+#include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
+#include "frameworks/plugincore/controller/PersistentParamsLink.h"
+#include "tests/frameworks/plugincore/controller/TestElement.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestElementHost.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+
+namespace {
+
+using namespace Controller;
+using Side = DSP::Context;
+
+const char* const Settings = "SOFTWARE/Test/Persistent";
+
+// What of an instance matters here.
+struct Instance {
+    Instance()
+    {
+        host.makeControllerSet = [](DSP::ElementDispatcher& made) {
+            return std::make_shared<ElementDispatcherControllerSet>(made);
+        };
+        link.Load(element);
+    }
+    void Set(float value)
+    {
+        element.SetFloatValue(TestElement::Size, value, Side::UI, DSP::SourceHost);
+    }
+    float Value(Side side = Side::UI) const
+    {
+        return element.GetFloatValue(TestElement::Size, side);
+    }
+
+    Support::TestElementHost host;
+    TestElement element{host};
+    PersistentParamsLink link{PersistentParamsHolder::Share(Settings)};
+};
+
+struct PersistentParamsTest : testing::Test {
+    const Support::UserFolders folders;
+    Util::ConfigFile file{Settings};
+};
+
+TEST_F(PersistentParamsTest, AnotherProcessLeavesItsValuesToTheNext)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        alarm(60); // its end, whatever happens
+        Instance instance;
+        instance.Set(33.5F);
+        instance.element.SetEnumValue(TestElement::Colour, 3, Side::UI, {});
+        instance.element.SetBoolValue(TestElement::Shown, false, Side::UI, {});
+        instance.element.SetFloatValue(TestElement::Level, 7.0F, Side::UI, {});
+        _exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+
+    std::set<String> names;
+    file.GetValueNames(names, "");
+    EXPECT_EQ(names,
+              (std::set<String>{
+                  "Params.Test.Bool.Shown", "Params.Test.Enum.Colour", "Params.Test.Float.Size"}));
+    const Instance instance;
+    EXPECT_EQ(instance.Value(Side::Process), 33.5F);
+    EXPECT_EQ(instance.element.GetEnumValue(TestElement::Colour, Side::Process), 3U);
+    EXPECT_FALSE(instance.element.GetBoolValue(TestElement::Shown, Side::Process));
+    EXPECT_EQ(instance.element.GetFloatValue(TestElement::Level, Side::UI), 1.0F);
+}
+
+TEST_F(PersistentParamsTest, LiveInstancesFollowAtTheirOwnTickWithoutWritingAgain)
+{
+    Instance first;
+    Instance second;
+    first.Set(40.0F);
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 40.0F);
+    EXPECT_EQ(second.Value(), 20.0F);
+    // Whoever wrote now would bring the value back.
+    file.DeleteValue("Params.Test.Float.Size");
+    second.link.ApplyChanges();
+    first.link.ApplyChanges();
+    EXPECT_EQ(second.Value(Side::Process), 40.0F);
+    EXPECT_FALSE(file.HasValue("Params.Test.Float.Size"));
+    // The way back, and a third that comes later.
+    second.Set(50.0F);
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 50.0F);
+    EXPECT_EQ(Instance().Value(), 50.0F);
+}
+
+TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
+{
+    Instance first;
+    Instance second;
+    first.Set(40.0F);
+    second.Set(60.0F); // before its tick has seen the 40
+    first.link.ApplyChanges();
+    second.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 60.0F);
+    EXPECT_EQ(second.Value(), 60.0F);
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 60.0F);
+}
+
+TEST_F(PersistentParamsTest, WhatTheProcessSideChangesIsKeptWhenItIsPolled)
+{
+    Instance instance;
+    instance.element.SetFloatValue(TestElement::Size, 70.0F, Side::Process, DSP::SourceHost);
+    instance.element.SyncParams();
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 70.0F);
+}
+
+TEST_F(PersistentParamsTest, ASettingThatCannotBeIsLimitedAndLeftAsItIs)
+{
+    file.WriteUInt("Params.Test.Enum.Colour", 77);
+    file.WriteString("Params.Test.Float.Size", "nonsense");
+    file.WriteString("Params.Test.Bool.Shown", "nonsense");
+    const Instance instance;
+    EXPECT_EQ(instance.element.GetEnumValue(TestElement::Colour, Side::UI), 3U);
+    EXPECT_EQ(instance.Value(), 20.0F);
+    EXPECT_TRUE(instance.element.GetBoolValue(TestElement::Shown, Side::UI));
+    EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 77U);
+}
+
+TEST_F(PersistentParamsTest, LetsGoOfElementsAndTakesTheNextOnesAtTheSameValues)
+{
+    Instance first;
+    Instance second;
+    second.link.Clear();
+    second.Set(5.0F); // heard by nobody
+    first.Set(45.0F);
+    second.link.ApplyChanges();
+    EXPECT_EQ(second.Value(), 5.0F);
+    second.link.Load(second.element);
+    EXPECT_EQ(second.Value(), 45.0F);
+    second.Set(46.0F);
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 46.0F);
+}
+
+// Each thread is the UI thread of an instance that lives for a while, as in a host that has one a
+// track. A thread checker sees more here than the result does.
+TEST_F(PersistentParamsTest, InstancesOnSeveralThreadsAgreeInTheEnd)
+{
+    constexpr int Threads = 3;
+    constexpr int Rounds = 10;
+    const Instance keeper;
+    Instance last;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < Threads; ++number) {
+        threads.emplace_back([number] {
+            for (int round = 0; round < Rounds; ++round) {
+                Instance instance;
+                instance.Set(static_cast<float>(round * Threads + number));
+                instance.link.ApplyChanges();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    last.link.ApplyChanges();
+    EXPECT_EQ(last.Value(), file.ReadFloat("Params.Test.Float.Size", -1.0F));
+    EXPECT_NE(last.Value(), 20.0F);
+}
+
+} // namespace

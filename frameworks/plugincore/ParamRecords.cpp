@@ -29,6 +29,23 @@ void FillType(const BoolParam& param, ParamInfoRecord& record)
     record.steps = 2;
 }
 
+// All labels, with tabs between them, or none: hosts take the n-th text for the n-th value.
+void FillLabels(const EnumParam& param, DSP::ValueRange<uint32_t> range, ParamInfoRecord& record)
+{
+    String labels;
+    uint32_t count = 0;
+    for (uint32_t step = 0; step < record.steps; ++step) {
+        const String label = param.GetEnumLabel(range.min + step);
+        count += label.IsNull() ? 0 : 1; // null: the value has none
+        labels = step == 0 ? label : labels + "\t" + label;
+    }
+    if (count == record.steps && labels.Length() < sizeof record.labels) {
+        CopyText(record.labels, labels);
+    } else if (count != record.steps && count != 0) {
+        Util::DebugTrace(String("Enum size mismatch %1 != %2").arg(count).arg(record.steps));
+    }
+}
+
 void FillType(const EnumParam& param, ParamInfoRecord& record)
 {
     const auto range = param.GetRange();
@@ -37,18 +54,7 @@ void FillType(const EnumParam& param, ParamInfoRecord& record)
     record.maximum = static_cast<float>(range.max);
     record.defaultValue = static_cast<float>(param.GetDefault());
     record.steps = range.max - range.min + 1;
-    String labels;
-    uint32_t count = 0;
-    for (uint32_t value = range.min; value <= range.max; ++value) {
-        const String label = param.GetEnumLabel(value);
-        count += label.IsEmpty() ? 0 : 1;
-        labels = value == range.min ? label : labels + "\t" + label;
-    }
-    if (count == record.steps) {
-        CopyText(record.labels, labels);
-    } else {
-        Util::DebugTrace(String("Enum size mismatch %1 != %2").arg(count).arg(record.steps));
-    }
+    FillLabels(param, range, record);
 }
 
 float Normalise(const FloatParam& param, DSP::Context context)

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/Instance.h"
+
+#include "wrappers/common/Text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Wrapper {
+
+namespace {
+
+constexpr uint32_t uiContext = 1;
+constexpr std::string_view bypassIdentifier = "Global.Global Bypass";
+
+// The plain layouts: their channels have no meaning, whatever the host's order of speakers is.
+uint32_t LayoutOf(uint32_t channels)
+{
+    return channels <= 2 ? channels - 1 : channels + 10;
+}
+
+} // namespace
+
+std::unique_ptr<Instance> Instance::Create(std::shared_ptr<const Module> module,
+                                           const Setup& setup,
+                                           Listener& listener,
+                                           const LogFunction& log)
+{
+    // The constructor is private, so that no instance exists that isn't usable.
+    std::unique_ptr<Instance> instance(new Instance(std::move(module), listener, log));
+    if (!instance->Start(setup)) {
+        log("the module makes no instance");
+        return nullptr;
+    }
+    return instance;
+}
+
+Instance::Instance(std::shared_ptr<const Module> newModule,
+                   Listener& newListener,
+                   const LogFunction& newLog)
+    : module(std::move(newModule))
+    , listener(newListener)
+    , log(newLog)
+{
+}
+
+Instance::~Instance()
+{
+    if (core != nullptr) {
+        Call(SelectorTerminate, Side::UI, nullptr);
+        Call(SelectorDestroyPlugin, Side::UI, nullptr);
+    }
+}
+
+bool Instance::Start(const Setup& setup)
+{
+    if (setup.channels < 1 || setup.channels > BlockBuffers::MaxChannels) {
+        return false;
+    }
+    buffers.SetChannels(setup.channels);
+    CreateRecord record = {};
+    record.hostCallback = HostCallback;
+    record.hostRefcon = this;
+    CopyText(module->GetPath().string(), record.modulePath);
+    record.identity.format = static_cast<int32_t>(setup.format);
+    CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
+    record.instance = &core;
+    record.sampleRate = static_cast<float>(setup.sampleRate);
+    record.channelConfig = LayoutOf(setup.channels);
+    return module->Call(SelectorCreatePlugin, uiContext, nullptr, &record) == PluginCoreSuccess &&
+           core != nullptr && Call(SelectorInitialize, Side::UI, nullptr) == PluginCoreSuccess &&
+           ReadParameters();
+}
+
+bool Instance::ReadParameters()
+{
+    uint32_t count = 0;
+    Call(SelectorGetAutomatableParamCount, Side::UI, &count);
+    std::vector<ParamInfoRecord> records(count);
+    ParamListRecord list = {count, 0, records.data()};
+    if (Call(SelectorGetAutomatableParamList, Side::UI, &list) != PluginCoreSuccess) {
+        return false;
+    }
+    for (const ParamInfoRecord& record : records) {
+        parameters.push_back(MakeParameter(record));
+        if (parameters.back().identifier == bypassIdentifier) {
+            bypassIndex = static_cast<uint32_t>(parameters.size() - 1);
+        }
+    }
+    return true;
+}
+
+uint32_t Instance::HostCallback(
+    uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data) noexcept
+{
+    if (magic != PLUGIN_CORE_MAGIC) {
+        return PluginCoreWrongMagic;
+    }
+    return static_cast<Instance*>(refcon)->OnHostCall(opcode, context, data);
+}
+
+uint32_t Instance::OnHostCall(uint32_t opcode, uint32_t context, const void* data) noexcept
+{
+    switch (opcode) {
+    case HostOpcodeParamEvent:
+        OnParamEvent(*static_cast<const ParamEventRecord*>(data));
+        return PluginCoreSuccess;
+    case HostOpcodeLatencyChanged:
+        listener.OnLatencyChanged(context == uiContext ? Side::UI : Side::Process,
+                                  *static_cast<const uint32_t*>(data));
+        return PluginCoreSuccess;
+    case HostOpcodeDirtyState:
+        listener.OnStateChanged();
+        return PluginCoreSuccess;
+    default:
+        return PluginCoreUnsupported;
+    }
+}
+
+void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
+{
+    switch (event.kind) {
+    case 0:
+        listener.OnGestureBegun(event.index);
+        break;
+    case 1:
+        listener.OnParameterChanged(event.index, event.value);
+        break;
+    case 2:
+        listener.OnGestureEnded(event.index);
+        break;
+    default:
+        break;
+    }
+}
+
+void Instance::SetFormat(double sampleRate, uint32_t channels)
+{
+    if (channels < 1 || channels > BlockBuffers::MaxChannels) {
+        return;
+    }
+    StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
+    if (Call(SelectorSetStreamFormat, Side::UI, &record) == PluginCoreSuccess) {
+        buffers.SetChannels(channels);
+    }
+}
+
+void Instance::Activate()
+{
+    ProcessingStateRecord record = {1, 0};
+    Call(SelectorSetProcessingState, Side::UI, &record);
+}
+
+void Instance::Deactivate()
+{
+    ProcessingStateRecord record = {0, 0};
+    Call(SelectorSetProcessingState, Side::UI, &record);
+}
+
+void Instance::Reset() noexcept
+{
+    Call(SelectorSettle, Side::Process, nullptr);
+}
+
+void Instance::Process(const Block& block, std::optional<double> position) noexcept
+{
+    buffers.Run(block, [&](float** channels, uint32_t offset, uint32_t frames) {
+        TransportRecord transport = {};
+        transport.isPositionValid = position ? 1 : 0;
+        transport.position = position.value_or(0.0) + offset;
+        ProcessRecord record = {};
+        record.frames = frames;
+        record.channels = channels;
+        record.transport = &transport;
+        Call(SelectorProcess, Side::Process, &record);
+    });
+}
+
+uint32_t Instance::GetLatency(Side side) const noexcept
+{
+    uint32_t samples = 0;
+    Call(SelectorGetLatency, side, &samples);
+    return samples;
+}
+
+void Instance::SetParameter(Side side, uint32_t index, float normalised) noexcept
+{
+    ParamValueRecord record = {index, normalised};
+    Call(SelectorSetAutomatableParamValue, side, &record);
+}
+
+float Instance::GetParameter(Side side, uint32_t index) const noexcept
+{
+    ParamValueRecord record = {index, 0.0F};
+    Call(SelectorGetAutomatableParamValue, side, &record);
+    return record.value;
+}
+
+uint32_t Instance::CallEditor(EditorRecord& record) noexcept
+{
+    return Call(SelectorEditorCommand, Side::UI, &record);
+}
+
+} // namespace Wrapper

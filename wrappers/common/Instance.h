@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "wrappers/common/BlockBuffers.h"
+#include "wrappers/common/Listener.h"
+#include "wrappers/common/Log.h"
+#include "wrappers/common/Module.h"
+#include "wrappers/common/Parameter.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Wrapper {
+
+/// Who loads the module. The module has no number of its own for the formats that it didn't know.
+enum class Format : int32_t { Program = FormatStandalone, VST3 = FormatVST3, Other = 12 };
+
+/// Whose settings an instance follows. One for files neither looks at the user's nor writes any.
+enum class Use { Live, Files };
+
+struct Setup {
+    Format format = Format::Other;
+    Use use = Use::Live;
+    double sampleRate = 0; ///< Hz; one that can't be served counts as 44100
+    uint32_t channels = 0; ///< 1 to 24
+};
+
+/// An entry of the list of presets.
+struct Preset {
+    std::string name;
+    std::string comment;
+    PluginCorePresetGroup group = PresetGroupBuiltIn;
+};
+
+/// One instance of the module: the only code that fills the records of its entry.
+///
+/// Threads: [process] calls come from one thread at a time, [ui] calls from another one at a time;
+/// both may come at once. [setup] excludes all others. The process side takes no lock but the
+/// module's own, and no heap.
+class Instance {
+public:
+    /// Makes and initialises an instance. Null, after a line in the log, when the module makes
+    /// none. `listener` and what `log` refers to live as long as the instance. [setup]
+    static std::unique_ptr<Instance> Create(std::shared_ptr<const Module> module,
+                                            const Setup& setup,
+                                            Listener& listener,
+                                            const LogFunction& log);
+    ~Instance();
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+    Instance(Instance&&) = delete;
+    Instance& operator=(Instance&&) = delete;
+
+    const Module& GetModule() const noexcept { return *module; }
+
+    /// A new stream format; values stay, the signal starts anew. A rate that can't be served
+    /// changes nothing. [setup]
+    void SetFormat(double sampleRate, uint32_t channels);
+    uint32_t GetChannels() const noexcept { return buffers.GetChannels(); }
+
+    /// Before audio runs and after it: forgets the signal, and lets the UI side act without it.
+    /// Audio runs also without these. [setup]
+    void Activate();
+    void Deactivate();
+
+    /// Forgets the signal. [process]
+    void Reset() noexcept;
+
+    /// Any number of frames; `position` is that of the first in the host's transport, in samples.
+    /// [process]
+    void Process(const Block& block, std::optional<double> position) noexcept;
+
+    /// By how much the output is late, in samples. [any]
+    uint32_t GetLatency(Side side) const noexcept;
+
+    /// The automatable ones, in the order of their indices. [any]
+    const std::vector<Parameter>& GetParameters() const noexcept { return parameters; }
+    /// Which of them takes the repair out of the signal, at the same latency. [any]
+    std::optional<uint32_t> GetBypassIndex() const noexcept { return bypassIndex; }
+    /// Normalised; an index out of range does nothing. On the thread of `side`.
+    void SetParameter(Side side, uint32_t index, float normalised) noexcept;
+    float GetParameter(Side side, uint32_t index) const noexcept;
+
+    /// All that a session keeps; empty, after a line in the log, when it can't be had. [ui]
+    std::vector<uint8_t> SaveState();
+    /// False, and nothing changed, when the bytes are no state. [ui]
+    bool LoadState(std::span<const uint8_t> state);
+
+    /// Empty, after a line in the log, when the module has none. [ui]
+    std::vector<Preset> ListPresets();
+    /// By name or file. False, after a line in the log and nothing changed, when it can't be. [ui]
+    bool ApplyPreset(const std::string& name);
+
+    /// One command to the editor; the answer is a PluginCoreResult. [ui]
+    uint32_t CallEditor(EditorRecord& record) noexcept;
+
+private:
+    Instance(std::shared_ptr<const Module> newModule,
+             Listener& newListener,
+             const LogFunction& newLog);
+
+    static uint32_t HostCallback(
+        uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data) noexcept;
+    uint32_t OnHostCall(uint32_t opcode, uint32_t context, const void* data) noexcept;
+    void OnParamEvent(const ParamEventRecord& event) noexcept;
+    bool Start(const Setup& setup);
+    bool ReadParameters();
+    bool CallPreset(PresetRecord& record);
+    bool CallState(StateRecord& record);
+    uint32_t Call(uint32_t selector, Side side, void* data) const noexcept
+    {
+        return module->Call(selector, static_cast<uint32_t>(side), core, data);
+    }
+
+    const std::shared_ptr<const Module> module;
+    Listener& listener;
+    const LogFunction log;
+    PluginCore* core = nullptr;
+    BlockBuffers buffers;
+    std::vector<Parameter> parameters;
+    std::optional<uint32_t> bypassIndex;
+};
+
+} // namespace Wrapper

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace Wrapper {
+
+/// Takes one line of text for the host's log, without an end of line. Called by the thread that
+/// runs into what is to be told, never from within processing.
+using LogFunction = std::function<void(const std::string& text)>;
+
+} // namespace Wrapper

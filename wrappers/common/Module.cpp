@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/Module.h"
+
+#include "wrappers/common/Text.h"
+
+#include <dlfcn.h>
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+
+namespace Wrapper {
+
+namespace {
+
+constexpr const char* moduleFileName = "LMPuffguard.so";
+// Inside a bundle; beside the folder of a wrapper; beside the folder of bundles.
+constexpr std::array<std::string_view, 3> places = {".", "../puffguard", "../../puffguard"};
+
+// The file that this code was linked into.
+std::filesystem::path OwnFile()
+{
+    Dl_info info = {};
+    const bool isKnown = ::dladdr(reinterpret_cast<void*>(&OwnFile), &info) != 0;
+    const std::string_view name =
+        isKnown && info.dli_fname != nullptr ? info.dli_fname : std::string_view();
+    // A program that was found along PATH is known by its bare name only.
+    return std::filesystem::canonical(name.find('/') == name.npos ? "/proc/self/exe" : name);
+}
+
+std::filesystem::path FindModule()
+{
+    const char* chosen = std::getenv("PUFFGUARD_MODULE"); // NOLINT(concurrency-mt-unsafe)
+    if (chosen != nullptr && *chosen != '\0') {
+        return std::filesystem::absolute(chosen);
+    }
+    const std::filesystem::path folder = OwnFile().parent_path();
+    std::string tried;
+    for (const std::string_view place : places) {
+        const std::filesystem::path file = (folder / place / moduleFileName).lexically_normal();
+        if (std::filesystem::exists(file)) {
+            return file;
+        }
+        tried += (tried.empty() ? "" : ", ") + file.string();
+    }
+    throw std::runtime_error("the module is neither named by PUFFGUARD_MODULE nor found at " +
+                             tried);
+}
+
+} // namespace
+
+std::shared_ptr<const Module> Module::Load(const LogFunction& log)
+{
+    try {
+        // The constructor is private, so that no module exists that isn't usable.
+        const std::shared_ptr<Module> module(new Module(FindModule()));
+        module->Describe();
+        return module;
+    } catch (const std::exception& fault) {
+        log(fault.what());
+        return nullptr;
+    }
+}
+
+Module::Module(const std::filesystem::path& file)
+    : path(file)
+{
+    library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) {
+        throw std::runtime_error(std::string("the module can't be loaded: ") + ::dlerror());
+    }
+    entry = reinterpret_cast<PluginCoreEntryFunction>(::dlsym(library, PLUGIN_CORE_ENTRY_NAME));
+}
+
+Module::~Module()
+{
+    ::dlclose(library);
+}
+
+void Module::Describe()
+{
+    if (entry == nullptr) {
+        throw std::runtime_error(path.string() + " has no " PLUGIN_CORE_ENTRY_NAME);
+    }
+    PluginInfoRecord info = {};
+    PluginInfoRequest request = {};
+    request.info = &info;
+    if (Call(SelectorGetPluginInfo, 1, nullptr, &request) != PluginCoreSuccess) {
+        throw std::runtime_error(path.string() + " doesn't describe itself");
+    }
+    if (info.versionNumber != PUFFGUARD_MODULE_VERSION) {
+        throw std::runtime_error(path.string() + " is of version " +
+                                 std::to_string(info.versionNumber) + ", and " +
+                                 std::to_string(PUFFGUARD_MODULE_VERSION) + " is wanted");
+    }
+    product.vendor = TextOf(info.vendor);
+    product.vendorLong = TextOf(info.vendorLong);
+    product.displayName = TextOf(info.displayName);
+    product.versionText = TextOf(info.versionText);
+    product.versionNumber = info.versionNumber;
+    stateVersion = info.stateVersion;
+}
+
+} // namespace Wrapper

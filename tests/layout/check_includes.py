@@ -21,7 +21,7 @@ CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
 PRODUCT = "restoration/plugin_LM_Puffguard"
 EVERYTHING = {UTIL, ENTRY, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY, REPAIR,
-              PRODUCT, "tests/support", "wrappers/cli"}
+              PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2"}
 
 # Folder: the folders that its files may include, besides itself. The longest match counts.
 ARROWS = {
@@ -36,7 +36,11 @@ ARROWS = {
     FAMILY: {CORE, CONTROLLER, PRESET, DSP, ENTRY, UTIL},
     REPAIR: {DSP, ENTRY, UTIL},
     PRODUCT: {FAMILY, REPAIR, HISTORY_DIALOG, CORE, CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
-    "wrappers/cli": {ENTRY},
+    "wrappers/common": {ENTRY},
+    "wrappers/cli": {"wrappers/common", ENTRY},
+    "wrappers/lv2": {"wrappers/common", ENTRY},
+    "wrappers/clap": {"wrappers/common", ENTRY},
+    "wrappers/vst3": {"wrappers/common", ENTRY},
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
     "tests/realtime": {ENTRY, UTIL, "tests/support"}, # UTIL for the names of locks

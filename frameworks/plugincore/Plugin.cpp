@@ -123,6 +123,8 @@ void Plugin::Initialize()
 void Plugin::Terminate()
 {
     initialized = false;
+    const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
+    FlushHistory();
 }
 
 bool Plugin::RecentlyProcessed() const
@@ -163,6 +165,7 @@ void Plugin::AttachEditor(Editor* newEditor)
     LoadPendingChunks();
     editor = newEditor;
     editorThread = newEditor != nullptr ? std::this_thread::get_id() : std::thread::id();
+    FollowEditor();
 }
 
 void Plugin::CommandPosted(DSP::Element& /*element*/, DSP::DSPCommand& command)
@@ -214,13 +217,6 @@ uint32_t Plugin::ElementCommand(ElementRecord& record)
         return PluginCoreSuccess;
     default:
         return PluginCoreUnsupported;
-    }
-}
-
-void Plugin::NotifyHistory()
-{
-    if (history) {
-        history->onStateChanged();
     }
 }
 

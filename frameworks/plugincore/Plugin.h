@@ -9,6 +9,7 @@
 #include "frameworks/plugincore/dsp/FFTPool.h"
 #include "frameworks/plugincore/dsp/MemoryPool.h"
 #include "frameworks/qobase/util/ConfigFile.h"
+#include "frameworks/qobase/util/HistoryDelegate.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 #include "frameworks/qobase/util/Timer.h"
 #include "frameworks/qobase/util/Uuid.h"
@@ -18,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace Preset {
@@ -31,7 +33,7 @@ class PresetManager;
 /// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
 /// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
 /// touch is atomic.
-class Plugin final : public PluginCore, public DSP::ElementHost {
+class Plugin final : public PluginCore, public DSP::ElementHost, public Util::HistoryDelegate {
 public:
     Plugin(const PluginFactory& factory, const PluginSetup& setup);
     ~Plugin() override;
@@ -114,6 +116,21 @@ public:
     std::shared_ptr<Controller::ControllerSet>
     CreateControllerSet(DSP::ElementDispatcher& element) override;
 
+    // Util::HistoryDelegate
+    uint32_t GetStateVersion() const override { return GetDefinition().GetStateVersion(); }
+    bool GetState(uint32_t size, void* buffer) override;
+    bool SetState(uint32_t size, const void* buffer, uint32_t version) override;
+    bool GetStateForFile(uint32_t size, void* buffer) override;
+    void GetHistoryFilePath(String& path) override;
+    void StateChanged() override;
+    Util::Expected<void> SaveHistory(const HistoryModel& model) override;
+    void LoadHistory(HistoryModel& model) override;
+
+    /// True once after the editor was told by StateChanged(); it isn't told again before. [ui]
+    bool TakeStateChange() { return std::exchange(stateChangePending, false); }
+    /// Null when the product has no history. [ui]
+    HistoryManager* GetHistory() const { return history.get(); }
+
     /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
     bool RecentlyProcessed() const;
     const HostIdentity& GetHostIdentity() const { return hostIdentity; }
@@ -171,7 +188,6 @@ private:
     // Plugin.cpp
     void Tick();
     std::vector<HostCallback::Notification> RunIdleWork();
-    void NotifyHistory();
     Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
 
     // PluginLatency.cpp
@@ -190,6 +206,11 @@ private:
     void ReportParam(uint32_t kind, const DSP::Element& element, const String& name);
     void StorePersistentParams();
     void LoadPersistentParams();
+
+    // PluginHistory.cpp
+    void FollowEditor();
+    void NotifyHistory();
+    void FlushHistory();
 
     // PluginState.cpp
     Util::Dictionary BuildCommonDictionary() const;
@@ -267,6 +288,7 @@ private:
     std::unique_ptr<Preset::PresetManager> presets; // made at its first use; UI side
     std::unique_ptr<Controller::PersistentParamsLink> persistentParams; // null offline
     std::unique_ptr<HistoryManager> history;                            // may be null
+    bool stateChangePending = false; // the editor has been told; UI side
     std::vector<ElementParam> elementParamList;
     std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
 };

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 
+#include "frameworks/plugincore/Plugin.h"
 #include "restoration/dsp/puffguard/PuffguardElement.h"
 #include "restoration/dsp/puffguard/Transform.h"
+#include "restoration/plugin/Global.h"
 #include "restoration/plugin/LMDSPSet.h"
 #include "restoration/plugin_LM_Puffguard/Resources.h"
+#include "restoration/ui/dialog/historyfile/HistoryLogic.h"
 
 namespace LMPuffguard {
 
@@ -20,6 +23,17 @@ std::unique_ptr<DSP::TransformBase> PluginFactoryImpl::CreateTransform(DSP::Elem
                                 log,
                                 FindResource("DSP/AutomatableParamList.csv")};
     return std::make_unique<DSP::Transform>(host, std::move(parts), sampleRate, channelConfig);
+}
+
+std::unique_ptr<HistoryManager> PluginFactoryImpl::CreateHistory(Plugin& plugin) const
+{
+    const auto readDepthIndex = [&plugin] {
+        const DSP::ElementParamEnum depth(*plugin.GetSet().GetGlobalElement(),
+                                          DSP::Global::Global::HistoryDepthIndex);
+        return depth.GetValue(DSP::Context::UI);
+    };
+    return std::make_unique<UI::Dialog::HistoryLogic>(
+        plugin, definition.GetShortName(), readDepthIndex);
 }
 
 PluginFactory& GetPluginFactory()

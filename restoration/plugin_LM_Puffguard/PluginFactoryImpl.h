@@ -13,6 +13,7 @@ public:
     std::unique_ptr<DSP::TransformBase> CreateTransform(DSP::ElementHost& host,
                                                         float sampleRate,
                                                         uint32_t channelConfig) const override;
+    std::unique_ptr<HistoryManager> CreateHistory(Plugin& plugin) const override;
 
 private:
     PluginDefinitionImpl definition;

@@ -55,20 +55,18 @@ void HistoryFile::Load(const String& path, HistoryModel& model) const
         return;
     }
     Util::FileStream stream(path, Util::File::Mode::Read);
-    Read(stream, model);
+    model = Read(stream);
 }
 
-void HistoryFile::Read(Util::DataStream& stream, HistoryModel& model) const
+HistoryModel HistoryFile::Read(Util::DataStream& stream) const
 {
-    model = {};
-    // Aside, so that a fault in the middle leaves nothing of it.
-    HistoryModel loaded;
+    HistoryModel model;
     const bool usable =
-        ReadHeader(stream) == Outcome::Complete && ReadRecords(stream, loaded) == Outcome::Complete;
-    if (!usable || loaded.snapshots.empty()) {
-        MakeInitialState(loaded);
+        ReadHeader(stream) == Outcome::Complete && ReadRecords(stream, model) == Outcome::Complete;
+    if (!usable || model.snapshots.empty()) {
+        MakeInitialState(model);
     }
-    model = std::move(loaded);
+    return model;
 }
 
 HistoryFile::Outcome HistoryFile::ReadHeader(Util::DataStream& stream) const

@@ -46,8 +46,8 @@ public:
     /// and Util::Exception::DataStreamIO where reading fails; the model is then empty.
     void Load(const String& path, HistoryModel& model) const;
 
-    /// Load(), from a stream.
-    void Read(Util::DataStream& stream, HistoryModel& model) const;
+    /// What Load() finds in the file.
+    HistoryModel Read(Util::DataStream& stream) const;
 
     /// Replaces the file, whole or not at all.
     Util::Expected<void> Save(const String& path, const HistoryModel& model) const;

@@ -176,10 +176,11 @@ TEST_F(HistoryLogicTest, TheListOutlivesTheInstance)
 {
     Add(5);
     ASSERT_TRUE(logic->StoreSlot(3));
+    ASSERT_TRUE(logic->AddSnapshot(std::string(200001, 'x'))); // more than a file can hold
     logic->Flush();
     Begin();
     logic->onEditorOpened();
-    EXPECT_EQ(Rows(), (Labels{"Initial State", "5"}));
+    EXPECT_EQ(Rows(), (Labels{"Initial State", "5", std::string(200000, 'x')}));
     EXPECT_TRUE(logic->RecallSlot(3));
     EXPECT_EQ(instance.state[0], 5);
 }

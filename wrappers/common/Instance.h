@@ -86,7 +86,8 @@ public:
     void SetParameter(Side side, uint32_t index, float normalised) noexcept;
     float GetParameter(Side side, uint32_t index) const noexcept;
 
-    /// All that a session keeps; empty, after a line in the log, when it can't be had. [ui]
+    /// What a session keeps; empty, after a line in the log, when it can't be had. The bypass is no
+    /// part of it: a format whose hosts don't keep it themselves saves it beside this. [ui]
     std::vector<uint8_t> SaveState();
     /// False, and nothing changed, when the bytes are no state. [ui]
     bool LoadState(std::span<const uint8_t> state);

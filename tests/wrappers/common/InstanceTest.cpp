@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: ISC
+#include "tests/wrappers/common/support/ModuleTest.h"
+#include "wrappers/common/Editor.h"
+
+#include <algorithm>
+#include <random>
+
+using Wrapper::Side;
+using InstanceTest = ModuleTest;
+
+namespace {
+
+using Values = std::vector<float>;
+
+Values Read(const Wrapper::Instance& instance)
+{
+    Values values;
+    for (uint32_t i = 0; i < instance.GetParameters().size(); ++i) {
+        values.push_back(instance.GetParameter(Side::UI, i));
+    }
+    return values;
+}
+
+// All but the bypass, which no state holds.
+void Randomise(Wrapper::Instance& instance, std::mt19937& engine)
+{
+    for (uint32_t i = 0; i < instance.GetParameters().size(); ++i) {
+        if (i != instance.GetBypassIndex()) {
+            instance.SetParameter(Side::UI, i, static_cast<float>(engine() % 1001) / 1000.0F);
+        }
+    }
+}
+
+} // namespace
+
+TEST_F(InstanceTest, ParametersStartAtTheirDefaultsAndOneIsTheBypass)
+{
+    const auto instance = Create(PUFFGUARD_MODULE);
+    ASSERT_NE(instance, nullptr);
+    ASSERT_EQ(instance->GetParameters().size(), 4U);
+    for (uint32_t i = 0; i < 4; ++i) {
+        const Wrapper::Parameter& parameter = instance->GetParameters()[i];
+        EXPECT_LT(parameter.minimum, parameter.maximum);
+        EXPECT_FLOAT_EQ(instance->GetParameter(Side::UI, i),
+                        parameter.ToNormalised(parameter.defaultValue));
+    }
+    EXPECT_EQ(instance->GetBypassIndex(), 3U);
+    EXPECT_EQ(instance->GetParameters()[2].Format(instance->GetParameter(Side::UI, 2)), "200.0 Hz");
+}
+
+TEST_F(InstanceTest, AStateBringsBackAllValuesHereAndElsewhereAndSavesTheSame)
+{
+    const auto instance = Create(PUFFGUARD_MODULE);
+    ASSERT_NE(instance, nullptr);
+    std::mt19937 engine(1);
+    Randomise(*instance, engine);
+    const Values values = Read(*instance);
+    const std::vector<uint8_t> state = instance->SaveState();
+    Randomise(*instance, engine);
+    ASSERT_NE(Read(*instance), values);
+
+    ASSERT_TRUE(instance->LoadState(state));
+    EXPECT_EQ(Read(*instance), values);
+    EXPECT_EQ(instance->SaveState(), state);
+    const auto other = Create(PUFFGUARD_MODULE, 6, 96000);
+    ASSERT_TRUE(other->LoadState(state));
+    EXPECT_EQ(Read(*other), values);
+    EXPECT_EQ(other->SaveState(), state);
+}
+
+TEST_F(InstanceTest, BytesThatAreNoStateChangeNothing)
+{
+    const auto instance = Create(PUFFGUARD_MODULE);
+    ASSERT_NE(instance, nullptr);
+    std::mt19937 engine(2);
+    Randomise(*instance, engine);
+    const Values values = Read(*instance);
+    const std::vector<uint8_t> state = instance->SaveState();
+    instance->SetParameter(Side::UI, 0, values[0] < 0.5F ? 1.0F : 0.0F);
+    const Values changed = Read(*instance);
+    for (size_t length = 0; length < state.size(); ++length) {
+        EXPECT_FALSE(instance->LoadState({state.data(), length}));
+    }
+    std::vector<uint8_t> noise(100000);
+    for (uint8_t& byte : noise) {
+        byte = static_cast<uint8_t>(engine());
+    }
+    EXPECT_FALSE(instance->LoadState(noise));
+    EXPECT_EQ(Read(*instance), changed);
+}
+
+TEST_F(InstanceTest, ANewFormatKeepsValuesAndTellsItsLatency)
+{
+    const auto instance = Create(PUFFGUARD_MODULE, 2, 44100);
+    ASSERT_NE(instance, nullptr);
+    std::mt19937 engine(3);
+    Randomise(*instance, engine);
+    const Values values = Read(*instance);
+    const uint32_t former = instance->GetLatency(Side::UI);
+    instance->SetFormat(96000, 8);
+    const uint32_t latency = instance->GetLatency(Side::UI);
+    EXPECT_GT(latency, former);
+    EXPECT_EQ(instance->GetLatency(Side::Process), latency);
+    EXPECT_EQ(Read(*instance), values);
+    EXPECT_EQ(std::count(listener.heard.begin(),
+                         listener.heard.end(),
+                         "latency 1 " + std::to_string(latency)),
+              1);
+}
+
+TEST_F(InstanceTest, AnImpulseComesOutAtTheLatencyUntouchedUnderBypass)
+{
+    for (const uint32_t channels : {1U, 2U, 24U}) {
+        const auto instance = Create(PUFFGUARD_MODULE, channels);
+        ASSERT_NE(instance, nullptr);
+        instance->SetParameter(Side::UI, *instance->GetBypassIndex(), 1.0F);
+        instance->Activate();
+        const uint32_t latency = instance->GetLatency(Side::Process);
+        std::vector<std::vector<float>> audio(channels, std::vector<float>(latency + 100));
+        std::vector<float*> pointers;
+        for (uint32_t c = 0; c < channels; ++c) {
+            audio[c][c] = 1.0F;
+            pointers.push_back(audio[c].data());
+        }
+        instance->Process({pointers.data(), pointers.data(), latency + 100}, 0.0);
+        for (uint32_t c = 0; c < channels; ++c) {
+            std::vector<float> expected(latency + 100);
+            expected[latency + c] = 1.0F;
+            EXPECT_EQ(audio[c], expected) << "channel " << c;
+        }
+    }
+}
+
+TEST_F(InstanceTest, WhatTheUserDoesReachesTheListenerInOrder)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    instance->SetParameter(Side::UI, 2, 0.5F);
+    const std::vector<std::string> expected = {
+        "begin of 2", "change 0.500000 of 2", "end of 2", "state", "latency 0 123"};
+    EXPECT_EQ(listener.heard, expected);
+}
+
+TEST_F(InstanceTest, AStateThatGrowsWhileItIsSavedIsSavedWhole)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    EXPECT_EQ(instance->SaveState(), (std::vector<uint8_t>{'a', 'b', 'c'}));
+}
+
+TEST_F(InstanceTest, AnEditorIsOpenedOnceAndClosedOnce)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    int window = 0;
+    {
+        Wrapper::Editor editor(*instance);
+        EXPECT_FALSE(editor.Open(nullptr, 0));
+    }
+    {
+        Wrapper::Editor editor(*instance);
+        EXPECT_EQ(editor.GetNativeWindow(), 0U);
+        EXPECT_TRUE(editor.Open(&window, 0));
+        EXPECT_TRUE(editor.Open(&window, 0));
+        EXPECT_EQ(editor.GetNativeWindow(), 1U); // the fake counts its windows
+        editor.Close();
+        EXPECT_EQ(editor.GetNativeWindow(), 0U);
+    }
+    EditorRecord record = {};
+    record.op = EditorOpGetNativeWindow;
+    instance->CallEditor(record);
+    EXPECT_EQ(record.nativeWindow, 0U);
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "tests/support/TemporaryFolder.h"
+#include "wrappers/common/Instance.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Keeps what an instance tells.
+class RecordingListener final : public Wrapper::Listener {
+public:
+    void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override
+    {
+        Keep("latency " + std::to_string(static_cast<uint32_t>(side)) + " " +
+             std::to_string(samples));
+    }
+    void OnGestureBegun(uint32_t index) noexcept override { Keep("begin", index); }
+    void OnParameterChanged(uint32_t index, float value) noexcept override
+    {
+        Keep("change " + std::to_string(value), index);
+    }
+    void OnGestureEnded(uint32_t index) noexcept override { Keep("end", index); }
+    void OnStateChanged() noexcept override { Keep("state"); }
+
+    std::vector<std::string> heard;
+
+private:
+    void Keep(const std::string& text) { heard.push_back(text); }
+    void Keep(const std::string& text, uint32_t index)
+    {
+        heard.push_back(text + " of " + std::to_string(index));
+    }
+};
+
+/// Tests that load a module find no settings of the user, and may choose the module.
+class ModuleTest : public testing::Test {
+protected:
+    ~ModuleTest() override { unsetenv("PUFFGUARD_MODULE"); }
+
+    std::shared_ptr<const Wrapper::Module> Load(const std::string& file)
+    {
+        setenv("PUFFGUARD_MODULE", file.c_str(), 1);
+        return Wrapper::Module::Load(log);
+    }
+
+    std::unique_ptr<Wrapper::Instance>
+    Create(const std::string& file, uint32_t channels = 2, double sampleRate = 48000)
+    {
+        const Wrapper::Setup setup = {
+            Wrapper::Format::Other, Wrapper::Use::Live, sampleRate, channels};
+        auto module = Load(file);
+        return module ? Wrapper::Instance::Create(module, setup, listener, log) : nullptr;
+    }
+
+    Support::UserFolders folders;
+    RecordingListener listener;
+    std::vector<std::string> logged;
+    Wrapper::LogFunction log = [this](const std::string& text) { logged.push_back(text); };
+};

@@ -33,7 +33,8 @@ File::~File()
 
 File::Error File::MakeError(const String& text, const String& path, int systemError)
 {
-    return Error(text, "File", {path, Platform::DescribeError(systemError)});
+    const String reason = systemError == 0 ? String("") : Platform::DescribeError(systemError);
+    return Error(text, "File", {path, reason});
 }
 
 Expected<void> File::Result(int systemError, const char* text) const

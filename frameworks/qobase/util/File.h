@@ -52,7 +52,8 @@ public:
     /// Renames the file, replacing a file at `target`. The object keeps its old path.
     Expected<void> Move(const String& target);
 
-    /// A failure at `path`; `systemError` is the system's number of the reason. [any]
+    /// A failure at `path`; `systemError` is the system's number of the reason, 0 when it gave
+    /// none, as at the end of a file. [any]
     static Error MakeError(const String& text, const String& path, int systemError);
 
 private:

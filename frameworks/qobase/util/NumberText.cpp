@@ -14,7 +14,7 @@ String FormatWithDigits(float value, int digits)
 {
     constexpr std::size_t room = 32; // sign, 9 digits, point, exponent
     std::array<char, room> text{};
-    const auto end =
+    const char* const end =
         std::to_chars(
             text.data(), text.data() + text.size(), value, std::chars_format::general, digits)
             .ptr;

@@ -71,7 +71,7 @@ std::optional<String> ParseDocumentsLine(std::string_view line)
 
 String GetHomeFolder()
 {
-    if (const String home = FolderFromEnvironment("HOME"); !home.IsEmpty())
+    if (String home = FolderFromEnvironment("HOME"); !home.IsEmpty())
         return home;
     const String recorded = Platform::GetRecordedHome();
     return recorded.StartsWith("/") ? recorded : String("/");

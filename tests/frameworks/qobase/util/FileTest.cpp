@@ -207,12 +207,14 @@ TEST(ReplaceWholeFile, KeepsPermissionsAndFollowsLinks)
     EXPECT_EQ(Contents(folder / "deep/none"), "made");
     EXPECT_EQ(NamesIn(folder / "deep"), (std::set<std::string>{"file", "none"}));
 
-    // A new file is as open to others as the user's mask lets it be.
+    // The user's mask counts for a new file, and not for one that had its permissions already.
+    fs::permissions(folder / "deep/file", fs::perms(0666));
     const mode_t former = umask(027);
     ASSERT_TRUE(Util::ReplaceWholeFile(folder / "fresh", BytesOf("new")));
     ASSERT_TRUE(Util::ReplaceWholeFile(folder / "deep/file", BytesOf("again")));
     umask(former);
     EXPECT_EQ(fs::status(folder / "fresh").permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(folder / "deep/file").permissions(), fs::perms(0666));
 }
 
 TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)

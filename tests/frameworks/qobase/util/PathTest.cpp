@@ -98,6 +98,9 @@ TEST(Path, MakesFoldersOrTellsWhyNot)
         {"//server", Yes, malformed},
         {"//server/", Yes, malformed},
         {"\\\\server", Yes, malformed},
+        {"/", Yes, "success"},
+        {"///", Yes, "success"},
+        {"/tmp", No, "success"},
         {"//" + place, Yes, "success"}, // three separators
         {"/" + place + "/e", Yes, "success"},
     };

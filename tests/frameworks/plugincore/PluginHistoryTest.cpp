@@ -56,7 +56,9 @@ public:
 
 class PluginHistoryTest : public testing::Test {
 protected:
-    static constexpr uint32_t Sensitivity = 0; // place in the list of automatable parameters
+    // Places in the list of automatable parameters.
+    static constexpr uint32_t Sensitivity = 0;
+    static constexpr uint32_t Strength = 1;
 
     std::unique_ptr<Plugin> Make(const PluginFactory& factory, const char* options = "")
     {
@@ -108,11 +110,15 @@ TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
     plugin->AttachEditor(&editor);
     const float before = Get(*plugin);
     Change(*plugin, 0.25F);
+    plugin->SetAutomatableParam(Side::UI, {Strength, 0.125F});
     Change(*plugin, 0.75F);
     opcodes.clear();
     EXPECT_TRUE(LogicOf(*plugin).StepBack());
     EXPECT_NEAR(Get(*plugin), 0.25F, 1e-6F);
-    EXPECT_EQ(opcodes, (std::vector<uint32_t>{HostOpcodeParamEvent, HostOpcodeDirtyState}));
+    // Both values by themselves, and what the user did as one.
+    EXPECT_EQ(
+        opcodes,
+        (std::vector<uint32_t>{HostOpcodeParamEvent, HostOpcodeParamEvent, HostOpcodeDirtyState}));
     EXPECT_TRUE(LogicOf(*plugin).StepBack());
     EXPECT_EQ(Get(*plugin), before);
     EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 3U);
@@ -157,10 +163,13 @@ TEST_F(PluginHistoryTest, TheDepthIsTheUsersSetting)
     auto plugin = Make();
     const DSP::ElementParamEnum depth(*plugin->GetSet().GetGlobalElement(),
                                       DSP::Global::Global::HistoryDepthIndex);
-    depth.SetValue(0, Side::UI, DSP::SourceController);
-    for (int i = 0; i < 60; ++i) {
+    depth.SetValue(2, Side::UI, DSP::SourceController);
+    for (int i = 0; i < 120; ++i) {
         Change(*plugin, 0.5F);
     }
+    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 121U);
+    depth.SetValue(0, Side::UI, DSP::SourceController);
+    Change(*plugin, 0.5F);
     EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 50U);
 }
 

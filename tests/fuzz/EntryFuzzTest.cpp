@@ -121,6 +121,11 @@ private:
             As<TransformReadRecord>().recordBytes = random() % 2 == 0 ? 80 : 24;
             As<TransformReadRecord>().buffer = random() % 4 == 0 ? nullptr : list.data();
             break;
+        case SelectorStateCommand:
+            As<StateRecord>().op %= 7;
+            As<StateRecord>().size %= static_cast<uint32_t>(list.size());
+            As<StateRecord>().buffer = random() % 4 == 0 ? nullptr : list.data();
+            break;
         case SelectorModuleListQuery:
             As<ModuleListRecord>().op %= 8;
             As<ModuleListRecord>().text = random() % 2 == 0 ? nullptr : list.data();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "tests/support/ModuleHost.h"
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -35,6 +37,8 @@ private:
 
 PluginCoreEntryFunction Entry()
 {
+    // The module looks for the user's settings and finds a home of its own.
+    static const Support::UserFolders folders;
     static const auto entry = [] {
         void* module = dlopen(PUFFGUARD_MODULE, RTLD_NOW | RTLD_LOCAL);
         void* symbol = module != nullptr ? dlsym(module, PLUGIN_CORE_ENTRY_NAME) : nullptr;

@@ -66,8 +66,9 @@ void Write(const std::filesystem::path& file, const std::string& text)
 
 std::string ManifestEntry(const Lv2::Variant& variant, const std::string& binary)
 {
-    return "<" + std::string(variant.uri) + ">\n\ta lv2:Plugin ;\n\tlv2:binary <" + binary +
-           "> ;\n\trdfs:seeAlso <" + variant.symbol + ".ttl> .\n\n";
+    return Lv2::TurtleUri(variant.uri) + "\n\ta lv2:Plugin ;\n\tlv2:binary " +
+           Lv2::TurtleUri(binary) + " ;\n\trdfs:seeAlso " +
+           Lv2::TurtleUri(std::string(variant.symbol) + ".ttl") + " .\n\n";
 }
 
 void WriteBundle(const std::filesystem::path& folder, const std::string& binary)

@@ -13,7 +13,7 @@ constexpr uint32_t minorUnit = 1000;
 
 std::string GroupUri(const Variant& variant, const char* direction)
 {
-    return "<" + std::string(variant.uri) + "#" + direction + ">";
+    return TurtleUri(std::string(variant.uri) + "#" + direction);
 }
 
 std::string Group(const Variant& variant, const char* direction, const char* name)
@@ -138,7 +138,7 @@ std::string AllPorts(const Description& description, const Variant& variant)
 
 std::string Head(const Wrapper::Product& product, const Variant& variant)
 {
-    return "<" + std::string(variant.uri) + ">\n\ta lv2:Plugin , lv2:SpectralPlugin , " +
+    return TurtleUri(variant.uri) + "\n\ta lv2:Plugin , lv2:SpectralPlugin , " +
            "doap:Project ;\n\tdoap:name " +
            TurtleText(product.displayName + " (" + variant.name + ")") +
            " ;\n\tdoap:license <https://spdx.org/licenses/ISC> ;\n\tdoap:maintainer [ a "

@@ -9,13 +9,13 @@ namespace {
 
 std::string PresetUri(const Variant& variant, const PresetValues& preset)
 {
-    return "<" + std::string(variant.uri) + "#preset_" + TurtleSymbol(preset.name) + ">";
+    return TurtleUri(std::string(variant.uri) + "#preset_" + TurtleSymbol(preset.name));
 }
 
 std::string PresetHead(const Variant& variant, const PresetValues& preset)
 {
-    return PresetUri(variant, preset) + "\n\ta pset:Preset ;\n\tlv2:appliesTo <" + variant.uri +
-           "> ;\n\trdfs:label " + TurtleText(preset.name);
+    return PresetUri(variant, preset) + "\n\ta pset:Preset ;\n\tlv2:appliesTo " +
+           TurtleUri(variant.uri) + " ;\n\trdfs:label " + TurtleText(preset.name);
 }
 
 std::string PresetPorts(const Description& description, const PresetValues& preset)
@@ -37,8 +37,8 @@ std::string PresetList(std::span<const PresetValues> presets, const Variant& var
 {
     std::string text;
     for (const PresetValues& preset : presets) {
-        text += PresetHead(variant, preset) + " ;\n\trdfs:seeAlso <" + variant.symbol +
-                "-presets.ttl> .\n\n";
+        text += PresetHead(variant, preset) + " ;\n\trdfs:seeAlso " +
+                TurtleUri(std::string(variant.symbol) + "-presets.ttl") + " .\n\n";
     }
     return text;
 }
@@ -51,8 +51,8 @@ std::string PresetDocument(const Description& description,
     for (const PresetValues& preset : presets) {
         text += PresetHead(variant, preset) +
                 (preset.comment.empty() ? "" : " ;\n\trdfs:comment " + TurtleText(preset.comment)) +
-                " ;\n\tlv2:port" + PresetPorts(description, preset) + " ;\n\tstate:state [\n\t\t<" +
-                stateUri + "> " + TurtleBytes(preset.state) + "\n\t] .\n\n";
+                " ;\n\tlv2:port" + PresetPorts(description, preset) + " ;\n\tstate:state [\n\t\t" +
+                TurtleUri(stateUri) + " " + TurtleBytes(preset.state) + "\n\t] .\n\n";
     }
     return text;
 }

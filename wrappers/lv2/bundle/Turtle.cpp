@@ -40,6 +40,13 @@ std::string TurtlePrefixes()
 )";
 }
 
+std::string TurtleUri(std::string_view uri)
+{
+    std::string text = "<";
+    text += uri;
+    return text += '>';
+}
+
 std::string TurtleText(std::string_view text)
 {
     std::string quoted = "\"";

@@ -11,6 +11,9 @@ namespace Lv2 {
 /// The first lines of every file: short names for the vocabularies.
 std::string TurtlePrefixes();
 
+/// An address in its brackets.
+std::string TurtleUri(std::string_view uri);
+
 /// A text in quotes.
 std::string TurtleText(std::string_view text);
 

@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: ISC
+// The built bundle in a host that does what hosts do. What should come out is what the module gives
+// when it is driven directly.
+#include "tests/support/ModuleHost.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/wrappers/lv2/support/Lv2Host.h"
+
+#include <gtest/gtest.h>
+#include <lv2/atom/atom.h>
+
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <thread>
+
+using Lv2Host::Audio;
+using Lv2Host::Saved;
+
+namespace {
+
+struct Variant {
+    const char* name;
+    uint32_t channels;
+};
+
+constexpr Variant variants[] = {{"mono", 1}, {"stereo", 2}, {"surround51", 6}, {"surround71", 8}};
+constexpr uint32_t rate = 48000;
+
+Audio Speech(uint32_t channels)
+{
+    return TestHost::MakeSpeechLike(channels, rate, static_cast<float>(rate));
+}
+
+/// What the module makes of it at `strength`, 0 to 10.
+Audio Expected(Audio audio, float strength = 5.0F, double sampleRate = rate)
+{
+    TestHost::Instance direct(static_cast<float>(sampleRate), static_cast<uint32_t>(audio.size()));
+    direct.Set(TestHost::Strength, strength / 10);
+    direct.Run(audio, 512);
+    return audio;
+}
+
+class Lv2Test : public testing::Test {
+protected:
+    static void SetUpTestSuite() { ASSERT_NE(TestHost::Entry(), nullptr); }
+
+    Lv2Host::Features features;
+};
+
+} // namespace
+
+TEST_F(Lv2Test, EachPluginGivesWhatTheModuleGivesForAnyBlocks)
+{
+    for (const Variant& variant : variants) {
+        const Audio expected = Expected(Speech(variant.channels));
+        ASSERT_NE(expected, Speech(variant.channels)) << "the test needs something to repair";
+        for (const uint32_t block : {1000U, 8193U, 65536U}) {
+            SCOPED_TRACE(testing::Message() << variant.name << ", blocks of " << block);
+            Lv2Host::Instance plugin(variant.name, variant.channels, rate, &features);
+            ASSERT_TRUE(plugin);
+            plugin.ConnectControls();
+            plugin.Activate();
+            Audio audio = Speech(variant.channels);
+            plugin.Run(audio, block);
+            plugin.Deactivate();
+            EXPECT_EQ(audio, expected);
+        }
+    }
+}
+
+TEST_F(Lv2Test, AHostThatNeverActivatesOffersNothingAndConnectsNoControlsIsServed)
+{
+    const Audio expected = Expected(Speech(2));
+    Lv2Host::Instance plugin("stereo", 2, rate, nullptr);
+    ASSERT_TRUE(plugin);
+    plugin.Run(64); // nothing is connected at all
+    plugin.Run(0);
+    plugin.Activate(); // the silence above is forgotten
+    plugin.Deactivate();
+    for (uint32_t port = 0; port < 100; ++port) {
+        plugin.Connect(port, nullptr);
+    }
+    plugin.Run(0);
+    Audio audio = Speech(2);
+    plugin.Run(audio, 777);
+    EXPECT_EQ(audio, expected);
+    std::optional<Saved> saved;
+    EXPECT_EQ(plugin.Save(saved), LV2_STATE_ERR_NO_FEATURE);
+    EXPECT_EQ(plugin.Restore(saved), LV2_STATE_ERR_NO_FEATURE);
+}
+
+TEST_F(Lv2Test, ChannelsMayShareMemoryOrBeMissing)
+{
+    Lv2Host::Instance plugin("stereo", 2, rate, &features);
+    ASSERT_TRUE(plugin);
+    const Audio speech = Speech(2);
+    const Audio expected = Expected(speech);
+    Audio memory = speech;
+    // The left output is where the right input is, and the other way round.
+    plugin.ConnectAudio(0, memory[0].data(), memory[1].data());
+    plugin.ConnectAudio(1, memory[1].data(), memory[0].data());
+    plugin.Run(rate);
+    EXPECT_EQ(memory[1], expected[0]);
+    EXPECT_EQ(memory[0], expected[1]);
+
+    plugin.Activate();
+    memory = speech;
+    plugin.ConnectAudio(0, memory[0].data(), nullptr);
+    plugin.ConnectAudio(1, memory[1].data(), memory[1].data());
+    plugin.Run(rate);
+    EXPECT_EQ(memory[0], speech[0]);
+    EXPECT_EQ(memory[1], expected[1]);
+}
+
+TEST_F(Lv2Test, ControlsActWithTheBlockAndNoNumberDoesHarm)
+{
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    const struct {
+        float port;
+        float strength; // that it should amount to
+    } cases[] = {{0, 0}, {8, 8}, {1e30F, 10}, {-infinite, 0}, {infinite, 10}, {nan, 5}};
+    for (const auto& [port, strength] : cases) {
+        SCOPED_TRACE(port);
+        Lv2Host::Instance plugin("mono", 1, rate, &features);
+        plugin.ConnectControls();
+        plugin.controls[Lv2Host::Strength] = port;
+        Audio audio = Speech(1);
+        plugin.Run(audio, 4096);
+        EXPECT_EQ(audio, Expected(Speech(1), strength));
+    }
+}
+
+TEST_F(Lv2Test, WhatIsNotEnabledIsTheInputLateByTheReportedLatency)
+{
+    for (const Variant& variant : variants) {
+        Lv2Host::Instance plugin(variant.name, variant.channels, rate, &features);
+        plugin.ConnectControls();
+        plugin.controls[Lv2Host::Enabled] = 0.0F;
+        plugin.Run(0);
+        const auto latency = static_cast<size_t>(plugin.controls[Lv2Host::Latency]);
+        ASSERT_GT(latency, 0U);
+        ASSERT_LT(latency, rate);
+        const Audio speech = Speech(variant.channels);
+        Audio audio = speech;
+        plugin.Run(audio, 600);
+        for (uint32_t c = 0; c < variant.channels; ++c) {
+            std::vector<float> late(latency, 0.0F);
+            late.insert(late.end(), speech[c].begin(), speech[c].end() - latency);
+            EXPECT_EQ(audio[c], late) << variant.name << ", channel " << c;
+        }
+    }
+}
+
+TEST_F(Lv2Test, InstancesOfDifferentRatesKeepApart)
+{
+    const struct {
+        double sampleRate;
+    } cases[] = {{8000}, {44100}, {96000}, {1234.5678}};
+    for (const auto& [sampleRate] : cases) {
+        Lv2Host::Instance first("mono", 1, sampleRate, &features);
+        Lv2Host::Instance second("mono", 1, rate, &features);
+        first.ConnectControls();
+        second.ConnectControls();
+        Audio audio[2] = {Speech(1), Speech(1)};
+        for (uint32_t done = 0; done < rate; done += 480) {
+            for (uint32_t i = 0; i < 2; ++i) {
+                Lv2Host::Instance& plugin = i == 0 ? first : second;
+                float* samples = audio[i][0].data() + done;
+                plugin.ConnectAudio(0, samples, samples);
+                plugin.Run(480);
+            }
+        }
+        EXPECT_EQ(audio[0], Expected(Speech(1), 5.0F, sampleRate)) << sampleRate;
+        EXPECT_EQ(audio[1], Expected(Speech(1))) << sampleRate;
+    }
+}
+
+TEST_F(Lv2Test, RatesThatAreNoneDoNoHarm)
+{
+    for (const double sampleRate : {0.0, -1.0, 1e300, std::nan("")}) {
+        Lv2Host::Instance plugin("mono", 1, sampleRate, &features);
+        ASSERT_TRUE(plugin);
+        Audio audio = Speech(1);
+        plugin.Run(audio, 4096);
+        for (const float sample : audio[0]) {
+            ASSERT_TRUE(std::isfinite(sample));
+        }
+    }
+}
+
+TEST_F(Lv2Test, AStateBringsBackWhatHasNoPortAndPortsHaveTheLastWord)
+{
+    Lv2Host::Instance plugin("mono", 1, rate, &features);
+    plugin.ConnectControls();
+    plugin.Run(0);
+    const float latency = plugin.controls[Lv2Host::Latency];
+
+    // A session in which "Latency Scaling" is at its end and "Strength" at 0, made by the module.
+    TestHost::Instance direct(rate, 1);
+    direct.SetElement(TestHost::ElementLatencyScaling, 0.0F);
+    direct.Set(TestHost::Strength, 0.0F);
+    StateRecord record{};
+    record.op = StateOpGetSize;
+    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
+    std::vector<uint8_t> chunk(record.size);
+    record.op = StateOpGetChunk;
+    record.buffer = chunk.data();
+    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
+    ASSERT_EQ(record.failed, 0);
+    std::optional<Saved> saved;
+    ASSERT_EQ(plugin.Save(saved), LV2_STATE_SUCCESS);
+    EXPECT_EQ(saved->type, features.Map(LV2_ATOM__Chunk));
+    saved->bytes = chunk;
+
+    ASSERT_EQ(plugin.Restore(saved), LV2_STATE_SUCCESS);
+    Audio silence(1, std::vector<float>(1024));
+    plugin.Run(silence, 256);
+    EXPECT_LT(plugin.controls[Lv2Host::Latency], latency);
+    EXPECT_EQ(plugin.controls[Lv2Host::Latency], static_cast<float>(direct.Latency(0)));
+    plugin.Activate();
+    direct.Set(TestHost::Strength, 0.5F);
+    Audio expected = Speech(1);
+    direct.Run(expected, 512);
+    Audio audio = Speech(1);
+    plugin.Run(audio, 512);
+    EXPECT_EQ(audio, expected);
+}
+
+TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
+{
+    Lv2Host::Instance plugin("mono", 1, rate, &features);
+    plugin.ConnectControls();
+    plugin.controls[Lv2Host::Strength] = 8.0F;
+    plugin.Run(0);
+    std::optional<Saved> good;
+    ASSERT_EQ(plugin.Save(good), LV2_STATE_SUCCESS);
+    std::mt19937 engine(1);
+    std::vector<uint8_t> noise(1U << 20U);
+    for (uint8_t& byte : noise) {
+        byte = static_cast<uint8_t>(engine());
+    }
+    const Saved cut = {good->key, good->type, {good->bytes.begin(), good->bytes.end() - 1}};
+    const struct {
+        const char* name;
+        std::optional<Saved> saved;
+        LV2_State_Status status;
+    } cases[] = {
+        {"no property", std::nullopt, LV2_STATE_ERR_NO_PROPERTY},
+        {"another type", Saved{good->key, 0, good->bytes}, LV2_STATE_ERR_BAD_TYPE},
+        {"cut off", cut, LV2_STATE_ERR_UNKNOWN},
+        {"noise", Saved{good->key, good->type, noise}, LV2_STATE_ERR_UNKNOWN},
+    };
+    for (const auto& [name, saved, status] : cases) {
+        EXPECT_EQ(plugin.Restore(saved), status) << name;
+        std::optional<Saved> after;
+        ASSERT_EQ(plugin.Save(after), LV2_STATE_SUCCESS);
+        EXPECT_EQ(after->bytes, good->bytes) << name;
+    }
+    Audio audio = Speech(1);
+    plugin.Run(audio, 512);
+    EXPECT_EQ(audio, Expected(Speech(1), 8.0F));
+}
+
+TEST_F(Lv2Test, SavingAndRestoringWhileAudioRunsLeaveTheSoundAlone)
+{
+    Lv2Host::Instance plugin("stereo", 2, rate, &features);
+    plugin.ConnectControls();
+    plugin.Run(0);
+    std::optional<Saved> saved;
+    ASSERT_EQ(plugin.Save(saved), LV2_STATE_SUCCESS);
+    std::atomic<bool> isDone{false};
+    std::thread session([&] {
+        while (!isDone) {
+            std::optional<Saved> again;
+            EXPECT_EQ(plugin.Save(again), LV2_STATE_SUCCESS);
+            EXPECT_EQ(again->bytes, saved->bytes);
+            EXPECT_EQ(plugin.Restore(saved), LV2_STATE_SUCCESS);
+        }
+    });
+    Audio audio = Speech(2);
+    plugin.Run(audio, 64);
+    isDone = true;
+    session.join();
+    EXPECT_EQ(audio, Expected(Speech(2)));
+}
+
+TEST_F(Lv2Test, WithoutItsModuleAPluginDeclinesAndTheHostsLogSaysWhy)
+{
+    setenv("PUFFGUARD_MODULE", "/nowhere/module.so", 1);
+    const Lv2Host::Instance plugin("stereo", 2, rate, &features);
+    const Lv2Host::Instance silent("stereo", 2, rate, nullptr);
+    unsetenv("PUFFGUARD_MODULE");
+    EXPECT_FALSE(plugin);
+    EXPECT_FALSE(silent);
+    ASSERT_EQ(features.logged.size(), 1U);
+    EXPECT_NE(features.logged[0].find("/nowhere/module.so"), std::string::npos);
+}

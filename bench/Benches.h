@@ -16,6 +16,9 @@ void PrintLongestCalls();
 /// Heap memory of one instance.
 void PrintMemory();
 
+/// Saving and loading an instance's state.
+void PrintStateTimes();
+
 /// The kernels, each against FFTW for its own transforms.
 void PrintKernelRatios();
 

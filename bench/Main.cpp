@@ -13,6 +13,7 @@ int main()
     Bench::PrintMemory(); // first, while the heap holds nothing else
     Bench::PrintEffectRatios();
     Bench::PrintLongestCalls();
+    Bench::PrintStateTimes();
     Bench::PrintKernelRatios();
     return 0;
 }

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/Entry.h"
+#include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
+
+#include <cstdlib>
+#include <vector>
+
+namespace Fuzz {
+
+/// An instance of the product, driven by its entry, whose state is saved and loaded. A call that
+/// the entry refuses ends the program.
+class LiveInstance {
+public:
+    LiveInstance()
+    {
+        CreateRecord record = {};
+        record.hostCallback = [](uint32_t, uint32_t, uint32_t, void*, void*) -> uint32_t {
+            return PluginCoreUnsupported;
+        };
+        record.identity.format = FormatStandalone;
+        record.instance = &core;
+        record.sampleRate = 48000;
+        Call(SelectorCreatePlugin, &record);
+        Call(SelectorInitialize, nullptr);
+    }
+    LiveInstance(const LiveInstance&) = delete;
+    LiveInstance& operator=(const LiveInstance&) = delete;
+    ~LiveInstance() { Call(SelectorDestroyPlugin, nullptr); }
+
+    std::vector<uint8_t> Save()
+    {
+        StateRecord record = {};
+        record.op = StateOpGetSize;
+        Call(SelectorStateCommand, &record);
+        std::vector<uint8_t> chunk(record.size);
+        record.op = StateOpGetChunk;
+        record.buffer = chunk.data();
+        Call(SelectorStateCommand, &record);
+        if (record.failed != 0) {
+            std::abort();
+        }
+        return chunk;
+    }
+
+    bool Load(std::vector<uint8_t> chunk)
+    {
+        StateRecord record = {};
+        record.op = StateOpSetChunk;
+        record.size = static_cast<uint32_t>(chunk.size());
+        record.buffer = chunk.data();
+        record.version = 1;
+        Call(SelectorStateCommand, &record);
+        return record.failed == 0;
+    }
+
+private:
+    void Call(uint32_t selector, void* data)
+    {
+        if (DispatchEntryCall(
+                LMPuffguard::GetPluginFactory(), PLUGIN_CORE_MAGIC, selector, 1, core, data) !=
+            PluginCoreSuccess) {
+            std::abort();
+        }
+    }
+
+    PluginCore* core = nullptr;
+};
+
+} // namespace Fuzz

@@ -86,7 +86,7 @@ typedef enum PluginCoreSelector {
 
 /**
  * Second argument of the host callback; the comment names the record. This build of the module
- * sends 1, 2, 12 and 17; the others belong to an editor and to services that it doesn't have.
+ * sends 1, 2, 12, 16 and 17; the others belong to an editor and to services that it doesn't have.
  */
 typedef enum PluginCoreHostOpcode {
     HostOpcodeParamEvent = 1,           /**< ParamEventRecord */
@@ -455,27 +455,31 @@ typedef struct EditorMouseRecord {
     uint32_t handled; /**< out */
 } EditorMouseRecord;
 
-/** SelectorStateCommand. */
+/**
+ * SelectorStateCommand. A chunk holds the values that belong to a session, whatever the stream
+ * format, and loads in any other. Size and chunk are asked for one after the other without a change
+ * in between. A load that fails changes nothing.
+ */
 typedef struct StateRecord {
     int32_t op;
-    uint8_t failed; /**< out */
+    uint8_t failed; /**< out, but of StateOpGetSize: 1 when the operation failed, else 0 */
     uint8_t reserved5[3];
-    uint32_t size; /**< bytes */
+    uint32_t size; /**< bytes; out of StateOpGetSize */
     uint32_t reserved12;
-    void* buffer;
-    uint32_t compareVersion;
-    uint32_t version;
-    uint32_t equal; /**< out */
+    void* buffer;            /**< `size` bytes of the caller's; a write never passes them */
+    uint32_t compareVersion; /**< accepted; nothing depends on it */
+    uint32_t version;        /**< in of StateOpSetChunk: the state version of PluginInfoRecord */
+    uint32_t equal;          /**< out of StateOpCompareChunk, when it didn't fail */
     uint32_t reserved36;
 } StateRecord;
 
 /** Sub-operations of SelectorStateCommand. */
 typedef enum PluginCoreStateOp {
-    StateOpGetSize = 0,
-    StateOpGetCompareChunk = 1,
-    StateOpGetChunk = 2,
-    StateOpSetChunk = 3,
-    StateOpCompareChunk = 4
+    StateOpGetSize = 0,         /**< of the chunk as of now */
+    StateOpGetCompareChunk = 1, /**< the chunk without what is no difference to a user */
+    StateOpGetChunk = 2,        /**< the chunk; fails unless `size` is its size exactly */
+    StateOpSetChunk = 3, /**< loads; fails for what is no chunk, but a later one is passed over */
+    StateOpCompareChunk = 4 /**< tells differences of older chunks only; others are equal */
 } PluginCoreStateOp;
 
 /** SelectorLoadTransformData. */

@@ -45,7 +45,7 @@ Util::Expected<void> PresetFileBase::LoadBytes()
 
 Util::Expected<void> PresetFileBase::Reload()
 {
-    return Load(String(path)); // a copy: Load() stores it anew
+    return Load(path);
 }
 
 Util::Expected<void> PresetFileBase::ReadCompressed(Util::ByteSpan bytes)
@@ -106,7 +106,7 @@ Util::Expected<void> PresetFileBase::SaveAgain()
     if (wasLegacy) {
         return {};
     }
-    return Save(String(path), Snapshot(snapshot), TouchModified::No);
+    return Save(path, snapshot, TouchModified::No);
 }
 
 void PresetFileBase::TakeSnapshotFromDSP()

@@ -50,13 +50,13 @@ constexpr FactoryPreset FactoryPresets[] = {
     {"Low voice",
      "For deep voices: repairs below the voice itself, so that its fundamental stays full.",
      5.0F,
-     5.0F,
-     90.0F,
+     6.0F,
+     100.0F,
      1.0F},
     {"Live - low latency",
      "Live / low latency: the shortest delay, for monitoring and streams. Looks less far around a "
      "pop, so use Default for finished recordings.",
-     5.0F,
+     4.0F,
      5.0F,
      200.0F,
      0.0F},
@@ -87,7 +87,7 @@ Util::Expected<void> Write(const FactoryPreset& preset,
     file.SetFloatValue(element, "Upper Repair Frequency", preset.upperRepairFrequency);
     file.SetFloatValue(element, "Latency Scaling", preset.latencyScaling);
     const String path = Util::Path::Join(folder, String(preset.name) + ".xml");
-    return file.Save(path, Preset::Snapshot(file.GetSnapshot()), Preset::TouchModified::No);
+    return file.Save(path, file.GetSnapshot(), Preset::TouchModified::No);
 }
 
 } // namespace

@@ -19,6 +19,9 @@ void PrintMemory();
 /// Saving and loading an instance's state.
 void PrintStateTimes();
 
+/// Looking at a folder of 2,000 presets, with what other programs make it wait.
+void PrintPresetListing();
+
 /// The kernels, each against FFTW for its own transforms.
 void PrintKernelRatios();
 

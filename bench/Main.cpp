@@ -14,6 +14,7 @@ int main()
     Bench::PrintEffectRatios();
     Bench::PrintLongestCalls();
     Bench::PrintStateTimes();
+    Bench::PrintPresetListing();
     Bench::PrintKernelRatios();
     return 0;
 }

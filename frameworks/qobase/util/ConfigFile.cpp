@@ -32,7 +32,7 @@ String CleanPart(const String& part)
     std::string name = part.ToStdString();
     for (char& character : name) {
         if (static_cast<unsigned char>(character) < ' ' ||
-            Forbidden.find(character) != Forbidden.npos)
+            Forbidden.find(character) != std::string_view::npos)
             character = '_';
     }
     // Covers "." and ".." as well.

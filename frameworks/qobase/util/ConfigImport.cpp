@@ -55,7 +55,7 @@ constexpr Kind Kinds[] = {
 bool ReadLine(std::string_view line, Dictionary& values)
 {
     const Kind* kind = nullptr;
-    std::size_t nameLength = line.npos;
+    std::size_t nameLength = std::string_view::npos;
     for (const Kind& candidate : Kinds) {
         if (const std::size_t position = line.find(candidate.mark); position < nameLength) {
             kind = &candidate;

@@ -6,9 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,6 +18,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 using Util::Bytes;
 using Util::ConfigFile;
 
@@ -141,6 +144,23 @@ TEST_F(ConfigFileTest, AnotherKindGivesTheDefaultAndNumbersAreOneKind)
     config.DeleteValue("none");
     EXPECT_FALSE(config.HasValue("text"));
     EXPECT_EQ(ValueNames(config), (std::set<String>{"five", "four", "number", "three"}));
+}
+
+TEST_F(ConfigFileTest, ReadsSeeAFileThatSomebodyEdited)
+{
+    const ConfigFile config(ProductKey);
+    const auto now = fs::file_time_type::clock::now();
+    // A file that is younger than the clock can tell may change and keep its time: here one time
+    // and one length for all. Then files that were there long before.
+    for (const auto& [age, step] : {std::pair(-1h, 0h), std::pair(2h, 1h)}) {
+        for (int32_t number = 1; number < 9; ++number) {
+            const auto text = String(R"({"x":{"Type":"Int","Value":%1}})").arg(number);
+            Spill(ProductFile(), text.ToStdString());
+            fs::last_write_time(ProductFile(), now - age - number * step);
+            EXPECT_EQ(config.ReadInt("x", 0), number);
+            EXPECT_EQ(config.ReadInt("x", 0), number);
+        }
+    }
 }
 
 TEST_F(ConfigFileTest, ChildKeysAreListedAndDeletedWithEverythingBelow)

@@ -9,11 +9,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <set>
+#include <thread>
 
 namespace {
 
@@ -169,6 +173,37 @@ TEST(FileLock, OfARemovedFileKeepsNobodyOut)
     std::filesystem::remove(folder / "lock");
     EXPECT_TRUE(Util::FileLock(path, std::chrono::milliseconds(0)).IsHeld());
     EXPECT_FALSE(Util::FileLock(String(folder / "none/lock"), std::chrono::seconds(60)).IsHeld());
+}
+
+TEST(FileLock, OfAFileRemovedWhileItIsWaitedForIsNoLock)
+{
+    const Support::TemporaryFolder folder;
+    const String path(folder / "lock");
+    // The waiting thread may come too late to see the first file, so that it takes some rounds.
+    for (int round = 0; round < 50; ++round) {
+        const bool isTakenAnew = round % 2 == 0;
+        auto former = std::make_unique<Util::FileLock>(path, std::chrono::seconds(1));
+        ASSERT_TRUE(former->IsHeld());
+        std::atomic<bool> isWaiting = false;
+        bool isTaken = true;
+        std::thread waiter([&] {
+            isWaiting = true;
+            const std::chrono::milliseconds longestWait(isTakenAnew ? 20 : 10000);
+            isTaken = Util::FileLock(path, longestWait).IsHeld();
+        });
+        while (!isWaiting) {
+        }
+        std::filesystem::remove(folder / "lock");
+        std::optional<Util::FileLock> present;
+        if (isTakenAnew)
+            present.emplace(path, std::chrono::milliseconds(0));
+        former.reset();
+        waiter.join();
+        if (isTakenAnew)
+            EXPECT_FALSE(isTaken && present->IsHeld());
+        else
+            EXPECT_TRUE(isTaken);
+    }
 }
 
 } // namespace

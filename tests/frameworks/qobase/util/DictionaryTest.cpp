@@ -64,12 +64,16 @@ TEST(Dictionary, TextIsTheWrittenForm)
     EXPECT_EQ(Write(root), R"({"Gain":{"Type":"Float","Value":0.5}})");
     EXPECT_EQ(Write({}), "{}");
     root.Set("D", {inner});
-    root.Set("a\n", {Array{{int32_t{-1}}, {String("q\"")}, {Bytes{'M', 'a', 'n'}}, {false}}});
+    root.Set("a\n",
+             {Array{{int32_t{-1}},
+                    {String(std::string_view("\"\0\x1f\x7f", 4))},
+                    {Bytes{'M', 'a', 'n'}},
+                    {false}}});
     EXPECT_EQ(Write(root),
               R"({"D":{"Type":"Dictionary","Value":{"b":{"Type":"UInt","Value":7}}},)"
               R"("Gain":{"Type":"Float","Value":0.5},)"
               R"("a\u000a":{"Type":"Array","Value":[{"Type":"Int","Value":-1},)"
-              R"({"Type":"String","Value":"q\""},{"Type":"Base64","Value":"TWFu"},)"
+              R"({"Type":"String","Value":"\"\u0000\u001f"},{"Type":"Base64","Value":"TWFu"},)"
               R"({"Type":"Bool","Value":false}]}})");
 }
 
@@ -216,7 +220,7 @@ TEST(Dictionary, DepthAndNumberOfPartsAreBounded)
         EXPECT_EQ(Util::ReadDictionary(reader, bytes).has_value(), isGood) << depth;
     }
     EXPECT_FALSE(Read(std::string(1000000, '[')));
-    std::string many = R"({"a":{"Type":"Array","Value":[0)";
+    std::string many = R"({"a":{"Type":"Bool","Value":true,"More":[0)";
     for (int i = 0; i < 1100000; ++i)
         many += ",0";
     EXPECT_FALSE(Read(many + "]}}"));

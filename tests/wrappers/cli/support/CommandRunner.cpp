@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "tests/wrappers/cli/support/CommandRunner.h"
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -55,6 +57,8 @@ class Child {
 public:
     Child(const std::vector<std::string>& arguments, const RunSetup& setup)
     {
+        // It finds nothing of the real user's.
+        static const Support::UserFolders folders;
         const char* const built = PUFFGUARD_COMMAND;
         const char* const program = setup.program.empty() ? built : setup.program.c_str();
         std::vector<char*> words = {const_cast<char*>(program)};

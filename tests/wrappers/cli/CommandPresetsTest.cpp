@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: ISC
+// The presets that there are, and what is refused before anything is touched.
+#include "tests/wrappers/cli/support/SessionFixture.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+
+namespace {
+
+using namespace CliTest;
+
+class CommandPresets : public SessionFixture {
+protected:
+    static Json List() { return Json::parse(Say({"--list-presets", "--json"}))["presets"]; }
+
+    static Json Find(const std::string& name)
+    {
+        for (Json& entry : List()) {
+            if (entry["name"] == name)
+                return entry;
+        }
+        return {};
+    }
+
+    // Ends with this code and one line that holds `reason`, and leaves every file as it was.
+    void ExpectRefusal(const Words& words, int exitCode, const std::string& reason)
+    {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const auto before = folder.List();
+        const Outcome outcome = RunPuffguard(words);
+        EXPECT_EQ(outcome.exitCode, exitCode);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+        EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+        EXPECT_EQ(folder.List(), before);
+    }
+
+    const std::string audio = ReadBytes(input);
+};
+
+TEST_F(CommandPresets, ThoseOfTheProductAreListedWithWhatTheyAreFor)
+{
+    for (const char* name : {"Default", "Gentle", "Strong", "Close microphone", "Low voice"}) {
+        const Json entry = Find(name);
+        ASSERT_TRUE(entry.is_object()) << name;
+        EXPECT_EQ(entry["from"], "factory");
+        EXPECT_GT(entry["comment"].get<std::string>().size(), 10U) << name;
+        EXPECT_TRUE(entry["readOnly"].get<bool>());
+        EXPECT_EQ(entry["problem"], nullptr);
+    }
+    const std::string table = Say({"--list-presets"});
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), static_cast<long>(List().size()) + 1);
+    EXPECT_TRUE(table.starts_with("NAME ")) << table;
+}
+
+TEST_F(CommandPresets, OneOfTheUsersOwnHasANameAndAComment)
+{
+    const std::string comment = "H\u00f6rspiel <\"1\" & 2>, loud";
+    Say({"--strength", "7.5", "--save-preset", "Mine", "--comment", comment});
+    const Json entry = Find("Mine");
+    ASSERT_TRUE(entry.is_object());
+    EXPECT_EQ(entry["from"], "user");
+    EXPECT_EQ(entry["comment"], comment);
+    EXPECT_TRUE(std::filesystem::exists(entry["file"].get<std::string>()));
+    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
+    ExpectRefusal({"--strength", "1", "--save-preset", "Mine"}, 1, "exists already");
+    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
+    Say({"--strength", "2.5", "--save-preset", "Mine", "--force"});
+    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 2.5);
+}
+
+TEST_F(CommandPresets, ABrokenOneIsListedAndRefused)
+{
+    Say({"--save-preset", "Mine"});
+    const std::string good = Find("Mine")["file"];
+    const std::string bad = std::filesystem::path(good).parent_path() / "Broken.xml";
+    WriteBytes(bad, ReadBytes(good).substr(0, 30));
+    EXPECT_EQ(Find("Broken")["problem"], "Error: invalid preset, please select another.");
+    ExpectRefusal({input, "--preset", "Broken"}, 2, "Broken");
+    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 5.0);
+}
+
+TEST_F(CommandPresets, WhatCantBeUsedStopsTheRunBeforeItBegins)
+{
+    const std::string bad = folder / "bad.xml";
+    const auto name = [&](const char* option, const std::string& file, const std::string& reason) {
+        ExpectRefusal({input, option, file, "--save-preset", preset}, 2, reason);
+    };
+    name("--preset", "No such thing", "No such thing");
+    name("--preset", bad, bad);
+    name("--preset", folder.GetPath() + "/", folder.GetPath());
+    Say({"--save-preset", bad, "--state-out", state});
+    const std::string whole = ReadBytes(bad);
+    for (const std::string& text :
+         {std::string(), std::string("no preset"), whole.substr(0, whole.size() / 2), audio}) {
+        WriteBytes(bad, text);
+        name("--preset", bad, "The file " + bad + " is not a valid preset file.");
+    }
+    name("--state-in", folder / "none.bin", "none.bin: No such file or directory");
+    name("--state-in", folder.GetPath(), "Is a directory");
+    const std::string session = ReadBytes(state);
+    for (const size_t length : {size_t{0}, size_t{3}, size_t{4}, session.size() - 1}) {
+        WriteBytes(state, session.substr(0, length));
+        name("--state-in", state, state + ": is not a saved session of Puff-guard");
+    }
+    WriteBytes(state, "\xFF\xFF\xFF\xFF" + session.substr(4));
+    name("--state-in", state, state + ": is not a saved session of Puff-guard");
+    name("--state-in", "/dev/zero", "/dev/zero: is too large for a saved session");
+}
+
+TEST_F(CommandPresets, NothingIsWrittenOverWithoutForce)
+{
+    WriteBytes(preset, "mine");
+    WriteBytes(state, "mine");
+    ExpectRefusal({input, "--save-preset", preset}, 1, preset + ": exists already");
+    ExpectRefusal({input, "--state-out", state}, 1, state + ": exists already");
+    EXPECT_EQ(ReadBytes(preset) + ReadBytes(state), "minemine");
+    Say({input, "-n", "-f", "--save-preset", preset, "--state-out", state});
+    EXPECT_EQ(Repair({"--preset", preset}), Repair({"--state-in", state}));
+}
+
+TEST_F(CommandPresets, WhatTheRunReadsIsNotWrittenOverEvenWithForce)
+{
+    // libsndfile goes by the content, whatever the name.
+    const std::string odd = folder / "talk.xml";
+    std::filesystem::copy(input, odd);
+    Say({"--save-preset", preset, "--state-out", state});
+    const std::string before = ReadBytes(preset) + ReadBytes(state);
+    ExpectRefusal({odd, "-f", "--save-preset", odd}, 2, "is a recording of this run");
+    ExpectRefusal({odd, "-f", "--state-out", odd}, 2, "is a recording of this run");
+    ExpectRefusal({input, "-f", "--preset", preset, "--state-out", preset}, 2, "is the preset");
+    ExpectRefusal({input, "-f", "--state-in", state, "--events", state}, 2, "is the session");
+    ExpectRefusal({input, "-f", "--preset", preset, "-o", preset}, 1, "is the preset");
+    ExpectRefusal({"-f", "--save-preset", preset, "--state-out", preset}, 2, "is already");
+    EXPECT_EQ(Bytes{ReadBytes(odd)}, Bytes{audio});
+    EXPECT_EQ(ReadBytes(preset) + ReadBytes(state), before);
+    // But either may be brought up to date.
+    Say({"-f", "--preset", preset, "--strength", "7", "--save-preset", preset});
+    EXPECT_EQ(Value({"--preset", preset}, strength), 7.0);
+}
+
+TEST_F(CommandPresets, TargetsThatAreNoFiles)
+{
+    ASSERT_EQ(::mkfifo((folder / "pipe.xml").c_str(), 0600), 0);
+    ExpectRefusal({"-f", "--save-preset", folder / "pipe.xml"}, 1, "is no regular file");
+    ExpectRefusal({"-f", "--save-preset", folder.GetPath() + "/."}, 1, "is a directory");
+    ExpectRefusal({"-f", "--state-out", folder.GetPath()}, 1, "is a directory");
+    ExpectRefusal({"--state-out", folder / "no/such/folder"}, 1, "No such file or directory");
+    ExpectRefusal({"--state-out", "/dev/full"}, 1, "No space left on device");
+}
+
+} // namespace

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: ISC
+// What lasts from one run to the next: values go into a preset or a session and come back whole,
+// and nothing else does.
+#include "tests/wrappers/cli/support/SessionFixture.h"
+
+#include "frameworks/qobase/util/ConfigFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace {
+
+using namespace CliTest;
+
+class CommandSettings : public SessionFixture {};
+
+class CommandRoundTrips : public SessionFixture, public testing::WithParamInterface<Words> {};
+
+TEST_P(CommandRoundTrips, AsPresetAndAsSessionToTheLastBit)
+{
+    const Bytes plain = Repair({});
+    const Bytes first = Repair(
+        Join({"--preset", "Strong", "--save-preset", preset, "--state-out", state}, GetParam()));
+    EXPECT_NE(first, plain);
+    EXPECT_EQ(Repair({"--preset", preset}), first);
+    EXPECT_EQ(Repair({"--state-in", state}), first);
+    // Through a second generation of both.
+    Say({"--preset", preset, "--save-preset", preset, "--force"});
+    Say({"--state-in", state, "--state-out", state, "--force"});
+    EXPECT_EQ(Repair({"--preset", preset}), first);
+    EXPECT_EQ(Repair({"--state-in", state}), first);
+}
+
+// Values whose floats lie close to each other on the decimal scale, and the ends.
+INSTANTIATE_TEST_SUITE_P(Values,
+                         CommandRoundTrips,
+                         testing::Values(Words{},
+                                         Words{"--upper-frequency", "113.7"},
+                                         Words{"--sensitivity", "9.9999990463256836"},
+                                         Words{
+                                             "--sensitivity", "8.1234567", "--strength", "0.1137"},
+                                         Words{"--strength", "0.11000001"},
+                                         Words{"--strength", "3.3333333"},
+                                         Words{"--strength", "1e-7"},
+                                         Words{"--upper-frequency", "255.99998"},
+                                         Words{"--latency-scaling", "0"},
+                                         Words{"--latency-scaling", "0.33333334"}));
+
+TEST_F(CommandSettings, ValuesKeepTheirBitsThroughTextAndBack)
+{
+    // Many values at once would take a run each; the session holds floats' own digits, so that two
+    // presets agree exactly when their sessions do.
+    for (const char* value :
+         {"0.1", "0.10000001", "0.1137", "0.12499999", "7.7777777", "9.87654321"}) {
+        Say({"--strength", value, "--save-preset", preset, "--state-out", state, "-f"});
+        Say({"--preset", preset, "--state-out", folder / "again.bin", "-f"});
+        EXPECT_EQ(ReadBytes(folder / "again.bin"), ReadBytes(state)) << value;
+    }
+}
+
+TEST_F(CommandSettings, TheDefaultPresetIsTheDefault)
+{
+    EXPECT_EQ(Repair({"--preset", "Default"}), Repair({}));
+}
+
+TEST_F(CommandSettings, AnOptionWinsOverThePresetAndThePresetOverTheSession)
+{
+    Say({"--sensitivity",
+         "1",
+         "--strength",
+         "2",
+         "--upper-frequency",
+         "111",
+         "--state-out",
+         state});
+    Say({"--sensitivity",
+         "3",
+         "--strength",
+         "4",
+         "--upper-frequency",
+         "222",
+         "--save-preset",
+         preset});
+    // A preset that says nothing of one parameter leaves it to the session.
+    std::string text = ReadBytes(preset);
+    const size_t begin = text.rfind('<', text.find("\"Sensitivity\""));
+    ASSERT_NE(begin, std::string::npos);
+    text.erase(begin, text.find('>', begin) + 1 - begin);
+    WriteBytes(preset, text);
+    const Words all = {"--state-in", state, "--preset", preset, "--upper-frequency", "333"};
+    EXPECT_EQ(Value(all, sensitivity), 1.0);
+    EXPECT_EQ(Value(all, strength), 4.0);
+    EXPECT_EQ(Value(all, upperFrequency), 333.0);
+    EXPECT_EQ(Value(all, latencyScaling), 1.0);
+    EXPECT_EQ(Repair(all),
+              Repair({"--sensitivity", "1", "--strength", "4", "--upper-frequency", "333"}));
+}
+
+TEST_F(CommandSettings, TheBypassIsSavedNowhere)
+{
+    Say({"--bypass", "--strength", "8", "--save-preset", preset, "--state-out", state});
+    const Bytes expected = Repair({"--strength", "8"});
+    EXPECT_EQ(Repair({"--preset", preset}), expected);
+    EXPECT_EQ(Repair({"--state-in", state}), expected);
+    Repair({"--preset", preset, "--bypass"});
+    EXPECT_TRUE(ReadAudio(folder / "result.wav").samples == ReadAudio(input).samples);
+}
+
+TEST_F(CommandSettings, ALatencyOutOfAPresetIsTakenOff)
+{
+    Say({"--latency-scaling", "0.2", "--save-preset", preset, "--state-out", state});
+    const Bytes expected = Repair({"--latency-scaling", "0.2"});
+    EXPECT_NE(expected, Repair({}));
+    EXPECT_EQ(Repair({"--preset", preset}), expected);
+    EXPECT_EQ(Repair({"--state-in", state}), expected);
+}
+
+TEST_F(CommandSettings, EveryRecordingOfARunGetsThem)
+{
+    Words inputs;
+    for (const int rate : {8000, 44100, 48000, 96000}) {
+        inputs.push_back(folder / std::to_string(rate) + ".wav");
+        WriteAudio(inputs.back(), MakeSpeech(rate, rate == 44100 ? 6 : 1, 1.5));
+    }
+    const Words chosen = {"--strength", "9.1", "--sensitivity", "7.3"};
+    Say(Join({"--save-preset", preset, "--state-out", state}, chosen));
+    Say(Join(Join(inputs, {"-O", folder / "direct"}), chosen));
+    Say(Join(inputs, {"-O", folder / "preset", "--jobs", "2", "--preset", preset}));
+    // A session is read once: standard input would give nothing to the second recording.
+    RunSetup setup;
+    setup.input = ReadBytes(state);
+    Say(Join(inputs, {"-O", folder / "session", "--jobs", "2", "--state-in", "-"}), setup);
+    for (const int rate : {8000, 44100, 48000, 96000}) {
+        const std::string name = "/" + std::to_string(rate) + ".wav";
+        const Bytes expected = {ReadBytes(folder / "direct" + name)};
+        EXPECT_EQ(Bytes{ReadBytes(folder / "preset" + name)}, expected) << rate;
+        EXPECT_EQ(Bytes{ReadBytes(folder / "session" + name)}, expected) << rate;
+    }
+}
+
+TEST_F(CommandSettings, TheUsersSettingsAndTheCommandLeaveEachOtherAlone)
+{
+    const Bytes expected = Repair({"--preset", "Gentle"});
+    Util::ConfigFile settings("SOFTWARE/Norvane/LM6Pfgd");
+    settings.WriteBool("DelayCompensationEnable", false);
+    settings.WriteInt("FrozenSystemDelay", 1000);
+    const std::string file = user.Home() / "config/Norvane/LM6Pfgd.json";
+    const std::string before = ReadBytes(file);
+    EXPECT_EQ(Repair({"--preset", "Gentle"}), expected);
+    Say({"--list-presets"});
+    Say({"--preset", "Strong", "--save-preset", preset, "--state-out", state});
+    EXPECT_EQ(ReadBytes(file), before);
+    EXPECT_FALSE(std::filesystem::exists(user.Home() / "data"));
+}
+
+TEST_F(CommandSettings, ThePrintedTableHoldsWhatIsInForce)
+{
+    Say({"--strength", "8.25", "--state-out", state});
+    const Words words = {"--state-in", state, "--upper-frequency", "113.7"};
+    const std::string table = Say(Join({"--print-params"}, words));
+    const auto line = [&](const std::string& name) {
+        const size_t begin = table.find(name);
+        return begin == std::string::npos ? ""
+                                          : table.substr(begin, table.find('\n', begin) - begin);
+    };
+    const auto squeezed = [&](std::string text) {
+        const auto isRun = [](char a, char b) { return a == ' ' && b == ' '; };
+        text.erase(std::unique(text.begin(), text.end(), isRun), text.end());
+        return text;
+    };
+    EXPECT_EQ(squeezed(line(upperFrequency)),
+              "PuffGuard.Upper Repair Frequency 113.7 50 to 500 200 Hz");
+    EXPECT_EQ(squeezed(line(strength)), "PuffGuard.Strength 8.25 0 to 10 5");
+    EXPECT_EQ(squeezed(line("Global.Global Bypass")), "Global.Global Bypass off off, on off");
+    // With a recording, and even when nothing else is to be said.
+    EXPECT_EQ(Say(Join({input, "-nq", "--print-params"}, words)), table);
+    const Json json = Json::parse(Say(Join({input, "-n", "--print-params", "--json"}, words)));
+    EXPECT_EQ(json["parameters"].size(),
+              static_cast<size_t>(std::count(table.begin(), table.end(), '\n')) - 1);
+    EXPECT_EQ(json["files"].size(), 1U);
+}
+
+TEST_F(CommandSettings, ASessionGoesThroughPipes)
+{
+    Say({"--strength", "8.25", "--state-out", state});
+    RunSetup setup;
+    setup.input = ReadBytes(state);
+    EXPECT_EQ(Say({"--state-in", "-", "--state-out", "-"}, setup), setup.input);
+    // What else there is to say goes the other way.
+    EXPECT_EQ(Say({"--state-in", "-", "--state-out", "-", "--print-params"}, setup), setup.input);
+}
+
+TEST_F(CommandSettings, TheSummaryNamesThePreset)
+{
+    EXPECT_NE(Say({input, "-n", "--preset", "Strong"}).find("; preset Strong;"), std::string::npos);
+    Say({"--save-preset", preset});
+    const Json json = Json::parse(Say({input, "-n", "--json", "--preset", preset}));
+    EXPECT_EQ(json["preset"]["name"], "my");
+    EXPECT_EQ(json["preset"]["file"], preset);
+    EXPECT_EQ(Json::parse(Say({input, "-n", "--json"}))["preset"], nullptr);
+}
+
+} // namespace

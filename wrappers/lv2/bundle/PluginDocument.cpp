@@ -154,6 +154,13 @@ std::string Head(const Wrapper::Product& product, const Variant& variant)
            "state:threadSafeRestore ;\n\tlv2:extensionData state:interface ;\n";
 }
 
+// Readers that check documents want to know every property.
+std::string StateProperty()
+{
+    return TurtleUri(stateUri) + "\n\ta rdf:Property ;\n\trdfs:label \"State\" ;\n\trdfs:domain "
+                                 "state:State ;\n\trdfs:range xsd:base64Binary .\n\n";
+}
+
 } // namespace
 
 std::string PortSymbol(const Description& description, size_t index)
@@ -168,10 +175,10 @@ std::string PortSymbol(const Description& description, size_t index)
 
 std::string PluginDocument(const Description& description, const Variant& variant)
 {
-    return TurtlePrefixes() + Group(variant, "in", "Input") + Group(variant, "out", "Output") +
-           Head(description.product, variant) + "\tpg:mainInput " + GroupUri(variant, "in") +
-           " ;\n\tpg:mainOutput " + GroupUri(variant, "out") + " ;\n" +
-           AllPorts(description, variant);
+    return TurtlePrefixes() + StateProperty() + Group(variant, "in", "Input") +
+           Group(variant, "out", "Output") + Head(description.product, variant) +
+           "\tpg:mainInput " + GroupUri(variant, "in") + " ;\n\tpg:mainOutput " +
+           GroupUri(variant, "out") + " ;\n" + AllPorts(description, variant);
 }
 
 } // namespace Lv2

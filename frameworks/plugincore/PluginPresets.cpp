@@ -33,6 +33,9 @@ String GetDefaultPresetFolder(const PluginDefinition& definition)
 String GetFactoryPresetFolder(const PluginDefinition& definition, const String& modulePath)
 {
     const String folder = definition.GetFactoryPresetFolder();
+    if (folder.IsEmpty() && modulePath.IsEmpty()) {
+        return {}; // a wrapper that doesn't tell: no presets, rather than those of another folder
+    }
     return folder.IsEmpty() ? Util::Path::Join(Util::Path::GetFolder(modulePath), "Presets")
                             : Util::Path::ExpandUserFolders(folder);
 }

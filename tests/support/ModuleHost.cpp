@@ -52,9 +52,11 @@ uint32_t Call(uint32_t selector, uint32_t context, PluginCore* instance, void* d
     return Entry()(PLUGIN_CORE_MAGIC, selector, context, instance, data);
 }
 
-Instance::Instance(float sampleRate, uint32_t channels)
+Instance::Instance(float sampleRate, uint32_t channels, const char* options)
 {
     CreateRecord record{};
+    std::strcpy(&record.modulePath[0], PUFFGUARD_MODULE);
+    std::strcpy(&record.identity.options[0], options);
     record.hostCallback = &Instance::Callback;
     record.hostRefcon = this;
     record.instance = &instance;

@@ -48,8 +48,8 @@ struct HostCall {
 /// rest for another. Create it where it stays: the module holds its address.
 class Instance {
 public:
-    /// Creates and initializes. Get() is null when that fails.
-    Instance(float sampleRate, uint32_t channels);
+    /// Creates and initializes. Get() is null when that fails. `options` as in PluginIdentity.
+    Instance(float sampleRate, uint32_t channels, const char* options = "");
     Instance(const Instance&) = delete;
     Instance(Instance&&) = delete;
     Instance& operator=(const Instance&) = delete;

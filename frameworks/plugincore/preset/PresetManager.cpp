@@ -2,7 +2,6 @@
 #include "frameworks/plugincore/preset/PresetManager.h"
 
 #include "frameworks/plugincore/preset/PresetBytes.h"
-#include "frameworks/qobase/util/DebugTrace.h"
 #include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 
@@ -46,8 +45,8 @@ String GetReason(const Util::ErrorVariant& error)
 
 bool IsFileReadOnly(const String& path)
 {
-    const auto head = ReadPresetHead(path);
-    return head && IsReadOnly(head->metadata);
+    PresetMetadata metadata;
+    return metadata.ReadFromFile(path) && IsReadOnly(metadata.GetTexts());
 }
 
 } // namespace
@@ -88,7 +87,7 @@ Util::Expected<void> PresetManager::LoadAndSet(const String& path, Naming naming
         return ManagerError(Texts::DescribeFileFault(FileFault::NotSet, path, {}),
                             set.GetDescription());
     }
-    NoteMetadata(path);
+    setup.metadata.Assign(file.GetType(), file.GetMetadata());
     NoteApplied(file.GetName());
     return {};
 }
@@ -122,13 +121,6 @@ void PresetManager::NoteApplied(const String& name)
     }
 }
 
-void PresetManager::NoteMetadata(const String& path)
-{
-    if (const auto read = setup.metadata.ReadFromFile(path); !read) {
-        Util::DebugTrace(read.GetDescription()); // the values are there; only the comment is not
-    }
-}
-
 Util::Expected<String> PresetManager::Save(const String& name, const String& comment)
 {
     if (!IsNameAllowed(name)) {
@@ -156,7 +148,7 @@ Util::Expected<void> PresetManager::SaveFile(const String& path, const String& c
     file.SetMetadata(metadata.GetTexts());
     auto saved = file.Save(path, setup.dsp.TakeSnapshot(), TouchModified::Yes);
     if (saved) {
-        NoteMetadata(path);
+        setup.metadata.Assign(file.GetType(), file.GetMetadata());
     }
     return saved;
 }

@@ -93,7 +93,6 @@ private:
     Util::Expected<void> LoadAndSet(const String& path, Naming naming);
     Util::Expected<void> Load(LmPresetFile& file, const String& path, Naming naming) const;
     void NoteApplied(const String& name);
-    void NoteMetadata(const String& path);
 
     const Setup setup;
     PresetFolder folder;

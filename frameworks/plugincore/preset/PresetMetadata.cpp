@@ -5,13 +5,18 @@ namespace Preset {
 
 Util::Expected<void> PresetMetadata::ReadFromFile(const String& path)
 {
-    auto head = ReadPresetHead(path);
+    const auto head = ReadPresetHead(path);
     if (!head) {
         return head.GetError();
     }
-    type = head->type;
-    texts = std::move(head->metadata);
+    Assign(head->type, head->metadata);
     return {};
+}
+
+void PresetMetadata::Assign(const String& newType, const MetadataMap& newTexts)
+{
+    type = newType;
+    texts = newTexts;
 }
 
 String PresetMetadata::GetComment() const

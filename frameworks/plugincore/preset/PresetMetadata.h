@@ -17,6 +17,8 @@ public:
     virtual String GetType() const = 0;
     /// Reads the head of a preset file only; a failure leaves everything as it was.
     virtual Util::Expected<void> ReadFromFile(const String& path) = 0;
+    /// Takes over what has been read or written already.
+    virtual void Assign(const String& newType, const MetadataMap& newTexts) = 0;
     virtual String GetComment() const = 0;
     virtual void SetComment(const String& comment) = 0;
     virtual void SetReadOnly(bool isReadOnly) = 0;
@@ -28,6 +30,7 @@ class PresetMetadata final : public PresetMetadataBase {
 public:
     String GetType() const override { return type; }
     Util::Expected<void> ReadFromFile(const String& path) override;
+    void Assign(const String& newType, const MetadataMap& newTexts) override;
     String GetComment() const override;
     void SetComment(const String& comment) override;
     void SetReadOnly(bool isReadOnly) override;

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: ISC
+// Presets through the entry, with those that are built beside the module.
+#include "tests/support/AudioThread.h"
+#include "tests/support/ModuleHost.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+
+namespace {
+
+using namespace TestHost;
+
+PresetRecord Command(Instance& instance, int32_t op, const char* name = nullptr, uint32_t index = 0)
+{
+    PresetRecord record{};
+    record.op = op;
+    record.failed = 9;
+    record.name = name;
+    record.comment = "said";
+    record.index = index;
+    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
+    EXPECT_EQ(Call(SelectorHostMessage, UI, instance.Get(), &message), PluginCoreSuccess);
+    return record;
+}
+
+std::string Apply(Instance& instance, const std::string& name)
+{
+    const PresetRecord record = Command(instance, PresetOpApply, name.c_str());
+    EXPECT_EQ(record.failed != 0, record.message[0] != 0) << name;
+    return static_cast<const char*>(record.message);
+}
+
+constexpr std::array<uint32_t, 3> Saved{Sensitivity, Strength, UpperFrequency};
+
+std::array<float, 3> ValuesOf(Instance& instance)
+{
+    return {instance.Value(Sensitivity), instance.Value(Strength), instance.Value(UpperFrequency)};
+}
+
+void SetAll(Instance& instance, float value)
+{
+    for (const uint32_t index : Saved) {
+        instance.Set(index, value);
+    }
+}
+
+std::string Read(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+uint32_t CountCalls(Instance& instance, uint32_t opcode, uint32_t word = 0)
+{
+    const auto calls = instance.Calls();
+    return static_cast<uint32_t>(
+        std::count_if(calls.begin(), calls.end(), [&](const HostCall& call) {
+            return call.opcode == opcode && call.context == UI && call.word == word;
+        }));
+}
+
+} // namespace
+
+TEST(Presets, OfTheFactoryAreThereAndStay)
+{
+    Instance instance(44100.0F, 1);
+    std::vector<std::string> names;
+    const uint32_t count = Command(instance, PresetOpList).count;
+    std::vector<std::array<float, 3>> values;
+    for (uint32_t index = 0; index < count; ++index) {
+        const PresetRecord entry = Command(instance, PresetOpDescribe, nullptr, index);
+        EXPECT_EQ(entry.isReadOnly, 1);
+        EXPECT_EQ(entry.message[0], 0);
+        if (entry.group == PresetGroupFactory) {
+            names.emplace_back(static_cast<const char*>(entry.presetName));
+            EXPECT_NE(entry.presetComment[0], 0);
+            EXPECT_EQ(Apply(instance, names.back()), "");
+            values.push_back(ValuesOf(instance));
+            const std::string before = Read(&entry.path[0]);
+            EXPECT_EQ(Command(instance, PresetOpSave, &entry.path[0]).failed, 1);
+            EXPECT_EQ(Read(&entry.path[0]), before);
+        }
+    }
+    EXPECT_EQ(
+        names,
+        (std::vector<std::string>{
+            "Close microphone", "Default", "Gentle", "Live - low latency", "Low voice", "Strong"}));
+    std::sort(values.begin(), values.end());
+    EXPECT_EQ(std::adjacent_find(values.begin(), values.end()), values.end());
+}
+
+TEST(Presets, AreOneActionOfTheUser)
+{
+    Instance instance(44100.0F, 1);
+    SetAll(instance, 0.9F);
+    ASSERT_EQ(CountCalls(instance, HostOpcodeDirtyState), 0U); // the host's own doing
+    const PresetRecord applied = Command(instance, PresetOpApply, "factory SETTINGS");
+    EXPECT_EQ(applied.failed, 0);
+    EXPECT_STREQ(&applied.presetName[0], "Factory settings");
+    EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 1U);
+    EXPECT_EQ(CountCalls(instance, HostOpcodeParamEvent, 1), 3U);
+    EXPECT_EQ(Apply(instance, "Default"), ""); // the same values: an action all the same
+    EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 2U);
+    EXPECT_EQ(CountCalls(instance, HostOpcodeParamEvent, 1), 3U);
+    const uint32_t latency = instance.Latency();
+    EXPECT_EQ(Apply(instance, "Live - low latency"), "");
+    EXPECT_LT(instance.Latency(), latency);
+}
+
+TEST(Presets, BringValuesToAnotherInstanceWhileAudioRuns)
+{
+    const Support::TemporaryFolder folder;
+    const std::string path = folder / "deep/mine.xml";
+    Instance first(44100.0F, 1);
+    first.Set(Sensitivity, 0.123456789F);
+    first.Set(Strength, 1.0F / 3.0F);
+    first.Set(UpperFrequency, 0.1415926F);
+    const PresetRecord saved = Command(first, PresetOpSave, path.c_str());
+    ASSERT_EQ(saved.failed, 0) << &saved.message[0];
+    EXPECT_EQ(&saved.path[0], path);
+
+    Instance second(96000.0F, 2);
+    {
+        const AudioThread audio(second);
+        audio.WaitForBlocks(3);
+        EXPECT_EQ(Apply(second, path), "");
+    }
+    EXPECT_EQ(ValuesOf(second), ValuesOf(first));
+    // A name goes to the user's folder, and is found there again.
+    const PresetRecord named = Command(second, PresetOpSave, "My voice");
+    ASSERT_EQ(named.failed, 0) << &named.message[0];
+    SetAll(first, 0.0F);
+    EXPECT_EQ(Apply(first, "my voice"), "");
+    EXPECT_EQ(ValuesOf(first), ValuesOf(second));
+    std::filesystem::remove(&named.path[0]);
+}
+
+TEST(Presets, ThatCannotBeUsedChangeNothing)
+{
+    const Support::TemporaryFolder folder;
+    Instance instance(44100.0F, 1);
+    const std::string whole = folder / "whole.xml";
+    ASSERT_EQ(Command(instance, PresetOpSave, whole.c_str()).failed, 0);
+    SetAll(instance, 0.75F);
+    const auto before = ValuesOf(instance);
+    const std::string text = Read(whole);
+    const std::string cut = folder / "cut.xml";
+    std::ofstream(cut) << text.substr(0, text.size() / 2);
+    EXPECT_EQ(Apply(instance, cut).find("The file " + cut + " is not a valid preset file. ("), 0U);
+    EXPECT_EQ(Apply(instance, folder / "gone.xml"),
+              "The file " + folder / "gone.xml" + " cannot be read. (Could not open file.)");
+    EXPECT_EQ(Apply(instance, "Stron").find("There is no preset \"Stron\". There are: "), 0U);
+    EXPECT_NE(Apply(instance, ""), "");
+    EXPECT_EQ(Command(instance, PresetOpSave, "what?").failed, 1);
+    EXPECT_EQ(Command(instance, PresetOpSave, (whole + "/below.xml").c_str()).failed, 1);
+    EXPECT_EQ(ValuesOf(instance), before);
+    EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 0U);
+    EXPECT_EQ(Read(whole), text);
+}
+
+TEST(Presets, AreForTheUISideAndWholeRecords)
+{
+    Instance instance(44100.0F, 1);
+    PresetRecord record{};
+    record.op = PresetOpApply;
+    record.name = "Strong";
+    const auto before = ValuesOf(instance);
+    const auto send = [&](uint32_t context, uint32_t length, void* data) {
+        HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, length, data};
+        return Call(SelectorHostMessage, context, instance.Get(), &message);
+    };
+    EXPECT_EQ(send(Process, sizeof record, &record), PluginCoreUnsupported);
+    EXPECT_EQ(send(UI, sizeof record - 1, &record), PluginCoreUnsupported);
+    EXPECT_EQ(send(UI, sizeof record, nullptr), PluginCoreUnsupported);
+    record.op = 4;
+    EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreUnsupported);
+    record.op = PresetOpDescribe; // of a list that nobody asked for
+    EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreUnsupported);
+    record.op = PresetOpApply;
+    record.name = nullptr;
+    EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreSuccess);
+    EXPECT_EQ(record.failed, 1);
+    EXPECT_EQ(ValuesOf(instance), before);
+}
+
+TEST(Presets, LeaveNoTraceOfARenderer)
+{
+    Instance live(44100.0F, 1);
+    EXPECT_EQ(Apply(live, "Gentle"), "");
+    const std::string settings = std::string(getenv("XDG_CONFIG_HOME")) + "/Norvane/LM6Pfgd.json";
+    const std::string before = Read(settings);
+    EXPECT_NE(before.find("Gentle"), std::string::npos);
+    Instance renderer(44100.0F, 1, "Offline");
+    EXPECT_EQ(Apply(renderer, "Strong"), "");
+    EXPECT_EQ(Read(settings), before);
+}

@@ -25,10 +25,11 @@ public:
     void SetController(Param* param)
     {
         bound = param;
-        observer = DestructorObserver(param != nullptr ? *param : unbound);
-        connection = param != nullptr
-                         ? param->ValueChanged().Connect([this](const T& value) { Tell(value); })
-                         : nullptr;
+        connection.reset();
+        if (param != nullptr) {
+            observer = DestructorObserver(*param);
+            connection = param->ValueChanged().Connect([this](const T& value) { Tell(value); });
+        }
         Tell(GetController()->GetValue());
     }
     bool IsBound() const { return bound != nullptr && !observer.IsDestroyed(); }

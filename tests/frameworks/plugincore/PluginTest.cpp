@@ -420,11 +420,13 @@ TEST_F(PluginTest, HostSetsAreNotEchoedOthersAre)
     Set(Late, 0.5F);
     calls.clear();
     recorder.SetFloatValue(0, 25.0F, Side::UI, DSP::SourceController);
-    EXPECT_EQ(calls.back(), (Call{1, 1, 1})); // kind 1: value changed
+    ASSERT_GE(calls.size(), 2U);
+    EXPECT_EQ(calls[calls.size() - 2], (Call{1, 1, 1})); // kind 1: value changed
+    EXPECT_EQ(calls.back(), (Call{16, 1, 0}));           // and with it the state
     calls.clear();
     Set(Late, 0.5F);
     for (const Call& call : calls) {
-        EXPECT_NE(call.opcode, static_cast<uint32_t>(HostOpcodeParamEvent));
+        EXPECT_EQ(call.opcode, static_cast<uint32_t>(HostOpcodeLatencyChanged));
     }
 }
 

@@ -45,6 +45,7 @@ ARROWS = {
     "tests/contract": {ENTRY, "tests/support"},
     "tests/realtime": {ENTRY, UTIL, "tests/support"}, # UTIL for the names of locks
     "tests/support": EVERYTHING,
+    "tests/wrappers/lv2": EVERYTHING | {"tests/realtime"}, # a run is watched there, too
     "tests": EVERYTHING,
     "bench": EVERYTHING,
     "tools": EVERYTHING,

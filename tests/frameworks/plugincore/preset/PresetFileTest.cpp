@@ -4,6 +4,7 @@
 #include "frameworks/qobase/util/Compression.h"
 #include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/File.h"
+#include "frameworks/qobase/util/Path.h"
 #include "tests/frameworks/plugincore/preset/PresetFixture.h"
 
 #include <bit>
@@ -11,6 +12,8 @@
 #include <csignal>
 #include <random>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Preset;
 using namespace PresetTests;
@@ -355,6 +358,40 @@ TEST_F(PresetFile, KeepsTheOldOneWhenTheDiskIsFull)
     EXPECT_FALSE(file.Save(folder.Path().string(), dsp.TakeSnapshot(), TouchModified::No));
     EXPECT_EQ(file.GetPath(), path); // where it was written last
     EXPECT_EQ(file.GetMetadata().count("LastModified"), 0U);
+}
+
+// Killed at any moment of a save, the file is one that was saved, and nothing else is a preset.
+TEST_F(PresetFile, SurvivesItsWriter)
+{
+    const std::string path = SaveNow("killed.xml");
+    std::mt19937 random(2);
+    for (int round = 0; round < 20; ++round) {
+        int saves[2];
+        ASSERT_EQ(pipe(saves), 0);
+        const pid_t writer = fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0) {
+            alarm(60); // in case nobody kills it
+            for (;;) {
+                SetAmount(Amount() == 2.0F ? 8.0F : 2.0F);
+                const bool isSaved{file.Save(path, dsp.TakeSnapshot(), TouchModified::Yes)};
+                if (!isSaved || write(saves[1], "s", 1) != 1) {
+                    _exit(1);
+                }
+            }
+        }
+        close(saves[1]);
+        char mark = 0;
+        for (unsigned left = 1 + random() % 5; left > 0; --left) {
+            ASSERT_EQ(read(saves[0], &mark, 1), 1);
+        }
+        kill(writer, SIGKILL);
+        ASSERT_EQ(waitpid(writer, nullptr, 0), writer);
+        close(saves[0]);
+        LoadAndApply(path);
+        EXPECT_TRUE(Amount() == 2.0F || Amount() == 8.0F);
+    }
+    EXPECT_EQ(Util::Path::ListFiles(folder.Path().string(), ".xml").size(), 1U);
 }
 
 TEST(PresetVersion, FollowsTheGenerations)

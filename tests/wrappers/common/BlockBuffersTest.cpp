@@ -75,6 +75,8 @@ private:
 
 TEST(BlockBuffersTest, HowTheHostSharesMemoryChangesNoSample)
 {
+    BlockBuffers buffers; // one for all: what is left of one block must not show in another
+    buffers.SetChannels(2);
     for (const Wiring& wiring : wirings) {
         for (const uint32_t frames : {1U, 1024U, 1025U, 5000U}) {
             SCOPED_TRACE(testing::Message() << wiring.name << ", " << frames);
@@ -93,8 +95,6 @@ TEST(BlockBuffersTest, HowTheHostSharesMemoryChangesNoSample)
             Memory memory(frames);
             const float* inputs[2] = {memory.At(wiring.inputs[0]), memory.At(wiring.inputs[1])};
             float* outputs[2] = {memory.At(wiring.outputs[0]), memory.At(wiring.outputs[1])};
-            BlockBuffers buffers;
-            buffers.SetChannels(2);
             RunningSums sums;
             uint32_t reached = 0;
             buffers.Run(Block{inputs, outputs, frames},

@@ -130,6 +130,12 @@ TEST_F(Lv2Test, ControlsActWithTheBlockAndNoNumberDoesHarm)
         plugin.Run(audio, 4096);
         EXPECT_EQ(audio, Expected(Speech(1), strength));
     }
+    Lv2Host::Instance plugin("mono", 1, rate, &features);
+    plugin.ConnectControls();
+    plugin.controls[Lv2Host::Enabled] = nan;
+    Audio audio = Speech(1);
+    plugin.Run(audio, 4096);
+    EXPECT_EQ(audio, Expected(Speech(1)));
 }
 
 TEST_F(Lv2Test, WhatIsNotEnabledIsTheInputLateByTheReportedLatency)
@@ -194,7 +200,9 @@ TEST_F(Lv2Test, AStateBringsBackWhatHasNoPortAndPortsHaveTheLastWord)
 {
     Lv2Host::Instance plugin("mono", 1, rate, &features);
     plugin.ConnectControls();
-    plugin.Run(0);
+    // While audio runs, what a state sets waits for the next block.
+    Audio silence(1, std::vector<float>(1024));
+    plugin.Run(silence, 256);
     const float latency = plugin.controls[Lv2Host::Latency];
 
     // A session in which "Latency Scaling" is at its end and "Strength" at 0, made by the module.
@@ -215,7 +223,6 @@ TEST_F(Lv2Test, AStateBringsBackWhatHasNoPortAndPortsHaveTheLastWord)
     saved->bytes = chunk;
 
     ASSERT_EQ(plugin.Restore(saved), LV2_STATE_SUCCESS);
-    Audio silence(1, std::vector<float>(1024));
     plugin.Run(silence, 256);
     EXPECT_LT(plugin.controls[Lv2Host::Latency], latency);
     EXPECT_EQ(plugin.controls[Lv2Host::Latency], static_cast<float>(direct.Latency(0)));

@@ -47,7 +47,7 @@ String XmlNode::GetName() const
 std::optional<String> XmlNode::FindAttribute(const char* name) const
 {
     const pugi::xml_attribute attribute = ToLibrary(node).attribute(name);
-    return attribute ? std::optional<String>(attribute.value()) : std::nullopt;
+    return attribute.empty() ? std::nullopt : std::optional<String>(attribute.value());
 }
 
 String XmlNode::GetAttribute(const char* name) const
@@ -134,7 +134,7 @@ Util::Expected<void> XmlDocument::Parse(Util::ByteSpan text, const String& path)
 std::optional<XmlNode> XmlDocument::GetRoot() const
 {
     const pugi::xml_node root = content->document.document_element();
-    return root ? std::optional<XmlNode>(XmlNode(root.internal_object())) : std::nullopt;
+    return root.empty() ? std::nullopt : std::optional(XmlNode(root.internal_object()));
 }
 
 String XmlDocument::GetXmlVersion() const

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <exception>
+#include <string_view>
 #include <utility>
 
 namespace Lv2 {

@@ -119,9 +119,11 @@ TEST_F(CommandSettings, ALatencyOutOfAPresetIsTakenOff)
 
 TEST_F(CommandSettings, EveryRecordingOfARunGetsThem)
 {
+    Words names;
     Words inputs;
     for (const int rate : {8000, 44100, 48000, 96000}) {
-        inputs.push_back(folder / std::to_string(rate) + ".wav");
+        names.push_back(std::to_string(rate) + ".wav");
+        inputs.push_back(folder / names.back());
         WriteAudio(inputs.back(), MakeSpeech(rate, rate == 44100 ? 6 : 1, 1.5));
     }
     const Words chosen = {"--strength", "9.1", "--sensitivity", "7.3"};
@@ -132,11 +134,10 @@ TEST_F(CommandSettings, EveryRecordingOfARunGetsThem)
     RunSetup setup;
     setup.input = ReadBytes(state);
     Say(Join(inputs, {"-O", folder / "session", "--jobs", "2", "--state-in", "-"}), setup);
-    for (const int rate : {8000, 44100, 48000, 96000}) {
-        const std::string name = "/" + std::to_string(rate) + ".wav";
-        const Bytes expected = {ReadBytes(folder / "direct" + name)};
-        EXPECT_EQ(Bytes{ReadBytes(folder / "preset" + name)}, expected) << rate;
-        EXPECT_EQ(Bytes{ReadBytes(folder / "session" + name)}, expected) << rate;
+    for (const std::string& name : names) {
+        const Bytes expected = {ReadBytes(folder / "direct/" + name)};
+        EXPECT_EQ(Bytes{ReadBytes(folder / "preset/" + name)}, expected) << name;
+        EXPECT_EQ(Bytes{ReadBytes(folder / "session/" + name)}, expected) << name;
     }
 }
 

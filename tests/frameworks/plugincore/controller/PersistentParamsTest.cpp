@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -59,7 +60,8 @@ TEST_F(PersistentParamsTest, AnotherProcessLeavesItsValuesToTheNext)
         instance.Set(33.5F);
         instance.element.SetEnumValue(TestElement::Colour, 3, Side::UI, {});
         instance.element.SetBoolValue(TestElement::Shown, false, Side::UI, {});
-        instance.element.SetFloatValue(TestElement::Level, 7.0F, Side::UI, {});
+        instance.element.SetFloatValue(TestElement::Level, 7.0F, Side::UI, {});  // not persistent
+        instance.element.SetBoolValue(TestElement::Active, false, Side::UI, {}); // nor this one
         _exit(0);
     }
     int status = -1;
@@ -109,6 +111,22 @@ TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
     EXPECT_EQ(first.Value(), 60.0F);
     EXPECT_EQ(second.Value(), 60.0F);
     EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 60.0F);
+    // One changes while the other is just taking over what it had before.
+    bool changes = true;
+    second.element.GetDispatchInfo<float>(TestElement::Size)
+        ->AddObserver([&](Side, float, DSP::ValueSource) {
+            if (std::exchange(changes, false)) {
+                first.Set(80.0F);
+            }
+        });
+    first.Set(70.0F);
+    second.link.ApplyChanges();
+    EXPECT_EQ(second.Value(), 70.0F);
+    second.link.ApplyChanges();
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 80.0F);
+    EXPECT_EQ(second.Value(), 80.0F);
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 80.0F);
 }
 
 TEST_F(PersistentParamsTest, WhatTheProcessSideChangesIsKeptWhenItIsPolled)

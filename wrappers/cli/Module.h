@@ -18,6 +18,7 @@ public:
 
 /// The text in a field of a record, which may fill it without a terminator.
 template <size_t Size>
+// NOLINTNEXTLINE(modernize-avoid-c-arrays): the records are C
 std::string TextOf(const char (&field)[Size])
 {
     const std::string_view all(static_cast<const char*>(field), Size);

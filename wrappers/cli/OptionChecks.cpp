@@ -73,7 +73,8 @@ void CheckSession(const Options& options)
     const SessionOptions& session = options.session;
     Refuse(!session.comment.empty() && session.savePreset.empty(), "--comment needs --save-preset");
     Refuse(session.savePreset == "-", "--save-preset needs a file or a name, not -");
-    Refuse(session.stateIn == "-" && std::count(options.inputs.begin(), options.inputs.end(), "-"),
+    Refuse(session.stateIn == "-" &&
+               std::count(options.inputs.begin(), options.inputs.end(), "-") > 0,
            "only one of the recording and --state-in can come from stdin");
 }
 

@@ -42,8 +42,9 @@ std::string FormatRange(const Parameter& parameter)
                            FormatValue(parameter, parameter.maximum));
     }
     std::string range;
-    for (double value = parameter.minimum; value <= parameter.maximum; value += 1.0) {
-        range += (range.empty() ? "" : ", ") + FormatValue(parameter, value);
+    const auto last = std::lround(parameter.maximum);
+    for (auto value = std::lround(parameter.minimum); value <= last; ++value) {
+        range += (range.empty() ? "" : ", ") + FormatValue(parameter, static_cast<double>(value));
     }
     return range;
 }

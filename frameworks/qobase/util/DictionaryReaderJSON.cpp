@@ -33,6 +33,73 @@ Json::CharReader* MakeReader()
     return builder.newCharReader();
 }
 
+constexpr std::string_view Digits = "0123456789";
+
+bool IsDigits(std::string_view text)
+{
+    return !text.empty() && text.find_first_not_of(Digits) == std::string_view::npos;
+}
+
+/// A number without its sign, in the parts that JSON knows: 12.5e-3 has 12, 5 and -3.
+struct NumberParts {
+    explicit NumberParts(std::string_view text)
+    {
+        const auto mark = std::min(text.find_first_of("eE"), text.size());
+        const auto point = std::min(text.find('.'), mark);
+        whole = text.substr(0, point);
+        hasFraction = point < mark;
+        if (hasFraction)
+            fraction = text.substr(point + 1, mark - point - 1);
+        hasExponent = mark < text.size();
+        if (hasExponent)
+            exponent = text.substr(mark + 1);
+    }
+
+    bool IsGood() const
+    {
+        const bool isSigned = exponent.starts_with('+') || exponent.starts_with('-');
+        return IsDigits(whole) && (whole.size() == 1 || whole.front() != '0') &&
+               (!hasFraction || IsDigits(fraction)) &&
+               (!hasExponent || IsDigits(exponent.substr(isSigned ? 1 : 0)));
+    }
+
+    /// Whether it is below 1; for a number far from that.
+    bool IsSmall() const
+    {
+        double power = 0;
+        for (const char digit : exponent) {
+            if (digit >= '0')
+                power = 10 * power + (digit - '0');
+        }
+        if (exponent.starts_with('-'))
+            power = -power;
+        if (whole != "0")
+            return power + static_cast<double>(whole.size()) <= 0;
+        const auto zeros = std::min(fraction.find_first_not_of('0'), fraction.size());
+        return power <= static_cast<double>(zeros);
+    }
+
+    std::string_view whole;
+    std::string_view fraction;
+    std::string_view exponent; // with its sign
+    bool hasFraction = false;
+    bool hasExponent = false;
+};
+
+/// Empty for what is no number in JSON and for one too large. One too small is 0.
+std::optional<double> ParseNumber(std::string_view text)
+{
+    const bool isNegative = text.starts_with('-');
+    const NumberParts parts(text.substr(isNegative ? 1 : 0));
+    if (!parts.IsGood())
+        return std::nullopt;
+    double number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec == std::errc())
+        return number;
+    return parts.IsSmall() ? std::optional(isNegative ? -0.0 : 0.0) : std::nullopt;
+}
+
 /// The text with each number replaced by its index in `numbers`.
 ///
 /// The library reads numbers as the process's locale says, and a host may have set any; so it gets
@@ -87,13 +154,11 @@ private:
     }
     bool Add(std::string_view digits)
     {
-        double number = 0;
-        const char* end = digits.data() + digits.size();
-        const auto result = std::from_chars(digits.data(), end, number);
-        if (result.ec != std::errc() || result.ptr != end)
+        const auto number = ParseNumber(digits);
+        if (!number)
             return false;
         indexed += std::to_string(numbers.size());
-        numbers.push_back(number);
+        numbers.push_back(*number);
         return true;
     }
 
@@ -225,7 +290,8 @@ struct DictionaryReaderJSON::Parser {
     bool Parse(ByteSpan text, Json::Value& root)
     {
         const std::string_view characters(reinterpret_cast<const char*>(text.data()), text.size());
-        if (!numbers.Take(characters))
+        // The library takes a NUL byte for the end of the text, whatever stands behind it.
+        if (characters.find('\0') != std::string_view::npos || !numbers.Take(characters))
             return false;
         const std::string& indexed = numbers.GetIndexed();
         try {

@@ -149,6 +149,13 @@ TEST(Dictionary, OneBadMemberFailsTheWholeText)
         {R"({"Type":"Float","Value":NaN})", false},
         {R"({"Type":"Float","Value":1.2.3})", false},
         {R"({"Type":"Float","Value":-})", false},
+        {R"({"Type":"Float","Value":-0.50E-01})", true},
+        {R"({"Type":"Float","Value":01})", false},
+        {R"({"Type":"Float","Value":-00.5})", false},
+        {R"({"Type":"Float","Value":1.})", false},
+        {R"({"Type":"Float","Value":1.e5})", false},
+        {R"({"Type":"Float","Value":-.5})", false},
+        {R"({"Type":"Float","Value":1e+})", false},
         {R"({"Type":"Float","Value":null})", false},
         {R"({"Type":"Bool","Value":1})", false},
         {R"({"Type":"String","Value":false})", false},
@@ -181,6 +188,39 @@ TEST(Dictionary, OneBadMemberFailsTheWholeText)
     for (const char* text : {"", " ", "null", "7", "[]", "\"{}\"", "{}x", "{} 1", "{a}", "\xff"})
         EXPECT_FALSE(Read(text)) << text;
     EXPECT_TRUE(Read(" {\r\n\t} \n"));
+    using namespace std::string_view_literals;
+    for (const auto text :
+         {"{}\0"sv, "{}\0x"sv, "\0{}"sv, "{\"a\0\":{\"Type\":\"UInt\",\"Value\":1}}"sv})
+        EXPECT_FALSE(Read(text)) << text;
+}
+
+TEST(Dictionary, ANumberTooSmallForItsTypeIsZeroAndOneTooLargeIsRefused)
+{
+    const std::string zeros(400, '0');
+    const struct {
+        std::string text;
+        std::optional<double> value;
+    } cases[] = {
+        {"1e-400", 0.0},
+        {"-123.4e-999", -0.0},
+        {"0." + zeros + "1", 0.0},
+        {"1" + zeros + "e-800", 0.0},
+        {"1e-99999999999999999999", 0.0},
+        {"0e99999999999999999999", 0.0},
+        {"0." + zeros + "1e402", 10.0},
+        {"1" + zeros + "e-399", 10.0},
+        {"1" + zeros, std::nullopt},
+        {"0." + zeros + "1e800", std::nullopt},
+        {"-1e99999999999999999999", std::nullopt},
+    };
+    for (const auto& [text, value] : cases) {
+        const auto tree = Read(R"({"a":{"Type":"Float","Value":)" + text + "}}");
+        EXPECT_EQ(tree.has_value(), value.has_value()) << text;
+        if (tree && value) {
+            EXPECT_EQ(*tree->Find<double>("a"), *value) << text;
+            EXPECT_EQ(std::signbit(*tree->Find<double>("a")), std::signbit(*value)) << text;
+        }
+    }
 }
 
 TEST(Dictionary, OfEqualKeysTheLaterCounts)

@@ -21,6 +21,12 @@ bool StillHasItsName(int descriptor, const char* path)
            open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
+/// Nothing can be locked here, now or later.
+bool HasNoLocks(int error)
+{
+    return error == ENOLCK || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
+}
+
 /// Locks of this kind belong to the open file, not to the process, and so part threads as well.
 struct flock RangeOf(bool isLock, short type)
 {
@@ -47,6 +53,8 @@ FileLock::~FileLock()
     // Said outright, since a process forked meanwhile would keep the lock with its copy.
     if (isHeld)
         GiveBack(Byte::Lock);
+    if (hasTurn)
+        GiveBack(Byte::Turn);
     Close();
 }
 
@@ -61,6 +69,7 @@ bool FileLock::Try(const String& path)
     hasTurn = error == 0;
     if (hasTurn)
         error = Take(Byte::Lock);
+    isHeld = HasNoLocks(error);
     if (error != 0)
         return error == EAGAIN || error == EACCES || error == EINTR;
     GiveBack(Byte::Turn);

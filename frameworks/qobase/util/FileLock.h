@@ -14,7 +14,8 @@ namespace Util {
 /// An advisory lock between processes and threads, by a file of its own. The file is made when
 /// missing and left behind; one that somebody removes while it is held or waited for does no harm.
 /// A process that ends leaves its locks. One that takes the lock again and again does not starve
-/// another that waits. [ui]
+/// another that waits. Where the file system has no locks, everybody holds it at once: files that
+/// are replaced whole stay whole, though of two changes at a time one is lost. [ui]
 class FileLock {
 public:
     /// Waits for `longestWait` at most, so that a process that hangs with the lock hangs no other.

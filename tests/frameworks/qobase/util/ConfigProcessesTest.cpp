@@ -2,14 +2,18 @@
 #include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/FileLock.h"
 
+#include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -161,6 +165,44 @@ TEST(ConfigProcesses, OneThatHangsWithTheLockHangsNoOther)
     holder.Kill();
     config.WriteInt("x", 3);
     EXPECT_EQ(config.ReadInt("x", 0), 3);
+}
+
+TEST(ConfigProcesses, WriteAlsoWhereTheFileSystemHasNoLocks)
+{
+    const Support::UserFolders folders;
+    for (const int error : {ENOLCK, EINVAL, ENOSYS, EOPNOTSUPP}) {
+        Child writer([error] {
+            // A sandbox that doesn't allow it leaves the plain case.
+            static_cast<void>(Support::RefuseCall(SYS_fcntl, error, F_OFD_SETLK));
+            ConfigFile(Key).WriteInt("x", error);
+        });
+        EXPECT_TRUE(writer.Wait());
+        EXPECT_EQ(ConfigFile(Key).ReadInt("x", 0), error);
+    }
+}
+
+TEST(FileLock, GivesBackItsTurnAlsoWhenItWaitedInVain)
+{
+    const Support::TemporaryFolder folder;
+    const String path(folder / "lock");
+    auto first = std::make_unique<Util::FileLock>(path, std::chrono::milliseconds(0));
+    ASSERT_TRUE(first->IsHeld());
+    std::atomic<bool> isOver = false;
+    std::thread waiter([&] {
+        EXPECT_FALSE(Util::FileLock(path, std::chrono::milliseconds(300)).IsHeld());
+        isOver = true;
+    });
+    const int probe = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    struct flock turn {};
+    do
+        turn = {.l_type = F_WRLCK, .l_whence = SEEK_SET, .l_start = 1, .l_len = 1, .l_pid = 0};
+    while (!isOver && fcntl(probe, F_OFD_GETLK, &turn) == 0 && turn.l_type == F_UNLCK);
+    // A copy of the process keeps all that isn't given back outright.
+    const Child copy([] { pause(); });
+    waiter.join();
+    close(probe);
+    first.reset();
+    EXPECT_TRUE(Util::FileLock(path, std::chrono::milliseconds(0)).IsHeld());
 }
 
 TEST(FileLock, OfARemovedFileKeepsNobodyOut)

@@ -3,6 +3,7 @@
 
 #include "frameworks/qobase/util/DataStreamIO.h"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <utility>

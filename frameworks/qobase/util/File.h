@@ -73,4 +73,8 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimed
 /// file, and a file that this user may not write. [ui]
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes);
 
+/// Renames the file to `wanted`, or where there is one already, with "-2", "-3" and so on behind
+/// it: nothing is replaced. [ui]
+Expected<void> SetFileAside(const String& path, const String& wanted);
+
 } // namespace Util

@@ -28,9 +28,10 @@ bool IsMalformedNetworkPath(std::string_view path)
     return path.find_first_not_of(anySeparator, end) == std::string_view::npos;
 }
 
-Expected<void> MakeOne(const String& path)
+Expected<void> MakeOne(const String& path, Visibility visibility)
 {
-    const int error = IsDirectory(path) ? 0 : Platform::MakeFolder(path);
+    const uint32_t permissions = visibility == Visibility::OwnerOnly ? 0700 : 0777;
+    const int error = IsDirectory(path) ? 0 : Platform::MakeFolder(path, permissions);
     // Another process may have been faster.
     if (error == 0 || (error == EEXIST && IsDirectory(path)))
         return {};
@@ -79,7 +80,7 @@ String GetFolder(const String& path)
     return view.substr(0, std::max<std::size_t>(end, 1));
 }
 
-Expected<void> MakeDirectory(const String& path, Recursive recursive)
+Expected<void> MakeDirectory(const String& path, Recursive recursive, Visibility visibility)
 {
     const std::string_view view = path.View();
     if (view.empty())
@@ -90,11 +91,11 @@ Expected<void> MakeDirectory(const String& path, Recursive recursive)
     if (recursive == Recursive::Yes) {
         for (auto end = view.find(separator, 1); end != std::string_view::npos;
              end = view.find(separator, end + 1)) {
-            if (auto made = MakeOne(view.substr(0, end)); !made)
+            if (auto made = MakeOne(view.substr(0, end), visibility); !made)
                 return made;
         }
     }
-    return MakeOne(path);
+    return MakeOne(path, visibility);
 }
 
 bool IsDirectory(const String& path)

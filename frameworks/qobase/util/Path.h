@@ -22,9 +22,13 @@ String GetStem(const String& path);
 String GetFolder(const String& path);
 
 enum class Recursive { No, Yes };
-/// Makes a folder, with the ones above it when asked. A folder that is there is a success. Fails as
-/// a File::Error.
-Expected<void> MakeDirectory(const String& path, Recursive recursive);
+/// Who may look into a folder that is made: whom the user's mask says, or nobody else.
+enum class Visibility { AsMaskSays, OwnerOnly };
+/// Makes a folder, with the ones above it when asked. A folder that is there is a success, and
+/// stays as it is. Fails as a File::Error.
+Expected<void> MakeDirectory(const String& path,
+                             Recursive recursive,
+                             Visibility visibility = Visibility::AsMaskSays);
 bool IsDirectory(const String& path);
 
 /// Full paths of the regular files in a folder whose name ends in `extension` (with its dot,

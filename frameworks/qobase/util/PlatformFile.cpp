@@ -208,10 +208,13 @@ int CopyOwnership(int descriptor, const Status& from)
 {
     const Status own = GetStatus(descriptor);
     // Only an administrator may give files away; anybody else keeps the new one, as an editor does.
+    // EINVAL: an owner that this process's user namespace doesn't know.
     if ((own.user != from.user || own.group != from.group) &&
-        fchown(descriptor, from.user, from.group) != 0 && errno != EPERM)
+        fchown(descriptor, from.user, from.group) != 0 && errno != EPERM && errno != EINVAL)
         return errno;
-    return fchmod(descriptor, from.permissions) == 0 ? 0 : errno;
+    // Some file systems have no permissions to change. The file then stays as it was made.
+    static_cast<void>(fchmod(descriptor, from.permissions));
+    return 0;
 }
 
 int RemoveFile(const String& path)
@@ -238,11 +241,11 @@ void FlushFolder(const String& folder)
     CloseFile(descriptor);
 }
 
-int MakeFolder(const String& path)
+int MakeFolder(const String& path, uint32_t permissions)
 {
     if (!IsUsable(path))
         return EINVAL;
-    return mkdir(path.c_str(), permissionBits) == 0 ? 0 : errno;
+    return mkdir(path.c_str(), permissions) == 0 ? 0 : errno;
 }
 
 uint32_t GetProcessNumber()

@@ -58,7 +58,7 @@ struct Position {
 Position GetPosition(int descriptor);
 /// 0 when this process may write the file.
 int CheckWritable(const String& path);
-/// Gives an open file the permissions of another one, and its owner where that is allowed.
+/// Gives an open file the owner and the permissions of another one, as far as that is allowed.
 int CopyOwnership(int descriptor, const Status& from);
 
 int RemoveFile(const String& path);
@@ -66,7 +66,8 @@ int RemoveFile(const String& path);
 int RenameFile(const String& path, const String& target);
 /// Brings a changed list of files to the disk, where the file system can.
 void FlushFolder(const String& folder);
-int MakeFolder(const String& path);
+/// `permissions` less what the user's mask takes.
+int MakeFolder(const String& path, uint32_t permissions = 0777);
 
 uint32_t GetProcessNumber();
 /// As unpredictable as the system has them.

@@ -3,6 +3,7 @@
 #include "frameworks/qobase/util/Path.h"
 #include "frameworks/qobase/util/PlatformFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>

@@ -17,6 +17,10 @@ constexpr uint64_t firstStepBytes = 64ULL << 10;
 constexpr uint64_t largestStepBytes = 4ULL << 20;
 
 /// A new file beside another one, which is removed unless it took the other one's place.
+///
+/// A process that is killed meanwhile leaves the new file behind, hidden and small. Nobody clears
+/// these away: the folder may be shared between machines, where another one's processes can't be
+/// told from dead ones, and may be any of the user's, too large to be listed at each write.
 class Replacement {
 public:
     /// `target` is no symbolic link.
@@ -119,6 +123,21 @@ private:
     int descriptor = Platform::NoFile;
 };
 
+/// Closes a file that is only read, however its block ends.
+class ReadDescriptor {
+public:
+    explicit ReadDescriptor(int newDescriptor)
+        : descriptor(newDescriptor)
+    {
+    }
+    ReadDescriptor(const ReadDescriptor&) = delete;
+    ReadDescriptor& operator=(const ReadDescriptor&) = delete;
+    ~ReadDescriptor() { Platform::CloseFile(descriptor); }
+
+private:
+    const int descriptor;
+};
+
 File::Error TooLarge(const String& path, uint64_t maxBytes)
 {
     return File::MakeError(String("File is larger than %1 bytes").arg(maxBytes), path, EFBIG);
@@ -179,9 +198,8 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes)
     const auto opened = Platform::OpenFile(path, Platform::Access::Read);
     if (opened.error != 0)
         return File::MakeError("Error opening file", path, opened.error);
-    auto bytes = ReadToEnd(opened.descriptor, path, status.size, maxBytes);
-    Platform::CloseFile(opened.descriptor);
-    return bytes;
+    const ReadDescriptor owner(opened.descriptor);
+    return ReadToEnd(opened.descriptor, path, status.size, maxBytes);
 }
 
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes)
@@ -195,6 +213,14 @@ Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes)
     if (auto written = replacement.Write(bytes); !written)
         return written;
     return replacement.TakePlace();
+}
+
+Expected<void> SetFileAside(const String& path, const String& wanted)
+{
+    String target = wanted;
+    for (uint32_t number = 2; File(target).Exists(); ++number)
+        target = (wanted + "-%1").arg(number);
+    return File(path).Move(target);
 }
 
 } // namespace Util

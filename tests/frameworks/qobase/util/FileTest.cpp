@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/qobase/util/File.h"
+#include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -18,6 +20,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -272,6 +275,27 @@ TEST(FileDeathTest, AFullDiskEndsTheWriteAndNotTheProcess)
                 }),
                 testing::ExitedWithCode(0),
                 "^Attempt to write 5000 bytes, only wrote 1000 bytes$");
+}
+
+TEST(FileDeathTest, AFileSystemWithoutOwnersOrPermissionsIsWrittenToAllTheSame)
+{
+    const Support::TemporaryFolder folder;
+    Put(folder / "file", "old");
+    fs::permissions(folder / "file", fs::perms(0642));
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown((folder / "file").c_str(), 12345, 12345), 0); // or no owner is to be kept
+    }
+    const auto replace = [&] {
+        alarm(childSeconds);
+        umask(0);
+        const bool isRefused =
+            Support::RefuseCall(SYS_fchown, EINVAL) && Support::RefuseCall(SYS_fchmod, EPERM);
+        static_cast<void>(isRefused); // a sandbox that doesn't allow it leaves the plain case
+        _exit(Util::ReplaceWholeFile(folder / "file", BytesOf("new")) ? 0 : 1);
+    };
+    EXPECT_EXIT(replace(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(Contents(folder / "file"), "new");
+    EXPECT_EQ(fs::status(folder / "file").permissions() & ~fs::perms(0642), fs::perms::none);
 }
 
 /// One version of a file: its first byte tells how many there are, all alike.

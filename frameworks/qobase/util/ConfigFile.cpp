@@ -218,6 +218,8 @@ void ConfigFile::DeleteKey(const String& subPath)
         store->Change([](auto& values) { values = {}; });
         return;
     }
+    if (store->GetPath().IsEmpty())
+        return; // where this key is none, what is below it is others'
     const auto child = GetStore(subPath);
     // A path that names no child, such as "..", is no order to delete this key.
     if (child == store || child->GetChildFolder().IsEmpty())

@@ -105,7 +105,7 @@ void ConfigFile::Store::Load()
 bool ConfigFile::Store::Change(const std::function<void(Dictionary&)>& change)
 {
     const CriticalSectionGuard guard(section);
-    if (path.IsEmpty() || !Path::MakeDirectory(Path::GetFolder(path), Path::Recursive::Yes))
+    if (path.IsEmpty() || !MakeFolder())
         return false;
     const FileLock lock = Lock();
     if (!lock.IsHeld())
@@ -138,6 +138,12 @@ void ConfigFile::Store::Remove()
     isSettled = false;
 }
 
+bool ConfigFile::Store::MakeFolder() const
+{
+    return static_cast<bool>(Path::MakeDirectory(
+        Path::GetFolder(path), Path::Recursive::Yes, Path::Visibility::OwnerOnly));
+}
+
 FileLock ConfigFile::Store::Lock() const
 {
     return {lockPath, LongestWait};
@@ -155,12 +161,8 @@ bool ConfigFile::Store::Replace(const Dictionary& newValues)
 
 bool ConfigFile::Store::SetAside()
 {
-    const String wanted = path + ".corrupt-" + GetTimeForFileName();
-    String target = wanted;
-    for (uint32_t number = 2; File(target).Exists(); ++number)
-        target = (wanted + "-%1").arg(number);
     isSettled = false;
-    return static_cast<bool>(File(path).Move(target));
+    return static_cast<bool>(SetFileAside(path, path + ".corrupt-" + GetTimeForFileName()));
 }
 
 } // namespace Util

@@ -51,6 +51,7 @@ private:
     void Load() UTIL_REQUIRES(section);
     bool Replace(const Dictionary& newValues) UTIL_REQUIRES(section);
     bool SetAside() UTIL_REQUIRES(section);
+    bool MakeFolder() const;
     FileLock Lock() const;
 
     const String path;

@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -89,9 +91,23 @@ TEST_F(ConfigFileTest, KeyPathsNameOneFileEachInsideTheConfigurationFolder)
         ConfigFile config(nowhere);
         config.WriteBool("x", true);
         config.DeleteKey("");
+        config.DeleteKey("Norvane");
         EXPECT_FALSE(config.HasValue("x"));
     }
+    EXPECT_TRUE(ConfigFile(ProductKey).HasValue("x"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folders.Home().Path()), {}), 1);
+}
+
+TEST_F(ConfigFileTest, FoldersThatAreMadeAreForTheUserAlone)
+{
+    fs::create_directory(folders.Home().Path() / "config");
+    fs::permissions(Configuration(), fs::perms(0755));
+    const mode_t former = umask(0);
+    ConfigFile("SOFTWARE/Norvane/Deep/Key").WriteBool("x", true);
+    umask(former);
+    EXPECT_EQ(fs::status(Configuration() / "Norvane").permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(Configuration() / "Norvane/Deep").permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(Configuration()).permissions(), fs::perms(0755));
 }
 
 TEST_F(ConfigFileTest, ValuesComeBackToAnotherObjectAndFromTheDisk)

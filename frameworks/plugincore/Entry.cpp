@@ -153,6 +153,37 @@ uint32_t RunLocked(const Rule& rule, PluginCore& instance, DSP::Context context,
     return rule.handler(instance, context, data);
 }
 
+/// Owns both locks of an instance, the processing one taken first. While another thread has the UI
+/// lock, this one waits without the processing lock: that thread may be at the disk, and the audio
+/// would wait with it.
+class BothLocksGuard {
+public:
+    explicit BothLocksGuard(ThreadController& newLocks) UTIL_NO_THREAD_SAFETY_ANALYSIS
+        : locks(newLocks)
+    {
+        for (;;) {
+            locks.GetProcessLock().Enter();
+            if (locks.GetUILock().TryEnter()) {
+                return;
+            }
+            locks.GetProcessLock().Leave();
+            const Util::CriticalSectionGuard untilFree(locks.GetUILock());
+        }
+    }
+    BothLocksGuard(const BothLocksGuard&) = delete;
+    BothLocksGuard(BothLocksGuard&&) = delete;
+    BothLocksGuard& operator=(const BothLocksGuard&) = delete;
+    BothLocksGuard& operator=(BothLocksGuard&&) = delete;
+    ~BothLocksGuard() UTIL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        locks.GetUILock().Leave();
+        locks.GetProcessLock().Leave();
+    }
+
+private:
+    ThreadController& locks;
+};
+
 uint32_t Run(const Rule& rule, PluginCore& instance, uint32_t context, void* data)
 {
     const bool isUI = context == 1;
@@ -165,11 +196,11 @@ uint32_t Run(const Rule& rule, PluginCore& instance, uint32_t context, void* dat
         const Util::CriticalSectionGuard guard(locks.GetUILock());
         return RunLocked(rule, instance, side, data);
     }
-    const Util::CriticalSectionGuard processGuard(locks.GetProcessLock());
     if (isUI) {
-        const Util::CriticalSectionGuard uiGuard(locks.GetUILock());
+        const BothLocksGuard guard(locks);
         return RunLocked(rule, instance, side, data);
     }
+    const Util::CriticalSectionGuard guard(locks.GetProcessLock());
     return RunLocked(rule, instance, side, data);
 }
 

@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <future>
 #include <memory>
 #include <random>
 #include <thread>
@@ -54,6 +56,34 @@ TEST(FormatChange, WhileAudioRunsOnAnotherThread)
     }
     instance.SetFormat(48000.0F, LayoutOf(2));
     ExpectLikeNew(instance, 48000.0F, 2);
+}
+
+TEST(FormatChange, AudioRunsOnWhileItWaitsForTheUISide)
+{
+    Instance instance(44100.0F, 1);
+    std::promise<void> entered;
+    std::promise<void> released;
+    std::future<void> release = released.get_future();
+    instance.onHostCall = [&](const HostCall& call) {
+        if (call.opcode == HostOpcodeGetWindowHint) {
+            entered.set_value();
+            release.wait();
+        }
+    };
+    // Whoever has the UI lock may be at the disk for long; here it is kept by the host itself.
+    std::thread holder([&] { Call(SelectorInitialize, UI, instance.Get(), nullptr); });
+    entered.get_future().wait();
+    std::thread waiter([&] { instance.SetFormat(48000.0F, 0); });
+    bool isStuck = false;
+    {
+        const AudioThread audio(instance);
+        auto blocks = std::async(std::launch::async, [&] { audio.WaitForBlocks(200); });
+        isStuck = blocks.wait_for(std::chrono::seconds(60)) == std::future_status::timeout;
+        released.set_value();
+    }
+    holder.join();
+    waiter.join();
+    EXPECT_FALSE(isStuck);
 }
 
 TEST(FormatChange, KeepsTheUsersValues)

@@ -22,3 +22,5 @@
 #define UTIL_TRY_ACQUIRE(...) UTIL_THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
 /// The caller holds the lock.
 #define UTIL_REQUIRES(...) UTIL_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+/// The function takes or gives back locks in a way that the analysis can't follow.
+#define UTIL_NO_THREAD_SAFETY_ANALYSIS UTIL_THREAD_ANNOTATION(no_thread_safety_analysis)

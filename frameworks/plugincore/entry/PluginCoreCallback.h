@@ -550,7 +550,9 @@ typedef struct PresetRecord {
     int32_t op;
     uint8_t failed;     /**< out: 1 when the operation failed; `message` says why */
     uint8_t isReadOnly; /**< out of PresetOpDescribe: not to be overwritten or removed */
-    uint8_t reserved6[2];
+    uint8_t
+        mayReplace; /**< in of PresetOpSave: 1 puts the preset in the place of one that is there */
+    uint8_t reserved7;
     uint32_t count; /**< out of PresetOpList: entries */
     uint32_t index; /**< in of PresetOpDescribe: place in the list made by PresetOpList */
     uint32_t group; /**< out of PresetOpDescribe: PluginCorePresetGroup */

@@ -273,6 +273,7 @@ PLUGIN_CORE_SIZE(PresetRecord, 6440);
 PLUGIN_CORE_AT(PresetRecord, op, 0);
 PLUGIN_CORE_AT(PresetRecord, failed, 4);
 PLUGIN_CORE_AT(PresetRecord, isReadOnly, 5);
+PLUGIN_CORE_AT(PresetRecord, mayReplace, 6);
 PLUGIN_CORE_AT(PresetRecord, count, 8);
 PLUGIN_CORE_AT(PresetRecord, index, 12);
 PLUGIN_CORE_AT(PresetRecord, group, 16);

@@ -5,13 +5,21 @@
 #include "frameworks/qobase/util/HistoryDelegate.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Support {
 
 /// An instance whose state is the bytes that a test puts there.
 class TestHistoryDelegate final : public Util::HistoryDelegate {
 public:
-    uint32_t GetStateSize() override { return static_cast<uint32_t>(state.size()); }
+    uint32_t GetStateSize() override
+    {
+        if (failures > 0) {
+            --failures;
+            throw std::bad_alloc();
+        }
+        return static_cast<uint32_t>(state.size());
+    }
     uint32_t GetStateVersion() const override { return 1; }
     bool GetState(uint32_t size, void* buffer) override
     {
@@ -41,6 +49,7 @@ public:
     String path;
     int changes = 0;  // told of
     int refusals = 0; // of the state, from now on
+    int failures = 0; // for want of memory, from now on
 };
 
 } // namespace Support

@@ -28,6 +28,8 @@ constexpr std::array<uint32_t, 4> Depths = {50, 100, 500, 0};
 
 // A row of gestures makes one write of the file.
 constexpr uint32_t QuietTicksBeforeSaving = 20;
+// Where automation never lets the state rest.
+constexpr uint32_t LongestTicksBeforeSaving = 300;
 
 // A longer text couldn't be read back from the file.
 constexpr uint32_t LongestLabel = 200000; // bytes
@@ -58,15 +60,17 @@ void HistoryLogic::EnsureLoaded()
     }
     loaded = true;
     const String path = GetPath();
+    knownFile = Util::GetFileIdentity(path);
+    fileIsUnreadable = true; // also when memory runs out below, and nothing here catches that
     try {
         if (path.IsEmpty()) {
             file.MakeInitialState(model);
         } else {
             file.Load(path, model);
         }
+        fileIsUnreadable = false;
     } catch (const ::Exception::Base& fault) { // no history of ours, or unreadable
         Util::DebugTrace(fault.Describe());
-        fileIsUnreadable = true;
         file.MakeInitialState(model);
     }
     savedStateSize = delegate.GetStateSize();
@@ -209,6 +213,7 @@ Util::Expected<void> HistoryLogic::Reset()
     loaded = true;
     unsaved = false;
     fileIsUnreadable = false;
+    knownFile = {};
     file.MakeInitialState(model);
     savedStateSize = delegate.GetStateSize();
     Rebuild();
@@ -221,26 +226,45 @@ Util::Expected<void> HistoryLogic::Save()
 {
     const String path = GetPath();
     if (path.IsEmpty()) {
+        unsaved = false;
         return {};
     }
-    if (fileIsUnreadable && Util::File(path).Exists()) {
-        if (auto moved = Util::File(path).Move(path + ".bak"); !moved) {
+    // Another instance may have put a good file in the place of the one that couldn't be read.
+    // Where not even the look at it succeeded, nobody knows.
+    const auto present = Util::GetFileIdentity(path);
+    const bool mayBeTheOne = present == knownFile || !knownFile.isRegular;
+    if (fileIsUnreadable && present.exists && mayBeTheOne) {
+        if (auto moved = Util::SetFileAside(path, path + ".bak"); !moved) {
             return moved;
         }
     }
     fileIsUnreadable = false;
-    return file.Save(path, model);
+    const uint32_t stateSize = delegate.GetStateSize();
+    auto saved = file.Save(path, model);
+    if (saved) {
+        knownFile = Util::GetFileIdentity(path);
+        savedStateSize = stateSize;
+        unsaved = false;
+    }
+    return saved;
+}
+
+bool HistoryLogic::IsFileStale()
+{
+    // The file names the size of the state beside which it was written, and is good for that one
+    // only. All instances share it, so that one without a change of its own may write no other
+    // one's file anew.
+    return !fileIsUnreadable && knownFile.isRegular && delegate.GetStateSize() != savedStateSize &&
+           Util::GetFileIdentity(GetPath()) == knownFile;
 }
 
 void HistoryLogic::Flush()
 {
-    // The file names the size of the state beside which it was written, and is good for that one
-    // only: a change of the state alone makes it stale.
-    if (!loaded || (!unsaved && delegate.GetStateSize() == savedStateSize)) {
+    if (!loaded || (!unsaved && !IsFileStale())) {
         return;
     }
-    unsaved = false; // after a failure, the next change tries again
-    savedStateSize = delegate.GetStateSize();
+    quietTicks = 0; // after a failure, the next try comes when a first one would
+    unsavedTicks = 0;
     if (const auto saved = Save(); !saved) {
         Util::DebugTrace(String("Saving the history failed: %1").arg(saved.GetDescription()));
     }
@@ -248,6 +272,9 @@ void HistoryLogic::Flush()
 
 void HistoryLogic::MarkUnsaved()
 {
+    if (!unsaved) {
+        unsavedTicks = 0;
+    }
     unsaved = true;
     quietTicks = 0;
 }
@@ -259,7 +286,12 @@ void HistoryLogic::onStateChanged()
 
 void HistoryLogic::onIdle()
 {
-    if (unsaved && ++quietTicks >= QuietTicksBeforeSaving) {
+    if (!unsaved) {
+        return;
+    }
+    ++quietTicks;
+    ++unsavedTicks;
+    if (quietTicks >= QuietTicksBeforeSaving || unsavedTicks >= LongestTicksBeforeSaving) {
         Flush();
     }
 }

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/ui/model/historyfile/HistoryFile.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryManager.h"
+#include "frameworks/qobase/util/FileLock.h"
 
 #include <functional>
 
@@ -70,7 +71,8 @@ public:
     /// deleted.
     Util::Expected<void> Reset();
 
-    /// Writes the file. One that couldn't be read is kept under its name with ".bak" at the end.
+    /// Writes the file. One that couldn't be read is kept under its name with ".bak" at the end, or
+    /// ".bak-2" and so on.
     Util::Expected<void> Save();
 
     const HistoryModel& GetModel() const { return model; }
@@ -83,6 +85,7 @@ private:
     void Rebuild();
     void FillView();
     void MarkUnsaved();
+    bool IsFileStale();
 
     Util::HistoryDelegate& delegate;
     const String fileName;
@@ -95,7 +98,9 @@ private:
     bool loaded = false;
     bool fileIsUnreadable = false;
     bool unsaved = false;
-    uint32_t quietTicks = 0; // idle calls since the last change; counts while unsaved
+    uint32_t quietTicks = 0;      // idle calls since the last change; counts while unsaved
+    uint32_t unsavedTicks = 0;    // idle calls since the first change that isn't saved
+    Util::FileIdentity knownFile; // that was loaded or saved here last, or that couldn't be read
     uint32_t savedStateSize = 0;
 };
 

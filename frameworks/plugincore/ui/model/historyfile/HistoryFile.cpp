@@ -2,8 +2,10 @@
 #include "frameworks/plugincore/ui/model/historyfile/HistoryFile.h"
 
 #include "frameworks/plugincore/ui/model/historyfile/InvalidHistoryFile.h"
+#include "frameworks/qobase/util/DataStreamIO.h"
 #include "frameworks/qobase/util/DebugTrace.h"
 #include "frameworks/qobase/util/File.h"
+#include "frameworks/qobase/util/FileLock.h"
 #include "frameworks/qobase/util/FileStream.h"
 #include "frameworks/qobase/util/MemoryStream.h"
 
@@ -50,9 +52,14 @@ void HistoryFile::MakeInitialState(HistoryModel& model) const
 void HistoryFile::Load(const String& path, HistoryModel& model) const
 {
     model = {};
-    if (!Util::File(path).Exists()) {
+    const auto identity = Util::GetFileIdentity(path);
+    if (!identity.exists) {
         MakeInitialState(model);
         return;
+    }
+    // Opening a pipe would wait for somebody to write to it.
+    if (!identity.isRegular) {
+        throw Util::Exception::DataStreamIO(String("Can't open file: %1").arg(path));
     }
     Util::FileStream stream(path, Util::File::Mode::Read);
     model = Read(stream);

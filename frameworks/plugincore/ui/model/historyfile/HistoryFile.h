@@ -43,7 +43,8 @@ public:
     /// damaged give the initial state.
     ///
     /// Throws Exception::InvalidHistoryFile for what is no history or one of another state size,
-    /// and Util::Exception::DataStreamIO where reading fails; the model is then empty.
+    /// and Util::Exception::DataStreamIO where reading fails or there is no regular file; the model
+    /// is then empty.
     void Load(const String& path, HistoryModel& model) const;
 
     /// What Load() finds in the file.

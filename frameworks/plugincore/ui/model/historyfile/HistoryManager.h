@@ -14,7 +14,7 @@ public:
     /// Takes down the present state. False when it can't be had; the history is then as it was.
     virtual bool AddSnapshot(const String& label) = 0;
     /// Brings the file up to date with the history, also when only the state has changed since it
-    /// was written. A failure is traced.
+    /// was written here. A failure is traced, and tried again later.
     virtual void Flush() = 0;
 
     /// An editor shows from now on: the present state is where its user begins.

@@ -9,9 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -196,12 +200,39 @@ TEST_F(HistoryLogicTest, TheFileGoesWithTheStateThatItWasWrittenBeside)
     EXPECT_EQ(Rows(), (Labels{"Initial State", "5"}));
 }
 
+TEST_F(HistoryLogicTest, AnInstanceWithoutSnapshotsLeavesTheFileToAnother)
+{
+    Support::TestHistoryDelegate other;
+    other.path = instance.path;
+    for (const bool isThereBefore : {false, true}) {
+        if (isThereBefore) {
+            logic->Flush();
+        }
+        HistoryLogic idle(other, "Test", [] { return 1U; });
+        idle.onEditorOpened();
+        Add(5);
+        logic->Flush();
+        const Util::Bytes written = *Util::ReadWholeFile(folder / "QoTest.hst");
+        other.state.push_back(9); // moved by its host, not by its user
+        idle.Flush();
+        EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst"), written);
+        EXPECT_FALSE(HasFile("QoTest.hst.bak"));
+    }
+    // One that isn't its own, and that it can't use, neither.
+    HistoryLogic idle(other, "Test", [] { return 1U; });
+    idle.onEditorOpened();
+    other.state.push_back(9);
+    idle.Flush();
+    EXPECT_FALSE(HasFile("QoTest.hst.bak"));
+}
+
 TEST_F(HistoryLogicTest, AFileThatCannotBeUsedIsSetAsideAtTheNextSave)
 {
     Add(5);
     logic->Flush();
     const Util::Bytes whole = *Util::ReadWholeFile(folder / "QoTest.hst");
     Util::Bytes cut(whole.begin(), whole.end() - 1);
+    std::string aside = folder / "QoTest.hst.bak";
     for (const Util::Bytes& stored : {whole, cut, Util::Bytes{1, 2, 3, 4}}) {
         ASSERT_TRUE(Util::ReplaceWholeFile(folder / "QoTest.hst", stored));
         instance.state.resize(stored == cut ? 3 : 4); // of another size, but for the cut one
@@ -211,11 +242,57 @@ TEST_F(HistoryLogicTest, AFileThatCannotBeUsedIsSetAsideAtTheNextSave)
         EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst"), stored);
         Add(6);
         logic->Flush();
-        EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst.bak"), stored);
+        EXPECT_EQ(*Util::ReadWholeFile(aside), stored);
+        aside = folder / (stored == whole ? "QoTest.hst.bak-2" : "QoTest.hst.bak-3");
         Begin();
         logic->onEditorOpened();
         EXPECT_EQ(Rows(), (Labels{"Initial State", "6"}));
     }
+}
+
+TEST_F(HistoryLogicTest, OnlyTheFileThatFailedIsSetAside)
+{
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "QoTest.hst", Util::Bytes{1, 2, 3, 4}));
+    logic->onEditorOpened();
+    HistoryLogic other(instance, "Test", [] { return 1U; });
+    ASSERT_TRUE(other.AddSnapshot("other"));
+    other.Flush();
+    Add(5);
+    logic->Flush();
+    EXPECT_EQ(Util::ReadWholeFile(folder / "QoTest.hst.bak")->size(), 4U);
+    EXPECT_FALSE(HasFile("QoTest.hst.bak-2"));
+}
+
+TEST_F(HistoryLogicTest, WhatIsNoFileIsNeitherReadNorLost)
+{
+    const std::string path = folder / "QoTest.hst";
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"bak", [&] { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }},
+        {"bak-2", [&] { std::filesystem::create_symlink("QoTest.hst", path); }},
+        {"bak-3", [&] { std::filesystem::create_directory(path); }}};
+    for (const auto& [aside, make] : cases) {
+        make();
+        const auto type = std::filesystem::symlink_status(path).type();
+        Begin();
+        Add(5);
+        logic->Flush();
+        EXPECT_EQ(std::filesystem::symlink_status(path + "." + aside).type(), type) << aside;
+        EXPECT_TRUE(std::filesystem::is_regular_file(path)) << aside;
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(HistoryLogicTest, AFileThatMemoryDidNotSufficeForIsKept)
+{
+    Add(5);
+    logic->Flush();
+    const Util::Bytes whole = *Util::ReadWholeFile(folder / "QoTest.hst");
+    Begin();
+    instance.failures = 1;
+    EXPECT_THROW(logic->onEditorOpened(), std::bad_alloc);
+    Add(6);
+    logic->Flush();
+    EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst.bak"), whole);
 }
 
 TEST_F(HistoryLogicTest, AResetBeginsAnew)
@@ -247,6 +324,36 @@ TEST_F(HistoryLogicTest, TheFileIsWrittenOnceTheStateRests)
     }
     EXPECT_TRUE(HasFile("QoTest.hst"));
     EXPECT_FALSE(HasFile("own.hst"));
+}
+
+TEST_F(HistoryLogicTest, AStateThatNeverRestsKeepsTheFileOffForHalfAMinute)
+{
+    Add(5);
+    for (int tick = 1; tick <= 300; ++tick) {
+        EXPECT_FALSE(HasFile("QoTest.hst")) << tick;
+        if (tick == 200) {
+            Add(6); // the first one's time counts
+        }
+        logic->onStateChanged();
+        logic->onIdle();
+    }
+    EXPECT_TRUE(HasFile("QoTest.hst"));
+}
+
+TEST_F(HistoryLogicTest, ASaveThatFailedIsTriedAgainAtTheSamePace)
+{
+    instance.path = folder / "none/own.hst";
+    Begin();
+    Add(5);
+    for (int tick = 0; tick < 20; ++tick) {
+        logic->onIdle();
+    }
+    std::filesystem::create_directory(folder / "none");
+    for (int tick = 0; tick < 20; ++tick) {
+        EXPECT_FALSE(HasFile("none/QoTest.hst")) << tick;
+        logic->onIdle();
+    }
+    EXPECT_TRUE(HasFile("none/QoTest.hst"));
 }
 
 TEST_F(HistoryLogicTest, WithoutAPathNoFileIsTouched)

@@ -101,6 +101,7 @@ Plugin::~Plugin()
 {
     suspended = true;
     timer.reset();
+    FlushHistoryAtEnd();
     history.reset();
     persistentParams.reset();
     presets.reset();

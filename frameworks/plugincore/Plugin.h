@@ -211,6 +211,7 @@ private:
     void FollowEditor();
     void NotifyHistory();
     void FlushHistory();
+    void FlushHistoryAtEnd() noexcept;
 
     // PluginState.cpp
     Util::Dictionary BuildCommonDictionary() const;

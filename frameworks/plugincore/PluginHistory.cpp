@@ -43,7 +43,9 @@ void Plugin::GetHistoryFilePath(String& path)
     const String folder = Util::Path::Join(
         Util::Path::Join(Util::Path::GetApplicationDataFolder(), product.GetVendor()),
         product.GetShortName());
-    if (const auto made = Util::Path::MakeDirectory(folder, Util::Path::Recursive::Yes); !made) {
+    const auto made = Util::Path::MakeDirectory(
+        folder, Util::Path::Recursive::Yes, Util::Path::Visibility::OwnerOnly);
+    if (!made) {
         Util::DebugTrace(made.GetDescription()); // what comes next tells the user
     }
     const String session =
@@ -101,5 +103,15 @@ void Plugin::FlushHistory()
 {
     if (history) {
         history->Flush();
+    }
+}
+
+void Plugin::FlushHistoryAtEnd() noexcept
+{
+    try {
+        const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
+        FlushHistory();
+    } catch (...) {
+        Util::DebugTrace("Saving the history failed at the end"); // no use in ending the host
     }
 }

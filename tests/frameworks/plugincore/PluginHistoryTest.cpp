@@ -158,6 +158,16 @@ TEST_F(PluginHistoryTest, TheListReturnsWithTheSession)
     second->AttachEditor(nullptr);
 }
 
+TEST_F(PluginHistoryTest, AnInstanceThatIsDestroyedAtOnceKeepsItsList)
+{
+    const std::string folder = FileNamed("Norvane/LM6Pfgd");
+    auto plugin = Make();
+    Change(*plugin, 0.25F);
+    plugin.reset(); // by a host that doesn't end it first
+    EXPECT_TRUE(std::filesystem::exists(folder + "/QoLM6Pfgd.hst"));
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms(0700));
+}
+
 TEST_F(PluginHistoryTest, TheDepthIsTheUsersSetting)
 {
     auto plugin = Make();

@@ -73,6 +73,10 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimed
 /// file, and a file that this user may not write. [ui]
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes);
 
+/// The same for a path without a file. False when there is anything already, which then stays: no
+/// other process can come in between the look and the making. A symbolic link counts as there. [ui]
+Expected<bool> CreateWholeFile(const String& path, ByteSpan bytes);
+
 /// Renames the file to `wanted`, or where there is one already, with "-2", "-3" and so on behind
 /// it: nothing is replaced. [ui]
 Expected<void> SetFileAside(const String& path, const String& wanted);

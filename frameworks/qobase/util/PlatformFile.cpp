@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <ctime>
 #include <limits>
 #include <string>
@@ -229,6 +230,20 @@ int RenameFile(const String& path, const String& target)
     if (!IsUsable(path) || !IsUsable(target))
         return EINVAL;
     return rename(path.c_str(), target.c_str()) == 0 ? 0 : errno;
+}
+
+int RenameFileToNew(const String& path, const String& target)
+{
+    if (!IsUsable(path) || !IsUsable(target))
+        return EINVAL;
+    if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // Some network file systems don't know the call; a second name is refused in one step as well.
+    if (link(path.c_str(), target.c_str()) != 0)
+        return errno;
+    return unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
 void FlushFolder(const String& folder)

@@ -64,6 +64,8 @@ int CopyOwnership(int descriptor, const Status& from);
 int RemoveFile(const String& path);
 /// Replaces a file at `target` in one step.
 int RenameFile(const String& path, const String& target);
+/// Fails with the system's "exists" (EEXIST) when anything is at `target`, in one step.
+int RenameFileToNew(const String& path, const String& target);
 /// Brings a changed list of files to the disk, where the file system can.
 void FlushFolder(const String& folder);
 /// `permissions` less what the user's mask takes.

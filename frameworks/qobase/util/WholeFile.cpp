@@ -63,21 +63,47 @@ public:
 
     Expected<void> TakePlace()
     {
+        if (auto finished = Finish(); !finished)
+            return finished;
+        if (const int error = Platform::RenameFile(temporary, target); error != 0)
+            return Failure("MoveFileEx failed", error);
+        NoteInPlace();
+        return {};
+    }
+
+    /// False when somebody has the place.
+    Expected<bool> TakeFreePlace()
+    {
+        if (auto finished = Finish(); !finished)
+            return finished.GetError();
+        const int error = Platform::RenameFileToNew(temporary, target);
+        if (error == EEXIST)
+            return false;
+        if (error != 0)
+            return Failure("MoveFileEx failed", error).GetError();
+        NoteInPlace();
+        return true;
+    }
+
+private:
+    Expected<void> Finish()
+    {
         // Without the flush a crash could leave the new name with no contents behind it.
         if (const int error = Platform::FlushToDisk(descriptor); error != 0)
             return Failure("Flush failed", error);
         if (const int error = CloseOnce(); error != 0)
             return Failure("Close failed", error);
-        if (const int error = Platform::RenameFile(temporary, target); error != 0)
-            return Failure("MoveFileEx failed", error);
+        return {};
+    }
+
+    void NoteInPlace()
+    {
         temporary = {};
         // The new file is in its place by now, so that a failure here is none of the call's.
         const String folder = Path::GetFolder(target);
         Platform::FlushFolder(folder.IsEmpty() ? String(".") : folder);
-        return {};
     }
 
-private:
     int CheckFormer(const Platform::Status& former) const
     {
         if (former.error != 0)
@@ -213,6 +239,19 @@ Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes)
     if (auto written = replacement.Write(bytes); !written)
         return written;
     return replacement.TakePlace();
+}
+
+Expected<bool> CreateWholeFile(const String& path, ByteSpan bytes)
+{
+    std::error_code unknown; // what can't be looked at is told by the making
+    if (std::filesystem::exists(std::filesystem::symlink_status(path.ToStdString(), unknown)))
+        return false;
+    Replacement replacement(path);
+    if (auto made = replacement.Make(); !made)
+        return made.GetError();
+    if (auto written = replacement.Write(bytes); !written)
+        return written.GetError();
+    return replacement.TakeFreePlace();
 }
 
 Expected<void> SetFileAside(const String& path, const String& wanted)

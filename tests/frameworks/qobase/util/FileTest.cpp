@@ -337,4 +337,53 @@ TEST(ReplaceWholeFile, IsOneWholeVersionWheneverTheWriterIsKilled)
     }
 }
 
+TEST(CreateWholeFile, NeverReplaces)
+{
+    const Support::TemporaryFolder folder;
+    ASSERT_TRUE(Util::ReplaceWholeFile(folder / "file", BytesOf("old")));
+    fs::create_directory(folder / "folder");
+    fs::create_symlink(folder / "nowhere", folder / "link");
+    for (const char* name : {"file", "folder", "link"}) {
+        const auto made = Util::CreateWholeFile(folder / name, BytesOf("new"));
+        EXPECT_TRUE(made && !*made) << name;
+    }
+    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_FALSE(Util::CreateWholeFile(folder / std::string(300, 'n'), BytesOf("new")));
+    EXPECT_FALSE(Util::CreateWholeFile(folder / "file/below", BytesOf("new")));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 3);
+}
+
+// Of many that make the same file at once, one does: with the system's own call and without it.
+TEST(CreateWholeFile, IsDoneByOneOfMany)
+{
+    const Support::TemporaryFolder folder;
+    for (const bool isRefused : {false, true}) {
+        for (int round = 0; round < 20; ++round) {
+            const std::string path =
+                folder / ((isRefused ? "link" : "rename") + std::to_string(round));
+            std::vector<pid_t> children;
+            for (uint8_t number = 1; number <= 4; ++number) {
+                children.push_back(fork());
+                if (children.back() == 0) {
+                    alarm(childSeconds);
+                    if (isRefused)
+                        static_cast<void>(Support::RefuseCall(SYS_renameat2, EINVAL));
+                    const auto made = Util::CreateWholeFile(path, Version(number));
+                    _exit(!made ? 99 : *made ? number : 0);
+                }
+            }
+            int maker = 0;
+            for (const pid_t child : children) {
+                int status = 0;
+                ASSERT_EQ(waitpid(child, &status, 0), child);
+                ASSERT_TRUE(WIFEXITED(status));
+                EXPECT_TRUE(maker == 0 || WEXITSTATUS(status) == 0);
+                maker += WEXITSTATUS(status);
+            }
+            ASSERT_TRUE(maker >= 1 && maker <= 4) << maker;
+            EXPECT_TRUE(*Util::ReadWholeFile(path) == Version(static_cast<uint8_t>(maker)));
+        }
+    }
+}
+
 } // namespace

@@ -32,8 +32,8 @@ public:
         gaining.range = {-1.0F, 1.0F};
         gaining.defaultValue = 0.25F;
         gaining.target = &gain;
-        gaining.onProcessChange = [this](float value) { events += "p" + Number(value); };
-        gaining.onUIChange = [this](float value) { events += "u" + Number(value); };
+        gaining.onProcessChange = [this](float value) { Note("p", value); };
+        gaining.onUIChange = [this](float value) { Note("u", value); };
         gaining.info.units = "dB";
         gainHandle = RegisterFloatParam(Gain, gaining);
         DSP::EnumRegistration choosing;
@@ -54,6 +54,12 @@ public:
     static std::string Number(float value)
     {
         return std::to_string(static_cast<int>(std::lround(value * 100))) + " ";
+    }
+
+    void Note(const char* sender, float value)
+    {
+        events += sender;
+        events += Number(value);
     }
 
     DSP::ElementParam<float> gainHandle;
@@ -144,7 +150,7 @@ TEST_F(ElementDispatcherTest, ObserversHearFirstAndAlsoWithoutAChangeListenersOn
 {
     auto* info = element.GetDispatchInfo<float>(Element::Gain);
     info->AddObserver([this](Context thread, float value, DSP::ValueSource) {
-        element.events += (thread == Context::UI ? "U" : "P") + Element::Number(value);
+        element.Note(thread == Context::UI ? "U" : "P", value);
     });
     auto connection = info->Connect([this](float) { element.events += "s "; });
     element.events.clear();

@@ -208,6 +208,7 @@ TEST_F(HistoryLogicTest, AnInstanceWithoutSnapshotsLeavesTheFileToAnother)
         if (isThereBefore) {
             logic->Flush();
         }
+        other.state = instance.state;
         HistoryLogic idle(other, "Test", [] { return 1U; });
         idle.onEditorOpened();
         Add(5);
@@ -242,6 +243,7 @@ TEST_F(HistoryLogicTest, AFileThatCannotBeUsedIsSetAsideAtTheNextSave)
         EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst"), stored);
         Add(6);
         logic->Flush();
+        ASSERT_TRUE(std::filesystem::exists(aside));
         EXPECT_EQ(*Util::ReadWholeFile(aside), stored);
         aside = folder / (stored == whole ? "QoTest.hst.bak-2" : "QoTest.hst.bak-3");
         Begin();
@@ -280,6 +282,16 @@ TEST_F(HistoryLogicTest, WhatIsNoFileIsNeitherReadNorLost)
         EXPECT_TRUE(std::filesystem::is_regular_file(path)) << aside;
         std::filesystem::remove(path);
     }
+    // What can't even be looked at may be a good file again later.
+    std::filesystem::create_symlink("QoTest.hst", path);
+    Begin();
+    logic->onEditorOpened();
+    std::filesystem::remove(path);
+    ASSERT_TRUE(Util::ReplaceWholeFile(path, Util::Bytes{1}));
+    Add(5);
+    logic->Flush();
+    ASSERT_TRUE(HasFile("QoTest.hst.bak-4"));
+    EXPECT_EQ(*Util::ReadWholeFile(path + ".bak-4"), Util::Bytes{1});
 }
 
 TEST_F(HistoryLogicTest, AFileThatMemoryDidNotSufficeForIsKept)
@@ -292,6 +304,7 @@ TEST_F(HistoryLogicTest, AFileThatMemoryDidNotSufficeForIsKept)
     EXPECT_THROW(logic->onEditorOpened(), std::bad_alloc);
     Add(6);
     logic->Flush();
+    ASSERT_TRUE(HasFile("QoTest.hst.bak"));
     EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst.bak"), whole);
 }
 

@@ -38,7 +38,7 @@ template <typename T>
 void PersistentParamsHolder::Register(const String& key, const DSP::ElementParamImplBase<T>& model)
 {
     const Util::CriticalSectionGuard guard(lock);
-    if (params.count(key) == 0) {
+    if (!params.contains(key)) {
         params.emplace(key, std::make_shared<PersistentOf<T>>(file, key, model));
     }
 }

@@ -8,9 +8,8 @@
 class Trackable {
 public:
     Trackable() = default;
-    // What is bound to the one object is not bound to the other.
-    Trackable(const Trackable& /*other*/) {}
-    Trackable& operator=(const Trackable& /*other*/) { return *this; }
+    Trackable(const Trackable&) = delete; // what is bound to one is not bound to another
+    Trackable& operator=(const Trackable&) = delete;
     virtual ~Trackable() = default;
 
 private:

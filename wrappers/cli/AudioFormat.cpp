@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <filesystem>
 
 namespace Cli {
 
@@ -187,6 +188,12 @@ std::optional<int> ContainerOfExtension(std::string_view extension)
         }
     }
     return std::nullopt;
+}
+
+bool HasNameOfRecording(const std::string& path)
+{
+    const std::string extension = std::filesystem::path(path).extension().string();
+    return extension.size() > 1 && ContainerOfExtension(extension.substr(1)).has_value();
 }
 
 std::string ExtensionOf(int format)

@@ -24,6 +24,9 @@ std::optional<int> FindContainer(std::string_view name);
 /// The container that files with this extension (no dot, any case) usually have.
 std::optional<int> ContainerOfExtension(std::string_view extension);
 
+/// True when the file's name ends as recordings do, such as in ".wav".
+bool HasNameOfRecording(const std::string& path);
+
 /// The usual extension of a container, without a dot.
 std::string ExtensionOf(int format);
 

@@ -26,9 +26,7 @@ struct Found {
 
 bool IsRecording(const fs::path& path)
 {
-    const std::string extension = path.extension().string();
-    return extension.size() > 1 && ContainerOfExtension(extension.substr(1)).has_value() &&
-           !path.stem().string().ends_with(resultMark);
+    return HasNameOfRecording(path.string()) && !path.stem().string().ends_with(resultMark);
 }
 
 bool IsSameFolder(const fs::path& a, const std::string& b)
@@ -143,8 +141,10 @@ std::string IdentityOf(const std::string& name)
     if (name.empty() || name == "-" || (fs::exists(status) && !fs::is_regular_file(status))) {
         return {};
     }
-    const fs::path identity = fs::weakly_canonical(name, failure);
-    return failure ? fs::absolute(name, failure).lexically_normal().string() : identity.string();
+    // Absolute first: a relative name whose first part isn't there yet would stay as it was typed.
+    const fs::path absolute = fs::absolute(name, failure);
+    const fs::path identity = fs::weakly_canonical(absolute, failure);
+    return failure ? absolute.lexically_normal().string() : identity.string();
 }
 
 /// Who has claimed which file of a run, so that nothing of it replaces anything else of it.
@@ -160,8 +160,7 @@ public:
     std::string
     ClaimReport(const std::string& name, const std::string& owner, const std::string& itself = {})
     {
-        const std::string extension = fs::path(name).extension().string();
-        if (extension.size() > 1 && ContainerOfExtension(extension.substr(1))) {
+        if (HasNameOfRecording(name)) {
             return Printable(name) + " has the name of a recording";
         }
         return Claim(name, owner, itself);

@@ -2,6 +2,7 @@
 #include "wrappers/cli/Tasks.h"
 
 #include "tests/wrappers/cli/support/TestFiles.h"
+#include "wrappers/cli/FileError.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +37,16 @@ protected:
         for (const Cli::Task& task : MakeTasks(options))
             names.push_back(std::filesystem::relative(task.input, folder.GetPath()).string());
         return names;
+    }
+
+    // Why the one recording can't be done, or the run as a whole.
+    std::string Refusal() const
+    {
+        try {
+            return MakeTasks(options).front().failure;
+        } catch (const Cli::UsageError& error) {
+            return error.what();
+        }
     }
 
     TemporaryFolder folder;
@@ -78,6 +89,34 @@ TEST_F(TasksTest, RefusesARecordingAsItsOwnOutput)
     options.isSingle = true;
     options.output = folder / "b/../z.wav";
     EXPECT_NE(MakeTasks(options)[0].failure.find("--in-place"), std::string::npos);
+}
+
+TEST_F(TasksTest, KnowsAFileThatIsStillToComeByAnyNameOfIt)
+{
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.GetPath());
+    options.inputs = {"z.wav"};
+    options.isSingle = true;
+    const std::vector<std::string*> results = {&options.output,
+                                               &options.labels,
+                                               &options.plot,
+                                               &options.events,
+                                               &options.session.savePreset,
+                                               &options.session.stateOut};
+    for (std::string* first : results) {
+        for (std::string* second : results) {
+            if (first == second)
+                continue;
+            *first = "k.xml";
+            *second = "./k.xml";
+            EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
+            *second = folder / "k.xml";
+            EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
+            first->clear();
+            second->clear();
+        }
+    }
+    std::filesystem::current_path(before);
 }
 
 TEST(TaskNamesTest, DefaultOutputStandsBesideTheInput)

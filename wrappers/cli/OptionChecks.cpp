@@ -73,6 +73,8 @@ void CheckSession(const Options& options)
     const SessionOptions& session = options.session;
     Refuse(!session.comment.empty() && session.savePreset.empty(), "--comment needs --save-preset");
     Refuse(session.savePreset == "-", "--save-preset needs a file or a name, not -");
+    Refuse(HasNameOfRecording(session.savePreset),
+           "--save-preset: that is the name of a recording; a preset's file ends in .xml");
     Refuse(session.stateIn == "-" &&
                std::count(options.inputs.begin(), options.inputs.end(), "-") > 0,
            "only one of the recording and --state-in can come from stdin");

@@ -11,6 +11,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <span>
 #include <thread>
 
 namespace Cli {
@@ -199,9 +200,21 @@ std::vector<std::string> OptionNames(const CLI::App& app)
     return names;
 }
 
-// An empty value is most likely a shell variable that isn't set.
-void RefuseEmptyValues(CLI::App& app)
+// An empty value is most likely a shell variable that isn't set. The parser would take the next
+// word for the value of an option that ends in "=", so that such a one is looked for beforehand.
+void RefuseEmptyValues(CLI::App& app, std::span<const char* const> words)
 {
+    for (std::string_view word : words) {
+        if (word == "--") {
+            break;
+        }
+        if (word.starts_with("--") && word.ends_with('=')) {
+            word.remove_suffix(1);
+            if (app.get_option_no_throw(std::string(word)) != nullptr) {
+                throw UsageError(fmt::format("{}: the value is empty", word));
+            }
+        }
+    }
     for (CLI::Option* option : app.get_options()) {
         if (option->get_type_size() > 0 && !option->get_positional()) {
             option->check([](const std::string& value) {
@@ -245,7 +258,7 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
     AddReportOptions(app, options, typed);
     app.add_flag("--version", wantsVersion, "Print the version and exit");
     app.set_help_flag("-h,--help", "Print this help message and exit")->group("Run");
-    RefuseEmptyValues(app);
+    RefuseEmptyValues(app, {argv, static_cast<size_t>(argc)});
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {

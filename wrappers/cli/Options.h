@@ -53,7 +53,7 @@ struct Answer {
     std::string text;
 };
 
-/// Reads the command line. `moduleVersion` is only asked for "--version". Throws UsageError.
+/// Reads the command line; an Answer for "--help" and "--version". Throws UsageError.
 std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);
 
 } // namespace Cli

@@ -69,8 +69,11 @@ TEST(OptionsTest, RefusesAnEmptyValueAndTakesNamesBehindTwoDashes)
 {
     EXPECT_EQ(Complaint({"a.wav", "--sensitivity", ""}), "--sensitivity: the value is empty");
     EXPECT_EQ(Complaint({"a.wav", "-o", ""}), "--output: the value is empty");
-    const Options options = Parse({"-f", "--", "-a.wav", "--b.wav"});
-    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--b.wav"}));
+    EXPECT_EQ(Complaint({"--preset=", "a.wav"}), "--preset: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "--state-in=", "--json"}), "--state-in: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "--prest="}), "unknown option --prest; did you mean --preset?");
+    const Options options = Parse({"-f", "--", "-a.wav", "--b.wav", "--preset="});
+    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--b.wav", "--preset="}));
 }
 
 TEST(OptionsTest, RefusesWhatContradictsItself)
@@ -94,6 +97,8 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
         {"a.wav", "b.wav", "--labels", "l.txt"},
         {"a.wav", "--comment", "text"},
         {"a.wav", "--save-preset", "-"},
+        {"a.wav", "--save-preset", "b.wav"},
+        {"a.wav", "--save-preset", "d/b.FLAC"},
         {"a.wav", "--state-out", "-", "--json"},
         {"-", "--state-in", "-"},
         {"a.wav", "--list-presets"},

@@ -114,6 +114,47 @@ void TellSaved(Console& console, const Session& session)
     }
 }
 
+// Answers null when no list is wanted.
+std::unique_ptr<EventsDocument> OpenEvents(const Options& options)
+{
+    if (options.events.empty()) {
+        return nullptr;
+    }
+    const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
+    return std::make_unique<EventsDocument>(options.events, options.overwrite, form);
+}
+
+// Tells what went wrong with `work`, which is about the file `name`; answers whether nothing did.
+template <typename Work>
+bool Succeeds(Console& console, const std::string& name, Work work)
+{
+    try {
+        work();
+    } catch (const FileError& error) {
+        console.Complain(name, error.what());
+        return false;
+    }
+    return true;
+}
+
+bool TellSummary(const Options& options,
+                 const Session& session,
+                 const std::vector<FileReport>& reports,
+                 Console& console)
+{
+    const auto check = [](int failure) {
+        if (failure != 0) {
+            throw FileError::FromErrno(failure);
+        }
+    };
+    return Succeeds(console, "standard output", [&] {
+        check(console.GetResultFailure());
+        if (options.wantsJson) {
+            check(WriteFully(1, SummaryJson(session, reports)));
+        }
+    });
+}
+
 bool RunAll(const Options& options,
             const Module& module,
             const Session& session,
@@ -125,35 +166,14 @@ bool RunAll(const Options& options,
         "module {}, version {}", Printable(module.GetPath()), module.GetInfo().versionText));
     TellSaved(console, session);
     std::unique_ptr<EventsDocument> events;
-    const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
-    try {
-        if (!options.events.empty()) {
-            events = std::make_unique<EventsDocument>(options.events, options.overwrite, form);
-        }
-    } catch (const FileError& error) {
-        console.Complain(options.events, error.what());
+    if (!Succeeds(console, options.events, [&] { events = OpenEvents(options); })) {
         return false;
     }
     const auto reports =
         RunTasks({options, module, session, console, events.get()}, tasks, console);
-    bool isGood = !HasFailure(reports);
-    try {
-        if (events) {
-            events->Finish();
-        }
-    } catch (const FileError& error) {
-        console.Complain(options.events, error.what());
-        isGood = false;
-    }
-    if (const int failure = console.GetResultFailure()) {
-        console.Complain("standard output", FileError::FromErrno(failure).what());
-        isGood = false;
-    }
-    if (options.wantsJson && WriteFully(1, SummaryJson(session, reports)) != 0) {
-        console.Complain("standard output", FileError::FromErrno(errno).what());
-        isGood = false;
-    }
-    return isGood;
+    const bool hasEvents = !events || Succeeds(console, options.events, [&] { events->Finish(); });
+    const bool hasSummary = TellSummary(options, session, reports, console);
+    return hasEvents && hasSummary && !HasFailure(reports);
 }
 
 } // namespace

@@ -126,6 +126,14 @@ void Instance::SetParam(std::string_view identifier, std::optional<double> value
     }
 }
 
+void Instance::SetAll(float normalised)
+{
+    for (uint32_t index = 0; index < params.size(); ++index) {
+        ParamValueRecord record = {index, normalised};
+        Call(SelectorSetElementParamValue, uiContext, &record, "take a parameter");
+    }
+}
+
 double Instance::ReadParam(uint32_t index) const
 {
     ParamValueRecord record = {index, 0};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wrappers/cli/Module.h"
+#include "wrappers/cli/OutputFile.h"
 #include "wrappers/cli/Parameters.h"
 #include "wrappers/cli/Presets.h"
 
@@ -59,6 +60,9 @@ public:
     /// ModuleError.
     bool LoadState(std::string_view state);
 
+    /// Sets every parameter to one end of its range: `normalised` is 0 or 1. Throws ModuleError.
+    void SetAll(float normalised);
+
     /// The session as it stands. Throws ModuleError.
     std::string SaveState() const;
 
@@ -66,9 +70,11 @@ public:
     /// nothing has changed; its text names the preset. Throws ModuleError.
     Preset ApplyPreset(const std::string& name);
 
-    /// Writes the settings as a preset, under a name or into a file, and returns the file. Throws
-    /// FileError, whose text names it, and ModuleError.
-    std::string SavePreset(const std::string& name, const std::string& comment);
+    /// Writes the settings as a preset, under a name or into a file, and returns the file. One that
+    /// is there already stays unless `overwrite` allows it. Throws FileError, whose text names it,
+    /// and ModuleError.
+    std::string
+    SavePreset(const std::string& name, const std::string& comment, Overwrite overwrite);
 
     /// Throws ModuleError.
     std::vector<Preset> ListPresets();

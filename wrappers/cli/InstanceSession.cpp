@@ -11,12 +11,22 @@ namespace {
 
 constexpr uint32_t uiContext = 1;
 
+// The entry cuts a long comment to its field, at the beginning of a character: one of which no more
+// than a character's greatest length is left is taken for cut.
+std::string CommentOf(const PresetRecord& record)
+{
+    constexpr size_t greatestCharacter = 4;
+    const std::string comment = TextOf(record.presetComment);
+    const bool isCut = comment.size() + greatestCharacter >= sizeof record.presetComment;
+    return isCut ? comment + "..." : comment;
+}
+
 Preset MakePreset(const PresetRecord& record)
 {
     Preset preset;
     preset.name = TextOf(record.presetName);
     preset.path = TextOf(record.path);
-    preset.comment = TextOf(record.presetComment);
+    preset.comment = CommentOf(record);
     preset.problem = TextOf(record.message);
     preset.group = static_cast<PluginCorePresetGroup>(record.group);
     preset.isReadOnly = record.isReadOnly != 0;
@@ -76,10 +86,12 @@ Preset Instance::ApplyPreset(const std::string& name)
     return MakePreset(record);
 }
 
-std::string Instance::SavePreset(const std::string& name, const std::string& comment)
+std::string
+Instance::SavePreset(const std::string& name, const std::string& comment, Overwrite overwrite)
 {
     PresetRecord record = {};
     record.op = PresetOpSave;
+    record.mayReplace = overwrite == Overwrite::Allow ? 1 : 0;
     record.name = name.c_str();
     record.comment = comment.c_str();
     CallPreset(record, "save a preset");

@@ -148,14 +148,13 @@ void OutputFile::Commit()
     isCommitted = true;
 }
 
-void WriteWholeFile(const std::string& target, Overwrite overwrite, std::string_view content)
+void OutputFile::WriteWhole(std::string_view content)
 {
-    OutputFile file(target, overwrite);
-    const int failure = WriteFully(file.GetDescriptor(), content);
+    const int failure = WriteFully(GetDescriptor(), content);
     if (failure != 0) {
         throw FileError::FromErrno(failure);
     }
-    file.Commit();
+    Commit();
 }
 
 } // namespace Cli

@@ -43,6 +43,9 @@ public:
     /// that was allowed. Throws FileError.
     void Commit();
 
+    /// Makes `content` all of the file and puts it under its name. Throws FileError.
+    void WriteWhole(std::string_view content);
+
 private:
     bool OpenStream(const std::string& newTarget);
     void KeepAttributes() const;
@@ -56,8 +59,5 @@ private:
     bool isStream; // behind `file`, which its initialisation opens
     bool isCommitted = false;
 };
-
-/// Writes `content` as a whole file. Throws FileError.
-void WriteWholeFile(const std::string& target, Overwrite overwrite, std::string_view content);
 
 } // namespace Cli

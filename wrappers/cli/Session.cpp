@@ -26,28 +26,62 @@ std::string DisplayName(const std::string& path, const char* stream)
     return path == "-" ? stream : Printable(path);
 }
 
-void LoadState(Instance& instance, const std::string& path)
+bool HasSameValue(const Parameter& a, const Parameter& b)
+{
+    return a.value == b.value;
+}
+
+// The module takes any dictionary for a session and keeps the values that it doesn't name. A
+// session is of use when it moves something away from one end of the ranges or from the other.
+bool HoldsValues(const Module& module, std::string_view state)
+{
+    const std::unique_ptr<Instance> instance = MakeInstance(module);
+    for (const float end : {0.0F, 1.0F}) {
+        instance->SetAll(end);
+        const std::vector<Parameter> before = instance->ReadParameters();
+        instance->LoadState(state);
+        const std::vector<Parameter> after = instance->ReadParameters();
+        if (!std::equal(before.begin(), before.end(), after.begin(), HasSameValue)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void LoadState(Instance& instance, const Module& module, const std::string& path)
 {
     const std::string name = DisplayName(path, "stdin");
     try {
-        if (!instance.LoadState(ReadStateFile(path))) {
+        const std::string state = ReadStateFile(path);
+        if (!instance.LoadState(state)) {
             throw FileError("is not a saved session of Puff-guard");
+        }
+        if (!HoldsValues(module, state)) {
+            throw FileError("holds no values of Puff-guard");
         }
     } catch (const FileError& error) {
         throw UsageError(fmt::format("{}: {}", name, error.what()));
     }
 }
 
+// The module knows a file without a folder by ".xml" in small letters alone.
+std::string NameForModule(const std::string& name)
+{
+    const bool isUnknownFile =
+        IsPresetFile(name) && name.find('/') == std::string::npos && !name.ends_with(".xml");
+    return isUnknownFile ? "./" + name : name;
+}
+
 Preset ApplyPreset(Instance& instance, const std::string& name)
 {
     try {
-        return instance.ApplyPreset(name);
+        return instance.ApplyPreset(NameForModule(name));
     } catch (const FileError& error) {
         throw UsageError(Printable(error.what()));
     }
 }
 
-// The module replaces what is there already without asking.
+// The module refuses by itself to replace a preset, but knows no way out that could be told.
 void CheckPresetTarget(Instance& instance, const Options& options)
 {
     const std::string& target = options.session.savePreset;
@@ -62,24 +96,37 @@ void CheckPresetTarget(Instance& instance, const Options& options)
     }
 }
 
-void SaveState(const Instance& instance, const Options& options)
+std::unique_ptr<OutputFile> OpenState(const Options& options)
 {
     const std::string& target = options.session.stateOut;
-    const std::string state = instance.SaveState();
-    Naming(DisplayName(target, "standard output"),
-           [&] { WriteWholeFile(target, options.overwrite, state); });
+    return Naming(DisplayName(target, "standard output"),
+                  [&] { return std::make_unique<OutputFile>(target, options.overwrite); });
 }
 
+void SaveState(const Instance& instance, const std::string& target, OutputFile& file)
+{
+    const std::string state = instance.SaveState();
+    Naming(DisplayName(target, "standard output"), [&] { file.WriteWhole(state); });
+}
+
+// Nothing is written before both targets are known to be good.
 void Save(Instance& instance, const Options& options, Session& session)
 {
-    if (!options.session.savePreset.empty()) {
+    const SessionOptions& wanted = options.session;
+    if (!wanted.savePreset.empty()) {
         CheckPresetTarget(instance, options);
-        session.savedPreset =
-            instance.SavePreset(options.session.savePreset, ToUtf8(options.session.comment));
     }
-    if (!options.session.stateOut.empty()) {
-        SaveState(instance, options);
-        session.savedState = options.session.stateOut;
+    std::unique_ptr<OutputFile> stateFile;
+    if (!wanted.stateOut.empty()) {
+        stateFile = OpenState(options);
+    }
+    if (!wanted.savePreset.empty()) {
+        session.savedPreset = instance.SavePreset(
+            NameForModule(wanted.savePreset), ToUtf8(wanted.comment), options.overwrite);
+    }
+    if (stateFile) {
+        SaveState(instance, wanted.stateOut, *stateFile);
+        session.savedState = wanted.stateOut;
     }
 }
 
@@ -94,7 +141,7 @@ Session MakeSession(const Options& options, const Module& module)
     }
     const std::unique_ptr<Instance> instance = MakeInstance(module);
     if (!options.session.stateIn.empty()) {
-        LoadState(*instance, options.session.stateIn);
+        LoadState(*instance, module, options.session.stateIn);
     }
     if (!options.session.preset.empty()) {
         session.preset = ApplyPreset(*instance, options.session.preset);

@@ -2,6 +2,8 @@
 // The presets that there are, and what is refused before anything is touched.
 #include "tests/wrappers/cli/support/SessionFixture.h"
 
+#include "frameworks/qobase/util/Compression.h"
+
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -9,6 +11,17 @@
 namespace {
 
 using namespace CliTest;
+
+// A text as a session holds it: its length, and the text as one zlib stream.
+std::string Pack(const std::string& text)
+{
+    std::string session;
+    for (size_t shift = 0; shift < 32; shift += 8)
+        session.push_back(static_cast<char>(text.size() >> shift & 0xFFU));
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    const Util::Bytes packed = Util::Deflate({bytes, text.size()});
+    return session.append(packed.begin(), packed.end());
+}
 
 class CommandPresets : public SessionFixture {
 protected:
@@ -107,6 +120,72 @@ TEST_F(CommandPresets, WhatCantBeUsedStopsTheRunBeforeItBegins)
     WriteBytes(state, "\xFF\xFF\xFF\xFF" + session.substr(4));
     name("--state-in", state, state + ": is not a saved session of Puff-guard");
     name("--state-in", "/dev/zero", "/dev/zero: is too large for a saved session");
+}
+
+TEST_F(CommandPresets, ASessionOfSomethingElseIsNoSession)
+{
+    for (const char* text : {"",
+                             "a letter",
+                             "{}",
+                             R"({"DSP State": {"Type": "Dictionary", "Value": {}}})",
+                             R"({"DSP State": {"Type": "Dictionary", "Value": {
+                                 "DSP Elements": {"Type": "Dictionary", "Value": {
+                                 "Reverb": {"Type": "Dictionary", "Value": {
+                                 "Strength": {"Type": "Float", "Value": 5}}}}}}}})"}) {
+        WriteBytes(state, Pack(text));
+        ExpectRefusal({input, "--state-in", state}, 2, state + ": holds no values of Puff-guard");
+    }
+    // One is enough, and be it a value at the end of its range.
+    for (const char* end : {"0", "10"}) {
+        const Words all = {"--sensitivity", end, "--strength", end, "--state-out", state, "-f"};
+        Say(all);
+        EXPECT_EQ(Value({"--state-in", state}, strength), std::stod(end));
+    }
+}
+
+TEST_F(CommandPresets, BothTargetsAreGoodBeforeEitherIsWritten)
+{
+    const Words both = {"--save-preset", preset, "--state-out", state};
+    WriteBytes(state, "mine");
+    ExpectRefusal(both, 1, state + ": exists already");
+    std::filesystem::rename(state, preset);
+    ExpectRefusal(both, 1, preset + ": exists already");
+    ExpectRefusal({"--save-preset", folder / "new.xml", "--state-out", folder / "no/session"},
+                  1,
+                  "No such file or directory");
+    ExpectRefusal(
+        {"--save-preset", "/proc/no/new.xml", "--state-out", state}, 1, "/proc/no/new.xml");
+    Say({"--save-preset", "Mine"});
+    ExpectRefusal({"--save-preset", "Mine", "--state-out", state}, 1, "exists already");
+    EXPECT_EQ(ReadBytes(preset), "mine");
+}
+
+TEST_F(CommandPresets, AFileMayEndInLargeLetters)
+{
+    RunSetup inside;
+    inside.folder = folder.GetPath();
+    Say({"--strength", "7", "--save-preset", "mine.XML"}, inside);
+    EXPECT_TRUE(std::filesystem::exists(folder / "mine.XML"));
+    const std::string table = Say({"--preset", "mine.XML", "--print-params"}, inside);
+    EXPECT_EQ(table, Say({"--strength", "7", "--print-params"}));
+}
+
+TEST_F(CommandPresets, ALongCommentIsCutVisibly)
+{
+    const std::string whole(900, 'x');
+    std::string odd = "x";
+    for (int i = 0; i < 600; ++i) {
+        odd += "\u00f6"; // two bytes each: the cut falls in the middle of one
+    }
+    Say({"--save-preset", "Whole", "--comment", whole});
+    Say({"--save-preset", "Cut", "--comment", std::string(2000, 'x')});
+    Say({"--save-preset", "Odd", "--comment", odd});
+    EXPECT_EQ(Find("Whole")["comment"], whole);
+    for (const char* name : {"Cut", "Odd"}) {
+        const std::string comment = Find(name)["comment"];
+        EXPECT_TRUE(comment.ends_with("...")) << comment;
+        EXPECT_GT(comment.size(), 1000U);
+    }
 }
 
 TEST_F(CommandPresets, NothingIsWrittenOverWithoutForce)

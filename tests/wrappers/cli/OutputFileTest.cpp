@@ -63,7 +63,7 @@ TEST(OutputFileTest, FollowsALinkAndKeepsPermissions)
     WriteBytes(folder / "real", "old");
     ASSERT_EQ(::chmod((folder / "real").c_str(), 0640), 0);
     std::filesystem::create_symlink("real", folder / "link");
-    Cli::WriteWholeFile(folder / "link", Overwrite::Allow, "new");
+    OutputFile(folder / "link", Overwrite::Allow).WriteWhole("new");
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
     EXPECT_EQ(ReadBytes(folder / "real"), "new");
     struct stat status = {};
@@ -77,8 +77,8 @@ TEST(OutputFileTest, TellsOfFoldersAndFullDevices)
     const TemporaryFolder folder;
     EXPECT_THROW(OutputFile(folder.GetPath(), Overwrite::Allow), FileError);
     EXPECT_THROW(OutputFile(folder / "no/such/folder", Overwrite::Refuse), FileError);
-    EXPECT_THROW(Cli::WriteWholeFile("/dev/full", Overwrite::Refuse, "x"), FileError);
-    Cli::WriteWholeFile("/dev/null", Overwrite::Refuse, "x");
+    EXPECT_THROW(OutputFile("/dev/full", Overwrite::Refuse).WriteWhole("x"), FileError);
+    OutputFile("/dev/null", Overwrite::Refuse).WriteWhole("x");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
@@ -86,7 +86,7 @@ TEST(OutputFileTest, TakesTheLongestName)
 {
     const TemporaryFolder folder;
     const std::string name(255, 'n');
-    Cli::WriteWholeFile(folder / name, Overwrite::Refuse, "x");
+    OutputFile(folder / name, Overwrite::Refuse).WriteWhole("x");
     EXPECT_EQ(folder.List(), Names{name});
 }
 

@@ -2,10 +2,14 @@
 // Presets of an instance as the host asks for them.
 #include "frameworks/plugincore/Plugin.h"
 #include "frameworks/plugincore/PluginInfo.h"
+#include "frameworks/plugincore/preset/PresetErrors.h"
 #include "frameworks/plugincore/preset/PresetManager.h"
+#include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 #include "frameworks/qobase/util/Realtime.h"
 
+#include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -42,23 +46,37 @@ String GetFactoryPresetFolder(const PluginDefinition& definition, const String& 
 
 String DescribeUnknownName(const String& name, const PresetManager& presets)
 {
-    String known;
+    std::vector<String> known;
     for (const PresetEntry& entry : presets.GetEntries()) {
-        known = known.IsEmpty() ? entry.name : known + ", " + entry.name;
+        if (entry.fault.IsEmpty()) {
+            known.push_back(entry.name);
+        }
     }
-    return "There is no preset \"" + name + "\". There are: " + known;
+    const String start = IsPath(name) ? "No such file or preset: \"" : "There is no preset \"";
+    const String nearest = Preset::FindNearestName(name, known);
+    const String guess = nearest.IsEmpty() ? String("") : " Did you mean \"" + nearest + "\"?";
+    const String text = start + name + "\"." + guess + " There are: ";
+    const std::size_t left = sizeof PresetRecord::message - 1;
+    return text + Preset::JoinNames(known, left - std::min<std::size_t>(left, text.Length()));
 }
 
 // The text for the user, with what it is about and why.
 String Describe(const String& name, const Util::ErrorVariant& error)
 {
     const String text = error.GetDescription();
-    const String reason = error.GetDetail();
-    const bool isReason = error.As<Preset::ManagerError>() != nullptr && !reason.IsEmpty();
-    if (!isReason) {
+    String subject = name;
+    String reason;
+    if (error.As<Preset::ManagerError>() != nullptr) {
+        reason = error.GetDetail();
+    } else if (const auto* fault = error.As<Util::File::Error>()) {
+        reason = Preset::GetReason(error);
+        subject = fault->GetArguments().empty() ? name : fault->GetArguments().front();
+    }
+    if (reason.IsEmpty()) {
         return text;
     }
-    return text.Find(name) ? text + " (" + reason + ")" : text + " (" + name + ": " + reason + ")";
+    const bool isTold = subject.IsEmpty() || text.Find(subject);
+    return text + " (" + (isTold ? reason : subject + ": " + reason) + ")";
 }
 
 void Fail(const String& message, PresetRecord& record)
@@ -78,7 +96,7 @@ void Show(const PresetEntry& entry, PresetRecord& record)
     CopyText(record.presetName, entry.name);
     CopyText(record.presetComment, entry.GetComment());
     CopyText(record.path, entry.path);
-    CopyText(record.message, entry.fault);
+    CopyText(record.message, entry.fault.IsEmpty() ? entry.note : entry.fault);
     record.isReadOnly =
         entry.group == Preset::PresetGroup::BuiltIn || Preset::IsReadOnly(entry.metadata);
     switch (entry.group) {
@@ -104,10 +122,28 @@ void ApplyFile(PresetManager& presets, const String& path, PresetRecord& record)
     CopyText(record.path, path);
 }
 
-void ApplyName(PresetManager& presets, const String& name, PresetRecord& record)
+// By name; what reads as a path may be a name that was written down for a person, or one with the
+// ending of its file.
+std::optional<PresetEntry> FindNamed(const PresetManager& presets, const String& name)
 {
+    auto entry = presets.Find(name);
+    if (entry || !IsPath(name)) {
+        return entry;
+    }
+    std::string text = name.ToStdString();
+    std::replace(text.begin(), text.end(), '/', '-'); // names of files can't hold it
+    entry = presets.Find(text);
+    return entry ? entry : presets.Find(Util::Path::GetStem(text));
+}
+
+void Apply(PresetManager& presets, const String& name, PresetRecord& record)
+{
+    if (IsPath(name) && Util::File(name).Exists()) {
+        ApplyFile(presets, name, record);
+        return;
+    }
     presets.Refresh();
-    const auto entry = presets.Find(name);
+    const auto entry = FindNamed(presets, name);
     if (!entry) {
         Fail(DescribeUnknownName(name, presets), record);
         return;
@@ -122,10 +158,12 @@ void ApplyName(PresetManager& presets, const String& name, PresetRecord& record)
 void Save(PresetManager& presets, const String& name, PresetRecord& record)
 {
     const String comment = record.comment;
+    const auto existing =
+        record.mayReplace != 0 ? Preset::Existing::Replace : Preset::Existing::Keep;
     Util::Expected<String> saved = name;
     if (!IsPath(name)) {
-        saved = presets.Save(name, comment);
-    } else if (const auto written = presets.SaveFile(name, comment); !written) {
+        saved = presets.Save(name, comment, existing);
+    } else if (const auto written = presets.SaveFile(name, comment, existing); !written) {
         saved = written.GetError();
     }
     if (saved) {
@@ -189,7 +227,7 @@ uint32_t Plugin::PresetMessage(DSP::Context context, const HostMessageRecord& re
         const Util::ScopedDenormalGuard denormalGuard;
         const UserAction action(*this); // one for all that the preset changes
         LoadPendingChunks();
-        IsPath(name) ? ApplyFile(*presets, name, preset) : ApplyName(*presets, name, preset);
+        Apply(*presets, name, preset);
         return PluginCoreSuccess;
     }
     case PresetOpSave:

@@ -36,6 +36,13 @@ std::string Apply(Instance& instance, const std::string& name)
     return static_cast<const char*>(record.message);
 }
 
+std::string Save(Instance& instance, const std::string& name)
+{
+    const PresetRecord record = Command(instance, PresetOpSave, name.c_str());
+    EXPECT_EQ(record.failed != 0, record.message[0] != 0) << name;
+    return static_cast<const char*>(record.message);
+}
+
 constexpr std::array<uint32_t, 3> Saved{Sensitivity, Strength, UpperFrequency};
 
 std::array<float, 3> ValuesOf(Instance& instance)
@@ -109,7 +116,7 @@ TEST(Presets, AreOneActionOfTheUser)
     EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 2U);
     EXPECT_EQ(CountCalls(instance, HostOpcodeParamEvent, 1), 3U);
     const uint32_t latency = instance.Latency();
-    EXPECT_EQ(Apply(instance, "Live - low latency"), "");
+    EXPECT_EQ(Apply(instance, "Live / low latency"), ""); // as its comment may write it
     EXPECT_LT(instance.Latency(), latency);
 }
 
@@ -138,6 +145,16 @@ TEST(Presets, BringValuesToAnotherInstanceWhileAudioRuns)
     SetAll(first, 0.0F);
     EXPECT_EQ(Apply(first, "my voice"), "");
     EXPECT_EQ(ValuesOf(first), ValuesOf(second));
+    // Its name is taken from now on, in any case, until somebody says otherwise.
+    EXPECT_EQ(Command(second, PresetOpSave, "MY VOICE").failed, 1);
+    PresetRecord again{};
+    again.op = PresetOpSave;
+    again.mayReplace = 1;
+    again.name = "MY VOICE";
+    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof again, &again};
+    EXPECT_EQ(Call(SelectorHostMessage, UI, first.Get(), &message), PluginCoreSuccess);
+    EXPECT_EQ(again.failed, 0) << &again.message[0];
+    EXPECT_STREQ(&again.path[0], &named.path[0]);
     std::filesystem::remove(&named.path[0]);
 }
 
@@ -153,12 +170,31 @@ TEST(Presets, ThatCannotBeUsedChangeNothing)
     const std::string cut = folder / "cut.xml";
     std::ofstream(cut) << text.substr(0, text.size() / 2);
     EXPECT_EQ(Apply(instance, cut).find("The file " + cut + " is not a valid preset file. ("), 0U);
-    EXPECT_EQ(Apply(instance, folder / "gone.xml"),
-              "The file " + folder / "gone.xml" + " cannot be read. (Could not open file.)");
-    EXPECT_EQ(Apply(instance, "Stron").find("There is no preset \"Stron\". There are: "), 0U);
+    const std::string gone = folder / "gone.xml";
+    EXPECT_EQ(Apply(instance, gone).find("No such file or preset: \"" + gone + "\". There are: "),
+              0U);
+    EXPECT_EQ(Apply(instance, "Stron"),
+              "There is no preset \"Stron\". Did you mean \"Strong\"? There are: Factory settings, "
+              "Close microphone, Default, Gentle, Live - low latency, Low voice, Strong");
+    EXPECT_EQ(Apply(instance, folder.Path().string()),
+              "The file " + folder.Path().string() +
+                  " cannot be read. (Could not open file: Is a directory)");
+    const std::string later = folder / "later.xml";
+    const std::string version = "PluginVer=\"6000\"";
+    std::string changed = text;
+    std::ofstream(later) << changed.replace(
+        changed.find(version), version.size(), "PluginVer=\"7002\"");
+    EXPECT_EQ(Apply(instance, later),
+              "Preset was created in a newer, incompatible version (" + later +
+                  ": written by 7.2, this is 6.0)");
     EXPECT_NE(Apply(instance, ""), "");
     EXPECT_EQ(Command(instance, PresetOpSave, "what?").failed, 1);
-    EXPECT_EQ(Command(instance, PresetOpSave, (whole + "/below.xml").c_str()).failed, 1);
+    EXPECT_NE(Save(instance, whole + "/below.xml").find("(" + whole + ": File exists)"),
+              std::string::npos);
+    const std::string tooLong = folder / (std::string(300, 'n') + ".xml");
+    EXPECT_EQ(Save(instance, tooLong),
+              "Unable to save the file to " + tooLong + " (File name too long)");
+    EXPECT_EQ(Save(instance, whole), "The preset " + whole + " exists already.");
     EXPECT_EQ(ValuesOf(instance), before);
     EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 0U);
     EXPECT_EQ(Read(whole), text);

@@ -19,6 +19,14 @@ LegacyPresetFileHandlerBase::LegacyPresetFileHandlerBase(PresetFileBase& newFile
 
 Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const XmlNode& root)
 {
+    if (auto result = ReadCategories(root); !result) {
+        return result;
+    }
+    return file.ReadMacroControls(root);
+}
+
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const XmlNode& root)
+{
     for (const XmlNode& category : root.GetElements()) {
         if (auto result = ReadCategory(category); !result) {
             return result;
@@ -89,29 +97,6 @@ bool LegacyPresetFileHandlerBase::MapFloatParam(const String& /*element*/,
                                                 float /*value*/)
 {
     return false;
-}
-
-LegacyFamily FindLegacyFamily(const String& type)
-{
-    // The first match decides.
-    static constexpr std::pair<const char*, LegacyFamily> words[] = {
-        {"ChannelOps", LegacyFamily::ChannelOps},
-        {"LMDeclick", LegacyFamily::Declicker},
-        {"LMDecrackle", LegacyFamily::Declicker},
-        {"LMInterpolate", LegacyFamily::Declicker},
-        {"LMDenoiser", LegacyFamily::Denoiser},
-        {"Gain", LegacyFamily::Gain},
-        {"Fade", LegacyFamily::Gain},
-        {"Normalize", LegacyFamily::Gain},
-        {"Deconstruct", LegacyFamily::Deconstruct},
-        {"AdditiveDecomposition", LegacyFamily::Deconstruct},
-    };
-    for (const auto& [word, family] : words) {
-        if (type.Find(word)) {
-            return family;
-        }
-    }
-    return LegacyFamily::Other;
 }
 
 } // namespace Preset

@@ -23,7 +23,8 @@ public:
     LegacyPresetFileHandlerBase& operator=(const LegacyPresetFileHandlerBase&) = delete;
     virtual ~LegacyPresetFileHandlerBase() = default;
 
-    /// Reads what is below the root.
+    /// Reads what is below the root: categories, then the macro controls, which have kept their
+    /// form. They count as categories too, ones without parameters.
     virtual Util::Expected<void> ReadDocument(const XmlNode& root);
     /// Whether parameters of this version can be read.
     virtual bool IsLegacyParamsVersion(uint32_t /*version*/) const { return false; }
@@ -31,7 +32,7 @@ public:
     virtual bool AcceptsType(const String& /*type*/) const { return false; }
     /// Whether extra bytes of the older form still mean the same.
     virtual bool HasExtraBytes() const { return true; }
-    virtual Util::Expected<void> ReadCategory(const XmlNode& category);
+    virtual Util::Expected<void> ReadCategories(const XmlNode& root);
     /// Present name of an element.
     virtual String MapElementName(const String& name) const;
     /// Each takes a value under the element's present and the parameter's older name, and says
@@ -46,16 +47,11 @@ protected:
     PresetFileBase& GetFile() { return file; }
 
 private:
+    Util::Expected<void> ReadCategory(const XmlNode& category);
     void ReadParam(const XmlNode& param);
 
     PresetFileBase& file;
     const Renames renames;
 };
-
-/// Families of presets that older programs wrote, by their type word.
-enum class LegacyFamily { ChannelOps, Declicker, Denoiser, Gain, Deconstruct, Other };
-
-/// By the first word of a table that the type holds anywhere. [any]
-LegacyFamily FindLegacyFamily(const String& type);
 
 } // namespace Preset

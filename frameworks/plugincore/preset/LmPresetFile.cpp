@@ -12,6 +12,11 @@ namespace {
 
 constexpr uint32_t VersionsOfMajor = 1000;
 
+String ToText(uint32_t version)
+{
+    return String("%1.%2").arg(version / VersionsOfMajor).arg(version % VersionsOfMajor);
+}
+
 VersionMatch Order(uint32_t read, uint32_t own)
 {
     return read > own ? VersionMatch::Newer : VersionMatch::Earlier;
@@ -63,19 +68,21 @@ std::optional<VersionMatch> LmPresetFile::CompareVersion(const PresetHead& headR
     return VersionMatch::Same;
 }
 
-std::unique_ptr<LegacyPresetFileHandlerBase> LmPresetFile::MakeLegacyHandler(const String& type)
+String LmPresetFile::DescribeVersions(const PresetHead& headRead) const
 {
-    switch (FindLegacyFamily(type)) {
-    case LegacyFamily::ChannelOps:
-    case LegacyFamily::Declicker:
-    case LegacyFamily::Denoiser:
-    case LegacyFamily::Gain:
-    case LegacyFamily::Deconstruct:
-        // Presets of other products: this one has none of their elements, so that there is nothing
-        // their values could be mapped to. A product that has gives its handler here.
-    case LegacyFamily::Other:
-        break;
+    if (!IsPluginVersionValid(headRead.pluginVersion)) {
+        return "written by " + ToText(headRead.pluginVersion.value_or(0)) + ", this is " +
+               ToText(identity.pluginVersion);
     }
+    return String("its parameters are of version %1, these of %2")
+        .arg(headRead.paramsVersion.value_or(0))
+        .arg(identity.paramsVersion);
+}
+
+std::unique_ptr<LegacyPresetFileHandlerBase> LmPresetFile::MakeLegacyHandler(const String& /*type*/)
+{
+    // Older forms belong to kindred products: this one has none of their elements, so that there is
+    // nothing their values could be mapped to. One that has overrides this and looks at the type.
     return std::make_unique<LegacyPresetFileHandlerBase>(*this,
                                                          LegacyPresetFileHandlerBase::Renames());
 }

@@ -38,6 +38,8 @@ public:
     /// Which of the two is the later, for a head of this program's type. Same: can be read. Empty
     /// when the head doesn't say.
     std::optional<VersionMatch> CompareVersion(const PresetHead& headRead) const;
+    /// For a person, of a head that is newer or earlier: its version and the program's.
+    String DescribeVersions(const PresetHead& headRead) const;
 
 protected:
     std::unique_ptr<LegacyPresetFileHandlerBase> MakeLegacyHandler(const String& type) override;

@@ -26,6 +26,11 @@ bool IsByteOrderMark(Util::ByteSpan bytes)
     return bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF && IsTextByte(bytes[3]);
 }
 
+String LargerThanAllowed()
+{
+    return String("larger than %1 bytes").arg(MaxTextBytes);
+}
+
 uint32_t GetLength(Util::ByteSpan bytes)
 {
     return uint32_t{bytes[0]} | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 |
@@ -46,7 +51,10 @@ bool IsCompressedPreset(Util::ByteSpan bytes)
 Util::Expected<Util::Bytes> InflatePreset(Util::ByteSpan bytes)
 {
     const uint32_t length = bytes.size() < LengthBytes ? 0 : GetLength(bytes);
-    if (length != 0 && length <= Util::MaxClaimedBytes) {
+    if (length > MaxTextBytes) {
+        return MakeParseError("Could not decompress file.", LargerThanAllowed());
+    }
+    if (length != 0) {
         auto text = Util::Inflate(bytes.subspan(LengthBytes), length);
         if (text) {
             return std::move(*text);
@@ -57,16 +65,18 @@ Util::Expected<Util::Bytes> InflatePreset(Util::ByteSpan bytes)
 
 Util::Expected<Util::Bytes> ReadPresetBytes(const String& path)
 {
-    auto bytes = Util::ReadWholeFile(path);
+    auto bytes = Util::ReadWholeFile(path, MaxTextBytes);
     if (bytes) {
         return bytes;
     }
     Util::File file(path);
     const bool canOpen = static_cast<bool>(file.Open(Util::File::Mode::Read));
-    const auto arguments = bytes.GetError().Get().GetArguments();
-    return Util::File::Error(canOpen ? "Could not read file." : "Could not open file.",
-                             "File",
-                             {arguments.begin(), arguments.end()});
+    const auto size = canOpen ? file.GetSize() : 0;
+    const bool isTooLarge = size && *size > MaxTextBytes;
+    return Util::File::Error(
+        canOpen ? "Could not read file." : "Could not open file.",
+        "File",
+        {path, isTooLarge ? LargerThanAllowed() : GetReason(bytes.GetError())});
 }
 
 Util::Expected<Util::Bytes> ReadPresetText(const String& path)

@@ -6,6 +6,11 @@
 
 namespace Preset {
 
+/// The most that a preset's text may have, plain or inflated. A parser's tree of the shortest
+/// elements takes 16 times its text, and a preset with all that this or a kindred product has takes
+/// a thousandth of this.
+inline constexpr uint64_t MaxTextBytes = 4ULL << 20;
+
 /// Whether a file that starts with `bytes` is a compressed preset: a little-endian 32-bit length,
 /// then a zlib stream. A plain one starts with text.
 bool IsCompressedPreset(Util::ByteSpan bytes);
@@ -13,8 +18,8 @@ bool IsCompressedPreset(Util::ByteSpan bytes);
 /// The XML of a compressed file's bytes. The length is the most that inflating may give.
 Util::Expected<Util::Bytes> InflatePreset(Util::ByteSpan bytes);
 
-/// Everything in the file, which is 64 MiB at most. The text of a failure tells opening and reading
-/// apart.
+/// Everything in the file, which is MaxTextBytes at most. The text of a failure tells opening and
+/// reading apart.
 Util::Expected<Util::Bytes> ReadPresetBytes(const String& path);
 
 /// The XML of the file, whichever form it has.

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/preset/LegacyPresetFileHandler.h"
 #include "frameworks/plugincore/preset/PresetBytes.h"
+#include "frameworks/plugincore/preset/PresetErrors.h"
 #include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/NumberText.h"
@@ -10,6 +11,32 @@
 #include "frameworks/qobase/util/TimeText.h"
 
 namespace Preset {
+namespace {
+
+// False when there is a file that is to be kept.
+Util::Expected<bool> Store(const String& path, Util::ByteSpan bytes, Existing existing)
+{
+    const String folder = Util::Path::GetFolder(path);
+    if (!folder.IsEmpty()) {
+        if (const auto made = Util::Path::MakeDirectory(folder, Util::Path::Recursive::Yes);
+            !made) {
+            return made.GetError();
+        }
+    }
+    Util::Expected<bool> stored = true;
+    if (existing == Existing::Keep) {
+        stored = Util::CreateWholeFile(path, bytes);
+    } else if (const auto replaced = Util::ReplaceWholeFile(path, bytes); !replaced) {
+        stored = replaced.GetError();
+    }
+    if (stored) {
+        return stored;
+    }
+    return Util::File::Error(
+        "Unable to save the file to " + path, "File", {path, GetReason(stored.GetError())});
+}
+
+} // namespace
 
 PresetFileBase::PresetFileBase(PresetDSPInterfaceBase& newDsp, const Util::ConfigFile* newSettings)
     : dsp(newDsp)
@@ -69,6 +96,15 @@ Util::Expected<void> PresetFileBase::ReadPlain(Util::ByteSpan text)
 Util::Expected<void>
 PresetFileBase::Save(const String& newPath, const Snapshot& newSnapshot, TouchModified touch)
 {
+    const auto written = Write(newPath, newSnapshot, touch, Existing::Replace);
+    return written ? Util::Expected<void>() : written.GetError();
+}
+
+Util::Expected<bool> PresetFileBase::Write(const String& newPath,
+                                           const Snapshot& newSnapshot,
+                                           TouchModified touch,
+                                           Existing existing)
+{
     MetadataMap formerMetadata = metadata;
     if (touch == TouchModified::Yes) {
         metadata[MetadataName::LastModified] = Util::GetPresentTimeText();
@@ -76,29 +112,16 @@ PresetFileBase::Save(const String& newPath, const Snapshot& newSnapshot, TouchMo
     Snapshot values = newSnapshot;
     XmlDocument document;
     WriteDocument(document, values);
-
-    const String folder = Util::Path::GetFolder(newPath);
-    Util::Expected<void> result;
-    if (!folder.IsEmpty()) {
-        result = Util::Path::MakeDirectory(folder, Util::Path::Recursive::Yes);
-    }
-    if (result) {
-        if (auto replaced = Util::ReplaceWholeFile(newPath, document.GetText()); !replaced) {
-            const auto arguments = replaced.GetError().Get().GetArguments();
-            result = Util::File::Error("Unable to save the file to " + newPath,
-                                       "File",
-                                       {arguments.begin(), arguments.end()});
-        }
-    }
-    if (!result) {
+    const auto stored = Store(newPath, document.GetText(), existing);
+    if (!stored || !*stored) {
         metadata = std::move(formerMetadata);
-        return result;
+        return stored;
     }
     StorePath(newPath);
     snapshot = std::move(values);
     wasWritten = true;
     wasLegacy = false;
-    return {};
+    return true;
 }
 
 Util::Expected<void> PresetFileBase::SaveAgain()

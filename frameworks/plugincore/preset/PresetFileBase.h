@@ -15,6 +15,8 @@ namespace Preset {
 class LegacyPresetFileHandlerBase;
 
 enum class TouchModified { No, Yes };
+/// What becomes of a file in the place of a new one.
+enum class Existing { Keep, Replace };
 
 /// A preset file: an XML document with the values of a set of elements, some descriptive texts, and
 /// perhaps macro controls. Reading goes into the snapshot, so that what a file lacks keeps the
@@ -37,6 +39,12 @@ public:
     /// `TouchModified::Yes` sets "LastModified" to now.
     virtual Util::Expected<void>
     Save(const String& newPath, const Snapshot& newSnapshot, TouchModified touch);
+    /// Save() that may keep a file which is there, and then gives false. That none is there is made
+    /// sure by the making itself, so that no other process can come in between.
+    Util::Expected<bool> Write(const String& newPath,
+                               const Snapshot& newSnapshot,
+                               TouchModified touch,
+                               Existing existing);
     /// Save() to the stored path of the stored snapshot. Does nothing, with success, when the file
     /// was read from an older form: that one is kept.
     virtual Util::Expected<void> SaveAgain();
@@ -57,6 +65,8 @@ public:
                                             std::optional<uint32_t> pluginVersion,
                                             const XmlNode& root);
 
+    /// Reads sliders and check boxes into the snapshot.
+    Util::Expected<void> ReadMacroControls(const XmlNode& root);
     /// Stores in the snapshot; a pair that isn't there, or has another type, is ignored.
     virtual void SetBoolValue(const String& element, const String& param, bool value);
     virtual void SetEnumValue(const String& element, const String& param, uint32_t value);

@@ -79,6 +79,11 @@ Util::Expected<void> PresetFileBase::ReadCurrent(const XmlNode& root)
     if (auto result = ReadCategories(root); !result) {
         return result;
     }
+    return ReadMacroControls(root);
+}
+
+Util::Expected<void> PresetFileBase::ReadMacroControls(const XmlNode& root)
+{
     if (auto result = ReadSliders(root, snapshot.sliders); !result) {
         return result;
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/preset/PresetFolder.h"
 
-#include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
+#include "frameworks/qobase/util/PlatformFile.h"
 
 #include <utility>
 
@@ -16,21 +16,15 @@ String WithSeparator(const String& folder)
     return Util::Path::Join(folder, "");
 }
 
-// Whether the nearest thing above the path that exists is a folder.
-bool MayBecomeFolder(String path)
-{
-    while (!path.IsEmpty() && !Util::Path::IsDirectory(path)) {
-        if (Util::File(path).Exists()) {
-            return false;
-        }
-        path = Util::Path::GetFolder(path);
-    }
-    return true;
-}
-
 Util::Expected<void> Make(const String& folder)
 {
     return Util::Path::MakeDirectory(folder, Util::Path::Recursive::Yes);
+}
+
+// May make the folder.
+bool IsUsable(const String& folder)
+{
+    return !folder.IsEmpty() && Make(folder) && Util::Platform::CheckWritable(folder) == 0;
 }
 
 } // namespace
@@ -44,8 +38,7 @@ PresetFolder::PresetFolder(Util::ConfigFile& newSettings, String newDefaultFolde
 String PresetFolder::Get() const
 {
     const String chosen = settings.ReadString(FolderKey, "");
-    const bool isUsable = !chosen.IsEmpty() && MayBecomeFolder(chosen);
-    return isUsable ? WithSeparator(chosen) : defaultFolder;
+    return IsUsable(chosen) ? WithSeparator(chosen) : defaultFolder;
 }
 
 void PresetFolder::Set(const String& path)
@@ -56,13 +49,12 @@ void PresetFolder::Set(const String& path)
 Util::Expected<String> PresetFolder::Prepare() const
 {
     const String folder = Get();
-    if (Make(folder)) {
-        return folder;
+    if (folder == defaultFolder) {
+        if (auto made = Make(folder); !made) {
+            return made.GetError();
+        }
     }
-    if (auto made = Make(defaultFolder); !made) {
-        return made.GetError();
-    }
-    return defaultFolder;
+    return folder;
 }
 
 } // namespace Preset

@@ -12,11 +12,13 @@ public:
     /// The settings outlive the object.
     PresetFolder(Util::ConfigFile& newSettings, String newDefaultFolder);
 
-    /// Ends in a separator. Looking makes no folder; one that can't be made, since a file is in its
-    /// way, is passed over for the default.
+    /// The one folder that is listed and written; ends in a separator. A chosen one that is missing
+    /// is made: whether that works is known no other way, and what is listed would else be another
+    /// folder than the next save goes to. One that can't be made, or that this user may not write,
+    /// is passed over for the default, which is not made here.
     String Get() const;
     void Set(const String& path);
-    /// The folder, made when it is missing; the default when it can't be made. Ends in a separator.
+    /// The same folder, the default made when it is missing.
     Util::Expected<String> Prepare() const;
 
 private:

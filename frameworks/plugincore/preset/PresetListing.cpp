@@ -4,9 +4,23 @@
 #include "frameworks/qobase/util/Path.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <tuple>
 
 namespace Preset {
+namespace {
+
+// Why a folder that is there can't be listed; empty when it can, and when there is none.
+String GetListingFault(const String& folder)
+{
+    std::error_code error;
+    const std::filesystem::directory_iterator files(folder.ToStdString(), error);
+    const bool isFault = error && error != std::errc::no_such_file_or_directory;
+    return isFault ? String(error.message()) : String("");
+}
+
+} // namespace
 
 String PresetEntry::GetComment() const
 {
@@ -22,20 +36,42 @@ void PresetManager::Open()
 
 void PresetManager::Refresh()
 {
+    ListAll(folder.Get());
+}
+
+void PresetManager::ListAll(const String& userFolder)
+{
     entries.clear();
-    entries.push_back({Texts::FactorySettings, {}, PresetGroup::BuiltIn, {}, {}});
+    entries.push_back({Texts::FactorySettings, {}, PresetGroup::BuiltIn, {}, {}, {}});
     if (formerSettings) {
-        entries.push_back({Texts::FormerSettings, {}, PresetGroup::BuiltIn, {}, {}});
+        entries.push_back({Texts::FormerSettings, {}, PresetGroup::BuiltIn, {}, {}, {}});
     }
     ListFolder(setup.factoryFolder, PresetGroup::Factory);
-    ListFolder(folder.Get(), PresetGroup::User);
+    ListFolder(userFolder, PresetGroup::User);
+    NoteHidden();
+}
+
+void PresetManager::NoteHidden()
+{
+    for (PresetEntry& entry : entries) {
+        const bool isHidden =
+            entry.group == PresetGroup::Factory &&
+            std::any_of(entries.begin(), entries.end(), [&](const PresetEntry& other) {
+                return other.group == PresetGroup::User && other.name == entry.name;
+            });
+        entry.note = isHidden ? Texts::Hidden : "";
+    }
 }
 
 void PresetManager::ListFolder(const String& path, PresetGroup group)
 {
     const auto first = static_cast<std::ptrdiff_t>(entries.size());
+    if (const String reason = GetListingFault(path); !reason.IsEmpty()) {
+        entries.push_back({path, path, group, {}, Texts::FolderUnreadable(path, reason), {}});
+        return;
+    }
     for (const String& file : Util::Path::ListFiles(path, ".xml")) {
-        PresetEntry entry{Util::Path::GetStem(file), file, group, {}, {}};
+        PresetEntry entry{Util::Path::GetStem(file), file, group, {}, {}, {}};
         if (auto head = ReadPresetHead(file)) {
             entry.fault = GetFaultOfHead(*head);
             entry.metadata = std::move(head->metadata);
@@ -93,13 +129,18 @@ std::optional<PresetEntry> PresetManager::Find(const String& name) const
     return found != nullptr ? std::optional<PresetEntry>(*found) : std::nullopt;
 }
 
-String PresetManager::MakeFreeName(const String& wanted) const
+String PresetManager::MakeFreeName(const String& wanted, const std::vector<String>& others) const
 {
     const String base = wanted.IsEmpty() ? String(Texts::NewPreset) : wanted;
-    const auto isTaken = [this](const String& name) {
-        return std::any_of(entries.begin(), entries.end(), [&](const PresetEntry& entry) {
-            return entry.group == PresetGroup::User && entry.name.ToLower() == name.ToLower();
-        });
+    const auto isTaken = [&](const String& name) {
+        const String folded = name.ToLower();
+        return std::any_of(entries.begin(),
+                           entries.end(),
+                           [&](const PresetEntry& entry) {
+                               return entry.group != PresetGroup::Factory &&
+                                      entry.name.ToLower() == folded;
+                           }) ||
+               std::find(others.begin(), others.end(), name) != others.end();
     };
     String name = base;
     for (uint32_t number = 2; isTaken(name); ++number) {

@@ -2,10 +2,10 @@
 #include "frameworks/plugincore/preset/PresetManager.h"
 
 #include "frameworks/plugincore/preset/PresetBytes.h"
+#include "frameworks/plugincore/preset/PresetErrors.h"
 #include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 
-#include <string_view>
 #include <utility>
 
 namespace Preset {
@@ -36,11 +36,28 @@ FileFault Classify(const LmPresetFile& file, const Util::ErrorVariant& error)
     }
 }
 
-// The system's reason for a failure with a file, or else what failed.
-String GetReason(const Util::ErrorVariant& error)
+// Why a file that Classify() has judged can't be used.
+String DescribeCause(FileFault fault, const LmPresetFile& file, const Util::ErrorVariant& error)
 {
-    const auto arguments = error.Get().GetArguments();
-    return arguments.size() > 1 ? arguments[1] : error.GetDescription();
+    const bool isOfAnotherVersion = fault == FileFault::Newer || fault == FileFault::Earlier;
+    return isOfAnotherVersion ? file.DescribeVersions(file.GetHeadRead()) : GetFullText(error);
+}
+
+// The file of a preset of this name; one that differs in case only, when there is no other. Empty
+// without either.
+String FindFile(const String& userFolder, const String& name)
+{
+    String similar;
+    for (const String& path : Util::Path::ListFiles(userFolder, ".xml")) {
+        const String stem = Util::Path::GetStem(path);
+        if (stem == name) {
+            return path;
+        }
+        if (stem.ToLower() == name.ToLower()) {
+            similar = path;
+        }
+    }
+    return similar;
 }
 
 bool IsFileReadOnly(const String& path)
@@ -74,7 +91,7 @@ PresetManager::Load(LmPresetFile& file, const String& path, Naming naming) const
     const String text = naming == Naming::Entry
                             ? Texts::DescribeEntryFault(fault)
                             : Texts::DescribeFileFault(fault, path, file.GetHeadRead().type);
-    return ManagerError(text, loaded.GetDescription());
+    return ManagerError(text, DescribeCause(fault, file, loaded.GetError()));
 }
 
 Util::Expected<void> PresetManager::LoadAndSet(const String& path, Naming naming)
@@ -121,36 +138,77 @@ void PresetManager::NoteApplied(const String& name)
     }
 }
 
-Util::Expected<String> PresetManager::Save(const String& name, const String& comment)
+template <typename Create>
+Util::Expected<String>
+PresetManager::CreateUnderFreeName(const String& userFolder, const String& wanted, Create create)
 {
-    if (!IsNameAllowed(name)) {
-        return ManagerError("A preset's name can't be empty or hold any of / \\ : * ? \" < > |");
+    ListAll(userFolder);
+    std::vector<String> refused; // taken by what no list shows, or by somebody else just now
+    for (;;) {
+        const String name = MakeFreeName(wanted, refused);
+        const String path = userFolder + name + ".xml";
+        const auto created = create(path);
+        if (!created) {
+            return created.GetError();
+        }
+        if (*created) {
+            ListAll(userFolder);
+            return path;
+        }
+        refused.push_back(name);
+    }
+}
+
+Util::Expected<String>
+PresetManager::Save(const String& name, const String& comment, Existing existing)
+{
+    if (!name.IsEmpty()) {
+        if (auto allowed = CheckName(name); !allowed) {
+            return allowed.GetError();
+        }
     }
     const auto prepared = folder.Prepare();
     if (!prepared) {
         return prepared.GetError();
     }
-    const String path = *prepared + name + ".xml";
-    if (auto saved = SaveFile(path, comment); !saved) {
+    if (name.IsEmpty()) {
+        return CreateUnderFreeName(*prepared, name, [&](const String& path) {
+            return Write(path, comment, Existing::Keep);
+        });
+    }
+    const String found = FindFile(*prepared, name);
+    const String path = found.IsEmpty() ? *prepared + name + ".xml" : found;
+    if (auto saved = SaveFile(path, comment, existing); !saved) {
         return saved.GetError();
     }
     return path;
 }
 
-Util::Expected<void> PresetManager::SaveFile(const String& path, const String& comment)
+Util::Expected<void>
+PresetManager::SaveFile(const String& path, const String& comment, Existing existing)
 {
     if (IsFileReadOnly(path)) {
         return ManagerError("The preset " + path + " is read-only.");
     }
+    const auto written = Write(path, comment, existing);
+    if (!written) {
+        return written.GetError();
+    }
+    return *written ? Util::Expected<void>() : ManagerError(Texts::ExistsAlready(path));
+}
+
+Util::Expected<bool>
+PresetManager::Write(const String& path, const String& comment, Existing existing)
+{
     PresetMetadata metadata;
     metadata.SetComment(GetStoredComment(comment));
     LmPresetFile file = MakeFile();
     file.SetMetadata(metadata.GetTexts());
-    auto saved = file.Save(path, setup.dsp.TakeSnapshot(), TouchModified::Yes);
-    if (saved) {
+    auto written = file.Write(path, setup.dsp.TakeSnapshot(), TouchModified::Yes, existing);
+    if (written && *written) {
         setup.metadata.Assign(file.GetType(), file.GetMetadata());
     }
-    return saved;
+    return written;
 }
 
 Util::Expected<void> PresetManager::Remove(const PresetEntry& entry)
@@ -159,7 +217,9 @@ Util::Expected<void> PresetManager::Remove(const PresetEntry& entry)
         return ManagerError(Texts::RemoveFailed(entry.name, "it is read-only."));
     }
     if (const auto removed = Util::File(entry.path).Remove(); !removed) {
-        return ManagerError(Texts::RemoveFailed(entry.name, GetReason(removed.GetError())));
+        const String reason = GetReason(removed.GetError());
+        return ManagerError(
+            Texts::RemoveFailed(entry.name, reason.IsEmpty() ? removed.GetDescription() : reason));
     }
     Refresh();
     return {};
@@ -177,24 +237,24 @@ Util::Expected<String> PresetManager::Import(const String& path)
     const auto bytes = ReadPresetBytes(path);
     if (!bytes) {
         return ManagerError(Texts::DescribeFileFault(FileFault::Unreadable, path, {}),
-                            bytes.GetDescription());
+                            GetFullText(bytes.GetError()));
     }
+    if (auto allowed = CheckName(file.GetName()); !allowed) {
+        return allowed.GetError();
+    }
+    String target = Util::Path::Join(setup.defaultFolder, file.GetName() + ".xml");
     const auto prepared = folder.Prepare();
-    const String target = prepared ? *prepared : folder.Get();
-    Refresh();
-    const String name = MakeFreeName(file.GetName());
-    const String targetPath = target + name + ".xml";
-    if (const auto written = Util::ReplaceWholeFile(targetPath, *bytes); !written) {
-        return ManagerError(Texts::DescribeFileFault(FileFault::NotWritable, targetPath, {}),
-                            GetReason(written.GetError()));
+    Util::Expected<String> made =
+        !prepared ? prepared
+                  : CreateUnderFreeName(*prepared, file.GetName(), [&](const String& newPath) {
+                        target = newPath;
+                        return Util::CreateWholeFile(newPath, *bytes);
+                    });
+    if (!made) {
+        return ManagerError(Texts::DescribeFileFault(FileFault::NotWritable, target, {}),
+                            GetReason(made.GetError()));
     }
-    Refresh();
-    return name;
-}
-
-bool PresetManager::IsNameAllowed(const String& name)
-{
-    return !name.IsEmpty() && name.View().find_first_of("/\\:*?\"<>|") == std::string_view::npos;
+    return Util::Path::GetStem(*made);
 }
 
 String PresetManager::GetShownComment(const String& comment)

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/preset/LmPresetFile.h"
 #include "frameworks/plugincore/preset/PresetFolder.h"
 #include "frameworks/plugincore/preset/PresetMetadata.h"
+#include "frameworks/plugincore/preset/PresetNames.h"
 #include "frameworks/plugincore/preset/PresetTexts.h"
 
 #include <functional>
@@ -24,6 +25,7 @@ struct PresetEntry {
     PresetGroup group = PresetGroup::User;
     MetadataMap metadata;
     String fault; ///< shown in place of the comment; empty for a preset that looks usable
+    String note;  ///< what else a list says of it; may be empty
 
     String GetComment() const;
 };
@@ -50,7 +52,8 @@ public:
     /// What the dialog does when it opens: keeps the settings of now for the entry that brings
     /// them back, and lists.
     void Open();
-    /// Looks at the folders anew. Reads only what the list shows.
+    /// Looks at the folders anew. Reads only what the list shows. A folder that is there but can't
+    /// be looked into has a line of its own, with a fault.
     void Refresh();
     /// Built-in ones first, then factory, then user presets, these two in order of their names.
     const std::vector<PresetEntry>& GetEntries() const { return entries; }
@@ -61,18 +64,20 @@ public:
     Util::Expected<void> Apply(const PresetEntry& entry);
     Util::Expected<void> ApplyFile(const String& path);
     /// Writes the values of now under a name into the user's folder, or to a path; gives the path.
-    /// Takes the place of a preset that is there unless it is read-only.
-    Util::Expected<String> Save(const String& name, const String& comment);
-    Util::Expected<void> SaveFile(const String& path, const String& comment);
+    /// A name that differs in case only is that of a preset which is there. Read-only ones stay in
+    /// any case. No name: a new one that is free.
+    Util::Expected<String> Save(const String& name, const String& comment, Existing existing);
+    Util::Expected<void> SaveFile(const String& path, const String& comment, Existing existing);
     /// Removes a preset's file for good. Read-only ones stay.
     Util::Expected<void> Remove(const PresetEntry& entry);
-    /// Copies a preset's file into the user's folder under a free name, which it gives.
+    /// Copies a preset's file into the user's folder under a free name, which it gives. The copy is
+    /// the file byte by byte, so that one which its author made read-only stays so: it may be what
+    /// a group works with, and whoever wants it gone can remove its file.
     Util::Expected<String> Import(const String& path);
 
-    /// A name that no preset in the user's folder has: the wanted one, or with a number behind it.
-    String MakeFreeName(const String& wanted) const;
-    /// Whether files can be named so everywhere.
-    static bool IsNameAllowed(const String& name);
+    /// A name that is neither in the list as a user's or built-in one nor among `others`: the
+    /// wanted one, or with a number behind it.
+    String MakeFreeName(const String& wanted, const std::vector<String>& others = {}) const;
     /// The text for the comment field, and back.
     static String GetShownComment(const String& comment);
     static String GetStoredComment(const String& shown);
@@ -85,7 +90,9 @@ public:
     void SetShownAtStartup(bool isShown);
 
 private:
+    void ListAll(const String& userFolder);
     void ListFolder(const String& path, PresetGroup group);
+    void NoteHidden();
     String GetFaultOfHead(const PresetHead& head) const;
     LmPresetFile MakeFile() const;
     /// Whose text a failure carries: that of the list, or that of a file.
@@ -93,6 +100,12 @@ private:
     Util::Expected<void> LoadAndSet(const String& path, Naming naming);
     Util::Expected<void> Load(LmPresetFile& file, const String& path, Naming naming) const;
     void NoteApplied(const String& name);
+    /// False when there is a file that is kept.
+    Util::Expected<bool> Write(const String& path, const String& comment, Existing existing);
+    /// Calls `create(path)` with free names until it makes the file; gives the path.
+    template <typename Create>
+    Util::Expected<String>
+    CreateUnderFreeName(const String& userFolder, const String& wanted, Create create);
 
     const Setup setup;
     PresetFolder folder;

@@ -4,6 +4,16 @@
 
 namespace Preset::Texts {
 
+String ExistsAlready(const String& path)
+{
+    return "The preset " + path + " exists already.";
+}
+
+String FolderUnreadable(const String& folder, const String& reason)
+{
+    return "The folder " + folder + " cannot be read. (" + reason + ")";
+}
+
 String RemoveQuestion(const String& name)
 {
     return String("Are you sure you want to remove '%1'?").arg(name);

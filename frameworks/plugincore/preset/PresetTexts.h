@@ -29,12 +29,12 @@ inline constexpr const char* FormerSettings = "Settings before you opened the pr
 inline constexpr const char* InvalidPreset = "Error: invalid preset, please select another.";
 inline constexpr const char* CommentPrompt = "[Click here to enter a comment]";
 inline constexpr const char* NewPreset = "New Preset";
-inline constexpr const char* ChooseFolder = "Choose a preset folder";
-inline constexpr const char* RemoveTitle = "Remove Preset";
-inline constexpr const char* ImportTitle = "Import Preset";
-inline constexpr const char* ImportFilter = "XML plug-in presets (*.xml)";
-inline constexpr const char* ImportFailedTitle = "Preset Import Failed";
+inline constexpr const char* Hidden = "Hidden by your preset of the same name.";
 
+/// For a preset or file that isn't to be replaced.
+String ExistsAlready(const String& path);
+/// In a list, in the place of what a folder holds.
+String FolderUnreadable(const String& folder, const String& reason);
 String RemoveQuestion(const String& name);
 String RemoveFailed(const String& name, const String& reason);
 

@@ -44,12 +44,6 @@ String XmlNode::GetName() const
     return NameOf(ToLibrary(node));
 }
 
-std::optional<String> XmlNode::FindAttribute(const char* name) const
-{
-    const pugi::xml_attribute attribute = ToLibrary(node).attribute(name);
-    return attribute.empty() ? std::nullopt : std::optional<String>(attribute.value());
-}
-
 String XmlNode::GetAttribute(const char* name) const
 {
     return ToLibrary(node).attribute(name).value();

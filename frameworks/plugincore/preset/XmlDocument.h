@@ -18,8 +18,6 @@ public:
     /// Of an element its name, of a comment or a text what it says.
     String GetName() const;
     /// Empty when there is no attribute of this name.
-    std::optional<String> FindAttribute(const char* name) const;
-    /// The same, with an empty text in place of a missing one.
     String GetAttribute(const char* name) const;
     /// Children of this name, in the order of the document. They need not be elements.
     std::vector<XmlNode> GetChildren(const String& name) const;

@@ -61,6 +61,7 @@ const std::string OldText = R"(<?xml version="1.0"?>
         <Param ElementID="Pop" ParamID="Amount" Value="9"/>
         <ExtraBytes ElementID="Pop" Data="AQ=="/>
     </Anything>
+    <CheckBoxes><CheckBox Name="Tick" CheckboxID="2" Value="1"/></CheckBoxes>
 </OldPop>)";
 
 } // namespace
@@ -79,6 +80,8 @@ TEST(LegacyPreset, IsMappedAndNeverWrittenOver)
     EXPECT_TRUE(fixture.Element().GetBoolValue(2, DSP::Context::UI));
     EXPECT_EQ(fixture.Element().extraBytes, Util::Bytes{1});
     EXPECT_EQ(file.GetMetadata().at("Comments"), "from then");
+    ASSERT_EQ(file.GetSnapshot().checkBoxes.size(), 1U);
+    EXPECT_TRUE(file.GetSnapshot().checkBoxes[0].value);
 
     ASSERT_TRUE(file.SaveAgain());
     EXPECT_EQ(Fixture::Read(path), OldText);
@@ -100,6 +103,9 @@ TEST(LegacyPreset, IsRefusedByWhatItsHandlerKnows)
         {"PluginVer=\"6000\"", "PluginVer=\"5000\"", "Invalid plugin version, 5000"},
         {"PluginVer=\"6000\"", "", "Invalid plugin version, "},
         {"<Param", "<!--Param--><Param", "Parameter was not a valid XML element."},
+        {"<CheckBoxes>",
+         "<!--CheckBoxes--><CheckBoxes>",
+         "CheckBoxes was not a valid XML element."},
         {"<Param", "<!--ExtraBytes--><Param", "Extra bytes was not a valid XML element."},
     };
     for (const auto& [from, to, message] : cases) {
@@ -109,24 +115,4 @@ TEST(LegacyPreset, IsRefusedByWhatItsHandlerKnows)
     }
     ASSERT_TRUE(fixture.dsp.Apply(file.GetSnapshot()));
     EXPECT_EQ(fixture.Amount(), 5.0F);
-}
-
-TEST(LegacyPreset, BelongsToAFamilyByTheFirstWordThatItHolds)
-{
-    const std::pair<const char*, LegacyFamily> cases[] = {
-        {"LMDeclicker", LegacyFamily::Declicker},
-        {"xLMDecrackle2", LegacyFamily::Declicker},
-        {"LMInterpolate", LegacyFamily::Declicker},
-        {"LMDenoiser", LegacyFamily::Denoiser},
-        {"FadeGain", LegacyFamily::Gain},
-        {"Normalize", LegacyFamily::Gain},
-        {"GainDeconstruct", LegacyFamily::Gain},
-        {"AdditiveDecomposition", LegacyFamily::Deconstruct},
-        {"ChannelOpsGain", LegacyFamily::ChannelOps},
-        {"lmdeclick", LegacyFamily::Other},
-        {"LM6Pfgd", LegacyFamily::Other},
-        {"", LegacyFamily::Other}};
-    for (const auto& [type, family] : cases) {
-        EXPECT_EQ(FindLegacyFamily(type), family) << type;
-    }
 }

@@ -184,13 +184,13 @@ TEST_F(PresetFile, IsReadInEveryFormThatItMayHave)
         {Compress(DefaultFile, length), 5.0F},
         {Compress(DefaultFile, length + 9), 5.0F},
         {Compress(DefaultFile, length) + "what stands behind", 5.0F},
-        // 1e6 levels, which the program's stack would not hold.
+        // 5e5 levels, which the program's stack would not hold.
         {[] {
              std::string deep;
-             for (int i = 0; i < 1'000'000; ++i) {
+             for (int i = 0; i < 500'000; ++i) {
                  deep += "<a>";
              }
-             for (int i = 0; i < 1'000'000; ++i) {
+             for (int i = 0; i < 500'000; ++i) {
                  deep += "</a>";
              }
              return Replaced(DefaultFile, "    <Global Enabled=\"1\" />\n", deep);
@@ -283,7 +283,7 @@ TEST_F(PresetFile, SaysWhatIsWrongAndKeepsItsSnapshot)
                                     Compress(whole, length - 1),
                                     Compress(whole, 0),
                                     Compress(whole, 0xFFFFFFFF),
-                                    Compress(whole, (64U << 20) + 1),
+                                    Compress(whole, (4U << 20) + 1),
                                     bomb}) {
         cases.emplace_back(text, "Could not decompress file.");
     }
@@ -321,19 +321,28 @@ TEST_F(PresetFile, IsRefusedWhereverItIsCutOff)
 
 TEST_F(PresetFile, TellsOpeningFromReading)
 {
-    const std::string huge = Write("huge.xml", DefaultFile);
-    std::filesystem::resize_file(huge, (64U << 20) + 1);
-    const std::pair<std::string, std::string> cases[] = {
-        {folder / "missing.xml", "Could not open file."},
-        {folder.Path().string(), "Could not open file."},
-        {huge, "Could not read file."},
+    const std::string most = DefaultFile + std::string((4U << 20) - DefaultFile.size(), ' ');
+    EXPECT_TRUE(file.Load(Write("most.xml", most)));
+    EXPECT_TRUE(file.Load(Write("packed.xml", Compress(most, 4U << 20))));
+    const std::string huge = Write("huge.xml", most + " ");
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {folder / "missing.xml", "Could not open file.", "No such file or directory"},
+        {folder.Path().string(), "Could not open file.", "Is a directory"},
+        {huge, "Could not read file.", "larger than 4194304 bytes"},
     };
-    for (const auto& [path, message] : cases) {
+    for (const auto& [path, message, reason] : cases) {
         const auto loaded = file.Load(path);
         ASSERT_FALSE(loaded);
         EXPECT_EQ(loaded.GetDescription().ToStdString(), message);
-        EXPECT_NE(loaded.GetError().As<Util::File::Error>(), nullptr);
+        const auto* error = loaded.GetError().As<Util::File::Error>();
+        ASSERT_NE(error, nullptr);
+        ASSERT_EQ(error->GetArguments().size(), 2U);
+        EXPECT_EQ(error->GetArguments()[0].ToStdString(), path);
+        EXPECT_EQ(error->GetArguments()[1].ToStdString(), reason);
     }
+    const auto packed = file.Load(Write("packed.xml", Compress(most + " ", (4U << 20) + 1)));
+    ASSERT_FALSE(packed);
+    EXPECT_EQ(packed.GetError().Get().GetArguments().back(), "larger than 4194304 bytes");
 }
 
 TEST_F(PresetFile, KeepsTheOldOneWhenTheDiskIsFull)
@@ -382,7 +391,7 @@ TEST_F(PresetFile, SurvivesItsWriter)
         }
         close(saves[1]);
         char mark = 0;
-        for (unsigned left = 1 + random() % 5; left > 0; --left) {
+        for (auto left = 1 + random() % 5; left > 0; --left) {
             ASSERT_EQ(read(saves[0], &mark, 1), 1);
         }
         kill(writer, SIGKILL);

@@ -116,6 +116,12 @@ TEST_F(Manager, FindsAName)
     Put("user/Soft.xml");
     EXPECT_EQ(Find("Strong").group, PresetGroup::Factory);
     EXPECT_EQ(Find("Soft").group, PresetGroup::User);
+    EXPECT_EQ(Find("Strong").note, "");
+    std::string notes;
+    for (const PresetEntry& entry : manager->GetEntries()) {
+        notes += entry.note.ToStdString() + "|";
+    }
+    EXPECT_EQ(notes, "|Hidden by your preset of the same name.||||"); // the factory's "Soft"
     EXPECT_EQ(Find("STRONG").group, PresetGroup::User);
     EXPECT_EQ(Find("factory settings").group, PresetGroup::BuiltIn);
     EXPECT_FALSE(manager->Find("Stron"));
@@ -129,15 +135,73 @@ TEST_F(Manager, TakesAFolderThatCanBeOne)
     manager->GetFolder().Set(folder / "mine/deep");
     EXPECT_EQ(manager->GetFolder().Get(), folder / "mine/deep/"); // ends in a separator
     EXPECT_EQ(settings.ReadString("PresetFolder", ""), folder / "mine/deep");
-    ASSERT_TRUE(manager->Save("one", ""));
+    ASSERT_TRUE(manager->Save("one", "", Existing::Replace));
     EXPECT_TRUE(fs::exists(folder / "mine/deep/one.xml"));
 
-    Write("file", "in the way");
-    manager->GetFolder().Set(folder / "file/below/deep");
+    manager->GetFolder().Set("");
     EXPECT_EQ(manager->GetFolder().Get(), usual);
-    manager->GetFolder().Set("/proc/self/nothing can be made here");
-    ASSERT_TRUE(manager->Save("two", ""));
-    EXPECT_TRUE(fs::exists(folder / "user/two.xml"));
+}
+
+// Where the chosen folder can't be, what is saved and imported is listed and found again.
+TEST_F(Manager, KeepsToOneFolder)
+{
+    const std::string source = Put("from/came.xml");
+    Write("file", "in the way");
+    const std::string unusable[] = {folder / "file",
+                                    folder / "file/below/deep",
+                                    "/proc/self/nothing can be made here",
+                                    folder / std::string(300, 'n')};
+    std::string names = "Factory settings|";
+    for (const std::string& chosen : unusable) {
+        manager->GetFolder().Set(chosen);
+        EXPECT_EQ(manager->GetFolder().Get(), folder / "user/") << chosen;
+        fs::remove_all(folder / "user");
+        EXPECT_EQ(Names(), "Factory settings|");
+        EXPECT_EQ(Text(manager->Save("saved", "", Existing::Keep)), "");
+        EXPECT_EQ(Text(manager->Import(source)), "");
+        EXPECT_EQ(Text(manager->Import(source)), "");
+        EXPECT_EQ(Names(), "Factory settings|came|came 2|saved|") << chosen;
+        EXPECT_TRUE(fs::exists(folder / "user/came 2.xml"));
+    }
+}
+
+TEST_F(Manager, TellsOfAFolderThatCannotBeListed)
+{
+    Write("user", "a file in the way");
+    const PresetEntry row = Find(folder / "user/");
+    EXPECT_EQ(row.fault.ToStdString(),
+              "The folder " + folder / "user/" + " cannot be read. (Not a directory)");
+    EXPECT_FALSE(manager->Apply(row));
+    EXPECT_FALSE(manager->Save("one", "", Existing::Replace));
+    fs::remove(folder / "user");
+    EXPECT_EQ(Names(), "Factory settings|");
+}
+
+TEST_F(Manager, ReplacesOnlyWhenTold)
+{
+    const std::string path = Put("user/Mine.xml");
+    const std::string before = Read(path);
+    EXPECT_EQ(Text(manager->Save("Mine", "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Text(manager->Save("MINE", "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Text(manager->SaveFile(path, "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Read(path), before);
+    EXPECT_TRUE(metadata.GetType().IsEmpty());
+    const auto saved = manager->Save("MINE", "", Existing::Replace);
+    ASSERT_TRUE(saved) << Text(saved);
+    EXPECT_EQ(*saved, path); // not a second file beside it
+    EXPECT_NE(Read(path), before);
+    EXPECT_EQ(Names(), "Factory settings|Mine|");
+    // What no list shows is as much in the way.
+    fs::create_symlink(folder / "nowhere", folder / "user/link.xml");
+    EXPECT_EQ(Text(manager->Save("link", "", Existing::Keep)),
+              "The preset " + (folder / "user/link.xml") + " exists already.");
+    fs::create_directory(folder / "user/New Preset.xml");
+    const auto unnamed = manager->Save("", "", Existing::Replace);
+    ASSERT_TRUE(unnamed) << Text(unnamed);
+    EXPECT_EQ(*unnamed, folder / "user/New Preset 2.xml");
 }
 
 TEST_F(Manager, NamesAndComments)
@@ -150,19 +214,25 @@ TEST_F(Manager, NamesAndComments)
     EXPECT_EQ(manager->MakeFreeName(""), "New Preset 2");
     EXPECT_EQ(manager->MakeFreeName("VOICE"), "VOICE 3");
     EXPECT_EQ(manager->MakeFreeName("Only here"), "Only here");
+    EXPECT_EQ(manager->MakeFreeName("factory SETTINGS"), "factory SETTINGS 2");
+    std::vector<std::string> refused{
+        " ", "   ", ".hidden", "..", "a\nb", "\x7F", "Factory Settings", Texts::FormerSettings};
     for (const char forbidden : std::string("/\\:*?\"<>|")) {
-        const std::string name = std::string("a") + forbidden + "b";
-        EXPECT_FALSE(PresetManager::IsNameAllowed(name)) << name;
-        EXPECT_FALSE(manager->Save(name, "")) << name;
+        refused.push_back(std::string("a") + forbidden + "b");
     }
-    EXPECT_FALSE(manager->Save("", ""));
-    EXPECT_TRUE(PresetManager::IsNameAllowed("50 % %1 & 'more'.xml \xC3\xA4"));
+    for (const std::string& name : refused) {
+        EXPECT_FALSE(manager->Save(name, "", Existing::Replace)) << name;
+    }
+    EXPECT_FALSE(manager->Import(Put("from/.hidden.xml")));
+    EXPECT_FALSE(manager->Import(Put("from/Factory settings.xml")));
+    EXPECT_EQ(Names(), "Factory settings|Only here|New Preset|Voice|Voice 2|");
+    EXPECT_TRUE(CheckName("50 % %1 & 'more'.xml \xC3\xA4"));
 
     const char* prompt = "[Click here to enter a comment]";
     EXPECT_EQ(PresetManager::GetShownComment(""), prompt);
-    ASSERT_TRUE(manager->Save("shown", prompt));
+    ASSERT_TRUE(manager->Save("shown", prompt, Existing::Replace));
     EXPECT_EQ(Read(folder / "user/shown.xml").find("Comments"), std::string::npos);
-    ASSERT_TRUE(manager->Save("said", "%1 said"));
+    ASSERT_TRUE(manager->Save("said", "%1 said", Existing::Replace));
     EXPECT_EQ(Find("said").GetComment(), "%1 said");
     EXPECT_EQ(metadata.GetComment(), "%1 said");
 }
@@ -213,7 +283,11 @@ TEST_F(Manager, SaysWhyAPresetCannotBeApplied)
     const PresetEntry gone = Find("gone");
     fs::remove(gone.path.c_str());
     EXPECT_EQ(Text(manager->Apply(gone)), Invalid);
-    EXPECT_EQ(manager->Apply(gone).GetError().GetDetail(), "Could not open file.");
+    EXPECT_EQ(manager->Apply(gone).GetError().GetDetail(),
+              "Could not open file: No such file or directory");
+    EXPECT_EQ(manager->Apply(Find("far")).GetError().GetDetail(), "written by 7.0, this is 6.0");
+    EXPECT_EQ(manager->Apply(Find("old")).GetError().GetDetail(),
+              "its parameters are of version 0, these of 1");
     EXPECT_EQ(Text(manager->Apply(Find("far"))), Newer);
     EXPECT_EQ(Text(manager->Apply(Find("old"))), Earlier);
     EXPECT_EQ(Text(manager->Apply(Find("cut"))), Invalid);
@@ -228,8 +302,8 @@ TEST_F(Manager, KeepsReadOnlyPresets)
 {
     const std::string path = Put("user/kept.xml", "PluginBuild", "ReadOnly=\"1\" PluginBuild");
     const std::string before = Read(path);
-    EXPECT_FALSE(manager->Save("kept", ""));
-    EXPECT_FALSE(manager->SaveFile(path, ""));
+    EXPECT_FALSE(manager->Save("kept", "", Existing::Replace));
+    EXPECT_FALSE(manager->SaveFile(path, "", Existing::Replace));
     EXPECT_FALSE(manager->Remove(Find("kept")));
     EXPECT_FALSE(manager->Remove(Find("Factory settings")));
     EXPECT_EQ(Read(path), before);
@@ -284,8 +358,40 @@ TEST_F(Manager, ImportsUnderAFreeName)
     const auto imported = manager->Import(source);
     ASSERT_TRUE(imported) << Text(imported);
     EXPECT_EQ(*imported, "voice 2");
+    fs::create_symlink(folder / "nowhere", folder / "user/voice 3.xml");
+    EXPECT_EQ(manager->Import(source).Value(), "voice 4");
+    EXPECT_FALSE(fs::exists(folder / "nowhere"));
     EXPECT_EQ(Read(folder / "user/voice 2.xml"), Read(source));
     EXPECT_TRUE(manager->Find("voice 2"));
     EXPECT_EQ(manager->GetImportFolder(), folder / "from");
     EXPECT_EQ(Amount(), 5.0F); // it is chosen by the user, not by its coming
+}
+
+TEST_F(Manager, RemembersWhetherItIsShownAtStartup)
+{
+    EXPECT_FALSE(manager->IsShownAtStartup());
+    manager->SetShownAtStartup(true);
+    manager = Make();
+    EXPECT_TRUE(manager->IsShownAtStartup());
+    EXPECT_TRUE(settings.ReadBool("PresetShowAtStartup", false));
+}
+
+TEST(PresetNames, AreGuessedFromWhatIsNearIt)
+{
+    const std::vector<String> names{"Gentle", "Strong", "Low voice", "Live - low latency"};
+    const std::pair<std::string, std::string> cases[] = {{"Stron", "Strong"},
+                                                         {"STORNG", "Strong"},
+                                                         {"low-voice", "Low voice"},
+                                                         {"Live/low latency", "Live - low latency"},
+                                                         {"Mine", ""},
+                                                         {"", ""},
+                                                         {std::string(5000, 'x'), ""}};
+    for (const auto& [wanted, nearest] : cases) {
+        EXPECT_EQ(FindNearestName(wanted, names).ToStdString(), nearest) << wanted;
+    }
+    EXPECT_EQ(JoinNames(names, 45), "Gentle, Strong, Low voice, Live - low latency");
+    EXPECT_EQ(JoinNames(names, 44), "Gentle, Strong, Low voice, ...");
+    EXPECT_EQ(JoinNames(names, 29), "Gentle, Strong, ...");
+    EXPECT_EQ(JoinNames(names, 7), "...");
+    EXPECT_EQ(JoinNames({}, 7), "");
 }

@@ -6,28 +6,9 @@
 #include "frameworks/plugincore/StreamFormat.h"
 #include "frameworks/plugincore/dsp/ChannelConfig.h"
 #include "frameworks/qobase/util/Realtime.h"
+#include "frameworks/qobase/util/ScopedFlag.h"
 
 #include <utility>
-
-namespace {
-
-// A flag that is set from here to the end of the scope, also when an exception ends it.
-class ScopedFlag {
-public:
-    explicit ScopedFlag(std::atomic<bool>& newFlag)
-        : flag(newFlag)
-    {
-        flag = true;
-    }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-    ~ScopedFlag() { flag = false; }
-
-private:
-    std::atomic<bool>& flag;
-};
-
-} // namespace
 
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
 {
@@ -43,7 +24,7 @@ void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
     if (reconfiguring || caller == processThread.load() || caller == latencyThread.load()) {
         return;
     }
-    const ScopedFlag guard(reconfiguring);
+    const Util::ScopedFlag guard(reconfiguring);
     Reconfigure(newSampleRate, newChannelConfig);
 }
 
@@ -51,8 +32,8 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
 {
     const Util::CriticalSectionGuard processGuard(GetThreadController().GetProcessLock());
     const Util::CriticalSectionGuard uiGuard(GetThreadController().GetUILock());
-    const ScopedFlag suspendedGuard(suspended);
-    const ScopedFlag switchingGuard(switching);
+    const Util::ScopedFlag suspendedGuard(suspended);
+    const Util::ScopedFlag switchingGuard(switching);
     processing = false;
     lastProcessTick = 0;
     const Util::Bytes state = SaveState();
@@ -167,7 +148,7 @@ void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
             onSettle();
         } else {
             const Util::CriticalSectionGuard guard(GetThreadController().GetProcessLock());
-            const ScopedFlag suspendedGuard(suspended);
+            const Util::ScopedFlag suspendedGuard(suspended);
             onSettle();
         }
     } else if (!active && !hold) {

@@ -1,26 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/controller/AbsoluteLinkController.h"
 
+#include "frameworks/qobase/util/ScopedFlag.h"
+
 namespace Controller {
-namespace {
-
-// Set from here to the end of the scope, also when an exception ends it.
-class ScopedMark {
-public:
-    explicit ScopedMark(bool& newMark)
-        : mark(newMark)
-    {
-        mark = true;
-    }
-    ScopedMark(const ScopedMark&) = delete;
-    ScopedMark& operator=(const ScopedMark&) = delete;
-    ~ScopedMark() { mark = false; }
-
-private:
-    bool& mark;
-};
-
-} // namespace
 
 template <typename ParamType>
 LinkedParam<ParamType>::LinkedParam(AbsoluteLinkController<ParamType>& newLink,
@@ -70,7 +53,7 @@ void AbsoluteLinkController<ParamType>::Spread(const ParamType& from, const T& v
     if (spreading) {
         return;
     }
-    const ScopedMark mark(spreading);
+    const Util::ScopedFlag mark(spreading);
     const T wanted = value;
     for (const LinkedParam<ParamType>* entry : linked) {
         ParamType* target = entry->GetTarget();

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/dsp/ElementDispatcherParam.h"
 #include "frameworks/qobase/util/DebugTrace.h"
+#include "frameworks/qobase/util/ScopedFlag.h"
 
 #include <stdexcept>
 #include <type_traits>
@@ -33,22 +34,6 @@ void VisitDispatch(auto& dispatch, Visit visit)
         },
         dispatch);
 }
-
-// Set from here to the end of the scope, also when an exception ends it.
-class ScopedMark {
-public:
-    explicit ScopedMark(bool& newMark)
-        : mark(newMark)
-    {
-        mark = true;
-    }
-    ScopedMark(const ScopedMark&) = delete;
-    ScopedMark& operator=(const ScopedMark&) = delete;
-    ~ScopedMark() { mark = false; }
-
-private:
-    bool& mark;
-};
 
 } // namespace
 
@@ -200,7 +185,7 @@ std::shared_ptr<Controller::ControllerSet> ElementDispatcher::GetControllerSet()
             "controller set's constructor does not call through to GetControllerSet()!");
     }
     if (!controllerSet) {
-        const ScopedMark mark(makingControllerSet);
+        const Util::ScopedFlag mark(makingControllerSet);
         controllerSet = CreateControllerSet();
     }
     return controllerSet;

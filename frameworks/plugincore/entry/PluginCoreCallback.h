@@ -557,13 +557,17 @@ typedef struct PresetRecord {
     uint32_t index; /**< in of PresetOpDescribe: place in the list made by PresetOpList */
     uint32_t group; /**< out of PresetOpDescribe: PluginCorePresetGroup */
     uint32_t reserved20;
-    const char*
-        name; /**< in: a preset's name, or a file's path: one with "/" or ending in ".xml" */
+    /** In: a preset's name, or a file's path: one with "/" or ending in ".xml". PresetOpApply takes
+     * a path without a file for a name, "/" for "-". PresetOpSave without a name makes a new one.
+     */
+    const char* name;
     const char* comment;      /**< in of PresetOpSave; null: none */
     char presetName[256];     /**< out; texts are UTF-8, cut to their field and terminated */
     char presetComment[1024]; /**< out */
     char path[4096];          /**< out; empty for an entry without a file */
-    char message[1024]; /**< out: what went wrong, or what a list shows in place of a comment */
+    /** Out: what went wrong and why. Of PresetOpDescribe: what a list shows in place of the
+     * comment, such as a fault of the file, or that another preset hides this one. */
+    char message[1024];
 } PresetRecord;
 
 /** Sub-operations of PLUGIN_CORE_MESSAGE_PRESET. */

@@ -232,6 +232,7 @@ private:
     void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
     void TakeFormat(float newSampleRate, uint32_t newChannelConfig);
     void FollowFormat(const Util::Bytes& state);
+    void ReturnToFormat(float formerRate, uint32_t formerConfig, const Util::Bytes& state) noexcept;
     Util::Bytes SaveState();
     void RestoreState(const Util::Bytes& state);
     Editor* FreeEditorOfElements();

@@ -5,9 +5,11 @@
 #include "frameworks/plugincore/PluginThreadMark.h"
 #include "frameworks/plugincore/StreamFormat.h"
 #include "frameworks/plugincore/dsp/ChannelConfig.h"
+#include "frameworks/qobase/util/DebugTrace.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/ScopedFlag.h"
 
+#include <exception>
 #include <utility>
 
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
@@ -37,26 +39,41 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     processing = false;
     lastProcessTick = 0;
     const Util::Bytes state = SaveState();
-    StorePersistentParams();
-    transform->BeforeFormatChange();
-    Editor* const closedEditor = FreeEditorOfElements();
     const float formerRate = sampleRate;
     const uint32_t formerConfig = channelConfig;
-    const auto finish = [&] {
-        FollowFormat(state);
-        if (closedEditor != nullptr) {
-            closedEditor->ReopenAfterFormat();
-            editor = closedEditor;
-        }
-    };
+    Editor* closedEditor = nullptr;
+    std::exception_ptr failure;
     try {
+        StorePersistentParams();
+        transform->BeforeFormatChange();
+        closedEditor = FreeEditorOfElements();
         TakeFormat(newSampleRate, newChannelConfig);
+        FollowFormat(state);
     } catch (...) {
-        TakeFormat(formerRate, formerConfig); // the instance stays as it was
-        finish();
-        throw;
+        failure = std::current_exception();
+        ReturnToFormat(formerRate, formerConfig, state);
     }
-    finish();
+    if (closedEditor != nullptr) {
+        editor = closedEditor;
+        editor->ReopenAfterFormat();
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+// The instance stays as it was when it can't have a new format.
+void Plugin::ReturnToFormat(float formerRate,
+                            uint32_t formerConfig,
+                            const Util::Bytes& state) noexcept
+{
+    try {
+        TakeFormat(formerRate, formerConfig);
+        FollowFormat(state);
+    } catch (...) {
+        // The caller is told of the failure that came first.
+        Util::DebugTrace("The former stream format could not be taken again");
+    }
 }
 
 // The editor when it is this thread's, which is closed then; one of another thread stays open and
@@ -72,6 +89,7 @@ Editor* Plugin::FreeEditorOfElements()
         return nullptr;
     }
     editor->CloseForFormat();
+    editorPending = false; // opened again, it is bound to what is there then
     return std::exchange(editor, nullptr);
 }
 

@@ -60,15 +60,17 @@ void DSPSetImpl::AddElement(const String& name,
             present->SetFormat(sampleRate, channelConfig);
             return;
         }
-        order.erase(std::remove_if(order.begin(),
-                                   order.end(),
-                                   [&](const NamedElement& entry) { return entry.first == name; }),
-                    order.end());
-        elements.erase(name); // its destruction ends its commands
     }
+    // All that can fail comes first: a set without this element couldn't process.
     std::shared_ptr<Element> element = make();
-    order.emplace_back(name, element.get());
-    elements.emplace(name, std::move(element));
+    NamedElement named(name, element.get());
+    order.reserve(order.size() + 1);
+    elements[name] = std::move(element); // the destruction of a former one ends its commands
+    order.erase(std::remove_if(order.begin(),
+                               order.end(),
+                               [&](const NamedElement& entry) { return entry.first == name; }),
+                order.end());
+    order.push_back(std::move(named));
 }
 
 } // namespace DSP

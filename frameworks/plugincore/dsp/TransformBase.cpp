@@ -9,17 +9,21 @@
 
 namespace DSP {
 
-TransformBase::TransformBase(ElementHost& newHost, std::unique_ptr<DSPSet> newSet)
+TransformBase::TransformBase(ElementHost& newHost,
+                             std::unique_ptr<DSPSet> newSet,
+                             std::string_view newAutomatableRows)
     : host(newHost)
     , set(std::move(newSet))
+    , automatableRows(newAutomatableRows)
 {
 }
 
 void TransformBase::SetFormat(float sampleRate, uint32_t channelConfig)
 {
     set->BuildElements(sampleRate, channelConfig);
-    dryBuffers.assign(DSP::GetChannelCount(channelConfig),
-                      std::vector<float>(host.GetMaxBlockFrames()));
+    channelCount = DSP::GetChannelCount(channelConfig);
+    // The former list leads to elements that may be gone.
+    paramSet = std::make_unique<const ParamSetImpl>(*set, automatableRows);
 }
 
 void TransformBase::PlanDryDelay()
@@ -34,10 +38,28 @@ void TransformBase::PlanDryDelay()
                          "DSPSet::GetMaxSystemDelay()");
         longest = wanted;
     }
-    dryLines.assign(longest != 0 ? dryBuffers.size() : 0, DelayLine(longest));
+    SizeDryLines(longest);
     for (DelayLine& line : dryLines) {
         line.SetLength(wanted);
+        line.Clear();
     }
+}
+
+// Lines and buffers go together: the audio thread takes a line for each buffer. Those that fit
+// stay, so that the way back from a format that found no memory needs none.
+void TransformBase::SizeDryLines(uint32_t maxLength)
+{
+    const std::size_t lineCount = maxLength != 0 ? channelCount : 0;
+    const bool linesFit = dryLines.size() == lineCount &&
+                          (dryLines.empty() || dryLines.front().GetMaxLength() == maxLength);
+    if (linesFit && dryBuffers.size() == channelCount) {
+        return;
+    }
+    std::vector<std::vector<float>> newBuffers(channelCount,
+                                               std::vector<float>(host.GetMaxBlockFrames()));
+    std::vector<DelayLine> newLines(lineCount, DelayLine(std::max(maxLength, 1U)));
+    dryBuffers.swap(newBuffers);
+    dryLines.swap(newLines);
 }
 
 void TransformBase::ProcessChunk(uint32_t frames, float* const* channels)

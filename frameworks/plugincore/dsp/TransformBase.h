@@ -10,6 +10,8 @@
 #include <atomic>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace DSP {
@@ -26,20 +28,26 @@ public:
         void* context = nullptr;
     };
 
-    TransformBase(ElementHost& newHost, std::unique_ptr<DSPSet> newSet);
+    /// `newAutomatableRows` is the text that ParamSetImpl reads.
+    TransformBase(ElementHost& newHost,
+                  std::unique_ptr<DSPSet> newSet,
+                  std::string_view newAutomatableRows);
     TransformBase(const TransformBase&) = delete;
     TransformBase& operator=(const TransformBase&) = delete;
     virtual ~TransformBase() = default;
 
-    /// Makes the elements, or brings them to a new format. Under the process lock. [setup]
+    /// Makes the elements, or brings them to a new format, and the list of automatable parameters
+    /// of what there is then. Under the process lock. [setup]
     void SetFormat(float sampleRate, uint32_t channelConfig);
 
     /// Sizes the dry lines by the largest latency of the set, or by the delay that is wanted now if
-    /// that is larger, and clears them. After SetFormat(), once the latency is known. [setup]
+    /// that is larger, and clears them. After SetFormat(), once the latency is known. When memory
+    /// is short it throws and leaves the lines as they were. [setup]
     void PlanDryDelay();
 
     DSPSet& GetSet() const { return *set; }
-    virtual const ParamSetBase& GetParamSet() const = 0;
+    /// Made anew by SetFormat().
+    const ParamSetBase& GetParamSet() const { return *paramSet; }
 
     /// Works on one chunk of at most the host's largest block, in place. Null channels are skipped.
     /// [process]
@@ -87,12 +95,16 @@ protected:
     ElementHost& GetHost() const { return host; }
 
 private:
+    void SizeDryLines(uint32_t maxLength);
     void FollowDelay();
     void RunDryPath(uint32_t frames, float* const* channels);
     void CopyDry(uint32_t frames, float* const* channels) const;
 
     ElementHost& host;
     const std::unique_ptr<DSPSet> set;
+    const std::string automatableRows;
+    std::unique_ptr<const ParamSetBase> paramSet;
+    std::size_t channelCount = 0;
     std::vector<DelayLine> dryLines;            // a channel each; empty while there is no delay
     std::vector<std::vector<float>> dryBuffers; // [channel][largest chunk]
     bool wasBypassed = false;

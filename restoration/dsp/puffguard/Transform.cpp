@@ -16,11 +16,10 @@ bool FitsBuffer(const TransformReadRecord& record)
 } // namespace
 
 Transform::Transform(ElementHost& owner, Parts parts, float sampleRate, uint32_t channelConfig)
-    : TransformBase(owner, std::move(parts.set))
+    : TransformBase(owner, std::move(parts.set), parts.automatableRows)
     , log(std::move(parts.log))
 {
     SetFormat(sampleRate, channelConfig);
-    paramSet = std::make_unique<ParamSetImpl>(GetSet(), parts.automatableRows);
 }
 
 bool Transform::Read(TransformReadRecord& record)

@@ -21,7 +21,6 @@ public:
     /// Makes the elements for a rate, in Hz, and a layout code. [setup]
     Transform(ElementHost& owner, Parts parts, float sampleRate, uint32_t channelConfig);
 
-    const ParamSetBase& GetParamSet() const override { return *paramSet; }
     bool Read(TransformReadRecord& record) override;
 
 private:
@@ -29,7 +28,6 @@ private:
     bool ReadTotals(TransformReadRecord& record) const;
 
     const std::shared_ptr<const DetectionLog> log;
-    std::unique_ptr<ParamSetBase> paramSet;
 };
 
 } // namespace DSP

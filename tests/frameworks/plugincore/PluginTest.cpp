@@ -51,10 +51,17 @@ public:
     uint32_t resets = 0;
     bool wasOnUIThread = true;
     bool refusesStereo = false;
+    bool refusesStereoLate = false; // when the delays are planned
 
 protected:
     uint32_t GetLatencySamples(Side) const override { return static_cast<uint32_t>(late); }
-    uint32_t GetMaxLatencySamples() const override { return MaxLate; }
+    uint32_t GetMaxLatencySamples() const override
+    {
+        if (refusesStereoLate && GetChannelCount() == 2) {
+            throw std::bad_alloc();
+        }
+        return MaxLate;
+    }
     void OnReset() override
     {
         ++resets;
@@ -83,23 +90,19 @@ private:
 class TestTransform final : public DSP::TransformBase {
 public:
     TestTransform(DSP::ElementHost& owner, float rate, uint32_t layout)
-        : TransformBase(
-              owner,
-              std::make_unique<DSP::LMDSPSet>(
-                  owner, "Main", [](DSP::ElementHost& instance, float hz, uint32_t config) {
-                      return std::make_shared<Recorder>(instance, hz, config);
-                  }))
+        : TransformBase(owner,
+                        std::make_unique<DSP::LMDSPSet>(
+                            owner,
+                            "Main",
+                            [](DSP::ElementHost& instance, float hz, uint32_t config) {
+                                return std::make_shared<Recorder>(instance, hz, config);
+                            }),
+                        "Bypass\tGlobal\tGlobal Bypass\r\n"
+                        "Late\tMain\tLate\r\n")
     {
         SetFormat(rate, layout);
-        params = std::make_unique<DSP::ParamSetImpl>(GetSet(),
-                                                     "Bypass\tGlobal\tGlobal Bypass\r\n"
-                                                     "Late\tMain\tLate\r\n");
     }
-    const DSP::ParamSetBase& GetParamSet() const override { return *params; }
     Recorder& GetRecorder() const { return dynamic_cast<Recorder&>(*GetSet().GetMainElement()); }
-
-private:
-    std::unique_ptr<DSP::ParamSetBase> params;
 };
 
 class Definition final : public PluginDefinition {
@@ -395,14 +398,16 @@ TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
 TEST_F(PluginTest, StaysAsItWasWhenANewFormatFails)
 {
     Recorder& recorder = Create();
-    recorder.refusesStereo = true;
-    EXPECT_THROW(plugin->SetStreamFormat(96000.0F, 1), std::bad_alloc);
-    EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
-    EXPECT_EQ(recorder.GetChannelCount(), 1U);
-    std::vector<float> samples = Impulse(10);
-    Process(samples);
-    EXPECT_EQ(PeakOf(samples), 0);
-    recorder.refusesStereo = false;
+    for (bool Recorder::*refusal : {&Recorder::refusesStereo, &Recorder::refusesStereoLate}) {
+        recorder.*refusal = true;
+        EXPECT_THROW(plugin->SetStreamFormat(96000.0F, 1), std::bad_alloc);
+        EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
+        EXPECT_EQ(recorder.GetChannelCount(), 1U);
+        std::vector<float> samples = Impulse(10);
+        Process(samples);
+        EXPECT_EQ(PeakOf(samples), 0);
+        recorder.*refusal = false;
+    }
     plugin->SetStreamFormat(96000.0F, 1); // the same request again is heard
     EXPECT_EQ(recorder.GetChannelCount(), 2U);
 }

@@ -56,13 +56,12 @@ public:
                             "BOX",
                             [&boxLivesOn](DSP::ElementHost& instance, float hz, uint32_t config) {
                                 return std::make_shared<Box>(instance, hz, config, boxLivesOn);
-                            }))
+                            }),
+                        "Gain\tBOX\tGain\r\n")
         , events(newEvents)
     {
         SetFormat(rate, layout);
-        params = std::make_unique<DSP::ParamSetImpl>(GetSet(), "Gain\tBOX\tGain\r\n");
     }
-    const DSP::ParamSetBase& GetParamSet() const override { return *params; }
     void BeforeSave() override { events += "save "; }
     void AfterStateLoaded() override { events += "loaded "; }
     bool LoadLegacyChunk(std::span<const uint8_t> text, uint32_t version) override
@@ -75,7 +74,6 @@ public:
 
 private:
     std::string& events;
-    std::unique_ptr<DSP::ParamSetBase> params;
 };
 
 class Definition final : public PluginDefinition {

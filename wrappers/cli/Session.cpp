@@ -90,7 +90,7 @@ void CheckPresetTarget(Instance& instance, const Options& options)
         return;
     }
     for (const Preset& preset : instance.ListPresets()) {
-        if (preset.group == PresetGroupUser && preset.name == target) {
+        if (preset.group == PresetGroupUser && LowerCase(preset.name) == LowerCase(target)) {
             Naming(Printable(preset.path), [&] { CheckNewFile(preset.path, options.overwrite); });
         }
     }

@@ -77,7 +77,8 @@ TEST_F(CommandPresets, OneOfTheUsersOwnHasANameAndAComment)
     EXPECT_EQ(entry["comment"], comment);
     EXPECT_TRUE(std::filesystem::exists(entry["file"].get<std::string>()));
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
-    ExpectRefusal({"--strength", "1", "--save-preset", "Mine"}, 1, "exists already");
+    for (const char* same : {"Mine", "MINE"})
+        ExpectRefusal({"--strength", "1", "--save-preset", same}, 1, "Mine.xml: exists already");
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
     Say({"--strength", "2.5", "--save-preset", "Mine", "--force"});
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 2.5);

@@ -6,6 +6,26 @@
 #include <utility>
 
 namespace Controller {
+namespace {
+
+// Points to the key from here to the end of the scope, also when an exception ends it.
+class ScopedKey {
+public:
+    ScopedKey(const String*& newField, const String& key)
+        : field(newField)
+        , former(std::exchange(newField, &key))
+    {
+    }
+    ScopedKey(const ScopedKey&) = delete;
+    ScopedKey& operator=(const ScopedKey&) = delete;
+    ~ScopedKey() { field = former; }
+
+private:
+    const String*& field;
+    const String* const former;
+};
+
+} // namespace
 
 PersistentParamsLink::PersistentParamsLink(std::shared_ptr<PersistentParamsHolder> newHolder)
     : holder(std::move(newHolder))
@@ -42,9 +62,20 @@ void PersistentParamsLink::Follow(const String& key, ParamType& controller)
 
 void PersistentParamsLink::TakeOver(const String& key, const Followed& entry)
 {
-    const String* const former = std::exchange(applying, &key);
+    const ScopedKey scope(applying, key);
     entry.takeOver();
-    applying = former;
+}
+
+void PersistentParamsLink::TakeOverAll(std::set<String>& keys)
+{
+    while (!keys.empty()) {
+        const auto first = keys.begin();
+        const auto found = followed.find(*first);
+        if (found != followed.end()) {
+            TakeOver(*first, found->second);
+        }
+        keys.erase(first);
+    }
 }
 
 void PersistentParamsLink::Announce(const String& key)
@@ -60,11 +91,13 @@ void PersistentParamsLink::ApplyChanges()
         const Util::CriticalSectionGuard guard(queueLock);
         changed.swap(queue);
     }
-    for (const String& key : changed) {
-        const auto found = followed.find(key);
-        if (found != followed.end()) {
-            TakeOver(key, found->second);
-        }
+    try {
+        TakeOverAll(changed);
+    } catch (...) {
+        // The next tick goes on here: with the failed one too, as its value may not have arrived.
+        const Util::CriticalSectionGuard guard(queueLock);
+        queue.merge(changed);
+        throw;
     }
 }
 

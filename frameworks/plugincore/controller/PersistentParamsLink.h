@@ -24,7 +24,8 @@ public:
     void Load(DSP::Element& element);
     /// Lets go of all elements.
     void Clear() { followed.clear(); }
-    /// Takes over what other instances have changed; every tick.
+    /// Takes over what other instances have changed; every tick. When that throws, the next call
+    /// takes over the rest.
     void ApplyChanges();
 
     /// For the holder: the preference of this key has changed. [any]
@@ -41,6 +42,8 @@ private:
         Connection connection;
     };
     void TakeOver(const String& key, const Followed& entry);
+    /// Leaves those that are still to be taken over.
+    void TakeOverAll(std::set<String>& keys);
 
     const std::shared_ptr<PersistentParamsHolder> holder;
     std::map<String, Followed> followed; // by key

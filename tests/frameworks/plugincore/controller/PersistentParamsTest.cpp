@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -127,6 +128,28 @@ TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
     EXPECT_EQ(first.Value(), 80.0F);
     EXPECT_EQ(second.Value(), 80.0F);
     EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 80.0F);
+}
+
+TEST_F(PersistentParamsTest, AListenerThatThrowsCostsNoOtherValue)
+{
+    Instance first;
+    Instance second;
+    bool fails = true;
+    const auto connection =
+        second.element.GetDispatchInfo<uint32_t>(TestElement::Colour)->Connect([&](uint32_t) {
+            if (std::exchange(fails, false)) {
+                throw std::runtime_error("listener");
+            }
+        });
+    first.element.SetEnumValue(TestElement::Colour, 3, Side::UI, DSP::SourceHost);
+    first.Set(77.0F); // its key comes after the other's
+    EXPECT_THROW(second.link.ApplyChanges(), std::runtime_error);
+    second.link.ApplyChanges();
+    EXPECT_EQ(second.element.GetEnumValue(TestElement::Colour, Side::UI), 3U);
+    EXPECT_EQ(second.Value(), 77.0F);
+    // Taking over is done with: what changes here from now on is written.
+    second.element.SetEnumValue(TestElement::Colour, 1, Side::UI, DSP::SourceHost);
+    EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 1U);
 }
 
 TEST_F(PersistentParamsTest, WhatTheProcessSideChangesIsKeptWhenItIsPolled)

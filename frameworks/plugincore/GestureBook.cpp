@@ -3,8 +3,8 @@
 
 bool GestureBook::Grab(const DSP::Element& element, const String& name, bool mayReport)
 {
+    Held& entry = held[{&element, name}]; // first: it may throw, and then nothing goes on
     ++underWay;
-    Held& entry = held[{&element, name}];
     if (++entry.count > 1) {
         return false;
     }

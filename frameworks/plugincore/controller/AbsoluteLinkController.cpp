@@ -18,6 +18,17 @@ LinkedParam<ParamType>::LinkedParam(AbsoluteLinkController<ParamType>& newLink,
 }
 
 template <typename ParamType>
+void LinkedParam<ParamType>::StoreValue(const T& value)
+{
+    const uint64_t spreadCount = link.GetSpreadCount();
+    ParamType::StoreValue(value);
+    // A target that had the value already is silent, but the others may have another one.
+    if (link.GetSpreadCount() == spreadCount && GetTarget() != nullptr) {
+        link.Spread(target, target.GetValue());
+    }
+}
+
+template <typename ParamType>
 LinkedParam<ParamType>& AbsoluteLinkController<ParamType>::Add(ParamType& param)
 {
     auto& added = AddChild(std::make_unique<LinkedParam<ParamType>>(*this, param));
@@ -54,6 +65,7 @@ void AbsoluteLinkController<ParamType>::Spread(const ParamType& from, const T& v
         return;
     }
     const Util::ScopedFlag mark(spreading);
+    ++spreadCount;
     const T wanted = value;
     for (const LinkedParam<ParamType>* entry : linked) {
         ParamType* target = entry->GetTarget();

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/controller/Param.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace Controller {
@@ -10,23 +11,35 @@ namespace Controller {
 template <typename ParamType>
 class AbsoluteLinkController;
 
-/// The value is that of another parameter. It is set there with all that belongs to it.
+/// The value is that of another parameter. It is set there with all that belongs to it. Once that
+/// one is gone, its last value stays.
 template <typename T, typename ParamType>
 class LinkedParamStorage final : public ParamStorage<T> {
 public:
-    /// The parameter outlives the storage's use.
+    /// The parameter may go first.
     explicit LinkedParamStorage(ParamType& newParam)
         : param(newParam)
-        , connection(param.ValueChanged().Connect(
-              [this](const T& value) { this->ValueChanged().Emit(value); }))
+        , observer(newParam)
+        , last(newParam.GetValue())
+        , connection(param.ValueChanged().Connect([this](const T& value) {
+            last = value;
+            this->ValueChanged().Emit(value);
+        }))
     {
     }
 
-    void Store(const T& value) override { param.SetValue(value); }
-    T Load() const override { return param.GetValue(); }
+    void Store(const T& value) override
+    {
+        if (!observer.IsDestroyed()) {
+            param.SetValue(value);
+        }
+    }
+    T Load() const override { return observer.IsDestroyed() ? last : param.GetValue(); }
 
 private:
     ParamType& param;
+    const DestructorObserver observer;
+    T last;
     const Connection connection;
 };
 
@@ -40,6 +53,7 @@ public:
     /// Made by the link, which outlives it.
     LinkedParam(AbsoluteLinkController<ParamType>& newLink, ParamType& newTarget);
 
+    void StoreValue(const T& value) override;
     void BeginChange() override { link.BeginChangeOfAll(); }
     void EndChange() override { link.EndChangeOfAll(); }
     /// Null once the parameter is gone.
@@ -66,12 +80,15 @@ public:
     /// For LinkedParam.
     void BeginChangeOfAll();
     void EndChangeOfAll();
+    /// Sets the others to the value.
+    void Spread(const ParamType& from, const T& value);
+    /// How often that has been done.
+    uint64_t GetSpreadCount() const { return spreadCount; }
 
 private:
-    void Spread(const ParamType& from, const T& value);
-
     std::vector<LinkedParam<ParamType>*> linked; // children
     bool spreading = false;
+    uint64_t spreadCount = 0;
 };
 
 extern template class LinkedParam<FloatParam>;

@@ -21,8 +21,8 @@ public:
         , isOutermost(!param.changing)
     {
         if (isOutermost) {
-            param.changing = true;
-            param.BeginChange();
+            param.changing = true; // first: what begins a change may set the value, too
+            BeginChange();
         }
     }
     ChangeScope(const ChangeScope&) = delete;
@@ -36,6 +36,17 @@ public:
     }
 
 private:
+    // A change that can't begin is none: the next one begins anew.
+    void BeginChange()
+    {
+        try {
+            param.BeginChange();
+        } catch (...) {
+            param.changing = false;
+            throw;
+        }
+    }
+
     Param& param;
     const bool isOutermost;
 };

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -168,8 +169,36 @@ TEST(ParamTest, AGrabOutlivesItsParameterWithoutHarm)
         EXPECT_EQ(log, Log{"begin"});
     }
     EXPECT_EQ(log, (Log{"begin", "end"}));
-    const GrabbedParamHandle<float> orphan(*param);
-    param.reset();
+    log.clear();
+    {
+        const GrabbedParamHandle<float> orphan(*param);
+        param.reset();
+    }
+    EXPECT_EQ(log, Log{"begin"}); // nothing ends on what is gone
+}
+
+TEST(ParamTest, AChangeThatCannotBeginLeavesNoTrace)
+{
+    struct Refusing : FloatParamMemory {
+        using MemoryParam::MemoryParam;
+        void BeginChange() override
+        {
+            if (++begun == 1) {
+                throw std::runtime_error("refused");
+            }
+        }
+        void EndChange() override { ++ended; }
+        int begun = 0;
+        int ended = 0;
+    };
+    Refusing param({0.0F, 10.0F}, 5.0F);
+    EXPECT_THROW(param.SetValue(7.0F), std::runtime_error);
+    EXPECT_EQ(param.GetValue(), 5.0F);
+    EXPECT_EQ(param.ended, 0);
+    param.SetValue(8.0F);
+    EXPECT_EQ(param.GetValue(), 8.0F);
+    EXPECT_EQ(param.begun, 2);
+    EXPECT_EQ(param.ended, 1);
 }
 
 TEST(LinkTest, SettingOneSetsTheRestWithoutEnd)
@@ -204,6 +233,33 @@ TEST(LinkTest, SettingOneSetsTheRestWithoutEnd)
     EXPECT_EQ(std::count(log.begin(), log.end(), "begin"), 4);
     EXPECT_EQ((Log{log.begin(), log.begin() + 2}), (Log{"begin", "begin"}));
     EXPECT_EQ((Log{log.end() - 2, log.end()}), (Log{"end", "end"}));
+}
+
+TEST(LinkTest, SettingTheValueThatTheTargetHasSetsTheRestAllTheSame)
+{
+    FloatParamMemory first({0.0F, 10.0F}, 5.0F);
+    FloatParamMemory second({0.0F, 10.0F}, 3.0F);
+    AbsoluteLinkController<FloatParam> link;
+    FloatParam& linked = link.Add(first);
+    link.Add(second);
+    linked.SetValue(5.0F);
+    EXPECT_EQ(second.GetValue(), 5.0F);
+}
+
+TEST(LinkTest, KeepsTheLastValueOfATargetThatIsGone)
+{
+    auto target = std::make_unique<FloatParamMemory>(DSP::ValueRange<float>{0.0F, 10.0F}, 5.0F);
+    FloatParamMemory other({0.0F, 10.0F}, 3.0F);
+    AbsoluteLinkController<FloatParam> link;
+    FloatParam& untouched = link.Add(*target);
+    EXPECT_EQ(untouched.GetValue(), 5.0F);
+    link.Add(other);
+    target->SetValue(6.0F);
+    target.reset();
+    EXPECT_EQ(untouched.GetValue(), 6.0F);
+    untouched.SetValue(7.0F);
+    EXPECT_EQ(untouched.GetValue(), 6.0F);
+    EXPECT_EQ(other.GetValue(), 6.0F);
 }
 
 TEST(ConfigFileParamTest, StartsWithTheSettingAndWritesWhatDiffers)

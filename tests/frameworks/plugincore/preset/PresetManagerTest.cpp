@@ -383,6 +383,7 @@ TEST(PresetNames, AreGuessedFromWhatIsNearIt)
                                                          {"STORNG", "Strong"},
                                                          {"low-voice", "Low voice"},
                                                          {"Live/low latency", "Live - low latency"},
+                                                         {"my own Strong", ""},
                                                          {"Mine", ""},
                                                          {"", ""},
                                                          {std::string(5000, 'x'), ""}};

@@ -12,14 +12,27 @@ class PersistentParam final : public ConfigFileParam<Base> {
 public:
     using T = typename Base::Value;
 
-    /// Range and default are those of `model`, the first element's parameter of this key.
+    /// `model` is the first element's parameter of this key.
     PersistentParam(Util::ConfigFile& file,
-                    const String& key,
+                    const String& newKey,
                     const DSP::ElementParamImplBase<T>& model)
-        : ConfigFileParam<Base>(file, key, model.GetDefault())
+        : ConfigFileParam<Base>(file, newKey, model.GetDefault())
+        , key(newKey)
+    {
+        Register(model);
+    }
+
+    /// Range and default are from now on those of `model`, the newest parameter of this key; the
+    /// value stays.
+    void Register(const DSP::ElementParamImplBase<T>& model)
     {
         Base::SetRange(model.GetRange());
+        Base::SetDefault(model.GetDefault());
     }
+    const String& GetKey() const { return key; }
+
+private:
+    const String key;
 };
 
 using PersistentFloatParam = PersistentParam<FloatParam>;

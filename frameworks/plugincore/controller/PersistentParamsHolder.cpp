@@ -38,9 +38,26 @@ template <typename T>
 void PersistentParamsHolder::Register(const String& key, const DSP::ElementParamImplBase<T>& model)
 {
     const Util::CriticalSectionGuard guard(lock);
-    if (!params.contains(key)) {
-        params.emplace(key, std::make_shared<PersistentOf<T>>(file, key, model));
+    using Pointer = std::shared_ptr<PersistentOf<T>>;
+    const auto found = params.find(key);
+    if (found != params.end()) {
+        std::get<Pointer>(found->second)->Register(model);
+        return;
     }
+    const auto made = std::make_shared<PersistentOf<T>>(file, key, model);
+    registered.reserve(registered.size() + 1); // a failure leaves it in neither place
+    params.emplace(key, made);
+    registered.emplace_back(made);
+}
+
+std::vector<String> PersistentParamsHolder::GetKeys() const
+{
+    const Util::CriticalSectionGuard guard(lock);
+    std::vector<String> keys;
+    for (const ParamPointer& param : registered) {
+        keys.push_back(std::visit([](const auto& typed) { return typed->GetKey(); }, param));
+    }
+    return keys;
 }
 
 template <typename T>

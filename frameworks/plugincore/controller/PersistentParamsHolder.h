@@ -26,9 +26,12 @@ public:
 
     explicit PersistentParamsHolder(const String& settingsPath);
 
-    /// Makes the parameter of this key, unless it is there. For float, uint32_t and bool.
+    /// Makes the parameter of this key, or hands `model` to the one that is there. A key keeps its
+    /// type: float, uint32_t or bool.
     template <typename T>
     void Register(const String& key, const DSP::ElementParamImplBase<T>& model);
+    /// Keys of all parameters, in the order in which they came.
+    std::vector<String> GetKeys() const;
     /// The key has been registered with this type.
     template <typename T>
     T Get(const String& key) const;
@@ -48,6 +51,7 @@ private:
     mutable Util::CriticalSection lock{"Persistent Params"};
     Util::ConfigFile file UTIL_GUARDED_BY(lock);
     std::map<String, ParamPointer> params UTIL_GUARDED_BY(lock);
+    std::vector<ParamPointer> registered UTIL_GUARDED_BY(lock);     // those of params, oldest first
     std::vector<PersistentParamsLink*> links UTIL_GUARDED_BY(lock); // not owned
 };
 

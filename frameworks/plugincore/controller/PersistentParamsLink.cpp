@@ -40,7 +40,8 @@ PersistentParamsLink::~PersistentParamsLink()
 
 void PersistentParamsLink::Load(DSP::Element& element)
 {
-    PersistentRegistrationVisitor visitor(*this, element);
+    PersistentRegistrationVisitor visitor(
+        *this, element, PersistentRegistrationVisitor::Mode::Link);
     DSP::VisitParams(element.GetParamMap(), visitor);
 }
 

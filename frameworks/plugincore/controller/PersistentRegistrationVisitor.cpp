@@ -14,16 +14,18 @@ bool IsPersistent(const DSP::ParamInfo& info)
 } // namespace
 
 PersistentRegistrationVisitor::PersistentRegistrationVisitor(PersistentParamsLink& newLink,
-                                                             DSP::Element& newElement)
+                                                             DSP::Element& newElement,
+                                                             Mode newMode)
     : link(newLink)
-    , controllers(newElement.GetControllerSet())
+    , controllers(newMode == Mode::Link ? newElement.GetControllerSet() : nullptr)
 {
 }
 
 template <typename T, typename ParamType>
-void PersistentRegistrationVisitor::Register(const char* typeWord,
-                                             const DSP::ElementParamImplBase<T>& param,
-                                             ParamType* controller)
+void PersistentRegistrationVisitor::Register(
+    const char* typeWord,
+    const DSP::ElementParamImplBase<T>& param,
+    ParamType* (ControllerSet::*getController)(const String& name))
 {
     const String key = String("%1.%2.%3.%4")
                            .arg("Params")
@@ -31,30 +33,32 @@ void PersistentRegistrationVisitor::Register(const char* typeWord,
                            .arg(typeWord)
                            .arg(param.GetName());
     link.GetHolder().Register(key, param);
-    link.Follow(key, *controller);
+    if (controllers) {
+        link.Follow(key, *((*controllers).*getController)(param.GetName()));
+    }
 }
 
-void PersistentRegistrationVisitor::VisitFloat(const String& name,
+void PersistentRegistrationVisitor::VisitFloat(const String& /*name*/,
                                                const DSP::ElementParamImplBase<float>& param)
 {
     if (IsPersistent(param.GetParamInfo())) {
-        Register<float>("Float", param, controllers->GetFloatController(name));
+        Register<float>("Float", param, &ControllerSet::GetFloatController);
     }
 }
 
-void PersistentRegistrationVisitor::VisitBool(const String& name,
+void PersistentRegistrationVisitor::VisitBool(const String& /*name*/,
                                               const DSP::ElementParamImplBase<bool>& param)
 {
     if (IsPersistent(param.GetParamInfo())) {
-        Register<bool>("Bool", param, controllers->GetBoolController(name));
+        Register<bool>("Bool", param, &ControllerSet::GetBoolController);
     }
 }
 
-void PersistentRegistrationVisitor::VisitEnum(const String& name,
+void PersistentRegistrationVisitor::VisitEnum(const String& /*name*/,
                                               const DSP::ElementParamEnumImplBase& param)
 {
     if (IsPersistent(param.GetParamInfo())) {
-        Register<uint32_t>("Enum", param, controllers->GetEnumController(name));
+        Register<uint32_t>("Enum", param, &ControllerSet::GetEnumController);
     }
 }
 

@@ -6,24 +6,32 @@
 
 namespace Controller {
 
-/// Registers each persistent parameter of an element with the user's preferences and has the link
-/// follow its controller; other parameters are passed over. [ui]
+/// Registers each persistent parameter of an element with the user's preferences; other parameters
+/// are passed over. [ui]
 class PersistentRegistrationVisitor final : public DSP::ParamVisitor {
 public:
-    PersistentRegistrationVisitor(PersistentParamsLink& newLink, DSP::Element& newElement);
+    enum class Mode : uint32_t {
+        Link = 0,         ///< the link follows the controllers of the parameters
+        RegisterOnly = 1, ///< no controller is made
+    };
+
+    PersistentRegistrationVisitor(PersistentParamsLink& newLink,
+                                  DSP::Element& newElement,
+                                  Mode newMode);
 
     void VisitFloat(const String& name, const DSP::ElementParamImplBase<float>& param) override;
     void VisitBool(const String& name, const DSP::ElementParamImplBase<bool>& param) override;
     void VisitEnum(const String& name, const DSP::ElementParamEnumImplBase& param) override;
 
 private:
+    /// `getController` is the set's operation for this type.
     template <typename T, typename ParamType>
     void Register(const char* typeWord,
                   const DSP::ElementParamImplBase<T>& param,
-                  ParamType* controller);
+                  ParamType* (ControllerSet::*getController)(const String& name));
 
     PersistentParamsLink& link;
-    const std::shared_ptr<ControllerSet> controllers;
+    const std::shared_ptr<ControllerSet> controllers; // null in RegisterOnly
 };
 
 } // namespace Controller

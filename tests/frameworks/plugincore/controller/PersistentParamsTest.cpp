@@ -3,6 +3,7 @@
 // those that only follow.
 #include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
+#include "frameworks/plugincore/controller/PersistentRegistrationVisitor.h"
 #include "tests/frameworks/plugincore/controller/TestElement.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestElementHost.h"
@@ -186,6 +187,29 @@ TEST_F(PersistentParamsTest, LetsGoOfElementsAndTakesTheNextOnesAtTheSameValues)
     second.Set(46.0F);
     first.link.ApplyChanges();
     EXPECT_EQ(first.Value(), 46.0F);
+}
+
+TEST_F(PersistentParamsTest, RegistrationKeepsItsOrderAndCanDoWithoutControllers)
+{
+    Support::TestElementHost host;
+    TestElement element(host);
+    PersistentParamsLink link(PersistentParamsHolder::Share(Settings));
+    element.makeSet = []() -> std::shared_ptr<ControllerSet> {
+        ADD_FAILURE() << "asked for controllers";
+        return nullptr;
+    };
+    PersistentRegistrationVisitor visitor(
+        link, element, PersistentRegistrationVisitor::Mode::RegisterOnly);
+    DSP::VisitParams(element.GetParamMap(), visitor);
+    DSP::VisitParams(element.GetParamMap(), visitor); // nothing new
+    // As the element has them, by name; by key they would stand otherwise.
+    EXPECT_EQ(link.GetHolder().GetKeys(),
+              (std::vector<String>{
+                  "Params.Test.Enum.Colour", "Params.Test.Bool.Shown", "Params.Test.Float.Size"}));
+    Instance other;
+    other.Set(40.0F);
+    link.ApplyChanges();
+    EXPECT_EQ(element.GetFloatValue(TestElement::Size, Side::UI), 20.0F);
 }
 
 // Each thread is the UI thread of an instance that lives for a while, as in a host that has one a

@@ -10,6 +10,29 @@
 
 namespace Preset {
 
+LegacyFamily FindLegacyFamily(const String& type)
+{
+    // The first match decides.
+    static constexpr std::pair<const char*, LegacyFamily> words[] = {
+        {"ChannelOps", LegacyFamily::ChannelOps},
+        {"LMDeclick", LegacyFamily::Declicker},
+        {"LMDecrackle", LegacyFamily::Declicker},
+        {"LMInterpolate", LegacyFamily::Declicker},
+        {"LMDenoiser", LegacyFamily::Denoiser},
+        {"Gain", LegacyFamily::Gain},
+        {"Fade", LegacyFamily::Gain},
+        {"Normalize", LegacyFamily::Gain},
+        {"Deconstruct", LegacyFamily::Deconstruct},
+        {"AdditiveDecomposition", LegacyFamily::Deconstruct},
+    };
+    for (const auto& [word, family] : words) {
+        if (type.Find(word)) {
+            return family;
+        }
+    }
+    return LegacyFamily::Other;
+}
+
 LegacyPresetFileHandlerBase::LegacyPresetFileHandlerBase(PresetFileBase& newFile,
                                                          Renames newRenames)
     : file(newFile)

@@ -54,4 +54,10 @@ private:
     const Renames renames;
 };
 
+/// Families of presets that older programs wrote.
+enum class LegacyFamily { ChannelOps, Declicker, Denoiser, Gain, Deconstruct, Other };
+
+/// By the first word of a table that the type holds anywhere. [any]
+LegacyFamily FindLegacyFamily(const String& type);
+
 } // namespace Preset

@@ -79,10 +79,19 @@ String LmPresetFile::DescribeVersions(const PresetHead& headRead) const
         .arg(identity.paramsVersion);
 }
 
-std::unique_ptr<LegacyPresetFileHandlerBase> LmPresetFile::MakeLegacyHandler(const String& /*type*/)
+std::unique_ptr<LegacyPresetFileHandlerBase> LmPresetFile::MakeLegacyHandler(const String& type)
 {
-    // Older forms belong to kindred products: this one has none of their elements, so that there is
-    // nothing their values could be mapped to. One that has overrides this and looks at the type.
+    switch (FindLegacyFamily(type)) {
+    case LegacyFamily::ChannelOps:
+    case LegacyFamily::Declicker:
+    case LegacyFamily::Denoiser:
+    case LegacyFamily::Gain:
+    case LegacyFamily::Deconstruct:
+        // Kindred products: this one has none of their elements, so that there is nothing their
+        // values could be mapped to. A product that has makes its handler here.
+    case LegacyFamily::Other:
+        break;
+    }
     return std::make_unique<LegacyPresetFileHandlerBase>(*this,
                                                          LegacyPresetFileHandlerBase::Renames());
 }

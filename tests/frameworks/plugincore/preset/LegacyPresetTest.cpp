@@ -116,3 +116,23 @@ TEST(LegacyPreset, IsRefusedByWhatItsHandlerKnows)
     ASSERT_TRUE(fixture.dsp.Apply(file.GetSnapshot()));
     EXPECT_EQ(fixture.Amount(), 5.0F);
 }
+
+TEST(LegacyPreset, BelongsToAFamilyByTheFirstWordThatItHolds)
+{
+    const std::pair<const char*, LegacyFamily> cases[] = {
+        {"LMDeclicker", LegacyFamily::Declicker},
+        {"xLMDecrackle2", LegacyFamily::Declicker},
+        {"LMInterpolate", LegacyFamily::Declicker},
+        {"LMDenoiser", LegacyFamily::Denoiser},
+        {"FadeGain", LegacyFamily::Gain},
+        {"Normalize", LegacyFamily::Gain},
+        {"GainDeconstruct", LegacyFamily::Gain},
+        {"AdditiveDecomposition", LegacyFamily::Deconstruct},
+        {"ChannelOpsGain", LegacyFamily::ChannelOps},
+        {"lmdeclick", LegacyFamily::Other},
+        {"LM6Pfgd", LegacyFamily::Other},
+        {"", LegacyFamily::Other}};
+    for (const auto& [type, family] : cases) {
+        EXPECT_EQ(FindLegacyFamily(type), family) << type;
+    }
+}

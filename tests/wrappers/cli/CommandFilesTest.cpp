@@ -170,12 +170,13 @@ TEST_F(CommandFiles, NothingOfARunReplacesItsRecordingsEvenWhenForced)
     const std::string first = ReadBytes(folder / "a.wav");
     const std::string second = ReadBytes(folder / "a.puffguard.wav");
     const std::string a = folder / "a.wav";
-    for (const Names& arguments : {Names{a, folder / "a.puffguard.wav", "-f"},
-                                   Names{a, "-n", "-f", "--events", a},
-                                   Names{a, "-n", "-f", "--events", folder / "link"},
-                                   Names{a, "-n", "-f", "--labels", a},
-                                   Names{a, "-n", "-f", "--plot", folder / "a.puffguard.wav"},
-                                   Names{a, "-n", "-f", "--labels", "x", "--plot", "x"}}) {
+    for (const Names& arguments :
+         {Names{a, folder / "a.puffguard.wav", "-f"},
+          Names{a, "-n", "-f", "--events", a},
+          Names{a, "-n", "-f", "--events", folder / "link"},
+          Names{a, "-n", "-f", "--labels", a},
+          Names{a, "-n", "-f", "--plot", folder / "a.puffguard.wav"},
+          Names{a, "-n", "-f", "--labels", folder / "x", "--plot", folder / "x"}}) {
         const Outcome outcome = RunPuffguard(arguments);
         EXPECT_NE(outcome.exitCode, 0) << testing::PrintToString(arguments);
         EXPECT_EQ(ReadBytes(a), first);

@@ -114,10 +114,15 @@ bool DispatchInfo<T>::SetOnUISide(T value, ValueSource source)
 template <typename T>
 void DispatchInfo<T>::Send(T value, ValueSource source)
 {
-    // Made before it is counted: a shortage of memory must not leave the count raised.
+    // What doesn't arrive must not leave the count raised.
     auto command = std::make_unique<DispatcherCommand<T>>(*this, value, source);
     inFlight.fetch_add(1, std::memory_order_relaxed);
-    config.mailbox->PostCommand(command.release());
+    try {
+        config.mailbox->PostCommand(command.release());
+    } catch (...) {
+        inFlight.fetch_sub(1, std::memory_order_release);
+        throw;
+    }
 }
 
 template <typename T>

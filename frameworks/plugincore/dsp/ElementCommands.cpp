@@ -4,6 +4,7 @@
 // side never frees memory.
 #include "frameworks/plugincore/dsp/ElementImpl.h"
 
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -11,7 +12,19 @@ namespace DSP {
 
 void ElementImpl::PostCommand(DSPCommand* command)
 {
+    std::unique_ptr<DSPCommand> owned(command); // until a ring has it, or it is done
     host.CommandPosted(*this, *command);
+    try {
+        SendOrRun(command);
+    } catch (...) {
+        host.CommandFinished(*this, *command);
+        throw;
+    }
+    static_cast<void>(owned.release());
+}
+
+void ElementImpl::SendOrRun(DSPCommand* command)
+{
     if (host.IsProcessing() || !host.GetProcessLock().TryEnter()) {
         processFifo.Push(command);
         return;

@@ -134,6 +134,7 @@ private:
     void RunPieces(uint32_t region, const BlockAssembler::Frame& frame, uint32_t maxPieceFrames);
     void ProcessPiece(uint32_t region, uint32_t frames, float* const* channels);
     void FadeToDry(uint32_t frames, float* const* channels, const DryBlock& dry);
+    void SendOrRun(DSPCommand* command);
     void RunDirectly(DSPCommand* command);
     void ServiceReturned();
     void ServiceWithoutAudio();

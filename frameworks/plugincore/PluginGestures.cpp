@@ -75,9 +75,9 @@ void Plugin::ParamChanged(DSP::Element& element, const String& name)
         editor->ParamChanged(element.GetName(), name);
     }
     ReportParam(ValueChanged, element, name);
-    // A preference of the user is no part of the state that the host saves.
+    // Neither a preference of the user nor what is saved nowhere is part of the host's state.
     const bool isOfSession =
-        element.GetParamInfoByName(name).persistence != DSP::Persistence::Persistent;
+        element.GetParamInfoByName(name).persistence == DSP::Persistence::Session;
     if (isOfSession && gestures.NoteChange()) {
         NotifyDirty();
     }

@@ -18,6 +18,7 @@ Global::Global(ElementHost& owner, float rateHz, uint32_t layout)
     depth.target = &historyDepthIndex;
     depth.labels = {"50", "100", "500", "Unlimited"};
     depth.info.persistence = Persistence::Persistent;
+    depth.onUIChange = ReportsChangeOf<uint32_t>(depth.name);
     RegisterEnumParam(HistoryDepthIndex, std::move(depth));
 
     ParamRegistration<float> feathering;
@@ -26,6 +27,7 @@ Global::Global(ElementHost& owner, float rateHz, uint32_t layout)
     feathering.defaultValue = 20.0F;
     feathering.target = &selectionFeathering;
     feathering.info.persistence = Persistence::Persistent;
+    feathering.onUIChange = ReportsChangeOf<float>(feathering.name);
     RegisterFloatParam(SelectionFeathering, std::move(feathering));
 
     ParamRegistration<float> dirty;
@@ -33,9 +35,16 @@ Global::Global(ElementHost& owner, float rateHz, uint32_t layout)
     dirty.range = {0.0F, 1.0F};
     dirty.target = &globalDirtyFlag;
     dirty.info.persistence = Persistence::Transient;
+    dirty.onUIChange = ReportsChangeOf<float>(dirty.name);
     RegisterFloatParam(GlobalDirtyFlag, std::move(dirty));
 
     FinaliseParams();
+}
+
+template <typename T>
+std::function<void(T)> Global::ReportsChangeOf(const String& paramName)
+{
+    return [this, paramName](T /*value*/) { GetHost().ParamChanged(*this, paramName); };
 }
 
 void Global::RegisterSwitch(Param index,
@@ -48,9 +57,7 @@ void Global::RegisterSwitch(Param index,
     registration.defaultValue = defaultValue;
     registration.target = &switches[index];
     registration.info.persistence = persistence;
-    registration.onUIChange = [this, sharedName = registration.name](bool /*value*/) {
-        GetHost().ParamChanged(*this, sharedName);
-    };
+    registration.onUIChange = ReportsChangeOf<bool>(registration.name);
     RegisterBoolParam(index, std::move(registration));
 }
 

@@ -3,6 +3,8 @@
 
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
 
+#include <functional>
+
 namespace DSP::Global {
 
 /// Settings that all products of the family share. It sees no audio: it runs with 0 frames, ahead
@@ -26,6 +28,8 @@ public:
     bool IsConfigurable() const override { return true; }
 
 private:
+    template <typename T>
+    std::function<void(T)> ReportsChangeOf(const String& paramName);
     void
     RegisterSwitch(Param index, const char* paramName, bool defaultValue, Persistence persistence);
 

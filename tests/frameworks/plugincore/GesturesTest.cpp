@@ -108,8 +108,10 @@ TEST_F(GesturesTest, EveryAutomatableParameterIsReportedWithTheEditorFirst)
     instance.Get<FloatParam>("Puffguard.Upper Repair Frequency").SetValue(50.0F);
     EXPECT_NE(instance.Take().find("1 of 2 at 0; 2 of 2 at 0; dirty; "), std::string::npos);
     instance.Get<BoolParam>("Global.Global Bypass").SetValue(true);
-    EXPECT_EQ(instance.Take(),
-              "0 of 3 at 0; editor Global.Global Bypass; 1 of 3 at 1; 2 of 3 at 1; dirty; ");
+    EXPECT_EQ(
+        instance.Take(),
+        "0 of 3 at 0; editor Global.Global Bypass; 1 of 3 at 1; 2 of 3 at 1; "); // it is saved
+                                                                                 // nowhere
     sensitivity.SetValue(10.0F); // a click that changes nothing
     EXPECT_EQ(instance.Take(), "0 of 0 at 1; 2 of 0 at 1; ");
 }
@@ -171,7 +173,8 @@ TEST_F(GesturesTest, WhatIsNotAutomatableChangesTheStateOnlyIfItIsSaved)
     instance.Get<FloatParam>("PuffGuard.Latency Scaling").SetValue(0.5F);
     EXPECT_EQ(instance.Take(), "editor Puffguard.Latency Scaling; dirty; ");
     instance.Get<BoolParam>("Global.Meter Enable").SetValue(false);
-    EXPECT_EQ(instance.Take(), "editor Global.Meter Enable; ");
+    instance.Get<FloatParam>("Global.Selection Feathering").SetValue(7.0F);
+    EXPECT_EQ(instance.Take(), "editor Global.Meter Enable; editor Global.Selection Feathering; ");
 }
 
 TEST_F(GesturesTest, AnActionOfManyChangesIsReportedOnce)

@@ -125,18 +125,17 @@ bool Plugin::SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource s
     if (!text) {
         return false;
     }
-    pendingChunks.clear(); // this state is the newer one
+    LoadPendingChunks(); // the older state: this one may lack a value, or be none at all
     const LoadScope scope(editor);
-    if (version < GetDefinition().GetStateVersion()) {
-        if (!transform->LoadLegacyChunk(*text, version)) {
-            return false;
-        }
-    } else {
+    transform->GetSet().BeforeStateChange();
+    const bool isLegacy = version < GetDefinition().GetStateVersion();
+    const bool succeeded = !isLegacy || transform->LoadLegacyChunk(*text, version);
+    if (!isLegacy) {
         ApplyStateDictionary(*text, source);
     }
     transform->AfterStateLoaded();
     NotifyHistory();
-    return true;
+    return succeeded;
 }
 
 void Plugin::ApplyStateDictionary(Util::ByteSpan text, DSP::ValueSource source)

@@ -31,6 +31,8 @@ public:
     virtual void OnUIIdle() = 0;
     /// Takes values of the process side over.
     virtual void OnSyncParams() = 0;
+    /// A saved state comes next; it may hold values for any of the elements.
+    virtual void BeforeStateChange() {}
     /// Null for an unknown name.
     virtual Element* GetElement(const String& name) const = 0;
     virtual const ElementMap& GetElements() const = 0;

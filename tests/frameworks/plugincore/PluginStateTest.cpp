@@ -107,7 +107,7 @@ TEST_F(PluginStateTest, ADamagedChunkReachesNobody)
     EXPECT_EQ(factory.events, "begin loaded history end ");
     factory.events.clear();
     EXPECT_FALSE(plugin->SetChunk(good, 0, DSP::SourceHost)); // the signal path knows no older form
-    EXPECT_EQ(factory.events, "begin legacy0 end ");
+    EXPECT_EQ(factory.events, "begin legacy0 loaded history end ");
     plugin->AttachEditor(nullptr);
 }
 

@@ -26,6 +26,7 @@ enum class Lock {
     None,
     Own,             ///< of the context; anything but the UI side is the processing side
     ProcessingFirst, ///< the operation will wait for the processing lock: it comes before the UI's
+    Both,            ///< the same, and from the processing side it will wait for the UI's
 };
 
 struct Rule {
@@ -43,7 +44,7 @@ constexpr std::array<Rule, 38> Rules{{
     {3, Side::Either, Record::None, Lock::Own, H::DoNothing},
     {4, Side::Either, Record::None, Lock::Own, H::DoNothing},
     {5, Side::Either, Record::None, Lock::Own, H::Initialize},
-    {6, Side::Either, Record::None, Lock::Own, H::Terminate},
+    {6, Side::Either, Record::None, Lock::Both, H::Terminate},
     {7, Side::Any, Record::None, Lock::None, H::DestroyPlugin},
     {8, Side::Either, Record::Required, Lock::Own, H::GetAutomatableParamCount},
     {9, Side::Either, Record::Required, Lock::Own, H::GetAutomatableParamList},
@@ -55,7 +56,7 @@ constexpr std::array<Rule, 38> Rules{{
     {15, Side::Either, Record::Required, Lock::Own, H::SetElementParamValue},
     // Without an editor there is nothing to look under, so that not even the UI lock is asked for.
     {16, Side::Either, Record::Required, Lock::Own, H::GetParamAtPoint},
-    {17, Side::Either, Record::Required, Lock::ProcessingFirst, H::SetStreamFormat},
+    {17, Side::Either, Record::Required, Lock::Both, H::SetStreamFormat},
     {18, Side::Either, Record::Required, Lock::Own, H::GetLatency},
     {19, Side::Either, Record::Required, Lock::ProcessingFirst, H::ResetProcessing},
     {20, Side::Either, Record::Required, Lock::ProcessingFirst, H::SetProcessingState},
@@ -196,7 +197,9 @@ uint32_t Run(const Rule& rule, PluginCore& instance, uint32_t context, void* dat
         const Util::CriticalSectionGuard guard(locks.GetUILock());
         return RunLocked(rule, instance, side, data);
     }
-    if (isUI) {
+    // From within the signal path this thread has the processing lock, and can't give it back while
+    // it waits for the UI's. The operation knows: it does then what needs no more.
+    if (isUI || (rule.lock == Lock::Both && !instance.IsInSignalPath())) {
         const BothLocksGuard guard(locks);
         return RunLocked(rule, instance, side, data);
     }

@@ -51,7 +51,8 @@ uint32_t TransformReset(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t TransformRead(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t LoadTransformData(PluginCore& plugin, DSP::Context context, void* data);
 
-// Editor, state and module list: none of them is there, and each says so in its own way
+// Editor, state and module list. There is neither an editor nor a list, and each says so in its own
+// way.
 uint32_t EditorCommand(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t EditorKey(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t EditorMouse(PluginCore& plugin, DSP::Context context, void* data);

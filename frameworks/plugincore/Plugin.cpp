@@ -9,6 +9,7 @@
 #include "frameworks/qobase/util/Tick.h"
 
 #include <algorithm>
+#include <exception>
 #include <mutex>
 #include <utility>
 
@@ -124,6 +125,9 @@ void Plugin::Initialize()
 void Plugin::Terminate()
 {
     initialized = false;
+    if (IsInSignalPath()) {
+        return; // the end of the instance writes what is left
+    }
     const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
     FlushHistory();
 }
@@ -233,43 +237,74 @@ void Plugin::Tick()
         return;
     }
     std::vector<HostCallback::Notification> notifications;
+    std::exception_ptr failure;
     {
         const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
-        notifications = RunIdleWork();
+        if (!initialized) {
+            return; // the lock came with the end of the instance's work
+        }
+        GetHostCallback().Hold();
+        try {
+            RunIdleWork();
+        } catch (...) {
+            failure = std::current_exception(); // the host still hears of what was done
+        }
+        notifications = GetHostCallback().TakeHeld();
     }
     // With the lock free again: the host may answer with calls of its own, on any thread.
     for (HostCallback::Notification& notification : notifications) {
+        // What counts is what there is now: audio may have started meanwhile and changed a latency,
+        // the host may have set a parameter.
         if (notification.opcode == HostOpcodeLatencyChanged) {
-            // What counts is the latency of now: audio may have started meanwhile and changed it.
             notification.latency = GetLatencyOf(notification.context).reported;
+        } else if (notification.opcode == HostOpcodeParamEvent) {
+            RefreshEvent(notification.event);
         }
         GetHostCallback().Send(notification);
     }
+    if (failure) {
+        std::rethrow_exception(failure); // to the timer, which notes it
+    }
 }
 
-std::vector<HostCallback::Notification> Plugin::RunIdleWork()
+void Plugin::RefreshEvent(ParamEventRecord& event)
 {
-    GetHostCallback().Hold();
-    try {
-        if (std::exchange(editorPending, false)) {
-            editor->AttachControllers();
-            LoadPendingChunks();
-        }
-        if (processDirty.exchange(false)) {
-            NotifyHistory();
-        }
-        transform->GetSet().OnUIIdle();
-        transform->GetSet().OnSyncParams();
-        if (persistentParams) {
-            persistentParams->ApplyChanges();
-        }
-        if (history) {
-            history->onIdle();
-        }
-        CheckLatency(DSP::Context::UI);
-    } catch (...) {
-        static_cast<void>(GetHostCallback().TakeHeld());
-        throw;
+    // Whoever has the lock may be at the disk, and all instances share the timer.
+    if (!GetThreadController().GetUILock().TryEnter()) {
+        return;
     }
-    return GetHostCallback().TakeHeld();
+    const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
+    ParamValueRecord now{event.index, event.value};
+    if (GetAutomatableParam(DSP::Context::UI, now) == PluginCoreSuccess) {
+        event.value = now.value;
+    }
+}
+
+void Plugin::RunIdleWork()
+{
+    FinishEditor();
+    if (processDirty.exchange(false)) {
+        NotifyHistory();
+    }
+    transform->GetSet().OnUIIdle();
+    transform->GetSet().OnSyncParams();
+    if (persistentParams) {
+        persistentParams->ApplyChanges();
+    }
+    if (history) {
+        history->onIdle();
+    }
+    CheckLatency(DSP::Context::UI);
+}
+
+void Plugin::FinishEditor()
+{
+    if (!editorPending) {
+        return;
+    }
+    if (editor != nullptr) {
+        editor->AttachControllers();
+    }
+    editorPending = false; // not before: what fails is tried again at the next tick
+    LoadPendingChunks();
 }

@@ -56,6 +56,7 @@ public:
     bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) override;
     bool CompareChunk(Util::ByteSpan chunk, bool& equal) override;
     void ClearDefaultState() override { defaultStateFlag = false; }
+    bool IsInSignalPath() const override;
     void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
     uint32_t GetLatency(DSP::Context context) const override;
     uint32_t ResetProcessing(DSP::Context context) override;
@@ -133,7 +134,6 @@ public:
 
     /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
     bool RecentlyProcessed() const;
-    const HostIdentity& GetHostIdentity() const { return hostIdentity; }
 
     DSP::DSPSet& GetSet() const { return transform->GetSet(); }
     /// The user's settings for this product, also of an offline instance, which looks at them only
@@ -187,7 +187,9 @@ private:
 
     // Plugin.cpp
     void Tick();
-    std::vector<HostCallback::Notification> RunIdleWork();
+    void RunIdleWork();
+    void FinishEditor();
+    void RefreshEvent(ParamEventRecord& event);
     Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
 
     // PluginLatency.cpp

@@ -75,6 +75,9 @@ struct PluginCore {
     /// The host has saved or loaded: the instance is not as it was created.
     virtual void ClearDefaultState() = 0;
 
+    /// Whether the caller is a host callback that runs within the signal path. [any]
+    virtual bool IsInSignalPath() const = 0;
+    /// Not heard from within the signal path.
     virtual void SetStreamFormat(float sampleRate, uint32_t channelConfig) = 0;
     /// Samples.
     virtual uint32_t GetLatency(DSP::Context context) const = 0;

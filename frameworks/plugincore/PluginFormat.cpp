@@ -12,6 +12,12 @@
 #include <exception>
 #include <utility>
 
+bool Plugin::IsInSignalPath() const
+{
+    const std::thread::id caller = std::this_thread::get_id();
+    return caller == processThread.load() || caller == latencyThread.load();
+}
+
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
 {
     if (!IsServableRate(newSampleRate) || !IsServableLayout(newChannelConfig)) {
@@ -22,8 +28,7 @@ void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
     }
     // A change within a change is not heard, nor is one that a host callback asks for while this
     // thread is still inside the signal path that would be rebuilt.
-    const std::thread::id caller = std::this_thread::get_id();
-    if (reconfiguring || caller == processThread.load() || caller == latencyThread.load()) {
+    if (reconfiguring || IsInSignalPath()) {
         return;
     }
     const Util::ScopedFlag guard(reconfiguring);
@@ -137,7 +142,11 @@ void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)
 
 uint32_t Plugin::ResetProcessing(DSP::Context context)
 {
-    RunCommands();
+    {
+        const Util::ScopedDenormalGuard denormalGuard;
+        const ThreadMark mark(processThread);
+        RunCommands();
+    }
     // Also the dry lines, so that bypass and repair go on from the same silence.
     onSettle();
     UpdateLatency(DSP::Context::Process, Notify::No);
@@ -173,4 +182,5 @@ void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
         processing = false;
         lastProcessTick = 0;
     }
+    transform->ProcessingStateChanged(context, active);
 }

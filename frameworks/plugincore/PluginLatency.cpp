@@ -27,10 +27,10 @@ void Plugin::UpdateLatency(DSP::Context context, Notify notify)
         reported = 0;
     }
     Latency& latency = GetLatencyOf(context);
+    latency.raw = sum;
     if (latency.reported.exchange(reported) != reported && notify == Notify::Yes) {
         GetHostCallback().NotifyLatency(context, reported);
     }
-    latency.raw = sum;
 }
 
 void Plugin::CheckLatency(DSP::Context context)

@@ -103,17 +103,21 @@ void Plugin::SetParam(DSP::Element& element,
                       DSP::Context context,
                       float value)
 {
-    const Util::ScopedDenormalGuard denormalGuard;
+    // Only around the set: the history and the host have their own arithmetic.
+    const auto set = [&] {
+        const Util::ScopedDenormalGuard denormalGuard;
+        return SetNormalised(param, value, context, DSP::SourceHost);
+    };
     if (context == DSP::Context::Process) {
         const ThreadMark mark(processThread);
-        if (SetNormalised(param, value, context, DSP::SourceHost)) {
+        if (set()) {
             processDirty = true;
         }
     } else {
         // The process side may have moved on: the comparison is with what it has now.
         LoadPendingChunks();
         element.SyncParams();
-        if (SetNormalised(param, value, context, DSP::SourceHost)) {
+        if (set()) {
             NotifyHistory();
         }
     }

@@ -80,6 +80,9 @@ public:
     virtual void BeforeFormatChange() {}
     virtual void AfterFormatChange() {}
 
+    /// The plug-in host starts or stops the processing. [process] in context 0, else [ui]
+    virtual void ProcessingStateChanged(Context /*context*/, bool /*active*/) {}
+
     virtual void BeforeProcess(uint32_t /*eventCount*/, const uint8_t* /*events*/) {}
     virtual void AfterProcess() {}
     virtual void ProcessSidePass(uint32_t /*frames*/, void* /*first*/, void* /*second*/) {}

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // What a new stream format does to the state of an instance and to its editor.
+#include "frameworks/plugincore/Entry.h"
 #include "tests/frameworks/plugincore/StateRig.h"
 
 #include <string>
@@ -85,6 +86,11 @@ TEST_F(PluginFormatTest, WhatIsSetOrSavedMeanwhileIsNotOverrunByTheSavedState)
     EXPECT_EQ(Get(), 0.75F);
 
     changeFormat(96000.0F);
+    EXPECT_FALSE(LoadText("no legacy", 0)); // what can't be loaded replaces nothing
+    EXPECT_TRUE(LoadText("no JSON"));
+    EXPECT_EQ(Get(), 0.25F);
+
+    changeFormat(88200.0F);
     ASSERT_TRUE(LoadText(State("7", Version1)));
     plugin->AttachEditor(nullptr);
     EXPECT_FLOAT_EQ(Get(), 0.7F);
@@ -93,4 +99,43 @@ TEST_F(PluginFormatTest, WhatIsSetOrSavedMeanwhileIsNotOverrunByTheSavedState)
     plugin->SetAutomatableParam(Side::Process, {0, 0.9F});
     plugin->AttachEditor(nullptr);
     EXPECT_FLOAT_EQ(Get(), 0.9F);
+}
+
+TEST_F(PluginFormatTest, ReopeningTheEditorLeavesNothingOfAnEarlierFormatToTheTick)
+{
+    Create(); // without ticks
+    TestEditor editor(factory.events);
+    Set(0.25F);
+    plugin->AttachEditor(&editor);
+    std::thread([&] { plugin->SetStreamFormat(96000.0F, 1); }).join();
+    plugin->SetStreamFormat(48000.0F, 1);
+    EXPECT_EQ(Get(), 0.25F) << "nothing is left to a tick";
+    EXPECT_EQ(plugin->GetEditor(), &editor);
+    plugin->AttachEditor(nullptr);
+}
+
+// Or a host callback of the UI side that comes back for the processing lock would never get it.
+TEST_F(PluginFormatTest, TheProcessingSideWaitsForTheUISideWithoutItsOwnLock)
+{
+    for (const uint32_t selector : {SelectorSetStreamFormat, SelectorTerminate}) {
+        Create();
+        std::atomic<bool> started = false;
+        std::thread other;
+        {
+            const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+            other = std::thread([&] {
+                StreamFormatRecord record{96000.0F, 1};
+                started = true;
+                DispatchEntryCall(factory, PLUGIN_CORE_MAGIC, selector, 0, plugin.get(), &record);
+            });
+            while (!started) {
+                std::this_thread::yield();
+            }
+            for (int turn = 0; turn < 20'000; ++turn) { // long enough for the other to get there
+                const Util::CriticalSectionGuard processGuard(plugin->GetProcessLock());
+                std::this_thread::yield();
+            }
+        }
+        other.join();
+    }
 }

@@ -3,6 +3,7 @@
 // the dry path follow settings, and what the host is told.
 #include "frameworks/plugincore/Plugin.h"
 
+#include "frameworks/plugincore/Entry.h"
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
 #include "restoration/plugin/LMDSPSet.h"
 #include "tests/support/TemporaryFolder.h"
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <future>
 #include <limits>
 #include <new>
 #include <thread>
@@ -393,6 +395,30 @@ TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
     onLatencyChanged = nullptr;
     plugin->SetStreamFormat(48000.0F, 1);
     EXPECT_EQ(recorder.GetChannelCount(), 2U);
+}
+
+TEST_F(PluginTest, ACallFromWithinTheSignalPathDoesNotWaitForTheUISide)
+{
+    Recorder& recorder = Create();
+    std::promise<void> held;
+    std::promise<void> done;
+    std::thread other([&] {
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        held.set_value();
+        done.get_future().wait();
+    });
+    held.get_future().wait();
+    onLatencyChanged = [this] {
+        StreamFormatRecord record{96000.0F, 1};
+        for (const uint32_t selector : {SelectorSetStreamFormat, SelectorTerminate}) {
+            DispatchEntryCall(factory, PLUGIN_CORE_MAGIC, selector, 0, plugin.get(), &record);
+        }
+    };
+    Set(Late, 0.5F, Side::Process); // ends by the test's time limit when the call waits
+    done.set_value();
+    other.join();
+    EXPECT_FALSE(calls.empty());
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
 }
 
 TEST_F(PluginTest, StaysAsItWasWhenANewFormatFails)

@@ -30,7 +30,7 @@ target_compile_options(project_options INTERFACE
     -fno-math-errno)
 if(PUFFGUARD_SANITIZE)
     target_compile_options(project_options INTERFACE
-        -fsanitize=${PUFFGUARD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+        -fsanitize=${PUFFGUARD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
     target_link_options(project_options INTERFACE -fsanitize=${PUFFGUARD_SANITIZE})
 endif()
 

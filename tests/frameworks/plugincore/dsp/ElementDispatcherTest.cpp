@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -125,6 +126,22 @@ TEST_F(ElementDispatcherTest, DoesNotOverwriteAValueThatIsOnItsWay)
     element.SyncParams(); // nothing under way: the process side's value counts
     EXPECT_EQ(element.GetFloatValue(Element::Gain, Context::UI), -0.5F);
     EXPECT_EQ(element.GetDispatchInfo<float>(Element::Gain)->GetWantedValue(), -0.5F);
+}
+
+TEST_F(ElementDispatcherTest, AValueThatFailsToArriveIsNotOnItsWayForEver)
+{
+    bool fails = true;
+    element.GetDispatchInfo<float>(Element::Gain)
+        ->AddObserver([&fails](Context thread, float /*value*/, DSP::ValueSource /*source*/) {
+            if (fails && thread == Context::Process) {
+                throw std::bad_alloc();
+            }
+        });
+    EXPECT_THROW(element.SetFloatValue(Element::Gain, 0.5F, Context::UI, 0), std::bad_alloc);
+    fails = false;
+    EXPECT_EQ(host.commandsUnderWay, 0);
+    element.SyncParams();
+    EXPECT_EQ(element.GetFloatValue(Element::Gain, Context::UI), 0.25F);
 }
 
 TEST_F(ElementDispatcherTest, TellsTheHostOfItsOwnChangesOnly)

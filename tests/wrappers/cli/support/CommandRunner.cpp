@@ -52,13 +52,15 @@ struct Pipe {
     }
 };
 
+// The command finds nothing of the real user's. From the start of the program on, so that folders
+// that a test makes for itself come later and count.
+const Support::UserFolders folders;
+
 /// A running child with its three streams.
 class Child {
 public:
     Child(const std::vector<std::string>& arguments, const RunSetup& setup)
     {
-        // It finds nothing of the real user's.
-        static const Support::UserFolders folders;
         const char* const built = PUFFGUARD_COMMAND;
         const char* const program = setup.program.empty() ? built : setup.program.c_str();
         std::vector<char*> words = {const_cast<char*>(program)};

@@ -21,7 +21,8 @@ CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
 PRODUCT = "restoration/plugin_LM_Puffguard"
 EVERYTHING = {UTIL, ENTRY, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY, REPAIR,
-              PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2"}
+              PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2", "wrappers/clap",
+              "wrappers/vst3"}
 
 # Folder: the folders that its files may include, besides itself. The longest match counts.
 ARROWS = {
@@ -43,9 +44,10 @@ ARROWS = {
     "wrappers/vst3": {"wrappers/common", ENTRY},
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
-    "tests/realtime": {ENTRY, UTIL, "tests/support"}, # UTIL for the names of locks
+    "tests/realtime": {ENTRY, UTIL, "tests/contract", "tests/support"}, # UTIL for the names of locks
     "tests/support": EVERYTHING,
-    "tests/wrappers/lv2": EVERYTHING | {"tests/realtime"}, # a run is watched there, too
+    # They lend their hosts to the contract, and watch runs of their own.
+    "tests/wrappers": EVERYTHING | {"tests/contract", "tests/realtime"},
     "tests": EVERYTHING,
     "bench": EVERYTHING,
     "tools": EVERYTHING,

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/common/Instance.h"
 
+#include "wrappers/common/ParameterRecords.h"
 #include "wrappers/common/Text.h"
 
-#include <algorithm>
+#include <filesystem>
+#include <string_view>
 #include <utility>
 
 namespace Wrapper {
@@ -28,11 +30,7 @@ std::unique_ptr<Instance> Instance::Create(std::shared_ptr<const Module> module,
 {
     // The constructor is private, so that no instance exists that isn't usable.
     std::unique_ptr<Instance> instance(new Instance(std::move(module), listener, log));
-    if (!instance->Start(setup)) {
-        log("the module makes no instance");
-        return nullptr;
-    }
-    return instance;
+    return instance->Start(setup) ? std::move(instance) : nullptr;
 }
 
 Instance::Instance(std::shared_ptr<const Module> newModule,
@@ -55,33 +53,48 @@ Instance::~Instance()
 bool Instance::Start(const Setup& setup)
 {
     if (setup.channels < 1 || setup.channels > BlockBuffers::MaxChannels) {
+        log("the module makes no instance of " + std::to_string(setup.channels) + " channels");
         return false;
     }
     buffers.SetChannels(setup.channels);
     CreateRecord record = {};
     record.hostCallback = HostCallback;
     record.hostRefcon = this;
-    CopyText(module->GetPath().string(), record.modulePath);
+    // The module looks for what came with it beside this.
+    CopyText(std::filesystem::absolute(module->GetPath()).string(), record.modulePath);
     record.identity.format = static_cast<int32_t>(setup.format);
     CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
     record.instance = &core;
     record.sampleRate = static_cast<float>(setup.sampleRate);
     record.channelConfig = LayoutOf(setup.channels);
-    return module->Call(SelectorCreatePlugin, uiContext, nullptr, &record) == PluginCoreSuccess &&
-           core != nullptr && Call(SelectorInitialize, Side::UI, nullptr) == PluginCoreSuccess &&
-           ReadParameters();
+    const uint32_t answer = module->Call(SelectorCreatePlugin, uiContext, nullptr, &record);
+    if (answer != PluginCoreSuccess || core == nullptr) {
+        log("the module makes no instance (answer " + std::to_string(answer) + ")");
+        return false;
+    }
+    return Request(SelectorInitialize, nullptr, "be initialised") && ReadParameters();
+}
+
+bool Instance::Request(uint32_t selector, void* data, const char* purpose) const
+{
+    const uint32_t answer = Call(selector, Side::UI, data);
+    if (answer != PluginCoreSuccess) {
+        log(std::string("the module refuses to ") + purpose + " (answer " + std::to_string(answer) +
+            ")");
+    }
+    return answer == PluginCoreSuccess;
 }
 
 bool Instance::ReadParameters()
 {
-    uint32_t count = 0;
-    Call(SelectorGetAutomatableParamCount, Side::UI, &count);
-    std::vector<ParamInfoRecord> records(count);
-    ParamListRecord list = {count, 0, records.data()};
-    if (Call(SelectorGetAutomatableParamList, Side::UI, &list) != PluginCoreSuccess) {
+    const auto records = ReadParameterRecords<ParamInfoRecord>(
+        SelectorGetAutomatableParamCount,
+        SelectorGetAutomatableParamList,
+        [this](auto&&... arguments) { return Request(arguments...); });
+    if (!records) {
         return false;
     }
-    for (const ParamInfoRecord& record : records) {
+    for (const ParamInfoRecord& record : *records) {
         parameters.push_back(MakeParameter(record));
         if (parameters.back().identifier == bypassIdentifier) {
             bypassIndex = static_cast<uint32_t>(parameters.size() - 1);
@@ -162,8 +175,9 @@ void Instance::Reset() noexcept
     Call(SelectorSettle, Side::Process, nullptr);
 }
 
-void Instance::Process(const Block& block, std::optional<double> position) noexcept
+bool Instance::Process(const Block& block, std::optional<double> position) noexcept
 {
+    bool isDone = true;
     buffers.Run(block, [&](float** channels, uint32_t offset, uint32_t frames) {
         TransportRecord transport = {};
         transport.isPositionValid = position ? 1 : 0;
@@ -172,8 +186,9 @@ void Instance::Process(const Block& block, std::optional<double> position) noexc
         record.frames = frames;
         record.channels = channels;
         record.transport = &transport;
-        Call(SelectorProcess, Side::Process, &record);
+        isDone = Call(SelectorProcess, Side::Process, &record) == PluginCoreSuccess && isDone;
     });
+    return isDone;
 }
 
 uint32_t Instance::GetLatency(Side side) const noexcept

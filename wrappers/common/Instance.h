@@ -7,6 +7,7 @@
 #include "wrappers/common/Log.h"
 #include "wrappers/common/Module.h"
 #include "wrappers/common/Parameter.h"
+#include "wrappers/common/Preset.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,14 +31,17 @@ struct Setup {
     uint32_t channels = 0; ///< 1 to 24
 };
 
-/// An entry of the list of presets.
-struct Preset {
-    std::string name;
-    std::string comment;
-    PluginCorePresetGroup group = PresetGroupBuiltIn;
+/// Opens the entry of an instance to the classes of this folder, and to nobody else: no other code
+/// fills its records.
+class EntryKey {
+    EntryKey() = default;
+    friend class Detections;
+    friend class ElementParameters;
+    friend class Presets;
 };
 
-/// One instance of the module: the only code that fills the records of its entry.
+/// One instance of the module. Detections, Editor, ElementParameters and Presets stand beside it
+/// for the wrappers that need them.
 ///
 /// Threads: [process] calls come from one thread at a time, [ui] calls from another one at a time;
 /// both may come at once. [setup] excludes all others. The process side takes no lock but the
@@ -72,8 +76,8 @@ public:
     void Reset() noexcept;
 
     /// Any number of frames; `position` is that of the first in the host's transport, in samples.
-    /// [process]
-    void Process(const Block& block, std::optional<double> position) noexcept;
+    /// False when the module refuses: the outputs hold the inputs from there on. [process]
+    bool Process(const Block& block, std::optional<double> position) noexcept;
 
     /// By how much the output is late, in samples. [any]
     uint32_t GetLatency(Side side) const noexcept;
@@ -100,6 +104,20 @@ public:
     /// One command to the editor; the answer is a PluginCoreResult. [ui]
     uint32_t CallEditor(EditorRecord& record) noexcept;
 
+    /// One call of the entry; the answer is a PluginCoreResult. [any]
+    uint32_t Call(EntryKey, uint32_t selector, Side side, void* data) const noexcept
+    {
+        return Call(selector, side, data);
+    }
+    /// The same from the UI side. When it's refused, the log is told that the module refuses to
+    /// `purpose`. [ui]
+    bool Request(EntryKey, uint32_t selector, void* data, const char* purpose) const
+    {
+        return Request(selector, data, purpose);
+    }
+    /// [ui]
+    void Log(EntryKey, const std::string& text) const { log(text); }
+
 private:
     Instance(std::shared_ptr<const Module> newModule,
              Listener& newListener,
@@ -111,8 +129,8 @@ private:
     void OnParamEvent(const ParamEventRecord& event) noexcept;
     bool Start(const Setup& setup);
     bool ReadParameters();
-    bool CallPreset(PresetRecord& record);
     bool CallState(StateRecord& record);
+    bool Request(uint32_t selector, void* data, const char* purpose) const;
     uint32_t Call(uint32_t selector, Side side, void* data) const noexcept
     {
         return module->Call(selector, static_cast<uint32_t>(side), core, data);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 // What an instance lasts by: states and presets.
 #include "wrappers/common/Instance.h"
-#include "wrappers/common/Text.h"
+#include "wrappers/common/Presets.h"
 
 namespace Wrapper {
 
@@ -17,7 +17,7 @@ constexpr size_t longestState = size_t{64} << 20U;
 
 bool Instance::CallState(StateRecord& record)
 {
-    return Call(SelectorStateCommand, Side::UI, &record) == PluginCoreSuccess && record.failed == 0;
+    return Request(SelectorStateCommand, &record, "save or load a session") && record.failed == 0;
 }
 
 std::vector<uint8_t> Instance::SaveState()
@@ -53,44 +53,18 @@ bool Instance::LoadState(std::span<const uint8_t> state)
     return CallState(record);
 }
 
-bool Instance::CallPreset(PresetRecord& record)
-{
-    HostMessageRecord message = {PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
-    if (Call(SelectorHostMessage, Side::UI, &message) != PluginCoreSuccess) {
-        log("the module knows no presets");
-        return false;
-    }
-    if (record.failed != 0) {
-        log(TextOf(record.message));
-    }
-    return record.failed == 0;
-}
-
 std::vector<Preset> Instance::ListPresets()
 {
-    PresetRecord list = {};
-    list.op = PresetOpList;
-    std::vector<Preset> presets;
-    const uint32_t count = CallPreset(list) ? list.count : 0;
-    for (uint32_t index = 0; index < count; ++index) {
-        PresetRecord record = {};
-        record.op = PresetOpDescribe;
-        record.index = index;
-        if (CallPreset(record)) {
-            presets.push_back({TextOf(record.presetName),
-                               TextOf(record.presetComment),
-                               static_cast<PluginCorePresetGroup>(record.group)});
-        }
-    }
-    return presets;
+    return Presets(*this).List().value_or(std::vector<Preset>());
 }
 
 bool Instance::ApplyPreset(const std::string& name)
 {
-    PresetRecord record = {};
-    record.op = PresetOpApply;
-    record.name = name.c_str();
-    return CallPreset(record);
+    const std::optional<Preset> preset = Presets(*this).Apply(name);
+    if (preset && !preset->problem.empty()) {
+        log(preset->problem);
+    }
+    return preset && preset->problem.empty();
 }
 
 } // namespace Wrapper

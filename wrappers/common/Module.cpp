@@ -26,35 +26,61 @@ std::filesystem::path OwnFile()
     const std::string_view name =
         isKnown && info.dli_fname != nullptr ? info.dli_fname : std::string_view();
     // A program that was found along PATH is known by its bare name only.
-    return std::filesystem::canonical(name.find('/') == name.npos ? "/proc/self/exe" : name);
+    std::error_code failure; // leaves an empty path
+    return std::filesystem::canonical(name.find('/') == name.npos ? "/proc/self/exe" : name,
+                                      failure);
 }
 
-std::filesystem::path FindModule()
+Module::Folders UsualFolders()
+{
+    const std::filesystem::path own = OwnFile().parent_path();
+    Module::Folders folders;
+    for (const std::string_view place : places) {
+        folders.push_back((own / place).lexically_normal());
+    }
+    return folders;
+}
+
+// "a, b and c"
+std::string Enumerate(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (size_t i = 0; i < names.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 < names.size() ? ", " : " and ") + names[i];
+    }
+    return text;
+}
+
+std::filesystem::path FindModule(const Module::Folders& folders)
 {
     const char* chosen = std::getenv("PUFFGUARD_MODULE"); // NOLINT(concurrency-mt-unsafe)
     if (chosen != nullptr && *chosen != '\0') {
-        return std::filesystem::absolute(chosen);
+        return chosen;
     }
-    const std::filesystem::path folder = OwnFile().parent_path();
-    std::string tried;
-    for (const std::string_view place : places) {
-        const std::filesystem::path file = (folder / place / moduleFileName).lexically_normal();
-        if (std::filesystem::exists(file)) {
-            return file;
+    std::vector<std::string> tried;
+    for (const std::filesystem::path& folder : folders) {
+        std::error_code failure;
+        tried.push_back((folder / moduleFileName).string());
+        if (std::filesystem::exists(tried.back(), failure)) {
+            return tried.back();
         }
-        tried += (tried.empty() ? "" : ", ") + file.string();
     }
     throw std::runtime_error("the module is neither named by PUFFGUARD_MODULE nor found at " +
-                             tried);
+                             Enumerate(tried));
 }
 
 } // namespace
 
 std::shared_ptr<const Module> Module::Load(const LogFunction& log)
 {
+    return Load(UsualFolders(), log);
+}
+
+std::shared_ptr<const Module> Module::Load(const Folders& folders, const LogFunction& log)
+{
     try {
         // The constructor is private, so that no module exists that isn't usable.
-        const std::shared_ptr<Module> module(new Module(FindModule()));
+        const std::shared_ptr<Module> module(new Module(FindModule(folders)));
         module->Describe();
         return module;
     } catch (const std::exception& fault) {
@@ -66,7 +92,9 @@ std::shared_ptr<const Module> Module::Load(const LogFunction& log)
 Module::Module(const std::filesystem::path& file)
     : path(file)
 {
-    library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // A bare name would be searched for in the system's folders.
+    const std::filesystem::path exact = path.has_parent_path() ? path : "." / path;
+    library = ::dlopen(exact.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         throw std::runtime_error(std::string("the module can't be loaded: ") + ::dlerror());
     }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Wrapper {
 
@@ -24,11 +25,16 @@ struct Product {
 /// the plug-in from memory. Calls may come from any thread.
 class Module {
 public:
+    using Folders = std::vector<std::filesystem::path>;
+
     /// Loads the file that $PUFFGUARD_MODULE names or, without it, the first one that exists:
     /// beside the wrapper's own file, in "../puffguard", in "../../puffguard". Null, after a line
     /// in the log, when there is none, it can't be loaded or is of another version than the
     /// wrapper. [any]
     static std::shared_ptr<const Module> Load(const LogFunction& log);
+
+    /// The same, where the installation has `folders` of its own for the module. [any]
+    static std::shared_ptr<const Module> Load(const Folders& folders, const LogFunction& log);
 
     ~Module();
     Module(const Module&) = delete;
@@ -43,6 +49,7 @@ public:
         return entry(PLUGIN_CORE_MAGIC, selector, context, instance, data);
     }
 
+    /// As it was named.
     const std::filesystem::path& GetPath() const { return path; }
     const Product& GetProduct() const { return product; }
     /// Goes with each saved state.

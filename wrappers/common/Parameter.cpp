@@ -47,22 +47,10 @@ Parameter::Kind KindOf(uint32_t type)
     }
 }
 
-char LowerCase(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-bool IsSameWord(std::string_view first, std::string_view second)
-{
-    return std::equal(first.begin(), first.end(), second.begin(), second.end(), [](char a, char b) {
-        return LowerCase(a) == LowerCase(b);
-    });
-}
-
 bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words)
 {
     return std::any_of(
-        words.begin(), words.end(), [&](std::string_view one) { return IsSameWord(word, one); });
+        words.begin(), words.end(), [&](std::string_view one) { return IsSameText(word, one); });
 }
 
 std::string_view Trim(std::string_view text)
@@ -99,7 +87,7 @@ std::optional<double> ParseNumber(std::string_view text, std::string_view unit)
         return std::nullopt;
     }
     const std::string_view rest = Trim(text.substr(static_cast<size_t>(end.ptr - text.data())));
-    return rest.empty() || IsSameWord(rest, unit) ? std::optional(value) : std::nullopt;
+    return rest.empty() || IsSameText(rest, unit) ? std::optional(value) : std::nullopt;
 }
 
 std::optional<double> ParseSwitch(std::string_view text)
@@ -113,7 +101,7 @@ std::optional<double> ParseSwitch(std::string_view text)
 std::optional<double> ParseValue(const Parameter& parameter, std::string_view text)
 {
     for (size_t i = 0; i < parameter.labels.size(); ++i) {
-        if (IsSameWord(text, parameter.labels[i])) {
+        if (IsSameText(text, parameter.labels[i])) {
             return parameter.minimum + static_cast<double>(i);
         }
     }

@@ -24,4 +24,16 @@ void CopyText(std::string_view text, char (&field)[Size])
     std::fill(field + length, field + Size, '\0');
 }
 
+/// Whether two texts are the same but for the case of their ASCII letters.
+inline bool IsSameText(std::string_view first, std::string_view second)
+{
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    return std::equal(
+        first.begin(), first.end(), second.begin(), second.end(), [&](char a, char b) {
+            return lower(a) == lower(b);
+        });
+}
+
 } // namespace Wrapper

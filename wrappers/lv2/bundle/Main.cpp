@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 // Writes the bundle's documents from what the module says of itself: run once at build time.
 #include "wrappers/common/Instance.h"
+#include "wrappers/common/SilentListener.h"
 #include "wrappers/lv2/bundle/PluginDocument.h"
 #include "wrappers/lv2/bundle/PresetDocument.h"
 #include "wrappers/lv2/bundle/Turtle.h"
@@ -13,15 +14,6 @@
 namespace {
 
 using Wrapper::Side;
-
-class SilentListener final : public Wrapper::Listener {
-public:
-    void OnLatencyChanged(Side, uint32_t) noexcept override {}
-    void OnGestureBegun(uint32_t) noexcept override {}
-    void OnParameterChanged(uint32_t, float) noexcept override {}
-    void OnGestureEnded(uint32_t) noexcept override {}
-    void OnStateChanged() noexcept override {}
-};
 
 void Print(const std::string& text)
 {
@@ -43,7 +35,7 @@ std::vector<Lv2::PresetValues> ReadPresets(Wrapper::Instance& instance)
 {
     std::vector<Lv2::PresetValues> presets;
     for (const Wrapper::Preset& preset : instance.ListPresets()) {
-        if (preset.group == PresetGroupUser) {
+        if (preset.group == Wrapper::PresetGroup::User) {
             continue;
         }
         if (!instance.ApplyPreset(preset.name)) {
@@ -74,7 +66,7 @@ std::string ManifestEntry(const Lv2::Variant& variant, const std::string& binary
 void WriteBundle(const std::filesystem::path& folder, const std::string& binary)
 {
     const auto module = Wrapper::Module::Load(Print);
-    SilentListener listener;
+    Wrapper::SilentListener listener;
     const Wrapper::Setup setup = {Wrapper::Format::Other, Wrapper::Use::Files, 48000.0, 2};
     const auto instance =
         module != nullptr ? Wrapper::Instance::Create(module, setup, listener, Print) : nullptr;

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/ElementParameters.h"
+
+#include "wrappers/common/ParameterRecords.h"
+#include "wrappers/common/Text.h"
+
+#include <algorithm>
+
+namespace Wrapper {
+
+std::optional<ElementParameters> ElementParameters::Read(Instance& instance)
+{
+    const auto records = ReadParameterRecords<ElementParamInfoRecord>(
+        SelectorGetElementParamCount,
+        SelectorGetElementParamList,
+        [&](uint32_t selector, void* data, const char* purpose) {
+            return instance.Request({}, selector, data, purpose);
+        });
+    if (!records) {
+        return std::nullopt;
+    }
+    ElementParameters parameters(instance);
+    for (const ElementParamInfoRecord& record : *records) {
+        parameters.list.push_back(MakeParameter(record.info));
+    }
+    return parameters;
+}
+
+std::optional<uint32_t> ElementParameters::Find(std::string_view identifier) const
+{
+    const auto found = std::find_if(list.begin(), list.end(), [&](const Parameter& parameter) {
+        return IsSameText(parameter.identifier, identifier);
+    });
+    return found != list.end() ? std::optional(static_cast<uint32_t>(found - list.begin()))
+                               : std::nullopt;
+}
+
+bool ElementParameters::Set(uint32_t index, float normalised)
+{
+    ParamValueRecord record = {index, normalised};
+    return instance->Request({}, SelectorSetElementParamValue, &record, "take a parameter");
+}
+
+std::optional<float> ElementParameters::Get(uint32_t index) const
+{
+    ParamValueRecord record = {index, 0.0F};
+    return instance->Request({}, SelectorGetElementParamValue, &record, "tell a parameter")
+               ? std::optional(record.value)
+               : std::nullopt;
+}
+
+} // namespace Wrapper

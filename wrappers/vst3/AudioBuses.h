@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <travesty/audio_processor.h>
+
+#include <cstdint>
+#include <span>
+
+namespace Vst3 {
+
+/// The memory of the first bus by channel; null where the host gives none. [process]
+void ReadBus(const v3_audio_bus_buffers* buses, int32_t count, std::span<float*> channels) noexcept;
+
+/// Clears the channels that the effect hasn't written, those above `channels` in the first bus and
+/// all of further ones, and says of each channel whether it is silent. [process]
+void FinishOutputs(v3_audio_bus_buffers* buses,
+                   int32_t count,
+                   uint32_t channels,
+                   uint32_t frames) noexcept;
+
+} // namespace Vst3

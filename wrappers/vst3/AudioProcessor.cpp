@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/vst3/AudioProcessor.h"
+
+#include "wrappers/vst3/AudioBuses.h"
+
+#include <travesty/component.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Vst3 {
+
+const v3_audio_processor_cpp AudioProcessor::functions = {
+    unknownTable,
+    {slot<&AudioProcessor::SetBusArrangements>,
+     slot<&AudioProcessor::GetBusArrangement>,
+     slot<&AudioProcessor::CanProcessSampleSize>,
+     slot<&AudioProcessor::GetLatencySamples>,
+     slot<&AudioProcessor::SetupProcessing>,
+     slot<&AudioProcessor::SetProcessing>,
+     slot<&AudioProcessor::Process>,
+     slot<&AudioProcessor::GetTailSamples>},
+};
+
+AudioProcessor::AudioProcessor(Object& newOwner, Effect& newEffect)
+    : Interface{&functions, &newOwner}
+    , effect(newEffect)
+{
+}
+
+// A host that asks for what isn't served looks next at what there is instead: the arrangement of
+// the input on both sides, if that one is served.
+v3_result AudioProcessor::SetBusArrangements(v3_speaker_arrangement* wantedInputs,
+                                             int32_t inputCount,
+                                             v3_speaker_arrangement* wantedOutputs,
+                                             int32_t outputCount)
+{
+    if (inputCount < 0 || outputCount < 0 || (inputCount > 0 && wantedInputs == nullptr) ||
+        (outputCount > 0 && wantedOutputs == nullptr)) {
+        return V3_INVALID_ARG;
+    }
+    const Speakers* const speakers = inputCount > 0 ? FindArrangement(wantedInputs[0]) : nullptr;
+    if (speakers == nullptr || !effect.SetArrangement(*speakers)) {
+        return V3_FALSE;
+    }
+    const bool isServed =
+        inputCount == 1 && outputCount == 1 && wantedOutputs[0] == wantedInputs[0];
+    return isServed ? V3_OK : V3_FALSE;
+}
+
+v3_result AudioProcessor::GetBusArrangement(int32_t direction,
+                                            int32_t index,
+                                            v3_speaker_arrangement* arrangement) noexcept
+{
+    const bool isBus = (direction == V3_INPUT || direction == V3_OUTPUT) && index == 0;
+    if (!isBus || arrangement == nullptr) {
+        return V3_INVALID_ARG;
+    }
+    *arrangement = effect.GetArrangement().mask;
+    return V3_OK;
+}
+
+v3_result AudioProcessor::CanProcessSampleSize(int32_t size) noexcept
+{
+    return size == V3_SAMPLE_32 ? V3_OK : V3_FALSE;
+}
+
+uint32_t AudioProcessor::GetLatencySamples() noexcept
+{
+    return effect.GetLatency();
+}
+
+// Blocks may be of any length and come in any mode, so only the rate counts.
+v3_result AudioProcessor::SetupProcessing(v3_process_setup* setup)
+{
+    if (setup == nullptr) {
+        return V3_INVALID_ARG;
+    }
+    const bool isServed =
+        setup->symbolic_sample_size == V3_SAMPLE_32 && effect.SetRate(setup->sample_rate);
+    return isServed ? V3_OK : V3_FALSE;
+}
+
+// Hosts switch processing off and on again where the audio before shall not be heard any more.
+v3_result AudioProcessor::SetProcessing(v3_bool state) noexcept
+{
+    Wrapper::Instance* const instance = effect.GetInstance();
+    if (instance == nullptr) {
+        return V3_NOT_INITIALIZED;
+    }
+    if (state != 0) {
+        instance->Reset();
+    }
+    return V3_OK;
+}
+
+v3_result AudioProcessor::Process(v3_process_data* data) noexcept
+{
+    if (effect.GetInstance() == nullptr) {
+        return V3_NOT_INITIALIZED;
+    }
+    if (data == nullptr || data->nframes < 0 || data->symbolic_sample_size != V3_SAMPLE_32) {
+        return V3_INVALID_ARG;
+    }
+    effect.SetPlaying(data->ctx == nullptr || (data->ctx->state & V3_PROCESS_CTX_PLAYING) != 0);
+    RunBlock(*data);
+    ReportParameters(data->output_params);
+    return V3_OK;
+}
+
+void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
+{
+    const auto frames = static_cast<uint32_t>(data.nframes);
+    const auto set = [this](uint32_t index, double value) { SetParameter(index, value); };
+    ReadBus(data.inputs, data.num_input_buses, inputs);
+    ReadBus(data.outputs, data.num_output_buses, outputs);
+    queues.Begin(effect.GetIds(), data.input_params);
+    for (uint32_t done = 0; done < frames;) {
+        queues.TakeUntil(done, set);
+        const uint32_t end = std::min(queues.NextOffset(), frames);
+        std::optional<double> position;
+        if (data.ctx != nullptr) {
+            position = static_cast<double>(data.ctx->project_time_in_samples) + done;
+        }
+        RunPiece(done, end, position);
+        done = end;
+    }
+    // What a host puts behind the end, and all that it gives with a block of no frames.
+    queues.TakeUntil(ParameterQueues::LastFrame, set);
+    FinishOutputs(
+        data.outputs, data.num_output_buses, effect.GetArrangement().ChannelCount(), frames);
+}
+
+void AudioProcessor::RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept
+{
+    Channels from = inputs;
+    Channels to = outputs;
+    const auto advance = [begin](float* channel) {
+        return channel != nullptr ? channel + begin : nullptr;
+    };
+    std::transform(from.begin(), from.end(), from.begin(), advance);
+    std::transform(to.begin(), to.end(), to.begin(), advance);
+    effect.GetInstance()->Process({from.data(), to.data(), end - begin}, position);
+}
+
+void AudioProcessor::SetParameter(uint32_t index, double normalised) noexcept
+{
+    if (!std::isnan(normalised)) {
+        const auto value = static_cast<float>(std::clamp(normalised, 0.0, 1.0));
+        effect.GetInstance()->SetParameter(Wrapper::Side::Process, index, value);
+    }
+}
+
+void AudioProcessor::ReportParameters(v3_param_changes** changes) noexcept
+{
+    if (changes == nullptr) {
+        return;
+    }
+    const uint32_t untold = effect.TakeUntold();
+    for (uint32_t index = 0; index < effect.GetIds().size(); ++index) {
+        if ((untold >> index & 1U) == 0) {
+            continue;
+        }
+        v3_param_id id = effect.GetId(index);
+        int32_t place = 0;
+        v3_param_value_queue** const queue =
+            v3_cpp_obj(changes)->add_param_data(changes, &id, &place);
+        if (queue != nullptr) {
+            const double value = static_cast<double>(
+                effect.GetInstance()->GetParameter(Wrapper::Side::Process, index));
+            v3_cpp_obj(queue)->add_point(queue, 0, value, &place);
+        }
+    }
+}
+
+// Nothing sounds on of itself. But what came in last comes out later by the latency, and hosts that
+// put a plug-in to sleep on silence count on the tail only.
+uint32_t AudioProcessor::GetTailSamples() noexcept
+{
+    return effect.GetLatency();
+}
+
+const v3_process_context_requirements_cpp ContextRequirements::functions = {
+    unknownTable, {slot<&ContextRequirements::Get>}};
+
+ContextRequirements::ContextRequirements(Object& newOwner)
+    : Interface{&functions, &newOwner}
+{
+}
+
+// The position in samples is always there.
+uint32_t ContextRequirements::Get() noexcept
+{
+    return V3_PROCESS_CTX_NEED_TRANSPORT_STATE;
+}
+
+} // namespace Vst3

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/vst3/Effect.h"
+#include "wrappers/vst3/Object.h"
+#include "wrappers/vst3/ParameterQueues.h"
+
+#include <travesty/audio_processor.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace Vst3 {
+
+/// The audio side of a plug-in: arrangements, rate, blocks.
+class AudioProcessor final : public Interface {
+public:
+    AudioProcessor(Object& newOwner, Effect& newEffect);
+
+private:
+    using Channels = std::array<float*, Wrapper::BlockBuffers::MaxChannels>;
+
+    v3_result SetBusArrangements(v3_speaker_arrangement* inputs,
+                                 int32_t inputCount,
+                                 v3_speaker_arrangement* outputs,
+                                 int32_t outputCount);
+    v3_result GetBusArrangement(int32_t direction,
+                                int32_t index,
+                                v3_speaker_arrangement* arrangement) noexcept;
+    v3_result CanProcessSampleSize(int32_t size) noexcept;
+    uint32_t GetLatencySamples() noexcept;
+    v3_result SetupProcessing(v3_process_setup* setup);
+    v3_result SetProcessing(v3_bool state) noexcept;
+    v3_result Process(v3_process_data* data) noexcept;
+    uint32_t GetTailSamples() noexcept;
+
+    void SetParameter(uint32_t index, double normalised) noexcept;
+    void RunBlock(const v3_process_data& data) noexcept;
+    void RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept;
+    void ReportParameters(v3_param_changes** changes) noexcept;
+
+    static const v3_audio_processor_cpp functions;
+
+    Effect& effect;
+    ParameterQueues queues;
+    Channels inputs{};  // of the block; null ones are missing
+    Channels outputs{}; // likewise
+};
+
+/// What of the host's clock and transport a block is to hold.
+class ContextRequirements final : public Interface {
+public:
+    explicit ContextRequirements(Object& newOwner);
+
+private:
+    uint32_t Get() noexcept;
+
+    static const v3_process_context_requirements_cpp functions;
+};
+
+} // namespace Vst3

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/common/Instance.h"
+#include "wrappers/vst3/HostLink.h"
+#include "wrappers/vst3/Speakers.h"
+
+#include <travesty/edit_controller.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace Vst3 {
+
+/// What the interfaces of one plug-in share: the instance from initialize to terminate, its format,
+/// its values as the host's UI side has them, and what the host is to be told.
+///
+/// Values have two ways in. Those of the audio side come with the blocks and act there; the host
+/// sends them to the UI side as well, later, to be shown. So while its transport runs the UI side
+/// only keeps them: acted on, they would overtake the audio's, and a render would come out
+/// otherwise each time. While it stands, and while nothing is active, they act.
+///
+/// A new latency is told from the UI thread only: hosts stop and start the audio from within that
+/// call. What comes up elsewhere waits for a timer in the host's run loop and, where a host has
+/// none, for its next call about a state or a value.
+class Effect final : private Wrapper::Listener {
+public:
+    explicit Effect(std::shared_ptr<const Wrapper::Module> newModule);
+    ~Effect();
+    Effect(const Effect&) = delete;
+    Effect& operator=(const Effect&) = delete;
+    Effect(Effect&&) = delete;
+    Effect& operator=(Effect&&) = delete;
+
+    /// Makes the instance; false when there is one, or none can be had. `context` may be null. [ui]
+    bool Start(v3_funknown** context);
+    /// Ends it; format and rate stay. [ui]
+    void Stop();
+    /// Null before Start() and after Stop(). [any]
+    Wrapper::Instance* GetInstance() const noexcept { return instance.get(); }
+
+    /// False, and nothing changed, while active. [ui]
+    bool SetArrangement(const Speakers& speakers);
+    const Speakers& GetArrangement() const noexcept { return arrangement; }
+    /// Hz. False, and nothing changed, for one that is none, or for another one while active. [ui]
+    bool SetRate(double rate);
+    void SetActive(bool newActive); ///< [ui]
+    /// Whether the host's transport ran in the last block. [process]
+    void SetPlaying(bool newPlaying) noexcept { isPlaying = newPlaying; }
+
+    /// What the host is told, and remembers. [any]
+    uint32_t GetLatency() noexcept;
+
+    static constexpr v3_param_id NoParameter = ~v3_param_id{0};
+    v3_param_id GetId(uint32_t index) const noexcept { return ids[index]; }
+    const std::vector<v3_param_id>& GetIds() const noexcept { return ids; }
+    /// Null when there is none of that id, or no instance.
+    const Wrapper::Parameter* FindParameter(v3_param_id id) const noexcept;
+    /// As the host's UI side has it; normalised, 0 for an unknown id. [ui]
+    double GetValue(v3_param_id id) noexcept;
+    bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
+    /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
+    /// given once. [any]
+    uint32_t TakeUntold() noexcept { return untold.exchange(0); }
+
+    std::vector<uint8_t> Save();                 ///< empty when there is nothing to save [ui]
+    bool Load(std::span<const uint8_t> session); ///< false, and nothing changed, if it's none [ui]
+
+    void SetHandler(v3_component_handler** handler); ///< null takes it away [ui]
+
+private:
+    void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override;
+    void OnGestureBegun(uint32_t parameter) noexcept override;
+    void OnParameterChanged(uint32_t parameter, float normalised) noexcept override;
+    void OnGestureEnded(uint32_t parameter) noexcept override;
+    void OnStateChanged() noexcept override;
+
+    std::optional<uint32_t> IndexOf(v3_param_id id) const noexcept;
+    void ShowValues() noexcept;
+    void SetFormat();
+    void TellHost() noexcept;
+    bool HasNewLatency() const noexcept;
+
+    const std::shared_ptr<const Wrapper::Module> module;
+    Speakers arrangement = defaultArrangement;
+    double sampleRate = 44100;          // Hz
+    std::atomic<bool> isStarted{false}; // ids and values are there for the instance's notices
+    bool isActive = false;
+    std::atomic<bool> isPlaying{false};
+    std::vector<v3_param_id> ids;           // by parameter
+    std::vector<std::atomic<double>> shown; // by parameter, as the host's UI side has it
+    std::atomic<uint32_t> untold{0};        // see TakeUntold()
+    std::atomic<bool> isDirty{false};       // the host is to be told
+    std::atomic<bool> hasNews{false};       // TellHost() has something to look at
+    std::atomic<int64_t> toldLatency{-1};   // samples; -1: the host hasn't asked
+    bool isTelling = false;                 // a call of the host within a call to it
+    HostLink host;
+    std::unique_ptr<Wrapper::Instance> instance; // last: it calls this object
+};
+
+} // namespace Vst3

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: ISC
+// What goes from an effect to its host.
+#include "wrappers/vst3/Effect.h"
+
+namespace Vst3 {
+
+// The process side's latency is that of the UI side a little earlier, and the host knows one.
+void Effect::OnLatencyChanged(Wrapper::Side side, uint32_t /*samples*/) noexcept
+{
+    if (side == Wrapper::Side::UI) {
+        hasNews = true;
+    }
+}
+
+void Effect::OnGestureBegun(uint32_t parameter) noexcept
+{
+    if (isStarted && host.IsUiThread()) {
+        host.BeginEdit(ids[parameter]);
+    }
+}
+
+void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
+{
+    if (!isStarted) {
+        return;
+    }
+    shown[parameter] = static_cast<double>(normalised);
+    if (host.IsUiThread() && host.HasHandler()) {
+        host.PerformEdit(ids[parameter], static_cast<double>(normalised));
+        return;
+    }
+    untold.fetch_or(uint32_t{1} << parameter);
+    hasNews = true;
+}
+
+void Effect::OnGestureEnded(uint32_t parameter) noexcept
+{
+    if (isStarted && host.IsUiThread()) {
+        host.EndEdit(ids[parameter]);
+    }
+}
+
+void Effect::OnStateChanged() noexcept
+{
+    isDirty = true;
+    hasNews = true;
+}
+
+bool Effect::HasNewLatency() const noexcept
+{
+    const int64_t latency = instance->GetLatency(Wrapper::Side::UI);
+    return toldLatency >= 0 && latency != toldLatency;
+}
+
+void Effect::TellHost() noexcept
+{
+    if (instance == nullptr || isTelling || !host.IsUiThread() || !host.HasHandler() ||
+        !hasNews.exchange(false)) {
+        return;
+    }
+    isTelling = true;
+    if (isDirty.exchange(false)) {
+        host.SetDirty();
+    }
+    int32_t flags = 0;
+    if (TakeUntold() != 0) {
+        flags |= V3_RESTART_PARAM_VALUES_CHANGED;
+    }
+    if (HasNewLatency()) {
+        flags |= V3_RESTART_LATENCY_CHANGED;
+        GetLatency(); // told once, even to a host that doesn't look at it
+    }
+    if (flags != 0) {
+        host.Restart(flags);
+    }
+    isTelling = false;
+}
+
+} // namespace Vst3

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/SessionBytes.h"
+
+#include "wrappers/common/Instance.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Wrapper {
+
+namespace {
+
+// Magic word, version, bypass. A state alone begins with the length of its text, little-endian and
+// at most 64 MiB, and goes on with a zlib stream: its first four bytes are never letters.
+constexpr std::array<uint8_t, 4> magic = {'P', 'g', 'S', 's'};
+constexpr uint8_t currentVersion = 1;
+constexpr size_t versionAt = 4;
+constexpr size_t bypassAt = 5;
+constexpr size_t headSize = 6;
+
+// The lower half of a zlib stream's first byte names its method, of which there is one.
+constexpr size_t streamAt = 4;
+constexpr uint8_t methodMask = 0x0F;
+constexpr uint8_t methodDeflate = 8;
+
+} // namespace
+
+std::vector<uint8_t> EncodeSession(bool isBypassed, std::span<const uint8_t> state)
+{
+    if (state.empty()) {
+        return {};
+    }
+    std::vector<uint8_t> bytes(magic.begin(), magic.end());
+    bytes.reserve(headSize + state.size());
+    bytes.push_back(currentVersion);
+    bytes.push_back(isBypassed ? 1 : 0);
+    bytes.insert(bytes.end(), state.begin(), state.end());
+    return bytes;
+}
+
+std::optional<SessionBytes> DecodeSession(std::span<const uint8_t> bytes)
+{
+    if (bytes.size() <= headSize) {
+        return std::nullopt;
+    }
+    if (!std::equal(magic.begin(), magic.end(), bytes.begin())) {
+        const bool isState = (bytes[streamAt] & methodMask) == methodDeflate;
+        return isState ? std::optional(SessionBytes{std::nullopt, bytes}) : std::nullopt;
+    }
+    if (bytes[versionAt] != currentVersion || bytes[bypassAt] > 1) {
+        return std::nullopt;
+    }
+    return SessionBytes{bytes[bypassAt] == 1, bytes.subspan(headSize)};
+}
+
+bool LoadSession(Instance& instance, std::span<const uint8_t> bytes)
+{
+    const std::optional<SessionBytes> session = DecodeSession(bytes);
+    if (!session || !instance.LoadState(session->state)) {
+        return false;
+    }
+    const std::optional<uint32_t> bypass = instance.GetBypassIndex();
+    if (bypass && session->isBypassed) {
+        instance.SetParameter(Side::UI, *bypass, *session->isBypassed ? 1.0F : 0.0F);
+    }
+    return true;
+}
+
+} // namespace Wrapper

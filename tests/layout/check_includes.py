@@ -37,11 +37,11 @@ ARROWS = {
     FAMILY: {CORE, CONTROLLER, PRESET, DSP, ENTRY, UTIL},
     REPAIR: {DSP, ENTRY, UTIL},
     PRODUCT: {FAMILY, REPAIR, HISTORY_DIALOG, CORE, CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
-    "wrappers/common": {ENTRY},
-    "wrappers/cli": {"wrappers/common", ENTRY},
-    "wrappers/lv2": {"wrappers/common", ENTRY},
-    "wrappers/clap": {"wrappers/common", ENTRY},
-    "wrappers/vst3": {"wrappers/common", ENTRY},
+    "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
+    "wrappers/cli": {"wrappers/common"},
+    "wrappers/lv2": {"wrappers/common"},
+    "wrappers/clap": {"wrappers/common"},
+    "wrappers/vst3": {"wrappers/common"},
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
     "tests/realtime": {ENTRY, UTIL, "tests/contract", "tests/support"}, # UTIL for the names of locks
@@ -151,7 +151,8 @@ GOOD = {
     f"{CORE}/C.h": f'#include "{DSP}/D.h"\nconst char* u = "http://x"; /*\n#include <zlib.h> */\n',
     f"{DSP}/L.cpp": "#include <boost/signals2/signal.hpp>\n",
     f"{CORE}/C.cpp": "#include <dlfcn.h>\n",
-    "wrappers/cli/W.cpp": f'#include "{ENTRY}/E.h"\n#include <sndfile.h>\n',
+    "wrappers/common/M.h": f'#include "{ENTRY}/E.h"\n',
+    "wrappers/cli/W.cpp": '#include "wrappers/common/M.h"\n#include <sndfile.h>\n',
     "tests/a/T.cpp": f'#include "{CORE}/C.h"\n#include <gtest/gtest.h>\n',
 }
 BAD = {
@@ -160,6 +161,8 @@ BAD = {
     f"{ENTRY}/Up.h": f'#include "{UTIL}/A.h"\n',
     f"{REPAIR}/Up.cpp": f'#include \\\n"{CORE}/C.h"\n',
     "wrappers/cli/Deep.cpp": f'#include "{DSP}/D.h"\n',
+    "wrappers/cli/Entry.cpp": f'#include "{ENTRY}/E.h"\n',
+    "wrappers/lv2/Aside.cpp": '#include "wrappers/cli/W.cpp"\n',
     "wrappers/vst/New.cpp": f'#include "{ENTRY}/E.h"\n',
     "tests/contract/Inside.cpp": f'#include "{CORE}/C.h"\n',
     f"{CORE}/Angle.cpp": f'#include <{DSP}/D.h>\n',

@@ -156,14 +156,15 @@ bool TellSummary(const Options& options,
 }
 
 bool RunAll(const Options& options,
-            const Module& module,
+            const std::shared_ptr<const Wrapper::Module>& module,
             const Session& session,
             const std::vector<Task>& tasks)
 {
     ShowParameters(options, session);
     Console console(ConsoleConfig(options, tasks.size()));
-    console.Detail(fmt::format(
-        "module {}, version {}", Printable(module.GetPath()), module.GetInfo().versionText));
+    console.Detail(fmt::format("module {}, version {}",
+                               Printable(module->GetPath().string()),
+                               module->GetProduct().versionText));
     TellSaved(console, session);
     std::unique_ptr<EventsDocument> events;
     if (!Succeeds(console, options.events, [&] { events = OpenEvents(options); })) {
@@ -181,14 +182,14 @@ bool RunAll(const Options& options,
 int RunBatch(const Options& options)
 {
     if (options.session.listsPresets) {
-        WriteText(1, ListPresets(Module::Load(), options.wantsJson));
+        WriteText(1, ListPresets(LoadModule(), options.wantsJson));
         return allDone;
     }
     const std::vector<Task> tasks = MakeTasks(options);
     if (tasks.empty() && !options.inputs.empty()) {
         throw FileError("no recordings in " + Printable(options.inputs.front()));
     }
-    const Module module = Module::Load();
+    const auto module = LoadModule();
     const Session session = MakeSession(options, module);
     return RunAll(options, module, session, tasks) ? allDone : someFailed;
 }

@@ -21,7 +21,7 @@ double Decibel(double energyRatio)
 
 } // namespace
 
-BandAverage AverageOf(const DetectionTotalsRecord& totals)
+BandAverage AverageOf(const Wrapper::DetectionTotals& totals)
 {
     if (totals.hops == 0) {
         return {};
@@ -29,50 +29,47 @@ BandAverage AverageOf(const DetectionTotalsRecord& totals)
     return {totals.bandEnergy / static_cast<double>(totals.hops)};
 }
 
-Event MakeEvent(const DetectionRecord& record, const BandAverage& average, int sampleRate)
+Event MakeEvent(const Wrapper::Detection& detection, const BandAverage& average, int sampleRate)
 {
     const auto seconds = [&](int64_t samples) {
         return static_cast<double>(samples) / static_cast<double>(sampleRate);
     };
     Event event;
-    event.time = seconds(record.centre);
-    event.start = seconds(record.start);
-    event.end = seconds(record.end);
-    event.severity = static_cast<double>(record.severity);
-    if (record.pitchHz > 0) {
-        event.pitch = static_cast<double>(record.pitchHz);
+    event.time = seconds(detection.centre);
+    event.start = seconds(detection.start);
+    event.end = seconds(detection.end);
+    event.severity = static_cast<double>(detection.severity);
+    if (detection.pitchHz > 0) {
+        event.pitch = static_cast<double>(detection.pitchHz);
     }
-    if (record.energyBefore > 0) {
-        event.reduction = Decibel(record.energyAfter / record.energyBefore);
+    if (detection.energyBefore > 0) {
+        event.reduction = Decibel(detection.energyAfter / detection.energyBefore);
     }
-    const double frames = record.regionEnd < record.regionStart
-                              ? 0.0
-                              : static_cast<double>(record.regionEnd - record.regionStart) + 1.0;
-    const double usual = average.energyPerHop * frames;
-    const double ratio = usual > 0 ? (record.energyBefore - record.energyAfter) / usual : 0.0;
+    const double usual = average.energyPerHop * static_cast<double>(detection.frames);
+    const double ratio = usual > 0 ? (detection.energyBefore - detection.energyAfter) / usual : 0.0;
     event.removed = Decibel(ratio);
     event.isProminent = ratio >= 0.5;
     return event;
 }
 
-void EventSpool::Append(std::span<const DetectionRecord> records)
+void EventSpool::Append(std::span<const Wrapper::Detection> detections)
 {
-    const auto bytes = std::as_bytes(records);
+    const auto bytes = std::as_bytes(detections);
     const int failure =
         WriteFully(file.Get(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     if (failure != 0) {
         throw FileError::FromErrno(failure);
     }
-    count += records.size();
+    count += detections.size();
 }
 
-void EventSpool::ForEach(const std::function<void(const DetectionRecord&)>& visit) const
+void EventSpool::ForEach(const std::function<void(const Wrapper::Detection&)>& visit) const
 {
-    std::vector<DetectionRecord> buffer(256);
+    std::vector<Wrapper::Detection> buffer(256);
     for (uint64_t first = 0; first < count; first += buffer.size()) {
         buffer.resize(static_cast<size_t>(std::min<uint64_t>(buffer.size(), count - first)));
-        const size_t bytes = buffer.size() * sizeof(DetectionRecord);
-        const auto offset = static_cast<off_t>(first * sizeof(DetectionRecord));
+        const size_t bytes = buffer.size() * sizeof(Wrapper::Detection);
+        const auto offset = static_cast<off_t>(first * sizeof(Wrapper::Detection));
         if (::pread(file.Get(), buffer.data(), bytes, offset) != static_cast<ssize_t>(bytes)) {
             throw FileError("the list of repairs can't be read back");
         }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/cli/FileDescriptor.h"
+#include "wrappers/common/Detections.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,17 +26,17 @@ struct Event {
 
 /// What the whole recording holds between 20 and 150 Hz.
 struct BandAverage {
-    double energyPerHop = 0; ///< units of DetectionRecord.energyBefore
+    double energyPerHop = 0; ///< units of Wrapper::Detection::energyBefore
 };
 
 /// Least value of the decibel members of Event; stands for "nothing".
 inline constexpr double leastDecibel = -200.0;
 
 /// Mean energy of the analysed frames.
-BandAverage AverageOf(const DetectionTotalsRecord& totals);
+BandAverage AverageOf(const Wrapper::DetectionTotals& totals);
 
-/// Turns a record of the module into an event.
-Event MakeEvent(const DetectionRecord& record, const BandAverage& average, int sampleRate);
+/// Turns a repair into an event.
+Event MakeEvent(const Wrapper::Detection& detection, const BandAverage& average, int sampleRate);
 
 /// The repairs of one recording. Kept in a nameless temporary file, since what is prominent shows
 /// only at the end and a recording may last for hours.
@@ -49,12 +49,12 @@ public:
     }
 
     /// Throws FileError.
-    void Append(std::span<const DetectionRecord> records);
+    void Append(std::span<const Wrapper::Detection> detections);
 
     uint64_t GetCount() const { return count; }
 
-    /// Hands out all records, oldest first. Throws FileError.
-    void ForEach(const std::function<void(const DetectionRecord&)>& visit) const;
+    /// Hands out all repairs, oldest first. Throws FileError.
+    void ForEach(const std::function<void(const Wrapper::Detection&)>& visit) const;
 
 private:
     FileDescriptor file;

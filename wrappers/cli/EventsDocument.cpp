@@ -80,8 +80,8 @@ void EventsDocument::Add(size_t number,
     const int64_t offset = collectedLength;
     std::string text = ObjectHead(report, controls) + ",\n  \"events\": [";
     const char* separator = "\n    ";
-    spool.ForEach([&](const DetectionRecord& record) {
-        text += separator + EventJson(MakeEvent(record, average, report.sampleRate));
+    spool.ForEach([&](const Wrapper::Detection& detection) {
+        text += separator + EventJson(MakeEvent(detection, average, report.sampleRate));
         separator = ",\n    ";
         if (text.size() > enough) {
             Collect(text);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/Controls.h"
 #include "wrappers/cli/Events.h"
 #include "wrappers/cli/FileReport.h"
-#include "wrappers/cli/Instance.h"
 #include "wrappers/cli/OutputFile.h"
 
 #include <cstdint>

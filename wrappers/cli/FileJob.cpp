@@ -4,6 +4,7 @@
 #include "wrappers/cli/Alignment.h"
 #include "wrappers/cli/AudioReader.h"
 #include "wrappers/cli/AudioWriter.h"
+#include "wrappers/cli/Effect.h"
 #include "wrappers/cli/FileError.h"
 #include "wrappers/cli/Labels.h"
 #include "wrappers/cli/OutputFormat.h"
@@ -88,16 +89,16 @@ public:
         , channels(static_cast<size_t>(reader.GetChannels()))
         , labels(OpenReport(task.labels, options))
         , plot(OpenReport(task.plot, options))
-        , instance(context.module,
-                   reader.GetSampleRate(),
-                   reader.GetChannels(),
-                   context.session.settings)
+        , effect(context.module,
+                 reader.GetSampleRate(),
+                 reader.GetChannels(),
+                 context.session.settings)
         , alignment(channels,
                     static_cast<size_t>(options.block),
-                    instance.GetLatency(),
+                    effect.GetLatency(),
                     options.keepsLatency ? LatencyMode::Keep : LatencyMode::Trim,
-                    [this](float** data, uint32_t frames) { instance.Process(data, frames); })
-        , plotFramesToSkip(options.keepsLatency ? instance.GetLatency() : 0)
+                    [this](float** data, uint32_t frames) { effect.Process(data, frames); })
+        , plotFramesToSkip(options.keepsLatency ? effect.GetLatency() : 0)
     {
         if (plot) {
             recorder = std::make_unique<PlotRecorder>(reader.GetSampleRate(), reader.GetChannels());
@@ -112,12 +113,12 @@ public:
         Describe(report);
         ReadAll(report);
         // What follows the recording is no part of its average.
-        average = AverageOf(instance.ReadTotals());
+        average = AverageOf(effect.ReadTotals());
         for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain()) {
             Emit(pair);
         }
         SpoolDetections(report.frames);
-        report.lostRepairs = instance.GetLostDetections();
+        report.lostRepairs = effect.GetLostDetections();
         // The picture takes a time of its own, which says nothing of the repair's speed.
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         report.seconds = elapsed.count();
@@ -127,7 +128,7 @@ public:
         }
         CommitReports();
         if (context.events != nullptr) {
-            context.events->Add(number, report, instance.GetControls(), spool, average);
+            context.events->Add(number, report, effect.GetControls(), spool, average);
         }
     }
 
@@ -155,14 +156,14 @@ private:
     size_t channels;
     std::unique_ptr<OutputFile> labels;
     std::unique_ptr<OutputFile> plot;
-    Instance instance;
+    Effect effect;
     Alignment alignment;
     size_t plotFramesToSkip;
     std::unique_ptr<PlotRecorder> recorder;
     int outputFormat = 0;
     std::unique_ptr<AudioWriter> writer;
     std::unique_ptr<Quantiser> quantiser;
-    std::vector<DetectionRecord> detections;
+    std::vector<Wrapper::Detection> detections;
     EventSpool spool;
     BandAverage average;
 };
@@ -180,7 +181,7 @@ void FileJob::OpenWriter()
     target.channels = reader.GetChannels();
     target.frames = reader.GetFrames();
     if (target.frames && options.keepsLatency) {
-        *target.frames += instance.GetLatency();
+        *target.frames += effect.GetLatency();
     }
     if (!options.outputDirectory.empty()) {
         MakeFolderOf(task.output);
@@ -199,9 +200,9 @@ void FileJob::Describe(FileReport& report) const
     report.output = task.output;
     report.sampleRate = reader.GetSampleRate();
     report.channels = reader.GetChannels();
-    report.latency = instance.GetLatency();
+    report.latency = effect.GetLatency();
     report.preset = context.session.preset ? context.session.preset->name : "";
-    const Controls& controls = instance.GetControls();
+    const Controls& controls = effect.GetControls();
     context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; "
                                        "sensitivity {}, strength {}, up to {} Hz, "
                                        "latency scaling {}{}{}",
@@ -272,9 +273,10 @@ void FileJob::Record(const Alignment::Pair& pair)
 void FileJob::SpoolDetections(int64_t framesSoFar)
 {
     detections.clear();
-    instance.ReadDetections(detections);
+    effect.ReadDetections(detections);
     // The silence behind the recording can seem to hold something too.
-    std::erase_if(detections, [&](const DetectionRecord& r) { return r.centre >= framesSoFar; });
+    std::erase_if(detections,
+                  [&](const Wrapper::Detection& one) { return one.centre >= framesSoFar; });
     spool.Append(detections);
 }
 
@@ -284,7 +286,7 @@ std::unique_ptr<PlotPainter> FileJob::MakePainter(const FileReport& report)
         return nullptr;
     }
     recorder->Finish();
-    const Controls& controls = instance.GetControls();
+    const Controls& controls = effect.GetControls();
     const auto name = std::filesystem::path(task.input).filename().string();
     PlotCaption caption;
     caption.title = task.input == "-" ? "standard input" : ToUtf8(Printable(name));
@@ -306,8 +308,8 @@ void FileJob::WriteReports(FileReport& report)
 {
     const std::unique_ptr<PlotPainter> painter = MakePainter(report);
     EventSummary& summary = report.events;
-    spool.ForEach([&](const DetectionRecord& record) {
-        const Event event = MakeEvent(record, average, report.sampleRate);
+    spool.ForEach([&](const Wrapper::Detection& detection) {
+        const Event event = MakeEvent(detection, average, report.sampleRate);
         ++summary.repairs;
         if (!summary.strongest || event.removed > summary.strongest->removed) {
             summary.strongest = event;

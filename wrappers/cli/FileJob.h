@@ -10,13 +10,14 @@
 #include "wrappers/cli/Tasks.h"
 
 #include <cstddef>
+#include <memory>
 
 namespace Cli {
 
 /// What all files of a run share.
 struct RunContext {
     const Options& options;
-    const Module& module;
+    const std::shared_ptr<const Wrapper::Module>& module;
     const Session& session;
     Console& console;
     EventsDocument* events; ///< null when not wanted

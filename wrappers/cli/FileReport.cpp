@@ -10,6 +10,8 @@ namespace Cli {
 
 namespace {
 
+using Kind = Wrapper::Parameter::Kind;
+
 std::string Counted(uint64_t count, const char* noun)
 {
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
@@ -20,27 +22,28 @@ nlohmann::ordered_json TextOrNull(const std::string& text)
     return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(ToUtf8(text));
 }
 
-nlohmann::ordered_json ToJson(const Parameter& parameter, double value)
+nlohmann::ordered_json ToJson(const Wrapper::Parameter& parameter, double value)
 {
-    if (parameter.type == ParamTypeBool) {
+    if (parameter.kind == Kind::Switch) {
         return value >= 0.5;
     }
-    if (parameter.type == ParamTypeEnum) {
+    if (parameter.kind == Kind::Choice) {
         return ToUtf8(FormatValue(parameter, value));
     }
     return value;
 }
 
-nlohmann::ordered_json ToJson(const Parameter& parameter)
+nlohmann::ordered_json ToJson(const ParameterValue& entry)
 {
+    const auto& [parameter, value] = entry;
     nlohmann::ordered_json json;
     json["name"] = ToUtf8(parameter.identifier);
-    json["value"] = ToJson(parameter, parameter.value);
-    if (parameter.type == ParamTypeFloat) {
+    json["value"] = ToJson(parameter, value);
+    if (parameter.kind == Kind::Number) {
         json["minimum"] = parameter.minimum;
         json["maximum"] = parameter.maximum;
     }
-    if (parameter.type == ParamTypeEnum) {
+    if (parameter.kind == Kind::Choice) {
         json["values"] = parameter.labels;
     }
     json["default"] = ToJson(parameter, parameter.defaultValue);
@@ -61,7 +64,7 @@ nlohmann::ordered_json ToJson(const Session& session)
     json["savedState"] = TextOrNull(session.savedState);
     if (!session.parameters.empty()) {
         json["parameters"] = nlohmann::ordered_json::array();
-        for (const Parameter& parameter : session.parameters) {
+        for (const ParameterValue& parameter : session.parameters) {
             json["parameters"].push_back(ToJson(parameter));
         }
     }

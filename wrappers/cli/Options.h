@@ -2,7 +2,7 @@
 #pragma once
 
 #include "wrappers/cli/AudioFormat.h"
-#include "wrappers/cli/Instance.h"
+#include "wrappers/cli/Controls.h"
 #include "wrappers/cli/Limits.h"
 #include "wrappers/cli/OutputFile.h"
 #include "wrappers/cli/SessionOptions.h"

@@ -10,14 +10,14 @@ namespace Cli {
 
 namespace {
 
-const char* GroupName(PluginCorePresetGroup group)
+const char* GroupName(Wrapper::PresetGroup group)
 {
     switch (group) {
-    case PresetGroupFactory:
+    case Wrapper::PresetGroup::Factory:
         return "factory";
-    case PresetGroupUser:
+    case Wrapper::PresetGroup::User:
         return "user";
-    case PresetGroupBuiltIn:
+    case Wrapper::PresetGroup::BuiltIn:
         break;
     }
     return "built in";
@@ -30,10 +30,10 @@ nlohmann::ordered_json TextOrNull(const std::string& text)
 
 } // namespace
 
-std::string PresetTable(const std::vector<Preset>& presets)
+std::string PresetTable(const std::vector<Wrapper::Preset>& presets)
 {
     TextTable table({"NAME", "FROM", "COMMENT"});
-    for (const Preset& preset : presets) {
+    for (const Wrapper::Preset& preset : presets) {
         table.Add({preset.name,
                    GroupName(preset.group),
                    preset.problem.empty() ? preset.comment : preset.problem});
@@ -41,12 +41,12 @@ std::string PresetTable(const std::vector<Preset>& presets)
     return table.Format();
 }
 
-std::string PresetJson(const std::vector<Preset>& presets)
+std::string PresetJson(const std::vector<Wrapper::Preset>& presets)
 {
     nlohmann::ordered_json json;
     json["version"] = PUFFGUARD_VERSION;
     json["presets"] = nlohmann::ordered_json::array();
-    for (const Preset& preset : presets) {
+    for (const Wrapper::Preset& preset : presets) {
         json["presets"].push_back({{"name", ToUtf8(preset.name)},
                                    {"from", GroupName(preset.group)},
                                    {"comment", ToUtf8(preset.comment)},

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/Session.h"
 
+#include "wrappers/cli/Effect.h"
 #include "wrappers/cli/FileError.h"
 #include "wrappers/cli/OutputFile.h"
+#include "wrappers/cli/Presets.h"
 #include "wrappers/cli/StateFile.h"
 #include "wrappers/cli/Text.h"
 
@@ -15,10 +17,12 @@ namespace Cli {
 
 namespace {
 
+using SharedModule = std::shared_ptr<const Wrapper::Module>;
+
 // What is saved doesn't depend on the stream.
-std::unique_ptr<Instance> MakeInstance(const Module& module)
+std::unique_ptr<Effect> MakeEffect(const SharedModule& module)
 {
-    return std::make_unique<Instance>(module, 48000, 1, Settings{});
+    return std::make_unique<Effect>(module, 48000, 1, Settings{});
 }
 
 std::string DisplayName(const std::string& path, const char* stream)
@@ -26,21 +30,21 @@ std::string DisplayName(const std::string& path, const char* stream)
     return path == "-" ? stream : Printable(path);
 }
 
-bool HasSameValue(const Parameter& a, const Parameter& b)
+bool HasSameValue(const ParameterValue& a, const ParameterValue& b)
 {
     return a.value == b.value;
 }
 
 // The module takes any dictionary for a session and keeps the values that it doesn't name. A
 // session is of use when it moves something away from one end of the ranges or from the other.
-bool HoldsValues(const Module& module, std::string_view state)
+bool HoldsValues(const SharedModule& module, std::string_view state)
 {
-    const std::unique_ptr<Instance> instance = MakeInstance(module);
+    const std::unique_ptr<Effect> effect = MakeEffect(module);
     for (const float end : {0.0F, 1.0F}) {
-        instance->SetAll(end);
-        const std::vector<Parameter> before = instance->ReadParameters();
-        instance->LoadState(state);
-        const std::vector<Parameter> after = instance->ReadParameters();
+        effect->SetAll(end);
+        const std::vector<ParameterValue> before = effect->ReadParameters();
+        effect->LoadState(state);
+        const std::vector<ParameterValue> after = effect->ReadParameters();
         if (!std::equal(before.begin(), before.end(), after.begin(), HasSameValue)) {
             return true;
         }
@@ -48,12 +52,12 @@ bool HoldsValues(const Module& module, std::string_view state)
     return false;
 }
 
-void LoadState(Instance& instance, const Module& module, const std::string& path)
+void LoadState(Effect& effect, const SharedModule& module, const std::string& path)
 {
     const std::string name = DisplayName(path, "stdin");
     try {
         const std::string state = ReadStateFile(path);
-        if (!instance.LoadState(state)) {
+        if (!effect.LoadState(state)) {
             throw FileError("is not a saved session of Puff-guard");
         }
         if (!HoldsValues(module, state)) {
@@ -72,25 +76,26 @@ std::string NameForModule(const std::string& name)
     return isUnknownFile ? "./" + name : name;
 }
 
-Preset ApplyPreset(Instance& instance, const std::string& name)
+Wrapper::Preset ApplyPreset(Effect& effect, const std::string& name)
 {
     try {
-        return instance.ApplyPreset(NameForModule(name));
+        return effect.ApplyPreset(NameForModule(name));
     } catch (const FileError& error) {
         throw UsageError(Printable(error.what()));
     }
 }
 
 // The module refuses by itself to replace a preset, but knows no way out that could be told.
-void CheckPresetTarget(Instance& instance, const Options& options)
+void CheckPresetTarget(Effect& effect, const Options& options)
 {
     const std::string& target = options.session.savePreset;
     if (IsPresetFile(target)) {
         Naming(Printable(target), [&] { CheckNewFile(target, options.overwrite); });
         return;
     }
-    for (const Preset& preset : instance.ListPresets()) {
-        if (preset.group == PresetGroupUser && LowerCase(preset.name) == LowerCase(target)) {
+    for (const Wrapper::Preset& preset : effect.ListPresets()) {
+        if (preset.group == Wrapper::PresetGroup::User &&
+            LowerCase(preset.name) == LowerCase(target)) {
             Naming(Printable(preset.path), [&] { CheckNewFile(preset.path, options.overwrite); });
         }
     }
@@ -103,63 +108,63 @@ std::unique_ptr<OutputFile> OpenState(const Options& options)
                   [&] { return std::make_unique<OutputFile>(target, options.overwrite); });
 }
 
-void SaveState(const Instance& instance, const std::string& target, OutputFile& file)
+void SaveState(Effect& effect, const std::string& target, OutputFile& file)
 {
-    const std::string state = instance.SaveState();
+    const std::string state = effect.SaveState();
     Naming(DisplayName(target, "standard output"), [&] { file.WriteWhole(state); });
 }
 
 // Nothing is written before both targets are known to be good.
-void Save(Instance& instance, const Options& options, Session& session)
+void Save(Effect& effect, const Options& options, Session& session)
 {
     const SessionOptions& wanted = options.session;
     if (!wanted.savePreset.empty()) {
-        CheckPresetTarget(instance, options);
+        CheckPresetTarget(effect, options);
     }
     std::unique_ptr<OutputFile> stateFile;
     if (!wanted.stateOut.empty()) {
         stateFile = OpenState(options);
     }
     if (!wanted.savePreset.empty()) {
-        session.savedPreset = instance.SavePreset(
+        session.savedPreset = effect.SavePreset(
             NameForModule(wanted.savePreset), ToUtf8(wanted.comment), options.overwrite);
     }
     if (stateFile) {
-        SaveState(instance, wanted.stateOut, *stateFile);
+        SaveState(effect, wanted.stateOut, *stateFile);
         session.savedState = wanted.stateOut;
     }
 }
 
 } // namespace
 
-Session MakeSession(const Options& options, const Module& module)
+Session MakeSession(const Options& options, const SharedModule& module)
 {
     Session session;
     session.settings.chosen = options.controls;
     if (!options.session.IsWanted()) {
         return session;
     }
-    const std::unique_ptr<Instance> instance = MakeInstance(module);
+    const std::unique_ptr<Effect> effect = MakeEffect(module);
     if (!options.session.stateIn.empty()) {
-        LoadState(*instance, module, options.session.stateIn);
+        LoadState(*effect, module, options.session.stateIn);
     }
     if (!options.session.preset.empty()) {
-        session.preset = ApplyPreset(*instance, options.session.preset);
+        session.preset = ApplyPreset(*effect, options.session.preset);
     }
     if (session.preset || !options.session.stateIn.empty()) {
-        session.settings.state = instance->SaveState();
+        session.settings.state = effect->SaveState();
     }
-    instance->Choose(options.controls);
+    effect->Choose(options.controls);
     if (options.session.printsParams) {
-        session.parameters = instance->ReadParameters();
+        session.parameters = effect->ReadParameters();
     }
-    Save(*instance, options, session);
+    Save(*effect, options, session);
     return session;
 }
 
-std::string ListPresets(const Module& module, bool asJson)
+std::string ListPresets(const SharedModule& module, bool asJson)
 {
-    const std::vector<Preset> presets = MakeInstance(module)->ListPresets();
+    const std::vector<Wrapper::Preset> presets = MakeEffect(module)->ListPresets();
     return asJson ? PresetJson(presets) : PresetTable(presets);
 }
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/cli/Instance.h"
+#include "wrappers/cli/Controls.h"
 #include "wrappers/cli/Module.h"
 #include "wrappers/cli/Options.h"
 #include "wrappers/cli/Parameters.h"
-#include "wrappers/cli/Presets.h"
+#include "wrappers/common/Preset.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,9 +17,9 @@ namespace Cli {
 /// What all instances of a run are set to, and what became of the options about it.
 struct Session {
     Settings settings;
-    std::optional<Preset> preset;      ///< the one that was applied
-    std::vector<Parameter> parameters; ///< filled when they are to be printed
-    std::string savedPreset;           ///< the file; empty: none; so is the next
+    std::optional<Wrapper::Preset> preset;  ///< the one that was applied
+    std::vector<ParameterValue> parameters; ///< filled when they are to be printed
+    std::string savedPreset;                ///< the file; empty: none; so is the next
     std::string savedState;
 };
 
@@ -29,9 +30,9 @@ struct Session {
 ///
 /// Throws UsageError for a preset or a session that can't be used, FileError when one can't be
 /// written, ModuleError.
-Session MakeSession(const Options& options, const Module& module);
+Session MakeSession(const Options& options, const std::shared_ptr<const Wrapper::Module>& module);
 
 /// All presets that the module knows, as a table or as JSON. Throws ModuleError.
-std::string ListPresets(const Module& module, bool asJson);
+std::string ListPresets(const std::shared_ptr<const Wrapper::Module>& module, bool asJson);
 
 } // namespace Cli

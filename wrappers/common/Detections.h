@@ -15,6 +15,7 @@ namespace Wrapper {
 /// the bins from 20 to 150 Hz.
 struct Detection {
     uint32_t number = 0; ///< running number, from 0
+    uint32_t frames = 0; ///< of the region
     int64_t centre = 0;  ///< samples
     int64_t start = 0;   ///< samples, first frame of the region
     int64_t end = 0;     ///< samples, last frame of the region
@@ -22,7 +23,6 @@ struct Detection {
     float pitchHz = 0;   ///< 0: unvoiced
     double energyBefore = 0;
     double energyAfter = 0;
-    uint32_t frames = 0; ///< of the region
 };
 
 /// Sums over all frames since the repair last restarted.

@@ -4,11 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace {
 
 using namespace Cli;
+using Wrapper::Parameter;
 
 Parameter Float(double minimum, double maximum)
 {
@@ -22,7 +21,7 @@ Parameter Float(double minimum, double maximum)
 float Stored(const Parameter& parameter, double value)
 {
     const auto minimum = static_cast<float>(parameter.minimum);
-    return Normalised(parameter, value) * (static_cast<float>(parameter.maximum) - minimum) +
+    return parameter.ToNormalised(value) * (static_cast<float>(parameter.maximum) - minimum) +
            minimum;
 }
 
@@ -44,47 +43,36 @@ TEST(ParametersTest, AValueComesBackAsItWasTyped)
             const float stored = Stored(parameter, value);
             const auto span = static_cast<float>(maximum - minimum);
             const float told = (stored - static_cast<float>(minimum)) / span;
-            ASSERT_EQ(FromNormalised(parameter, told), value);
+            ASSERT_EQ(TidyValue(parameter, told), value);
         }
     }
 }
 
 TEST(ParametersTest, WhatLiesOutsideTheRangeGoesToItsEnd)
 {
-    EXPECT_EQ(Normalised(Float(50, 500), 1000), 1.0F);
-    EXPECT_EQ(Normalised(Float(50, 500), -1000), 0.0F);
-    EXPECT_EQ(Normalised(Float(3, 3), 3), 0.0F);
+    EXPECT_EQ(Float(50, 500).ToNormalised(1000), 1.0F);
+    EXPECT_EQ(Float(50, 500).ToNormalised(-1000), 0.0F);
+    EXPECT_EQ(Float(3, 3).ToNormalised(3), 0.0F);
 }
 
 TEST(ParametersTest, EachKindIsShownInItsOwnWords)
 {
-    ParamInfoRecord record = {};
-    std::strcpy(static_cast<char*>(record.identifier), "Element.Depth");
-    std::strcpy(static_cast<char*>(record.labels), "Fifty\tHundred\tWithout end");
-    record.type = ParamTypeEnum;
-    record.maximum = 2;
-    record.defaultValue = 1;
-    const Parameter depth = MakeParameter(record);
+    Parameter depth = Float(0, 2);
+    depth.identifier = "Element.Depth";
+    depth.labels = {"Fifty", "Hundred", "Without end"};
+    depth.kind = Parameter::Kind::Choice;
+    depth.defaultValue = 1;
     Parameter strength = Float(0, 10);
     strength.identifier = "Element.Strength";
-    strength.value = 0.125;
     strength.unit = "dB";
     Parameter bypass = Float(0, 1);
     bypass.identifier = "Bypass";
-    bypass.type = ParamTypeBool;
-    bypass.value = 1;
-    EXPECT_EQ(ParameterTable({depth, strength, bypass}),
+    bypass.kind = Parameter::Kind::Switch;
+    EXPECT_EQ(ParameterTable({{depth, 1}, {strength, 0.125}, {bypass, 1}}),
               "NAME              VALUE    RANGE                        DEFAULT  UNIT\n"
               "Element.Depth     Hundred  Fifty, Hundred, Without end  Hundred\n"
               "Element.Strength  0.125    0 to 10                      0        dB\n"
               "Bypass            on       off, on                      off\n");
-}
-
-TEST(ParametersTest, AFieldWithoutATerminatorEndsWithTheField)
-{
-    ParamInfoRecord record = {};
-    std::memset(static_cast<void*>(record.units), 'x', sizeof record.units);
-    EXPECT_EQ(MakeParameter(record).unit, std::string(sizeof record.units, 'x'));
 }
 
 TEST(TextTableTest, ColumnsLineUpWhateverTheTextsHold)

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: ISC
+// The module without any format around it: what all of them should come to.
+#include "tests/contract/support/FormatHost.h"
+#include "tests/support/ModuleHost.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstring>
+
+namespace Contract {
+
+namespace {
+
+using TestHost::Call;
+using TestHost::UI;
+
+class EntryHost final : public FormatHost {
+public:
+    EntryHost(double rate, uint32_t newChannels)
+        : channels(newChannels)
+        , instance(static_cast<float>(rate), newChannels)
+    {
+        instance.onHostCall = [this](const TestHost::HostCall& call) {
+            if (call.opcode == HostOpcodeLatencyChanged && call.context == UI) {
+                ++latencyReports;
+            }
+        };
+    }
+
+    bool Activate(double rate, uint32_t /*longestBlock*/) override
+    {
+        if (!std::isfinite(rate) || rate <= 0) {
+            return false; // the entry would answer success and do nothing
+        }
+        instance.SetFormat(static_cast<float>(rate), TestHost::LayoutOf(channels));
+        SetProcessing(1);
+        return true;
+    }
+
+    void Deactivate() override { SetProcessing(0); }
+
+    void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override
+    {
+        float* pointers[PLUGIN_CORE_MAX_CHANNELS] = {};
+        for (uint32_t c = 0; c < channels && outputs != nullptr; ++c) {
+            pointers[c] = outputs[c];
+            if (outputs[c] == nullptr || inputs[c] == outputs[c]) {
+                continue;
+            }
+            if (inputs[c] != nullptr) {
+                std::memmove(outputs[c], inputs[c], frames * sizeof(float));
+            } else {
+                std::fill_n(outputs[c], frames, 0.0F);
+            }
+        }
+        ProcessRecord record{};
+        record.frames = frames;
+        record.channels = pointers;
+        Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
+    }
+
+    void Reset() override { instance.Settle(); }
+
+    uint32_t GetLatency() override { return instance.Latency(); }
+    std::optional<uint32_t> CountLatencyReports() override { return latencyReports; }
+
+    uint32_t CountParameters() override
+    {
+        uint32_t count = 0;
+        Call(SelectorGetAutomatableParamCount, UI, instance.Get(), &count);
+        return count;
+    }
+    void SetParameter(uint32_t index, float normalised) override
+    {
+        instance.Set(index, normalised);
+    }
+    float GetParameter(uint32_t index) override { return instance.Value(index); }
+
+    // Other formats save the bypass themselves, where their hosts expect that; here a host has it
+    // at hand. It stands behind the chunk.
+    std::vector<uint8_t> Save() override
+    {
+        StateRecord record{};
+        record.op = StateOpGetSize;
+        Call(SelectorStateCommand, UI, instance.Get(), &record);
+        std::vector<uint8_t> bytes(record.size);
+        record.op = StateOpGetChunk;
+        record.buffer = bytes.data();
+        Call(SelectorStateCommand, UI, instance.Get(), &record);
+        if (record.failed != 0) {
+            return {};
+        }
+        bytes.push_back(instance.Value(TestHost::GlobalBypass) < 0.5F ? 0 : 1);
+        return bytes;
+    }
+
+    bool Load(std::span<const uint8_t> bytes) override
+    {
+        if (bytes.empty()) {
+            return false;
+        }
+        std::vector<uint8_t> chunk(bytes.begin(), bytes.end() - 1);
+        StateRecord record{};
+        record.op = StateOpSetChunk;
+        record.size = static_cast<uint32_t>(chunk.size());
+        record.buffer = chunk.data();
+        record.version = 1;
+        Call(SelectorStateCommand, UI, instance.Get(), &record);
+        if (record.failed != 0) {
+            return false;
+        }
+        instance.Set(TestHost::GlobalBypass, bytes.back() == 0 ? 0.0F : 1.0F);
+        return true;
+    }
+
+    std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) override
+    {
+        std::vector<uint8_t> bytes(chunk.begin(), chunk.end());
+        bytes.push_back(0);
+        return bytes;
+    }
+
+private:
+    void SetProcessing(int32_t active)
+    {
+        ProcessingStateRecord record{active, 0};
+        Call(SelectorSetProcessingState, UI, instance.Get(), &record);
+    }
+
+    const uint32_t channels;
+    std::atomic<uint32_t> latencyReports{0};
+    TestHost::Instance instance; // last: it calls this object
+};
+
+bool ScanEntry(void* library)
+{
+    auto* const entry =
+        reinterpret_cast<PluginCoreEntryFunction>(dlsym(library, PLUGIN_CORE_ENTRY_NAME));
+    if (entry == nullptr) {
+        return false;
+    }
+    const auto call = [&](uint32_t selector, PluginCore* instance, void* data) {
+        return entry(PLUGIN_CORE_MAGIC, selector, UI, instance, data) == PluginCoreSuccess;
+    };
+    PluginInfoRecord info{};
+    PluginInfoRequest request{};
+    request.info = &info;
+    PluginCore* instance = nullptr;
+    CreateRecord record{};
+    std::strcpy(&record.modulePath[0], PUFFGUARD_MODULE);
+    record.instance = &instance;
+    record.sampleRate = 48000;
+    record.channelConfig = TestHost::LayoutOf(2);
+    return call(SelectorGetPluginInfo, nullptr, &request) &&
+           call(SelectorCreatePlugin, nullptr, &record) && instance != nullptr &&
+           call(SelectorInitialize, instance, nullptr) &&
+           call(SelectorTerminate, instance, nullptr) &&
+           call(SelectorDestroyPlugin, instance, nullptr);
+}
+
+} // namespace
+
+std::unique_ptr<FormatHost> MakeEntryHost(double rate, uint32_t channels)
+{
+    return std::make_unique<EntryHost>(rate, channels);
+}
+
+FormatBinary GetEntryBinary()
+{
+    return {PUFFGUARD_MODULE, ScanEntry};
+}
+
+} // namespace Contract

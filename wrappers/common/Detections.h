@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+struct TransformReadRecord;
+
 namespace Wrapper {
 
 /// One repair. Positions are centres of analysis frames, in samples of the input since the repair

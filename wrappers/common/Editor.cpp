@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/common/Editor.h"
 
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+
 namespace Wrapper {
 
 namespace {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/common/Instance.h"
 
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/ParameterRecords.h"
 #include "wrappers/common/Text.h"
 
@@ -19,6 +20,19 @@ constexpr std::string_view bypassIdentifier = "Global.Global Bypass";
 uint32_t LayoutOf(uint32_t channels)
 {
     return channels <= 2 ? channels - 1 : channels + 10;
+}
+
+int32_t NumberOf(Format format)
+{
+    switch (format) {
+    case Format::Program:
+        return FormatStandalone;
+    case Format::VST3:
+        return FormatVST3;
+    case Format::Other:
+        break;
+    }
+    return FormatVST3 + 1; // a number that the module has no name for
 }
 
 } // namespace
@@ -62,7 +76,7 @@ bool Instance::Start(const Setup& setup)
     record.hostRefcon = this;
     // The module looks for what came with it beside this.
     CopyText(std::filesystem::absolute(module->GetPath()).string(), record.modulePath);
-    record.identity.format = static_cast<int32_t>(setup.format);
+    record.identity.format = NumberOf(setup.format);
     CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
     record.instance = &core;
     record.sampleRate = static_cast<float>(setup.sampleRate);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/BlockBuffers.h"
 #include "wrappers/common/Listener.h"
 #include "wrappers/common/Log.h"
@@ -16,10 +15,15 @@
 #include <string>
 #include <vector>
 
+struct EditorRecord;
+struct ParamEventRecord;
+struct PluginCore;
+struct StateRecord;
+
 namespace Wrapper {
 
 /// Who loads the module. The module has no number of its own for the formats that it didn't know.
-enum class Format : int32_t { Program = FormatStandalone, VST3 = FormatVST3, Other = 12 };
+enum class Format { Program, VST3, Other };
 
 /// Whose settings an instance follows. One for files neither looks at the user's nor writes any.
 enum class Use { Live, Files };

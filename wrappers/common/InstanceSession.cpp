@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // What an instance lasts by: states and presets.
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/Instance.h"
 #include "wrappers/common/Presets.h"
 

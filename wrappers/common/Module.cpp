@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/common/Module.h"
 
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/Text.h"
 
 #include <dlfcn.h>
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
 
 namespace Wrapper {
 
@@ -98,12 +100,19 @@ Module::Module(const std::filesystem::path& file)
     if (library == nullptr) {
         throw std::runtime_error(std::string("the module can't be loaded: ") + ::dlerror());
     }
-    entry = reinterpret_cast<PluginCoreEntryFunction>(::dlsym(library, PLUGIN_CORE_ENTRY_NAME));
+    static_assert(std::is_same_v<Entry, PluginCoreEntryFunction>);
+    entry = reinterpret_cast<Entry>(::dlsym(library, PLUGIN_CORE_ENTRY_NAME));
 }
 
 Module::~Module()
 {
     ::dlclose(library);
+}
+
+uint32_t
+Module::Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data) const noexcept
+{
+    return entry(PLUGIN_CORE_MAGIC, selector, context, instance, data);
 }
 
 void Module::Describe()

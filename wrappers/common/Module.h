@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/Log.h"
 
 #include <cstdint>
@@ -9,6 +8,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+struct PluginCore;
 
 namespace Wrapper {
 
@@ -44,10 +45,7 @@ public:
 
     /// One call of the entry; the answer is a PluginCoreResult.
     uint32_t
-    Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data) const noexcept
-    {
-        return entry(PLUGIN_CORE_MAGIC, selector, context, instance, data);
-    }
+    Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data) const noexcept;
 
     /// As it was named.
     const std::filesystem::path& GetPath() const { return path; }
@@ -56,12 +54,14 @@ public:
     uint32_t GetStateVersion() const { return stateVersion; }
 
 private:
+    using Entry = uint32_t (*)(uint32_t, uint32_t, uint32_t, PluginCore*, void*);
+
     explicit Module(const std::filesystem::path& file);
     void Describe();
 
     std::filesystem::path path;
     void* library = nullptr;
-    PluginCoreEntryFunction entry = nullptr;
+    Entry entry = nullptr;
     Product product;
     uint32_t stateVersion = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/common/Parameter.h"
 
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/Text.h"
 
 #include <algorithm>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/entry/PluginCoreCallback.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+struct ParamInfoRecord;
 
 namespace Wrapper {
 
@@ -38,6 +38,7 @@ struct Parameter {
     std::optional<float> Parse(std::string_view text) const;
 };
 
+/// What the module says of a parameter.
 Parameter MakeParameter(const ParamInfoRecord& record);
 
 } // namespace Wrapper

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "tests/wrappers/common/support/ModuleTest.h"
 #include "wrappers/common/Editor.h"
 

@@ -55,7 +55,6 @@ public:
     /// What the host is told, and remembers. [any]
     uint32_t GetLatency() noexcept;
 
-    static constexpr v3_param_id NoParameter = ~v3_param_id{0};
     v3_param_id GetId(uint32_t index) const noexcept { return ids[index]; }
     const std::vector<v3_param_id>& GetIds() const noexcept { return ids; }
     /// Null when there is none of that id, or no instance.
@@ -80,6 +79,7 @@ private:
     void OnStateChanged() noexcept override;
 
     std::optional<uint32_t> IndexOf(v3_param_id id) const noexcept;
+    bool IsKnown(uint32_t parameter) const noexcept;
     void ShowValues() noexcept;
     void SetFormat();
     void TellHost() noexcept;

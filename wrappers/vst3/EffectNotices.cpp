@@ -12,16 +12,22 @@ void Effect::OnLatencyChanged(Wrapper::Side side, uint32_t /*samples*/) noexcept
     }
 }
 
+// Notices may come before the list of parameters is there, from the module's own thread.
+bool Effect::IsKnown(uint32_t parameter) const noexcept
+{
+    return isStarted && parameter < ids.size();
+}
+
 void Effect::OnGestureBegun(uint32_t parameter) noexcept
 {
-    if (isStarted && host.IsUiThread()) {
+    if (IsKnown(parameter) && host.IsUiThread()) {
         host.BeginEdit(ids[parameter]);
     }
 }
 
 void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
 {
-    if (!isStarted) {
+    if (!IsKnown(parameter)) {
         return;
     }
     shown[parameter] = static_cast<double>(normalised);
@@ -35,7 +41,7 @@ void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
 
 void Effect::OnGestureEnded(uint32_t parameter) noexcept
 {
-    if (isStarted && host.IsUiThread()) {
+    if (IsKnown(parameter) && host.IsUiThread()) {
         host.EndEdit(ids[parameter]);
     }
 }

@@ -1,0 +1,352 @@
+// SPDX-License-Identifier: ISC
+// What a host learns of the plug-in before audio runs, and calls in an order of its own.
+#include "tests/support/TemporaryFolder.h"
+#include "tests/wrappers/vst3/support/Text16.h"
+#include "tests/wrappers/vst3/support/Vst3Host.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <map>
+#include <string>
+
+using Vst3Host::Held;
+using Vst3Host::Query;
+using Vst3Host::Text16;
+using Vst3Host::TextOf;
+
+namespace {
+
+constexpr v3_tuid unknownIid = V3_ID(0x01234567, 0x89ABCDEF, 0x01234567, 0x89ABCDEF);
+
+enum Id : uint32_t { strength = 808038898, frequency = 1867466536, bypass = 63163949 };
+
+class Vst3PluginTest : public testing::Test {
+protected:
+    ~Vst3PluginTest() override { unsetenv("PUFFGUARD_MODULE"); }
+
+    Support::UserFolders folders;
+};
+
+} // namespace
+
+TEST_F(Vst3PluginTest, TheFactorySaysTheSameInAllItsVersions)
+{
+    const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
+    ASSERT_NE(factory, nullptr);
+    for (const uint8_t* iid : {v3_funknown_iid,
+                               v3_plugin_factory_iid,
+                               v3_plugin_factory_2_iid,
+                               v3_plugin_factory_3_iid}) {
+        EXPECT_EQ(Query<Vst3Host::IFactory>(*factory, iid).get(), factory.get());
+    }
+    v3_factory_info info = {};
+    v3_class_info first = {};
+    v3_class_info_2 second = {};
+    v3_class_info_3 third = {};
+    ASSERT_EQ(factory->GetFactoryInfo(&info), V3_OK);
+    ASSERT_EQ(factory->CountClasses(), 1);
+    ASSERT_EQ(factory->GetClassInfo(0, &first), V3_OK);
+    ASSERT_EQ(factory->GetClassInfo2(0, &second), V3_OK);
+    ASSERT_EQ(factory->GetClassInfoUnicode(0, &third), V3_OK);
+    EXPECT_STREQ(first.category, "Audio Module Class");
+    EXPECT_STRNE(first.name, "");
+    EXPECT_STREQ(second.name, first.name);
+    EXPECT_EQ(TextOf(third.name), first.name);
+    EXPECT_STREQ(second.sub_categories, "Fx|Restoration");
+    EXPECT_STREQ(third.sub_categories, second.sub_categories);
+    EXPECT_STREQ(second.vendor, info.vendor);
+    EXPECT_EQ(TextOf(third.vendor), info.vendor);
+    EXPECT_EQ(TextOf(third.version), second.version);
+    EXPECT_TRUE(v3_tuid_match(first.class_id, second.class_id));
+    EXPECT_TRUE(v3_tuid_match(first.class_id, third.class_id));
+    // Sessions hold it.
+    constexpr v3_tuid classId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
+    EXPECT_TRUE(v3_tuid_match(first.class_id, classId));
+}
+
+TEST_F(Vst3PluginTest, TheFactoryDeclinesWhatItDoesNotHave)
+{
+    const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
+    v3_class_info info = {};
+    v3_class_info_2 second = {};
+    v3_class_info_3 third = {};
+    for (const int32_t index : {-1, 1}) {
+        EXPECT_NE(factory->GetClassInfo(index, &info), V3_OK);
+        EXPECT_NE(factory->GetClassInfo2(index, &second), V3_OK);
+        EXPECT_NE(factory->GetClassInfoUnicode(index, &third), V3_OK);
+    }
+    ASSERT_EQ(factory->GetClassInfo(0, &info), V3_OK);
+    int mark = 0;
+    const struct {
+        const uint8_t* classId;
+        const uint8_t* iid;
+    } cases[] = {{unknownIid, v3_component_iid},
+                 {info.class_id, unknownIid},
+                 {nullptr, v3_component_iid},
+                 {info.class_id, nullptr}};
+    for (const auto& [classId, iid] : cases) {
+        void* object = &mark;
+        EXPECT_NE(factory->CreateInstance(classId, iid, &object), V3_OK);
+        if (classId != nullptr && iid != nullptr) {
+            EXPECT_EQ(object, nullptr);
+        }
+    }
+    EXPECT_NE(factory->CreateInstance(info.class_id, v3_component_iid, nullptr), V3_OK);
+    EXPECT_EQ(factory->SetHostContext(nullptr), V3_OK);
+}
+
+TEST_F(Vst3PluginTest, EveryInterfaceLeadsToEveryOtherAndTheLastReferenceEndsThePlugin)
+{
+    Held<Vst3Host::IComponent> component = Vst3Host::Create(*Vst3Host::GetFactory());
+    ASSERT_NE(component, nullptr);
+    const std::array<const uint8_t*, 6> iids = {v3_funknown_iid,
+                                                v3_plugin_base_iid,
+                                                v3_component_iid,
+                                                v3_audio_processor_iid,
+                                                v3_process_context_requirements_iid,
+                                                v3_edit_controller_iid};
+    const auto unknown = Query<Vst3Host::IUnknown>(*component, v3_funknown_iid);
+    for (const uint8_t* from : iids) {
+        const auto start = Query<Vst3Host::IUnknown>(*component, from);
+        ASSERT_NE(start, nullptr);
+        EXPECT_EQ(Query<Vst3Host::IUnknown>(*start, v3_funknown_iid), unknown);
+        for (const uint8_t* to : iids) {
+            EXPECT_EQ(Query<Vst3Host::IUnknown>(*start, to),
+                      Query<Vst3Host::IUnknown>(*component, to));
+        }
+        void* object = &object;
+        EXPECT_EQ(start->QueryInterface(unknownIid, &object), V3_NO_INTERFACE);
+        EXPECT_EQ(object, nullptr);
+        EXPECT_NE(start->QueryInterface(from, nullptr), V3_OK);
+    }
+    EXPECT_EQ(component->AddRef(), 3U);
+    EXPECT_EQ(component->Release(), 2U);
+}
+
+TEST_F(Vst3PluginTest, ThereIsOneBusEachWayWithWhatTheHostArranges)
+{
+    Vst3Host::Plugin plugin;
+    ASSERT_TRUE(plugin);
+    const struct {
+        uint64_t inputs;
+        uint64_t outputs;
+        uint64_t result;
+        int32_t channels;
+    } cases[] = {
+        {Vst3Host::mono, Vst3Host::mono, Vst3Host::mono, 1},
+        {V3_SPEAKER_C, V3_SPEAKER_C, V3_SPEAKER_C, 1},
+        {Vst3Host::surround51, Vst3Host::surround51, Vst3Host::surround51, 6},
+        {Vst3Host::surround71, Vst3Host::surround71, Vst3Host::surround71, 8},
+        {0xFF, 0xFF, 0xFF, 8}, // with speakers between those in front
+        {Vst3Host::stereo, Vst3Host::stereo, Vst3Host::stereo, 2},
+        // What can't be leaves the input's, if that is served, else what there was.
+        {Vst3Host::mono, Vst3Host::stereo, Vst3Host::mono, 1},
+        {0x33, 0x33, Vst3Host::mono, 1},
+        {0, 0, Vst3Host::mono, 1},
+        {~uint64_t{0}, Vst3Host::stereo, Vst3Host::mono, 1},
+    };
+    for (const auto& [inputs, outputs, result, channels] : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << inputs << " to " << outputs);
+        const bool isServed = inputs == outputs && inputs == result;
+        EXPECT_EQ(plugin.Arrange(inputs, outputs), isServed ? V3_OK : V3_FALSE);
+        for (const int32_t direction : {V3_INPUT, V3_OUTPUT}) {
+            uint64_t mask = 0;
+            EXPECT_EQ(plugin.processor->GetBusArrangement(direction, 0, &mask), V3_OK);
+            EXPECT_EQ(mask, result);
+            v3_bus_info info = {};
+            ASSERT_EQ(plugin.component->GetBusCount(V3_AUDIO, direction), 1);
+            ASSERT_EQ(plugin.component->GetBusInfo(V3_AUDIO, direction, 0, &info), V3_OK);
+            EXPECT_EQ(info.channel_count, channels);
+            EXPECT_EQ(info.direction, direction);
+            EXPECT_EQ(info.bus_type, V3_MAIN);
+            EXPECT_EQ(info.flags, static_cast<uint32_t>(V3_DEFAULT_ACTIVE));
+            EXPECT_NE(TextOf(info.bus_name), "");
+        }
+    }
+    uint64_t two[2] = {Vst3Host::stereo, Vst3Host::stereo};
+    EXPECT_EQ(plugin.processor->SetBusArrangements(two, 2, two, 1), V3_FALSE);
+    EXPECT_EQ(plugin.processor->SetBusArrangements(nullptr, 0, two, 1), V3_FALSE);
+    EXPECT_NE(plugin.processor->SetBusArrangements(nullptr, 1, nullptr, 1), V3_OK);
+    EXPECT_NE(plugin.processor->SetBusArrangements(two, -1, two, -1), V3_OK);
+}
+
+TEST_F(Vst3PluginTest, ThereAreNoOtherBuses)
+{
+    Vst3Host::Plugin plugin;
+    uint64_t mask = 0;
+    v3_bus_info info = {};
+    EXPECT_EQ(plugin.component->GetBusCount(V3_EVENT, V3_INPUT), 0);
+    EXPECT_EQ(plugin.component->GetBusCount(V3_AUDIO, 2), 0);
+    for (const int32_t index : {-1, 1}) {
+        EXPECT_NE(plugin.component->GetBusInfo(V3_AUDIO, V3_INPUT, index, &info), V3_OK);
+        EXPECT_NE(plugin.processor->GetBusArrangement(V3_INPUT, index, &mask), V3_OK);
+        EXPECT_NE(plugin.component->ActivateBus(V3_AUDIO, V3_INPUT, index, 1), V3_OK);
+    }
+    EXPECT_EQ(plugin.component->ActivateBus(V3_AUDIO, V3_INPUT, 0, 0), V3_OK);
+    EXPECT_EQ(plugin.component->ActivateBus(V3_AUDIO, V3_OUTPUT, 0, 1), V3_OK);
+    EXPECT_EQ(plugin.processor->CanProcessSampleSize(V3_SAMPLE_32), V3_OK);
+    EXPECT_EQ(plugin.processor->CanProcessSampleSize(V3_SAMPLE_64), V3_FALSE);
+}
+
+TEST_F(Vst3PluginTest, ParametersHaveNumbersForGoodAndOneIsTheBypass)
+{
+    Vst3Host::Plugin plugin;
+    // Sessions and automation hold them.
+    std::map<std::string, uint32_t> expected = {{"Sensitivity", 674812114},
+                                                {"Strength", 808038898},
+                                                {"Frequency limit", 1867466536},
+                                                {"Global bypass", 63163949}};
+    int bypasses = 0;
+    for (const v3_param_info& info : plugin.parameters) {
+        const std::string title = TextOf(info.title);
+        SCOPED_TRACE(title);
+        ASSERT_TRUE(expected.contains(title));
+        EXPECT_EQ(info.param_id, expected.extract(title).mapped());
+        EXPECT_EQ(info.unit_id, 0);
+        const bool isBypass = (info.flags & V3_PARAM_IS_BYPASS) != 0;
+        bypasses += isBypass ? 1 : 0;
+        EXPECT_EQ(info.flags, V3_PARAM_CAN_AUTOMATE | (isBypass ? V3_PARAM_IS_BYPASS : 0));
+        EXPECT_EQ(info.step_count, isBypass ? 1 : 0);
+        EXPECT_EQ(plugin.controller->GetValue(info.param_id), info.default_normalised_value);
+    }
+    EXPECT_TRUE(expected.empty());
+    EXPECT_EQ(bypasses, 1);
+    v3_param_info info = {};
+    EXPECT_NE(plugin.controller->GetParameterInfo(-1, &info), V3_OK);
+    EXPECT_NE(plugin.controller->GetParameterInfo(4, &info), V3_OK);
+}
+
+TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
+{
+    Vst3Host::Plugin plugin;
+    Vst3Host::IEditController& controller = *plugin.controller;
+    const struct {
+        uint32_t id;
+        double normalised;
+        double plain;
+        const char* text;
+    } cases[] = {
+        {strength, 0.0, 0.0, "0.00"},
+        {strength, 0.75, 7.5, "7.50"},
+        {frequency, 0.5, 275.0, "275.0"},
+        {frequency, 1.0, 500.0, "500.0"},
+        {bypass, 0.0, 0.0, "off"},
+        {bypass, 1.0, 1.0, "on"},
+    };
+    for (const auto& [id, normalised, plain, text] : cases) {
+        SCOPED_TRACE(testing::Message() << id << ": " << text);
+        v3_str_128 field = {};
+        ASSERT_EQ(controller.GetStringByValue(id, normalised, field), V3_OK);
+        EXPECT_EQ(TextOf(field), text);
+        double back = -1;
+        ASSERT_EQ(controller.GetValueByString(id, field, &back), V3_OK);
+        EXPECT_NEAR(back, normalised, 1e-6);
+        EXPECT_NEAR(controller.ToPlain(id, normalised), plain, 1e-4);
+        EXPECT_NEAR(controller.ToNormalised(id, plain), normalised, 1e-6);
+    }
+    double value = -1;
+    EXPECT_EQ(controller.GetValueByString(frequency, Text16("60 Hz").data(), &value), V3_OK);
+    EXPECT_NEAR(controller.ToPlain(frequency, value), 60.0, 1e-4);
+    for (const char* text : {"", "loud", "5 dB"}) {
+        EXPECT_NE(controller.GetValueByString(strength, Text16(text).data(), &value), V3_OK);
+    }
+    // A character beyond the first 65536, and halves of one alone.
+    for (std::basic_string<int16_t> text :
+         {std::basic_string<int16_t>{static_cast<int16_t>(0xD83D), static_cast<int16_t>(0xDE00)},
+          std::basic_string<int16_t>{static_cast<int16_t>(0xD83D)},
+          std::basic_string<int16_t>{static_cast<int16_t>(0xDE00), '1'}}) {
+        EXPECT_NE(controller.GetValueByString(strength, text.data(), &value), V3_OK);
+    }
+}
+
+TEST_F(Vst3PluginTest, NumbersThatAreNoneAreRefusedOrBroughtIntoTheRange)
+{
+    Vst3Host::Plugin plugin;
+    Vst3Host::IEditController& controller = *plugin.controller;
+    const double before = controller.GetValue(strength);
+    EXPECT_NE(controller.SetValue(strength, std::nan("")), V3_OK);
+    EXPECT_EQ(controller.GetValue(strength), before);
+    const struct {
+        double set;
+        double result;
+    } cases[] = {{-1, 0}, {1e300, 1}, {0.123456789, 0.123456789}};
+    for (const auto& [set, result] : cases) {
+        EXPECT_EQ(controller.SetValue(strength, set), V3_OK);
+        EXPECT_EQ(controller.GetValue(strength), result);
+    }
+    v3_str_128 field = {};
+    double value = 0;
+    for (const double number : {-1e300, 1e300, std::nan("")}) {
+        EXPECT_EQ(controller.GetStringByValue(strength, number, field), V3_OK);
+        EXPECT_TRUE(std::isfinite(controller.ToPlain(strength, number)));
+        EXPECT_TRUE(std::isfinite(controller.ToNormalised(strength, number)));
+    }
+    EXPECT_NE(controller.SetValue(1, 0.5), V3_OK);
+    EXPECT_EQ(controller.GetValue(1), 0.0);
+    EXPECT_NE(controller.GetStringByValue(1, 0.5, field), V3_OK);
+    EXPECT_NE(controller.GetValueByString(1, field, &value), V3_OK);
+    EXPECT_NE(controller.GetStringByValue(strength, 0.5, nullptr), V3_OK);
+}
+
+TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
+{
+    const Held<Vst3Host::IComponent> component = Vst3Host::Create(*Vst3Host::GetFactory());
+    const auto processor = Query<Vst3Host::IAudioProcessor>(*component, v3_audio_processor_iid);
+    const auto controller = Query<Vst3Host::IEditController>(*component, v3_edit_controller_iid);
+    for (int round = 0; round < 2; ++round) {
+        Vst3Host::Stream stream({1, 2, 3});
+        v3_param_info info = {};
+        v3_str_128 text = {};
+        double value = 0;
+        v3_process_data data = {};
+        EXPECT_NE(component->SetActive(1), V3_OK);
+        EXPECT_NE(component->SetState(&stream), V3_OK);
+        EXPECT_NE(component->GetState(&stream), V3_OK);
+        EXPECT_NE(processor->SetProcessing(1), V3_OK);
+        EXPECT_NE(processor->Process(&data), V3_OK);
+        EXPECT_EQ(processor->GetLatencySamples(), 0U);
+        EXPECT_EQ(controller->GetParameterCount(), 0);
+        EXPECT_NE(controller->GetParameterInfo(0, &info), V3_OK);
+        EXPECT_NE(controller->SetValue(strength, 0.5), V3_OK);
+        EXPECT_NE(controller->GetStringByValue(strength, 0.5, text), V3_OK);
+        EXPECT_NE(controller->GetValueByString(strength, text, &value), V3_OK);
+        EXPECT_NE(controller->SetComponentState(&stream), V3_OK);
+        EXPECT_EQ(controller->CreateView("editor"), nullptr);
+        EXPECT_EQ(component->Terminate(), V3_OK);
+
+        // Rates and arrangements may come early, and the second beginning is none.
+        v3_process_setup setup = {V3_OFFLINE, V3_SAMPLE_32, 512, 96000};
+        EXPECT_EQ(processor->SetupProcessing(&setup), V3_OK);
+        EXPECT_EQ(component->Initialize(nullptr), V3_OK);
+        EXPECT_EQ(controller->Initialize(nullptr), V3_FALSE);
+        EXPECT_GT(processor->GetLatencySamples(), 0U);
+        EXPECT_EQ(controller->GetParameterCount(), 4);
+        EXPECT_NE(component->SetState(nullptr), V3_OK);
+        EXPECT_NE(component->GetState(nullptr), V3_OK);
+        EXPECT_NE(processor->Process(nullptr), V3_OK);
+        EXPECT_NE(processor->SetupProcessing(nullptr), V3_OK);
+        EXPECT_EQ(component->SetActive(1), V3_OK);
+        EXPECT_EQ(component->Terminate(), V3_OK);
+    }
+}
+
+TEST_F(Vst3PluginTest, WithoutItsModuleThereIsNoPluginAndTheLogSaysWhy)
+{
+    for (const char* module : {"/nowhere/module.so", OTHER_MODULE}) {
+        SCOPED_TRACE(module);
+        setenv("PUFFGUARD_MODULE", module, 1);
+        testing::internal::CaptureStderr();
+        const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
+        ASSERT_NE(factory, nullptr);
+        EXPECT_EQ(factory->CountClasses(), 0);
+        constexpr v3_tuid classId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
+        void* object = nullptr;
+        EXPECT_NE(factory->CreateInstance(classId, v3_component_iid, &object), V3_OK);
+        EXPECT_EQ(object, nullptr);
+        const std::string log = testing::internal::GetCapturedStderr();
+        EXPECT_NE(log.find(module), std::string::npos) << log;
+        EXPECT_NE(log.find("no plug-in without"), std::string::npos) << log;
+    }
+}

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/clap/Host.h"
+
+#include <cstdio>
+
+namespace Clap {
+
+Host::Host(const clap_host_t* newHost)
+    : host(newHost)
+{
+}
+
+template <typename Extension>
+void Host::Find(const char* id, const Extension*& extension) const
+{
+    extension = static_cast<const Extension*>(host->get_extension(host, id));
+}
+
+void Host::FindExtensions()
+{
+    Find(CLAP_EXT_AUDIO_PORTS, audioPorts);
+    Find(CLAP_EXT_LATENCY, latency);
+    Find(CLAP_EXT_PARAMS, params);
+    Find(CLAP_EXT_STATE, state);
+    Find(Abi::extLog, log);
+}
+
+void Host::RequestRestart() const noexcept
+{
+    host->request_restart(host);
+}
+
+void Host::RequestCallback() const noexcept
+{
+    host->request_callback(host);
+}
+
+void Host::RequestFlush() const noexcept
+{
+    if (params != nullptr) {
+        params->request_flush(host);
+    }
+}
+
+void Host::LatencyChanged() const noexcept
+{
+    if (latency != nullptr) {
+        latency->changed(host);
+    }
+}
+
+void Host::MarkDirty() const noexcept
+{
+    if (state != nullptr) {
+        state->mark_dirty(host);
+    }
+}
+
+void Host::RescanValues() const noexcept
+{
+    if (params != nullptr) {
+        params->rescan(host, CLAP_PARAM_RESCAN_VALUES);
+    }
+}
+
+void Host::RescanChannels() const noexcept
+{
+    if (audioPorts == nullptr) {
+        return;
+    }
+    for (const uint32_t flag :
+         {CLAP_AUDIO_PORTS_RESCAN_CHANNEL_COUNT, CLAP_AUDIO_PORTS_RESCAN_PORT_TYPE}) {
+        // Asking for what isn't supported is not allowed.
+        if (audioPorts->is_rescan_flag_supported(host, flag)) {
+            audioPorts->rescan(host, flag);
+        }
+    }
+}
+
+void Host::Log(const std::string& text) const
+{
+    if (log != nullptr) {
+        log->log(host, Abi::LogError, ("puffguard.clap: " + text).c_str());
+    } else {
+        LogToStandardError(text);
+    }
+}
+
+void LogToStandardError(const std::string& text)
+{
+    std::fprintf(stderr, "puffguard.clap: %s\n", text.c_str());
+}
+
+} // namespace Clap

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/clap/Parameters.h"
+
+#include "wrappers/common/SessionBytes.h"
+#include "wrappers/common/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Clap {
+
+namespace {
+
+constexpr float none = std::numeric_limits<float>::quiet_NaN();
+
+clap_param_info_flags FlagsOf(const Wrapper::Parameter& parameter, bool isBypass)
+{
+    clap_param_info_flags flags = CLAP_PARAM_IS_AUTOMATABLE;
+    if (parameter.kind != Wrapper::Parameter::Kind::Number) {
+        flags |= CLAP_PARAM_IS_STEPPED;
+    }
+    if (parameter.kind == Wrapper::Parameter::Kind::Choice) {
+        flags |= Abi::paramIsEnum;
+    }
+    return isBypass ? flags | CLAP_PARAM_IS_BYPASS : flags;
+}
+
+// What is in range, and whole where it has to be.
+double NearestValue(const Wrapper::Parameter& parameter, double value) noexcept
+{
+    const double inside = std::clamp(value, parameter.minimum, parameter.maximum);
+    return parameter.kind == Wrapper::Parameter::Kind::Number ? inside : std::round(inside);
+}
+
+} // namespace
+
+clap_id MakeParameterId(std::string_view identifier)
+{
+    // FNV-1a. The top bit stays free: some bridges to other formats keep it for themselves.
+    uint32_t hash = 2166136261U;
+    for (const char letter : identifier) {
+        hash = (hash ^ static_cast<uint8_t>(letter)) * 16777619U;
+    }
+    return hash & 0x7FFFFFFFU;
+}
+
+Parameters::Parameters(Wrapper::Instance& newInstance)
+    : instance(newInstance)
+    , values(instance.GetParameters().size())
+    , lastWords(instance.GetParameters().size())
+{
+    for (const Wrapper::Parameter& parameter : instance.GetParameters()) {
+        ids.push_back(MakeParameterId(parameter.identifier));
+    }
+    Forget();
+}
+
+std::optional<uint32_t> Parameters::Find(clap_id id) const noexcept
+{
+    const auto found = std::find(ids.begin(), ids.end(), id);
+    return found != ids.end() ? std::optional(static_cast<uint32_t>(found - ids.begin()))
+                              : std::nullopt;
+}
+
+bool Parameters::Describe(uint32_t index, clap_param_info_t& info) const
+{
+    if (index >= Count()) {
+        return false;
+    }
+    const Wrapper::Parameter& parameter = At(index);
+    info = {};
+    info.id = ids[index];
+    info.flags = FlagsOf(parameter, index == GetBypass());
+    Wrapper::CopyText(parameter.name, info.name);
+    const std::string_view identifier = parameter.identifier;
+    Wrapper::CopyText(identifier.substr(0, identifier.find('.')), info.module);
+    info.min_value = parameter.minimum;
+    info.max_value = parameter.maximum;
+    info.default_value = parameter.defaultValue;
+    return true;
+}
+
+bool Parameters::ToText(uint32_t index, double value, std::span<char> text) const
+{
+    if (text.empty() || std::isnan(value)) {
+        return false;
+    }
+    const Wrapper::Parameter& parameter = At(index);
+    const std::string whole = parameter.Format(parameter.ToNormalised(value));
+    text[whole.copy(text.data(), text.size() - 1)] = '\0';
+    return true;
+}
+
+std::optional<double> Parameters::FromText(uint32_t index, std::string_view text) const
+{
+    const std::optional<float> normalised = At(index).Parse(text);
+    return normalised ? std::optional(At(index).FromNormalised(*normalised)) : std::nullopt;
+}
+
+void Parameters::Set(Wrapper::Side side, uint32_t index, double value) noexcept
+{
+    if (std::isnan(value)) {
+        return;
+    }
+    const double nearest = NearestValue(At(index), value);
+    const float normalised = At(index).ToNormalised(nearest);
+    values[index] = nearest;
+    lastWords[index] = side == Wrapper::Side::Process ? normalised : none;
+    instance.SetParameter(side, index, normalised);
+    if (side == Wrapper::Side::UI) {
+        isUIAhead = true;
+    }
+}
+
+double Parameters::Keep(uint32_t index, float normalised) noexcept
+{
+    // What the host has set may be finer than a normalised value.
+    if (At(index).ToNormalised(values[index]) != normalised) {
+        values[index] = At(index).FromNormalised(normalised);
+    }
+    lastWords[index] = none;
+    isUIAhead = true;
+    return values[index];
+}
+
+bool Parameters::Load(std::span<const uint8_t> session)
+{
+    if (!Wrapper::LoadSession(instance, session)) {
+        return false;
+    }
+    Forget();
+    Refresh();
+    isUIAhead = true;
+    return true;
+}
+
+void Parameters::Refresh() noexcept
+{
+    for (uint32_t index = 0; index < Count(); ++index) {
+        values[index] = NearestValue(
+            At(index), At(index).FromNormalised(instance.GetParameter(Wrapper::Side::UI, index)));
+    }
+}
+
+void Parameters::Restate() noexcept
+{
+    for (uint32_t index = 0; index < Count(); ++index) {
+        const float word = lastWords[index];
+        if (!std::isnan(word)) {
+            instance.SetParameter(Wrapper::Side::Process, index, word);
+        }
+    }
+}
+
+void Parameters::Forget() noexcept
+{
+    for (std::atomic<float>& word : lastWords) {
+        word = none;
+    }
+}
+
+} // namespace Clap

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/clap/GestureQueue.h"
+#include "wrappers/clap/Host.h"
+#include "wrappers/clap/Layouts.h"
+#include "wrappers/clap/Parameters.h"
+#include "wrappers/common/Instance.h"
+
+#include <clap/plugin.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace Clap {
+
+/// One plug-in in a host of this format. Threads are the format's: [main], and [process] for its
+/// audio thread. Where a host breaks the rules nothing happens.
+class Plugin final : private Wrapper::Listener {
+public:
+    /// `table` are the functions that the host calls it by; `newHost` outlives the plug-in. [any]
+    Plugin(const clap_plugin_t& table,
+           std::shared_ptr<const Wrapper::Module> newModule,
+           const clap_host_t* newHost);
+
+    /// What the host holds.
+    const clap_plugin_t& GetFunctions() const noexcept { return functions; }
+
+    /// False, after a line in the host's log, when the module makes no instance. Until it has been
+    /// called only the end may follow. [main]
+    bool Init();
+    bool IsReady() const noexcept { return isReady; }
+
+    /// Takes the rate, in Hz, and the selected layout. False when they can't be served. Ends an
+    /// earlier activity that the host has forgotten. [main]
+    bool Activate(double newRate);
+    void Deactivate();                                                   ///< [main]
+    bool IsActive() const noexcept { return isActive; }                  ///< [any]
+    void Reset() noexcept;                                               ///< [process]
+    clap_process_status Process(const clap_process_t& process) noexcept; ///< [process]
+    /// Does what other threads have asked for. [main]
+    void OnMainThread();
+
+    const Parameters& GetParameters() const noexcept { return *parameters; }
+    /// Events as of a block without audio. [process] while active, else [main]
+    void Flush(const clap_input_events_t* in, const clap_output_events_t* out) noexcept;
+
+    /// Empty when there is none. [main]
+    std::vector<uint8_t> Save();
+    /// False, and nothing changed, when the bytes are no session. [main]
+    bool Load(std::span<const uint8_t> session);
+
+    /// Samples. [any]
+    uint32_t GetLatency() const noexcept;
+
+    const Layout& GetLayout() const noexcept { return *layout; }
+    /// False while active, and for an id that isn't in the list. [main]
+    bool SelectLayout(clap_id id);
+
+private:
+    struct Block;
+
+    // From the instance.
+    void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override;
+    void OnGestureBegun(uint32_t parameter) noexcept override;
+    void OnParameterChanged(uint32_t parameter, float normalised) noexcept override;
+    void OnGestureEnded(uint32_t parameter) noexcept override;
+    void OnStateChanged() noexcept override;
+
+    void Tell(const Gesture& gesture) noexcept;
+    void SendGestures(const clap_output_events_t* out) noexcept;
+    void RunEvents(const clap_input_events_t* events, Block& block) noexcept;
+    void RunUntil(uint32_t time, Block& block) noexcept;
+
+    clap_plugin_t functions;
+    const std::shared_ptr<const Wrapper::Module> module;
+    Host host;
+    std::unique_ptr<Parameters> parameters;
+    std::atomic<bool> isReady{false};
+    std::atomic<bool> isActive{false};
+
+    GestureQueue gestures;
+    std::atomic<bool> isStateChanged{false};
+    std::atomic<bool> areGesturesLost{false};
+
+    // Of the main thread; the audio thread reads them while the plug-in is active.
+    double rate = 48000;
+    const Layout* layout = &defaultLayout;
+    uint32_t toldLatency = 0;
+    bool isRestartRequested = false;
+
+    std::unique_ptr<Wrapper::Instance> instance; // last: until its end it tells of changes
+};
+
+} // namespace Clap

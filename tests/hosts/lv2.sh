@@ -2,35 +2,13 @@
 # SPDX-License-Identifier: ISC
 # Runs the LV2 bundle in programs that others wrote, and holds what comes out to what the command
 # makes of the same recording: lv2.sh BUILD_FOLDER. Says "ok" or "FAILED" for each run.
+# shellcheck disable=SC2317 # functions are called by what holds their names
 set -uo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)
-build=$(cd "$1" && pwd -P)
+# shellcheck source=tests/hosts/support.sh
+source "$(dirname "${BASH_SOURCE[0]}")/support.sh"
 uri=https://puffguard.example/lv2
 seconds=20
-
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-mkdir "$scratch/home"
-export HOME=$scratch/home LV2_PATH=$build/lib/lv2:/usr/lib/lv2
-unset XDG_CONFIG_HOME XDG_DATA_HOME PUFFGUARD_MODULE
-
-failures=0
-
-# result CODE NAME: one line.
-result() {
-    if [ "$1" -eq 0 ]; then
-        echo "ok      $2"
-    else
-        echo "FAILED  $2"
-        failures=$((failures + 1))
-    fi
-}
-
-# limited COMMAND...: ended, with all that it started, when it takes too long; its output is kept.
-limited() { timeout -k 2 120 "$@" </dev/null >"$scratch/log" 2>&1; }
-
-# ffmpeg_quietly ARGUMENT...
-ffmpeg_quietly() { limited ffmpeg -nostdin -v error -y "$@"; }
+export LV2_PATH=$build/lib/lv2:/usr/lib/lv2
 
 plugin_of() {
     case $1 in
@@ -41,22 +19,11 @@ plugin_of() {
     esac
 }
 
-# same_sound REFERENCE OUTPUT INPUT: as long as the input, and equal to the reference up to there.
-same_sound() {
-    local file
-    for file in "$@"; do
-        ffmpeg_quietly -i "$file" -f f32le "$file.raw" || return 1
-    done
-    [ "$(stat -c %s "$2.raw")" -eq "$(stat -c %s "$3.raw")" ] &&
-        cmp -n "$(stat -c %s "$2.raw")" "$1.raw" "$2.raw"
-}
-
 # run_hosts NAME CHANNELS: on $scratch/in.wav, at settings that are not the defaults.
 run_hosts() {
     local name=$1 plugin host
     plugin=$(plugin_of "$2")
-    limited "$build/bin/puffguard" "$scratch/in.wav" --keep-latency -f -o "$scratch/expected.wav" \
-        --sensitivity 7 --strength 8 --upper-frequency 150
+    repaired "$scratch/in.wav" "$scratch/expected.wav" --keep-latency
     result $? "puffguard $name" || return
     for host in lv2apply lv2file lv2proc ffmpeg; do
         rm -f "$scratch/out.wav"
@@ -67,24 +34,28 @@ run_hosts() {
 
 run_lv2apply() {
     limited lv2apply -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -c sensitivity 7 -c strength 8 -c upper_repair_frequency 150 "$1"
+        -c sensitivity "$sensitivity" -c strength "$strength" \
+        -c upper_repair_frequency "$upper_frequency" "$1"
 }
 
 run_lv2file() {
     limited lv2file -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -p sensitivity:7 -p strength:8 -p upper_repair_frequency:150 "$1"
+        -p "sensitivity:$sensitivity" -p "strength:$strength" \
+        -p "upper_repair_frequency:$upper_frequency" "$1"
 }
 
 run_lv2proc() {
     limited lv2proc -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -c sensitivity:7 -c strength:8 -c upper_repair_frequency:150 "$1"
+        -c "sensitivity:$sensitivity" -c "strength:$strength" \
+        -c "upper_repair_frequency:$upper_frequency" "$1"
 }
 
 run_ffmpeg() {
     # A colon separates options of a filter, and filters are unquoted twice.
     local escaped=${1//:/\\\\:}
     ffmpeg_quietly -i "$scratch/in.wav" -c:a pcm_f32le -af \
-        "lv2=p=$escaped:c=sensitivity=7|strength=8|upper_repair_frequency=150" "$scratch/out.wav"
+        "lv2=p=$escaped:c=sensitivity=$sensitivity|strength=$strength|upper_repair_frequency=$upper_frequency" \
+        "$scratch/out.wav"
 }
 
 check_documents() {
@@ -111,6 +82,7 @@ check_missing_module() {
     done
 }
 
+versions lilv-utils lv2file lv2proc sordi ffmpeg
 check_documents
 check_missing_module
 
@@ -126,16 +98,11 @@ for channels in 2 6 8; do
     run_hosts "plosives.flac on $channels channels" "$channels"
 done
 
-recordings=${PUFFGUARD_MATERIAL:-$root/../shared}/audio
-if [ -d "$recordings" ]; then
-    for file in "$recordings"/*.flac; do
-        channels=$(ffprobe -v error -show_entries stream=channels -of csv=p=0 "$file")
-        ffmpeg_quietly -i "$file" -t $seconds -c:a pcm_f32le "$scratch/in.wav"
-        run_hosts "$(basename "$file")" "$channels"
-    done
-else
-    echo "skipped recordings: no $recordings"
-fi
-
-echo "$failures failed"
-[ $failures -eq 0 ]
+run_recording() {
+    local channels
+    channels=$(ffprobe -v error -show_entries stream=channels -of csv=p=0 "$1")
+    ffmpeg_quietly -i "$1" -t "$seconds" -c:a pcm_f32le "$scratch/in.wav"
+    run_hosts "$(basename "$1")" "$channels"
+}
+each_recording run_recording
+finish

@@ -6,7 +6,6 @@
 #include <travesty/component.h>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Vst3 {
 
@@ -111,7 +110,7 @@ v3_result AudioProcessor::Process(v3_process_data* data) noexcept
 void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
 {
     const auto frames = static_cast<uint32_t>(data.nframes);
-    const auto set = [this](uint32_t index, double value) { SetParameter(index, value); };
+    const auto set = [this](uint32_t index, double value) { effect.HearValue(index, value); };
     ReadBus(data.inputs, data.num_input_buses, inputs);
     ReadBus(data.outputs, data.num_output_buses, outputs);
     queues.Begin(effect.GetIds(), data.input_params);
@@ -141,14 +140,6 @@ void AudioProcessor::RunPiece(uint32_t begin, uint32_t end, std::optional<double
     std::transform(from.begin(), from.end(), from.begin(), advance);
     std::transform(to.begin(), to.end(), to.begin(), advance);
     effect.GetInstance()->Process({from.data(), to.data(), end - begin}, position);
-}
-
-void AudioProcessor::SetParameter(uint32_t index, double normalised) noexcept
-{
-    if (!std::isnan(normalised)) {
-        const auto value = static_cast<float>(std::clamp(normalised, 0.0, 1.0));
-        effect.GetInstance()->SetParameter(Wrapper::Side::Process, index, value);
-    }
 }
 
 void AudioProcessor::ReportParameters(v3_param_changes** changes) noexcept

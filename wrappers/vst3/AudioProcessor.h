@@ -35,7 +35,6 @@ private:
     v3_result Process(v3_process_data* data) noexcept;
     uint32_t GetTailSamples() noexcept;
 
-    void SetParameter(uint32_t index, double normalised) noexcept;
     void RunBlock(const v3_process_data& data) noexcept;
     void RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept;
     void ReportParameters(v3_param_changes** changes) noexcept;

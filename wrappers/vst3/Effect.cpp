@@ -37,6 +37,7 @@ bool Effect::Start(v3_funknown** context)
         return false;
     }
     ids = MakeIds(instance->GetParameters());
+    bypassIndex = instance->GetBypassIndex();
     shown = std::vector<std::atomic<double>>(ids.size());
     ShowValues();
     isStarted = true;
@@ -47,8 +48,8 @@ bool Effect::Start(v3_funknown** context)
 void Effect::Stop()
 {
     host.Disconnect();
-    instance.reset();
     isStarted = false;
+    instance.reset(); // waits for a notice that is on its way
     ids.clear();
     isActive = false;
     isPlaying = false;
@@ -137,28 +138,46 @@ bool Effect::SetValue(v3_param_id id, double normalised) noexcept
     const double value = std::clamp(normalised, 0.0, 1.0);
     shown[*index] = value;
     if (!isActive || !isPlaying) {
-        instance->SetParameter(Wrapper::Side::UI, *index, static_cast<float>(value));
+        Apply(Wrapper::Side::UI, *index, value);
     }
     TellHost();
     return true;
 }
 
+void Effect::HearValue(uint32_t index, double normalised) noexcept
+{
+    if (!std::isnan(normalised)) {
+        Apply(Wrapper::Side::Process, index, std::clamp(normalised, 0.0, 1.0));
+    }
+}
+
+void Effect::Apply(Wrapper::Side side, uint32_t index, double value) noexcept
+{
+    instance->SetParameter(side, index, static_cast<float>(value));
+    NoteBypass(index, value);
+}
+
+void Effect::NoteBypass(uint32_t index, double value) noexcept
+{
+    if (bypassIndex == index) {
+        isBypassed = value >= 0.5;
+    }
+}
+
 void Effect::ShowValues() noexcept
 {
     for (uint32_t index = 0; index < ids.size(); ++index) {
-        shown[index] = static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index));
+        const auto value = static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index));
+        shown[index] = value;
+        NoteBypass(index, value);
     }
 }
 
 std::vector<uint8_t> Effect::Save()
 {
     host.MarkUiThread();
-    if (instance == nullptr) {
-        return {};
-    }
-    const std::optional<uint32_t> bypass = instance->GetBypassIndex();
-    const bool isBypassed = bypass && instance->GetParameter(Wrapper::Side::UI, *bypass) >= 0.5F;
-    return Wrapper::EncodeSession(isBypassed, instance->SaveState());
+    return instance != nullptr ? Wrapper::EncodeSession(isBypassed, instance->SaveState())
+                               : std::vector<uint8_t>();
 }
 
 bool Effect::Load(std::span<const uint8_t> session)

@@ -62,6 +62,8 @@ public:
     /// As the host's UI side has it; normalised, 0 for an unknown id. [ui]
     double GetValue(v3_param_id id) noexcept;
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
+    /// A value of a block; NaN is passed over. [process]
+    void HearValue(uint32_t index, double normalised) noexcept;
     /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
     /// given once. [any]
     uint32_t TakeUntold() noexcept { return untold.exchange(0); }
@@ -80,6 +82,8 @@ private:
 
     std::optional<uint32_t> IndexOf(v3_param_id id) const noexcept;
     bool IsKnown(uint32_t parameter) const noexcept;
+    void Apply(Wrapper::Side side, uint32_t index, double value) noexcept;
+    void NoteBypass(uint32_t index, double value) noexcept;
     void ShowValues() noexcept;
     void SetFormat();
     void TellHost() noexcept;
@@ -93,11 +97,14 @@ private:
     std::atomic<bool> isPlaying{false};
     std::vector<v3_param_id> ids;           // by parameter
     std::vector<std::atomic<double>> shown; // by parameter, as the host's UI side has it
-    std::atomic<uint32_t> untold{0};        // see TakeUntold()
-    std::atomic<bool> isDirty{false};       // the host is to be told
-    std::atomic<bool> hasNews{false};       // TellHost() has something to look at
-    std::atomic<int64_t> toldLatency{-1};   // samples; -1: the host hasn't asked
-    bool isTelling = false;                 // a call of the host within a call to it
+    std::optional<uint32_t> bypassIndex;
+    // The UI side of the instance learns of the audio side's values somewhat later.
+    std::atomic<bool> isBypassed{false};
+    std::atomic<uint32_t> untold{0};      // see TakeUntold()
+    std::atomic<bool> isDirty{false};     // the host is to be told
+    std::atomic<bool> hasNews{false};     // TellHost() has something to look at
+    std::atomic<int64_t> toldLatency{-1}; // samples; -1: the host hasn't asked
+    bool isTelling = false;               // a call of the host within a call to it
     HostLink host;
     std::unique_ptr<Wrapper::Instance> instance; // last: it calls this object
 };

@@ -31,6 +31,7 @@ void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
         return;
     }
     shown[parameter] = static_cast<double>(normalised);
+    NoteBypass(parameter, static_cast<double>(normalised));
     if (host.IsUiThread() && host.HasHandler()) {
         host.PerformEdit(ids[parameter], static_cast<double>(normalised));
         return;

@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: ISC
+// What comes out is what the module gives when it is driven directly.
+#include "tests/support/ModuleHost.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/wrappers/vst3/support/Vst3Host.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using Vst3Host::Audio;
+using Vst3Host::Changes;
+using Vst3Host::Point;
+
+namespace {
+
+constexpr uint32_t rate = 48000;
+constexpr uint32_t strength = 808038898;
+constexpr uint32_t bypass = 63163949;
+
+Audio Speech(uint32_t channels)
+{
+    return TestHost::MakeSpeechLike(channels, rate, static_cast<float>(rate));
+}
+
+/// What the module makes of speech. Changes happen where the points are, at the ends of blocks.
+Audio Expected(uint32_t channels,
+               double sampleRate = rate,
+               const std::vector<Point>& strengths = {})
+{
+    Audio audio = Speech(channels);
+    TestHost::Instance direct(static_cast<float>(sampleRate), channels);
+    uint32_t done = 0;
+    const auto run = [&](uint32_t end) {
+        if (end > done) {
+            direct.RunBlock(audio, done, end - done);
+        }
+        done = end;
+    };
+    for (const Point& point : strengths) {
+        run(static_cast<uint32_t>(point.offset));
+        direct.Set(TestHost::Strength, static_cast<float>(point.value), TestHost::Process);
+    }
+    run(rate);
+    return audio;
+}
+
+class Vst3AudioTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { ASSERT_NE(TestHost::Entry(), nullptr); }
+
+    Support::UserFolders folders;
+};
+
+} // namespace
+
+TEST_F(Vst3AudioTest, EachArrangementGivesWhatTheModuleGivesForAnyBlocks)
+{
+    for (const uint32_t channels : {1U, 2U, 6U, 8U}) {
+        const Audio expected = Expected(channels);
+        ASSERT_NE(expected, Speech(channels)) << "the test needs something to repair";
+        for (const uint32_t block : {1000U, 8193U, 65536U}) {
+            SCOPED_TRACE(testing::Message() << channels << " channels, blocks of " << block);
+            Vst3Host::Plugin plugin(channels);
+            ASSERT_TRUE(plugin);
+            plugin.Start();
+            Audio audio = Speech(channels);
+            plugin.Run(audio, block);
+            EXPECT_EQ(audio, expected);
+        }
+    }
+}
+
+TEST_F(Vst3AudioTest, EveryRateIsServedAlsoOneAfterAnother)
+{
+    Vst3Host::Plugin plugin(1);
+    for (const double sampleRate : {22050.0,
+                                    32000.0,
+                                    44100.0,
+                                    88200.0,
+                                    96000.0,
+                                    192000.0,
+                                    384000.0,
+                                    1234.5678,
+                                    12345.678,
+                                    123456.78,
+                                    1234567.8}) {
+        SCOPED_TRACE(sampleRate);
+        ASSERT_EQ(plugin.Setup(sampleRate), V3_OK);
+        plugin.Start();
+        TestHost::Instance direct(static_cast<float>(sampleRate), 1);
+        EXPECT_EQ(plugin.processor->GetLatencySamples(), direct.Latency());
+        EXPECT_GE(plugin.processor->GetTailSamples(), direct.Latency());
+        Audio audio = Speech(1);
+        plugin.Run(audio, 2048);
+        EXPECT_EQ(audio, Expected(1, sampleRate));
+        plugin.Stop();
+    }
+    for (const double none :
+         {0.0, -48000.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
+        EXPECT_NE(plugin.Setup(none), V3_OK);
+    }
+    v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, rate};
+    EXPECT_NE(plugin.processor->SetupProcessing(&doubles), V3_OK);
+}
+
+TEST_F(Vst3AudioTest, WhileActiveFormatsAreRefusedAndTheAudioGoesOn)
+{
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    Audio audio = Speech(2);
+    Audio first(2);
+    Audio second(2);
+    for (size_t c = 0; c < 2; ++c) {
+        first[c].assign(audio[c].begin(), audio[c].begin() + 20000);
+        second[c].assign(audio[c].begin() + 20000, audio[c].end());
+    }
+    plugin.Run(first, 512);
+    EXPECT_NE(plugin.Setup(96000), V3_OK);
+    EXPECT_NE(plugin.Arrange(Vst3Host::mono, Vst3Host::mono), V3_OK);
+    EXPECT_EQ(plugin.Setup(rate), V3_OK);
+    EXPECT_EQ(plugin.Arrange(Vst3Host::stereo, Vst3Host::stereo), V3_OK);
+    EXPECT_EQ(plugin.component->SetActive(1), V3_OK);
+    plugin.Run(second, 512);
+    for (size_t c = 0; c < 2; ++c) {
+        first[c].insert(first[c].end(), second[c].begin(), second[c].end());
+    }
+    EXPECT_EQ(first, Expected(2));
+}
+
+TEST_F(Vst3AudioTest, AHostThatSetsUpAndActivatesNothingIsServed)
+{
+    const auto component = Vst3Host::Create(*Vst3Host::GetFactory());
+    ASSERT_EQ(component->Initialize(nullptr), V3_OK);
+    Audio audio = Speech(2);
+    float* pointers[2] = {audio[0].data(), audio[1].data()};
+    v3_audio_bus_buffers bus = {2, 0, {pointers}};
+    v3_process_data data = {};
+    data.nframes = rate;
+    data.num_input_buses = data.num_output_buses = 1;
+    data.inputs = data.outputs = &bus;
+    const auto processor =
+        Vst3Host::Query<Vst3Host::IAudioProcessor>(*component, v3_audio_processor_iid);
+    EXPECT_EQ(processor->Process(&data), V3_OK);
+    EXPECT_EQ(audio, Expected(2, 44100));
+    EXPECT_EQ(component->Terminate(), V3_OK);
+}
+
+TEST_F(Vst3AudioTest, SwitchingProcessingOffAndOnForgetsTheSignal)
+{
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    for (int round = 0; round < 2; ++round) {
+        Audio audio = Speech(2);
+        plugin.Run(audio, 4096);
+        EXPECT_EQ(audio, Expected(2));
+        plugin.processor->SetProcessing(0);
+        plugin.processor->SetProcessing(1);
+    }
+}
+
+TEST_F(Vst3AudioTest, AfterTheEndThePluginBeginsAnewWithDefaults)
+{
+    Vst3Host::Plugin plugin;
+    plugin.controller->SetValue(strength, 0.0);
+    plugin.Start();
+    EXPECT_EQ(plugin.component->Terminate(), V3_OK);
+    EXPECT_EQ(plugin.component->Initialize(nullptr), V3_OK);
+    EXPECT_EQ(plugin.controller->GetValue(strength), 0.5);
+    plugin.Start();
+    Audio audio = Speech(2);
+    plugin.Run(audio, 1024);
+    EXPECT_EQ(audio, Expected(2));
+}
+
+TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSample)
+{
+    std::vector<Point> ramp;
+    for (int32_t i = 0; i < 100; ++i) {
+        ramp.push_back({i * 441, (i % 9) / 8.0});
+    }
+    const std::vector<Point> cases[] = {
+        {{0, 1.0}}, {{1, 0.25}}, {{100, 1.0}, {24000, 0.0}, {47999, 0.5}}, ramp};
+    for (const std::vector<Point>& points : cases) {
+        SCOPED_TRACE(testing::Message() << points.size() << " points");
+        Vst3Host::Plugin plugin;
+        plugin.Start();
+        Changes changes;
+        changes.Add(strength, points);
+        Audio audio = Speech(2);
+        float* pointers[2] = {audio[0].data(), audio[1].data()};
+        EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
+        EXPECT_EQ(audio, Expected(2, rate, points));
+    }
+    ASSERT_NE(Expected(2, rate, ramp), Expected(2)) << "the points need to be heard";
+}
+
+TEST_F(Vst3AudioTest, QueuesOfBadHostsDoNoHarm)
+{
+    const struct {
+        const char* name;
+        std::vector<Point> points;
+        std::vector<Point> heard; // what it amounts to
+    } cases[] = {
+        {"before the block", {{-100, 1.0}}, {{0, 1.0}}},
+        {"not in order", {{30000, 1.0}, {10, 0.0}}, {{30000, 1.0}, {30000, 0.0}}},
+        {"no numbers", {{5, std::nan("")}, {6, -1e300}, {7, 1e300}}, {{6, 0.0}, {7, 1.0}}},
+    };
+    for (const auto& [name, points, heard] : cases) {
+        SCOPED_TRACE(name);
+        Vst3Host::Plugin plugin;
+        plugin.Start();
+        Changes changes;
+        changes.missing = 2;
+        changes.Add(12345, {{0, 1.0}});
+        changes.Add(bypass, {});
+        changes.Add(strength, points);
+        Audio audio = Speech(2);
+        float* pointers[2] = {audio[0].data(), audio[1].data()};
+        EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
+        EXPECT_EQ(audio, Expected(2, rate, heard));
+    }
+}
+
+TEST_F(Vst3AudioTest, ABlockOfNoFramesTakesTheLastPointWithOrWithoutMemory)
+{
+    for (const bool hasMemory : {false, true}) {
+        Vst3Host::Plugin plugin;
+        plugin.Start();
+        Changes changes;
+        changes.Add(strength, {{0, 0.25}, {100, 1.0}});
+        float sample = 0.5F;
+        float* pointers[2] = {&sample, &sample};
+        float** bus = hasMemory ? pointers : nullptr;
+        EXPECT_EQ(plugin.Process(bus, bus, 0, {&changes, nullptr, nullptr}), V3_OK);
+        EXPECT_EQ(sample, 0.5F);
+        Audio audio = Speech(2);
+        plugin.Run(audio, 512);
+        EXPECT_EQ(audio, Expected(2, rate, {{0, 1.0}}));
+    }
+    // Behind the end of a block: with the next one.
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    Changes changes;
+    changes.Add(strength, {{999, 1.0}});
+    Audio audio = Speech(2);
+    float* pointers[2] = {audio[0].data(), audio[1].data()};
+    plugin.Process(pointers, pointers, 100, {&changes, nullptr, nullptr});
+    float* rest[2] = {audio[0].data() + 100, audio[1].data() + 100};
+    plugin.Process(rest, rest, rate - 100);
+    EXPECT_EQ(audio, Expected(2, rate, {{100, 1.0}}));
+}
+
+TEST_F(Vst3AudioTest, BlocksThatCannotBeAreRefusedAndLeaveTheMemoryAlone)
+{
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    Audio audio = Speech(2);
+    float* pointers[2] = {audio[0].data(), audio[1].data()};
+    v3_audio_bus_buffers bus = {2, 0, {pointers}};
+    v3_process_data data = {};
+    data.num_input_buses = data.num_output_buses = 1;
+    data.inputs = data.outputs = &bus;
+    data.nframes = -50000;
+    EXPECT_NE(plugin.processor->Process(&data), V3_OK);
+    data.nframes = 100;
+    data.symbolic_sample_size = V3_SAMPLE_64;
+    EXPECT_NE(plugin.processor->Process(&data), V3_OK);
+    EXPECT_EQ(audio, Speech(2));
+}
+
+TEST_F(Vst3AudioTest, ChannelsAndBusesMayBeMissing)
+{
+    const Audio speech = Speech(2);
+    const Audio expected = Expected(2);
+    std::vector<float> output(rate);
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    {
+        const float* inputs[2] = {speech[0].data(), speech[1].data()};
+        float* outputs[2] = {nullptr, output.data()};
+        EXPECT_EQ(plugin.Process(inputs, outputs, rate), V3_OK);
+        EXPECT_EQ(output, expected[1]);
+    }
+    plugin.processor->SetProcessing(1);
+    {
+        const float* inputs[2] = {speech[0].data(), speech[1].data()};
+        EXPECT_EQ(plugin.Process(inputs, nullptr, rate), V3_OK);
+        EXPECT_EQ(plugin.Process(nullptr, nullptr, rate), V3_OK);
+    }
+    plugin.processor->SetProcessing(1);
+    {
+        // No input is silence.
+        std::fill(output.begin(), output.end(), 1.0F);
+        float* outputs[2] = {output.data(), nullptr};
+        EXPECT_EQ(plugin.Process(nullptr, outputs, rate), V3_OK);
+        EXPECT_EQ(output, std::vector<float>(rate));
+    }
+}
+
+TEST_F(Vst3AudioTest, SilentOutputsAreMarkedAndOthersAreNot)
+{
+    Vst3Host::Plugin plugin;
+    plugin.controller->SetValue(bypass, 1.0); // so that silence comes out exactly
+    plugin.Start();
+    const uint32_t latency = plugin.processor->GetLatencySamples();
+    const uint32_t frames = latency + 100;
+    // Three channels and a second bus are more than was arranged.
+    std::vector<float> memory[4];
+    float* channels[4];
+    for (size_t i = 0; i < 4; ++i) {
+        memory[i].assign(frames, i < 2 ? 0.0F : 0.5F);
+        channels[i] = memory[i].data();
+    }
+    memory[1][50] = 1.0F;
+    v3_audio_bus_buffers inputs[1] = {{2, 1, {channels}}};
+    v3_audio_bus_buffers outputs[2] = {{3, ~uint64_t{0}, {channels}}, {1, 0, {channels + 3}}};
+    v3_process_data data = {};
+    data.nframes = static_cast<int32_t>(latency);
+    data.num_input_buses = 1;
+    data.num_output_buses = 2;
+    data.inputs = inputs;
+    data.outputs = outputs;
+    EXPECT_EQ(plugin.processor->Process(&data), V3_OK);
+    EXPECT_EQ(outputs[0].channel_silence_bitset, 7U);
+    EXPECT_EQ(outputs[1].channel_silence_bitset, 1U);
+    EXPECT_EQ(memory[2][0], 0.0F);
+    EXPECT_EQ(memory[3][latency - 1], 0.0F);
+    EXPECT_EQ(memory[3][latency], 0.5F);
+
+    std::fill(memory[1].begin(), memory[1].end(), 0.0F);
+    data.nframes = 100;
+    EXPECT_EQ(plugin.processor->Process(&data), V3_OK);
+    EXPECT_EQ(outputs[0].channel_silence_bitset, 5U);
+    EXPECT_EQ(memory[1][50], 1.0F);
+}
+
+TEST_F(Vst3AudioTest, BypassIsTheInputLateByTheReportedLatency)
+{
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    Changes changes;
+    changes.Add(bypass, {{0, 1.0}});
+    EXPECT_EQ(plugin.Flush(changes), V3_OK);
+    const Audio speech = Speech(2);
+    Audio audio = speech;
+    plugin.Run(audio, 600);
+    const auto latency = static_cast<ptrdiff_t>(plugin.processor->GetLatencySamples());
+    for (size_t c = 0; c < 2; ++c) {
+        std::vector<float> late(static_cast<size_t>(latency), 0.0F);
+        late.insert(late.end(), speech[c].begin(), speech[c].end() - latency);
+        EXPECT_EQ(audio[c], late);
+    }
+}
+
+TEST_F(Vst3AudioTest, WhatIsOnlyShownActsWhileTheTransportStands)
+{
+    for (const bool isPlaying : {false, true}) {
+        SCOPED_TRACE(isPlaying);
+        Vst3Host::Plugin plugin;
+        plugin.Start();
+        v3_process_context transport = {};
+        transport.state = isPlaying ? V3_PROCESS_CTX_PLAYING : 0;
+        Audio audio = Speech(2);
+        float* pointers[2] = {audio[0].data(), audio[1].data()};
+        plugin.Process(pointers, pointers, 100, {nullptr, nullptr, &transport});
+        EXPECT_EQ(plugin.controller->SetValue(strength, 1.0), V3_OK);
+        EXPECT_EQ(plugin.controller->GetValue(strength), 1.0);
+        float* rest[2] = {audio[0].data() + 100, audio[1].data() + 100};
+        plugin.Process(rest, rest, rate - 100, {nullptr, nullptr, &transport});
+        EXPECT_EQ(
+            audio,
+            Expected(2, rate, isPlaying ? std::vector<Point>{} : std::vector<Point>{{100, 1.0}}));
+    }
+}

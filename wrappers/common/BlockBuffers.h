@@ -26,10 +26,14 @@ public:
     uint32_t GetChannels() const noexcept { return channels; }
 
     /// Calls `process(float** channels, uint32_t offset, uint32_t frames)`: once, on the outputs,
-    /// where each channel has memory of its own, else for pieces of up to PieceFrames. [process]
+    /// where each channel has memory of its own, else for pieces of up to PieceFrames; for
+    /// 0 frames not at all. [process]
     template <typename Function>
     void Run(const Block& block, Function&& process) noexcept
     {
+        if (block.frames == 0) {
+            return;
+        }
         if (IsDirect(block)) {
             CopyToOutputs(block);
             process(pointers.data(), 0U, block.frames);

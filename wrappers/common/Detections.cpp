@@ -48,12 +48,13 @@ bool Detections::Ask(TransformReadRecord& record, const char* complaint) const
 bool Detections::Read(std::vector<Detection>& detections)
 {
     std::array<DetectionRecord, 64> buffer;
-    TransformReadRecord record = {};
-    record.request = TransformReadDetections;
-    record.capacity = static_cast<uint32_t>(buffer.size());
-    record.recordBytes = sizeof(DetectionRecord);
-    record.buffer = buffer.data();
+    TransformReadRecord record;
     do {
+        record = {};
+        record.request = TransformReadDetections;
+        record.capacity = static_cast<uint32_t>(buffer.size());
+        record.recordBytes = sizeof(DetectionRecord);
+        record.buffer = buffer.data();
         record.position = next;
         if (!Ask(record, "the module doesn't tell its repairs")) {
             return false;

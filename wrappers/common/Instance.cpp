@@ -14,6 +14,9 @@ namespace Wrapper {
 namespace {
 
 constexpr uint32_t uiContext = 1;
+// Hz. The module passes over a format outside these without a word.
+constexpr float lowestRate = 500.0F;
+constexpr float highestRate = 1.5e6F;
 constexpr std::string_view bypassIdentifier = "Global.Global Bypass";
 
 // The plain layouts: their channels have no meaning, whatever the host's order of speakers is.
@@ -123,6 +126,10 @@ uint32_t Instance::HostCallback(
     if (magic != PLUGIN_CORE_MAGIC) {
         return PluginCoreWrongMagic;
     }
+    const bool hasRecord = opcode == HostOpcodeParamEvent || opcode == HostOpcodeLatencyChanged;
+    if (hasRecord && data == nullptr) {
+        return PluginCoreNullRecord;
+    }
     return static_cast<Instance*>(refcon)->OnHostCall(opcode, context, data);
 }
 
@@ -161,15 +168,21 @@ void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
     }
 }
 
-void Instance::SetFormat(double sampleRate, uint32_t channels)
+bool Instance::SetFormat(double sampleRate, uint32_t channels)
 {
-    if (channels < 1 || channels > BlockBuffers::MaxChannels) {
-        return;
-    }
     StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
-    if (Call(SelectorSetStreamFormat, Side::UI, &record) == PluginCoreSuccess) {
-        buffers.SetChannels(channels);
+    const bool isServable = record.sampleRate >= lowestRate && record.sampleRate <= highestRate &&
+                            channels >= 1 && channels <= BlockBuffers::MaxChannels;
+    if (!isServable) {
+        return false;
     }
+    BlockBuffers newBuffers; // made first: without memory nothing changes
+    newBuffers.SetChannels(channels);
+    if (!Request(SelectorSetStreamFormat, &record, "take a stream format")) {
+        return false;
+    }
+    buffers = std::move(newBuffers);
+    return true;
 }
 
 void Instance::Activate()

@@ -66,9 +66,9 @@ public:
 
     const Module& GetModule() const noexcept { return *module; }
 
-    /// A new stream format; values stay, the signal starts anew. A rate that can't be served
-    /// changes nothing. [setup]
-    void SetFormat(double sampleRate, uint32_t channels);
+    /// A new stream format; values stay, the signal starts anew. False, and nothing changed, for a
+    /// rate or a number of channels that can't be served. Not from within a callback. [setup]
+    bool SetFormat(double sampleRate, uint32_t channels);
     uint32_t GetChannels() const noexcept { return buffers.GetChannels(); }
 
     /// Before audio runs and after it: forgets the signal, and lets the UI side act without it.
@@ -79,8 +79,9 @@ public:
     /// Forgets the signal. [process]
     void Reset() noexcept;
 
-    /// Any number of frames; `position` is that of the first in the host's transport, in samples.
-    /// False when the module refuses: the outputs hold the inputs from there on. [process]
+    /// Any number of frames; of 0 frames the block's pointers don't matter. `position` is that of
+    /// the first in the host's transport, in samples. False when the module refuses: the outputs
+    /// hold the inputs from there on. [process]
     bool Process(const Block& block, std::optional<double> position) noexcept;
 
     /// By how much the output is late, in samples. [any]

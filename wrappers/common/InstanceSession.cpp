@@ -26,7 +26,7 @@ std::vector<uint8_t> Instance::SaveState()
     for (int attempt = 0; attempt < saveAttempts; ++attempt) {
         StateRecord record = {};
         record.op = StateOpGetSize;
-        if (!CallState(record)) {
+        if (!CallState(record) || record.size > longestState) {
             break;
         }
         std::vector<uint8_t> state(record.size);
@@ -36,7 +36,7 @@ std::vector<uint8_t> Instance::SaveState()
             return state;
         }
     }
-    log("the module doesn't save its state");
+    log("the module doesn't save its session");
     return {};
 }
 

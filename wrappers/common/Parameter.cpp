@@ -127,7 +127,8 @@ double Parameter::FromNormalised(float normalised) const noexcept
 
 std::string Parameter::Format(float normalised) const
 {
-    const double value = FromNormalised(normalised);
+    // Hosts ask for the text of anything.
+    const double value = FromNormalised(std::clamp(normalised, 0.0F, 1.0F));
     if (kind == Kind::Switch) {
         return value >= 0.5 ? "on" : "off";
     }

@@ -115,6 +115,13 @@ TEST(BlockBuffersTest, HowTheHostSharesMemoryChangesNoSample)
     }
 }
 
+TEST(BlockBuffersTest, ABlockOfNoFramesIsNotLookedInto)
+{
+    BlockBuffers buffers;
+    buffers.SetChannels(2);
+    buffers.Run(Block{nullptr, nullptr, 0}, [&](float**, uint32_t, uint32_t) { FAIL(); });
+}
+
 TEST(BlockBuffersTest, ABlockOfPlainMemoryStaysWhole)
 {
     Memory memory(5000);

@@ -4,6 +4,7 @@
 #include "wrappers/common/Editor.h"
 
 #include <algorithm>
+#include <limits>
 #include <random>
 
 using Wrapper::Side;
@@ -109,6 +110,30 @@ TEST_F(InstanceTest, ANewFormatKeepsValuesAndTellsItsLatency)
               1);
 }
 
+TEST_F(InstanceTest, AFormatThatCannotBeServedChangesNothing)
+{
+    const auto instance = Create(PUFFGUARD_MODULE, 2, 44100);
+    ASSERT_NE(instance, nullptr);
+    const uint32_t latency = instance->GetLatency(Side::UI);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        double sampleRate;
+        uint32_t channels;
+    } cases[] = {
+        {nan, 6}, {0, 6}, {-1, 6}, {499, 6}, {1.6e6, 6}, {1e300, 6}, {96000, 0}, {96000, 25}};
+    for (const auto& [sampleRate, channels] : cases) {
+        EXPECT_FALSE(instance->SetFormat(sampleRate, channels)) << sampleRate << ", " << channels;
+        EXPECT_EQ(instance->GetChannels(), 2U);
+        EXPECT_EQ(instance->GetLatency(Side::UI), latency);
+    }
+    // The ends of what the module serves, which says nothing of what it passes over.
+    EXPECT_TRUE(instance->SetFormat(500, 2));
+    const uint32_t shortest = instance->GetLatency(Side::UI);
+    EXPECT_LT(shortest, latency);
+    EXPECT_TRUE(instance->SetFormat(1.5e6, 2));
+    EXPECT_GT(instance->GetLatency(Side::UI), latency);
+}
+
 TEST_F(InstanceTest, AnImpulseComesOutAtTheLatencyUntouchedUnderBypass)
 {
     for (const uint32_t channels : {1U, 2U, 24U}) {
@@ -147,6 +172,40 @@ TEST_F(InstanceTest, AStateThatGrowsWhileItIsSavedIsSavedWhole)
     const auto instance = Create(FAKE_MODULE);
     ASSERT_NE(instance, nullptr);
     EXPECT_EQ(instance->SaveState(), (std::vector<uint8_t>{'a', 'b', 'c'}));
+}
+
+TEST_F(InstanceTest, ABlockThatIsRefusedStaysAsItWas)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    const float input[2] = {0.25F, -0.5F};
+    float output[2] = {};
+    const float* inputs[2] = {input, input + 1};
+    float* outputs[2] = {output, output + 1};
+    EXPECT_TRUE(instance->Process({inputs, outputs, 1}, std::nullopt));
+    Refuse(SelectorProcess);
+    EXPECT_FALSE(instance->Process({inputs, outputs, 1}, std::nullopt));
+    EXPECT_EQ(output[0], 0.25F);
+    EXPECT_EQ(output[1], -0.5F);
+    EXPECT_TRUE(logged.empty()); // no log on the audio thread
+}
+
+TEST_F(InstanceTest, AModuleThatRefusesToBeginMakesNoInstanceAndTheLogSaysWhy)
+{
+    const struct {
+        uint32_t selector;
+        const char* line;
+    } cases[] = {
+        {SelectorCreatePlugin, "the module makes no instance (answer 6)"},
+        {SelectorInitialize, "the module refuses to be initialised (answer 6)"},
+        {SelectorGetAutomatableParamCount, "the module refuses to count its parameters (answer 6)"},
+        {SelectorGetAutomatableParamList, "the module refuses to list its parameters (answer 6)"},
+    };
+    for (const auto& [selector, line] : cases) {
+        Refuse(selector);
+        EXPECT_EQ(Create(FAKE_MODULE), nullptr);
+        EXPECT_EQ(logged, std::vector<std::string>{line});
+    }
 }
 
 TEST_F(InstanceTest, AnEditorIsOpenedOnceAndClosedOnce)

@@ -67,6 +67,9 @@ TEST(ParameterTest, ValuesReadAsPeopleWriteThem)
         {Switch(), 0.49F, "off"},
         {Choice(), 0.5F, "Mid way"},
         {Choice(), 1.0F, "High"},
+        // What lies outside, as hosts ask for it, too.
+        {Frequency(), -1e30F, "50.0 Hz"},
+        {Choice(), std::numeric_limits<float>::infinity(), "High"},
     };
     for (const auto& [parameter, normalised, text] : cases) {
         EXPECT_EQ(parameter.Format(normalised), text);

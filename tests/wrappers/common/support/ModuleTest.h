@@ -40,7 +40,18 @@ private:
 /// Tests that load a module find no settings of the user, and may choose the module.
 class ModuleTest : public testing::Test {
 protected:
-    ~ModuleTest() override { unsetenv("PUFFGUARD_MODULE"); }
+    ~ModuleTest() override
+    {
+        unsetenv("PUFFGUARD_MODULE");
+        unsetenv("FAKE_REFUSES");
+    }
+
+    /// The fake module answers 6 to this selector from now on, and the log is empty.
+    void Refuse(uint32_t selector)
+    {
+        setenv("FAKE_REFUSES", std::to_string(selector).c_str(), 1);
+        logged.clear();
+    }
 
     std::shared_ptr<const Wrapper::Module> Load(const std::string& file)
     {

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/Detections.h"
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "tests/wrappers/common/support/ModuleTest.h"
+
+using Wrapper::Detection;
+using DetectionsTest = ModuleTest;
+
+TEST_F(DetectionsTest, AllRepairsComeInOrderOnceAndLostOnesAreCounted)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    Wrapper::Detections reader(*instance); // the fake's first is number 10, its last 199
+    std::vector<Detection> found(1);
+    ASSERT_TRUE(reader.Read(found));
+    ASSERT_EQ(found.size(), 1U + 185U);
+    uint32_t expected = 10;
+    for (size_t i = 1; i < found.size(); ++i) {
+        expected = expected == 100 ? 105 : expected;
+        EXPECT_EQ(found[i].number, expected);
+        EXPECT_EQ(found[i].centre, 1000 * int64_t{expected});
+        EXPECT_EQ(found[i].frames, expected == 150 ? 0U : 3U);
+        ++expected;
+    }
+    EXPECT_EQ(reader.GetLost(), 5U);
+    ASSERT_TRUE(reader.Read(found));
+    EXPECT_EQ(found.size(), 186U);
+}
+
+TEST_F(DetectionsTest, ARefusalIsNoEndOfTheList)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    Wrapper::Detections reader(*instance);
+    Refuse(SelectorTransformRead);
+    std::vector<Detection> found;
+    EXPECT_FALSE(reader.Read(found));
+    EXPECT_FALSE(reader.ReadTotals());
+    EXPECT_TRUE(found.empty());
+    EXPECT_EQ(logged,
+              (std::vector<std::string>{"the module doesn't tell its repairs",
+                                        "the module doesn't tell its sums"}));
+}
+
+TEST_F(DetectionsTest, TheModuleUnderstandsTheRequests)
+{
+    const auto instance = Create(PUFFGUARD_MODULE, 1);
+    ASSERT_NE(instance, nullptr);
+    Wrapper::Detections reader(*instance);
+    std::vector<float> audio(48000, 0.25F);
+    float* channels[1] = {audio.data()};
+    ASSERT_TRUE(instance->Process({channels, channels, 48000}, std::nullopt));
+    std::vector<Detection> found;
+    EXPECT_TRUE(reader.Read(found));
+    const auto totals = reader.ReadTotals();
+    ASSERT_TRUE(totals);
+    EXPECT_GT(totals->hops, 0U);
+    EXPECT_EQ(totals->detections, found.size());
+    EXPECT_TRUE(logged.empty());
+}

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/Presets.h"
+
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "tests/wrappers/common/support/ModuleTest.h"
+
+#include <algorithm>
+#include <filesystem>
+
+using Wrapper::Preset;
+using Wrapper::PresetGroup;
+using Wrapper::Presets;
+using PresetsTest = ModuleTest;
+
+TEST_F(PresetsTest, WhatIsSavedIsListedAndBringsTheValuesBack)
+{
+    const auto instance = Create(PUFFGUARD_MODULE);
+    ASSERT_NE(instance, nullptr);
+    Presets presets(*instance);
+    instance->SetParameter(Wrapper::Side::UI, 0, 0.25F);
+    const auto saved = presets.Save("Mine", "my comment", Presets::Replace::Refuse);
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->problem, "");
+    EXPECT_TRUE(std::filesystem::exists(saved->path));
+
+    instance->SetParameter(Wrapper::Side::UI, 0, 1.0F);
+    const auto again = presets.Save("Mine", "another", Presets::Replace::Refuse);
+    ASSERT_TRUE(again);
+    EXPECT_NE(again->problem, "");
+
+    const auto list = presets.List();
+    ASSERT_TRUE(list);
+    const auto mine = std::find_if(
+        list->begin(), list->end(), [](const Preset& preset) { return preset.name == "Mine"; });
+    ASSERT_NE(mine, list->end());
+    EXPECT_EQ(mine->comment, "my comment");
+    EXPECT_EQ(mine->group, PresetGroup::User);
+    EXPECT_EQ(mine->path, saved->path);
+    EXPECT_EQ(list->front().group, PresetGroup::BuiltIn);
+
+    ASSERT_TRUE(instance->ApplyPreset("Mine"));
+    EXPECT_EQ(instance->GetParameter(Wrapper::Side::UI, 0), 0.25F);
+    EXPECT_TRUE(logged.empty());
+}
+
+TEST_F(PresetsTest, FaultsStandWithThePresetOrInTheLog)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    Presets presets(*instance);
+    const auto list = presets.List();
+    ASSERT_TRUE(list);
+    ASSERT_EQ(list->size(), 3U);
+    EXPECT_EQ(list->at(0).comment, std::string(1023, 'c') + "..."); // fills its field: it is cut
+    EXPECT_EQ(list->at(2).comment, "ccc");
+    EXPECT_EQ(list->at(1).problem, "it is damaged");
+    EXPECT_EQ(list->at(1).group, PresetGroup::Factory);
+    EXPECT_EQ(list->at(2).group, PresetGroup::User);
+
+    for (const auto& [name, problem] : {std::pair("fine", ""),
+                                        std::pair("broken", "it is damaged"),
+                                        std::pair("mute", "the module doesn't say why not")}) {
+        logged.clear();
+        EXPECT_EQ(presets.Apply(name)->problem, problem);
+        EXPECT_EQ(presets.Save(name, "", Presets::Replace::Allow)->problem, problem);
+        EXPECT_TRUE(logged.empty());
+        EXPECT_EQ(instance->ApplyPreset(name), *problem == '\0');
+        EXPECT_EQ(logged.empty(), *problem == '\0');
+    }
+}
+
+TEST_F(PresetsTest, AModuleWithoutPresetsIsToldFromAPresetWithAFault)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    Presets presets(*instance);
+    Refuse(SelectorHostMessage);
+    EXPECT_FALSE(presets.List());
+    EXPECT_FALSE(presets.Apply("fine"));
+    EXPECT_FALSE(presets.Save("fine", "", Presets::Replace::Refuse));
+    EXPECT_EQ(logged,
+              (std::vector<std::string>{"the module refuses to list presets (answer 6)",
+                                        "the module refuses to apply a preset (answer 6)",
+                                        "the module refuses to save a preset (answer 6)"}));
+    EXPECT_TRUE(instance->ListPresets().empty());
+    EXPECT_FALSE(instance->ApplyPreset("fine"));
+}

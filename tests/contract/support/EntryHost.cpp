@@ -32,10 +32,11 @@ public:
 
     bool Activate(double rate, uint32_t /*longestBlock*/) override
     {
-        if (!std::isfinite(rate) || rate <= 0) {
+        const auto single = static_cast<float>(rate);
+        if (!std::isfinite(single) || single <= 0) {
             return false; // the entry would answer success and do nothing
         }
-        instance.SetFormat(static_cast<float>(rate), TestHost::LayoutOf(channels));
+        instance.SetFormat(single, TestHost::LayoutOf(channels));
         SetProcessing(1);
         return true;
     }

@@ -46,9 +46,29 @@ Audio Play(FormatHost& host, const Audio& input, uint32_t block)
     return Play(host, input, [block] { return block; });
 }
 
-void RunSilence(FormatHost& host, uint32_t channels, uint32_t frames)
+void PlaySilence(FormatHost& host, uint32_t channels, uint32_t frames)
 {
     Play(host, Audio(channels, std::vector<float>(frames)), 512);
+}
+
+void Settle(FormatHost& host, uint32_t channels)
+{
+    PlaySilence(host, channels, 64);
+    host.Reset();
+}
+
+std::vector<uint8_t> MakeState(const std::function<void(TestHost::Instance&)>& change)
+{
+    TestHost::Instance instance(48000.0F, 1);
+    change(instance);
+    StateRecord record{};
+    record.op = StateOpGetSize;
+    TestHost::Call(SelectorStateCommand, TestHost::UI, instance.Get(), &record);
+    std::vector<uint8_t> chunk(record.size);
+    record.op = StateOpGetChunk;
+    record.buffer = chunk.data();
+    TestHost::Call(SelectorStateCommand, TestHost::UI, instance.Get(), &record);
+    return record.failed == 0 ? chunk : std::vector<uint8_t>{};
 }
 
 Audio Expected(const Audio& input, double rate, const Controls& controls)
@@ -83,6 +103,17 @@ Audio Delayed(const Audio& input, uint32_t latency)
         }
     }
     return late;
+}
+
+float LargestError(const Audio& take, const Audio& expected)
+{
+    float largest = 0.0F;
+    for (size_t c = 0; c < expected.size(); ++c) {
+        for (size_t i = 0; i < expected[c].size(); ++i) {
+            largest = std::max(largest, std::abs(take[c][i] - expected[c][i]));
+        }
+    }
+    return largest;
 }
 
 std::string BadSample(const Audio& take)

@@ -31,8 +31,12 @@ Audio MakeSpeech(double rate, uint32_t channels, double seconds = 1.1);
 Audio Play(FormatHost& host, const Audio& input, const std::function<uint32_t()>& nextBlock);
 Audio Play(FormatHost& host, const Audio& input, uint32_t block);
 
-/// Any number of frames of silence; null channels.
-void RunSilence(FormatHost& host, uint32_t channels, uint32_t frames);
+void PlaySilence(FormatHost& host, uint32_t channels, uint32_t frames);
+/// Lets values that were set arrive, and forgets the signal.
+void Settle(FormatHost& host, uint32_t channels);
+
+/// The state of an instance of the module after `change`.
+std::vector<uint8_t> MakeState(const std::function<void(TestHost::Instance&)>& change);
 
 /// What the module makes of it in a fresh instance with the values of three controls, normalised.
 struct Controls {
@@ -47,6 +51,9 @@ std::string Difference(const Audio& take, const Audio& expected);
 
 /// `input` later by `latency` samples, which are silent, in the same length.
 Audio Delayed(const Audio& input, uint32_t latency);
+
+/// Largest distance between the two.
+float LargestError(const Audio& take, const Audio& expected);
 
 /// Where a take holds what no audio may hold (no number, or one so small that it slows down what
 /// comes after), for people; empty when it doesn't.

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: ISC
+// Instances that come and go, and several formats in one process.
+#include "tests/contract/support/FormatTest.h"
+
+#include <array>
+
+namespace {
+
+using namespace Contract;
+
+class FormatInstances : public FormatTest {};
+
+} // namespace
+
+TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLife)
+{
+    const std::array<uint32_t, 4> layouts{1, 2, 6, 8};
+    for (uint32_t round = 0; round < Rounds(200); ++round) {
+        const uint32_t channels = layouts[round % layouts.size()];
+        auto host = GetParam().make(Rate, channels);
+        ASSERT_NE(host, nullptr) << round;
+        if (round % 5 > 0) {
+            ASSERT_TRUE(host->Activate(Rate, LongestBlock));
+        }
+        if (round % 5 > 1) {
+            PlaySilence(*host, channels, 600);
+        }
+        if (round % 5 > 2) {
+            host->Save();
+            host->SetParameter(TestHost::Strength, 0.25F); // and no block follows
+        }
+        if (round % 5 > 3) {
+            host->Deactivate();
+        }
+    }
+    auto host = Make();
+    const Audio speech = MakeSpeech(Rate, 2);
+    EXPECT_EQ(Difference(Play(*host, speech, 512), Expected(speech, Rate)), "");
+}
+
+CONTRACT_FORMATS(FormatInstances);
+
+TEST(Formats, SideBySideInOneProcessDoNotHearEachOther)
+{
+    constexpr double rate = 48000;
+    constexpr uint32_t block = 480;
+    const Audio speech = MakeSpeech(rate, 2);
+    struct Member {
+        std::unique_ptr<FormatHost> host;
+        Controls controls;
+        Audio output;
+    };
+    std::vector<Member> members;
+    for (const Format& format : GetFormats()) {
+        const auto number = static_cast<float>(members.size());
+        Member member{format.make(rate, 2), {1 - number / 8, number / 8, number / 4}, speech};
+        ASSERT_NE(member.host, nullptr) << format.name;
+        ASSERT_TRUE(member.host->Activate(rate, block));
+        member.host->SetParameter(TestHost::Sensitivity, member.controls.sensitivity);
+        member.host->SetParameter(TestHost::Strength, member.controls.strength);
+        member.host->SetParameter(TestHost::UpperFrequency, member.controls.upperFrequency);
+        members.push_back(std::move(member));
+    }
+    for (uint32_t done = 0; done < speech[0].size(); done += block) {
+        for (Member& member : members) {
+            float* pointers[2] = {member.output[0].data() + done, member.output[1].data() + done};
+            member.host->Process(pointers, pointers, block);
+        }
+    }
+    for (size_t i = 0; i < members.size(); ++i) {
+        const Audio expected = Expected(speech, rate, members[i].controls);
+        EXPECT_EQ(Difference(members[i].output, expected), "") << GetFormats()[i].name;
+    }
+}

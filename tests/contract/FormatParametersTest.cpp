@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: ISC
+// Values as hosts send them, and as broken hosts do.
+#include "tests/contract/support/FormatTest.h"
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+using namespace Contract;
+
+class FormatParameters : public FormatTest {
+protected:
+    static constexpr uint32_t Count = 4;
+
+    // A value counts from the next block on.
+    static void SetAll(FormatHost& host, const std::function<float()>& nextValue)
+    {
+        for (uint32_t index = 0; index < Count; ++index) {
+            host.SetParameter(index, nextValue());
+        }
+        static const Audio speech = MakeSpeech(Rate, 2, 0.02);
+        EXPECT_EQ(BadSample(Play(host, speech, 32)), "");
+    }
+
+    static void ExpectInRange(FormatHost& host)
+    {
+        for (uint32_t index = 0; index < Count; ++index) {
+            const float value = host.GetParameter(index);
+            EXPECT_TRUE(value >= 0.0F && value <= 1.0F) << index << ": " << value;
+        }
+    }
+
+    static void ExpectWorking(FormatHost& host)
+    {
+        constexpr float values[Count] = {0.75F, 0.25F, 0.5F, 0.0F};
+        for (uint32_t index = 0; index < Count; ++index) {
+            host.SetParameter(index, values[index]);
+        }
+        Settle(host, 2);
+        const Audio speech = MakeSpeech(Rate, 2);
+        const Audio expected = Expected(speech, Rate, {values[0], values[1], values[2]});
+        EXPECT_EQ(Difference(Play(host, speech, 512), expected), "");
+    }
+};
+
+} // namespace
+
+TEST_P(FormatParameters, ComeBackAsTheyWereSet)
+{
+    auto host = Make();
+    ASSERT_EQ(host->CountParameters(), Count);
+    for (int eighths = 8; eighths >= 0; --eighths) {
+        const float value = static_cast<float>(eighths) / 8;
+        for (uint32_t index = 0; index < Count; ++index) {
+            // What lies between the ends of a switch is each format's own affair.
+            const bool isSwitch = index == TestHost::GlobalBypass;
+            const float wanted = isSwitch ? std::round(value) : value;
+            host->SetParameter(index, wanted);
+            PlaySilence(*host, 2, 32);
+            EXPECT_EQ(host->GetParameter(index), wanted) << index;
+        }
+    }
+}
+
+TEST_P(FormatParameters, OfAnyValueGiveAudio)
+{
+    auto host = Make();
+    std::mt19937 engine(1);
+    for (uint32_t permutation = 0; permutation < Rounds(50); ++permutation) {
+        for (int run = 0; run < 5; ++run) {
+            const bool isAtAnEnd = permutation % 2 == 0;
+            SetAll(*host, [&] {
+                return static_cast<float>(isAtAnEnd ? engine() % 2 * 1000 : engine() % 1001) / 1000;
+            });
+        }
+        ExpectInRange(*host);
+    }
+    ExpectWorking(*host);
+}
+
+TEST_P(FormatParameters, ThatAreNoValuesDoNoHarm)
+{
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    for (const float value : {std::numeric_limits<float>::quiet_NaN(),
+                              inf,
+                              -inf,
+                              1e38F,
+                              -1e38F,
+                              -0.001F,
+                              1.001F,
+                              std::numeric_limits<float>::denorm_min()}) {
+        SCOPED_TRACE(value);
+        auto host = Make();
+        for (int run = 0; run < 3; ++run) {
+            SetAll(*host, [&] { return value; });
+        }
+        ExpectInRange(*host);
+        ExpectWorking(*host);
+    }
+}
+
+CONTRACT_FORMATS(FormatParameters);

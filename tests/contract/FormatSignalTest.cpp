@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: ISC
+// Odd samples, missing channels, a bypass that comes and goes, and hosts that leave out a step:
+// what comes out stays audio, and nothing of it is left after a reset.
+#include "tests/contract/support/FormatTest.h"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace {
+
+using namespace Contract;
+using TestHost::GlobalBypass;
+
+class FormatSignal : public FormatTest {
+protected:
+    static void ExpectLikeNew(FormatHost& host, double rate = Rate)
+    {
+        const Audio speech = MakeSpeech(rate, 2);
+        host.Reset();
+        EXPECT_EQ(Difference(Play(host, speech, 700), Expected(speech, rate)), "");
+    }
+};
+
+float LargestStep(const std::vector<float>& samples)
+{
+    float largest = 0.0F;
+    for (size_t i = 1; i < samples.size(); ++i) {
+        largest = std::max(largest, std::abs(samples[i] - samples[i - 1]));
+    }
+    return largest;
+}
+
+} // namespace
+
+TEST_P(FormatSignal, OfSilenceIsSilence)
+{
+    for (const uint32_t channels : {1U, 2U, 6U, 8U}) {
+        auto host = Make(Rate, channels);
+        const Audio silence(channels, std::vector<float>(40'000));
+        EXPECT_EQ(Difference(Play(*host, silence, 777), silence), "") << channels;
+    }
+}
+
+TEST_P(FormatSignal, ThatIsOddStaysAudioAndIsForgottenByAReset)
+{
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    auto host = Make();
+    for (const float level : {std::numeric_limits<float>::denorm_min(),
+                              1e-39F,
+                              1.0F,
+                              1e6F,
+                              1e30F,
+                              std::numeric_limits<float>::max(),
+                              inf,
+                              std::numeric_limits<float>::quiet_NaN()}) {
+        for (const bool isSteady : {true, false}) {
+            SCOPED_TRACE(testing::Message() << level << (isSteady ? ", steady" : ", alternating"));
+            Audio odd(2, std::vector<float>(40'000, level));
+            for (size_t i = 0; i < odd[0].size() && !isSteady; i += 2 + i % 50) {
+                odd[0][i] = -level;
+            }
+            const Audio output = Play(*host, odd, 512);
+            for (const auto& channel : output) {
+                for (const float sample : channel) {
+                    ASSERT_TRUE(std::isfinite(sample)) << sample;
+                }
+            }
+            ExpectLikeNew(*host);
+        }
+    }
+}
+
+// The repair starts anew when it comes back, one latency late: only the way in is without a step.
+TEST_P(FormatSignal, GoesIntoABypassWithoutAClickAndComesBackAsNew)
+{
+    Audio sine(2, std::vector<float>(60'000));
+    for (size_t i = 0; i < sine[0].size(); ++i) {
+        const double phase = 2 * std::numbers::pi * 300 * static_cast<double>(i) / Rate;
+        sine[0][i] = sine[1][i] = 0.5F * static_cast<float>(std::sin(phase));
+    }
+    auto host = Make();
+    uint32_t number = 0;
+    const Audio output = Play(*host, sine, [&] {
+        host->SetParameter(GlobalBypass, ++number > 80 ? 1.0F : 0.0F);
+        return 500U;
+    });
+    EXPECT_LT(LargestStep(output[0]), 1.01F * LargestStep(sine[0]));
+
+    host->SetParameter(GlobalBypass, 0.0F);
+    const Audio speech = MakeSpeech(Rate, 2);
+    EXPECT_EQ(Difference(Play(*host, speech, 500), Expected(speech, Rate)), "");
+}
+
+TEST_P(FormatSignal, WithAChannelMissingKeepsTheOthers)
+{
+    auto host = Make();
+    const Audio speech = MakeSpeech(Rate, 2);
+    const auto frames = static_cast<uint32_t>(speech[0].size());
+    host->SetParameter(GlobalBypass, 1.0F);
+    Settle(*host, 2);
+    Audio output = speech;
+    const float* inputs[2] = {speech[0].data(), nullptr};
+    float* outputs[2] = {output[0].data(), nullptr};
+    host->Process(inputs, outputs, frames);
+    EXPECT_EQ(output[0], Delayed(speech, host->GetLatency())[0]);
+
+    host->SetParameter(GlobalBypass, 0.0F);
+    Settle(*host, 2);
+    const float* noInputs[2] = {nullptr, nullptr};
+    float* noOutputs[2] = {nullptr, nullptr};
+    host->Process(noInputs, noOutputs, 512);
+    inputs[1] = speech[1].data();
+    host->Process(inputs, outputs, frames);
+    EXPECT_EQ(BadSample({output[0]}), "");
+    ExpectLikeNew(*host);
+}
+
+TEST_P(FormatSignal, FromAHostThatNeverActivatesOrSendsNoFramesDoesNoHarm)
+{
+    auto host = GetParam().make(Rate, 2);
+    ASSERT_NE(host, nullptr);
+    host->Process(nullptr, nullptr, 0);
+    const Audio speech = MakeSpeech(Rate, 2, 0.5);
+    EXPECT_EQ(BadSample(Play(*host, speech, 700)), "");
+    host->Deactivate();
+    ASSERT_TRUE(host->Activate(Rate, LongestBlock));
+    for (int i = 0; i < 20; ++i) {
+        host->Process(nullptr, nullptr, 0);
+    }
+    ExpectLikeNew(*host);
+    host->Deactivate();
+    host->Deactivate();
+    Play(*host, speech, 700);
+}
+
+TEST_P(FormatSignal, GoesOnAtAnotherRateWithoutAWordBefore)
+{
+    auto host = Make();
+    double rate = Rate;
+    for (const double next : {96000.0, 8000.0, 44100.0, 0.0, -1.0, std::nan(""), 1e300}) {
+        SCOPED_TRACE(next);
+        Play(*host, MakeSpeech(rate, 2, 0.2), 700);
+        if (host->Activate(next, LongestBlock)) {
+            ASSERT_LT(next, 1e300) << "nothing runs at this rate";
+            rate = next;
+        }
+        ExpectLikeNew(*host, rate);
+    }
+}
+
+CONTRACT_FORMATS(FormatSignal);

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: ISC
+// Random everything that a host may do, in any order, through every format. A failure shows its
+// seed and the last steps; PUFFGUARD_SOAK_SEED gives the same steps again, and
+// PUFFGUARD_SOAK_SECONDS goes on with further seeds for so long.
+#include "tests/contract/support/FormatTest.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <deque>
+#include <limits>
+#include <random>
+#include <sstream>
+
+namespace {
+
+using namespace Contract;
+using Clock = std::chrono::steady_clock;
+
+constexpr uint32_t stepsPerSeed = 400;
+constexpr size_t stepsShown = 30;
+constexpr uint32_t seedsByDefault = 3;
+
+class Soak {
+public:
+    Soak(const Format& newFormat, uint32_t newSeed)
+        : format(newFormat)
+        , seed(newSeed)
+        , engine(newSeed)
+    {
+        MakeAnother();
+    }
+
+    void DoStep()
+    {
+        switch (Pick(16)) {
+        case 0:
+            return Note("value"), SetAnyValue();
+        case 1:
+            return Note("odd value"), host->SetParameter(Pick(4), OddNumber());
+        case 2:
+            return Note("reset"), host->Reset();
+        case 3:
+            return Note("save"), Save();
+        case 4:
+            return Note("load"), Load();
+        case 5:
+            return Note("load rubbish"), LoadRubbish();
+        case 6:
+            return Note("activate"), Activate();
+        case 7:
+            return Note("deactivate"), host->Deactivate();
+        case 8:
+            return Note("no frames"), host->Process(nullptr, nullptr, 0);
+        case 9:
+            return Note("look"), Look();
+        case 10:
+            if (Pick(8) == 0) {
+                Note("another");
+                MakeAnother();
+            }
+            return;
+        default:
+            return PlayAnything();
+        }
+    }
+
+    void ExpectWorkingOrder()
+    {
+        const bool isActive = host->Activate(rate, longestBlock);
+        EXPECT_TRUE(isActive) << Tell();
+        const auto plain = MakeState([](TestHost::Instance&) {});
+        EXPECT_TRUE(host->Load(host->MakeSession(plain))) << Tell();
+        PlaySilence(*host, channels, 10'000);
+        host->Deactivate();
+        host->Activate(rate, longestBlock);
+        Settle(*host, channels);
+        const Audio speech = MakeSpeech(rate, channels);
+        EXPECT_EQ(Difference(Play(*host, speech, 512), Expected(speech, rate)), "") << Tell();
+    }
+
+    std::string Tell() const
+    {
+        std::ostringstream text;
+        text << format.name << ", seed " << seed << ", " << count << " steps, the last:";
+        for (const std::string& step : log) {
+            text << "\n  " << step;
+        }
+        return text.str();
+    }
+
+private:
+    static constexpr uint32_t longestBlock = 10'000;
+
+    uint32_t Pick(uint32_t choices) { return static_cast<uint32_t>(engine() % choices); }
+
+    void Note(const std::string& step)
+    {
+        ++count;
+        log.push_back(step);
+        if (log.size() > stepsShown) {
+            log.pop_front();
+        }
+    }
+
+    float OddNumber()
+    {
+        constexpr float inf = std::numeric_limits<float>::infinity();
+        constexpr float numbers[] = {
+            std::nanf(""), inf, -inf, 1e38F, -1e10F, -0.0F, 1e-40F, -1.0F, 2.0F};
+        return numbers[Pick(std::size(numbers))];
+    }
+
+    void MakeAnother()
+    {
+        constexpr uint32_t layouts[] = {1, 2, 6, 8};
+        constexpr double rates[] = {8000, 22050, 44100, 48000, 96000, 12345.678};
+        channels = layouts[Pick(std::size(layouts))];
+        rate = rates[Pick(std::size(rates))];
+        host = format.make(rate, channels);
+        if (Pick(4) > 0) {
+            host->Activate(rate, longestBlock);
+        }
+    }
+
+    void Activate()
+    {
+        constexpr double rates[] = {8000, 44100, 48000, 96000};
+        const double next = rates[Pick(std::size(rates))];
+        if (host->Activate(next, longestBlock)) {
+            rate = next;
+        }
+    }
+
+    void SetAnyValue() { host->SetParameter(Pick(4), static_cast<float>(Pick(1001)) / 1000); }
+
+    void Save() { saved = host->Save(); }
+
+    void Load()
+    {
+        if (!saved.empty()) {
+            EXPECT_TRUE(host->Load(saved)) << Tell();
+        }
+    }
+
+    void LoadRubbish()
+    {
+        std::vector<uint8_t> rubbish = saved;
+        rubbish.resize(Pick(2000));
+        for (uint8_t& byte : rubbish) {
+            byte ^= Pick(16) == 0 ? static_cast<uint8_t>(engine()) : uint8_t{0};
+        }
+        host->Load(rubbish);
+    }
+
+    void Look()
+    {
+        host->GetLatency();
+        const float value = host->GetParameter(Pick(4));
+        EXPECT_TRUE(value >= 0 && value <= 1) << value << '\n' << Tell();
+        host->Idle();
+    }
+
+    void PlayAnything()
+    {
+        const uint32_t frames = 1 + (Pick(8) == 0 ? Pick(longestBlock) : Pick(1024));
+        const uint32_t block = 1 + Pick(frames);
+        Note(std::to_string(frames) + " frames in blocks of " + std::to_string(block));
+        Audio audio(channels, std::vector<float>(frames));
+        for (auto& channel : audio) {
+            const float gain = Pick(4) == 0 ? 0.0F : static_cast<float>(Pick(100)) / 50;
+            for (float& sample : channel) {
+                sample = gain * (static_cast<float>(Pick(2001)) / 1000 - 1);
+            }
+            if (Pick(8) == 0) {
+                channel[Pick(frames)] = OddNumber();
+            }
+        }
+        for (const auto& channel : Play(*host, audio, block)) {
+            for (const float sample : channel) {
+                ASSERT_TRUE(std::isfinite(sample)) << sample << '\n' << Tell();
+            }
+        }
+    }
+
+    const Format& format;
+    const uint32_t seed;
+    std::mt19937 engine;
+    std::unique_ptr<FormatHost> host;
+    double rate = 0;
+    uint32_t channels = 0;
+    std::vector<uint8_t> saved;
+    std::deque<std::string> log;
+    uint32_t count = 0;
+};
+
+uint32_t NumberFrom(const char* variable, uint32_t otherwise)
+{
+    const char* const text = std::getenv(variable);
+    return text != nullptr ? static_cast<uint32_t>(std::atoi(text)) : otherwise;
+}
+
+class FormatSoak : public FormatTest {};
+
+} // namespace
+
+TEST_P(FormatSoak, AnyCallsLeaveItInWorkingOrder)
+{
+    const auto end = Clock::now() + std::chrono::seconds(NumberFrom("PUFFGUARD_SOAK_SECONDS", 0));
+    const uint32_t first = NumberFrom("PUFFGUARD_SOAK_SEED", 1);
+    for (uint32_t seed = first; !HasFailure(); ++seed) {
+        if (seed >= first + Rounds(seedsByDefault) && Clock::now() >= end) {
+            return;
+        }
+        Soak soak(GetParam(), seed);
+        for (uint32_t step = 0; step < stepsPerSeed && !HasFailure(); ++step) {
+            soak.DoStep();
+        }
+        soak.ExpectWorkingOrder();
+    }
+}
+
+CONTRACT_FORMATS(FormatSoak);

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: ISC
+// The host's two threads at once in every format. Most of what these find they find under the
+// thread sanitizer.
+#include "tests/contract/support/FormatTest.h"
+
+#include <atomic>
+#include <functional>
+#include <random>
+#include <thread>
+
+namespace {
+
+using namespace Contract;
+
+class FormatThreads : public FormatTest {
+protected:
+    // Calls `act` over and over while another thread moves `blocks` blocks of up to `longest`.
+    static void Storm(FormatHost& host,
+                      uint32_t blocks,
+                      uint32_t longest,
+                      const std::function<void(uint32_t)>& act)
+    {
+        std::atomic<bool> isDone{false};
+        std::atomic<bool> isGood{true};
+        std::thread audio([&] {
+            std::mt19937 engine(2);
+            const Audio speech = MakeSpeech(Rate, 2, 0.1);
+            for (uint32_t number = 0; number < blocks; ++number) {
+                const auto frames = static_cast<uint32_t>(1 + engine() % longest);
+                Audio block(2);
+                for (size_t c = 0; c < 2; ++c) {
+                    const auto begin = speech[c].begin() + static_cast<long>(engine() % 500);
+                    block[c].assign(begin, begin + frames);
+                }
+                isGood = isGood && BadSample(Play(host, block, frames)).empty();
+            }
+            isDone = true;
+        });
+        for (uint32_t turn = 0; !isDone; ++turn) {
+            act(turn);
+        }
+        audio.join();
+        EXPECT_TRUE(isGood);
+    }
+
+    static void ExpectLast(FormatHost& host)
+    {
+        constexpr float values[] = {0.25F, 0.875F, 0.625F, 0.0F};
+        for (uint32_t index = 0; index < std::size(values); ++index) {
+            host.SetParameter(index, values[index]);
+        }
+        Settle(host, 2);
+        const Audio speech = MakeSpeech(Rate, 2);
+        const Audio expected = Expected(speech, Rate, {values[0], values[1], values[2]});
+        EXPECT_EQ(Difference(Play(host, speech, 512), expected), "") << "the last word counts";
+    }
+};
+
+} // namespace
+
+TEST_P(FormatThreads, SetEveryParameterWhileAudioRuns)
+{
+    auto host = Make();
+    std::mt19937 engine(1);
+    Storm(*host, Rounds(5000), 32, [&](uint32_t turn) {
+        host->SetParameter(turn % 4, static_cast<float>(engine() % 9) / 8);
+        if (turn % 64 == 0) {
+            host->GetParameter(turn / 64 % 4);
+            host->GetLatency();
+        }
+        if (turn % 16 == 0) {
+            std::this_thread::yield();
+        }
+    });
+    ExpectLast(*host);
+}
+
+TEST_P(FormatThreads, SaveAndLoadWhileAudioRuns)
+{
+    auto host = Make();
+    const auto shortest = host->MakeSession(MakeState([](TestHost::Instance& instance) {
+        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
+    }));
+    const auto longest = host->MakeSession(
+        MakeState([](TestHost::Instance& instance) { instance.Set(TestHost::Strength, 0.875F); }));
+    Storm(*host, Rounds(1000), 3000, [&](uint32_t turn) {
+        EXPECT_FALSE(host->Save().empty());
+        EXPECT_TRUE(host->Load(turn % 2 == 0 ? shortest : longest));
+        host->SetParameter(TestHost::Strength, 0.5F);
+        host->GetLatency();
+        host->Idle();
+    });
+    ASSERT_TRUE(host->Load(longest));
+    PlaySilence(*host, 2, 10'000);
+    host->Deactivate(); // the latency may be another one than before
+    ASSERT_TRUE(host->Activate(Rate, LongestBlock));
+    ExpectLast(*host);
+}
+
+CONTRACT_FORMATS(FormatThreads);

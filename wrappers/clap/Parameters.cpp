@@ -50,8 +50,9 @@ Parameters::Parameters(Wrapper::Instance& newInstance)
     , values(instance.GetParameters().size())
     , lastWords(instance.GetParameters().size())
 {
-    for (const Wrapper::Parameter& parameter : instance.GetParameters()) {
-        ids.push_back(MakeParameterId(parameter.identifier));
+    for (uint32_t index = 0; index < values.size(); ++index) {
+        ids.push_back(MakeParameterId(At(index).identifier));
+        values[index] = At(index).defaultValue;
     }
     Forget();
 }
@@ -115,10 +116,7 @@ void Parameters::Set(Wrapper::Side side, uint32_t index, double value) noexcept
 
 double Parameters::Keep(uint32_t index, float normalised) noexcept
 {
-    // What the host has set may be finer than a normalised value.
-    if (At(index).ToNormalised(values[index]) != normalised) {
-        values[index] = At(index).FromNormalised(normalised);
-    }
+    TakeOver(index, normalised);
     lastWords[index] = none;
     isUIAhead = true;
     return values[index];
@@ -138,8 +136,15 @@ bool Parameters::Load(std::span<const uint8_t> session)
 void Parameters::Refresh() noexcept
 {
     for (uint32_t index = 0; index < Count(); ++index) {
-        values[index] = NearestValue(
-            At(index), At(index).FromNormalised(instance.GetParameter(Wrapper::Side::UI, index)));
+        TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index));
+    }
+}
+
+void Parameters::TakeOver(uint32_t index, float normalised) noexcept
+{
+    // A default, or what the host has set, is finer than a normalised value.
+    if (At(index).ToNormalised(values[index]) != normalised) {
+        values[index] = NearestValue(At(index), At(index).FromNormalised(normalised));
     }
 }
 

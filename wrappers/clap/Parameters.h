@@ -56,6 +56,7 @@ private:
     {
         return instance.GetParameters()[index];
     }
+    void TakeOver(uint32_t index, float normalised) noexcept;
     void Forget() noexcept;
 
     Wrapper::Instance& instance;

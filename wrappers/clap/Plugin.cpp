@@ -72,7 +72,7 @@ void Plugin::Deactivate()
     }
 }
 
-void Plugin::Reset() noexcept
+void Plugin::Reset() noexcept WRAPPER_NONBLOCKING
 {
     if (isActive) {
         instance->Reset();
@@ -149,7 +149,7 @@ void Plugin::OnGestureBegun(uint32_t parameter) noexcept
 
 void Plugin::OnParameterChanged(uint32_t parameter, float normalised) noexcept
 {
-    if (isReady) {
+    if (isReady && parameter < parameters->Count()) {
         Tell({Gesture::Kind::Change, parameter, parameters->Keep(parameter, normalised)});
     }
 }
@@ -169,7 +169,7 @@ void Plugin::OnStateChanged() noexcept
 
 void Plugin::Tell(const Gesture& gesture) noexcept
 {
-    if (!isReady) {
+    if (!isReady || gesture.parameter >= parameters->Count()) {
         return;
     }
     if (!gestures.Push(gesture)) {

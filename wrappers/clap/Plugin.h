@@ -6,6 +6,7 @@
 #include "wrappers/clap/Layouts.h"
 #include "wrappers/clap/Parameters.h"
 #include "wrappers/common/Instance.h"
+#include "wrappers/common/Realtime.h"
 
 #include <clap/plugin.h>
 
@@ -37,10 +38,12 @@ public:
     /// Takes the rate, in Hz, and the selected layout. False when they can't be served. Ends an
     /// earlier activity that the host has forgotten. [main]
     bool Activate(double newRate);
-    void Deactivate();                                                   ///< [main]
-    bool IsActive() const noexcept { return isActive; }                  ///< [any]
-    void Reset() noexcept;                                               ///< [process]
-    clap_process_status Process(const clap_process_t& process) noexcept; ///< [process]
+    void Deactivate();                                  ///< [main]
+    bool IsActive() const noexcept { return isActive; } ///< [any]
+    /// Forgets the signal. [process]
+    void Reset() noexcept WRAPPER_NONBLOCKING;
+    /// Events cut the block. An error, and the outputs as they are, while not active. [process]
+    clap_process_status Process(const clap_process_t& process) noexcept WRAPPER_NONBLOCKING;
     /// Does what other threads have asked for. [main]
     void OnMainThread();
 

@@ -82,7 +82,7 @@ struct Plugin::Block {
     bool isRefused = false;
 };
 
-clap_process_status Plugin::Process(const clap_process_t& process) noexcept
+clap_process_status Plugin::Process(const clap_process_t& process) noexcept WRAPPER_NONBLOCKING
 {
     if (!isActive) {
         return CLAP_PROCESS_ERROR;

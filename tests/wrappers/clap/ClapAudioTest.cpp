@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: ISC
+// The ports of the plug-in, and audio where this format has rules of its own. What should come out
+// is what the module gives when it is driven directly.
+#include "tests/wrappers/clap/support/ClapTest.h"
+
+#include <cmath>
+
+using ClapHost::InputEvents;
+using ClapHost::Plugin;
+using TestHost::Audio;
+
+using ClapAudioTest = ClapTest;
+
+namespace {
+
+struct Port {
+    uint32_t channels;
+    std::string type;
+    std::vector<uint8_t> speakers;
+};
+
+Port Describe(const Plugin& plugin, bool isInput)
+{
+    const auto* ports = plugin.Find<clap_plugin_audio_ports_t>(CLAP_EXT_AUDIO_PORTS);
+    EXPECT_EQ(ports->count(plugin.Get(), isInput), 1U);
+    clap_audio_port_info_t info{};
+    EXPECT_FALSE(ports->get(plugin.Get(), 1, isInput, &info));
+    EXPECT_TRUE(ports->get(plugin.Get(), 0, isInput, &info));
+    EXPECT_EQ(info.flags, uint32_t{CLAP_AUDIO_PORT_IS_MAIN});
+    clap_audio_port_info_t other{};
+    EXPECT_TRUE(ports->get(plugin.Get(), 0, !isInput, &other));
+    EXPECT_EQ(info.in_place_pair, other.id);
+
+    const auto* surround = plugin.Find<Clap::Abi::PluginSurround>(Clap::Abi::extSurround);
+    std::vector<uint8_t> map(info.channel_count, 99);
+    EXPECT_EQ(surround->getChannelMap(plugin.Get(), isInput, 0, map.data(), info.channel_count - 1),
+              0U);
+    EXPECT_EQ(surround->getChannelMap(plugin.Get(), isInput, 0, map.data(), info.channel_count),
+              info.channel_count);
+    uint64_t mask = 0;
+    for (const uint8_t speaker : map) {
+        mask |= uint64_t{1} << speaker;
+    }
+    EXPECT_TRUE(surround->isChannelMaskSupported(plugin.Get(), mask));
+    EXPECT_FALSE(surround->isChannelMaskSupported(plugin.Get(), mask | 1U << 17U));
+    return {info.channel_count, info.port_type, map};
+}
+
+} // namespace
+
+TEST_F(ClapAudioTest, EachConfigurationGivesItsPortsAndTheModulesAudio)
+{
+    Plugin plugin(host);
+    ASSERT_TRUE(plugin);
+    const auto* configs = plugin.Find<Clap::Abi::PluginAudioPortsConfig>("clap.audio-ports-config");
+    ASSERT_EQ(configs->count(plugin.Get()), 4U);
+    EXPECT_EQ(Describe(plugin, true).channels, 2U) << "until one is selected";
+    // Numbers of speakers as the format has them, in the order of wave files.
+    const Port expected[] = {{1, "mono", {2}},
+                             {2, "stereo", {0, 1}},
+                             {6, "surround", {0, 1, 2, 3, 4, 5}},
+                             {8, "surround", {0, 1, 2, 3, 4, 5, 9, 10}}};
+    for (const uint32_t index : {3U, 0U, 2U, 1U}) {
+        Clap::Abi::AudioPortsConfig config{};
+        ASSERT_TRUE(configs->get(plugin.Get(), index, &config));
+        SCOPED_TRACE(config.name);
+        EXPECT_EQ(config.mainInputChannelCount, expected[index].channels);
+        EXPECT_EQ(config.mainOutputPortType, expected[index].type);
+        ASSERT_TRUE(plugin.SelectConfig(config.id));
+        for (const bool isInput : {true, false}) {
+            const Port port = Describe(plugin, isInput);
+            EXPECT_EQ(port.channels, expected[index].channels);
+            EXPECT_EQ(port.type, expected[index].type);
+            EXPECT_EQ(port.speakers, expected[index].speakers);
+        }
+        ASSERT_TRUE(plugin.Activate(rate));
+        EXPECT_FALSE(plugin.SelectConfig(config.id)) << "not while active";
+        Audio audio = Speech(config.mainInputChannelCount);
+        const Audio repaired = Expected(audio);
+        ASSERT_NE(repaired, audio) << "the test needs something to repair";
+        Run(plugin, audio, 1000);
+        EXPECT_EQ(audio, repaired);
+        plugin.Deactivate();
+    }
+    Clap::Abi::AudioPortsConfig config{};
+    EXPECT_FALSE(configs->get(plugin.Get(), 4, &config));
+    EXPECT_FALSE(plugin.SelectConfig(3));
+    const uint32_t rescans = host.portRescans;
+    EXPECT_GT(rescans, 0U);
+    EXPECT_TRUE(plugin.SelectConfig(2)) << "as it is already";
+    EXPECT_EQ(host.portRescans, rescans);
+}
+
+TEST_F(ClapAudioTest, ARateIsTakenAtEachActivationOrRefused)
+{
+    Plugin plugin(host);
+    for (const double sampleRate : {8000.0, 192000.0, 1234.5678, 44100.0}) {
+        ASSERT_TRUE(plugin.Activate(sampleRate));
+        Audio audio = Speech(2);
+        Run(plugin, audio, 4096);
+        EXPECT_EQ(audio, Expected(Speech(2), 5.0F, sampleRate)) << sampleRate;
+        plugin.Deactivate();
+        for (const double bad : {0.0, -48000.0, 1e300, std::nan("")}) {
+            EXPECT_FALSE(plugin.Activate(bad)) << bad;
+        }
+    }
+    // A host that forgets to deactivate gets what it asks for all the same.
+    ASSERT_TRUE(plugin.Activate(96000));
+    ASSERT_TRUE(plugin.Activate(rate));
+    Audio audio = Speech(2);
+    Run(plugin, audio, 512);
+    EXPECT_EQ(audio, Expected(Speech(2)));
+}
+
+TEST_F(ClapAudioTest, MissingPortsAndChannelsDoNoHarm)
+{
+    Plugin plugin(host);
+    const Audio speech = Speech(2);
+    Audio audio = speech;
+    EXPECT_EQ(Run(plugin, audio, 0, 64), CLAP_PROCESS_ERROR) << "not active";
+    EXPECT_EQ(audio, speech);
+
+    ASSERT_TRUE(plugin.Activate(rate));
+    EXPECT_EQ(plugin.Process(nullptr, nullptr, 0, 64), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(plugin.Process(nullptr, nullptr, 0, 0), CLAP_PROCESS_TAIL);
+    float* nothing[2] = {nullptr, nullptr};
+    EXPECT_EQ(plugin.Process(nothing, nothing, 2, 64), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(plugin.Process(nothing, nothing, 2, 0), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(plugin.Get()->process(plugin.Get(), nullptr), CLAP_PROCESS_ERROR);
+    plugin.Flush(nullptr, nullptr);
+
+    // Double precision isn't offered, nor are lists of events required.
+    double samples[64] = {};
+    double* channels[2] = {samples, samples};
+    clap_audio_buffer_t port{};
+    port.data64 = channels;
+    port.channel_count = 2;
+    clap_process_t process{};
+    process.frames_count = 64;
+    process.audio_inputs = &port;
+    process.audio_outputs = &port;
+    process.audio_inputs_count = 1;
+    process.audio_outputs_count = 1;
+    EXPECT_EQ(plugin.Get()->process(plugin.Get(), &process), CLAP_PROCESS_TAIL);
+
+    plugin.Reset(); // all of the silence above is forgotten
+    const float* left[1] = {speech[0].data()};
+    float* out[1] = {audio[0].data()};
+    plugin.Process(left, out, 1, rate); // one channel of two
+    EXPECT_EQ(audio[0], Expected({speech[0], std::vector<float>(rate)})[0]);
+    EXPECT_EQ(audio[1], speech[1]);
+}
+
+TEST_F(ClapAudioTest, OutputsAreNotCalledConstant)
+{
+    Plugin plugin(host);
+    ASSERT_TRUE(plugin.Activate(rate));
+    Audio audio = Speech(2);
+    float* channels[2] = {audio[0].data(), audio[1].data()};
+    clap_audio_buffer_t port{channels, nullptr, 2, 0, 3};
+    clap_process_t process{};
+    process.frames_count = 512;
+    process.audio_inputs = &port;
+    process.audio_outputs = &port;
+    process.audio_inputs_count = 1;
+    process.audio_outputs_count = 1;
+    EXPECT_EQ(plugin.Get()->process(plugin.Get(), &process), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(port.constant_mask, 0U);
+}
+
+TEST_F(ClapAudioTest, AfterItsTailThePluginIsSilent)
+{
+    Plugin plugin(host);
+    ASSERT_TRUE(plugin.Activate(rate));
+    const auto* tail = plugin.Find<Clap::Abi::PluginTail>("clap.tail");
+    const uint32_t length = tail->get(plugin.Get());
+    Audio audio = Speech(2);
+    for (auto& channel : audio) {
+        channel.resize(rate + length + rate);
+    }
+    Run(plugin, audio, 512);
+    const auto loudest = [&](uint32_t begin, uint32_t end) {
+        float peak = 0;
+        for (uint32_t i = begin; i < end; ++i) {
+            peak = std::max(peak, std::abs(audio[0][i]));
+        }
+        return peak;
+    };
+    EXPECT_GT(loudest(rate, rate + length), 0.0F) << "sound was still on its way";
+    EXPECT_LT(loudest(rate + length, rate + length + rate), 1e-6F); // -120 dB
+}
+
+TEST_F(ClapAudioTest, RenderingIsOfferedForBothModesAndSoundsTheSame)
+{
+    Plugin plugin(host);
+    const auto* render = plugin.Find<Clap::Abi::PluginRender>("clap.render");
+    EXPECT_FALSE(render->hasHardRealtimeRequirement(plugin.Get()));
+    EXPECT_FALSE(render->set(plugin.Get(), 2));
+    ASSERT_TRUE(render->set(plugin.Get(), 1));
+    ASSERT_TRUE(plugin.Activate(rate));
+    Audio audio = Speech(2);
+    Run(plugin, audio, rate);
+    EXPECT_EQ(audio, Expected(Speech(2)));
+    EXPECT_TRUE(render->set(plugin.Get(), 0));
+}
+
+TEST_F(ClapAudioTest, AHostThatOffersNothingIsServed)
+{
+    host.offersExtensions = false;
+    Plugin plugin(host);
+    ASSERT_TRUE(plugin);
+    ASSERT_TRUE(plugin.SelectConfig(1));
+    ASSERT_TRUE(plugin.Activate(96000));
+    ASSERT_TRUE(plugin.Load(plugin.Save()));
+    plugin.Deactivate();
+    EXPECT_EQ(plugin.Get()->get_extension(plugin.Get(), "clap.gui"), nullptr);
+    EXPECT_EQ(plugin.Get()->get_extension(plugin.Get(), ""), nullptr);
+}

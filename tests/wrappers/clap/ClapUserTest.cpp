@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: ISC
+// What a user does in the editor on its way to the host, with a module that plays the user; and
+// where the module finds itself in the host's transport.
+#include "tests/wrappers/clap/support/ClapTest.h"
+
+using ClapHost::InputEvents;
+using ClapHost::OutputEvents;
+using ClapHost::Plugin;
+
+using Texts = std::vector<std::string>;
+
+namespace {
+
+class ClapUserTest : public ClapTest {
+protected:
+    void SetUp() override
+    {
+        setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
+        ClapTest::SetUp();
+        ASSERT_TRUE(plugin.emplace(host));
+        const clap_param_info_t info = Find(*plugin, "Amount");
+        amount = std::to_string(info.id);
+        amountId = info.id;
+    }
+    void TearDown() override
+    {
+        plugin.reset();
+        ClapTest::TearDown();
+        unsetenv("PUFFGUARD_MODULE");
+    }
+
+    /// What the user does; see the module.
+    void Do(uint8_t deed, uint8_t parameter = 0, uint8_t value = 0)
+    {
+        // The byte in the middle is where a state shows that it is one.
+        const std::vector<uint8_t> state = {deed, parameter, value, 0, 8, 0, 0, 0};
+        ASSERT_TRUE(plugin->Load(ClapHost::MakeSession(state)));
+    }
+
+    std::optional<Plugin> plugin;
+    std::string amount;
+    clap_id amountId = 0;
+};
+
+} // namespace
+
+TEST_F(ClapUserTest, AGestureReachesTheHostWholeByFlushOrBlock)
+{
+    const Texts expected = {"begin " + amount, amount + " = 51.000000", "end " + amount};
+    Do('g', 0, 51);
+    EXPECT_EQ(host.flushes, 3U);
+    EXPECT_EQ(plugin->GetValue(amountId), 51.0);
+    OutputEvents flushed;
+    plugin->Flush(nullptr, &flushed);
+    EXPECT_EQ(flushed.texts, expected);
+
+    ASSERT_TRUE(plugin->Activate(rate));
+    Do('g', 0, 51);
+    OutputEvents processed;
+    plugin->Process(nullptr, nullptr, 0, 64, nullptr, &processed);
+    EXPECT_EQ(processed.texts, expected);
+    plugin->Process(nullptr, nullptr, 0, 64, nullptr, &processed);
+    EXPECT_EQ(processed.texts, expected) << "once only";
+}
+
+TEST_F(ClapUserTest, WhatTheHostDoesNotTakeNowWaitsForItsNextChance)
+{
+    Do('g', 0, 51);
+    Do('g', 0, 102);
+    OutputEvents first;
+    first.capacity = 2;
+    plugin->Flush(nullptr, &first);
+    plugin->Flush(nullptr, nullptr);
+    OutputEvents rest;
+    plugin->Flush(nullptr, &rest);
+    EXPECT_EQ(first.texts, (Texts{"begin " + amount, amount + " = 51.000000"}));
+    EXPECT_EQ(
+        rest.texts,
+        (Texts{"end " + amount, "begin " + amount, amount + " = 102.000000", "end " + amount}));
+}
+
+TEST_F(ClapUserTest, WhenTooMuchWaitsTheHostIsToldToReadTheValues)
+{
+    const uint32_t former = host.valueRescans;
+    Do('f');
+    const uint32_t loaded = host.valueRescans;
+    EXPECT_EQ(loaded, former + 1) << "the loading itself";
+    plugin->Idle();
+    EXPECT_EQ(host.valueRescans, loaded + 1);
+    OutputEvents out;
+    plugin->Flush(nullptr, &out);
+    EXPECT_EQ(out.texts.front(), "begin " + amount);
+    EXPECT_GT(out.texts.size(), 100U);
+}
+
+TEST_F(ClapUserTest, AParameterThatIsNoneIsNotPassedOn)
+{
+    Do('g', 2, 51);
+    OutputEvents out;
+    plugin->Flush(nullptr, &out);
+    EXPECT_EQ(out.texts, Texts{});
+}
+
+TEST_F(ClapUserTest, AChangedStateMarksTheSessionOnTheMainThread)
+{
+    Do('s');
+    EXPECT_EQ(host.dirtyMarks, 0U);
+    plugin->Idle();
+    EXPECT_EQ(host.dirtyMarks, 1U);
+    plugin->Idle();
+    EXPECT_EQ(host.dirtyMarks, 1U);
+}
+
+TEST_F(ClapUserTest, ALatencyThatComesBackAsksForNothing)
+{
+    ASSERT_TRUE(plugin->Activate(rate));
+    Do('l', 100);
+    Do('l', 0);
+    plugin->Idle();
+    EXPECT_EQ(host.restarts, 0U);
+    Do('l', 100);
+    plugin->Idle();
+    EXPECT_EQ(host.restarts, 1U);
+}
+
+TEST_F(ClapUserTest, AChoiceIsMadeOfWholeNumbersAndNames)
+{
+    const clap_param_info_t mode = Find(*plugin, "Mode");
+    EXPECT_EQ(mode.flags, uint32_t{CLAP_PARAM_IS_AUTOMATABLE} | CLAP_PARAM_IS_STEPPED | 1U << 16U);
+    EXPECT_EQ(mode.max_value, 2.0);
+    const auto* params = plugin->Find<clap_plugin_params_t>(CLAP_EXT_PARAMS);
+    char text[16] = {};
+    EXPECT_TRUE(params->value_to_text(plugin->Get(), mode.id, 1.0, text, sizeof text));
+    EXPECT_STREQ(text, "Middle");
+    double value = 0;
+    EXPECT_TRUE(params->text_to_value(plugin->Get(), mode.id, "High", &value));
+    EXPECT_EQ(value, 2.0);
+    InputEvents events;
+    events.AddValue(0, mode.id, 1.4);
+    plugin->Flush(&events, nullptr);
+    EXPECT_EQ(plugin->GetValue(mode.id), 1.0);
+}
+
+TEST_F(ClapUserTest, SamplesHaveTheirPlaceInATransportThatRuns)
+{
+    ASSERT_TRUE(plugin->Activate(1000));
+    std::vector<float> left(10);
+    std::vector<float> right(10);
+    float* channels[2] = {left.data(), right.data()};
+    const auto run = [&](std::optional<double> seconds, const InputEvents* events) {
+        const clap_event_transport_t transport = InputEvents::MakeTransport(0, seconds);
+        plugin->Process(channels, channels, 2, 10, events, nullptr, &transport);
+        return left;
+    };
+    using Samples = std::vector<float>;
+    // A change of a value cuts the block, which is no jump in time.
+    InputEvents value;
+    value.AddValue(3, amountId, 7.0);
+    EXPECT_EQ(run(2.5, &value),
+              (Samples{2500, 2501, 2502, 2503, 2504, 2505, 2506, 2507, 2508, 2509}));
+    EXPECT_EQ(run(std::nullopt, nullptr), Samples(10, -1));
+    InputEvents jumps;
+    jumps.AddTransport(2, 0.5);
+    jumps.AddTransport(6, std::nullopt);
+    jumps.AddTransport(8, 0.25);
+    EXPECT_EQ(run(2.5, &jumps), (Samples{2500, 2501, 500, 501, 502, 503, -1, -1, 250, 251}));
+    plugin->Process(channels, channels, 2, 10);
+    EXPECT_EQ(left, Samples(10, -1)) << "a host without transport";
+}

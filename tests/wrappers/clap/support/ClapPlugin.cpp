@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include "tests/contract/support/AudioCall.h"
 #include "tests/wrappers/clap/support/ClapHost.h"
 
 #include <algorithm>
@@ -95,6 +96,7 @@ clap_process_status Plugin::Process(const float* const* inputs,
     process.in_events = (in != nullptr ? in : &noInput)->Get();
     process.out_events = (out != nullptr ? out : &noOutput)->Get();
     const AudioScope scope;
+    const Contract::AudioCall call;
     return plugin->process(plugin, &process);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 // The processing side of the built module keeps off the heap and the system, and takes no lock but
 // the stated ones, from its first block on.
+#include "tests/realtime/Clean.h"
 #include "tests/realtime/Probe.h"
 #include "tests/support/ModuleHost.h"
 
@@ -11,53 +12,15 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <functional>
 #include <limits>
-#include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
 
+using namespace Realtime;
 using namespace TestHost;
-
-/// The name of the critical section whose lock this is; the lock stands behind the name.
-std::string NameOf(const void* lock)
-{
-    static_assert(sizeof(Util::CriticalSection) == sizeof(String) + sizeof(std::recursive_mutex));
-    const auto* section = static_cast<const std::byte*>(lock) - sizeof(String);
-    return reinterpret_cast<const Util::CriticalSection*>(section)->GetName().ToStdString();
-}
-
-/// The locks that the audio thread may take, as docs/threads.md lists them.
-bool IsStated(std::string_view name)
-{
-    return name == "PluginCore Processing CritSec" || name == "PluginMemoryPool Critical Section" ||
-           name.ends_with("Process FIFO Read Lock") || name.ends_with("UI FIFO Write Lock");
-}
-
-bool IsRecursive(const void* lock)
-{
-    // Set when the lock is made and not changed since. Only critical sections are recursive; the
-    // plain locks of queues and timers have no name to be read.
-    return static_cast<const pthread_mutex_t*>(lock)->__data.__kind == PTHREAD_MUTEX_RECURSIVE;
-}
-
-void ExpectClean(const Probe::Report& report, const std::string& where)
-{
-    EXPECT_EQ(report.heapCalls, 0U) << where;
-    EXPECT_EQ(report.waits, 0U) << where;
-    EXPECT_EQ(report.systemCalls, 0U) << where << ": system call " << report.systemCall;
-    for (std::size_t i = 0; i < report.lockCount; ++i) {
-        const void* lock = report.locks[i];
-        if (!IsRecursive(lock))
-            ADD_FAILURE() << where << ": a plain lock";
-        else
-            EXPECT_TRUE(IsStated(NameOf(lock))) << where << ": \"" << NameOf(lock) << '"';
-    }
-}
 
 /// Runs all of `audio` under the probe, calling `between` with the block's number before each block
 /// but unwatched.

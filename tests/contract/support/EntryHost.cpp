@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The module without any format around it: what all of them should come to.
+#include "tests/contract/support/AudioCall.h"
 #include "tests/contract/support/FormatHost.h"
 #include "tests/support/ModuleHost.h"
 
@@ -60,6 +61,7 @@ public:
         ProcessRecord record{};
         record.frames = frames;
         record.channels = pointers;
+        const AudioCall scope;
         Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
     }
 

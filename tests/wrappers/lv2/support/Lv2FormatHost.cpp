@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include "tests/contract/support/AudioCall.h"
 #include "tests/contract/support/FormatHost.h"
 #include "tests/support/ModuleHost.h"
 #include "tests/wrappers/lv2/support/Lv2Host.h"
@@ -152,7 +153,10 @@ private:
         for (size_t port = 0; port < wanted.size(); ++port) {
             plugin.controls[port] = wanted[port];
         }
-        plugin.Run(frames);
+        {
+            const AudioCall scope;
+            plugin.Run(frames);
+        }
         latency = static_cast<uint32_t>(plugin.controls[Lv2Host::Latency]);
     }
 

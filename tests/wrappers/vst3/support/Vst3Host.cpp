@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "tests/wrappers/vst3/support/Vst3Host.h"
 
+#include "tests/contract/support/AudioCall.h"
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -131,6 +133,7 @@ int32_t Plugin::Process(const float* const* inputs,
     data.input_params = reinterpret_cast<v3_param_changes**>(context.input);
     data.output_params = reinterpret_cast<v3_param_changes**>(context.output);
     data.ctx = context.transport;
+    const Contract::AudioCall scope;
     return processor->Process(&data);
 }
 

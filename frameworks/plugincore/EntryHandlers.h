@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/PluginCore.h"
+#include "frameworks/qobase/util/Realtime.h"
 
 // One function a selector, called once the call's form has been tested and its lock is held. Each
 // answers a code of PluginCoreResult. `data` is the selector's record.
@@ -43,7 +44,7 @@ uint32_t GetLatency(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t ResetProcessing(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t SetProcessingState(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t Settle(PluginCore& plugin, DSP::Context context, void* data);
-uint32_t Process(PluginCore& plugin, DSP::Context context, void* data);
+uint32_t Process(PluginCore& plugin, DSP::Context context, void* data) UTIL_NONBLOCKING;
 uint32_t ProcessSidePass(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t TransformQuery(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t TransformNotify(PluginCore& plugin, DSP::Context context, void* data);

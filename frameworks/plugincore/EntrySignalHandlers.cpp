@@ -35,7 +35,7 @@ uint32_t Settle(PluginCore& plugin, DSP::Context /*context*/, void* /*data*/)
     return PluginCoreSuccess;
 }
 
-uint32_t Process(PluginCore& plugin, DSP::Context /*context*/, void* data)
+uint32_t Process(PluginCore& plugin, DSP::Context /*context*/, void* data) UTIL_NONBLOCKING
 {
     const auto& record = As<ProcessRecord>(data);
     if (record.frames == 0) {

@@ -78,7 +78,7 @@ void Plugin::Deactivate()
     instance->Deactivate();
 }
 
-void Plugin::Run(uint32_t frames) noexcept
+void Plugin::Run(uint32_t frames) noexcept WRAPPER_NONBLOCKING
 {
     ReadControls(frames);
     instance->Process({inputs.data(), outputs.data(), frames}, std::nullopt);

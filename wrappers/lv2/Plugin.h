@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wrappers/common/Instance.h"
+#include "wrappers/common/Realtime.h"
 #include "wrappers/lv2/HostFeatures.h"
 #include "wrappers/lv2/Ports.h"
 #include "wrappers/lv2/Variants.h"
@@ -28,7 +29,7 @@ public:
     void ConnectPort(uint32_t index, void* data) noexcept;
     void Activate();
     /// Any number of frames. [process]
-    void Run(uint32_t frames) noexcept;
+    void Run(uint32_t frames) noexcept WRAPPER_NONBLOCKING;
     void Deactivate();
 
     LV2_State_Status Save(LV2_State_Store_Function store, LV2_State_Handle handle);

@@ -16,26 +16,28 @@ from pathlib import Path
 
 UTIL, ENTRY = "frameworks/qobase/util", "frameworks/plugincore/entry"
 DSP, CORE = "frameworks/plugincore/dsp", "frameworks/plugincore"
+KERNELS = "frameworks/plugincore/dsp/kernels"
 FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
 CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/preset"
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
 PRODUCT = "restoration/plugin_LM_Puffguard"
-EVERYTHING = {UTIL, ENTRY, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY, REPAIR,
-              PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2", "wrappers/clap",
-              "wrappers/vst3"}
+EVERYTHING = {UTIL, ENTRY, KERNELS, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY,
+              REPAIR, PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2",
+              "wrappers/clap", "wrappers/vst3"}
 
 # Folder: the folders that its files may include, besides itself. The longest match counts.
 ARROWS = {
     UTIL: set(),
     ENTRY: set(),
-    DSP: {ENTRY, UTIL},
+    KERNELS: {UTIL},
+    DSP: {KERNELS, ENTRY, UTIL},
     CONTROLLER: {DSP, UTIL},
     PRESET: {CONTROLLER, DSP, UTIL},
     HISTORY: {UTIL},
     HISTORY_DIALOG: {HISTORY, UTIL},
     CORE: {CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
     FAMILY: {CORE, CONTROLLER, PRESET, DSP, ENTRY, UTIL},
-    REPAIR: {DSP, ENTRY, UTIL},
+    REPAIR: {DSP, KERNELS, ENTRY, UTIL},
     PRODUCT: {FAMILY, REPAIR, HISTORY_DIALOG, CORE, CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
     "wrappers/cli": {"wrappers/common"},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/puffguard/VectorOps.h"
 
 #include <algorithm>
@@ -94,15 +95,16 @@ void OversampledFilterbank::AnalyseFrame(const float* tail,
                                          int32_t start,
                                          float* spectrum) noexcept UTIL_NONBLOCKING
 {
+    const Kernels::OverlapKernels& kernels = Kernels::GetKernels().overlap;
     // `start` counts from the first new sample; what lies before it is in the tail.
     const int32_t fromTail = std::max(0, -start);
     const float* const window = windows.analysis.data();
-    VectorOps::Multiply(tail + (overlap - fromTail), window, frame.data(), Size(fromTail));
+    kernels.multiply(tail + (overlap - fromTail), window, frame.data(), Size(fromTail));
     if (fromTail < windowLength) {
-        VectorOps::Multiply(input + (fromTail + start),
-                            window + fromTail,
-                            frame.data() + fromTail,
-                            Size(windowLength - fromTail));
+        kernels.multiply(input + (fromTail + start),
+                         window + fromTail,
+                         frame.data() + fromTail,
+                         Size(windowLength - fromTail));
     }
     VectorOps::Zero(frame.data() + windowLength, Size(fftSize - windowLength));
     fft->Forward(frame.data(), spectrum);
@@ -139,6 +141,7 @@ void OversampledFilterbank::synthesise(float* const* output,
                                        int32_t outputOffset,
                                        int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
 {
+    const Kernels::OverlapKernels& kernels = Kernels::GetKernels().overlap;
     const int32_t finished = std::min(sampleCount, overlap);
     for (int32_t channel = 0; channel < channels; ++channel) {
         float* const target = output[channel] + outputOffset;
@@ -156,9 +159,8 @@ void OversampledFilterbank::synthesise(float* const* output,
             const int32_t begin = hop * f;
             const int32_t now = std::min(sampleCount - begin, windowLength);
             const float* const window = windows.synthesis.data();
-            VectorOps::MultiplyAdd(frame.data(), window, target + begin, Size(now));
-            VectorOps::MultiplyAdd(
-                frame.data() + now, window + now, tail, Size(windowLength - now));
+            kernels.multiplyAdd(frame.data(), window, target + begin, Size(now));
+            kernels.multiplyAdd(frame.data() + now, window + now, tail, Size(windowLength - now));
         }
     }
 }

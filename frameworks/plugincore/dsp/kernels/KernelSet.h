@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/kernels/Level.h"
+#include "frameworks/plugincore/dsp/kernels/Overlap.h"
+
+namespace DSP::Kernels {
+
+/// The kernels of one level, by the header that tells what they do.
+struct KernelSet {
+    const OverlapKernels& overlap;
+};
+
+/// The kernels that this processor runs best. [any]
+const KernelSet& GetKernels() noexcept;
+
+/// The kernels of a level; it must be supported. For tests, which compare the levels. [any]
+const KernelSet& GetKernels(Level level) noexcept;
+
+} // namespace DSP::Kernels

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <array>
+
+/// Inner loops that are compiled once for each level of the processor, from the same source.
+///
+/// Every level gives the same bits: what is computed, and in which order, never depends on the
+/// number of lanes. Which level runs is chosen when the module loads; code outside this folder
+/// takes a kernel from GetKernels() and knows nothing of levels.
+namespace DSP::Kernels {
+
+/// Sets of instructions, each with all of those before it.
+enum class Level {
+    Baseline, ///< what every processor of the architecture has
+    V3,       ///< AVX2: 8 lanes
+    V4        ///< AVX-512: 16 lanes
+};
+
+inline constexpr std::array AllLevels{Level::Baseline, Level::V3, Level::V4};
+
+/// Whether this build has the level and this processor can run it. [any]
+bool IsSupported(Level level) noexcept;
+
+/// The level that runs: the highest supported one, but none above what the environment variable
+/// PUFFGUARD_CPU names (baseline, v3 or v4; anything else is no limit). It was read when the module
+/// was loaded. [any]
+Level GetLevel() noexcept;
+
+/// The highest supported level up to the one that `name` stands for; null or an unknown name is no
+/// limit. [any]
+Level ChooseLevel(const char* name) noexcept;
+
+} // namespace DSP::Kernels

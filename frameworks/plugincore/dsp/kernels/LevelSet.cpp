@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: ISC
+// Compiled for each level.
+#include "frameworks/plugincore/dsp/kernels/LevelSets.h"
+
+namespace DSP::Kernels::PUFFGUARD_LEVEL {
+
+// Complete before any code of the module runs.
+constinit const KernelSet kernelSet = {
+    .overlap = overlap,
+};
+
+} // namespace DSP::Kernels::PUFFGUARD_LEVEL

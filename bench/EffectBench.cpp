@@ -32,7 +32,7 @@ struct Work {
             mainSize *= 2;
         }
         const auto sizes = DSP::Synapse::AnalysisSizes::ForRate(static_cast<double>(sampleRate));
-        trackerSize = DSP::Autocorr(sizes.maxLag).GetFftSize();
+        trackerSize = DSP::Autocorr(sizes.minLag, sizes.maxLag).GetFftSize();
         mainPairs =
             static_cast<int>(frames) / (mainSize / FramesPerWindow) * static_cast<int>(channels);
         trackerPairs = static_cast<int>(frames) / sizes.analysisHop;

@@ -7,6 +7,8 @@
 #include "frameworks/plugincore/dsp/FFTPool.h"
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+#include "restoration/dsp/puffguard/pitch/Autocorr.h"
+#include "restoration/dsp/puffguard/pitch/FrameHistory.h"
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
 
 #include <cstddef>
@@ -55,16 +57,27 @@ void PrintTransform(int order)
     });
 }
 
-void PrintTrackerRun(double sampleRate)
+/// All runs of the tracker that one call can have.
+void PrintTrackerRuns(double sampleRate)
 {
+    constexpr int Runs = DSP::Autocorr::MaxFrames;
     const auto sizes = DSP::Synapse::AnalysisSizes::ForRate(sampleRate);
+    DSP::Autocorr autocorr(sizes.minLag, sizes.maxLag);
     DSP::Synapse::LagTracker tracker(sizes, 64);
+    DSP::Synapse::FrameHistory history(autocorr.GetFrameLength(),
+                                       sizes.analysisHop / sizes.decimation);
     const std::vector<float> signal = MakeSpeech(1, sizes.decimatedRate, 4)[0];
-    const auto step = static_cast<std::size_t>(sizes.analysisHop / sizes.decimation);
     std::size_t position = 0;
-    PrintKernel("run of the pitch tracker", tracker.GetFftSize(), [&] {
-        position = (position + step) % signal.size();
-        tracker.Run(signal, position);
+    PrintKernel("16 runs of the tracker", autocorr.GetFftSize(), [&] {
+        while (history.GetDueCount() < Runs) {
+            history.Append(signal[position]);
+            position = (position + 1) % signal.size();
+        }
+        autocorr.Compute(history.GetFrames(), Runs);
+        history.DropFrames();
+        for (int run = 0; run < Runs; ++run) {
+            tracker.Run(autocorr.GetCorrelation(run), autocorr.GetFirstLag(run));
+        }
     });
 }
 
@@ -98,7 +111,7 @@ void PrintKernelRatios()
         PrintTransform(order);
     }
     for (const int sampleRate : {44100, 48000, 96000}) {
-        PrintTrackerRun(sampleRate);
+        PrintTrackerRuns(sampleRate);
         PrintFilterbankHop(sampleRate);
     }
 }

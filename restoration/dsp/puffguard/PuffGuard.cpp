@@ -241,8 +241,7 @@ void PuffGuard::Analyse(float* const* channels) noexcept UTIL_NONBLOCKING
 float PuffGuard::TrackPitch(float* const* channels)
 {
     pitchDetect.Process(hopSize, channels);
-    const std::span<const float> pitches = pitchDetect.GetPitches();
-    const float pitch = pitches.empty() ? 0.0F : pitches.back();
+    const float pitch = pitchDetect.GetPitch();
     pitchHistory.append(&pitch, 1, 0);
     return pitch;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/Correlation.h"
 #include "frameworks/plugincore/dsp/kernels/Level.h"
 #include "frameworks/plugincore/dsp/kernels/Overlap.h"
 
@@ -8,6 +9,7 @@ namespace DSP::Kernels {
 
 /// The kernels of one level, by the header that tells what they do.
 struct KernelSet {
+    const CorrelationKernels& correlation;
     const OverlapKernels& overlap;
 };
 

@@ -13,6 +13,7 @@
 
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
+extern const CorrelationKernels correlation;
 extern const OverlapKernels overlap;
 
 extern const KernelSet kernelSet;

@@ -12,7 +12,6 @@ namespace {
 constexpr double LeastRateHz = 4000.0;
 constexpr double LowestPitchHz = 45.0;
 constexpr double HighestPitchHz = 650.0;
-constexpr double RingSeconds = 0.8;
 constexpr double RunSeconds = 0.00056;
 constexpr int LeastHop = 8;
 
@@ -36,11 +35,6 @@ AnalysisSizes AnalysisSizes::ForRate(double sampleRate)
     sizes.analysisHop = HopFor(rate);
     sizes.minLag = (static_cast<int>(rate / HighestPitchHz) + 3) / sizes.decimation;
     sizes.maxLag = static_cast<int>(rate / LowestPitchHz) / sizes.decimation;
-    // Whole hops and whole decimation steps, so that both stay in phase where the ring wraps.
-    const auto length = static_cast<std::size_t>(std::lround(rate * RingSeconds)) +
-                        static_cast<std::size_t>(sizes.analysisHop) * 64;
-    const auto mask = static_cast<std::size_t>(std::max(3, sizes.analysisHop - 1));
-    sizes.ringLength = length & ~mask;
     sizes.decimatedRate = static_cast<float>(rate / sizes.decimation);
     // The decimation counts twice here, on purpose: the tracker's time constants were tuned to it.
     sizes.trackerRate = static_cast<float>(rate / sizes.decimation / sizes.analysisHop);

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Autocorr.h"
 
-#include "restoration/dsp/puffguard/VectorOps.h"
-
 #include <cmath>
-#include <cstddef>
 #include <numbers>
 
 namespace DSP {
@@ -13,61 +10,116 @@ namespace {
 
 constexpr double FramePerLag = 1.8;
 
-} // namespace
-
-int Autocorr::OrderFor(int length)
+double Turn(int part, int whole)
 {
-    int order = 3;
-    while ((1 << order) < length) {
-        ++order;
-    }
-    return order;
+    return 2.0 * std::numbers::pi * part / whole;
 }
 
-Autocorr::Autocorr(int maxLag)
-    : frameLength(static_cast<int>(maxLag * FramePerLag))
-    , fftOrder(OrderFor(frameLength + maxLag))
-    , fftSize(1 << fftOrder)
-    , transform(fftOrder)
-    , cosineTransform(fftOrder - 1)
-    , window(static_cast<std::size_t>(frameLength))
-    , compensation(static_cast<std::size_t>(maxLag) + 1)
-    , frame(static_cast<std::size_t>(fftSize))
-    , spectrum(static_cast<std::size_t>(fftSize) + 2)
-    , magnitudes(static_cast<std::size_t>(fftSize) / 2 + 1)
+/// Where the stages in place put the element of this index.
+int GetPlace(int index, int length)
+{
+    if (length <= 8) {
+        return index;
+    }
+    const int quarter = length / 4;
+    return index % 4 * quarter + GetPlace(index / 4, quarter);
+}
+
+} // namespace
+
+Autocorr::TransformTables::TransformTables(int length)
+{
+    for (int stage = length; stage > 8; stage /= 4) {
+        for (int p = 0; p < stage / 4; ++p) {
+            for (int factor = 1; factor < 4; ++factor) {
+                factors.push_back(static_cast<float>(std::cos(Turn(factor * p, stage))));
+                factors.push_back(static_cast<float>(-std::sin(Turn(factor * p, stage))));
+            }
+        }
+    }
+    for (int k = 0; k < length / 2; ++k) {
+        separation.push_back(static_cast<float>(0.5 * std::cos(Turn(k, 2 * length))));
+        separation.push_back(static_cast<float>(0.5 * std::sin(Turn(k, 2 * length))));
+    }
+    for (int index = 0; index < length; ++index) {
+        order.push_back(GetPlace(index, length));
+    }
+}
+
+Kernels::TransformPlan Autocorr::TransformTables::GetPlan() const noexcept
+{
+    return {.length = static_cast<std::ptrdiff_t>(order.size()),
+            .factors = factors.data(),
+            .separation = separation.data(),
+            .order = order.data()};
+}
+
+int Autocorr::SizeFor(int length)
+{
+    int size = 64;
+    while (size < length) {
+        size *= 2;
+    }
+    return size;
+}
+
+Autocorr::Autocorr(int minLag, int maxLag, const Kernels::CorrelationKernels& newKernels)
+    : kernels(newKernels)
+    , frameLength(static_cast<int>(maxLag * FramePerLag))
+    , fftSize(SizeFor(frameLength + maxLag))
+    , lagCount(maxLag + 1)
+    , whole(fftSize / 2)
+    , half(fftSize / 4)
+{
+    MakeFoldTables();
+    MakeLagTables();
+    plan = {.frameLength = frameLength,
+            .minLag = minLag,
+            .maxLag = maxLag,
+            .whole = whole.GetPlan(),
+            .half = half.GetPlan(),
+            .window = window.data(),
+            .sines = sines.data(),
+            .cosines = cosines.data(),
+            .compensation = compensation.data()};
+    scratch.resize(static_cast<std::size_t>(Kernels::GetCorrelationScratch(plan)));
+    correlations.resize(static_cast<std::size_t>(MaxFrames) *
+                        static_cast<std::size_t>(Kernels::GetCorrelationStride(maxLag)));
+}
+
+void Autocorr::MakeFoldTables()
+{
+    for (int j = 0; j < fftSize / 4; ++j) {
+        sines.push_back(static_cast<float>(std::sin(Turn(j, fftSize))));
+        cosines.push_back(static_cast<float>(std::cos(Turn(j, fftSize))));
+    }
+}
+
+void Autocorr::MakeLagTables()
 {
     using std::numbers::pi;
     const double n = frameLength;
-    for (std::size_t i = 0; i < window.size(); ++i) {
-        const double position = static_cast<double>(i) + 0.5;
-        window[i] = static_cast<float>(1.0 - std::cos(2.0 * pi * position / n));
+    for (int i = 0; i < frameLength; ++i) {
+        window.push_back(static_cast<float>(1.0 - std::cos(2.0 * pi * (i + 0.5) / n)));
     }
-    for (std::size_t i = 0; i < compensation.size(); ++i) {
-        const auto lag = static_cast<double>(i);
-        compensation[i] = static_cast<float>((1.0 - std::cos(lag * 0.5 * pi / n)) * 4.0 + 1.0);
+    window.push_back(0); // samples go through in pairs
+    for (int lag = 0; lag < lagCount; ++lag) {
+        compensation.push_back(
+            static_cast<float>((1.0 - std::cos(lag * 0.5 * pi / n)) * 4.0 + 1.0));
     }
 }
 
-void Autocorr::Compute(std::span<const float> older,
-                       std::span<const float> newer,
-                       std::span<float> correlation) noexcept UTIL_NONBLOCKING
+void Autocorr::Compute(const Kernels::PolyphaseView& source, int frames) noexcept UTIL_NONBLOCKING
 {
-    const std::size_t split = older.size();
-    VectorOps::Multiply(older.data(), window.data(), frame.data(), split);
-    VectorOps::Multiply(newer.data(), window.data() + split, frame.data() + split, newer.size());
-    transform.Forward(frame.data(), spectrum.data());
-    for (std::size_t bin = 0; bin < magnitudes.size(); ++bin) {
-        const float re = spectrum[2 * bin];
-        const float im = spectrum[2 * bin + 1];
-        magnitudes[bin] = std::sqrt(re * re + im * im);
-    }
-    cosineTransform.Transform(magnitudes, correlation);
+    kernels.correlate(
+        plan, source, frames, scratch.data(), {correlations.data(), firstLags.data()});
 }
 
-void Autocorr::CompensateWindow(std::span<float> correlation) const noexcept UTIL_NONBLOCKING
+std::span<float> Autocorr::GetCorrelation(int frame) noexcept UTIL_NONBLOCKING
 {
-    VectorOps::MultiplyInPlace(compensation.data(), correlation.data(), compensation.size());
-    VectorOps::ClampBelow(0.0F, correlation.data(), compensation.size());
+    const auto stride = static_cast<std::size_t>(Kernels::GetCorrelationStride(plan.maxLag));
+    return std::span(correlations)
+        .subspan(stride * static_cast<std::size_t>(frame), static_cast<std::size_t>(lagCount) + 1);
 }
 
 } // namespace DSP

@@ -1,51 +1,85 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "frameworks/qobase/util/Realtime.h"
-#include "restoration/dsp/puffguard/pitch/CosineTransform.h"
 
+#include <array>
+#include <cstddef>
 #include <span>
 #include <vector>
 
 namespace DSP {
 
-/// Autocorrelation of a windowed frame, derived from its magnitude spectrum.
+/// Autocorrelations of windowed frames, derived from their magnitude spectra, and ready for a
+/// search of their peaks.
+///
+/// For each frame: window w[i] = 1 - cos(2 pi (i + 1/2) / n), magnitudes of its transform of F
+/// samples, the cosine transform of these, a weight by lag that makes up for the window's fall,
+/// negative values set to 0. From where the fall from lag 0 has ended, every lag loses what it owes
+/// to a peak at half of it, which shows a false pitch one octave below.
 ///
 /// Magnitudes instead of powers flatten the spectrum, so that a strong formant weighs less against
-/// the harmonics that tell the pitch. Sizes: maxLag in samples; frame length n = 1.8 * maxLag,
-/// truncated; FFT size F the smallest power of two, at least 8, not below n + maxLag.
+/// the harmonics that tell the pitch. Frames go through side by side; each comes to the same bits
+/// as it would alone. The cosine transform takes a transform of half the size, after W. H. Press et
+/// al., "Numerical Recipes", chapter on sine and cosine transforms.
+///
+/// Sizes: lags in samples; frame length n = 1.8 * maxLag, truncated; F the smallest power of two
+/// not below n + maxLag.
 class Autocorr {
 public:
-    /// Makes tables and buffers. `maxLag` from 1 to 20000. [setup]
-    explicit Autocorr(int maxLag);
+    static constexpr int MaxFrames = Kernels::MaxFrames; ///< frames of one call
 
-    /// Autocorrelation of the n samples of `older` followed by `newer` for lags 0..maxLag into
-    /// `correlation`, which holds maxLag + 1 floats. [process]
-    void Compute(std::span<const float> older,
-                 std::span<const float> newer,
-                 std::span<float> correlation) noexcept UTIL_NONBLOCKING;
+    /// Makes tables and buffers. `maxLag` from 32 to 20000, `minLag` from 1 to `maxLag`. The
+    /// kernels are those that the processor runs best unless a test says others. [setup]
+    Autocorr(int minLag,
+             int maxLag,
+             const Kernels::CorrelationKernels& newKernels = Kernels::GetKernels().correlation);
 
-    /// Makes up for the window's fall over long lags and sets negative values to 0, for the lags
-    /// 0..maxLag of `correlation`. [process]
-    void CompensateWindow(std::span<float> correlation) const noexcept UTIL_NONBLOCKING;
+    /// Takes 1 to MaxFrames frames. [process]
+    void Compute(const Kernels::PolyphaseView& source, int frames) noexcept UTIL_NONBLOCKING;
+
+    /// Correlation of a frame of the latest call for the lags 0..maxLag, and a 0; the caller may
+    /// change it. [process]
+    std::span<float> GetCorrelation(int frame) noexcept UTIL_NONBLOCKING;
+
+    /// First lag at which the fall from lag 0 has ended, but at least minLag. [process]
+    int GetFirstLag(int frame) const noexcept UTIL_NONBLOCKING
+    {
+        return firstLags[static_cast<std::size_t>(frame)];
+    }
 
     int GetFrameLength() const noexcept { return frameLength; } ///< n, samples. [any]
     int GetFftSize() const noexcept { return fftSize; }         ///< F. [any]
 
 private:
-    static int OrderFor(int length);
+    struct TransformTables {
+        explicit TransformTables(int length);
+        Kernels::TransformPlan GetPlan() const noexcept;
 
+        std::vector<float> factors;
+        std::vector<float> separation;
+        std::vector<int> order;
+    };
+
+    static int SizeFor(int length);
+    void MakeFoldTables();
+    void MakeLagTables();
+
+    const Kernels::CorrelationKernels& kernels;
     int frameLength;
-    int fftOrder;
     int fftSize;
-    FFTImpl<float> transform;
-    CosineTransform cosineTransform;
-    std::vector<float> window;       // n
-    std::vector<float> compensation; // maxLag + 1
-    std::vector<float> frame;        // F, zero from n on
-    std::vector<float> spectrum;     // F + 2
-    std::vector<float> magnitudes;   // F / 2 + 1
+    int lagCount; // maxLag + 1
+    TransformTables whole;
+    TransformTables half;
+    std::vector<float> window;       // n, and a 0
+    std::vector<float> sines;        // sin(2 pi j / F) for j < F / 4
+    std::vector<float> cosines;      // cos(2 pi j / F) for j < F / 4
+    std::vector<float> compensation; // by lag
+    Kernels::CorrelationPlan plan;   // points into the tables
+    std::vector<float> scratch;
+    std::vector<float> correlations; // a row a frame
+    std::array<int, MaxFrames> firstLags{};
 };
 
 } // namespace DSP

@@ -44,13 +44,10 @@ LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
     , maxLag(sizes.maxLag)
     , decimatedRate(sizes.decimatedRate)
     , delayFrames(newDelayFrames)
-    , autocorr(sizes.maxLag)
     , map(sizes)
     , path(newDelayFrames + 1)
     , gate(newDelayFrames)
-    , correlation(static_cast<std::size_t>(maxLag) + 2)
     , score(static_cast<std::size_t>(maxLag) + 1)
-    , scratch(static_cast<std::size_t>(maxLag) + 2)
 {
     const auto rate = static_cast<double>(sizes.trackerRate);
     smoother.configure(score.size(), RiseSeconds, FallSeconds, rate, 0.0F);
@@ -78,23 +75,8 @@ void LagTracker::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
     }
 }
 
-/// Fills `correlation` and answers the first lag to be searched.
-int LagTracker::Correlate(std::span<const float> ring, std::size_t writePosition) noexcept
-    UTIL_NONBLOCKING
-{
-    const auto length = static_cast<std::size_t>(autocorr.GetFrameLength());
-    const std::size_t wrapped = writePosition < length ? length - writePosition : 0;
-    const auto older = ring.last(wrapped);
-    const auto newer = ring.subspan(writePosition - (length - wrapped), length - wrapped);
-    autocorr.Compute(older, newer, std::span(correlation).first(score.size()));
-    autocorr.CompensateWindow(correlation);
-    const int firstLag = FindEndOfFall(correlation, minLag, maxLag);
-    RemoveOctaveGhosts(correlation, scratch, firstLag, maxLag);
-    return firstLag;
-}
-
 /// Fills `score` from the smoothed correlation and the map, which then relaxes.
-void LagTracker::Score() noexcept UTIL_NONBLOCKING
+void LagTracker::Score(std::span<const float> correlation) noexcept UTIL_NONBLOCKING
 {
     const float* const smoothed = smoother.process(correlation.data());
     const float* const weight = map.GetWeights().data();
@@ -102,7 +84,8 @@ void LagTracker::Score() noexcept UTIL_NONBLOCKING
     map.Relax();
 }
 
-LagTracker::Peak LagTracker::FindPeak(int firstLag) const noexcept UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindPeak(std::span<const float> correlation,
+                                      int firstLag) const noexcept UTIL_NONBLOCKING
 {
     const int found = FindFirstLargest(score, firstLag, maxLag);
     const int top = ClimbToPeak(correlation, found, map.GetMargin(), maxLag);
@@ -114,13 +97,14 @@ LagTracker::Peak LagTracker::FindPeak(int firstLag) const noexcept UTIL_NONBLOCK
 
 /// Fills `candidates`: the best lags, and last the octave above the best, in case the best is an
 /// octave too low. Answers the best.
-LagTracker::Peak LagTracker::FindCandidates(int firstLag) noexcept UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindCandidates(std::span<float> correlation, int firstLag) noexcept
+    UTIL_NONBLOCKING
 {
     const int slots = dynamicProgramming ? DP::DynProgCached::CandidateCount : 1;
     const int searched = std::max(slots - 1, 1);
     Peak plain{};
     for (int k = 0; k < searched; ++k) {
-        const Peak peak = FindPeak(firstLag);
+        const Peak peak = FindPeak(correlation, firstLag);
         const float pitchHz = decimatedRate / peak.lag;
         candidates[static_cast<std::size_t>(k)] = MakeCandidate(pitchHz, peak.clarity);
         if (k == 0) {
@@ -144,12 +128,10 @@ float LagTracker::Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKI
     return confidence.process(newClarity);
 }
 
-LagEstimate LagTracker::Run(std::span<const float> ring, std::size_t writePosition) noexcept
-    UTIL_NONBLOCKING
+LagEstimate LagTracker::Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING
 {
-    const int firstLag = Correlate(ring, writePosition);
-    Score();
-    const Peak plain = FindCandidates(firstLag);
+    Score(correlation);
+    const Peak plain = FindCandidates(correlation, firstLag);
     if (!dynamicProgramming) {
         // Nothing is looked ahead for, so nothing may wait: the run's own cost decides.
         const float smoothed = Settle(plain.lag, plain.clarity);

@@ -4,12 +4,10 @@
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/RunningExp.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
-#include "restoration/dsp/puffguard/pitch/Autocorr.h"
 #include "restoration/dsp/puffguard/pitch/DynProgCached.h"
 #include "restoration/dsp/puffguard/pitch/LagMap.h"
 #include "restoration/dsp/puffguard/pitch/VoicingGate.h"
 
-#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -36,11 +34,9 @@ public:
     /// Off: the lag is answered as voiced at once, without the voicing gate and its delay.
     void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING { analysing = enabled; }
 
-    /// One run on the frame that ends before `writePosition`, the place of `ring` written last.
-    LagEstimate Run(std::span<const float> ring, std::size_t writePosition) noexcept
-        UTIL_NONBLOCKING;
-
-    int GetFftSize() const noexcept { return autocorr.GetFftSize(); } ///< samples
+    /// One run on the autocorrelation of a frame by lag, 0..maxLag and one value of 0; lags from
+    /// `firstLag` on are searched. The peaks found are erased from it.
+    LagEstimate Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING;
 
 private:
     /// Where a candidate lies, and how periodic the frame is there.
@@ -51,10 +47,9 @@ private:
         float clarity;
     };
 
-    int Correlate(std::span<const float> ring, std::size_t writePosition) noexcept UTIL_NONBLOCKING;
-    void Score() noexcept UTIL_NONBLOCKING;
-    Peak FindPeak(int firstLag) const noexcept UTIL_NONBLOCKING;
-    Peak FindCandidates(int firstLag) noexcept UTIL_NONBLOCKING;
+    void Score(std::span<const float> correlation) noexcept UTIL_NONBLOCKING;
+    Peak FindPeak(std::span<const float> correlation, int firstLag) const noexcept UTIL_NONBLOCKING;
+    Peak FindCandidates(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING;
     float Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING;
 
     int minLag;
@@ -63,17 +58,14 @@ private:
     int delayFrames;
     bool dynamicProgramming = true;
     bool analysing = true;
-    Autocorr autocorr;
     LagMap map;
     RunningExps2<float> smoother; // by lag
     RunningExp<float> confidence;
     DP::DynProgCached path;
     VoicingGate gate;
     DP::DynProgCached::Candidates candidates;
-    std::vector<float> correlation; // maxLag + 2, the last one 0
-    std::vector<float> score;       // maxLag + 1
-    std::vector<float> scratch;     // maxLag + 2
-    float lag = 0;                  // answer of the run before
+    std::vector<float> score; // maxLag + 1
+    float lag = 0;            // answer of the run before
 };
 
 } // namespace DSP::Synapse

@@ -50,37 +50,6 @@ void EraseSide(std::span<float> values, int centre, int direction, int count) no
 
 } // namespace
 
-int FindEndOfFall(std::span<const float> correlation, int minLag, int maxLag) noexcept
-    UTIL_NONBLOCKING
-{
-    const float* const r = correlation.data();
-    const int limit = (minLag + maxLag) / 2;
-    int end = 0;
-    for (int i = 1; i < limit && r[i - 1] > r[i]; ++i) {
-        end = i;
-    }
-    return std::max(end, minLag);
-}
-
-void RemoveOctaveGhosts(std::span<float> correlation,
-                        std::span<float> scratch,
-                        int firstLag,
-                        int maxLag) noexcept UTIL_NONBLOCKING
-{
-    // Halves are read from values not yet reduced, as in a walk down from the longest lag.
-    float* const r = correlation.data();
-    float* const ghosts = scratch.data();
-    for (std::ptrdiff_t half = 0; 2 * half <= maxLag; ++half) {
-        ghosts[2 * half] = (r[half] + r[half]) * 0.125F;
-        ghosts[2 * half + 1] = (r[half + 1] + r[half]) * 0.125F;
-    }
-    for (int i = firstLag; i <= maxLag; ++i) {
-        const float own = r[i] * 0.5F;
-        const float ghost = own < ghosts[i] ? own : ghosts[i];
-        r[i] -= ghost;
-    }
-}
-
 int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING
 {
     const float* const begin = values.data() + first;

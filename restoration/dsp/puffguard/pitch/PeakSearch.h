@@ -11,17 +11,6 @@ namespace DSP::Synapse {
 /// `correlation` has one value more than the longest lag searched, and that one reads 0.
 /// All are [process].
 
-/// First lag at which the fall from lag 0 has ended, but at least `minLag`.
-int FindEndOfFall(std::span<const float> correlation, int minLag, int maxLag) noexcept
-    UTIL_NONBLOCKING;
-
-/// Takes from the lags `firstLag`..`maxLag` what they owe to a peak at half the lag, which shows a
-/// false pitch one octave below. No value is negative; `scratch` holds maxLag + 2 floats.
-void RemoveOctaveGhosts(std::span<float> correlation,
-                        std::span<float> scratch,
-                        int firstLag,
-                        int maxLag) noexcept UTIL_NONBLOCKING;
-
 /// Index of the first largest value from `first` to `last` inclusive.
 int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING;
 

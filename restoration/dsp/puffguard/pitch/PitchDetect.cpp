@@ -23,8 +23,7 @@ ElementImpl::Setup MakeSetup(const PitchDetect::Format& format, const char* name
 
 PitchDetect::PitchDetect(const Format& format)
     : ElementDispatcher(MakeSetup(format, "PitchDetect"))
-    , storage(format.host.GetMaxBlockFrames())
-    , synapse(MakeSetup(format, "Synapse"), DelayFrames, storage)
+    , synapse(MakeSetup(format, "Synapse"), DelayFrames)
 {
     AddChild(synapse);
     LinkBools();

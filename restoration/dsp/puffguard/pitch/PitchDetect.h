@@ -2,16 +2,14 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
-#include "restoration/dsp/puffguard/pitch/PitchStorageDelegate.h"
 #include "restoration/dsp/puffguard/pitch/Synapse.h"
 
 #include <cstdint>
-#include <span>
 
 /// Pitch of a signal, for elements that need to know it.
 namespace DSP::PitchDetect {
 
-/// Element that keeps the pitch of each sample of its latest block. The block passes unchanged.
+/// Element that follows the pitch of its input. The block passes unchanged.
 /// Its parameters hand on to those of the same name on the Synapse inside.
 class PitchDetect final : public ElementDispatcher {
 public:
@@ -39,9 +37,9 @@ public:
     /// [setup]
     explicit PitchDetect(const Format& format);
 
-    /// Pitch in Hz for each sample of the latest block, 0 when unvoiced; they belong to the samples
-    /// GetLatency() earlier. Empty unless "Analyze" is on. [process]
-    std::span<const float> GetPitches() const noexcept { return storage.GetPitches(); }
+    /// Pitch in Hz at the latest sample, 0 when unvoiced; it belongs to the sample GetLatency()
+    /// earlier. 0 unless "Analyze" is on. [process]
+    float GetPitch() const noexcept UTIL_NONBLOCKING { return synapse.GetPitch(); }
 
 protected:
     uint32_t GetLatencySamples(Context context) const override;
@@ -66,7 +64,6 @@ private:
     void LinkEnums();
 
     Values values;
-    PitchStorageDelegate storage;
     Synapse::Synapse synapse;
 };
 

@@ -3,7 +3,6 @@
 
 #include "restoration/dsp/puffguard/RunningExp.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace DSP::Synapse {
@@ -20,9 +19,9 @@ constexpr float DefaultAveragingMs = 8.16F;
 PitchEngine::PitchEngine(double sampleRate, int newDelayFrames)
     : sizes(AnalysisSizes::ForRate(sampleRate))
     , delayFrames(newDelayFrames)
-    , ring(sizes.ringLength)
-    , decimatedRing(sizes.ringLength / static_cast<std::size_t>(sizes.decimation))
     , dcFilter(static_cast<double>(sizes.sampleRate))
+    , autocorr(sizes.minLag, sizes.maxLag)
+    , history(autocorr.GetFrameLength(), sizes.analysisHop / sizes.decimation)
     , tracker(sizes, newDelayFrames)
 {
     SetLowpass(DefaultLowpassHz);
@@ -33,17 +32,15 @@ PitchEngine::PitchEngine(double sampleRate, int newDelayFrames)
 
 void PitchEngine::Reset() noexcept UTIL_NONBLOCKING
 {
-    std::fill(ring.begin(), ring.end(), 0.0F);
-    std::fill(decimatedRing.begin(), decimatedRing.end(), 0.0F);
-    ringPosition = 0;
+    phase = 0;
     dcFilter.Reset();
     lowpass.Reset();
     highpass.Reset();
     lowpassSum = 0;
     level = 0;
+    history.Reset();
     tracker.Reset();
-    pitchHz.reset();
-    confidence = 0;
+    pitchHz = 0;
 }
 
 void PitchEngine::SetLowpass(float cornerHz) noexcept UTIL_NONBLOCKING
@@ -75,19 +72,6 @@ void PitchEngine::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
     tracker.SetDynamicProgramming(enabled);
 }
 
-void PitchEngine::SetDelegate(AnalysisDelegate* newDelegate) noexcept UTIL_NONBLOCKING
-{
-    delegate = newDelegate;
-    tracker.SetAnalysing(delegate != nullptr);
-}
-
-void PitchEngine::BeginBlock() noexcept UTIL_NONBLOCKING
-{
-    if (delegate != nullptr) {
-        delegate->BeginBlock(static_cast<uint32_t>(GetLatency()), ringPosition);
-    }
-}
-
 void PitchEngine::Process(std::span<float> mono) noexcept UTIL_NONBLOCKING
 {
     dcFilter.Process(mono);
@@ -98,22 +82,14 @@ void PitchEngine::Process(std::span<float> mono) noexcept UTIL_NONBLOCKING
 
 void PitchEngine::Advance(float x) noexcept UTIL_NONBLOCKING
 {
-    ring[ringPosition] = x;
-    if (delegate != nullptr) {
-        delegate->AddSample(ring, ringPosition);
-    }
     lowpassSum += lowpass.Process(x);
-    // Both step sizes are powers of two.
-    if ((ringPosition & static_cast<uint32_t>(sizes.decimation - 1)) == 0) {
+    if (phase == 0) {
         Decimate();
+        if (history.GetDueCount() == Autocorr::MaxFrames) {
+            RunTracker();
+        }
     }
-    if ((ringPosition & static_cast<uint32_t>(sizes.analysisHop - 1)) == 0) {
-        RunTracker();
-    }
-    if (delegate != nullptr) {
-        delegate->AddPitch(pitchHz, confidence);
-    }
-    ringPosition = ringPosition + 1 == ring.size() ? 0 : ringPosition + 1;
+    phase = (phase + 1) & static_cast<uint32_t>(sizes.decimation - 1); // a power of two
 }
 
 void PitchEngine::Decimate() noexcept UTIL_NONBLOCKING
@@ -129,18 +105,31 @@ void PitchEngine::Decimate() noexcept UTIL_NONBLOCKING
     } else if (d <= -threshold) {
         clipped = d + threshold;
     }
-    decimatedRing[ringPosition / static_cast<uint32_t>(sizes.decimation)] = clipped;
+    history.Append(clipped);
 }
 
+/// The runs that are due.
 void PitchEngine::RunTracker() noexcept UTIL_NONBLOCKING
 {
-    const auto writePosition = ringPosition / static_cast<uint32_t>(sizes.decimation);
-    const LagEstimate estimate = tracker.Run(decimatedRing, writePosition);
-    pitchHz.reset();
-    if (estimate.voiced) {
-        pitchHz = sizes.sampleRate / (static_cast<float>(sizes.decimation) * estimate.lag);
+    const int runs = history.GetDueCount();
+    if (runs == 0) {
+        return;
     }
-    confidence = estimate.confidence;
+    autocorr.Compute(history.GetFrames(), runs);
+    history.DropFrames();
+    LagEstimate estimate;
+    for (int run = 0; run < runs; ++run) {
+        estimate = tracker.Run(autocorr.GetCorrelation(run), autocorr.GetFirstLag(run));
+    }
+    pitchHz = estimate.voiced
+                  ? sizes.sampleRate / (static_cast<float>(sizes.decimation) * estimate.lag)
+                  : 0.0F;
+}
+
+float PitchEngine::GetPitch() noexcept UTIL_NONBLOCKING
+{
+    RunTracker();
+    return pitchHz;
 }
 
 } // namespace DSP::Synapse

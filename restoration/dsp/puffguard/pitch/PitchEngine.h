@@ -2,21 +2,21 @@
 #pragma once
 
 #include "frameworks/qobase/util/Realtime.h"
-#include "restoration/dsp/puffguard/pitch/AnalysisDelegate.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
+#include "restoration/dsp/puffguard/pitch/Autocorr.h"
 #include "restoration/dsp/puffguard/pitch/Biquad.h"
 #include "restoration/dsp/puffguard/pitch/DcFilter.h"
+#include "restoration/dsp/puffguard/pitch/FrameHistory.h"
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
-#include <vector>
 
 namespace DSP::Synapse {
 
 /// From a stream of mono samples to its pitch track: prefilters, decimation, centre clipping and
-/// the lag tracker.
+/// the lag tracker. Runs of the tracker wait for each other, so that their frames can be correlated
+/// side by side.
 ///
 /// Threads: the constructor is [setup], the rest [process], from one thread at a time.
 class PitchEngine {
@@ -36,8 +36,8 @@ public:
     void SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING;
     /// Off: less latency, a rougher track.
     void SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING;
-    /// Where samples and pitches go while analysing; null: nowhere. Not owned.
-    void SetDelegate(AnalysisDelegate* newDelegate) noexcept UTIL_NONBLOCKING;
+    /// On: the pitch waits until it is known whether the signal is voiced.
+    void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING { tracker.SetAnalysing(enabled); }
     /// Lowest voice, which the latency allows for.
     void SetVocalRange(VocalRange range) noexcept UTIL_NONBLOCKING { vocalRange = range; }
 
@@ -53,11 +53,12 @@ public:
         return sizes.GetLatency(VocalRange::Bass, true, delayFrames);
     }
 
-    /// Tells the delegate that the next samples are a new block.
-    void BeginBlock() noexcept UTIL_NONBLOCKING;
-
     /// Takes the next samples, full scale 1.0, and uses their memory as scratch.
     void Process(std::span<float> mono) noexcept UTIL_NONBLOCKING;
+
+    /// Pitch in Hz at the latest sample, 0 when unvoiced; it belongs to the sample GetLatency()
+    /// earlier.
+    float GetPitch() noexcept UTIL_NONBLOCKING;
 
 private:
     void Advance(float x) noexcept UTIL_NONBLOCKING;
@@ -68,10 +69,7 @@ private:
     int delayFrames;
     VocalRange vocalRange = VocalRange::TenorAlto;
     bool dynamicProgramming = true;
-    AnalysisDelegate* delegate = nullptr; // not owned
-    std::vector<float> ring;
-    std::vector<float> decimatedRing;
-    uint32_t ringPosition = 0;
+    uint32_t phase = 0; // of the next sample within a decimated one
     DcFilter dcFilter;
     Biquad<float> lowpass;  // at the full rate
     Biquad<float> highpass; // at the decimated rate
@@ -79,9 +77,10 @@ private:
     float level = 0;
     float levelCoefficient = 1;
     float clippingThreshold = 0;
+    Autocorr autocorr;
+    FrameHistory history; // decimated; a frame due is a run of the tracker
     LagTracker tracker;
-    std::optional<float> pitchHz; // of the latest run
-    float confidence = 0;
+    float pitchHz = 0; // of the latest run
 };
 
 } // namespace DSP::Synapse

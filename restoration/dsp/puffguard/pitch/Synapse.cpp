@@ -26,10 +26,9 @@ std::vector<String> GetResamplingQualityLabels()
     return {"Low", "Medium", "High"};
 }
 
-Synapse::Synapse(const Setup& setup, int newDelayFrames, AnalysisDelegate& newDelegate)
+Synapse::Synapse(const Setup& setup, int newDelayFrames)
     : ElementDispatcher(setup)
     , engine(static_cast<double>(setup.sampleRate), newDelayFrames)
-    , delegate(newDelegate)
     , mono(setup.host.GetMaxBlockFrames())
 {
     RegisterModes();
@@ -43,7 +42,7 @@ void Synapse::RegisterModes()
 {
     RegisterBoolParam(Analyze,
                       MakeParam<bool>("Analyze", OffOn, false, values.analyze, [this](bool on) {
-                          engine.SetDelegate(on ? &delegate : nullptr);
+                          engine.SetAnalysing(on);
                       }));
     RegisterEnumParam(StereoInput,
                       MakeEnum("Stereo Input Mode",
@@ -140,7 +139,7 @@ uint32_t Synapse::GetMaxLatencySamples() const
 void Synapse::OnReset()
 {
     engine.Reset();
-    delegate.Clear();
+    pitchHz = 0;
 }
 
 void Synapse::MixToMono(uint32_t offset, uint32_t frames, float* const* channels) noexcept
@@ -164,13 +163,14 @@ void Synapse::MixToMono(uint32_t offset, uint32_t frames, float* const* channels
 
 void Synapse::ProcessAudio(uint32_t frames, float* const* channels)
 {
-    engine.BeginBlock();
     const auto most = static_cast<uint32_t>(mono.size());
     for (uint32_t done = 0; done < frames; done += most) {
         const uint32_t piece = std::min(frames - done, most);
         MixToMono(done, piece, channels);
         engine.Process(std::span(mono).first(piece));
     }
+    const float latestHz = engine.GetPitch(); // the runs that are due are made in any case
+    pitchHz = values.analyze ? latestHz : 0.0F;
 }
 
 } // namespace DSP::Synapse

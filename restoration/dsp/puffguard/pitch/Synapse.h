@@ -2,7 +2,6 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
-#include "restoration/dsp/puffguard/pitch/AnalysisDelegate.h"
 #include "restoration/dsp/puffguard/pitch/PitchEngine.h"
 
 #include <cstdint>
@@ -42,9 +41,12 @@ public:
         DynamicProgrammingPatches = 15
     };
 
-    /// `newDelayFrames` in runs of the tracker: how far it looks ahead. `newDelegate` hears the
-    /// track while "Analyze" is on; it isn't owned and outlives the element. [setup]
-    Synapse(const Setup& setup, int newDelayFrames, AnalysisDelegate& newDelegate);
+    /// `newDelayFrames` in runs of the tracker: how far it looks ahead. [setup]
+    Synapse(const Setup& setup, int newDelayFrames);
+
+    /// Pitch in Hz at the latest sample, 0 when unvoiced; it belongs to the sample GetLatency()
+    /// earlier. 0 unless "Analyze" is on. [process]
+    float GetPitch() const noexcept UTIL_NONBLOCKING { return pitchHz; }
 
 protected:
     uint32_t GetLatencySamples(Context context) const override;
@@ -83,8 +85,8 @@ private:
 
     Values values;
     PitchEngine engine;
-    AnalysisDelegate& delegate; // not owned
-    std::vector<float> mono;    // scratch of one block
+    std::vector<float> mono; // scratch of one block
+    float pitchHz = 0;
 };
 
 } // namespace DSP::Synapse

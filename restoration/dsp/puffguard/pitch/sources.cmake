@@ -3,14 +3,13 @@ set(PITCH_SOURCES
     pitch/AnalysisSizes.cpp
     pitch/Autocorr.cpp
     pitch/Biquad.cpp
-    pitch/CosineTransform.cpp
     pitch/DcFilter.cpp
     pitch/DynProgCached.cpp
+    pitch/FrameHistory.cpp
     pitch/LagMap.cpp
     pitch/LagTracker.cpp
     pitch/PeakSearch.cpp
     pitch/PitchDetect.cpp
     pitch/PitchEngine.cpp
-    pitch/PitchStorageDelegate.cpp
     pitch/Synapse.cpp
     pitch/VoicingGate.cpp)

@@ -15,8 +15,6 @@ TEST(AnalysisSizes, AreTheWorkedOnesAt44100)
     EXPECT_EQ(sizes.analysisHop, 32); // 24.7 samples, rounded up to a power of two
     EXPECT_EQ(sizes.minLag, 17);      // (67 + 3) / 4
     EXPECT_EQ(sizes.maxLag, 245);     // 980 / 4
-    // round(35280) + 32 * 64 = 37328, less the five lowest bits
-    EXPECT_EQ(sizes.ringLength, 37312U);
     EXPECT_FLOAT_EQ(sizes.decimatedRate, 11025.0F);
     EXPECT_FLOAT_EQ(sizes.trackerRate, 11025.0F / 32.0F);
 }
@@ -49,10 +47,7 @@ TEST(AnalysisSizes, StayUsableAtAbsurdRates)
     for (const double rate : {1.0, 100.0, 3999.0, 768000.0}) {
         const AnalysisSizes sizes = AnalysisSizes::ForRate(rate);
         EXPECT_GT(sizes.maxLag, sizes.minLag) << rate;
-        EXPECT_EQ(sizes.ringLength % static_cast<std::size_t>(sizes.analysisHop), 0U) << rate;
-        EXPECT_GE(sizes.ringLength / static_cast<std::size_t>(sizes.decimation),
-                  static_cast<std::size_t>(sizes.maxLag) * 2)
-            << rate;
+        EXPECT_EQ(sizes.analysisHop % sizes.decimation, 0) << rate;
     }
 }
 

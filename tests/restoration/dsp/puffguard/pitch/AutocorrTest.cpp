@@ -1,115 +1,202 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Autocorr.h"
-#include "restoration/dsp/puffguard/pitch/CosineTransform.h"
+
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+#include "restoration/dsp/puffguard/pitch/FrameHistory.h"
+#include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <complex>
 #include <numbers>
 #include <random>
 #include <vector>
 
 namespace {
 
+using DSP::Autocorr;
+using DSP::Synapse::FrameHistory;
 using std::numbers::pi;
 
-std::vector<float> MakeNoise(std::size_t count, unsigned seed, float low = -1, float high = 1)
+constexpr int MinLag = 4;
+constexpr int Step = 8;
+
+std::vector<float> MakeNoise(std::size_t count, unsigned seed)
 {
     std::mt19937 random(seed);
-    std::uniform_real_distribution<float> level(low, high);
+    std::uniform_real_distribution<float> level(-1, 1);
     std::vector<float> noise(count);
-    for (float& value : noise) {
-        value = level(random);
-    }
+    std::generate(noise.begin(), noise.end(), [&] { return level(random); });
     return noise;
 }
 
-/// Inverse DFT of a real, symmetric spectrum, term by term.
-double SumCosines(const std::vector<double>& values, std::size_t lag)
-{
-    const std::size_t n = values.size() - 1;
-    double sum = values[0] + (lag % 2 == 0 ? values[n] : -values[n]);
-    for (std::size_t j = 1; j < n; ++j) {
-        const double angle = pi * static_cast<double>(j * lag % (2 * n)) / static_cast<double>(n);
-        sum += 2 * values[j] * std::cos(angle);
-    }
-    return sum / static_cast<double>(2 * n);
-}
-
-/// The same autocorrelation in double precision, by the plain transform sums.
-std::vector<double> MakeReference(const std::vector<float>& frame, std::size_t fftSize, int maxLag)
-{
-    const std::size_t n = frame.size();
-    std::vector<double> windowed(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        const double position = static_cast<double>(i) + 0.5;
-        windowed[i] = static_cast<double>(frame[i]) *
-                      (1 - std::cos(2 * pi * position / static_cast<double>(n)));
-    }
-    std::vector<double> magnitudes;
-    for (std::size_t bin = 0; bin <= fftSize / 2; ++bin) {
-        std::complex<double> sum = 0;
-        for (std::size_t i = 0; i < n; ++i) {
-            const double turn = static_cast<double>(bin * i % fftSize);
-            sum += windowed[i] * std::polar(1.0, -2 * pi * turn / static_cast<double>(fftSize));
-        }
-        magnitudes.push_back(std::abs(sum));
-    }
+struct Searched {
     std::vector<double> correlation;
+    int firstLag = 0;
+};
+
+/// Magnitudes of the windowed frame's transform of `size` samples, by the plain sums.
+std::vector<double> SumMagnitudes(const std::vector<double>& windowed,
+                                  const std::vector<double>& cosines)
+{
+    const std::size_t size = cosines.size();
+    std::vector<double> magnitudes;
+    for (std::size_t bin = 0; bin <= size / 2; ++bin) {
+        double re = 0;
+        double im = 0;
+        for (std::size_t i = 0; i < windowed.size(); ++i) {
+            re += windowed[i] * cosines[bin * i % size];
+            im += windowed[i] * cosines[(bin * i + size / 4) % size];
+        }
+        magnitudes.push_back(std::hypot(re, im));
+    }
+    return magnitudes;
+}
+
+/// The inverse transform of a spectrum that is real.
+double SumCosines(const std::vector<double>& values, const std::vector<double>& cosines, int lag)
+{
+    const std::size_t size = cosines.size();
+    const std::size_t last = values.size() - 1;
+    double sum = values[0] + (lag % 2 == 0 ? values[last] : -values[last]);
+    for (std::size_t j = 1; j < last; ++j) {
+        sum += 2 * values[j] * cosines[j * static_cast<std::size_t>(lag) % size];
+    }
+    return sum / static_cast<double>(size);
+}
+
+/// All that a frame goes through, in double precision.
+Searched Analyse(const std::vector<float>& frame, int fftSize, int maxLag)
+{
+    const auto n = static_cast<double>(frame.size());
+    std::vector<double> windowed;
+    for (const float sample : frame) {
+        const double position = static_cast<double>(windowed.size()) + 0.5;
+        windowed.push_back(static_cast<double>(sample) * (1 - std::cos(2 * pi * position / n)));
+    }
+    std::vector<double> cosines;
+    for (int i = 0; i < fftSize; ++i) {
+        cosines.push_back(std::cos(2 * pi * i / fftSize));
+    }
+    const std::vector<double> magnitudes = SumMagnitudes(windowed, cosines);
+    std::vector<double> r;
     for (int lag = 0; lag <= maxLag; ++lag) {
-        correlation.push_back(SumCosines(magnitudes, static_cast<std::size_t>(lag)));
+        const double compensation = (1 - std::cos(lag * 0.5 * pi / n)) * 4 + 1;
+        r.push_back(std::max(SumCosines(magnitudes, cosines, lag) * compensation, 0.0));
     }
-    return correlation;
+    const auto at = [&](int lag) -> double& { return r[static_cast<std::size_t>(lag)]; };
+    int end = 0;
+    for (int lag = 1; lag < (MinLag + maxLag) / 2 && at(lag - 1) > at(lag); ++lag) {
+        end = lag;
+    }
+    const int firstLag = std::max(end, MinLag);
+    for (int lag = maxLag; lag >= firstLag; --lag) {
+        const double s = std::min(at(lag) * 0.5, (at((lag + 1) / 2) + at(lag / 2)) * 0.125);
+        at(lag) -= s;
+    }
+    return {r, firstLag};
 }
 
-TEST(CosineTransform, EqualsTheSumOfCosines)
+/// A slowly falling autocorrelation from lag 0 on, as speech has it, under noise.
+std::vector<float> MakeSignal(std::size_t count)
 {
-    for (int order = 3; order <= 10; ++order) {
-        const std::size_t n = std::size_t{1} << order;
-        const std::vector<float> values = MakeNoise(n + 1, static_cast<unsigned>(order), 0, 1);
-        DSP::CosineTransform transform(order);
-        for (const std::size_t count : {n, n - 1}) { // an even and an odd number of outputs
-            std::vector<float> out(count);
-            transform.Transform(values, out);
-            const std::vector<double> exact(values.begin(), values.end());
-            for (std::size_t k = 0; k < count; ++k) {
-                // The values' mean is about 0.5, so outputs are below 0.5; a few float roundings.
-                ASSERT_NEAR(static_cast<double>(out[k]), SumCosines(exact, k), 2e-7)
-                    << order << " " << k;
-            }
+    std::vector<float> signal = MakeNoise(count, 7);
+    float state = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        state = 0.97F * state + signal[i];
+        signal[i] = 0.1F * state + 0.3F * std::sin(0.05F * static_cast<float>(i));
+    }
+    return signal;
+}
+
+/// Feeds the signal and drops frames in portions of all sizes, but for the last 16.
+void Feed(FrameHistory& history, const std::vector<float>& signal)
+{
+    const std::size_t kept = signal.size() - std::size_t{Autocorr::MaxFrames} * Step;
+    int portion = 1;
+    for (std::size_t i = 0; i < signal.size(); ++i) {
+        if (i <= kept && (i == kept || history.GetDueCount() == portion)) {
+            history.DropFrames();
+            portion = portion * 5 % 17;
+        }
+        history.Append(signal[i]);
+    }
+}
+
+class AutocorrOfSize : public testing::TestWithParam<int> {
+protected:
+    const int maxLag = GetParam();
+    const std::vector<float> signal =
+        MakeSignal(static_cast<std::size_t>(maxLag) * 4 / Step * Step);
+};
+
+TEST_P(AutocorrOfSize, EqualsTheDoublePrecisionForm)
+{
+    Autocorr autocorr(MinLag, maxLag);
+    const int length = autocorr.GetFrameLength();
+    FrameHistory history(length, Step);
+    Feed(history, signal);
+    const int due = history.GetDueCount();
+    ASSERT_EQ(due, Autocorr::MaxFrames);
+    autocorr.Compute(history.GetFrames(), due);
+    bool hasFallen = false;
+    for (const int frame : {0, 4, due - 1}) {
+        // The latest frame ends a step before the signal does.
+        const auto end = signal.end() - Step - (due - 1 - frame) * Step;
+        const Searched expected =
+            Analyse(std::vector<float>(end - length, end), autocorr.GetFftSize(), maxLag);
+        EXPECT_EQ(autocorr.GetFirstLag(frame), expected.firstLag) << frame;
+        hasFallen |= expected.firstLag > MinLag;
+        const auto correlation = autocorr.GetCorrelation(frame);
+        for (std::size_t lag = 0; lag < expected.correlation.size(); ++lag) {
+            // Compensation makes up to three times of what a transform of lag 0 may be off.
+            ASSERT_NEAR(
+                double{correlation[lag]}, expected.correlation[lag], 3e-6 * expected.correlation[0])
+                << frame << " " << lag;
+        }
+        EXPECT_EQ(correlation.back(), 0.0F);
+    }
+    EXPECT_TRUE(hasFallen);
+}
+
+TEST_P(AutocorrOfSize, EveryLevelAndNumberOfFramesGivesTheSameBits)
+{
+    FrameHistory history(Autocorr(MinLag, maxLag).GetFrameLength(), Step);
+    Feed(history, signal);
+    const int due = history.GetDueCount();
+    Autocorr baseline(
+        MinLag, maxLag, DSP::Kernels::GetKernels(DSP::Kernels::Level::Baseline).correlation);
+    baseline.Compute(history.GetFrames(), due);
+    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+        Autocorr autocorr(MinLag, maxLag, DSP::Kernels::GetKernels(level).correlation);
+        for (int frames = 1; frames <= due; ++frames) {
+            autocorr.Compute(history.GetFrames(), frames);
+            const int last = frames - 1;
+            const auto correlation = autocorr.GetCorrelation(last);
+            const auto expected = baseline.GetCorrelation(last);
+            EXPECT_EQ(std::vector<float>(correlation.begin(), correlation.end()),
+                      std::vector<float>(expected.begin(), expected.end()))
+                << static_cast<int>(level) << " " << frames;
+            EXPECT_EQ(autocorr.GetFirstLag(last), baseline.GetFirstLag(last));
         }
     }
 }
 
-TEST(Autocorr, EqualsTheDoublePrecisionFormWhereverTheFrameWraps)
-{
-    constexpr int MaxLag = 90;
-    DSP::Autocorr autocorr(MaxLag);
-    ASSERT_EQ(autocorr.GetFrameLength(), 162);
-    ASSERT_EQ(autocorr.GetFftSize(), 256); // not below 162 + 90
-    const std::vector<float> frame = MakeNoise(162, 7);
-    const std::vector<double> reference = MakeReference(frame, 256, MaxLag);
-    const std::span<const float> whole(frame);
-    for (const std::size_t split : {0U, 1U, 81U, 162U}) {
-        std::vector<float> correlation(MaxLag + 1);
-        autocorr.Compute(whole.first(split), whole.subspan(split), correlation);
-        for (std::size_t lag = 0; lag <= MaxLag; ++lag) {
-            ASSERT_NEAR(double{correlation[lag]}, reference[lag], 1e-6 * reference[0]) << lag;
-        }
-    }
-}
+// The longest and the shortest frame for a transform of 256 or 512 samples, of odd lengths, and
+// those of 44.1, 48 and 96 kHz.
+INSTANTIATE_TEST_SUITE_P(Sizes, AutocorrOfSize, testing::Values(91, 92, 245, 266, 533));
 
-TEST(Autocorr, CompensationFavoursLongLagsAndDropsNegativeValues)
+TEST(Autocorr, SilenceHasNoCorrelation)
 {
-    const DSP::Autocorr autocorr(100); // n = 180
-    std::vector<float> correlation(101, 1.0F);
-    correlation[50] = -1;
-    autocorr.CompensateWindow(correlation);
-    EXPECT_FLOAT_EQ(correlation[0], 1.0F);
-    EXPECT_EQ(correlation[50], 0.0F);
-    EXPECT_FLOAT_EQ(correlation[60], 1.5358984F); // (1 - cos 30 deg) * 4 + 1
-    EXPECT_FLOAT_EQ(correlation[90], 2.1715729F); // (1 - cos 45 deg) * 4 + 1
+    FrameHistory history(441, Step);
+    history.Append(1); // the frame that this sample makes due ends before it
+    ASSERT_EQ(history.GetDueCount(), 1);
+    Autocorr autocorr(MinLag, 245);
+    autocorr.Compute(history.GetFrames(), 1);
+    const auto silent = autocorr.GetCorrelation(0);
+    EXPECT_EQ(std::vector<float>(silent.begin(), silent.end()), std::vector<float>(247));
+    EXPECT_EQ(autocorr.GetFirstLag(0), MinLag);
 }
 
 } // namespace

@@ -21,38 +21,6 @@ std::vector<float> MakeNoise(std::size_t count, unsigned seed)
     return noise;
 }
 
-TEST(PeakSearch, EndOfFallIsTheLastFallingLag)
-{
-    //                              0  1  2  3  4  5  6  7  8  9 10
-    const std::vector<float> fall{9, 8, 7, 6, 5, 6, 7, 6, 5, 4, 0};
-    EXPECT_EQ(Pitch::FindEndOfFall(fall, 2, 9), 4); // lags below (2 + 9) / 2 = 5 are looked at
-    EXPECT_EQ(Pitch::FindEndOfFall(fall, 5, 9), 5); // but never below the shortest lag
-    EXPECT_EQ(Pitch::FindEndOfFall(fall, 1, 5), 2); // the limit cuts the walk short
-    const std::vector<float> rise{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0};
-    EXPECT_EQ(Pitch::FindEndOfFall(rise, 3, 9), 3);
-}
-
-TEST(PeakSearch, GhostsGoAsInAWalkDownFromTheLongestLag)
-{
-    for (const int maxLag : {20, 21, 245}) {
-        std::vector<float> values = MakeNoise(static_cast<std::size_t>(maxLag) + 2, 3);
-        values.back() = 0;
-        std::vector<float> expected = values;
-        for (int i = maxLag; i >= 5; --i) {
-            const auto at = [&](int lag) -> float& {
-                return expected[static_cast<std::size_t>(lag)];
-            };
-            const float s = std::min(at(i) * 0.5F, (at((i + 1) / 2) + at(i / 2)) * 0.125F);
-            if (s > 0) {
-                at(i) -= s;
-            }
-        }
-        std::vector<float> scratch(values.size());
-        Pitch::RemoveOctaveGhosts(values, scratch, 5, maxLag);
-        EXPECT_EQ(values, expected) << maxLag;
-    }
-}
-
 TEST(PeakSearch, FirstOfTheLargestWins)
 {
     for (int count = 1; count < 40; ++count) {

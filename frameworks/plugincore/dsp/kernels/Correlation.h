@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <cstddef>
+
+namespace DSP::Kernels {
+
+/// A complex transform of `length` elements in place, a power of two from 16: stages of radix 4 as
+/// long as more than 8 elements are left, then one of 4 or 8.
+struct TransformPlan {
+    std::ptrdiff_t length = 0;
+    const float* factors = nullptr;    ///< stage after stage: re, im of 3 factors a butterfly
+    const float* separation = nullptr; ///< of the real transform, by bin: cosine, sine, halved
+    const int* order = nullptr;        ///< where the element of each index has come to lie
+};
+
+/// Sizes and tables of a correlation; they outlive the plan. F is the length of the real transform
+/// and N = F / 2 that of the cosine transform.
+struct CorrelationPlan {
+    std::ptrdiff_t frameLength = 0;      ///< n, F / 4 to 3 F / 4
+    std::ptrdiff_t minLag = 0;           ///< shortest lag searched
+    std::ptrdiff_t maxLag = 0;           ///< longest, at least minLag, below N
+    TransformPlan whole;                 ///< N elements
+    TransformPlan half;                  ///< N / 2 elements
+    const float* window = nullptr;       ///< n values, and a 0
+    const float* sines = nullptr;        ///< sin(pi j / N) for j < N / 2
+    const float* cosines = nullptr;      ///< cos(pi j / N) for j < N / 2
+    const float* compensation = nullptr; ///< by lag, what makes up for the window's fall
+};
+
+/// Samples by phase: that of index i lies in row i modulo the step, column i / step. Frame j begins
+/// at column j.
+struct PolyphaseView {
+    const float* samples = nullptr;
+    std::ptrdiff_t rowLength = 0;
+    int stepShift = 0; ///< log2 of the step from one frame to the next, at least 1
+};
+
+/// Frames that one call may have at most; the rows of samples are readable that far.
+inline constexpr int MaxFrames = 16;
+
+/// Room that a row of results takes, in floats: what follows `maxLag` is 0.
+constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag)
+{
+    return (maxLag + 2 + MaxFrames - 1) / MaxFrames * MaxFrames;
+}
+
+/// Scratch that a call needs, in floats.
+constexpr std::ptrdiff_t GetCorrelationScratch(const CorrelationPlan& plan)
+{
+    return MaxFrames * (3 * plan.whole.length + GetCorrelationStride(plan.maxLag));
+}
+
+/// Where a call writes: for each frame a row of correlations, and the lag where its search begins.
+struct CorrelationResult {
+    float* correlation = nullptr; ///< rows of GetCorrelationStride(maxLag)
+    int* firstLags = nullptr;     ///< room for MaxFrames
+};
+
+/// Correlations of frames side by side, a frame a lane. All are [process].
+struct CorrelationKernels {
+    /// Takes 1 to MaxFrames frames through what Autocorr tells of.
+    void (*correlate)(const CorrelationPlan& plan,
+                      const PolyphaseView& source,
+                      int frames,
+                      float* scratch,
+                      const CorrelationResult& result) noexcept;
+};
+
+} // namespace DSP::Kernels

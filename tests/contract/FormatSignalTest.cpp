@@ -72,7 +72,6 @@ TEST_P(FormatSignal, ThatIsOddStaysAudioAndIsForgottenByAReset)
 }
 
 // The repair starts anew when it comes back, one latency late: only the way in is without a step.
-// (The repair works a little on the beginning of the sine.)
 TEST_P(FormatSignal, GoesIntoABypassWithoutAClickAndComesBackAsNew)
 {
     Audio sine(2, std::vector<float>(60'000));
@@ -86,6 +85,7 @@ TEST_P(FormatSignal, GoesIntoABypassWithoutAClickAndComesBackAsNew)
         host->SetParameter(GlobalBypass, ++number > 80 ? 1.0F : 0.0F);
         return 500U;
     });
+    // The repair works a little on the beginning of the sine.
     EXPECT_LT(LargestStep(output[0]), 1.1F * LargestStep(sine[0]));
 
     host->SetParameter(GlobalBypass, 0.0F);

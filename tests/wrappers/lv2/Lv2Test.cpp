@@ -75,25 +75,6 @@ protected:
 
 } // namespace
 
-TEST_F(Lv2Test, EachPluginGivesWhatTheModuleGivesForAnyBlocks)
-{
-    for (const Variant& variant : variants) {
-        const Audio expected = Expected(Speech(variant.channels));
-        ASSERT_NE(expected, Speech(variant.channels)) << "the test needs something to repair";
-        for (const uint32_t block : {1000U, 8193U, 65536U}) {
-            SCOPED_TRACE(testing::Message() << variant.name << ", blocks of " << block);
-            Lv2Host::Instance plugin(variant.name, variant.channels, rate, &features);
-            ASSERT_TRUE(plugin);
-            plugin.ConnectControls();
-            plugin.Activate();
-            Audio audio = Speech(variant.channels);
-            plugin.Run(audio, block);
-            plugin.Deactivate();
-            EXPECT_EQ(audio, expected);
-        }
-    }
-}
-
 TEST_F(Lv2Test, AHostThatNeverActivatesOffersNothingAndConnectsNoControlsIsServed)
 {
     const Audio expected = Expected(Speech(2));

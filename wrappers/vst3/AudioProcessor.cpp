@@ -6,8 +6,16 @@
 #include <travesty/component.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace Vst3 {
+
+namespace {
+
+constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
 
 const v3_audio_processor_cpp AudioProcessor::functions = {
     unknownTable,
@@ -25,6 +33,7 @@ AudioProcessor::AudioProcessor(Object& newOwner, Effect& newEffect)
     : Interface{&functions, &newOwner}
     , effect(newEffect)
 {
+    heard.fill(nothing);
 }
 
 // A host that asks for what isn't served looks next at what there is instead: the arrangement of
@@ -93,7 +102,7 @@ v3_result AudioProcessor::SetProcessing(v3_bool state) noexcept
     return V3_OK;
 }
 
-v3_result AudioProcessor::Process(v3_process_data* data) noexcept
+v3_result AudioProcessor::Process(v3_process_data* data) noexcept WRAPPER_NONBLOCKING
 {
     if (effect.GetInstance() == nullptr) {
         return V3_NOT_INITIALIZED;
@@ -110,24 +119,56 @@ v3_result AudioProcessor::Process(v3_process_data* data) noexcept
 void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
 {
     const auto frames = static_cast<uint32_t>(data.nframes);
-    const auto set = [this](uint32_t index, double value) { effect.HearValue(index, value); };
     ReadBus(data.inputs, data.num_input_buses, inputs);
     ReadBus(data.outputs, data.num_output_buses, outputs);
     queues.Begin(effect.GetIds(), data.input_params);
     for (uint32_t done = 0; done < frames;) {
-        queues.TakeUntil(done, set);
-        const uint32_t end = std::min(queues.NextOffset(), frames);
+        HearUntil(done);
+        const bool isBehindUi = effect.HasUiValues();
+        // The cut changes nothing in the audio.
+        const uint32_t end = isBehindUi ? done + 1 : std::min(queues.NextOffset(), frames);
         std::optional<double> position;
         if (data.ctx != nullptr) {
             position = static_cast<double>(data.ctx->project_time_in_samples) + done;
         }
+        effect.ForgetUiValues();
         RunPiece(done, end, position);
+        if (isBehindUi) {
+            Restate();
+        }
         done = end;
     }
     // What a host puts behind the end, and all that it gives with a block of no frames.
-    queues.TakeUntil(ParameterQueues::LastFrame, set);
+    HearUntil(ParameterQueues::LastFrame);
     FinishOutputs(
         data.outputs, data.num_output_buses, effect.GetArrangement().ChannelCount(), frames);
+}
+
+void AudioProcessor::HearUntil(uint32_t frame) noexcept
+{
+    const bool isBehindUi = effect.HasUiValues();
+    queues.TakeUntil(frame, [&](uint32_t index, double value) {
+        if (std::isnan(value)) {
+            return;
+        }
+        const double inside = std::clamp(value, 0.0, 1.0);
+        effect.HearValue(index, inside);
+        if (isBehindUi) {
+            heard[index] = inside;
+        }
+    });
+}
+
+// What is set on the UI side, by a loaded state too, acts from within the first frame that runs
+// after it, and so behind the points that come before that frame. These are the newer ones.
+void AudioProcessor::Restate() noexcept
+{
+    for (uint32_t index = 0; index < heard.size(); ++index) {
+        if (!std::isnan(heard[index])) {
+            effect.HearValue(index, heard[index]);
+            heard[index] = nothing;
+        }
+    }
 }
 
 void AudioProcessor::RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/common/Realtime.h"
 #include "wrappers/vst3/Effect.h"
 #include "wrappers/vst3/Object.h"
 #include "wrappers/vst3/ParameterQueues.h"
@@ -32,10 +33,12 @@ private:
     uint32_t GetLatencySamples() noexcept;
     v3_result SetupProcessing(v3_process_setup* setup);
     v3_result SetProcessing(v3_bool state) noexcept;
-    v3_result Process(v3_process_data* data) noexcept;
+    v3_result Process(v3_process_data* data) noexcept WRAPPER_NONBLOCKING;
     uint32_t GetTailSamples() noexcept;
 
     void RunBlock(const v3_process_data& data) noexcept;
+    void HearUntil(uint32_t frame) noexcept;
+    void Restate() noexcept;
     void RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept;
     void ReportParameters(v3_param_changes** changes) noexcept;
 
@@ -43,6 +46,8 @@ private:
 
     Effect& effect;
     ParameterQueues queues;
+    // What the audio side has heard since the UI side has set values; NaN: nothing.
+    std::array<double, ParameterQueues::MaxParameters> heard;
     Channels inputs{};  // of the block; null ones are missing
     Channels outputs{}; // likewise
 };

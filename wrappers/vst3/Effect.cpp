@@ -139,6 +139,7 @@ bool Effect::SetValue(v3_param_id id, double normalised) noexcept
     shown[*index] = value;
     if (!isActive || !isPlaying) {
         Apply(Wrapper::Side::UI, *index, value);
+        hasUiValues = true;
     }
     TellHost();
     return true;
@@ -146,9 +147,7 @@ bool Effect::SetValue(v3_param_id id, double normalised) noexcept
 
 void Effect::HearValue(uint32_t index, double normalised) noexcept
 {
-    if (!std::isnan(normalised)) {
-        Apply(Wrapper::Side::Process, index, std::clamp(normalised, 0.0, 1.0));
-    }
+    Apply(Wrapper::Side::Process, index, normalised);
 }
 
 void Effect::Apply(Wrapper::Side side, uint32_t index, double value) noexcept
@@ -186,6 +185,7 @@ bool Effect::Load(std::span<const uint8_t> session)
     if (instance == nullptr || !Wrapper::LoadSession(*instance, session)) {
         return false;
     }
+    hasUiValues = true;
     ShowValues();
     TellHost();
     return true;

@@ -62,8 +62,12 @@ public:
     /// As the host's UI side has it; normalised, 0 for an unknown id. [ui]
     double GetValue(v3_param_id id) noexcept;
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
-    /// A value of a block; NaN is passed over. [process]
+    /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
+    /// Whether the UI side has set values that the audio side takes over with the next frame that
+    /// runs, even if it has heard others since. [process]
+    bool HasUiValues() const noexcept { return hasUiValues; }
+    void ForgetUiValues() noexcept { hasUiValues = false; } ///< [process]
     /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
     /// given once. [any]
     uint32_t TakeUntold() noexcept { return untold.exchange(0); }
@@ -101,6 +105,7 @@ private:
     // The UI side of the instance learns of the audio side's values somewhat later.
     std::atomic<bool> isBypassed{false};
     std::atomic<uint32_t> untold{0};      // see TakeUntold()
+    std::atomic<bool> hasUiValues{false}; // see HasUiValues()
     std::atomic<bool> isDirty{false};     // the host is to be told
     std::atomic<bool> hasNews{false};     // TellHost() has something to look at
     std::atomic<int64_t> toldLatency{-1}; // samples; -1: the host hasn't asked

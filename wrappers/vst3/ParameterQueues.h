@@ -14,6 +14,8 @@ namespace Vst3 {
 /// many points as it takes, and the effect looks at its values once in many samples only.
 class ParameterQueues {
 public:
+    /// Further ones aren't heard.
+    static constexpr uint32_t MaxParameters = 32;
     static constexpr uint32_t None = ~uint32_t{0};
     static constexpr uint32_t LastFrame = None - 1;
 
@@ -47,8 +49,7 @@ private:
 
     static void Advance(Cursor& cursor) noexcept;
 
-    // One a parameter, as a host has one queue for each; further parameters aren't heard.
-    std::array<Cursor, 32> cursors{};
+    std::array<Cursor, MaxParameters> cursors{}; // one a parameter: a host has one queue for each
 };
 
 } // namespace Vst3

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/clap/Descriptor.h"
 
+#include "wrappers/common/ProductWords.h"
+
 #include <array>
 #include <utility>
 
@@ -9,9 +11,6 @@ namespace Clap {
 namespace {
 
 constexpr const char* pluginId = "example.puffguard.puffguard"; // sessions hold it
-
-constexpr const char* description = "Finds the bursts of air of \"p\" and \"b\" sounds in speech "
-                                    "and takes them down";
 
 // The format's type of the array isn't constant.
 std::array<const char*, 6> features = {CLAP_PLUGIN_FEATURE_AUDIO_EFFECT,
@@ -35,7 +34,7 @@ Descriptor::Descriptor(std::shared_ptr<const Wrapper::Module> newModule)
     descriptor.manual_url = "";
     descriptor.support_url = "";
     descriptor.version = product.versionText.c_str();
-    descriptor.description = description;
+    descriptor.description = Wrapper::shortDescription;
     descriptor.features = features.data();
 }
 

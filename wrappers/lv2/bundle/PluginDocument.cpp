@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/lv2/bundle/PluginDocument.h"
 
+#include "wrappers/common/ProductWords.h"
 #include "wrappers/lv2/Ports.h"
 #include "wrappers/lv2/bundle/Turtle.h"
 
@@ -144,12 +145,10 @@ std::string Head(const Wrapper::Product& product, const Variant& variant)
            " ;\n\tdoap:license <https://spdx.org/licenses/ISC> ;\n\tdoap:maintainer [ a "
            "foaf:Organization ; foaf:name " +
            TurtleText(product.vendorLong) + " ] ;\n\tdoap:shortdesc " +
-           TurtleText("Takes plosives out of speech") + " ;\n\trdfs:comment " +
-           TurtleText("Finds the bursts of air of \"p\" and \"b\" sounds in speech and takes them "
-                      "down to what the sound around them suggests; everything else passes "
-                      "unchanged.") +
-           " ;\n\tlv2:minorVersion " + std::to_string(product.versionNumber / minorUnit) +
-           " ;\n\tlv2:microVersion " + std::to_string(product.versionNumber % minorUnit) +
+           TurtleText(Wrapper::shortDescription) + " ;\n\trdfs:comment " +
+           TurtleText(Wrapper::longDescription) + " ;\n\tlv2:minorVersion " +
+           std::to_string(product.versionNumber / minorUnit) + " ;\n\tlv2:microVersion " +
+           std::to_string(product.versionNumber % minorUnit) +
            " ;\n\tlv2:optionalFeature lv2:hardRTCapable , urid:map , log:log , "
            "state:threadSafeRestore ;\n\tlv2:extensionData state:interface ;\n";
 }

@@ -103,9 +103,12 @@ uint32_t GetLatency(const clap_plugin_t* plugin) noexcept
 
 constexpr clap_plugin_latency_t latencyTable = {GetLatency};
 
-// The format counts the tail from the end of the input, whatever the latency: what a host cuts off
-// earlier is sound that still was on its way.
-constexpr Abi::PluginTail tailTable = {GetLatency};
+uint32_t GetTail(const clap_plugin_t* plugin) noexcept
+{
+    return PluginOf(plugin).GetTail();
+}
+
+constexpr Abi::PluginTail tailTable = {GetTail};
 
 bool HasHardRealtimeRequirement(const clap_plugin_t* /*plugin*/) noexcept
 {

@@ -36,6 +36,7 @@ bool Plugin::Init()
     isReady = true; // changes are heard from here on, so that no value is missed
     parameters->Refresh();
     toldLatency = GetLatency();
+    tail = toldLatency;
     return true;
 }
 
@@ -59,6 +60,7 @@ bool Plugin::Activate(double newRate)
     // activated.
     if (const uint32_t latency = GetLatency(); latency != toldLatency) {
         toldLatency = latency;
+        tail = latency;
         host.LatencyChanged();
     }
     isActive = true;
@@ -134,8 +136,13 @@ bool Plugin::SelectLayout(clap_id id)
     return false;
 }
 
-void Plugin::OnLatencyChanged(Wrapper::Side /*side*/, uint32_t /*samples*/) noexcept
+void Plugin::OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept
 {
+    if (side == Wrapper::Side::UI) {
+        // The format counts the tail from the end of the input, whatever the latency: what a host
+        // cuts off earlier is sound that still was on its way. Repaired sound ends with it, too.
+        tail = samples;
+    }
     // The format lets no latency change while a plug-in is active: the host has to restart it.
     if (isActive) {
         host.RequestCallback();

@@ -56,8 +56,10 @@ public:
     /// False, and nothing changed, when the bytes are no session. [main]
     bool Load(std::span<const uint8_t> session);
 
-    /// Samples. [any]
+    /// Samples. [main]
     uint32_t GetLatency() const noexcept;
+    /// How long sound comes out after the end of the input, in samples. [any]
+    uint32_t GetTail() const noexcept { return tail; }
 
     const Layout& GetLayout() const noexcept { return *layout; }
     /// False while active, and for an id that isn't in the list. [main]
@@ -86,6 +88,7 @@ private:
     std::atomic<bool> isActive{false};
 
     GestureQueue gestures;
+    std::atomic<uint32_t> tail{0};
     std::atomic<bool> isStateChanged{false};
     std::atomic<bool> areGesturesLost{false};
 

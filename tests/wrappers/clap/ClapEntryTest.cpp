@@ -98,6 +98,26 @@ TEST_F(ClapEntryTest, WithoutAModuleOfItsVersionThereIsNoPluginAndALineSaysWhy)
     }
 }
 
+TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
+{
+    const Unused unused(CLOSED_MODULE);
+    ASSERT_TRUE(ClapHost::BeginUse());
+    {
+        const ClapHost::Plugin plugin(host);
+        EXPECT_FALSE(plugin);
+        ASSERT_NE(plugin.Get(), nullptr);
+        EXPECT_EQ(plugin.Get()->get_extension(plugin.Get(), CLAP_EXT_STATE), nullptr);
+    }
+    ASSERT_EQ(host.logged.size(), 1U);
+    EXPECT_TRUE(host.logged[0].starts_with("puffguard.clap: ")) << host.logged[0];
+
+    host.offersExtensions = false;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(ClapHost::Plugin(host));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), host.logged[0] + "\n");
+    ClapHost::Entry()->deinit();
+}
+
 TEST_F(ClapEntryTest, NothingIsOfferedBeforeInit)
 {
     const clap_plugin_factory_t* factory = ClapHost::Factory();

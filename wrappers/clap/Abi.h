@@ -16,6 +16,10 @@ inline constexpr char extRender[] = "clap.render";
 inline constexpr char extTail[] = "clap.tail";
 inline constexpr char extSurround[] = "clap.surround/4";
 inline constexpr char extSurroundDraft[] = "clap.surround.draft/4"; ///< the same, as it began
+
+// Types of ports: one text each, for tables that stand in several files.
+inline constexpr char portMono[] = "mono";
+inline constexpr char portStereo[] = "stereo";
 inline constexpr char portSurround[] = "surround";
 
 /// A stepped parameter whose values have names.

@@ -3,8 +3,6 @@
 
 #include "wrappers/clap/Abi.h"
 
-#include <clap/ext/audio-ports.h>
-
 #include <array>
 #include <cstdint>
 #include <span>
@@ -52,8 +50,8 @@ inline constexpr std::array<uint8_t, 8> surround71 = {Abi::FrontLeft,
 } // namespace Speakers
 
 inline constexpr std::array<Layout, 4> layouts = {{
-    {1, "Mono", CLAP_PORT_MONO, Speakers::mono},
-    {2, "Stereo", CLAP_PORT_STEREO, Speakers::stereo},
+    {1, "Mono", Abi::portMono, Speakers::mono},
+    {2, "Stereo", Abi::portStereo, Speakers::stereo},
     {6, "5.1", Abi::portSurround, Speakers::surround51},
     {8, "7.1", Abi::portSurround, Speakers::surround71},
 }};

@@ -43,3 +43,18 @@ function(puffguard_library name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_link_libraries(${name} PUBLIC project_options ${ARG_LINKS})
 endfunction()
+
+# What users read of the plug-in, in each bundle: puffguard_documentation(BUNDLE_TARGET FOLDER PLACE)
+# copies it into FOLDER when the target is built, and installs it in PLACE below the prefix.
+function(puffguard_documentation bundle folder place)
+    set(source ${PROJECT_SOURCE_DIR}/docs/plugin.txt)
+    add_custom_command(
+        OUTPUT ${folder}/documentation.txt
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+        COMMAND ${CMAKE_COMMAND} -E copy ${source} ${folder}/documentation.txt
+        DEPENDS ${source}
+        VERBATIM)
+    add_custom_target(${bundle}_documentation DEPENDS ${folder}/documentation.txt)
+    add_dependencies(${bundle} ${bundle}_documentation)
+    install(FILES ${source} DESTINATION ${place} RENAME documentation.txt)
+endfunction()

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: ISC
+// The process call of every format under the real-time sanitizer: the wrappers and the module mark
+// theirs as non-blocking, and whatever could wait inside of one ends the program with a report.
+#include "tests/contract/support/Formats.h"
+#include "tests/contract/support/Takes.h"
+
+#include "frameworks/qobase/util/CriticalSection.h"
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <mutex>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Contract::Audio;
+using Contract::Format;
+using Contract::FormatHost;
+
+constexpr double rate = 48000;
+constexpr uint32_t longest = 4096;
+constexpr int exitOfReport = 43; // the sanitizer's own
+
+/// Runs all of `input` in blocks, with `between` before each.
+void Play(FormatHost& host,
+          const Audio& input,
+          uint32_t block,
+          const std::function<void(uint32_t)>& between)
+{
+    uint32_t number = 0;
+    Contract::Play(host, input, [&] {
+        between(number++);
+        return block;
+    });
+}
+
+class RealtimeSanitizer : public testing::TestWithParam<Format> {
+protected:
+    void Make(uint32_t channels)
+    {
+        host = GetParam().make(rate, channels);
+        ASSERT_NE(host, nullptr);
+        ASSERT_TRUE(host->Activate(rate, longest));
+    }
+
+    std::unique_ptr<FormatHost> host;
+};
+
+TEST_P(RealtimeSanitizer, FindsNothingWhileEveryControlMoves)
+{
+    for (const uint32_t channels : {1U, 2U, 6U}) {
+        Make(channels);
+        for (const uint32_t block : {1U, 64U, 480U, longest}) {
+            const uint32_t every = block < 64 ? 500 : 1;
+            const Audio input = Contract::MakeSpeech(rate, channels, block < 64 ? 0.1 : 0.8);
+            Play(*host, input, block, [&](uint32_t number) {
+                if (number % every == 0) {
+                    const uint32_t step = number / every;
+                    host->SetParameter(step % host->CountParameters(),
+                                       static_cast<float>(step % 9) / 8.0F);
+                }
+            });
+        }
+    }
+}
+
+TEST_P(RealtimeSanitizer, FindsNothingAfterAStateWasLoaded)
+{
+    Make(2);
+    const std::vector<uint8_t> first = host->Save();
+    host->SetParameter(1, 0.125F);
+    Contract::Play(*host, Audio(2, std::vector<float>(longest)), longest);
+    const std::vector<uint8_t> second = host->Save();
+    Play(*host, Contract::MakeSpeech(rate, 2), 256, [&](uint32_t number) {
+        if (number % 16 == 0) {
+            ASSERT_TRUE(host->Load(number % 32 == 0 ? first : second));
+        }
+    });
+}
+
+TEST_P(RealtimeSanitizer, FindsNothingInBlocksOfNoFramesOrNoMemory)
+{
+    Make(2);
+    for (int i = 0; i < 3; ++i) {
+        host->SetParameter(0, static_cast<float>(i) / 4.0F);
+        host->Process(nullptr, nullptr, 0);
+        const std::array<float*, 2> none = {};
+        host->Process(none.data(), none.data(), 64);
+    }
+}
+
+/// A page that makes whoever touches it first call the system.
+class Trap {
+public:
+    Trap()
+        : size(static_cast<size_t>(sysconf(_SC_PAGESIZE)))
+        , page(mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
+    {
+        current = this;
+        struct sigaction action = {};
+        action.sa_handler = [](int) {
+            mprotect(current->page, current->size, PROT_READ | PROT_WRITE);
+        };
+        sigaction(SIGSEGV, &action, nullptr);
+    }
+    Trap(const Trap&) = delete;
+    Trap& operator=(const Trap&) = delete;
+    Trap(Trap&&) = delete;
+    Trap& operator=(Trap&&) = delete;
+    ~Trap() { munmap(page, size); }
+
+    float* Get() const { return static_cast<float*>(page); }
+
+private:
+    static inline Trap* current = nullptr;
+    size_t size;
+    void* page;
+};
+
+// A wrapper copies between different memory itself; the module is given one memory.
+TEST_P(RealtimeSanitizer, WatchesFromTheFirstTouchOfTheHostsMemory)
+{
+    // The module has a thread of its own, which a mere fork would leave behind.
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    Make(1);
+    std::vector<float> elsewhere(64);
+    const auto run = [&](bool isInPlace) {
+        const Trap trap;
+        float* const input = trap.Get();
+        float* const output = isInPlace ? trap.Get() : elsewhere.data();
+        host->Process(&input, &output, 64);
+        _exit(0);
+    };
+    EXPECT_EXIT(run(true), testing::ExitedWithCode(exitOfReport), "mprotect");
+    if (std::string_view(GetParam().name) != "Entry") {
+        EXPECT_EXIT(run(false), testing::ExitedWithCode(exitOfReport), "mprotect");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats,
+                         RealtimeSanitizer,
+                         testing::ValuesIn(Contract::GetFormats()),
+                         [](const auto& info) { return Contract::NameOf(info); });
+
+void CallWatched(void (*function)()) noexcept UTIL_NONBLOCKING
+{
+    function();
+}
+
+std::mutex plainMutex;
+void* volatile kept = nullptr;
+
+/// What the audio side must not do, and what the report then names.
+struct Misdeed {
+    const char* report;
+    void (*commit)();
+};
+
+TEST(RealtimeSanitizerReport, NamesWhatMayWait)
+{
+    const Misdeed misdeeds[] = {
+        {"malloc", [] { kept = std::malloc(16); }},
+        {"free", [] { std::free(std::exchange(kept, nullptr)); }},
+        {"malloc", [] { kept = ::operator new(16); }},
+        {"pthread_mutex_lock", [] { const std::lock_guard guard(plainMutex); }},
+    };
+    kept = std::malloc(16);
+    for (const auto& [report, commit] : misdeeds) {
+        EXPECT_EXIT(CallWatched(commit), testing::ExitedWithCode(exitOfReport), report);
+    }
+}
+
+TEST(RealtimeSanitizerReport, PassesOverNamedLocksButNotOverWhatIsDoneUnderThem)
+{
+    static Util::CriticalSection section("a name");
+    CallWatched([] {
+        section.Enter();
+        section.Leave();
+    });
+    EXPECT_EXIT(CallWatched([] {
+                    const Util::CriticalSectionGuard guard(section);
+                    kept = std::malloc(16);
+                }),
+                testing::ExitedWithCode(exitOfReport),
+                "malloc");
+}
+
+} // namespace

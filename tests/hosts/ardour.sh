@@ -96,8 +96,7 @@ run_session() {
 # The host's own scanner loads the bundle, and its list is where the session finds it: but only when the
 # binary is older than the list, which the scanner gives the binary's own time.
 scan_vst3() {
-    mkdir -p "$HOME/.vst3"
-    cp -R "$vst3" "$HOME/.vst3/"
+    install_plugins
     find "$HOME/.vst3" -name '*.so' -exec touch -d '1 hour ago' {} +
     limited env LD_LIBRARY_PATH=/usr/lib/ardour7 /usr/lib/ardour7/ardour-vst3-scanner -f -v \
         "$HOME/.vst3/$(basename "$vst3")" &&

@@ -7,13 +7,14 @@ set -uo pipefail
 # shellcheck source=tests/hosts/support.sh
 source "$(dirname "${BASH_SOURCE[0]}")/support.sh"
 
-bundle=$build/lib/clap/puffguard/puffguard.clap
+bundle=$HOME/.clap/puffguard/puffguard.clap
 scanner=$(dpkg -L qtractor | grep -m 1 '/qtractor_plugin_scan$')
 
 # The scanner reads what to load from its standard input.
 scan() { limited sh -c 'echo "CLAP:$1" | "$2"' sh "$1" "$scanner"; }
 
 versions qtractor
+install_plugins
 if [ ! -f "$bundle" ]; then
     echo "skipped CLAP: not part of this build"
     finish

@@ -69,6 +69,13 @@ check_documents() {
     done
 }
 
+# Installed, they are found without being told where.
+check_installed() {
+    install_plugins
+    limited env -u LV2_PATH lv2ls && [ "$(grep -c "^$uri/" "$scratch/log")" -eq 4 ]
+    result $? "lv2ls finds the installed plug-ins"
+}
+
 # Without its module a plug-in declines: the host says so and ends by itself. (lv2apply is left out:
 # it runs what it doesn't have.)
 check_missing_module() {
@@ -84,6 +91,7 @@ check_missing_module() {
 
 versions lilv-utils lv2file lv2proc sordi ffmpeg
 check_documents
+check_installed
 check_missing_module
 
 ffmpeg_quietly -i "$root/tools/sample/plosives.flac" -c:a pcm_f32le "$scratch/in.wav"

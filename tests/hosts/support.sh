@@ -110,6 +110,12 @@ repaired() {
         --strength "$strength" --upper-frequency "$upper_frequency" "${@:3}"
 }
 
+# install_plugins: where hosts look for them in the scratch home.
+install_plugins() {
+    limited "$root/tools/install-plugins.sh" "$build"
+    result $? "plug-ins are installed"
+}
+
 recordings=${PUFFGUARD_MATERIAL:-$root/../shared}/audio
 
 # each_recording FUNCTION: with every file of the recordings, if they are there.

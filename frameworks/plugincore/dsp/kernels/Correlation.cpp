@@ -132,7 +132,7 @@ struct Batch {
                 odd -= __builtin_convertvector(bin.im, Wide);
             }
         }
-        for (Index lag = plan.maxLag + 1; lag < GetCorrelationStride(plan.maxLag); ++lag) {
+        for (Index lag = plan.maxLag + 1; lag < GetLagCount(plan.maxLag); ++lag) {
             Store(lags + L * lag, V{});
         }
     }
@@ -172,7 +172,7 @@ struct Batch {
         for (int frame = 0; frame < frames; ++frame) {
             result.firstLags[frame] = firstLag[frame];
         }
-        for (Index lag = 0; lag < stride; lag += L) {
+        for (Index lag = 0; lag < GetLagCount(plan.maxLag); lag += L) {
             V rows[L];
             for (int i = 0; i < L; ++i) {
                 rows[i] = TakeGhost(lag + i, firstLag);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/LagSearch.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 #include <cstddef>
@@ -41,21 +42,27 @@ struct PolyphaseView {
 /// Frames that one call may have at most; the rows of samples are readable that far.
 inline constexpr int MaxFrames = 16;
 
-/// Room that a row of results takes, in floats: what follows `maxLag` is 0.
-constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag)
+/// Lags that a row of results has, of which those after `maxLag`, one at least, are 0.
+constexpr std::ptrdiff_t GetLagCount(std::ptrdiff_t maxLag)
 {
     return (maxLag + 2 + MaxFrames - 1) / MaxFrames * MaxFrames;
+}
+
+/// Room that a row of results takes, in floats.
+constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag)
+{
+    return GetLagCount(maxLag) + LagPadding;
 }
 
 /// Scratch that a call needs, in floats.
 constexpr std::ptrdiff_t GetCorrelationScratch(const CorrelationPlan& plan)
 {
-    return MaxFrames * (3 * plan.whole.length + GetCorrelationStride(plan.maxLag));
+    return MaxFrames * (3 * plan.whole.length + GetLagCount(plan.maxLag));
 }
 
 /// Where a call writes: for each frame a row of correlations, and the lag where its search begins.
 struct CorrelationResult {
-    float* correlation = nullptr; ///< rows of GetCorrelationStride(maxLag)
+    float* correlation = nullptr; ///< rows of GetCorrelationStride(maxLag), whose padding is kept
     int* firstLags = nullptr;     ///< room for MaxFrames
 };
 

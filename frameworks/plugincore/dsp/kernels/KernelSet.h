@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
+#include "frameworks/plugincore/dsp/kernels/LagSearch.h"
 #include "frameworks/plugincore/dsp/kernels/Level.h"
 #include "frameworks/plugincore/dsp/kernels/Overlap.h"
 
@@ -10,6 +11,7 @@ namespace DSP::Kernels {
 /// The kernels of one level, by the header that tells what they do.
 struct KernelSet {
     const CorrelationKernels& correlation;
+    const LagSearchKernels& lagSearch;
     const OverlapKernels& overlap;
 };
 

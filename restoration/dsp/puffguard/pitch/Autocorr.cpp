@@ -118,8 +118,7 @@ void Autocorr::Compute(const Kernels::PolyphaseView& source, int frames) noexcep
 std::span<float> Autocorr::GetCorrelation(int frame) noexcept UTIL_NONBLOCKING
 {
     const auto stride = static_cast<std::size_t>(Kernels::GetCorrelationStride(plan.maxLag));
-    return std::span(correlations)
-        .subspan(stride * static_cast<std::size_t>(frame), static_cast<std::size_t>(lagCount) + 1);
+    return std::span(correlations).subspan(stride * static_cast<std::size_t>(frame), stride);
 }
 
 } // namespace DSP

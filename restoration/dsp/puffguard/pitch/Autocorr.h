@@ -39,8 +39,9 @@ public:
     /// Takes 1 to MaxFrames frames. [process]
     void Compute(const Kernels::PolyphaseView& source, int frames) noexcept UTIL_NONBLOCKING;
 
-    /// Correlation of a frame of the latest call for the lags 0..maxLag, and a 0; the caller may
-    /// change it. [process]
+    /// Correlation of a frame of the latest call for the lags 0..maxLag, a row of
+    /// Kernels::GetCorrelationStride() that is 0 from there on; the caller may change the lags, as
+    /// long as none is negative. [process]
     std::span<float> GetCorrelation(int frame) noexcept UTIL_NONBLOCKING;
 
     /// First lag at which the fall from lag 0 has ended, but at least minLag. [process]

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/LagTracker.h"
 
-#include "restoration/dsp/puffguard/VectorOps.h"
 #include "restoration/dsp/puffguard/pitch/PeakSearch.h"
 
 #include <algorithm>
@@ -11,8 +10,6 @@ namespace DSP::Synapse {
 
 namespace {
 
-constexpr double RiseSeconds = 0.001;
-constexpr double FallSeconds = 0.015;
 constexpr double ConfidenceSeconds = 0.02;
 constexpr float ConfidenceAtStart = 0.5F;
 constexpr float ValuePerLog = 32.0F;
@@ -40,17 +37,16 @@ DP::Candidate MakeCandidate(float pitchHz, float clarity) noexcept UTIL_NONBLOCK
 } // namespace
 
 LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
-    : minLag(sizes.minLag)
+    : kernels(Kernels::GetKernels().lagSearch)
+    , minLag(sizes.minLag)
     , maxLag(sizes.maxLag)
     , decimatedRate(sizes.decimatedRate)
     , delayFrames(newDelayFrames)
     , map(sizes)
     , path(newDelayFrames + 1)
     , gate(newDelayFrames)
-    , score(static_cast<std::size_t>(maxLag) + 1)
 {
     const auto rate = static_cast<double>(sizes.trackerRate);
-    smoother.configure(score.size(), RiseSeconds, FallSeconds, rate, 0.0F);
     confidence.configure(ConfidenceSeconds, rate, ConfidenceAtStart);
     Reset();
 }
@@ -58,7 +54,6 @@ LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
 void LagTracker::Reset() noexcept UTIL_NONBLOCKING
 {
     map.Reset();
-    smoother.reset();
     confidence.reset();
     path.Reset();
     gate.Reset();
@@ -75,19 +70,10 @@ void LagTracker::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
     }
 }
 
-/// Fills `score` from the smoothed correlation and the map, which then relaxes.
-void LagTracker::Score(std::span<const float> correlation) noexcept UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindPeak(const Lags& lags) const noexcept UTIL_NONBLOCKING
 {
-    const float* const smoothed = smoother.process(correlation.data());
-    const float* const weight = map.GetWeights().data();
-    VectorOps::Multiply(weight, smoothed, score.data(), score.size());
-    map.Relax();
-}
-
-LagTracker::Peak LagTracker::FindPeak(std::span<const float> correlation,
-                                      int firstLag) const noexcept UTIL_NONBLOCKING
-{
-    const int found = FindFirstLargest(score, firstLag, maxLag);
+    const int found = kernels.findFirstLargest(lags.scores, lags.first, maxLag);
+    const std::span<const float> correlation = lags.correlation;
     const int top = ClimbToPeak(correlation, found, map.GetMargin(), maxLag);
     return {found,
             top,
@@ -97,14 +83,14 @@ LagTracker::Peak LagTracker::FindPeak(std::span<const float> correlation,
 
 /// Fills `candidates`: the best lags, and last the octave above the best, in case the best is an
 /// octave too low. Answers the best.
-LagTracker::Peak LagTracker::FindCandidates(std::span<float> correlation, int firstLag) noexcept
-    UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindCandidates(const Lags& lags) noexcept UTIL_NONBLOCKING
 {
     const int slots = dynamicProgramming ? DP::DynProgCached::CandidateCount : 1;
     const int searched = std::max(slots - 1, 1);
+    const std::span<const float> correlation = lags.correlation;
     Peak plain{};
     for (int k = 0; k < searched; ++k) {
-        const Peak peak = FindPeak(correlation, firstLag);
+        const Peak peak = FindPeak(lags);
         const float pitchHz = decimatedRate / peak.lag;
         candidates[static_cast<std::size_t>(k)] = MakeCandidate(pitchHz, peak.clarity);
         if (k == 0) {
@@ -114,8 +100,8 @@ LagTracker::Peak LagTracker::FindCandidates(std::span<float> correlation, int fi
             candidates.back() =
                 MakeCandidate(2.0F * pitchHz, std::max(peak.clarity * 0.5F, halfClarity));
         }
-        ErasePeak(score, peak.found, maxLag);
-        ErasePeak(correlation, peak.top, maxLag);
+        kernels.erasePeak(lags.scores, peak.found, maxLag);
+        kernels.erasePeak(lags.correlation.data(), peak.top, maxLag);
         map.Mark(peak.found, peak.lag, plain.clarity);
     }
     return plain;
@@ -130,8 +116,7 @@ float LagTracker::Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKI
 
 LagEstimate LagTracker::Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING
 {
-    Score(correlation);
-    const Peak plain = FindCandidates(correlation, firstLag);
+    const Peak plain = FindCandidates({correlation, map.Score(correlation.data()), firstLag});
     if (!dynamicProgramming) {
         // Nothing is looked ahead for, so nothing may wait: the run's own cost decides.
         const float smoothed = Settle(plain.lag, plain.clarity);

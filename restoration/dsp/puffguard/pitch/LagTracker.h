@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/RunningExp.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
@@ -9,7 +10,6 @@
 #include "restoration/dsp/puffguard/pitch/VoicingGate.h"
 
 #include <span>
-#include <vector>
 
 namespace DSP::Synapse {
 
@@ -34,11 +34,18 @@ public:
     /// Off: the lag is answered as voiced at once, without the voicing gate and its delay.
     void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING { analysing = enabled; }
 
-    /// One run on the autocorrelation of a frame by lag, 0..maxLag and one value of 0; lags from
+    /// One run on the autocorrelation of a frame by lag, a row as Autocorr gives it; lags from
     /// `firstLag` on are searched. The peaks found are erased from it.
     LagEstimate Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING;
 
 private:
+    /// What a run searches, by lag.
+    struct Lags {
+        std::span<float> correlation;
+        float* scores;
+        int first;
+    };
+
     /// Where a candidate lies, and how periodic the frame is there.
     struct Peak {
         int found; ///< lag of the best score
@@ -47,11 +54,11 @@ private:
         float clarity;
     };
 
-    void Score(std::span<const float> correlation) noexcept UTIL_NONBLOCKING;
-    Peak FindPeak(std::span<const float> correlation, int firstLag) const noexcept UTIL_NONBLOCKING;
-    Peak FindCandidates(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING;
+    Peak FindPeak(const Lags& lags) const noexcept UTIL_NONBLOCKING;
+    Peak FindCandidates(const Lags& lags) noexcept UTIL_NONBLOCKING;
     float Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING;
 
+    const Kernels::LagSearchKernels& kernels;
     int minLag;
     int maxLag;
     float decimatedRate;
@@ -59,13 +66,11 @@ private:
     bool dynamicProgramming = true;
     bool analysing = true;
     LagMap map;
-    RunningExps2<float> smoother; // by lag
     RunningExp<float> confidence;
     DP::DynProgCached path;
     VoicingGate gate;
     DP::DynProgCached::Candidates candidates;
-    std::vector<float> score; // maxLag + 1
-    float lag = 0;            // answer of the run before
+    float lag = 0; // answer of the run before
 };
 
 } // namespace DSP::Synapse

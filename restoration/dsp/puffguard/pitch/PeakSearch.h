@@ -11,9 +11,6 @@ namespace DSP::Synapse {
 /// `correlation` has one value more than the longest lag searched, and that one reads 0.
 /// All are [process].
 
-/// Index of the first largest value from `first` to `last` inclusive.
-int FindFirstLargest(std::span<const float> values, int first, int last) noexcept UTIL_NONBLOCKING;
-
 /// From lag `start` up the slope to the top of the correlation, at most `reach` lags away.
 int ClimbToPeak(std::span<const float> correlation, int start, int reach, int maxLag) noexcept
     UTIL_NONBLOCKING;
@@ -26,9 +23,5 @@ float RefineLag(std::span<const float> correlation, int peak, int fallback) noex
 /// How periodic a frame with this value of the correlation is, 0 to 1; `atZero` is its value at
 /// lag 0.
 float GetClarity(float value, float atZero) noexcept UTIL_NONBLOCKING;
-
-/// Zeroes the peak around `centre`: five values each way, counting the centre, and then as long as
-/// they fall, down to index 0 and up to `last`.
-void ErasePeak(std::span<float> values, int centre, int last) noexcept UTIL_NONBLOCKING;
 
 } // namespace DSP::Synapse

@@ -3,38 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <random>
 #include <vector>
 
 namespace {
 
 namespace Pitch = DSP::Synapse;
-
-std::vector<float> MakeNoise(std::size_t count, unsigned seed)
-{
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> level(0, 1);
-    std::vector<float> noise(count);
-    std::generate(noise.begin(), noise.end(), [&] { return level(random); });
-    return noise;
-}
-
-TEST(PeakSearch, FirstOfTheLargestWins)
-{
-    for (int count = 1; count < 40; ++count) {
-        std::vector<float> values = MakeNoise(static_cast<std::size_t>(count) + 3, 5);
-        const auto begin = values.begin() + 2;
-        const auto largest = std::max_element(begin, begin + count);
-        values.front() = 2; // outside the range
-        values.back() = 2;
-        EXPECT_EQ(Pitch::FindFirstLargest(values, 2, count + 1), largest - values.begin());
-        *largest = 1; // twice the same
-        *begin = 1;
-        EXPECT_EQ(Pitch::FindFirstLargest(values, 2, count + 1), 2);
-    }
-}
 
 TEST(PeakSearch, ClimbsBothWaysWithinItsReach)
 {
@@ -68,36 +41,6 @@ TEST(PeakSearch, ClarityRisesFromAHundredthToTheWhole)
     EXPECT_EQ(Pitch::GetClarity(2.1F, 2.0F), 1.0F);
     // (1.01 - 0.02) / (2 + 1e-6 - 0.02) = 0.5
     EXPECT_NEAR(Pitch::GetClarity(1.01F, 2.0F), 0.5F, 1e-6F);
-}
-
-TEST(PeakSearch, ErasingEndsWhereValuesRiseAgain)
-{
-    //                          0  1  2  3  4  5  6  7  8  9 10 11 12 13 14 15 16
-    std::vector<float> values{9, 3, 2, 3, 4, 1, 5, 9, 5, 6, 4, 3, 2, 2, 1, 4, 5};
-    Pitch::ErasePeak(values, 7, 15);
-    // Down: 7..3 anyway, 2 (not above 3), then 1 is above 2. Up: 7..11 anyway, 12, 13 (equal is no
-    // rise), 14, then 15 is above 14.
-    const std::vector<float> expected{9, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5};
-    EXPECT_EQ(values, expected);
-}
-
-TEST(PeakSearch, ErasingTakesFiveValuesAnyway)
-{
-    // All values rise away from the centre: the five that go anyway are the centre and four more.
-    std::vector<float> valley{6, 5, 4, 3, 2, 1, 0.5F, 1, 2, 3, 4, 5, 6};
-    Pitch::ErasePeak(valley, 6, 12);
-    EXPECT_EQ(valley, (std::vector<float>{6, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 6}));
-}
-
-TEST(PeakSearch, ErasingStopsAtBothEnds)
-{
-    std::vector<float> falling{1, 2, 3, 4, 5, 6, 7, 6, 5, 4, 3, 2, 1};
-    Pitch::ErasePeak(falling, 6, 11);
-    const std::vector<float> expected{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
-    EXPECT_EQ(falling, expected);
-    std::vector<float> narrow{1, 5, 1, 0};
-    Pitch::ErasePeak(narrow, 1, 2);
-    EXPECT_EQ(narrow, std::vector<float>(4, 0.0F));
 }
 
 } // namespace

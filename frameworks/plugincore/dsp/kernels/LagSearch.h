@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <cstddef>
+
+namespace DSP::Kernels {
+
+/// What an array by lag must have behind its last lag, in floats: zeros in values that are
+/// searched, anything in others.
+inline constexpr std::ptrdiff_t LagPadding = 16;
+
+/// How the scores of the lags follow their values.
+struct ScoreTimes {
+    float rise = 1;       ///< part of the way up that a smoothed value takes
+    float fall = 1;       ///< part of the way down
+    float relaxation = 0; ///< part of the way to 1 that a weight takes
+};
+
+/// A period of a cosine, from -b to b, in steps of pi / b.
+struct BellTable {
+    const float* cosines = nullptr; ///< 2 b + 1 values and LagPadding
+    const float* sines = nullptr;   ///< likewise
+    int margin = 0;                 ///< b
+};
+
+/// A bell over the lags within b of `index`: its top lies off `index` by the angle whose cosine and
+/// sine are these.
+struct Bell {
+    int index = 0;
+    float cosine = 1;
+    float sine = 0;
+};
+
+/// Steps of the search for the best lags. No value is negative. All are [process].
+struct LagSearchKernels {
+    /// For each lag: the smoothed value follows values[i], scores[i] is it by weights[i], and that
+    /// relaxes toward 1. `count` is a multiple of LagPadding.
+    void (*score)(const ScoreTimes& times,
+                  const float* values,
+                  float* smoothed,
+                  float* weights,
+                  float* scores,
+                  std::ptrdiff_t count) noexcept;
+
+    /// Index of the first largest value from `first` to `last` inclusive.
+    int (*findFirstLargest)(const float* values, int first, int last) noexcept;
+
+    /// Zeroes the peak around `centre`: five values each way, counting the centre, and then as long
+    /// as they fall, down to index 0 and up to `last`.
+    void (*erasePeak)(float* values, int centre, int last) noexcept;
+
+    /// weights[i] = max(weights[i], bell[i] * slope + 1), with the bell between 0 and 1. Up to
+    /// LagPadding weights behind the bell are read, too.
+    void (*raise)(const BellTable& table, const Bell& bell, float slope, float* weights) noexcept;
+
+    /// weights[i] = min(weights[i], 1 - bell[i] * depth)
+    void (*lower)(const BellTable& table, const Bell& bell, float depth, float* weights) noexcept;
+};
+
+} // namespace DSP::Kernels

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/dsp/kernels/LagSearch.h"
+
+#include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <random>
+#include <vector>
+
+using namespace DSP::Kernels;
+
+namespace {
+
+void ForEachLevel(const std::function<void(const LagSearchKernels&)>& check)
+{
+    for (const Level level : Support::GetSupportedLevels()) {
+        SCOPED_TRACE(static_cast<int>(level));
+        check(GetKernels(level).lagSearch);
+    }
+}
+
+/// So many values, and the zeros behind that a search needs.
+std::vector<float> MakeValues(std::size_t count, unsigned seed)
+{
+    std::minstd_rand random(seed);
+    std::uniform_real_distribution<float> level(0, 1);
+    std::vector<float> values(count);
+    std::generate(values.begin(), values.end(), [&] { return level(random); });
+    values.resize(count + LagPadding);
+    return values;
+}
+
+/// As it is said of one lag after the other.
+void ErasePlainly(std::vector<float>& values, int centre, int last)
+{
+    const std::vector<float> before = values;
+    const auto erase = [&](int direction) {
+        const auto at = [&](int step) {
+            return static_cast<std::size_t>(centre + step * direction);
+        };
+        for (int step = 0; centre + step * direction >= 0 && centre + step * direction <= last;
+             ++step) {
+            if (step >= 5 && before[at(step)] > before[at(step - 1)]) {
+                return;
+            }
+            values[at(step)] = 0;
+        }
+    };
+    erase(-1);
+    erase(1);
+}
+
+} // namespace
+
+TEST(LagSearch, FirstOfTheLargestWins)
+{
+    ForEachLevel([](const LagSearchKernels& kernels) {
+        for (int count = 1; count < 70; ++count) {
+            std::vector<float> values = MakeValues(static_cast<std::size_t>(count) + 2, 5);
+            const auto begin = values.begin() + 2;
+            const auto largest = std::max_element(begin, begin + count);
+            values.front() = 2; // outside the range
+            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1),
+                      largest - values.begin());
+            *largest = 1; // twice the same
+            *begin = 1;
+            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1), 2);
+            std::fill(values.begin(), values.end(), 0.0F);
+            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1), 2);
+        }
+    });
+}
+
+TEST(LagSearch, ErasingEndsWhereValuesRiseAgain)
+{
+    //                                0  1  2  3  4  5  6  7  8  9 10 11 12 13 14 15 16
+    const std::vector<float> values{9, 3, 2, 3, 4, 1, 5, 9, 5, 6, 4, 3, 2, 2, 1, 4, 5};
+    // Down: 7..3 anyway, 2 (not above 3), then 1 is above 2. Up: 7..11 anyway, 12, 13 (equal is no
+    // rise), 14, then 15 is above 14.
+    std::vector<float> expected{9, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5};
+    expected.resize(values.size() + LagPadding);
+    ForEachLevel([&](const LagSearchKernels& kernels) {
+        std::vector<float> erased = values;
+        erased.resize(expected.size());
+        kernels.erasePeak(erased.data(), 7, 15);
+        EXPECT_EQ(erased, expected);
+    });
+}
+
+// Peaks of every width at every place, so that both ends and every place in a vector come up.
+TEST(LagSearch, ErasesWhatThePlainWalkErases)
+{
+    for (const double width : {2.0, 9.0, 33.0, 200.0}) {
+        for (const int last : {11, 62, 63}) {
+            for (int centre = 0; centre <= last; ++centre) {
+                std::vector<float> values = MakeValues(static_cast<std::size_t>(last) + 1, 3);
+                for (int i = 0; i <= last; ++i) {
+                    const double slope = std::max(0.0, 1 - std::abs(i - centre) / width);
+                    float& value = values[static_cast<std::size_t>(i)];
+                    value = value * 0.02F + static_cast<float>(slope);
+                }
+                std::vector<float> expected = values;
+                ErasePlainly(expected, centre, last);
+                ForEachLevel([&](const LagSearchKernels& kernels) {
+                    std::vector<float> erased = values;
+                    kernels.erasePeak(erased.data(), centre, last);
+                    EXPECT_EQ(erased, expected) << width << " " << last << " " << centre;
+                });
+            }
+        }
+    }
+}
+
+TEST(LagSearch, ScoresFollowByTheirTimes)
+{
+    constexpr std::size_t Count = 48;
+    const ScoreTimes times{.rise = 0.75F, .fall = 0.25F, .relaxation = 0.5F};
+    std::vector<float> values = MakeValues(Count, 1);
+    std::vector<float> smoothed = MakeValues(Count, 2);
+    const std::vector<float> weights = MakeValues(Count, 3);
+    values[5] = 0; // a state that has all but faded ends at 0
+    smoothed[5] = 1.2e-30F;
+    ForEachLevel([&](const LagSearchKernels& kernels) {
+        std::vector<float> state = smoothed;
+        std::vector<float> weight = weights;
+        std::vector<float> scores(Count);
+        kernels.score(times, values.data(), state.data(), weight.data(), scores.data(), Count);
+        EXPECT_EQ(state[5], 0.0F);
+        for (std::size_t i = 0; i < Count; ++i) {
+            const float part = values[i] > smoothed[i] ? 0.75F : 0.25F;
+            const float followed = smoothed[i] + (values[i] - smoothed[i]) * part;
+            EXPECT_EQ(state[i], i == 5 ? 0.0F : followed) << i;
+            EXPECT_EQ(scores[i], weights[i] * state[i]) << i;
+            EXPECT_EQ(weight[i], weights[i] + (1 - weights[i]) * 0.5F) << i;
+        }
+    });
+}
+
+TEST(LagSearch, BellsChangeTheirOwnLagsOnly)
+{
+    for (const int margin : {8, 10, 16}) {
+        const auto count = static_cast<std::size_t>(2 * margin + 1);
+        // Ones for cosines and no sines: a bell of 1 all along, tables with anything behind.
+        const std::vector<float> cosines(count + LagPadding, 1.0F);
+        const std::vector<float> sines(count + LagPadding, 0.0F);
+        const BellTable table{cosines.data(), sines.data(), margin};
+        ForEachLevel([&](const LagSearchKernels& kernels) {
+            std::vector<float> weights(count + 20 + LagPadding, 1.0F);
+            const int index = margin + 3;
+            kernels.raise(table, {.index = index}, 0.5F, weights.data());
+            kernels.lower(table, {.index = index + 1}, 0.25F, weights.data());
+            for (std::size_t i = 0; i < weights.size(); ++i) {
+                const float expected = i < 3 || i > count + 3 ? 1.0F : i == 3 ? 1.5F : 0.75F;
+                EXPECT_EQ(weights[i], expected) << margin << " " << i;
+            }
+        });
+    }
+}

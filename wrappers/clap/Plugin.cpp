@@ -3,7 +3,6 @@
 
 #include "wrappers/common/SessionBytes.h"
 
-#include <cmath>
 #include <utility>
 
 namespace Clap {
@@ -42,25 +41,23 @@ bool Plugin::Init()
 
 bool Plugin::Activate(double newRate)
 {
-    const auto asFloat = static_cast<float>(newRate);
-    if (!isReady || !std::isfinite(asFloat) || asFloat <= 0) {
+    if (!isReady) {
         return false;
     }
-    Deactivate();
-    if (newRate != rate || layout->ChannelCount() != instance->GetChannels()) {
-        instance->SetFormat(newRate, layout->ChannelCount());
-        if (layout->ChannelCount() != instance->GetChannels()) {
-            return false;
-        }
-        rate = newRate;
+    const bool isOther = newRate != rate || layout->ChannelCount() != instance->GetChannels();
+    if (isOther && !instance->SetFormat(newRate, layout->ChannelCount())) {
+        return false;
     }
+    rate = newRate;
+    Deactivate();
     instance->Activate();
     isRestartRequested = false;
+    const uint32_t latency = GetLatency();
+    tail = latency;
     // Older hosts allow this while the plug-in isn't active, newer ones while it is being
     // activated.
-    if (const uint32_t latency = GetLatency(); latency != toldLatency) {
+    if (latency != toldLatency) {
         toldLatency = latency;
-        tail = latency;
         host.LatencyChanged();
     }
     isActive = true;

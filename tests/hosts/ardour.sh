@@ -13,11 +13,10 @@ export LV2_PATH=$build/lib/lv2
 vst3=$build/lib/vst3/Puff-guard.vst3
 
 # Ardour plays silence ahead of the first sample, and the repair works in hops of 512 samples, its
-# pitch tracker with every second one: the last bits depend on how they fall together. This is what
-# Ardour 7 does with blocks of 1024 samples and this latency; where it does otherwise, find_lead()
-# finds out.
-grid=1024
-lead=769
+# pitch tracker with every second one: the last bits depend on how they fall together. Ardour 7 comes
+# out at 769 with blocks of 1024 samples and this latency, with some recordings at 257; find_lead()
+# tries the other places that blocks, halves and quarters of them lead to.
+leads=(769 257 1 513 0 256 512 768)
 
 # steadily COMMAND...: Ardour's tools crash now and then on their way out, with no plug-in loaded as
 # well; so they get three attempts.
@@ -47,22 +46,20 @@ starts_like() {
         ffmpeg_quietly -i "$2" -t "$3" -f f32le "$scratch/b.raw" && cmp -s "$scratch/a.raw" "$scratch/b.raw"
 }
 
-# find_lead OUTPUT: the lead that makes the beginning of the output equal.
+# find_lead OUTPUT: the lead that makes the beginning of the output equal is then $lead.
 find_lead() {
-    local candidate
     ffmpeg_quietly -i "$scratch/in.wav" -t 2 -c:a pcm_f32le "$scratch/beginning.wav"
-    for candidate in $lead $(((lead + grid / 2) % grid)) $(seq 0 $((grid - 1))); do
-        after_silence "$candidate" "$scratch/beginning.wav" "$scratch/expected.wav" || return 1
+    for lead in "${leads[@]}"; do
+        after_silence "$lead" "$scratch/beginning.wav" "$scratch/expected.wav" || return 1
         if starts_like "$scratch/expected.wav" "$1" 1.5; then
-            [ "$candidate" = "$lead" ] || echo "note    Ardour plays $candidate samples ahead"
-            lead=$candidate
+            echo "note    Ardour plays silence of $lead samples, and whole hops, ahead"
             return
         fi
     done
     return 1
 }
 
-# export SNAPSHOT OUTPUT
+# export_session SNAPSHOT OUTPUT
 export_session() {
     rm -f "$2"
     steadily ardour7-export -s "$rate" -b float -o "$2" "$PUFFGUARD_SESSION" "$1" && [ -s "$2" ]

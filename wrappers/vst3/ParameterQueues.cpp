@@ -34,7 +34,8 @@ uint32_t ParameterQueues::NextOffset() const noexcept
     return offset;
 }
 
-// Points before the block, or before the one before them, count where they can still be heard.
+// Points before the block count at its beginning; one that comes too late in its queue is due at
+// once.
 void ParameterQueues::Advance(Cursor& cursor) noexcept
 {
     const v3_param_value_queue& functions = *v3_cpp_obj(cursor.queue);
@@ -43,7 +44,7 @@ void ParameterQueues::Advance(Cursor& cursor) noexcept
         int32_t offset = 0;
         double value = 0;
         if (functions.get_point(cursor.queue, cursor.next++, &offset, &value) == V3_OK) {
-            cursor.offset = std::max(cursor.offset, static_cast<uint32_t>(std::max(offset, 0)));
+            cursor.offset = static_cast<uint32_t>(std::max(offset, 0));
             cursor.value = value;
             return;
         }

@@ -221,7 +221,10 @@ TEST_F(Vst3StateTest, WhatComesUpOnAnotherThreadWaitsForTheUiThread)
     EXPECT_EQ(plugin.processor->GetLatencySamples(), 100U);
     Changes changes;
     changes.Add(plugin.parameters.at(0).param_id, {{0, 0.5}});
-    std::thread audio([&] { plugin.Flush(changes); });
+    std::thread audio([&] {
+        plugin.Flush(changes);
+        plugin.controller->GetValue(plugin.parameters[0].param_id); // some hosts do
+    });
     audio.join();
     EXPECT_TRUE(host.heard.empty());
     host.Tick();

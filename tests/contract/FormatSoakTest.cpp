@@ -49,6 +49,7 @@ public:
         case 6:
             return Note("activate"), Activate();
         case 7:
+            isActive = false;
             return Note("deactivate"), host->Deactivate();
         case 8:
             return Note("no frames"), host->Process(nullptr, nullptr, 0);
@@ -67,8 +68,8 @@ public:
 
     void ExpectWorkingOrder()
     {
-        const bool isActive = host->Activate(rate, longestBlock);
-        EXPECT_TRUE(isActive) << Tell();
+        host->Deactivate();
+        ASSERT_TRUE(host->Activate(rate, longestBlock)) << Tell();
         const auto plain = MakeState([](TestHost::Instance&) {});
         EXPECT_TRUE(host->Load(host->MakeSession(plain))) << Tell();
         PlaySilence(*host, channels, 10'000);
@@ -118,9 +119,7 @@ private:
         channels = layouts[Pick(std::size(layouts))];
         rate = rates[Pick(std::size(rates))];
         host = format.make(rate, channels);
-        if (Pick(4) > 0) {
-            host->Activate(rate, longestBlock);
-        }
+        isActive = Pick(4) > 0 && host->Activate(rate, longestBlock);
     }
 
     void Activate()
@@ -129,6 +128,7 @@ private:
         const double next = rates[Pick(std::size(rates))];
         if (host->Activate(next, longestBlock)) {
             rate = next;
+            isActive = true;
         }
     }
 
@@ -176,9 +176,10 @@ private:
                 channel[Pick(frames)] = OddNumber();
             }
         }
+        // A plug-in that isn't active may leave the host's own samples where they are.
         for (const auto& channel : Play(*host, audio, block)) {
             for (const float sample : channel) {
-                ASSERT_TRUE(std::isfinite(sample)) << sample << '\n' << Tell();
+                ASSERT_TRUE(std::isfinite(sample) || !isActive) << sample << '\n' << Tell();
             }
         }
     }
@@ -187,6 +188,7 @@ private:
     const uint32_t seed;
     std::mt19937 engine;
     std::unique_ptr<FormatHost> host;
+    bool isActive = false;
     double rate = 0;
     uint32_t channels = 0;
     std::vector<uint8_t> saved;

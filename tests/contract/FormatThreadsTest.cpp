@@ -14,12 +14,16 @@ using namespace Contract;
 
 class FormatThreads : public FormatTest {
 protected:
-    // Calls `act` over and over while another thread moves `blocks` blocks of up to `longest`.
+    // Calls `act` while another thread moves `blocks` blocks of up to `longest` frames: over and
+    // over, or once a block, for what keeps the audio waiting.
+    enum class Turns { Free, OnePerBlock };
     static void Storm(FormatHost& host,
                       uint32_t blocks,
                       uint32_t longest,
+                      Turns turns,
                       const std::function<void(uint32_t)>& act)
     {
+        std::atomic<uint32_t> played{0};
         std::atomic<bool> isDone{false};
         std::atomic<bool> isGood{true};
         std::thread audio([&] {
@@ -33,11 +37,16 @@ protected:
                     block[c].assign(begin, begin + frames);
                 }
                 isGood = isGood && BadSample(Play(host, block, frames)).empty();
+                ++played;
             }
             isDone = true;
         });
         for (uint32_t turn = 0; !isDone; ++turn) {
+            const uint32_t before = played;
             act(turn);
+            while (turns == Turns::OnePerBlock && played == before && !isDone) {
+                std::this_thread::yield();
+            }
         }
         audio.join();
         EXPECT_TRUE(isGood);
@@ -62,7 +71,7 @@ TEST_P(FormatThreads, SetEveryParameterWhileAudioRuns)
 {
     auto host = Make();
     std::mt19937 engine(1);
-    Storm(*host, Rounds(5000), 32, [&](uint32_t turn) {
+    Storm(*host, Rounds(5000), 32, Turns::Free, [&](uint32_t turn) {
         host->SetParameter(turn % 4, static_cast<float>(engine() % 9) / 8);
         if (turn % 64 == 0) {
             host->GetParameter(turn / 64 % 4);
@@ -83,7 +92,7 @@ TEST_P(FormatThreads, SaveAndLoadWhileAudioRuns)
     }));
     const auto longest = host->MakeSession(
         MakeState([](TestHost::Instance& instance) { instance.Set(TestHost::Strength, 0.875F); }));
-    Storm(*host, Rounds(1000), 3000, [&](uint32_t turn) {
+    Storm(*host, Rounds(1000), 3000, Turns::OnePerBlock, [&](uint32_t turn) {
         EXPECT_FALSE(host->Save().empty());
         EXPECT_TRUE(host->Load(turn % 2 == 0 ? shortest : longest));
         host->SetParameter(TestHost::Strength, 0.5F);

@@ -214,6 +214,35 @@ TEST(Storm, OfParametersFromTheOtherThread)
     ExpectLikeNew(instance, 44100.0F, 2);
 }
 
+TEST(Storm, OfParametersFromBothThreads)
+{
+    Instance instance(44100.0F, 2);
+    const auto setAll = [&instance](std::mt19937& engine, uint32_t context) {
+        for (const uint32_t index : {Sensitivity, Strength, UpperFrequency, GlobalBypass})
+            instance.Set(index, static_cast<float>(engine() % 1001) / 1000.0F, context);
+    };
+    std::atomic<bool> ending = false;
+    std::thread audio([&] {
+        std::mt19937 engine(1);
+        Audio block = MakeSpeechLike(2, 32, 44100.0F);
+        for (int i = 0; i < 500; ++i) {
+            setAll(engine, Process);
+            EXPECT_EQ(instance.RunBlock(block, 0, 32), PluginCoreSuccess);
+        }
+        ending = true;
+    });
+    std::mt19937 engine(2);
+    while (!ending) {
+        setAll(engine, UI);
+        std::this_thread::yield();
+    }
+    audio.join();
+    for (const uint32_t index : {Sensitivity, Strength, UpperFrequency, GlobalBypass}) {
+        EXPECT_GE(instance.Value(index), 0.0F) << index;
+        EXPECT_LE(instance.Value(index), 1.0F) << index;
+    }
+}
+
 TEST(Storm, OfLatenciesWhileTheHostAsksForThem)
 {
     Instance instance(44100.0F, 1);

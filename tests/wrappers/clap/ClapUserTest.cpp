@@ -111,7 +111,7 @@ TEST_F(ClapUserTest, AChangedStateMarksTheSessionOnTheMainThread)
     EXPECT_EQ(host.dirtyMarks, 1U);
 }
 
-TEST_F(ClapUserTest, ALatencyThatComesBackAsksForNothing)
+TEST_F(ClapUserTest, ALatencyAsksForOneRestartAndOneThatComesBackForNone)
 {
     ASSERT_TRUE(plugin->Activate(rate));
     Do('l', 100);
@@ -120,6 +120,9 @@ TEST_F(ClapUserTest, ALatencyThatComesBackAsksForNothing)
     EXPECT_EQ(host.restarts, 0U);
     Do('l', 100);
     plugin->Idle();
+    EXPECT_EQ(host.restarts, 1U);
+    Do('s');
+    plugin->Idle(); // for another reason
     EXPECT_EQ(host.restarts, 1U);
 }
 

@@ -2,6 +2,7 @@
 // Compiled for each level.
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
 
+#include "frameworks/plugincore/dsp/kernels/LaneMask.h"
 #include "frameworks/plugincore/dsp/kernels/LaneTransform.h"
 #include "frameworks/plugincore/dsp/kernels/LaneTranspose.h"
 #include "frameworks/plugincore/dsp/kernels/LevelSets.h"
@@ -21,11 +22,41 @@ Vector<float, L> Sqrt(Vector<float, L> values)
     return roots;
 }
 
+/// Doubles, two vectors of half as many lanes each: the compiler has no good way with one that is
+/// wider than a register.
+template <int L>
+struct WideLanes {
+    using Half = Vector<double, L / 2>;
+    Half low;
+    Half high;
+
+    static WideLanes From(Vector<float, L> lanes)
+    {
+        Vector<float, L / 2> halves[2];
+        __builtin_memcpy(halves, &lanes, sizeof lanes);
+        return {__builtin_convertvector(halves[0], Half), __builtin_convertvector(halves[1], Half)};
+    }
+
+    Vector<float, L> Narrow() const
+    {
+        const Vector<float, L / 2> halves[2] = {
+            __builtin_convertvector(low, Vector<float, L / 2>),
+            __builtin_convertvector(high, Vector<float, L / 2>)};
+        Vector<float, L> lanes;
+        __builtin_memcpy(&lanes, halves, sizeof lanes);
+        return lanes;
+    }
+
+    WideLanes operator+(WideLanes b) const { return {low + b.low, high + b.high}; }
+    WideLanes operator-(WideLanes b) const { return {low - b.low, high - b.high}; }
+    WideLanes operator*(double b) const { return {low * b, high * b}; }
+};
+
 /// L frames on their way from samples to correlations.
 template <int L>
 struct Batch {
     using V = Vector<float, L>;
-    using Wide = Vector<double, L>;
+    using Wide = WideLanes<L>;
     using Ints = Vector<int, L>;
     using Transform = LaneTransform<L>;
     using Complex = LaneComplex<L>;
@@ -45,71 +76,76 @@ struct Batch {
         return {Load<L>(at) * plan.window[i], Load<L>(at + source.rowLength) * plan.window[i + 1]};
     }
 
-    /// First stage of the transform: what lies behind the frame's end is 0 and isn't read.
-    void TransformFrames() const
+    /// Butterflies of the transform's first stage from `p` to below `end`, of which the first
+    /// `Legs` of four elements lie within the frame. What lies behind its end is 0 and isn't read.
+    template <int Legs>
+    void StartTransform(Index p, Index end) const
     {
         const Index step = plan.whole.length / 4;
-        const Index filled = (plan.frameLength + 1) / 2;
-        const float* factors = plan.whole.factors;
-        for (Index p = 0; p < step; ++p, factors += 6) {
-            const Complex zero = {V{}, V{}};
-            const Complex b = p + step < filled ? GetSamples(p + step) : zero;
-            const Complex c = p + 2 * step < filled ? GetSamples(p + 2 * step) : zero;
-            Transform::PutTurned(spectrum + 2 * L * p, step, GetSamples(p), b, c, zero, factors);
-        }
-        for (Index k = 0; k < 4; ++k) {
-            Transform::Run(spectrum + 2 * L * step * k, step, factors);
+        const float* factors = plan.whole.factors + 6 * p;
+        for (; p < end; ++p, factors += 6) {
+            Complex legs[4] = {GetSamples(p)};
+            for (int leg = 1; leg < Legs; ++leg) {
+                legs[leg] = GetSamples(p + leg * step);
+            }
+            Transform::PutTurned(
+                spectrum + 2 * L * p, step, legs[0], legs[1], legs[2], legs[3], factors);
         }
     }
 
-    /// Folds the magnitudes of bins k and N - k for the cosine transform; answers their difference.
+    void TransformFrames() const
+    {
+        const Index step = plan.whole.length / 4;
+        const Index filled = (plan.frameLength + 1) / 2; // elements, more than one leg's
+        const Index three = filled > 2 * step ? filled - 2 * step : 0;
+        const Index two = filled - step < step ? filled - step : step;
+        StartTransform<3>(0, three);
+        StartTransform<2>(three, two);
+        StartTransform<1>(two, step);
+        for (Index k = 0; k < 4; ++k) {
+            Transform::Run(spectrum + 2 * L * step * k, step, plan.whole.factors + 6 * step);
+        }
+    }
+
+    /// Folds the magnitudes of bins k and N - k for the cosine transform, fourfold; answers twice
+    /// their difference. What k = 0 writes to row N is no part of the result.
     V FoldPair(Index k) const
     {
         const auto bins = Transform::Separate(spectrum, plan.whole, k);
         const V low = Sqrt<L>(bins.low.re * bins.low.re + bins.low.im * bins.low.im);
         const V high = Sqrt<L>(bins.high.re * bins.high.re + bins.high.im * bins.high.im);
+        const V sum = low + high;
         const V difference = low - high;
-        const V mean = 0.5F * (low + high);
         const V turned = Broadcast<L>(plan.sines[k]) * difference;
-        Store(folded + L * k, mean - turned);
-        if (k > 0) {
-            Store(folded + L * (plan.whole.length - k), mean + turned);
-        }
+        Store(folded + L * k, sum - turned);
+        Store(folded + L * (plan.whole.length - k), sum + turned);
         return difference;
     }
 
     /// Folds the magnitudes m so that a transform of half their number holds the even outputs of
     /// the cosine transform in its real parts and the differences of the odd ones in its imaginary
-    /// parts. Answers output 1, from which the other odd ones are reached by steps; its sum is in
-    /// double, since its rounding would show in all of them.
+    /// parts. Answers output 1, from which the other odd ones are reached by steps, eightfold; its
+    /// sum is in double, since its rounding would show in all of them.
     V Fold() const
     {
+        constexpr int Chunk = 8; // differences wait so that the sums' registers are free meanwhile
         const Index middle = plan.whole.length / 2;
-        const auto weigh = [this](V difference, Index k) {
-            return __builtin_convertvector(difference, Wide) * static_cast<double>(plan.cosines[k]);
-        };
-        Wide even = weigh(FoldPair(0) * 0.5F, 0);
-        Wide odd = weigh(FoldPair(1), 1);
-        for (Index k = 2; k < middle; k += 2) {
-            even += weigh(FoldPair(k), k);
-            odd += weigh(FoldPair(k + 1), k + 1);
+        Wide even = {};
+        Wide odd = {};
+        for (Index k = 0; k < middle; k += Chunk) {
+            V differences[Chunk];
+            for (int i = 0; i < Chunk; ++i) {
+                differences[i] = FoldPair(k + i);
+            }
+            differences[0] *= k == 0 ? 0.5F : 1.0F;
+            for (int i = 0; i < Chunk; i += 2) {
+                even = even + Wide::From(differences[i]) * plan.cosines[k + i];
+                odd = odd + Wide::From(differences[i + 1]) * plan.cosines[k + i + 1];
+            }
         }
         const Complex centre = Complex::Get(spectrum, plan.whole.order[middle]);
-        Store(folded + L * middle, Sqrt<L>(centre.re * centre.re + centre.im * centre.im));
-        return __builtin_convertvector(even + odd, V);
-    }
-
-    /// Bin of the half-size real transform.
-    Complex GetBin(Index bin) const
-    {
-        const Index middle = plan.half.length / 2;
-        if (bin < middle) {
-            return Transform::Separate(folded, plan.half, bin).low;
-        }
-        const Complex value =
-            bin > middle ? Transform::Separate(folded, plan.half, plan.half.length - bin).high
-                         : Complex::Get(folded, plan.half.order[middle]);
-        return {value.re, -value.im};
+        Store(folded + L * middle, Sqrt<L>(centre.re * centre.re + centre.im * centre.im) * 4.0F);
+        return (even + odd).Narrow();
     }
 
     void PutLag(Index lag, V value) const
@@ -118,19 +154,30 @@ struct Batch {
         Store(lags + L * lag, compensated > 0.0F ? compensated : V{});
     }
 
-    /// Even outputs are real parts, odd ones a running sum of imaginary parts.
+    /// Writes two lags from a bin of the half-size transform, twofold: odd lags are a running sum
+    /// of imaginary parts, even ones are real parts.
+    void PutLags(Index bin, Complex value, Wide& odd) const
+    {
+        PutLag(2 * bin - 1, odd.Narrow());
+        PutLag(2 * bin, value.re);
+        odd = odd - Wide::From(value.im);
+    }
+
     void MakeLags(V first) const
     {
-        const float scale = 1.0F / static_cast<float>(plan.whole.length); // exact
-        Wide odd = __builtin_convertvector(first, Wide);
-        PutLag(0, GetBin(0).re * scale);
-        for (Index lag = 1; lag <= plan.maxLag; lag += 2) {
-            PutLag(lag, __builtin_convertvector(odd, V) * scale);
-            if (lag < plan.maxLag) {
-                const Complex bin = GetBin((lag + 1) / 2);
-                PutLag(lag + 1, bin.re * scale);
-                odd -= __builtin_convertvector(bin.im, Wide);
-            }
+        const TransformPlan& half = plan.half;
+        const Index middle = half.length / 2;
+        const Index last = (plan.maxLag + 1) / 2;
+        Wide odd = Wide::From(first);
+        PutLag(0, Transform::Separate(folded, half, 0).low.re);
+        Index bin = 1;
+        for (; bin <= last && bin < middle; ++bin) {
+            PutLags(bin, Transform::Separate(folded, half, bin).low, odd);
+        }
+        for (; bin <= last; ++bin) {
+            // The middle bin comes out as its own mirror image.
+            const Complex image = Transform::Separate(folded, half, half.length - bin).high;
+            PutLags(bin, {image.re, -image.im}, odd);
         }
         for (Index lag = plan.maxLag + 1; lag < GetLagCount(plan.maxLag); ++lag) {
             Store(lags + L * lag, V{});
@@ -144,7 +191,7 @@ struct Batch {
         Ints falling = Ints{} == 0;
         Ints end = {};
         V former = Load<L>(lags);
-        for (int lag = 1; lag < limit; ++lag) {
+        for (int lag = 1; lag < limit && GetMask<L>(falling) != 0; ++lag) {
             const V value = Load<L>(lags + L * lag);
             falling &= former > value;
             end = falling ? Broadcast<L>(lag) : end;
@@ -155,14 +202,13 @@ struct Batch {
     }
 
     /// A lag without what it owes to a peak at half of it, from each frame's first lag on.
-    V TakeGhost(Index lag, Ints firstLag) const
+    V TakeGhost(int lag, V halves, Ints firstLag) const
     {
         const V value = Load<L>(lags + L * lag);
         const V own = value * 0.5F;
-        const V halves = Load<L>(lags + L * ((lag + 1) / 2)) + Load<L>(lags + L * (lag / 2));
         const V owed = halves * 0.125F;
         const V reduced = value - (own < owed ? own : owed);
-        return firstLag > static_cast<int>(lag) ? value : reduced;
+        return firstLag > lag ? value : reduced;
     }
 
     void PutResult(int frames, const CorrelationResult& result) const
@@ -172,14 +218,27 @@ struct Batch {
         for (int frame = 0; frame < frames; ++frame) {
             result.firstLags[frame] = firstLag[frame];
         }
-        for (Index lag = 0; lag < GetLagCount(plan.maxLag); lag += L) {
+        const auto count = static_cast<int>(GetLagCount(plan.maxLag));
+        for (int lag = 0; lag < count; lag += L) {
             V rows[L];
-            for (int i = 0; i < L; ++i) {
-                rows[i] = TakeGhost(lag + i, firstLag);
+            V half = Load<L>(lags + L * (lag / 2));
+            for (int i = 0; i < L; i += 2) {
+                const V next = Load<L>(lags + L * ((lag + i) / 2 + 1));
+                rows[i] = TakeGhost(lag + i, half + half, firstLag);
+                rows[i + 1] = TakeGhost(lag + i + 1, next + half, firstLag);
+                half = next;
             }
             Transpose<L>(rows);
-            for (int frame = 0; frame < frames; ++frame) {
-                Store(result.correlation + stride * frame + lag, rows[frame]);
+            float* target = result.correlation + lag;
+            if (frames == L) {
+#pragma GCC unroll 16
+                for (int frame = 0; frame < L; ++frame, target += stride) {
+                    Store(target, rows[frame]);
+                }
+            } else {
+                for (int frame = 0; frame < frames; ++frame, target += stride) {
+                    Store(target, rows[frame]);
+                }
             }
         }
     }

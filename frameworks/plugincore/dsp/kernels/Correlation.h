@@ -13,8 +13,8 @@ namespace DSP::Kernels {
 struct TransformPlan {
     std::ptrdiff_t length = 0;
     const float* factors = nullptr;    ///< stage after stage: re, im of 3 factors a butterfly
-    const float* separation = nullptr; ///< of the real transform, by bin: cosine, sine, halved
-    const int* order = nullptr;        ///< where the element of each index has come to lie
+    const float* separation = nullptr; ///< by bin to the middle: cosine, sine
+    const int* order = nullptr; ///< where the element of each index lies, and the first again
 };
 
 /// Sizes and tables of a correlation; they outlive the plan. F is the length of the real transform
@@ -26,9 +26,9 @@ struct CorrelationPlan {
     TransformPlan whole;                 ///< N elements
     TransformPlan half;                  ///< N / 2 elements
     const float* window = nullptr;       ///< n values, and a 0
-    const float* sines = nullptr;        ///< sin(pi j / N) for j < N / 2
-    const float* cosines = nullptr;      ///< cos(pi j / N) for j < N / 2
-    const float* compensation = nullptr; ///< by lag, what makes up for the window's fall
+    const float* sines = nullptr;        ///< 2 sin(pi j / N) for j < N / 2
+    const double* cosines = nullptr;     ///< 4 cos(pi j / N) for j < N / 2, rounded to floats
+    const float* compensation = nullptr; ///< to maxLag + 1, makes up for the window's fall, / (8 N)
 };
 
 /// Samples by phase: that of index i lies in row i modulo the step, column i / step. Frame j begins

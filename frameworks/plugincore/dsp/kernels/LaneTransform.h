@@ -157,7 +157,7 @@ struct LaneTransform {
         }
     }
 
-    /// A bin of a real transform and its mirror image, the conjugate taken off.
+    /// Twice a bin of a real transform and its mirror image: halving waits for a later factor.
     struct BinPair {
         Complex low;  ///< bin k
         Complex high; ///< conjugate of bin N - k
@@ -170,13 +170,14 @@ struct LaneTransform {
     static BinPair Separate(const float* array, const TransformPlan& plan, Index k)
     {
         const Complex a = Complex::Get(array, plan.order[k]);
-        const Complex m = Complex::Get(array, plan.order[k == 0 ? 0 : plan.length - k]);
+        const Complex m = Complex::Get(array, plan.order[plan.length - k]);
         const V c = Broadcast<L>(plan.separation[2 * k]);
         const V s = Broadcast<L>(plan.separation[2 * k + 1]);
         const Complex d = {a.re - m.re, a.im + m.im};
-        const Complex mean = {(a.re + m.re) * 0.5F, (a.im - m.im) * 0.5F};
-        const Complex turned = {d.im * c - d.re * s, -(d.im * s + d.re * c)};
-        return {mean + turned, mean - turned};
+        const Complex sum = {a.re + m.re, a.im - m.im};
+        const V re = d.im * c - d.re * s;
+        const V im = d.im * s + d.re * c;
+        return {{sum.re + re, sum.im - im}, {sum.re - re, sum.im + im}};
     }
 };
 

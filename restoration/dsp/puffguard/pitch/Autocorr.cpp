@@ -38,17 +38,19 @@ Autocorr::TransformTables::TransformTables(int length)
         }
     }
     for (int k = 0; k < length / 2; ++k) {
-        separation.push_back(static_cast<float>(0.5 * std::cos(Turn(k, 2 * length))));
-        separation.push_back(static_cast<float>(0.5 * std::sin(Turn(k, 2 * length))));
+        separation.push_back(static_cast<float>(std::cos(Turn(k, 2 * length))));
+        separation.push_back(static_cast<float>(std::sin(Turn(k, 2 * length))));
     }
+    separation.insert(separation.end(), {0.0F, 1.0F}); // of the middle bin, exactly
     for (int index = 0; index < length; ++index) {
         order.push_back(GetPlace(index, length));
     }
+    order.push_back(0); // bin 0 is its own mirror image
 }
 
 Kernels::TransformPlan Autocorr::TransformTables::GetPlan() const noexcept
 {
-    return {.length = static_cast<std::ptrdiff_t>(order.size()),
+    return {.length = static_cast<std::ptrdiff_t>(order.size()) - 1,
             .factors = factors.data(),
             .separation = separation.data(),
             .order = order.data()};
@@ -90,8 +92,8 @@ Autocorr::Autocorr(int minLag, int maxLag, const Kernels::CorrelationKernels& ne
 void Autocorr::MakeFoldTables()
 {
     for (int j = 0; j < fftSize / 4; ++j) {
-        sines.push_back(static_cast<float>(std::sin(Turn(j, fftSize))));
-        cosines.push_back(static_cast<float>(std::cos(Turn(j, fftSize))));
+        sines.push_back(static_cast<float>(2 * std::sin(Turn(j, fftSize))));
+        cosines.push_back(static_cast<double>(static_cast<float>(4 * std::cos(Turn(j, fftSize)))));
     }
 }
 
@@ -103,9 +105,9 @@ void Autocorr::MakeLagTables()
         window.push_back(static_cast<float>(1.0 - std::cos(2.0 * pi * (i + 0.5) / n)));
     }
     window.push_back(0); // samples go through in pairs
-    for (int lag = 0; lag < lagCount; ++lag) {
-        compensation.push_back(
-            static_cast<float>((1.0 - std::cos(lag * 0.5 * pi / n)) * 4.0 + 1.0));
+    for (int lag = 0; lag <= lagCount; ++lag) {
+        const double weight = (1.0 - std::cos(lag * 0.5 * pi / n)) * 4.0 + 1.0;
+        compensation.push_back(static_cast<float>(weight / (4.0 * fftSize)));
     }
 }
 

@@ -73,11 +73,11 @@ private:
     int lagCount; // maxLag + 1
     TransformTables whole;
     TransformTables half;
-    std::vector<float> window;       // n, and a 0
-    std::vector<float> sines;        // sin(2 pi j / F) for j < F / 4
-    std::vector<float> cosines;      // cos(2 pi j / F) for j < F / 4
-    std::vector<float> compensation; // by lag
-    Kernels::CorrelationPlan plan;   // points into the tables
+    std::vector<float> window; // n, and a 0
+    std::vector<float> sines;  // see Kernels::CorrelationPlan
+    std::vector<double> cosines;
+    std::vector<float> compensation;
+    Kernels::CorrelationPlan plan; // points into the tables
     std::vector<float> scratch;
     std::vector<float> correlations; // a row a frame
     std::array<int, MaxFrames> firstLags{};

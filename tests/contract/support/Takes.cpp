@@ -8,6 +8,9 @@ namespace Contract {
 
 namespace {
 
+// In a host's memory before a block; no take holds it.
+constexpr float leftover = 1234.5F;
+
 std::string Place(size_t channel, size_t frame, float sample)
 {
     return "channel " + std::to_string(channel) + ", frame " + std::to_string(frame) + ": " +
@@ -24,8 +27,8 @@ Audio MakeSpeech(double rate, uint32_t channels, double seconds)
 
 Audio Play(FormatHost& host, const Audio& input, const std::function<uint32_t()>& nextBlock)
 {
-    Audio output = input;
     const auto frames = static_cast<uint32_t>(input[0].size());
+    Audio output(input.size(), std::vector<float>(frames, leftover));
     bool isInPlace = false;
     for (uint32_t done = 0; done < frames; isInPlace = !isInPlace) {
         const uint32_t block = std::min(frames - done, nextBlock());
@@ -33,7 +36,11 @@ Audio Play(FormatHost& host, const Audio& input, const std::function<uint32_t()>
         float* outputs[PLUGIN_CORE_MAX_CHANNELS] = {};
         for (size_t c = 0; c < input.size(); ++c) {
             outputs[c] = output[c].data() + done;
-            inputs[c] = isInPlace ? outputs[c] : input[c].data() + done;
+            inputs[c] = input[c].data() + done;
+            if (isInPlace) {
+                std::copy_n(inputs[c], block, outputs[c]);
+                inputs[c] = outputs[c];
+            }
         }
         host.Process(inputs, outputs, block);
         done += block;

@@ -25,7 +25,7 @@ uint32_t CountChannels(uint32_t layout)
 
 TEST(Layouts, AllTakeAudioInAnyBlocks)
 {
-    for (uint32_t layout = 0; layout <= 40; layout += IsSanitized ? 4 : 1) {
+    for (uint32_t layout = 0; layout <= 40; layout += IsSanitized ? 13 : 1) {
         SCOPED_TRACE(layout);
         const uint32_t channels = CountChannels(layout);
         if (channels == 0) {

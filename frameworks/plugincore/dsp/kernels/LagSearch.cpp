@@ -10,7 +10,7 @@ namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 namespace {
 
-constexpr int L = LevelLanes;
+constexpr int L = LevelLanes < 8 ? LevelLanes : 8; // stretches are too short for more
 using V = Vector<float, L>;
 using Ints = Vector<int, L>;
 

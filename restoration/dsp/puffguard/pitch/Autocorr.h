@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+#include "frameworks/plugincore/dsp/kernels/LaneVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 #include <array>
@@ -78,8 +79,8 @@ private:
     std::vector<double> cosines;
     std::vector<float> compensation;
     Kernels::CorrelationPlan plan; // points into the tables
-    std::vector<float> scratch;
-    std::vector<float> correlations; // a row a frame
+    Kernels::LaneVector scratch;
+    Kernels::LaneVector correlations; // a row a frame
     std::array<int, MaxFrames> firstLags{};
 };
 

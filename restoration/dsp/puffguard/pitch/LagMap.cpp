@@ -32,7 +32,8 @@ LagMap::LagMap(const AnalysisSizes& sizes)
           LeastMargin,
           static_cast<int>(std::lround(static_cast<double>(sizes.decimatedRate) * MarginSeconds))))
     , lagCount(Kernels::GetLagCount(sizes.maxLag))
-    , weights(At(lagCount + 3 * margin + Kernels::LagPadding), 1.0F)
+    , lead((margin + Kernels::LagPadding - 1) / Kernels::LagPadding * Kernels::LagPadding)
+    , weights(At(lead + lagCount + 2 * margin + Kernels::LagPadding), 1.0F)
     , smoothed(At(lagCount))
     , scores(At(Kernels::GetCorrelationStride(sizes.maxLag)))
 {
@@ -57,7 +58,7 @@ void LagMap::Reset() noexcept UTIL_NONBLOCKING
 
 float* LagMap::Score(const float* correlation) noexcept UTIL_NONBLOCKING
 {
-    float* const first = weights.data() + margin;
+    float* const first = weights.data() + lead;
     kernels.score(times, correlation, smoothed.data(), first, scores.data(), lagCount);
     return scores.data();
 }
@@ -78,14 +79,14 @@ void LagMap::Lower(int index, float centre, float depth) noexcept UTIL_NONBLOCKI
 {
     if (index - margin <= maxLag) {
         const Kernels::BellTable table{cosines.data(), sines.data(), margin};
-        kernels.lower(table, MakeBell(index, centre), depth, weights.data() + margin);
+        kernels.lower(table, MakeBell(index, centre), depth, weights.data() + lead);
     }
 }
 
 void LagMap::Mark(int found, float lag, float clarity) noexcept UTIL_NONBLOCKING
 {
     const Kernels::BellTable table{cosines.data(), sines.data(), margin};
-    kernels.raise(table, MakeBell(found, lag), clarity + 0.5F, weights.data() + margin);
+    kernels.raise(table, MakeBell(found, lag), clarity + 0.5F, weights.data() + lead);
     const float depth = std::sqrt(clarity) * PenaltyDepth;
     Lower(found / 2, lag * 0.5F, depth);
     Lower(found * 2, lag * 2.0F, depth);
@@ -93,7 +94,7 @@ void LagMap::Mark(int found, float lag, float clarity) noexcept UTIL_NONBLOCKING
 
 std::span<const float> LagMap::GetWeights() const noexcept
 {
-    return std::span(weights).subspan(At(margin), At(maxLag + 1));
+    return std::span(weights).subspan(At(lead), At(maxLag + 1));
 }
 
 } // namespace DSP::Synapse

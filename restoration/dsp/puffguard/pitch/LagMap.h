@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+#include "frameworks/plugincore/dsp/kernels/LaneVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
 
@@ -44,11 +45,12 @@ private:
     int margin; // b
     std::ptrdiff_t lagCount;
     Kernels::ScoreTimes times;
-    std::vector<float> weights;  // b before lag 0, and room for a bell behind the last lag
-    std::vector<float> smoothed; // by lag
-    std::vector<float> scores;   // by lag
-    std::vector<float> cosines;  // cos(pi j / b) for j = -b..b
-    std::vector<float> sines;    // sin(pi j / b) for j = -b..b
+    std::ptrdiff_t lead;          // weights before lag 0, b of them or more
+    Kernels::LaneVector weights;  // with room for a bell behind the last lag
+    Kernels::LaneVector smoothed; // by lag
+    Kernels::LaneVector scores;   // by lag
+    std::vector<float> cosines;   // cos(pi j / b) for j = -b..b
+    std::vector<float> sines;     // sin(pi j / b) for j = -b..b
 };
 
 } // namespace DSP::Synapse

@@ -19,13 +19,14 @@ vst3=$build/lib/vst3/Puff-guard.vst3
 leads=(769 257 1 513 0 256 512 768)
 
 # steadily COMMAND...: Ardour's tools crash now and then on their way out, with no plug-in loaded as
-# well; so they get three attempts.
+# well; and on a busy machine an export may never begin, since its butler thread and its main thread
+# wait for each other. So they get three attempts.
 steadily() {
-    local attempt code
+    local attempt code limit=60
     for attempt in 1 2 3; do
         limited "$@"
         code=$?
-        [ $code -gt 128 ] || return $code
+        [ $code -ge 124 ] || return $code
         echo "again   attempt $attempt ended with code $code: $1"
     done
     return $code

@@ -61,30 +61,26 @@ void Effect::Stop()
 
 bool Effect::SetArrangement(const Speakers& speakers)
 {
-    if (isActive) {
+    if (isActive || !SetFormat(sampleRate, speakers)) {
         return speakers.mask == arrangement.mask;
     }
     arrangement = speakers;
-    SetFormat();
     return true;
 }
 
 bool Effect::SetRate(double rate)
 {
     const bool isRate = std::isfinite(rate) && rate > 0;
-    if (!isRate || isActive) {
+    if (!isRate || isActive || !SetFormat(rate, arrangement)) {
         return isRate && rate == sampleRate;
     }
     sampleRate = rate;
-    SetFormat();
     return true;
 }
 
-void Effect::SetFormat()
+bool Effect::SetFormat(double rate, const Speakers& speakers)
 {
-    if (instance != nullptr) {
-        instance->SetFormat(sampleRate, arrangement.ChannelCount());
-    }
+    return instance == nullptr || instance->SetFormat(rate, speakers.ChannelCount());
 }
 
 void Effect::SetActive(bool newActive)

@@ -89,7 +89,7 @@ private:
     void Apply(Wrapper::Side side, uint32_t index, double value) noexcept;
     void NoteBypass(uint32_t index, double value) noexcept;
     void ShowValues() noexcept;
-    void SetFormat();
+    bool SetFormat(double rate, const Speakers& speakers);
     void TellHost() noexcept;
     bool HasNewLatency() const noexcept;
 

@@ -99,7 +99,7 @@ TEST_F(Vst3AudioTest, EveryRateIsServedAlsoOneAfterAnother)
         plugin.Stop();
     }
     for (const double none :
-         {0.0, -48000.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
+         {0.0, -48000.0, 1.0, 1e9, std::nan(""), std::numeric_limits<double>::infinity()}) {
         EXPECT_NE(plugin.Setup(none), V3_OK);
     }
     v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, rate};

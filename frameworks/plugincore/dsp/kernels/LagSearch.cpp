@@ -116,6 +116,10 @@ void Zero(float* values, int first, int last) noexcept
     for (; i + L <= last + 1; i += L) {
         Store(values + i, V{});
     }
+    if (i <= last && last + 1 - L >= first) {
+        Store(values + last + 1 - L, V{}); // some of it for the second time
+        return;
+    }
     for (; i <= last; ++i) {
         values[i] = 0;
     }

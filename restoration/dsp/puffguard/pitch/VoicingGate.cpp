@@ -28,10 +28,24 @@ void VoicingGate::Reset() noexcept UTIL_NONBLOCKING
     smoothedCost.reset();
     costs.fill(UnknownCost);
     costPosition = 0;
+    lowestCost = UnknownCost;
     std::fill(pending.begin(), pending.end(), Pending{0, 0});
     pendingPosition = 0;
     // The smoother's window, and then the path that looks back as far as dynamic programming does.
     startUpRuns = 2 * delayFrames + 1 + delayFrames;
+}
+
+/// All costs are looked at only when the lowest leaves the ring.
+void VoicingGate::PushCost(float cost) noexcept UTIL_NONBLOCKING
+{
+    const float former = costs[costPosition];
+    costs[costPosition] = cost;
+    costPosition = costPosition + 1 == CostCount ? 0 : costPosition + 1;
+    if (cost <= lowestCost) {
+        lowestCost = cost;
+    } else if (former <= lowestCost) {
+        lowestCost = VectorOps::Minimum(costs.data(), costs.size());
+    }
 }
 
 LagEstimate VoicingGate::Push(float lag, float confidence, float meanCost) noexcept UTIL_NONBLOCKING
@@ -40,12 +54,10 @@ LagEstimate VoicingGate::Push(float lag, float confidence, float meanCost) noexc
     pendingPosition = pendingPosition + 1 == pending.size() ? 0 : pendingPosition + 1;
     const Pending oldest = pending[pendingPosition];
 
-    costs[costPosition] = smoothedCost.process(meanCost) * smoothedCost.GetScale();
-    costPosition = costPosition + 1 == CostCount ? 0 : costPosition + 1;
-    const float lowest = VectorOps::Minimum(costs.data(), costs.size());
+    PushCost(smoothedCost.process(meanCost) * smoothedCost.GetScale());
     const bool startingUp = startUpRuns > 0;
     startUpRuns -= startingUp ? 1 : 0;
-    if (startingUp || lowest >= UnvoicedCost || oldest.lag == 0) {
+    if (startingUp || lowestCost >= UnvoicedCost || oldest.lag == 0) {
         return {};
     }
     return {oldest.lag, true, oldest.confidence};

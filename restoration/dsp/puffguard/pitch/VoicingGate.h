@@ -42,10 +42,13 @@ private:
         float confidence;
     };
 
+    void PushCost(float cost) noexcept UTIL_NONBLOCKING;
+
     int delayFrames;
     RunningHann<float> smoothedCost;
     std::array<float, CostCount> costs{}; // ring of the latest smoothed costs
     std::size_t costPosition = 0;
+    float lowestCost = 0;         // of these
     std::vector<Pending> pending; // ring of delayFrames + 1
     std::size_t pendingPosition = 0;
     int startUpRuns = 0; // still to pass before anything can be voiced

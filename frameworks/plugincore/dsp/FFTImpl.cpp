@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/FFTImpl.h"
 
-#include "frameworks/plugincore/dsp/FFTStages.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <numbers>
 #include <stdexcept>
 
@@ -13,69 +12,11 @@ namespace DSP {
 
 namespace {
 
-using namespace FFTStages;
-
-constexpr float Half = 0.5F;
-constexpr Index Padding = 4; // the element after the last one mirrors the first, see Separate()
+using Index = std::ptrdiff_t;
 
 std::size_t At(Index position)
 {
     return static_cast<std::size_t>(position);
-}
-
-SplitAccess GetArray(std::vector<float>& work, Index length, Index number)
-{
-    const std::ptrdiff_t part = length + Padding;
-    float* const start = work.data() + 2 * part * number;
-    return {start, start + part};
-}
-
-/// From the transform Z of even + i odd samples to the spectrum X: with A = Z[k], B = conj Z[M - k]
-/// and w = exp(-2 pi i k / F), X[k] = (A + B) / 2 - i w (A - B) / 2, and the conjugate of the sum
-/// with the other sign is X[M - k]. The table has w / 2.
-void Separate(SplitAccess halves, Index length, const float* table, float* spectrum)
-{
-    halves.re[length] = halves.re[0];
-    halves.im[length] = halves.im[0];
-    for (Index k = 0; k < length / 2; k += LaneCount, table += 2 * LaneCount) {
-        const Index mirrored = length - k - (LaneCount - 1);
-        const ComplexLanes a = halves.Get(k);
-        const ComplexLanes b = MirrorConjugate(halves.Get(mirrored));
-        const Lanes c = Load(table);
-        const Lanes s = Load(table + LaneCount);
-        const ComplexLanes d = a - b;
-        const ComplexLanes mean = {(a.re + b.re) * Half, (a.im + b.im) * Half};
-        const ComplexLanes turned = {d.im * c - d.re * s, -(d.im * s + d.re * c)};
-        PutPairs(spectrum + 2 * k, mean + turned);
-        PutPairs(spectrum + 2 * mirrored, MirrorConjugate(mean - turned));
-    }
-    spectrum[length] = halves.re[length / 2];
-    spectrum[length + 1] = -halves.im[length / 2];
-}
-
-/// Counterpart of Separate(), scaled by 2 / F, with the real and imaginary parts exchanged: the
-/// forward stages then give the inverse transform, parts exchanged again.
-void JoinExchanged(const float* spectrum, Index length, const float* table, SplitAccess halves)
-{
-    const float scale = 1.0F / static_cast<float>(length);
-    const Lanes scaleLanes = Broadcast(scale);
-    for (Index k = 0; k < length / 2; k += LaneCount, table += 2 * LaneCount) {
-        const Index mirrored = length - k - (LaneCount - 1);
-        const ComplexLanes a = GetPairs(spectrum + 2 * k);
-        const ComplexLanes b = MirrorConjugate(GetPairs(spectrum + 2 * mirrored));
-        const Lanes c = Load(table) * scaleLanes;
-        const Lanes s = Load(table + LaneCount) * scaleLanes;
-        const ComplexLanes d = a - b;
-        const Lanes meanScale = scaleLanes * Half;
-        const ComplexLanes mean = {(a.re + b.re) * meanScale, (a.im + b.im) * meanScale};
-        const ComplexLanes turned = {-(c * d.im + s * d.re), c * d.re - s * d.im};
-        halves.Put(k, Exchange(mean + turned));
-        halves.Put(mirrored, Exchange(MirrorConjugate(mean - turned)));
-    }
-    halves.re[0] = (spectrum[0] - spectrum[2 * length]) * scale * 0.5F;
-    halves.im[0] = (spectrum[0] + spectrum[2 * length]) * scale * 0.5F;
-    halves.re[length / 2] = -spectrum[length + 1] * scale;
-    halves.im[length / 2] = spectrum[length] * scale;
 }
 
 double Turn(Index part, Index whole)
@@ -99,36 +40,55 @@ Index SineShift(Index size)
 
 } // namespace
 
-FFTImpl<float>::FFTImpl(int newOrder)
-    : order(CheckOrder(newOrder))
+FFTImpl<float>::FFTImpl(int newOrder, const Kernels::FftKernels& newKernels)
+    : kernels(&newKernels)
+    , order(CheckOrder(newOrder))
     , half(1 << (order - 1))
 {
     if (IsDirect()) {
         MakeDirectTable();
         return;
     }
-    MakeStageTables();
+    MakeFirstFactors();
+    MakeMiddleFactors();
     MakeSeparationTable();
-    work.resize(4 * At(half + Padding));
+    AlignWork();
 }
 
-void FFTImpl<float>::MakeStageTables()
+/// For each group of butterflies p: the real parts of a factor of all of them, then the imaginary
+/// ones, and so on for all factors; first those of the outer radix 4, by input and power, then
+/// those of the inner one.
+void FFTImpl<float>::MakeFirstFactors()
 {
-    for (Index p = 0; p < half / 4; p += LaneCount) {
-        for (Index factor = 1; factor < 4; ++factor) {
-            for (Index lane = 0; lane < LaneCount; ++lane) {
-                first.push_back(static_cast<float>(std::cos(Turn(factor * (p + lane), half))));
+    const Index butterflies = half / Kernels::FftFirstRadix;
+    const Index group = std::min(butterflies, Kernels::FftFirstGroup);
+    for (Index start = 0; start < butterflies; start += group) {
+        const auto add = [&](Index power, Index offset, Index length) {
+            for (Index p = start; p < start + group; ++p) {
+                first.push_back(static_cast<float>(std::cos(Turn(power * (p + offset), length))));
             }
-            for (Index lane = 0; lane < LaneCount; ++lane) {
-                first.push_back(static_cast<float>(-std::sin(Turn(factor * (p + lane), half))));
+            for (Index p = start; p < start + group; ++p) {
+                first.push_back(static_cast<float>(-std::sin(Turn(power * (p + offset), length))));
+            }
+        };
+        for (Index input = 0; input < 4; ++input) {
+            for (Index power = 1; power < 4; ++power) {
+                add(power, input * butterflies, half);
             }
         }
+        for (Index power = 1; power < 4; ++power) {
+            add(power, 0, half / 4);
+        }
     }
-    for (Index length = half / 4; length > 8; length /= 4) {
+}
+
+void FFTImpl<float>::MakeMiddleFactors()
+{
+    for (Index length = half / Kernels::FftFirstRadix; length > 8; length /= 4) {
         for (Index p = 0; p < length / 4; ++p) {
-            for (Index factor = 1; factor < 4; ++factor) {
-                middle.push_back(static_cast<float>(std::cos(Turn(factor * p, length))));
-                middle.push_back(static_cast<float>(-std::sin(Turn(factor * p, length))));
+            for (Index power = 1; power < 4; ++power) {
+                middle.push_back(static_cast<float>(std::cos(Turn(power * p, length))));
+                middle.push_back(static_cast<float>(-std::sin(Turn(power * p, length))));
             }
         }
     }
@@ -136,14 +96,22 @@ void FFTImpl<float>::MakeStageTables()
 
 void FFTImpl<float>::MakeSeparationTable()
 {
-    for (Index k = 0; k < half / 2; k += LaneCount) {
-        for (Index lane = 0; lane < LaneCount; ++lane) {
-            separation.push_back(static_cast<float>(0.5 * std::cos(Turn(k + lane, GetSize()))));
-        }
-        for (Index lane = 0; lane < LaneCount; ++lane) {
-            separation.push_back(static_cast<float>(0.5 * std::sin(Turn(k + lane, GetSize()))));
-        }
+    for (Index k = 0; k < half / 2; ++k) {
+        separation.push_back(static_cast<float>(0.5 * std::cos(Turn(k, GetSize()))));
     }
+    for (Index k = 0; k < half / 2; ++k) {
+        separation.push_back(static_cast<float>(0.5 * std::sin(Turn(k, GetSize()))));
+    }
+}
+
+void FFTImpl<float>::AlignWork()
+{
+    constexpr std::size_t Alignment = 64; // bytes
+    const std::size_t wanted = At(Kernels::GetFftWorkSize(half)) * sizeof(float);
+    std::size_t room = wanted + Alignment;
+    work.resize(room / sizeof(float));
+    void* start = work.data();
+    alignedWork = static_cast<float*>(std::align(Alignment, wanted, start, room));
 }
 
 void FFTImpl<float>::MakeDirectTable()
@@ -155,18 +123,31 @@ void FFTImpl<float>::MakeDirectTable()
     work.resize(At(size) + 2);
 }
 
+Kernels::FftTables FFTImpl<float>::GetTables() const noexcept UTIL_NONBLOCKING
+{
+    return {half, first.data(), middle.data(), separation.data(), alignedWork};
+}
+
 void FFTImpl<float>::Forward(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING
 {
     if (IsDirect()) {
-        ForwardDirect(samples, spectrum);
+        std::copy_n(samples, GetSize(), work.data());
+        ForwardDirect(spectrum);
         return;
     }
-    SplitAccess a = GetArray(work, half, 0);
-    SplitAccess b = GetArray(work, half, 1);
-    RunFirstStage(PairSource{samples}, a, half, first.data());
-    const Index rest = RunMiddleStages(a, b, half, middle.data());
-    RunLastStage(a, b, half, rest);
-    Separate(b, half, separation.data(), spectrum);
+    kernels->forward(GetTables(), samples, spectrum);
+}
+
+void FFTImpl<float>::ForwardOfProduct(const float* samples,
+                                      const float* window,
+                                      float* spectrum) noexcept UTIL_NONBLOCKING
+{
+    if (IsDirect()) {
+        Kernels::GetKernels().overlap.multiply(samples, window, work.data(), At(GetSize()));
+        ForwardDirect(spectrum);
+        return;
+    }
+    kernels->forwardOfProduct(GetTables(), samples, window, spectrum);
 }
 
 void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING
@@ -175,18 +156,13 @@ void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTI
         InverseDirect(spectrum, samples);
         return;
     }
-    SplitAccess a = GetArray(work, half, 0);
-    SplitAccess b = GetArray(work, half, 1);
-    JoinExchanged(spectrum, half, separation.data(), b);
-    RunFirstStage(b, a, half, first.data());
-    const Index rest = RunMiddleStages(a, b, half, middle.data());
-    RunLastStage(a, ExchangedPairTarget{samples}, half, rest);
+    kernels->inverse(GetTables(), spectrum, samples);
 }
 
-void FFTImpl<float>::ForwardDirect(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING
+/// The transform of what lies in `work`.
+void FFTImpl<float>::ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING
 {
     const Index size = GetSize();
-    std::copy_n(samples, size, work.data());
     for (Index k = 0; k <= half; ++k) {
         float re = 0;
         float im = 0;

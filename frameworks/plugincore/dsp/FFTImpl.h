@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 #include <cstddef>
@@ -17,9 +18,9 @@ class FFTImpl;
 /// Forward() is the plain sum of x[n] exp(-2 pi i k n / F); Inverse() divides by F, so that one
 /// after the other gives the samples back to about 1e-7 of the largest.
 ///
-/// Method: the even and odd samples as one complex sequence of half the length, a radix-4 autosort
+/// Method: the even and odd samples as one complex sequence of half the length, an autosort
 /// transform of it (after T. G. Stockham, "High-speed convolution and correlation", 1966), and a
-/// pass that separates the two. Real and imaginary parts lie in arrays of their own, so that four
+/// pass that separates the two. Real and imaginary parts lie in arrays of their own, so that
 /// neighbours always go through the same steps.
 ///
 /// Threads: the constructor is [setup]. An object carries its working buffer: [process] calls come
@@ -37,8 +38,15 @@ public:
     }
 
     /// Makes the tables, about 4 F floats with the working buffer. Throws std::invalid_argument for
-    /// an order that isn't supported. [setup]
-    explicit FFTImpl(int newOrder);
+    /// an order that isn't supported. Tests name the kernels of a level. [setup]
+    explicit FFTImpl(int newOrder,
+                     const Kernels::FftKernels& newKernels = Kernels::GetKernels().fft);
+
+    FFTImpl(const FFTImpl&) = delete; // its work would be in the original
+    FFTImpl& operator=(const FFTImpl&) = delete;
+    FFTImpl(FFTImpl&&) noexcept = default;
+    FFTImpl& operator=(FFTImpl&&) noexcept = default;
+    ~FFTImpl() = default;
 
     int GetOrder() const noexcept { return order; }
     int GetSize() const noexcept { return 1 << order; } ///< F, samples
@@ -46,25 +54,34 @@ public:
     /// `samples` has F floats, `spectrum` F + 2; they may be the same memory. [process]
     void Forward(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
 
+    /// Forward() of samples[i] * window[i]. [process]
+    void ForwardOfProduct(const float* samples, const float* window, float* spectrum) noexcept
+        UTIL_NONBLOCKING;
+
     /// Counterpart of Forward(); the imaginary parts of bins 0 and F/2 are not read. Leaves
     /// `spectrum` as it is unless `samples` is the same memory. [process]
     void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
 
 private:
-    void MakeStageTables();
+    void MakeFirstFactors();
+    void MakeMiddleFactors();
     void MakeSeparationTable();
     void MakeDirectTable();
-    void ForwardDirect(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
+    void AlignWork();
+    Kernels::FftTables GetTables() const noexcept UTIL_NONBLOCKING;
+    void ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING;
     void InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
-    bool IsDirect() const noexcept { return half < 16; }
+    bool IsDirect() const noexcept { return half < 64; }
 
+    const Kernels::FftKernels* kernels;
     int order;
     int half;                      // length of the complex transform, F / 2
-    std::vector<float> first;      // first stage: for each 4 butterflies re, im of 3 factors, by 4
-    std::vector<float> middle;     // later stages in a row: for each butterfly re, im of 3 factors
-    std::vector<float> separation; // for each 4 bins below F / 4: 4 cosines, 4 sines, halved
+    std::vector<float> first;      // factors of the first pass
+    std::vector<float> middle;     // of later passes: for each butterfly re, im by power
+    std::vector<float> separation; // halved cosines of the bins below F / 4, then their sines
     std::vector<float> direct; // cosines of one turn in F steps; only of the shortest transforms
-    std::vector<float> work;   // two split arrays of half + 4 floats a part
+    std::vector<float> work;
+    float* alignedWork = nullptr; // in `work`
 };
 
 } // namespace DSP

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
+#include "frameworks/plugincore/dsp/kernels/Fft.h"
 #include "frameworks/plugincore/dsp/kernels/LagSearch.h"
 #include "frameworks/plugincore/dsp/kernels/Level.h"
 #include "frameworks/plugincore/dsp/kernels/Overlap.h"
@@ -11,6 +12,7 @@ namespace DSP::Kernels {
 /// The kernels of one level, by the header that tells what they do.
 struct KernelSet {
     const CorrelationKernels& correlation;
+    const FftKernels& fft;
     const LagSearchKernels& lagSearch;
     const OverlapKernels& overlap;
 };

@@ -7,6 +7,7 @@ namespace DSP::Kernels::PUFFGUARD_LEVEL {
 // Complete before any code of the module runs.
 constinit const KernelSet kernelSet = {
     .correlation = correlation,
+    .fft = fft,
     .lagSearch = lagSearch,
     .overlap = overlap,
 };

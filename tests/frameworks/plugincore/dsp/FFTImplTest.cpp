@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/FFTImpl.h"
+#include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <functional>
 #include <numbers>
 #include <random>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -181,6 +184,36 @@ TEST_P(FFTImplTest, AlignmentAndSharedMemoryChangeNoBit)
         fft.Inverse(place, place);
         EXPECT_TRUE(std::equal(back.begin(), back.end(), place)) << shift;
     }
+}
+
+TEST_P(FFTImplTest, EveryLevelOfTheProcessorGivesTheSameBits)
+{
+    const std::vector<float> samples = MakeNoise(size, 8);
+    const std::vector<float> window = MakeNoise(size, 9);
+    std::vector<std::vector<float>> results;
+    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+        FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
+        std::vector<float> result(3 * (size + 2));
+        float* const second = result.data() + size + 2;
+        transform.Forward(samples.data(), result.data());
+        transform.ForwardOfProduct(samples.data(), window.data(), second);
+        transform.Inverse(second, result.data() + 2 * (size + 2));
+        results.push_back(std::move(result));
+        EXPECT_EQ(results.back(), results.front()) << static_cast<int>(level);
+    }
+}
+
+TEST_P(FFTImplTest, TransformOfAProductIsThatOfTheWindowedSamples)
+{
+    const std::vector<float> samples = MakeNoise(size, 10);
+    const std::vector<float> window = MakeNoise(size, 11);
+    std::vector<float> windowed(size);
+    std::transform(
+        samples.begin(), samples.end(), window.begin(), windowed.begin(), std::multiplies<>());
+    std::vector<float> wanted(size + 2);
+    fft.Forward(windowed.data(), wanted.data());
+    fft.ForwardOfProduct(samples.data(), window.data(), spectrum.data());
+    EXPECT_EQ(spectrum, wanted);
 }
 
 TEST_P(FFTImplTest, NothingIsReadOrWrittenBeyondTheEnds)

@@ -8,33 +8,29 @@ All that these define is in the level's namespace or local. A shared inline func
 a library would exist once for each level, and the linker would keep any one of them.
 """
 
+import re
 import subprocess
 import sys
 
 
 def main():
     nm, namespace, *objects = sys.argv[1:]
-    listing = subprocess.run([nm, "--defined-only", "--demangle", "--format=posix", *objects],
+    listing = subprocess.run([nm, "--defined-only", "--format=posix", *objects],
                              text=True, capture_output=True, check=True).stdout
-    own = f"DSP::Kernels::{namespace}::"
+    # As the compiler writes what lies in the namespace, local classes of functions included.
+    own = re.compile(f"_ZZ?NK?3DSP7Kernels{len(namespace)}{namespace}")
     shared = []
-    tables = 0
-    for line in listing.splitlines():
-        # Name (may hold blanks), kind, then one or two numbers; small letters are local symbols,
-        # but for those of weak ones.
-        words = line.split()
-        kinds = [i for i, word in enumerate(words) if i > 0 and len(word) == 1 and word.isalpha()]
-        if not kinds:
-            continue
-        kind = words[kinds[-1]]
-        name = " ".join(words[:kinds[-1]])
-        if kind.isupper() or kind in "uvw":
-            tables += name.startswith(own)
-            if not name.startswith(own):
-                shared.append(name)
-    print("\n  ".join(["shared:", *sorted(set(shared))]) if shared else f"{tables} of {namespace}")
+    count = 0
+    for words in (line.split() for line in listing.splitlines()):
+        # Name, kind, numbers; small letters are local symbols, but for those of weak ones.
+        if len(words) > 2 and (words[1].isupper() or words[1] in "uvw"):
+            if own.match(words[0]):
+                count += 1
+            else:
+                shared.append(words[0])
+    print("\n  ".join(["shared:", *sorted(set(shared))]) if shared else f"{count} of {namespace}")
     # No name at all would mean that the wrong objects were read.
-    return 1 if shared or tables == 0 else 0
+    return 1 if shared or count == 0 else 0
 
 
 if __name__ == "__main__":

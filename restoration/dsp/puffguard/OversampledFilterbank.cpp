@@ -55,7 +55,7 @@ void OversampledFilterbank::configure(float time,
     }
     frame.resize(Size(fftSize));
     if (channels != 0) {
-        inputTail.configure(channels, overlap, 0);
+        inputTail.configure(channels, windowLength, 0);
         outputTail.configure(channels, overlap, 0);
         MakeBandEdges();
     }
@@ -90,22 +90,15 @@ void OversampledFilterbank::reset() noexcept UTIL_NONBLOCKING
     outputTail.zero();
 }
 
-void OversampledFilterbank::AnalyseFrame(const float* tail,
-                                         const float* input,
-                                         int32_t start,
-                                         float* spectrum) noexcept UTIL_NONBLOCKING
+void OversampledFilterbank::AnalyseFrame(const float* samples, float* spectrum) noexcept
+    UTIL_NONBLOCKING
 {
-    const Kernels::OverlapKernels& kernels = Kernels::GetKernels().overlap;
-    // `start` counts from the first new sample; what lies before it is in the tail.
-    const int32_t fromTail = std::max(0, -start);
     const float* const window = windows.analysis.data();
-    kernels.multiply(tail + (overlap - fromTail), window, frame.data(), Size(fromTail));
-    if (fromTail < windowLength) {
-        kernels.multiply(input + (fromTail + start),
-                         window + fromTail,
-                         frame.data() + fromTail,
-                         Size(windowLength - fromTail));
+    if (windowLength == fftSize) {
+        fft->ForwardOfProduct(samples, window, spectrum);
+        return;
     }
+    VectorOps::Multiply(samples, window, frame.data(), Size(windowLength));
     VectorOps::Zero(frame.data() + windowLength, Size(fftSize - windowLength));
     fft->Forward(frame.data(), spectrum);
 }
@@ -117,21 +110,13 @@ void OversampledFilterbank::analyse(const float* const* input,
                                     int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
 {
     const std::ptrdiff_t frameFloats = fftSize + 2;
-    for (int32_t channel = 0; channel < channels; ++channel) {
-        for (int32_t f = 0; f < sampleCount / hop; ++f) {
-            AnalyseFrame(inputTail.GetChannel(channel),
-                         input[channel] + inputOffset,
-                         (f + 1) * hop - windowLength,
-                         spectra[channel] + spectrumOffset + frameFloats * f);
+    for (int32_t f = 0; f < sampleCount / hop; ++f) {
+        inputTail.consume(hop);
+        for (int32_t channel = 0; channel < channels; ++channel) {
+            float* const samples = inputTail.GetChannel(channel);
+            VectorOps::Copy(input[channel] + inputOffset + hop * f, samples + overlap, Size(hop));
+            AnalyseFrame(samples, spectra[channel] + spectrumOffset + frameFloats * f);
         }
-    }
-    inputTail.consume(sampleCount);
-    const int32_t kept = std::max(0, overlap - sampleCount);
-    const int32_t added = overlap - kept;
-    for (int32_t channel = 0; channel < channels; ++channel) {
-        VectorOps::Copy(input[channel] + inputOffset + (sampleCount - added),
-                        inputTail.GetChannel(channel) + kept,
-                        Size(added));
     }
 }
 

@@ -68,9 +68,7 @@ public:
 
 private:
     void MakeBandEdges();
-    void
-    AnalyseFrame(const float* tail, const float* input, int32_t start, float* spectrum) noexcept
-        UTIL_NONBLOCKING;
+    void AnalyseFrame(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
 
     std::vector<float> lowerBandEdges; // of the bins 0 to F/2, Hz; empty without channels
     std::vector<float> upperBandEdges;
@@ -88,7 +86,7 @@ private:
     int32_t kind = 0;              // of the windows
     int32_t windowHop = 0;         // that the windows are scaled for
     WindowPair windows;            // W each
-    DataTailCirc inputTail;        // the last W - H input samples
+    DataTailCirc inputTail;        // the last W input samples
     DataTailCirc outputTail;       // W - H output samples that miss frames yet
 };
 

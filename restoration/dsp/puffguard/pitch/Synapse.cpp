@@ -75,10 +75,14 @@ void Synapse::RegisterLatencyParams()
 
 void Synapse::RegisterPrefilters()
 {
-    const auto setLowpass = [this](float hz) { engine.SetLowpass(hz); };
-    const auto setHighpass = [this](float hz) { engine.SetHighpass(hz); };
-    const auto setTime = [this](float milliseconds) { engine.SetAveragingTime(milliseconds); };
-    const auto setThreshold = [this](float fraction) { engine.SetClippingThreshold(fraction); };
+    const auto setLowpass = [this](float hz) { engine.GetPrefilter().SetLowpass(hz); };
+    const auto setHighpass = [this](float hz) { engine.GetPrefilter().SetHighpass(hz); };
+    const auto setTime = [this](float milliseconds) {
+        engine.GetPrefilter().SetAveragingTime(milliseconds);
+    };
+    const auto setThreshold = [this](float fraction) {
+        engine.GetPrefilter().SetClippingThreshold(fraction);
+    };
     const auto add = [this](uint32_t index, const ParamRegistration<float>& registration) {
         RegisterFloatParam(index, registration);
     };

@@ -3,7 +3,6 @@ set(PITCH_SOURCES
     pitch/AnalysisSizes.cpp
     pitch/Autocorr.cpp
     pitch/Biquad.cpp
-    pitch/DcFilter.cpp
     pitch/DynProgCached.cpp
     pitch/FrameHistory.cpp
     pitch/LagMap.cpp
@@ -11,5 +10,6 @@ set(PITCH_SOURCES
     pitch/PeakSearch.cpp
     pitch/PitchDetect.cpp
     pitch/PitchEngine.cpp
+    pitch/Prefilter.cpp
     pitch/Synapse.cpp
     pitch/VoicingGate.cpp)

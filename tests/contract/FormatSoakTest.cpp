@@ -70,6 +70,7 @@ public:
     {
         host->Deactivate();
         ASSERT_TRUE(host->Activate(rate, longestBlock)) << Tell();
+        PlaySilence(*host, channels, 64); // values that wait for a block go in before the state
         const auto plain = MakeState([](TestHost::Instance&) {});
         EXPECT_TRUE(host->Load(host->MakeSession(plain))) << Tell();
         PlaySilence(*host, channels, 10'000);

@@ -2,12 +2,14 @@
 #include "frameworks/plugincore/dsp/DelayLine.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 
 namespace DSP {
 namespace {
 
 constexpr uint32_t FadeFrames = 128;
+constexpr uint32_t PieceFrames = 256;
 
 } // namespace
 
@@ -56,12 +58,36 @@ void DelayLine::Process(const float* input, float* output, uint32_t frames) noex
     inUse = true;
     const uint32_t fading = std::min(frames, fadeFramesLeft);
     ProcessFading(input, output, fading);
-    const auto size = static_cast<uint32_t>(ring.size());
-    for (uint32_t i = fading; i < frames; ++i) {
-        ring[writeIndex] = input != nullptr ? input[i] : 0.0F;
-        output[i] = ReadBack(length);
-        writeIndex = writeIndex + 1 == size ? 0 : writeIndex + 1;
+    for (uint32_t done = fading; done < frames;) {
+        done +=
+            ProcessPiece(input != nullptr ? input + done : nullptr, output + done, frames - done);
     }
+}
+
+uint32_t DelayLine::ProcessPiece(const float* input, float* output, uint32_t mostFrames) noexcept
+{
+    const auto size = static_cast<uint32_t>(ring.size());
+    const uint32_t readIndex =
+        writeIndex >= length ? writeIndex - length : writeIndex + size - length;
+    uint32_t frames = std::min({mostFrames, PieceFrames, size - writeIndex, size - readIndex});
+    // The output may take the input's place.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written below
+    std::array<float, PieceFrames> arriving;
+    if (input != nullptr) {
+        std::copy_n(input, frames, arriving.data());
+    } else {
+        std::fill_n(arriving.data(), frames, 0.0F);
+    }
+    // Nothing is read that the same piece writes, unless all of it goes straight through.
+    if (length == 0) {
+        std::copy_n(arriving.data(), frames, output);
+    } else {
+        frames = std::min(frames, length);
+        std::copy_n(ring.data() + readIndex, frames, output);
+    }
+    std::copy_n(arriving.data(), frames, ring.data() + writeIndex);
+    writeIndex = writeIndex + frames == size ? 0 : writeIndex + frames;
+    return frames;
 }
 
 void DelayLine::ProcessFading(const float* input, float* output, uint32_t frames) noexcept

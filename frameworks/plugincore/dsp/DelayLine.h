@@ -33,6 +33,7 @@ public:
 
 private:
     void ProcessFading(const float* input, float* output, uint32_t frames) noexcept;
+    uint32_t ProcessPiece(const float* input, float* output, uint32_t mostFrames) noexcept;
     float ReadBack(uint32_t samples) const noexcept;
 
     std::vector<float> ring; // maxLength + 1

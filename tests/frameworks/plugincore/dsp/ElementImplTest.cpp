@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -204,6 +205,31 @@ TEST(DelayLine, DelaysExactlyAndMovesWithinItsRoom)
         line.Process(samples.data() + 11, samples.data() + 11, 19);
         for (std::size_t i = 0; i < samples.size(); ++i) {
             ASSERT_EQ(samples[i], i < length ? 0.0F : static_cast<float>(i + 1 - length));
+        }
+    }
+}
+
+// Cuts and wraps fall everywhere; a plain shift of the whole signal is the truth.
+TEST(DelayLine, DelaysExactlyHoweverLongTheBlocksAre)
+{
+    constexpr uint32_t Frames = 3000;
+    for (const uint32_t length : {0U, 1U, 255U, 600U, 700U}) {
+        for (const uint32_t block : {1U, 64U, 257U, 1024U, Frames}) {
+            DSP::DelayLine line(700);
+            line.SetLength(length);
+            std::vector<float> samples(Frames);
+            std::iota(samples.begin(), samples.end(), 1.0F);
+            for (uint32_t begin = 0; begin < Frames; begin += block) {
+                float* const part = samples.data() + begin;
+                line.Process(part, part, std::min(block, Frames - begin));
+            }
+            std::vector<float> tail(length);
+            line.Process(nullptr, tail.data(), length);
+            samples.insert(samples.end(), tail.begin(), tail.end());
+            for (uint32_t i = 0; i < samples.size(); ++i) {
+                ASSERT_EQ(samples[i], i < length ? 0.0F : static_cast<float>(i + 1 - length))
+                    << length << ", " << block << ", " << i;
+            }
         }
     }
 }

@@ -57,16 +57,17 @@ SplitArray GetArray(const FftTables& tables, Index number) noexcept
     return {start, start + part};
 }
 
-/// What all passes but the last one leave: `from` is what the last one reads, `free` may be
+/// What the passes before the last step leave: `from` is what the last step reads, `free` may be
 /// written.
 struct Passed {
     SplitArray from;
     SplitArray free;
-    Index length; // 4 or 8
+    Index length;         // 4, 8, or 16 for two passes in one
+    const float* factors; // of the first one of two
 };
 
 template <typename Source>
-Passed RunAllButLastPass(const FftTables& tables, const Source& source) noexcept
+Passed RunAllButLastStep(const FftTables& tables, const Source& source) noexcept
 {
     SplitArray from = GetArray(tables, 0);
     SplitArray to = GetArray(tables, 1);
@@ -76,22 +77,32 @@ Passed RunAllButLastPass(const FftTables& tables, const Source& source) noexcept
         RunFirstPass<FirstLanes>(source, from, tables.half, tables.first);
     }
     Index length = tables.half / FftFirstRadix;
+    Index stride = FftFirstRadix;
     const float* factors = tables.middle;
-    for (Index stride = FftFirstRadix; length > 8; stride *= 4) {
-        RunMiddlePass<LevelLanes>(from, to, length, stride, factors);
+    while (length > 16) {
+        const float* const next = factors + length / 4 * 6;
+        const bool areTwo = length > 32;
+        if (areTwo) {
+            RunTwoPasses<LevelLanes, false>(from, to, length, stride, factors, next);
+        } else {
+            RunMiddlePass<LevelLanes>(from, to, length, stride, factors);
+        }
         const SplitArray swapped = from;
         from = to;
         to = swapped;
-        factors += length / 4 * 6;
-        length /= 4;
+        factors = areTwo ? next + length / 16 * 6 : next;
+        length /= areTwo ? 16 : 4;
+        stride *= areTwo ? 16 : 4;
     }
-    return {from, to, length};
+    return {from, to, length, factors};
 }
 
 template <typename Target>
-void RunLastPass(const Passed& passed, const Target& target, Index half) noexcept
+void RunLastStep(const Passed& passed, const Target& target, Index half) noexcept
 {
-    if (passed.length == 8) {
+    if (passed.length == 16) {
+        RunTwoPasses<LevelLanes, true>(passed.from, target, 16, half / 16, passed.factors, nullptr);
+    } else if (passed.length == 8) {
         RunLastPass8<LevelLanes>(passed.from, target, half / 8);
     } else {
         RunLastPass4<LevelLanes>(passed.from, target, half / 4);
@@ -158,8 +169,8 @@ void JoinExchanged(const float* spectrum, const FftTables& tables, SplitArray ha
 template <typename Source>
 void RunForward(const FftTables& tables, const Source& source, float* spectrum) noexcept
 {
-    const Passed passed = RunAllButLastPass(tables, source);
-    RunLastPass(passed, passed.free, tables.half);
+    const Passed passed = RunAllButLastStep(tables, source);
+    RunLastStep(passed, passed.free, tables.half);
     Separate(passed.free, tables, spectrum);
 }
 
@@ -180,8 +191,8 @@ void Inverse(const FftTables& tables, const float* spectrum, float* samples) noe
 {
     const SplitArray halves = GetArray(tables, 1); // which the first pass reads and frees
     JoinExchanged(spectrum, tables, halves);
-    const Passed passed = RunAllButLastPass(tables, halves);
-    RunLastPass(passed, ExchangedPairTarget{samples}, tables.half);
+    const Passed passed = RunAllButLastStep(tables, halves);
+    RunLastStep(passed, ExchangedPairTarget{samples}, tables.half);
 }
 
 } // namespace

@@ -224,6 +224,67 @@ inline void RunMiddlePass(
     }
 }
 
+/// The first of two middle passes that are run as one, for inputs p + length / 4 * i.
+template <int N>
+[[gnu::always_inline]] inline Four<N>
+RunOuterButterfly(SplitArray source, Index from, Index step, const float* factors) noexcept
+{
+    const Four<N> y = Butterfly(Four<N>{source.Get<N>(from),
+                                        source.Get<N>(from + step),
+                                        source.Get<N>(from + 2 * step),
+                                        source.Get<N>(from + 3 * step)});
+    return {y.v0,
+            y.v1 * GetPower<N>(factors, 1),
+            y.v2 * GetPower<N>(factors, 2),
+            y.v3 * GetPower<N>(factors, 3)};
+}
+
+/// A pass of radix 4 and the next one, of length / 4 and 4 * stride, which takes its results out of
+/// the registers: half the way through memory. `inner` are the factors of the next one, or null
+/// where it is the last one, whose factors are 1.
+template <int N, bool isLast, typename Target>
+inline void RunTwoPasses(SplitArray source,
+                         const Target& target,
+                         Index length,
+                         Index stride,
+                         const float* outer,
+                         const float* inner) noexcept
+{
+    const Index count = length / 16;
+    const Index step = stride * count;
+    const auto put = [&](Index to, const Four<N>& x, const float* factors) {
+        const Four<N> z = Butterfly(x);
+        target.template Put<N>(to, z.v0);
+        if constexpr (isLast) {
+            target.template Put<N>(to + 4 * stride, z.v1);
+            target.template Put<N>(to + 8 * stride, z.v2);
+            target.template Put<N>(to + 12 * stride, z.v3);
+        } else {
+            target.template Put<N>(to + 4 * stride, z.v1 * GetPower<N>(factors, 1));
+            target.template Put<N>(to + 8 * stride, z.v2 * GetPower<N>(factors, 2));
+            target.template Put<N>(to + 12 * stride, z.v3 * GetPower<N>(factors, 3));
+        }
+    };
+    for (Index p = 0; p < count; ++p) {
+        const float* const w = outer + 6 * p;
+        const float* const v = isLast ? nullptr : inner + 6 * p;
+        for (Index q = 0; q < stride; q += N) {
+            const Index from = q + stride * p;
+            const Index to = q + stride * 16 * p;
+            const Four<N> y0 = RunOuterButterfly<N>(source, from, 4 * step, w);
+            const Four<N> y1 = RunOuterButterfly<N>(source, from + step, 4 * step, w + 6 * count);
+            const Four<N> y2 =
+                RunOuterButterfly<N>(source, from + 2 * step, 4 * step, w + 12 * count);
+            const Four<N> y3 =
+                RunOuterButterfly<N>(source, from + 3 * step, 4 * step, w + 18 * count);
+            put(to, {y0.v0, y1.v0, y2.v0, y3.v0}, v);
+            put(to + stride, {y0.v1, y1.v1, y2.v1, y3.v1}, v);
+            put(to + 2 * stride, {y0.v2, y1.v2, y2.v2, y3.v2}, v);
+            put(to + 3 * stride, {y0.v3, y1.v3, y2.v3, y3.v3}, v);
+        }
+    }
+}
+
 /// Last pass, of length 4: all factors are 1.
 template <int N, typename Target>
 inline void RunLastPass4(SplitArray source, const Target& target, Index stride) noexcept

@@ -6,8 +6,12 @@
 # or a folder without permission leaves everything as it was.
 set -euo pipefail
 
-build=$(cd "$1" && pwd -P)
 prefix=${2:-}
+if [ $# -lt 1 ] || [ $# -gt 2 ] || [[ $prefix = -* ]]; then
+    echo "usage: install-plugins.sh BUILD_FOLDER [PREFIX]" >&2
+    exit 2
+fi
+build=$(cd -- "$1" && pwd -P)
 
 # Format, folder of the bundle in BUILD_FOLDER.
 bundles=(
@@ -55,11 +59,13 @@ stage() {
     folder=$(dirname "$place")
     if ! mkdir -p "$folder" 2>/dev/null ||
         ! copy=$(mktemp -d "$folder/.puffguard.XXXXXX" 2>/dev/null); then
-        die "No permission to write in $folder: nothing was installed.${prefix:+ Try it with sudo.}"
+        die "No permission to write in $folder: nothing was installed."
     fi
     stages+=("$copy")
     places+=("$place")
     cp -R "$source" "$copy/new" || die "Could not copy to $folder: nothing was installed."
+    # Whoever built them may have kept them to themselves.
+    [ -z "$prefix" ] || chmod -R a+rX,u+w "$copy/new"
 }
 
 # replace STAGE PLACE: the copy takes the place.
@@ -75,9 +81,9 @@ replace() {
 }
 
 if [ -n "$prefix" ]; then
+    umask 022 # a place for all users
     mkdir -p "$prefix" 2>/dev/null || die "Could not make $prefix: nothing was installed."
     prefix=$(cd "$prefix" && pwd -P)
-    umask 022 # a place for all users
 elif [ ! -d "${HOME:-}" ]; then
     die "HOME names no folder: nothing was installed."
 fi

@@ -1,6 +1,7 @@
+# shellcheck shell=bash
 # SPDX-License-Identifier: ISC
-# Sourced by ./run, ./test and tools/make-sample: packages and builds. Everything it says goes to
-# standard error, so that standard output stays the program's own.
+# Sourced by ./run and ./test: packages and builds. Everything it says goes to standard error, so that
+# standard output stays the program's own.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 

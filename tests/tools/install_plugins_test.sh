@@ -56,8 +56,13 @@ check "over an older version" says "replaced   $HOME/.lv2/puffguard.lv2"
 check "nothing of the older version stays" home_holds second
 
 prefix=$scratch/a\ prefix
-check "below a prefix" install "$prefix"
+chmod -R go-rwx "$build"
+(umask 077 && install "$prefix")
+check "below a prefix" [ $? -eq 0 ]
 check "below a prefix" holds "$prefix/lib" lv2 clap vst3 second
+check "below a prefix for all users" [ -z "$(find "$prefix" -not -perm -a+r -o -type d -not -perm -a+x)" ]
+check "an option is no prefix" eval '! install --help'
+check "an option is no prefix" says "usage: "
 
 # One place of three can't be had: nothing changes anywhere.
 make_bundles third
@@ -86,6 +91,39 @@ else
     chmod u+w "$HOME/.clap"
     check "no permission leaves what was there" home_holds second
 fi
+
+# stop_at NUMBER: the script is ended when it is about to make its move of this number.
+stop_at() {
+    mkdir -p "$scratch/bin"
+    cat >"$scratch/bin/mv" <<TEXT
+#!/usr/bin/env bash
+echo move >>"$scratch/moves"
+[ \$(wc -l <"$scratch/moves") -eq $1 ] || exec "$(command -v mv)" "\$@"
+kill -TERM \$PPID
+TEXT
+    chmod a+x "$scratch/bin/mv"
+    rm -f "$scratch/moves"
+}
+
+# whole_bundles: each is there in one of the two versions, and nothing beside it.
+whole_bundles() {
+    local place
+    for place in .lv2/puffguard.lv2 .clap/puffguard .vst3/Puff-guard.vst3; do
+        [ "$(ls -A "$HOME/${place%/*}")" = "${place#*/}" ] &&
+            grep -rqx 'before\|after' "$HOME/$place" || return
+    done
+}
+
+# Two moves for each bundle: what is there aside, and the new one to its place.
+for number in 1 2 3 4 5 6; do
+    make_bundles before
+    check "before an interruption" install
+    make_bundles after
+    stop_at $number
+    check "interrupted at move $number" eval "! PATH=$scratch/bin:$PATH install"
+    check "interrupted at move $number" whole_bundles
+    [ $number -gt 2 ] || check "interrupted in the first bundle" home_holds before
+done
 
 rm -rf "$build" && mkdir "$build"
 check "a build without bundles is told" eval '! install'

@@ -30,12 +30,13 @@ Lv2::PresetValues ReadValues(Wrapper::Instance& instance, const Wrapper::Preset&
     return result;
 }
 
-// What the user of the building machine has in store is nobody else's.
+// The product's own. What the user of the building machine has in store is nobody else's, and the one
+// built in would be "Default" by another name.
 std::vector<Lv2::PresetValues> ReadPresets(Wrapper::Instance& instance)
 {
     std::vector<Lv2::PresetValues> presets;
     for (const Wrapper::Preset& preset : instance.ListPresets()) {
-        if (preset.group == Wrapper::PresetGroup::User) {
+        if (preset.group != Wrapper::PresetGroup::Factory) {
             continue;
         }
         if (!instance.ApplyPreset(preset.name)) {

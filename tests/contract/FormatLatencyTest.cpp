@@ -77,4 +77,19 @@ TEST_P(FormatLatency, ReachesTheHostOnceWhenAStateChangesIt)
     }
 }
 
+TEST_P(FormatLatency, IsThatOfAStateThatCameAfterTheLastBlockBeforeARestart)
+{
+    const auto shortest = MakeState([](TestHost::Instance& instance) {
+        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
+    });
+    auto host = Make();
+    const uint32_t before = host->GetLatency();
+    PlaySilence(*host, 2, 64);
+    ASSERT_TRUE(host->Load(host->MakeSession(shortest)));
+    host->Deactivate();
+    ASSERT_TRUE(host->Activate(Rate, LongestBlock));
+    EXPECT_LT(host->GetLatency(), before);
+    ExpectReported(*host);
+}
+
 CONTRACT_FORMATS(FormatLatency);

@@ -15,8 +15,9 @@ namespace {
 
 constexpr uint32_t uiContext = 1;
 // Hz. The module passes over a format outside these without a word.
-constexpr float lowestRate = 500.0F;
-constexpr float highestRate = 1.5e6F;
+constexpr double lowestRate = 500.0;
+constexpr double highestRate = 1.5e6;
+constexpr double usualRate = 44100.0;
 constexpr std::string_view bypassIdentifier = "Global.Global Bypass";
 
 // The plain layouts: their channels have no meaning, whatever the host's order of speakers is.
@@ -82,7 +83,8 @@ bool Instance::Start(const Setup& setup)
     record.identity.format = NumberOf(setup.format);
     CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
     record.instance = &core;
-    record.sampleRate = static_cast<float>(setup.sampleRate);
+    const bool isServable = CanServe(setup.sampleRate, setup.channels);
+    record.sampleRate = static_cast<float>(isServable ? setup.sampleRate : usualRate);
     record.channelConfig = LayoutOf(setup.channels);
     const uint32_t answer = module->Call(SelectorCreatePlugin, uiContext, nullptr, &record);
     if (answer != PluginCoreSuccess || core == nullptr) {
@@ -168,14 +170,18 @@ void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
     }
 }
 
+bool Instance::CanServe(double sampleRate, uint32_t channels)
+{
+    return sampleRate >= lowestRate && sampleRate <= highestRate && channels >= 1 &&
+           channels <= BlockBuffers::MaxChannels;
+}
+
 bool Instance::SetFormat(double sampleRate, uint32_t channels)
 {
-    StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
-    const bool isServable = record.sampleRate >= lowestRate && record.sampleRate <= highestRate &&
-                            channels >= 1 && channels <= BlockBuffers::MaxChannels;
-    if (!isServable) {
+    if (!CanServe(sampleRate, channels)) {
         return false;
     }
+    StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
     BlockBuffers newBuffers; // made first: without memory nothing changes
     newBuffers.SetChannels(channels);
     if (!Request(SelectorSetStreamFormat, &record, "take a stream format")) {
@@ -189,6 +195,9 @@ void Instance::Activate()
 {
     ProcessingStateRecord record = {1, 0};
     Call(SelectorSetProcessingState, Side::UI, &record);
+    // What still waits for a block goes in now: else its latency came with the first one.
+    uint32_t latency = 0;
+    Call(SelectorResetProcessing, Side::UI, &latency);
 }
 
 void Instance::Deactivate()
@@ -213,7 +222,8 @@ bool Instance::Process(const Block& block, std::optional<double> position) noexc
         record.frames = frames;
         record.channels = channels;
         record.transport = &transport;
-        isDone = Call(SelectorProcess, Side::Process, &record) == PluginCoreSuccess && isDone;
+        // After a refusal the rest passes untouched, too.
+        isDone = isDone && Call(SelectorProcess, Side::Process, &record) == PluginCoreSuccess;
     });
     return isDone;
 }

@@ -66,13 +66,16 @@ public:
 
     const Module& GetModule() const noexcept { return *module; }
 
+    /// Whether there is a format of this rate, in Hz, and number of channels. [any]
+    static bool CanServe(double sampleRate, uint32_t channels);
     /// A new stream format; values stay, the signal starts anew. False, and nothing changed, for a
     /// rate or a number of channels that can't be served. Not from within a callback. [setup]
     bool SetFormat(double sampleRate, uint32_t channels);
     uint32_t GetChannels() const noexcept { return buffers.GetChannels(); }
 
     /// Before audio runs and after it: forgets the signal, and lets the UI side act without it.
-    /// Audio runs also without these. [setup]
+    /// What the UI side has set until Activate() is in force from there on, its latency too. Audio
+    /// runs also without these. [setup]
     void Activate();
     void Deactivate();
 
@@ -84,7 +87,8 @@ public:
     /// hold the inputs from there on. [process]
     bool Process(const Block& block, std::optional<double> position) noexcept;
 
-    /// By how much the output is late, in samples. [any]
+    /// By how much the output is late, in samples. On the thread of `side`; that of the UI side
+    /// takes a lock.
     uint32_t GetLatency(Side side) const noexcept;
 
     /// The automatable ones, in the order of their indices. [any]

@@ -39,6 +39,8 @@ public:
         }
         instance.SetFormat(single, TestHost::LayoutOf(channels));
         SetProcessing(1);
+        uint32_t latency = 0;
+        Call(SelectorResetProcessing, UI, instance.Get(), &latency);
         return true;
     }
 

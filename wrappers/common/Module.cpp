@@ -5,8 +5,10 @@
 #include "wrappers/common/Text.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <array>
+#include <climits>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
@@ -20,23 +22,42 @@ constexpr const char* moduleFileName = "LMPuffguard.so";
 // Inside a bundle; beside the folder of a wrapper; beside the folder of bundles.
 constexpr std::array<std::string_view, 3> places = {".", "../puffguard", "../../puffguard"};
 
-// The file that this code was linked into.
+// A library's folder as it was when the library was loaded, whatever the current folder is now.
+std::filesystem::path FolderOf(const char* library)
+{
+    std::array<char, size_t{2} * PATH_MAX> folder{};
+    void* const handle = ::dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+    if (handle != nullptr) {
+        ::dlinfo(handle, RTLD_DI_ORIGIN, folder.data());
+        ::dlclose(handle);
+    }
+    return folder.data();
+}
+
+// The file that this code was linked into; empty when it is no longer where it was loaded from.
 std::filesystem::path OwnFile()
 {
     Dl_info info = {};
-    const bool isKnown = ::dladdr(reinterpret_cast<void*>(&OwnFile), &info) != 0;
-    const std::string_view name =
-        isKnown && info.dli_fname != nullptr ? info.dli_fname : std::string_view();
-    // A program that was found along PATH is known by its bare name only.
+    void* map = nullptr;
+    if (::dladdr1(reinterpret_cast<void*>(&OwnFile), &info, &map, RTLD_DL_LINKMAP) == 0) {
+        return {};
+    }
+    const std::filesystem::path name = static_cast<const link_map*>(map)->l_name;
     std::error_code failure; // leaves an empty path
-    return std::filesystem::canonical(name.find('/') == name.npos ? "/proc/self/exe" : name,
-                                      failure);
+    if (name.empty()) {      // the program
+        return std::filesystem::canonical("/proc/self/exe", failure);
+    }
+    const auto file = name.is_absolute() ? name : FolderOf(name.c_str()) / name.filename();
+    return file.is_absolute() ? std::filesystem::canonical(file, failure) : "";
 }
 
 Module::Folders UsualFolders()
 {
     const std::filesystem::path own = OwnFile().parent_path();
     Module::Folders folders;
+    if (own.empty()) {
+        return folders;
+    }
     for (const std::string_view place : places) {
         folders.push_back((own / place).lexically_normal());
     }
@@ -60,6 +81,10 @@ std::filesystem::path FindModule(const Module::Folders& folders)
         return chosen;
     }
     std::vector<std::string> tried;
+    if (folders.empty()) {
+        throw std::runtime_error("the module isn't named by PUFFGUARD_MODULE, and where to look for"
+                                 " it can't be told: the plug-in or program has moved");
+    }
     for (const std::filesystem::path& folder : folders) {
         std::error_code failure;
         tried.push_back((folder / moduleFileName).string());

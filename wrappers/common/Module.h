@@ -29,9 +29,9 @@ public:
     using Folders = std::vector<std::filesystem::path>;
 
     /// Loads the file that $PUFFGUARD_MODULE names or, without it, the first one that exists:
-    /// beside the wrapper's own file, in "../puffguard", in "../../puffguard". Null, after a line
-    /// in the log, when there is none, it can't be loaded or is of another version than the
-    /// wrapper. [any]
+    /// beside the wrapper's own file, in "../puffguard", in "../../puffguard". When the wrapper's
+    /// file isn't where it was loaded from any more, nowhere. Null, after a line in the log, when
+    /// there is none, it can't be loaded or is of another version than the wrapper. [any]
     static std::shared_ptr<const Module> Load(const LogFunction& log);
 
     /// The same, where the installation has `folders` of its own for the module. [any]

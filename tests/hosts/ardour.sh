@@ -79,7 +79,7 @@ values_are() {
 
 # run_session NAME: on $scratch/in.wav with the plug-in that the variables name.
 run_session() {
-    export PUFFGUARD_SESSION=$scratch/session
+    export PUFFGUARD_SESSION=$scratch/session PUFFGUARD_LATENCY=16383
     rm -rf "$PUFFGUARD_SESSION"
     steadily ardour7-lua "$root/tests/hosts/ardour/session.lua" &&
         grep -qx $'latency\t16383' "$scratch/log" &&
@@ -88,10 +88,24 @@ run_session() {
     export_session puffguard "$scratch/out.wav" && as_repaired "$scratch/out.wav"
     result $? "Ardour exports with $1 what the command makes" || return
     PUFFGUARD_LOAD=again steadily ardour7-lua "$root/tests/hosts/ardour/session.lua" &&
+        grep -qx $'latency\t16383' "$scratch/log" &&
         values_are "$sensitivity" "$strength" "$upper_frequency"
     result $? "Ardour loads the session with $1" || return
     export_session again "$scratch/again.wav" && as_repaired "$scratch/again.wav"
     result $? "Ardour exports the loaded session with $1 alike"
+}
+
+# What no control holds: a latency of its own, from a preset into the session and out of it again.
+run_preset() {
+    export PUFFGUARD_SESSION=$scratch/preset PUFFGUARD_LATENCY=9215 PUFFGUARD_VALUES=""
+    export PUFFGUARD_FORMAT=LV2 PUFFGUARD_PLUGIN=https://puffguard.example/lv2/stereo
+    rm -rf "$PUFFGUARD_SESSION"
+    PUFFGUARD_PRESET="Live - low latency" steadily ardour7-lua "$root/tests/hosts/ardour/session.lua" &&
+        grep -qx $'latency\t9215' "$scratch/log"
+    result $? "Ardour loads a preset with another latency" || return
+    PUFFGUARD_LOAD=again steadily ardour7-lua "$root/tests/hosts/ardour/session.lua" &&
+        grep -qx $'latency\t9215' "$scratch/log"
+    result $? "Ardour loads a session with another latency"
 }
 
 # The host's own scanner loads the bundle, and its list is where the session finds it: but only when the
@@ -122,6 +136,7 @@ run_recording() {
 }
 
 versions ardour ffmpeg
+run_preset
 identifier=
 if [ -d "$vst3" ]; then
     scan_vst3

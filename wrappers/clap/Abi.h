@@ -50,6 +50,10 @@ struct HostLog {
     void (*log)(const clap_host_t* host, int32_t severity, const char* text); ///< [any]
 };
 
+struct HostTail {
+    void (*changed)(const clap_host_t* host); ///< [audio]
+};
+
 enum RenderMode : int32_t { RenderRealtime = 0, RenderOffline = 1 };
 
 struct PluginRender {

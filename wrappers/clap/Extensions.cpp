@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <string_view>
 
 namespace Clap {
@@ -30,14 +29,14 @@ bool DescribeParameter(const clap_plugin_t* plugin,
                        uint32_t index,
                        clap_param_info_t* info) noexcept
 {
-    return PluginOf(plugin).GetParameters().Describe(index, *info);
+    return info != nullptr && PluginOf(plugin).GetParameters().Describe(index, *info);
 }
 
 bool GetValue(const clap_plugin_t* plugin, clap_id id, double* value) noexcept
 {
     const Parameters& parameters = PluginOf(plugin).GetParameters();
     const std::optional<uint32_t> index = parameters.Find(id);
-    if (!index) {
+    if (!index || value == nullptr) {
         return false;
     }
     *value = parameters.GetValue(*index);
@@ -50,13 +49,16 @@ bool ValueToText(
     return Guarded(false, [&] {
         const Parameters& parameters = PluginOf(plugin).GetParameters();
         const std::optional<uint32_t> index = parameters.Find(id);
-        return index && parameters.ToText(*index, value, {text, size});
+        return index && text != nullptr && parameters.ToText(*index, value, {text, size});
     });
 }
 
 bool TextToValue(const clap_plugin_t* plugin, clap_id id, const char* text, double* value) noexcept
 {
     return Guarded(false, [&] {
+        if (text == nullptr || value == nullptr) {
+            return false;
+        }
         const Parameters& parameters = PluginOf(plugin).GetParameters();
         const std::optional<uint32_t> index = parameters.Find(id);
         const std::optional<double> number =
@@ -82,14 +84,15 @@ bool Save(const clap_plugin_t* plugin, const clap_ostream_t* stream) noexcept
 {
     return Guarded(false, [&] {
         const std::vector<uint8_t> session = PluginOf(plugin).Save();
-        return !session.empty() && WriteAll(*stream, session);
+        return stream != nullptr && !session.empty() && WriteAll(*stream, session);
     });
 }
 
 bool Load(const clap_plugin_t* plugin, const clap_istream_t* stream) noexcept
 {
     return Guarded(false, [&] {
-        const std::optional<std::vector<uint8_t>> session = ReadAll(*stream);
+        const std::optional<std::vector<uint8_t>> session =
+            stream != nullptr ? ReadAll(*stream) : std::nullopt;
         return session && PluginOf(plugin).Load(*session);
     });
 }
@@ -133,7 +136,7 @@ bool DescribePort(const clap_plugin_t* plugin,
                   bool isInput,
                   clap_audio_port_info_t* info) noexcept
 {
-    if (index != 0) {
+    if (index != 0 || info == nullptr) {
         return false;
     }
     const Layout& layout = PluginOf(plugin).GetLayout();
@@ -158,7 +161,7 @@ bool DescribeConfig(const clap_plugin_t* /*plugin*/,
                     uint32_t index,
                     Abi::AudioPortsConfig* config) noexcept
 {
-    if (index >= layouts.size()) {
+    if (index >= layouts.size() || config == nullptr) {
         return false;
     }
     const Layout& layout = layouts[index];
@@ -197,7 +200,7 @@ uint32_t GetChannelMap(const clap_plugin_t* plugin,
                        uint32_t capacity) noexcept
 {
     const Layout& layout = PluginOf(plugin).GetLayout();
-    if (port != 0 || capacity < layout.ChannelCount()) {
+    if (port != 0 || map == nullptr || capacity < layout.ChannelCount()) {
         return 0;
     }
     std::copy(layout.speakers.begin(), layout.speakers.end(), map);
@@ -227,6 +230,9 @@ constexpr std::array<Extension, 9> extensions = {{
 
 const void* FindExtension(const char* id) noexcept
 {
+    if (id == nullptr) {
+        return nullptr;
+    }
     const auto found = std::find_if(
         extensions.begin(), extensions.end(), [id](const Extension& one) { return one.id == id; });
     return found != extensions.end() ? found->table : nullptr;

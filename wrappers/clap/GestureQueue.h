@@ -9,13 +9,13 @@
 
 namespace Clap {
 
-/// What the user does in the editor, on its way to the host.
+/// What the user does in the editor, on its way to the host. A change goes without its value: the
+/// host is told the one that is there by then.
 struct Gesture {
     enum class Kind : uint32_t { Begin, Change, End };
 
     Kind kind = Kind::Begin;
     uint32_t parameter = 0; ///< index
-    double value = 0;       ///< of a change, in the parameter's own unit
 };
 
 /// A bounded queue from any number of threads to one; neither side locks or allocates.

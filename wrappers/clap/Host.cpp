@@ -18,11 +18,11 @@ void Host::Find(const char* id, const Extension*& extension) const
 
 void Host::FindExtensions()
 {
-    Find(CLAP_EXT_AUDIO_PORTS, audioPorts);
     Find(CLAP_EXT_LATENCY, latency);
     Find(CLAP_EXT_PARAMS, params);
     Find(CLAP_EXT_STATE, state);
     Find(Abi::extLog, log);
+    Find(Abi::extTail, tail);
 }
 
 void Host::RequestRestart() const noexcept
@@ -39,6 +39,13 @@ void Host::RequestFlush() const noexcept
 {
     if (params != nullptr) {
         params->request_flush(host);
+    }
+}
+
+void Host::TailChanged() const noexcept
+{
+    if (tail != nullptr) {
+        tail->changed(host);
     }
 }
 
@@ -60,20 +67,6 @@ void Host::RescanValues() const noexcept
 {
     if (params != nullptr) {
         params->rescan(host, CLAP_PARAM_RESCAN_VALUES);
-    }
-}
-
-void Host::RescanChannels() const noexcept
-{
-    if (audioPorts == nullptr) {
-        return;
-    }
-    for (const uint32_t flag :
-         {CLAP_AUDIO_PORTS_RESCAN_CHANNEL_COUNT, CLAP_AUDIO_PORTS_RESCAN_PORT_TYPE}) {
-        // Asking for what isn't supported is not allowed.
-        if (audioPorts->is_rescan_flag_supported(host, flag)) {
-            audioPorts->rescan(host, flag);
-        }
     }
 }
 

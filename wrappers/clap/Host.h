@@ -4,7 +4,6 @@
 #include "wrappers/clap/Abi.h"
 #include "wrappers/common/Log.h"
 
-#include <clap/ext/audio-ports.h>
 #include <clap/ext/latency.h>
 #include <clap/ext/params.h>
 #include <clap/ext/state.h>
@@ -27,10 +26,10 @@ public:
     void RequestCallback() const noexcept; ///< [any]
     void RequestFlush() const noexcept;    ///< [any but audio]
 
+    void TailChanged() const noexcept;    ///< [audio]
     void LatencyChanged() const noexcept; ///< [main, while activate() runs]
     void MarkDirty() const noexcept;      ///< [main]
     void RescanValues() const noexcept;   ///< [main]
-    void RescanChannels() const noexcept; ///< [main, inactive]
 
     void Log(const std::string& text) const; ///< [any]
 
@@ -39,11 +38,11 @@ private:
     void Find(const char* id, const Extension*& extension) const;
 
     const clap_host_t* host;
-    const clap_host_audio_ports_t* audioPorts = nullptr;
     const clap_host_latency_t* latency = nullptr;
     const clap_host_params_t* params = nullptr;
     const clap_host_state_t* state = nullptr;
     const Abi::HostLog* log = nullptr;
+    const Abi::HostTail* tail = nullptr;
 };
 
 /// A line on standard error.

@@ -26,7 +26,8 @@ clap_param_info_flags FlagsOf(const Wrapper::Parameter& parameter, bool isBypass
     return isBypass ? flags | CLAP_PARAM_IS_BYPASS : flags;
 }
 
-// What is in range, and whole where it has to be.
+// What is in range, and whole where it has to be. The format says that a value of steps is cut, but
+// one that comes back from a normalised number, here or in a host, may lie just below its step.
 double NearestValue(const Wrapper::Parameter& parameter, double value) noexcept
 {
     const double inside = std::clamp(value, parameter.minimum, parameter.maximum);
@@ -53,8 +54,8 @@ Parameters::Parameters(Wrapper::Instance& newInstance)
     for (uint32_t index = 0; index < values.size(); ++index) {
         ids.push_back(MakeParameterId(At(index).identifier));
         values[index] = At(index).defaultValue;
+        lastWords[index] = none;
     }
-    Forget();
 }
 
 std::optional<uint32_t> Parameters::Find(clap_id id) const noexcept
@@ -114,23 +115,34 @@ void Parameters::Set(Wrapper::Side side, uint32_t index, double value) noexcept
     }
 }
 
-double Parameters::Keep(uint32_t index, float normalised) noexcept
+void Parameters::Keep(uint32_t index, float normalised) noexcept
 {
     TakeOver(index, normalised);
     lastWords[index] = none;
     isUIAhead = true;
-    return values[index];
 }
 
 bool Parameters::Load(std::span<const uint8_t> session)
 {
-    if (!Wrapper::LoadSession(instance, session)) {
-        return false;
+    // Blocks may run meanwhile. What the host sets in them is newer than the session and stays;
+    // what it has set before must not come back over what is loaded.
+    std::vector<float> former;
+    former.reserve(Count());
+    for (std::atomic<float>& word : lastWords) {
+        former.push_back(word.exchange(none));
     }
-    Forget();
-    Refresh();
     isUIAhead = true;
-    return true;
+    const bool isLoaded = Wrapper::LoadSession(instance, session);
+    for (uint32_t index = 0; index < Count(); ++index) {
+        float word = none;
+        if (!isLoaded) {
+            lastWords[index].compare_exchange_strong(word, former[index]);
+        } else if (std::isnan(lastWords[index])) {
+            TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index));
+        }
+    }
+    isUIAhead = true; // a block may have taken only a part of it
+    return isLoaded;
 }
 
 void Parameters::Refresh() noexcept
@@ -155,13 +167,6 @@ void Parameters::Restate() noexcept
         if (!std::isnan(word)) {
             instance.SetParameter(Wrapper::Side::Process, index, word);
         }
-    }
-}
-
-void Parameters::Forget() noexcept
-{
-    for (std::atomic<float>& word : lastWords) {
-        word = none;
     }
 }
 

@@ -38,8 +38,8 @@ public:
 
     /// What the host sets, on the thread of `side`. What is no number changes nothing.
     void Set(Wrapper::Side side, uint32_t index, double value) noexcept;
-    /// What the UI side has set by itself. Gives it in the parameter's own unit. [any]
-    double Keep(uint32_t index, float normalised) noexcept;
+    /// What the UI side has set by itself. [any]
+    void Keep(uint32_t index, float normalised) noexcept;
     /// False, and nothing changed, when the bytes are no session. [main]
     bool Load(std::span<const uint8_t> session);
     /// Takes over the instance's values. [main]
@@ -57,7 +57,6 @@ private:
         return instance.GetParameters()[index];
     }
     void TakeOver(uint32_t index, float normalised) noexcept;
-    void Forget() noexcept;
 
     Wrapper::Instance& instance;
     std::vector<clap_id> ids;

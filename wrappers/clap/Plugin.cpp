@@ -32,10 +32,11 @@ bool Plugin::Init()
         return false;
     }
     parameters = std::make_unique<Parameters>(*instance);
+    gestures.emplace(parameters->Count());
     isReady = true; // changes are heard from here on, so that no value is missed
     parameters->Refresh();
     toldLatency = GetLatency();
-    tail = toldLatency;
+    askedLatency = toldLatency;
     return true;
 }
 
@@ -44,23 +45,31 @@ bool Plugin::Activate(double newRate)
     if (!isReady) {
         return false;
     }
-    const bool isOther = newRate != rate || layout->ChannelCount() != instance->GetChannels();
-    if (isOther && !instance->SetFormat(newRate, layout->ChannelCount())) {
+    const uint32_t channels = layout->ChannelCount();
+    if (!Wrapper::Instance::CanServe(newRate, channels)) {
+        return false;
+    }
+    Deactivate(); // whoever still processes is told so from here on
+    const bool isOther = newRate != rate || channels != instance->GetChannels();
+    if (isOther && !instance->SetFormat(newRate, channels)) {
         return false;
     }
     rate = newRate;
-    Deactivate();
     instance->Activate();
-    isRestartRequested = false;
-    const uint32_t latency = GetLatency();
-    tail = latency;
+    const uint32_t latency = instance->GetLatency(Wrapper::Side::UI);
+    askedLatency = latency;
+    const bool isNew = toldLatency.exchange(latency) != latency;
+    isTailNew = isTailNew || isNew; // of which the audio thread tells
+    isActive = true;
     // Older hosts allow this while the plug-in isn't active, newer ones while it is being
     // activated.
-    if (latency != toldLatency) {
-        toldLatency = latency;
+    if (isNew) {
         host.LatencyChanged();
     }
-    isActive = true;
+    // Another one that came before the plug-in was active has asked for nothing.
+    if (instance->GetLatency(Wrapper::Side::UI) != latency) {
+        host.RequestCallback();
+    }
     return true;
 }
 
@@ -86,8 +95,12 @@ void Plugin::OnMainThread()
     if (areGesturesLost.exchange(false)) {
         host.RescanValues();
     }
-    if (isActive && !isRestartRequested && GetLatency() != toldLatency) {
-        isRestartRequested = true;
+    if (!isActive) {
+        return;
+    }
+    // A host that doesn't follow is asked again for another latency only.
+    const uint32_t latency = instance->GetLatency(Wrapper::Side::UI);
+    if (std::exchange(askedLatency, latency) != latency && latency != toldLatency) {
         host.RequestRestart();
     }
 }
@@ -112,7 +125,7 @@ bool Plugin::Load(std::span<const uint8_t> session)
 // comes with events changes the latency.
 uint32_t Plugin::GetLatency() const noexcept
 {
-    return instance->GetLatency(Wrapper::Side::UI);
+    return isActive ? toldLatency.load() : instance->GetLatency(Wrapper::Side::UI);
 }
 
 bool Plugin::SelectLayout(clap_id id)
@@ -122,24 +135,15 @@ bool Plugin::SelectLayout(clap_id id)
     }
     for (const Layout& one : layouts) {
         if (one.id == id) {
-            const bool isOther = layout != &one;
-            layout = &one;
-            if (isOther) {
-                host.RescanChannels();
-            }
+            layout = &one; // the host looks at the ports by itself when this is done
             return true;
         }
     }
     return false;
 }
 
-void Plugin::OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept
+void Plugin::OnLatencyChanged(Wrapper::Side /*side*/, uint32_t /*samples*/) noexcept
 {
-    if (side == Wrapper::Side::UI) {
-        // The format counts the tail from the end of the input, whatever the latency: what a host
-        // cuts off earlier is sound that still was on its way. Repaired sound ends with it, too.
-        tail = samples;
-    }
     // The format lets no latency change while a plug-in is active: the host has to restart it.
     if (isActive) {
         host.RequestCallback();
@@ -148,19 +152,20 @@ void Plugin::OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept
 
 void Plugin::OnGestureBegun(uint32_t parameter) noexcept
 {
-    Tell({Gesture::Kind::Begin, parameter, 0});
+    Tell({Gesture::Kind::Begin, parameter});
 }
 
 void Plugin::OnParameterChanged(uint32_t parameter, float normalised) noexcept
 {
     if (isReady && parameter < parameters->Count()) {
-        Tell({Gesture::Kind::Change, parameter, parameters->Keep(parameter, normalised)});
+        parameters->Keep(parameter, normalised);
+        Tell({Gesture::Kind::Change, parameter});
     }
 }
 
 void Plugin::OnGestureEnded(uint32_t parameter) noexcept
 {
-    Tell({Gesture::Kind::End, parameter, 0});
+    Tell({Gesture::Kind::End, parameter});
 }
 
 void Plugin::OnStateChanged() noexcept
@@ -176,7 +181,7 @@ void Plugin::Tell(const Gesture& gesture) noexcept
     if (!isReady || gesture.parameter >= parameters->Count()) {
         return;
     }
-    if (!gestures.Push(gesture)) {
+    if (!gestures->Add(gesture)) {
         areGesturesLost = true; // then the host reads the values anew
         host.RequestCallback();
     }

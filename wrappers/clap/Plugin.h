@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/clap/GestureQueue.h"
+#include "wrappers/clap/Gestures.h"
 #include "wrappers/clap/Host.h"
 #include "wrappers/clap/Layouts.h"
 #include "wrappers/clap/Parameters.h"
@@ -19,7 +19,7 @@
 namespace Clap {
 
 /// One plug-in in a host of this format. Threads are the format's: [main], and [process] for its
-/// audio thread. Where a host breaks the rules nothing happens.
+/// audio thread. Calls at a time that the rules forbid do nothing.
 class Plugin final : private Wrapper::Listener {
 public:
     /// `table` are the functions that the host calls it by; `newHost` outlives the plug-in. [any]
@@ -56,10 +56,13 @@ public:
     /// False, and nothing changed, when the bytes are no session. [main]
     bool Load(std::span<const uint8_t> session);
 
-    /// Samples. [main]
+    /// Samples. While active it is that of the begin, as the format wants it: one that has changed
+    /// since then comes with the restart that the host is asked for. [main; any while active]
     uint32_t GetLatency() const noexcept;
-    /// How long sound comes out after the end of the input, in samples. [any]
-    uint32_t GetTail() const noexcept { return tail; }
+    /// How long sound comes out after the end of the input, in samples. The format counts it from
+    /// the end of the input, whatever the latency: what a host cuts off earlier is sound that still
+    /// was on its way. Repaired sound ends with it, too. [main; any while active]
+    uint32_t GetTail() const noexcept { return GetLatency(); }
 
     const Layout& GetLayout() const noexcept { return *layout; }
     /// False while active, and for an id that isn't in the list. [main]
@@ -87,16 +90,16 @@ private:
     std::atomic<bool> isReady{false};
     std::atomic<bool> isActive{false};
 
-    GestureQueue gestures;
-    std::atomic<uint32_t> tail{0};
+    std::optional<Gestures> gestures; // from the begin of readiness on
+    std::atomic<uint32_t> toldLatency{0};
+    std::atomic<bool> isTailNew{false};
     std::atomic<bool> isStateChanged{false};
     std::atomic<bool> areGesturesLost{false};
 
     // Of the main thread; the audio thread reads them while the plug-in is active.
     double rate = 48000;
     const Layout* layout = &defaultLayout;
-    uint32_t toldLatency = 0;
-    bool isRestartRequested = false;
+    uint32_t askedLatency = 0; // what the host is to restart for; the told one when nothing
 
     std::unique_ptr<Wrapper::Instance> instance; // last: until its end it tells of changes
 };

@@ -48,8 +48,11 @@ clap_event_header_t Header(uint32_t size, uint16_t type) noexcept
     return {size, 0, CLAP_CORE_EVENT_SPACE_ID, type, 0};
 }
 
-bool Push(const clap_output_events_t& out, const Gesture& gesture, clap_id id) noexcept
+bool Push(const clap_output_events_t& out,
+          const Gesture& gesture,
+          const Parameters& parameters) noexcept
 {
+    const clap_id id = parameters.GetId(gesture.parameter);
     if (gesture.kind == Gesture::Kind::Change) {
         clap_event_param_value_t event = {};
         event.header = Header(sizeof event, CLAP_EVENT_PARAM_VALUE);
@@ -58,7 +61,7 @@ bool Push(const clap_output_events_t& out, const Gesture& gesture, clap_id id) n
         event.port_index = -1;
         event.channel = -1;
         event.key = -1;
-        event.value = gesture.value;
+        event.value = parameters.GetValue(gesture.parameter);
         return out.try_push(&out, &event.header);
     }
     const bool isBegin = gesture.kind == Gesture::Kind::Begin;
@@ -86,6 +89,9 @@ clap_process_status Plugin::Process(const clap_process_t& process) noexcept WRAP
 {
     if (!isActive) {
         return CLAP_PROCESS_ERROR;
+    }
+    if (isTailNew.exchange(false)) {
+        host.TailChanged();
     }
     SendGestures(process.out_events);
     const uint32_t channels = instance->GetChannels();
@@ -131,7 +137,8 @@ void Plugin::RunEvents(const clap_input_events_t* events, Block& block) noexcept
             const auto& transport = *reinterpret_cast<const clap_event_transport_t*>(event);
             block.origin = PositionIn(transport, rate);
             if (block.origin) {
-                *block.origin -= block.done;
+                // Of the event's own place: a UI change may have led the block beyond it.
+                *block.origin -= std::min(event->time, block.frames);
             }
             continue;
         }
@@ -164,11 +171,8 @@ void Plugin::RunUntil(uint32_t time, Block& block) noexcept
 
 void Plugin::SendGestures(const clap_output_events_t* out) noexcept
 {
-    while (const std::optional<Gesture> gesture = gestures.Peek()) {
-        if (out == nullptr || !Push(*out, *gesture, parameters->GetId(gesture->parameter))) {
-            return; // they wait for the next chance
-        }
-        gestures.Pop();
+    if (out != nullptr) {
+        gestures->Send([&](const Gesture& gesture) { return Push(*out, gesture, *parameters); });
     }
 }
 

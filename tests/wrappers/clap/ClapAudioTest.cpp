@@ -85,10 +85,8 @@ TEST_F(ClapAudioTest, EachConfigurationGivesItsPortsAndTheModulesAudio)
     Clap::Abi::AudioPortsConfig config{};
     EXPECT_FALSE(configs->get(plugin.Get(), 4, &config));
     EXPECT_FALSE(plugin.SelectConfig(3));
-    const uint32_t rescans = host.portRescans;
-    EXPECT_GT(rescans, 0U);
     EXPECT_TRUE(plugin.SelectConfig(2)) << "as it is already";
-    EXPECT_EQ(host.portRescans, rescans);
+    EXPECT_EQ(host.portRescans, 0U) << "the host looks by itself after its own call";
 }
 
 TEST_F(ClapAudioTest, ARateIsTakenAtEachActivationOrRefused)

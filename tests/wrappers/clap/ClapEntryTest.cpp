@@ -2,6 +2,10 @@
 // What a host finds before there is an instance, and when there can be none.
 #include "tests/wrappers/clap/support/ClapTest.h"
 
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <memory>
 #include <set>
 
 using ClapEntryTest = ClapTest;
@@ -24,6 +28,66 @@ public:
     }
     Unused(const Unused&) = delete;
     Unused& operator=(const Unused&) = delete;
+};
+
+/// Another current folder for as long as the object lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::filesystem::path& folder)
+        : former(std::filesystem::current_path())
+    {
+        std::filesystem::current_path(folder);
+    }
+    ~CurrentFolder() { std::filesystem::current_path(former); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    const std::filesystem::path former;
+};
+
+/// A copy of the built file and, in another folder, what a plug-in that looks around in the current
+/// folder would find there.
+class ClapPlaceTest : public ClapTest {
+protected:
+    void SetUp() override
+    {
+        ClapTest::SetUp();
+        unused.emplace("");
+        std::filesystem::create_directory(place);
+        std::filesystem::create_directory(decoy);
+        std::filesystem::copy(PUFFGUARD_CLAP, place / "puffguard.clap");
+        std::filesystem::copy(PUFFGUARD_CLAP, decoy / "puffguard.clap");
+        std::filesystem::copy(USER_MODULE, decoy / "LMPuffguard.so");
+    }
+    void TearDown() override
+    {
+        unused.reset();
+        ClapTest::TearDown();
+    }
+
+    /// Loads the copy by a name that counts from its folder.
+    std::unique_ptr<void, int (*)(void*)> LoadCopy() const
+    {
+        const CurrentFolder there(place);
+        return {dlopen("./puffguard.clap", RTLD_NOW | RTLD_LOCAL), dlclose};
+    }
+    /// Whether it finds a module while the decoy's folder is the current one.
+    bool Begins(void* library) const
+    {
+        const auto* entry = static_cast<const clap_plugin_entry_t*>(dlsym(library, "clap_entry"));
+        const CurrentFolder there(decoy);
+        const bool isDone = entry->init("./puffguard.clap");
+        if (isDone) {
+            entry->deinit();
+        }
+        return isDone;
+    }
+
+    const Support::TemporaryFolder folder;
+    const std::filesystem::path place = folder.Path() / "place";
+    const std::filesystem::path decoy = folder.Path() / "decoy";
+    std::optional<Unused> unused;
 };
 
 } // namespace
@@ -98,6 +162,29 @@ TEST_F(ClapEntryTest, WithoutAModuleOfItsVersionThereIsNoPluginAndALineSaysWhy)
     }
 }
 
+TEST_F(ClapPlaceTest, APluginThatWasNamedFromItsFolderLooksForItsModuleThere)
+{
+    const auto library = LoadCopy();
+    ASSERT_NE(library, nullptr);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Begins(library.get()));
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find(place / "LMPuffguard.so"), std::string::npos) << said;
+    std::filesystem::copy(USER_MODULE, place / "LMPuffguard.so");
+    EXPECT_TRUE(Begins(library.get()));
+}
+
+TEST_F(ClapPlaceTest, APluginThatIsNoLongerWhereItWasLooksNowhere)
+{
+    const auto library = LoadCopy();
+    ASSERT_NE(library, nullptr);
+    std::filesystem::remove(place / "puffguard.clap");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Begins(library.get()));
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("has moved"), std::string::npos) << said;
+}
+
 TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
 {
     const Unused unused(CLOSED_MODULE);
@@ -116,6 +203,33 @@ TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
     EXPECT_FALSE(ClapHost::Plugin(host));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), host.logged[0] + "\n");
     ClapHost::Entry()->deinit();
+}
+
+TEST_F(ClapEntryTest, WhatIsMissingInACallIsRefused)
+{
+    const ClapHost::Plugin plugin(host);
+    const clap_plugin_t* self = plugin.Get();
+    EXPECT_EQ(self->get_extension(self, nullptr), nullptr);
+    EXPECT_EQ(self->process(self, nullptr), CLAP_PROCESS_ERROR);
+    const auto* params = plugin.Find<clap_plugin_params_t>(CLAP_EXT_PARAMS);
+    const clap_id id = plugin.Describe(0).id;
+    double value = 0;
+    EXPECT_FALSE(params->get_info(self, 0, nullptr));
+    EXPECT_FALSE(params->get_value(self, id, nullptr));
+    EXPECT_FALSE(params->value_to_text(self, id, 1.0, nullptr, 16));
+    EXPECT_FALSE(params->text_to_value(self, id, nullptr, &value));
+    EXPECT_FALSE(params->text_to_value(self, id, "1", nullptr));
+    params->flush(self, nullptr, nullptr);
+    const auto* state = plugin.Find<clap_plugin_state_t>(CLAP_EXT_STATE);
+    EXPECT_FALSE(state->save(self, nullptr));
+    EXPECT_FALSE(state->load(self, nullptr));
+    const auto* ports = plugin.Find<clap_plugin_audio_ports_t>(CLAP_EXT_AUDIO_PORTS);
+    EXPECT_FALSE(ports->get(self, 0, true, nullptr));
+    using namespace Clap::Abi;
+    const auto* configs = plugin.Find<PluginAudioPortsConfig>(extAudioPortsConfig);
+    EXPECT_FALSE(configs->get(self, 0, nullptr));
+    const auto* surround = plugin.Find<PluginSurround>(extSurround);
+    EXPECT_EQ(surround->getChannelMap(self, true, 0, nullptr, 8), 0U);
 }
 
 TEST_F(ClapEntryTest, NothingIsOfferedBeforeInit)

@@ -73,7 +73,8 @@ TEST_F(ClapUserTest, WhatTheHostDoesNotTakeNowWaitsForItsNextChance)
     plugin->Flush(nullptr, nullptr);
     OutputEvents rest;
     plugin->Flush(nullptr, &rest);
-    EXPECT_EQ(first.texts, (Texts{"begin " + amount, amount + " = 51.000000"}));
+    // The value is the one that is there by now: the host has the last word on what it will be.
+    EXPECT_EQ(first.texts, (Texts{"begin " + amount, amount + " = 102.000000"}));
     EXPECT_EQ(
         rest.texts,
         (Texts{"end " + amount, "begin " + amount, amount + " = 102.000000", "end " + amount}));
@@ -91,6 +92,47 @@ TEST_F(ClapUserTest, WhenTooMuchWaitsTheHostIsToldToReadTheValues)
     plugin->Flush(nullptr, &out);
     EXPECT_EQ(out.texts.front(), "begin " + amount);
     EXPECT_GT(out.texts.size(), 100U);
+}
+
+TEST_F(ClapUserTest, NoGestureStaysOpenWhicheverHasNoRoom)
+{
+    // The queue is full after a begin, a change or an end.
+    for (const int ahead : {0, 1, 2}) {
+        SCOPED_TRACE(ahead);
+        for (int i = 0; i < ahead; ++i) {
+            Do('c');
+        }
+        Do('f');
+        Do('g', 0, 51); // all of it lost
+        OutputEvents out;
+        out.capacity = 700; // and the rest at another time
+        plugin->Flush(nullptr, &out);
+        out.capacity = SIZE_MAX;
+        plugin->Flush(nullptr, &out);
+        Do('g', 0, 102);
+        plugin->Flush(nullptr, &out);
+        bool isOpen = false;
+        for (const std::string& text : out.texts) {
+            const bool isBegin = text == "begin " + amount;
+            if (isBegin || text == "end " + amount) {
+                ASSERT_NE(isBegin, isOpen) << text;
+                isOpen = isBegin;
+            }
+        }
+        EXPECT_FALSE(isOpen);
+        EXPECT_EQ(*(out.texts.end() - 2), amount + " = 102.000000");
+    }
+}
+
+TEST_F(ClapUserTest, AValueThatTheHostHasSetSinceIsNotTakenBack)
+{
+    Do('g', 0, 51);
+    InputEvents events;
+    events.AddValue(0, amountId, 7.0);
+    plugin->Flush(&events, nullptr); // takes no events of ours yet
+    OutputEvents out;
+    plugin->Flush(nullptr, &out);
+    EXPECT_EQ(out.texts, (Texts{"begin " + amount, amount + " = 7.000000", "end " + amount}));
 }
 
 TEST_F(ClapUserTest, AParameterThatIsNoneIsNotPassedOn)
@@ -124,6 +166,34 @@ TEST_F(ClapUserTest, ALatencyAsksForOneRestartAndOneThatComesBackForNone)
     Do('s');
     plugin->Idle(); // for another reason
     EXPECT_EQ(host.restarts, 1U);
+    Do('l', 50);
+    plugin->Idle();
+    EXPECT_EQ(host.restarts, 2U) << "the host hasn't followed, and now there is another one";
+}
+
+TEST_F(ClapUserTest, LatencyAndTailStayWhatTheyWereUntilTheRestart)
+{
+    const auto* tail = plugin->Find<Clap::Abi::PluginTail>(Clap::Abi::extTail);
+    const auto read = [&] { return std::pair(plugin->GetLatency(), tail->get(plugin->Get())); };
+    using Samples = std::pair<uint32_t, uint32_t>;
+    Do('l', 30);
+    ASSERT_TRUE(plugin->Activate(rate));
+    EXPECT_EQ(read(), Samples(30, 30));
+    plugin->Process(nullptr, nullptr, 0, 64);
+    EXPECT_EQ(host.tailChanges, 1U);
+    Do('l', 100);
+    plugin->Process(nullptr, nullptr, 0, 64);
+    EXPECT_EQ(read(), Samples(30, 30));
+    plugin->Deactivate();
+    EXPECT_EQ(read(), Samples(100, 100));
+    EXPECT_EQ(host.latencyChanges, 1U);
+    ASSERT_TRUE(plugin->Activate(rate));
+    EXPECT_EQ(read(), Samples(100, 100));
+    EXPECT_EQ(host.latencyChanges, 2U);
+    EXPECT_EQ(host.tailChanges, 1U);
+    plugin->Process(nullptr, nullptr, 0, 64);
+    plugin->Process(nullptr, nullptr, 0, 64);
+    EXPECT_EQ(host.tailChanges, 2U);
 }
 
 TEST_F(ClapUserTest, AChoiceIsMadeOfWholeNumbersAndNames)
@@ -167,6 +237,11 @@ TEST_F(ClapUserTest, SamplesHaveTheirPlaceInATransportThatRuns)
     jumps.AddTransport(6, std::nullopt);
     jumps.AddTransport(8, 0.25);
     EXPECT_EQ(run(2.5, &jumps), (Samples{2500, 2501, 500, 501, 502, 503, -1, -1, 250, 251}));
+    // What the user does leads the block a frame ahead of the host's events.
+    Do('g', 0, 51);
+    InputEvents start;
+    start.AddTransport(0, 0.5);
+    EXPECT_EQ(run(2.5, &start), (Samples{2500, 501, 502, 503, 504, 505, 506, 507, 508, 509}));
     plugin->Process(channels, channels, 2, 10);
     EXPECT_EQ(left, Samples(10, -1)) << "a host without transport";
 }

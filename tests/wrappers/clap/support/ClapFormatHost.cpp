@@ -20,32 +20,33 @@ public:
     explicit ClapFormatHost(uint32_t newChannels)
         : channels(newChannels)
     {
-        if (plugin && !plugin.SelectConfig(channels)) {
+        if (*plugin && !plugin->SelectConfig(channels)) {
             std::abort(); // all layouts of the contract are there
         }
     }
 
     ~ClapFormatHost() override
     {
+        plugin.reset(); // its end may break rules, too
         for (const std::string& fault : host.GetFaults()) {
             std::fprintf(stderr, "the plug-in broke a rule: %s\n", fault.c_str());
             std::abort();
         }
     }
 
-    explicit operator bool() const { return static_cast<bool>(plugin); }
+    explicit operator bool() const { return static_cast<bool>(*plugin); }
 
     bool Activate(double newRate, uint32_t /*longestBlock*/) override
     {
         const uint32_t former = host.latencyChanges;
-        const bool isDone = plugin.Activate(newRate);
+        const bool isDone = plugin->Activate(newRate);
         // What it has asked the restart for is no news.
         latencyReports += isRestartDue ? 0 : host.latencyChanges - former;
         isRestartDue = isRestartDue && !isDone;
         return isDone;
     }
 
-    void Deactivate() override { plugin.Deactivate(); }
+    void Deactivate() override { plugin->Deactivate(); }
 
     void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override
     {
@@ -59,28 +60,28 @@ public:
             }
             waiting.clear();
         }
-        plugin.Process(inputs, outputs, channels, frames, events);
+        plugin->Process(inputs, outputs, channels, frames, events);
     }
 
-    void Reset() override { plugin.Reset(); }
+    void Reset() override { plugin->Reset(); }
 
-    uint32_t GetLatency() override { return plugin.GetLatency(); }
+    uint32_t GetLatency() override { return plugin->GetLatency(); }
 
     std::optional<uint32_t> CountLatencyReports() override { return latencyReports; }
 
     void Idle() override
     {
         const uint32_t former = host.restarts;
-        plugin.Idle();
+        plugin->Idle();
         latencyReports += host.restarts - former;
         isRestartDue = isRestartDue || host.restarts != former;
     }
 
-    uint32_t CountParameters() override { return plugin.CountParameters(); }
+    uint32_t CountParameters() override { return plugin->CountParameters(); }
 
     void SetParameter(uint32_t index, float normalised) override
     {
-        const clap_param_info_t info = plugin.Describe(index);
+        const clap_param_info_t info = plugin->Describe(index);
         const double range = info.max_value - info.min_value;
         const std::lock_guard guard(mutex);
         waiting.emplace_back(info.id, info.min_value + static_cast<double>(normalised) * range);
@@ -88,13 +89,13 @@ public:
 
     float GetParameter(uint32_t index) override
     {
-        const clap_param_info_t info = plugin.Describe(index);
-        return static_cast<float>((plugin.GetValue(info.id) - info.min_value) /
+        const clap_param_info_t info = plugin->Describe(index);
+        return static_cast<float>((plugin->GetValue(info.id) - info.min_value) /
                                   (info.max_value - info.min_value));
     }
 
-    std::vector<uint8_t> Save() override { return plugin.Save(); }
-    bool Load(std::span<const uint8_t> bytes) override { return plugin.Load(bytes); }
+    std::vector<uint8_t> Save() override { return plugin->Save(); }
+    bool Load(std::span<const uint8_t> bytes) override { return plugin->Load(bytes); }
     std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) override
     {
         return ClapHost::MakeSession(chunk);
@@ -103,7 +104,7 @@ public:
 private:
     const uint32_t channels;
     ClapHost::Host host;
-    ClapHost::Plugin plugin{host};
+    std::optional<ClapHost::Plugin> plugin{std::in_place, host};
     uint32_t latencyReports = 0;
     bool isRestartDue = false;
     std::mutex mutex;

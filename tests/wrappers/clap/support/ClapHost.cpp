@@ -92,6 +92,10 @@ const void* Host::Find(const char* id)
         Of(self).Check(Of(self).IsMain() && Of(self).phase == Phase::Activating, "latency changed");
         ++Of(self).latencyChanges;
     }};
+    static constexpr Clap::Abi::HostTail tail = {[](const clap_host_t* self) {
+        Of(self).Check(isAudioThread && Of(self).phase == Phase::Active, "tail changed");
+        ++Of(self).tailChanges;
+    }};
     static constexpr clap_host_params_t params = {
         [](const clap_host_t* self, clap_param_rescan_flags flags) {
             Of(self).Check(Of(self).IsMain() && flags == CLAP_PARAM_RESCAN_VALUES, "params rescan");
@@ -135,7 +139,8 @@ const void* Host::Find(const char* id)
                   {CLAP_EXT_PARAMS, &params},
                   {CLAP_EXT_STATE, &state},
                   {CLAP_EXT_THREAD_CHECK, &threads},
-                  {Clap::Abi::extLog, &log}};
+                  {Clap::Abi::extLog, &log},
+                  {Clap::Abi::extTail, &tail}};
     Check(true, "get_extension");
     for (const auto& [name, table] : tables) {
         if (offersExtensions && name == id) {

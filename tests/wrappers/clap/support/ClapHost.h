@@ -65,6 +65,7 @@ public:
     std::atomic<uint32_t> restarts{0};
     std::atomic<uint32_t> flushes{0};
     std::atomic<uint32_t> latencyChanges{0};
+    std::atomic<uint32_t> tailChanges{0};
     std::atomic<uint32_t> dirtyMarks{0};
     std::atomic<uint32_t> valueRescans{0};
     std::atomic<uint32_t> portRescans{0};

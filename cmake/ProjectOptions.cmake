@@ -58,3 +58,21 @@ function(puffguard_documentation bundle folder place)
     add_dependencies(${bundle} ${bundle}_documentation)
     install(FILES ${source} DESTINATION ${place} RENAME documentation.txt)
 endfunction()
+
+# The factory presets beside the copy of the module in each bundle, where it looks for them:
+# puffguard_presets(BUNDLE_TARGET FOLDER PLACE), as above.
+function(puffguard_presets bundle folder place)
+    get_target_property(source factory-presets PRESET_FOLDER)
+    get_target_property(source_stamp factory-presets PRESET_STAMP)
+    set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${bundle}_presets.stamp)
+    add_custom_command(
+        OUTPUT ${stamp}
+        COMMAND ${CMAKE_COMMAND} -E rm -rf ${folder}/Presets
+        COMMAND ${CMAKE_COMMAND} -E copy_directory ${source} ${folder}/Presets
+        COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+        DEPENDS factory-presets ${source_stamp}
+        VERBATIM)
+    add_custom_target(${bundle}_presets DEPENDS ${stamp})
+    add_dependencies(${bundle} ${bundle}_presets)
+    install(DIRECTORY ${folder}/Presets DESTINATION ${place})
+endfunction()

@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <string>
 
 namespace {
 
@@ -33,6 +35,23 @@ uint32_t CountMappings(const std::string& part)
         count += line.find(part) != std::string::npos ? 1 : 0;
     }
     return count;
+}
+
+std::string ContentOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// By name, what lies in the folder Presets beside a binary.
+std::map<std::string, std::string> PresetsBeside(const std::string& binary)
+{
+    std::map<std::string, std::string> presets;
+    const auto folder = std::filesystem::path(binary).parent_path() / "Presets";
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        presets[entry.path().filename()] = ContentOf(entry);
+    }
+    return presets;
 }
 
 /// What the process holds of the system.
@@ -68,6 +87,14 @@ TEST_P(Loading, LeavesNothingBehindHoweverOften)
     EXPECT_EQ(after.threads, before.threads);
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_EQ(after.mappings, before.mappings);
+}
+
+// Each bundle has a module of its own, which looks for them there.
+TEST_P(Loading, FindsTheFactoryPresetsBesideItsModule)
+{
+    const auto presets = PresetsBeside(GetEntryBinary().path);
+    EXPECT_GE(presets.size(), 6U);
+    EXPECT_EQ(PresetsBeside(GetParam().getBinary().path), presets);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats,

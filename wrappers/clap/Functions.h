@@ -2,10 +2,9 @@
 #pragma once
 
 #include "wrappers/clap/Plugin.h"
+#include "wrappers/common/Guarded.h"
 
 #include <clap/plugin.h>
-
-#include <exception>
 
 namespace Clap {
 
@@ -14,16 +13,7 @@ inline Plugin& PluginOf(const clap_plugin_t* plugin)
     return *static_cast<Plugin*>(plugin->plugin_data);
 }
 
-/// Nothing may be thrown into a host. What can be is a lack of memory.
-template <typename Result, typename Function>
-Result Guarded(Result onFault, Function&& function) noexcept
-{
-    try {
-        return function();
-    } catch (const std::exception&) {
-        return onFault;
-    }
-}
+using Wrapper::Guarded;
 
 /// The table of functions for one of the format's extensions; null for one that isn't offered.
 const void* FindExtension(const char* id) noexcept;

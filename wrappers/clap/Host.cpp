@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/clap/Host.h"
 
-#include <cstdio>
-
 namespace Clap {
 
 Host::Host(const clap_host_t* newHost)
@@ -81,7 +79,7 @@ void Host::Log(const std::string& text) const
 
 void LogToStandardError(const std::string& text)
 {
-    std::fprintf(stderr, "puffguard.clap: %s\n", text.c_str());
+    Wrapper::LogToStandardError("puffguard.clap", text);
 }
 
 } // namespace Clap

@@ -45,7 +45,7 @@ private:
     const Abi::HostTail* tail = nullptr;
 };
 
-/// A line on standard error.
+/// For what there is no host to tell. [any]
 void LogToStandardError(const std::string& text);
 
 } // namespace Clap

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/clap/Streams.h"
 
+#include "wrappers/common/SessionBytes.h"
+
 #include <array>
 
 namespace Clap {
-
-namespace {
-
-constexpr size_t longestSession = size_t{65} << 20U;
-
-} // namespace
 
 std::optional<std::vector<uint8_t>> ReadAll(const clap_istream_t& stream)
 {
     std::vector<uint8_t> bytes;
     std::array<uint8_t, 16384> piece{};
-    while (bytes.size() <= longestSession) {
+    while (bytes.size() <= Wrapper::LongestSession) {
         const int64_t count = stream.read(&stream, piece.data(), piece.size());
         if (count == 0) {
             return bytes;

@@ -16,7 +16,7 @@ constexpr const char* sensitivity = "PuffGuard.Sensitivity";
 constexpr const char* strength = "PuffGuard.Strength";
 constexpr const char* upperFrequency = "PuffGuard.Upper Repair Frequency";
 constexpr const char* latencyScaling = "PuffGuard.Latency Scaling";
-constexpr const char* bypass = "Global.Global Bypass";
+constexpr const char* bypass = Wrapper::BypassIdentifier;
 
 Wrapper::Preset Usable(Wrapper::Preset preset)
 {

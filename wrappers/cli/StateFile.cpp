@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/FileDescriptor.h"
 #include "wrappers/cli/FileError.h"
+#include "wrappers/common/SessionBytes.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,7 +37,7 @@ std::string ReadStateFile(const std::string& path)
     // As far as there is something: a pipe doesn't say how much will come.
     while (count == piece) {
         const size_t size = bytes.size();
-        if (size > greatestState) {
+        if (size > Wrapper::LongestSession) {
             throw FileError("is too large for a saved session");
         }
         bytes.resize(size + piece);

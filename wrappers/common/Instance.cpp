@@ -6,7 +6,6 @@
 #include "wrappers/common/Text.h"
 
 #include <filesystem>
-#include <string_view>
 #include <utility>
 
 namespace Wrapper {
@@ -18,7 +17,6 @@ constexpr uint32_t uiContext = 1;
 constexpr double lowestRate = 500.0;
 constexpr double highestRate = 1.5e6;
 constexpr double usualRate = 44100.0;
-constexpr std::string_view bypassIdentifier = "Global.Global Bypass";
 
 // The plain layouts: their channels have no meaning, whatever the host's order of speakers is.
 uint32_t LayoutOf(uint32_t channels)
@@ -115,7 +113,7 @@ bool Instance::ReadParameters()
     }
     for (const ParamInfoRecord& record : *records) {
         parameters.push_back(MakeParameter(record));
-        if (parameters.back().identifier == bypassIdentifier) {
+        if (parameters.back().identifier == BypassIdentifier) {
             bypassIndex = static_cast<uint32_t>(parameters.size() - 1);
         }
     }

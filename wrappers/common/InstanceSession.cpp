@@ -3,6 +3,7 @@
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "wrappers/common/Instance.h"
 #include "wrappers/common/Presets.h"
+#include "wrappers/common/SessionBytes.h"
 
 namespace Wrapper {
 
@@ -10,9 +11,6 @@ namespace {
 
 // A value that changes between the two calls changes the size.
 constexpr int saveAttempts = 8;
-
-// No session is longer; the entry counts bytes in 32 bits.
-constexpr size_t longestState = size_t{64} << 20U;
 
 } // namespace
 
@@ -26,7 +24,7 @@ std::vector<uint8_t> Instance::SaveState()
     for (int attempt = 0; attempt < saveAttempts; ++attempt) {
         StateRecord record = {};
         record.op = StateOpGetSize;
-        if (!CallState(record) || record.size > longestState) {
+        if (!CallState(record) || record.size > LongestState) {
             break;
         }
         std::vector<uint8_t> state(record.size);
@@ -42,7 +40,7 @@ std::vector<uint8_t> Instance::SaveState()
 
 bool Instance::LoadState(std::span<const uint8_t> state)
 {
-    if (state.empty() || state.size() > longestState) {
+    if (state.empty() || state.size() > LongestState) {
         return false;
     }
     std::vector<uint8_t> bytes(state.begin(), state.end()); // the record's are not constant

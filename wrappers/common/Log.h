@@ -10,4 +10,7 @@ namespace Wrapper {
 /// runs into what is to be told, never from within processing.
 using LogFunction = std::function<void(const std::string& text)>;
 
+/// Writes the line "wrapper: text", for where there is no host to take it. [any]
+void LogToStandardError(const char* wrapper, const std::string& text);
+
 } // namespace Wrapper

@@ -11,6 +11,9 @@ struct ParamInfoRecord;
 
 namespace Wrapper {
 
+/// Which parameter takes the repair out of the signal.
+inline constexpr const char* BypassIdentifier = "Global.Global Bypass";
+
 /// One automatable parameter: what it is, and its values as numbers of its own unit, normalised (0
 /// to 1, linear over the range) and as text.
 struct Parameter {

@@ -16,7 +16,6 @@ constexpr std::array<uint8_t, 4> magic = {'P', 'g', 'S', 's'};
 constexpr uint8_t currentVersion = 1;
 constexpr size_t versionAt = 4;
 constexpr size_t bypassAt = 5;
-constexpr size_t headSize = 6;
 
 // The lower half of a zlib stream's first byte names its method, of which there is one.
 constexpr size_t streamAt = 4;
@@ -31,7 +30,7 @@ std::vector<uint8_t> EncodeSession(bool isBypassed, std::span<const uint8_t> sta
         return {};
     }
     std::vector<uint8_t> bytes(magic.begin(), magic.end());
-    bytes.reserve(headSize + state.size());
+    bytes.reserve(SessionHeadSize + state.size());
     bytes.push_back(currentVersion);
     bytes.push_back(isBypassed ? 1 : 0);
     bytes.insert(bytes.end(), state.begin(), state.end());
@@ -40,7 +39,7 @@ std::vector<uint8_t> EncodeSession(bool isBypassed, std::span<const uint8_t> sta
 
 std::optional<SessionBytes> DecodeSession(std::span<const uint8_t> bytes)
 {
-    if (bytes.size() <= headSize) {
+    if (bytes.size() <= SessionHeadSize) {
         return std::nullopt;
     }
     if (!std::equal(magic.begin(), magic.end(), bytes.begin())) {
@@ -50,7 +49,7 @@ std::optional<SessionBytes> DecodeSession(std::span<const uint8_t> bytes)
     if (bytes[versionAt] != currentVersion || bytes[bypassAt] > 1) {
         return std::nullopt;
     }
-    return SessionBytes{bytes[bypassAt] == 1, bytes.subspan(headSize)};
+    return SessionBytes{bytes[bypassAt] == 1, bytes.subspan(SessionHeadSize)};
 }
 
 bool LoadSession(Instance& instance, std::span<const uint8_t> bytes)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -9,6 +10,13 @@
 namespace Wrapper {
 
 class Instance;
+
+/// Most bytes of an instance's state; the entry counts them in 32 bits.
+inline constexpr size_t LongestState = size_t{64} << 20U;
+/// Bytes of a session before its state.
+inline constexpr size_t SessionHeadSize = 6;
+/// Most bytes of a session.
+inline constexpr size_t LongestSession = SessionHeadSize + LongestState;
 
 /// What a session keeps of an instance in a format whose hosts leave the bypass to the plug-in: the
 /// instance's state holds none. The state lies in the bytes that it was read from.

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 // The plug-ins as a host finds them: one table of functions each.
+#include "wrappers/common/Guarded.h"
 #include "wrappers/lv2/Plugin.h"
 
 #include <array>
 #include <cstddef>
-#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -27,23 +27,12 @@ const Variant* FindVariant(const char* uri)
     return nullptr;
 }
 
-// Nothing may be thrown into a host. What can be is a lack of memory.
-template <typename Result, typename Function>
-Result Guarded(Result onFault, Function&& function) noexcept
-{
-    try {
-        return function();
-    } catch (const std::exception&) {
-        return onFault;
-    }
-}
-
 LV2_Handle Instantiate(const LV2_Descriptor* descriptor,
                        double sampleRate,
                        const char* /*bundlePath*/,
                        const LV2_Feature* const* features) noexcept
 {
-    return Guarded<LV2_Handle>(nullptr, [&]() -> LV2_Handle {
+    return Wrapper::Guarded<LV2_Handle>(nullptr, [&]() -> LV2_Handle {
         const Variant* variant = FindVariant(descriptor->URI);
         return variant != nullptr
                    ? Plugin::Create(*variant, sampleRate, ReadFeatures(features)).release()
@@ -82,7 +71,8 @@ LV2_State_Status Save(LV2_Handle handle,
                       uint32_t /*flags*/,
                       const LV2_Feature* const* /*features*/) noexcept
 {
-    return Guarded(LV2_STATE_ERR_UNKNOWN, [&] { return PluginOf(handle).Save(store, state); });
+    return Wrapper::Guarded(LV2_STATE_ERR_UNKNOWN,
+                            [&] { return PluginOf(handle).Save(store, state); });
 }
 
 LV2_State_Status Restore(LV2_Handle handle,
@@ -91,8 +81,8 @@ LV2_State_Status Restore(LV2_Handle handle,
                          uint32_t /*flags*/,
                          const LV2_Feature* const* /*features*/) noexcept
 {
-    return Guarded(LV2_STATE_ERR_UNKNOWN,
-                   [&] { return PluginOf(handle).Restore(retrieve, state); });
+    return Wrapper::Guarded(LV2_STATE_ERR_UNKNOWN,
+                            [&] { return PluginOf(handle).Restore(retrieve, state); });
 }
 
 const void* ExtensionData(const char* uri) noexcept

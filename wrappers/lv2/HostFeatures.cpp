@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/lv2/HostFeatures.h"
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -30,9 +29,7 @@ Wrapper::LogFunction MakeLog(const HostFeatures& host)
 {
     const LV2_URID errorType = Map(host, LV2_LOG__Error);
     if (host.log == nullptr || errorType == 0) {
-        return [](const std::string& text) {
-            std::fprintf(stderr, "puffguard.lv2: %s\n", text.c_str());
-        };
+        return [](const std::string& text) { Wrapper::LogToStandardError("puffguard.lv2", text); };
     }
     return [log = host.log, errorType](const std::string& text) {
         log->printf(log->handle, errorType, "puffguard.lv2: %s\n", text.c_str());

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/vst3/Log.h"
 
-#include <cstdio>
+#include "wrappers/common/Log.h"
 
 namespace Vst3 {
 
 void WriteLog(const std::string& text)
 {
-    std::fprintf(stderr, "puffguard.vst3: %s\n", text.c_str());
+    Wrapper::LogToStandardError("puffguard.vst3", text);
 }
 
 } // namespace Vst3

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/vst3/Stream.h"
 
+#include "wrappers/common/SessionBytes.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -9,7 +11,6 @@ namespace Vst3 {
 
 namespace {
 
-constexpr size_t longestState = size_t{64} << 20U;
 constexpr size_t pieceSize = 65536;
 
 } // namespace
@@ -27,7 +28,7 @@ std::vector<uint8_t> ReadAll(v3_bstream** stream)
         }
         const auto end = piece.begin() + std::min<ptrdiff_t>(count, std::ssize(piece));
         bytes.insert(bytes.end(), piece.begin(), end);
-        if (bytes.size() > longestState) {
+        if (bytes.size() > Wrapper::LongestState) {
             return {};
         }
     }

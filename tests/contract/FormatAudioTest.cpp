@@ -33,6 +33,12 @@ constexpr double rates[] = {8000,
 constexpr uint32_t blocks[] = {
     1, 10, 17, 64, 256, 1024, 1536, 2027, 4096, 8192, 8193, 16384, 65536};
 
+uint32_t LatencyAt(double rate)
+{
+    TestHost::Instance instance(static_cast<float>(rate), 1);
+    return instance.Latency();
+}
+
 } // namespace
 
 TEST_P(FormatAudio, IsTheModulesForAnyBlocks)
@@ -40,7 +46,8 @@ TEST_P(FormatAudio, IsTheModulesForAnyBlocks)
     for (const uint32_t channels : {1U, 2U, 6U, 8U}) {
         const Audio input = MakeSpeech(Rate, channels);
         const Audio expected = Expected(input, Rate);
-        ASSERT_NE(Difference(expected, Delayed(input, 14335)), "");
+        const float repaired = LargestError(expected, Delayed(input, LatencyAt(Rate)));
+        ASSERT_GT(repaired, 0.01F) << "nothing to tell the repair by";
         ASSERT_EQ(BadSample(expected), "");
         for (size_t i = 0; i < std::size(blocks); i += IsSanitized ? 5 : 1) {
             auto host = Make(Rate, channels);

@@ -37,7 +37,8 @@ TEST(Layouts, AllTakeAudioInAnyBlocks)
         Audio whole = speech;
         instance.Run(whole, 2027);
         EXPECT_EQ(BadSample(whole), "");
-        EXPECT_NE(Difference(whole, Delayed(speech, instance.Latency())), "");
+        // By more than the roundings of an idle repair.
+        EXPECT_GT(LargestError(whole, Delayed(speech, instance.Latency())), 0.01F);
         instance.Settle();
         Audio cut = speech;
         instance.Run(cut, 8193);

@@ -2,6 +2,7 @@
 #include "tests/contract/support/Takes.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace Contract {
@@ -91,9 +92,15 @@ Audio Expected(const Audio& input, double rate, const Controls& controls)
 
 std::string Difference(const Audio& take, const Audio& expected)
 {
+    return Difference(take, expected, 0, static_cast<uint32_t>(expected[0].size()));
+}
+
+std::string Difference(const Audio& take, const Audio& expected, uint32_t begin, uint32_t end)
+{
     for (size_t c = 0; c < expected.size(); ++c) {
-        for (size_t i = 0; i < expected[c].size(); ++i) {
-            if (!(take[c][i] == expected[c][i])) {
+        for (size_t i = begin; i < end; ++i) {
+            // Zeros of either sign are equal, but not the same.
+            if (std::bit_cast<uint32_t>(take[c][i]) != std::bit_cast<uint32_t>(expected[c][i])) {
                 return Place(c, i, take[c][i]) + " instead of " + std::to_string(expected[c][i]);
             }
         }

@@ -48,6 +48,8 @@ Audio Expected(const Audio& input, double rate, const Controls& controls = {});
 
 /// Where two takes differ in a bit, for people; empty when they don't.
 std::string Difference(const Audio& take, const Audio& expected);
+/// The same of the frames from `begin` to `end`.
+std::string Difference(const Audio& take, const Audio& expected, uint32_t begin, uint32_t end);
 
 /// `input` later by `latency` samples, which are silent, in the same length.
 Audio Delayed(const Audio& input, uint32_t latency);

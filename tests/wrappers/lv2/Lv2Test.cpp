@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: ISC
 // The built bundle in a host that does what hosts do. What should come out is what the module gives
 // when it is driven directly.
-#include "tests/support/ModuleHost.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/contract/support/Takes.h"
 #include "tests/wrappers/lv2/support/Lv2Host.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +9,6 @@
 
 #include <atomic>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <random>
 #include <thread>
@@ -31,39 +28,13 @@ constexpr uint32_t rate = 48000;
 
 Audio Speech(uint32_t channels)
 {
-    return TestHost::MakeSpeechLike(channels, rate, static_cast<float>(rate));
+    return Contract::MakeSpeech(rate, channels, 1.0);
 }
 
 /// What the module makes of it at `strength`, 0 to 10.
-Audio Expected(Audio audio, float strength = 5.0F, double sampleRate = rate)
+Audio Expected(const Audio& audio, float strength = 5.0F, double sampleRate = rate)
 {
-    TestHost::Instance direct(static_cast<float>(sampleRate), static_cast<uint32_t>(audio.size()));
-    direct.Set(TestHost::Strength, strength / 10);
-    direct.Run(audio, 512);
-    return audio;
-}
-
-std::string ReadText(const char* file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-std::vector<uint8_t> DecodeBase64(const std::string& text)
-{
-    const std::string digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::vector<uint8_t> bytes;
-    uint32_t bits = 0;
-    uint32_t count = 0;
-    for (const char letter : text.substr(0, text.find('='))) {
-        bits = bits << 6U | static_cast<uint32_t>(digits.find(letter));
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes.push_back(static_cast<uint8_t>(bits >> count));
-        }
-    }
-    return bytes;
+    return Contract::Expected(audio, sampleRate, {.strength = strength / 10});
 }
 
 class Lv2Test : public testing::Test {
@@ -214,15 +185,11 @@ TEST_F(Lv2Test, AStateBringsBackWhatHasNoPortAndPortsHaveTheLastWord)
     // A session in which "Latency Scaling" is at its end and "Strength" at 0, made by the module.
     TestHost::Instance direct(rate, 1);
     direct.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    direct.Set(TestHost::Strength, 0.0F);
-    StateRecord record{};
-    record.op = StateOpGetSize;
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    std::vector<uint8_t> chunk(record.size);
-    record.op = StateOpGetChunk;
-    record.buffer = chunk.data();
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    ASSERT_EQ(record.failed, 0);
+    const std::vector<uint8_t> chunk = Contract::MakeState([](TestHost::Instance& instance) {
+        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
+        instance.Set(TestHost::Strength, 0.0F);
+    });
+    ASSERT_FALSE(chunk.empty());
     std::optional<Saved> saved;
     ASSERT_EQ(plugin.Save(saved), LV2_STATE_SUCCESS);
     EXPECT_EQ(saved->type, features.Map(LV2_ATOM__Chunk));
@@ -233,34 +200,11 @@ TEST_F(Lv2Test, AStateBringsBackWhatHasNoPortAndPortsHaveTheLastWord)
     EXPECT_LT(plugin.controls[Lv2Host::Latency], latency);
     EXPECT_EQ(plugin.controls[Lv2Host::Latency], static_cast<float>(direct.Latency(0)));
     plugin.Activate();
-    direct.Set(TestHost::Strength, 0.5F);
     Audio expected = Speech(1);
     direct.Run(expected, 512);
     Audio audio = Speech(1);
     plugin.Run(audio, 512);
     EXPECT_EQ(audio, expected);
-}
-
-TEST_F(Lv2Test, APresetOfTheBundleHoldsAStateThatSetsWhatHasNoPort)
-{
-    // One preset is there for its short delay, which no port sets.
-    const std::string text = ReadText(PUFFGUARD_BUNDLE "/mono-presets.ttl");
-    const size_t preset = text.find("label \"Live");
-    ASSERT_NE(preset, std::string::npos);
-    const size_t begin = text.find("/state> \"", preset) + 9;
-    const std::string digits = text.substr(begin, text.find('"', begin) - begin);
-
-    Lv2Host::Instance plugin("mono", 1, rate, &features);
-    plugin.ConnectControls();
-    plugin.Run(0);
-    const float latency = plugin.controls[Lv2Host::Latency];
-    const Saved saved = {features.Map("https://puffguard.example/lv2/state"),
-                         features.Map(LV2_ATOM__Chunk),
-                         DecodeBase64(digits)};
-    ASSERT_EQ(plugin.Restore(saved), LV2_STATE_SUCCESS);
-    Audio silence(1, std::vector<float>(64));
-    plugin.Run(silence, 64);
-    EXPECT_LT(plugin.controls[Lv2Host::Latency], latency);
 }
 
 TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
@@ -323,12 +267,16 @@ TEST_F(Lv2Test, SavingAndRestoringWhileAudioRunsLeaveTheSoundAlone)
 
 TEST_F(Lv2Test, WithoutItsModuleAPluginDeclinesAndTheHostsLogSaysWhy)
 {
-    setenv("PUFFGUARD_MODULE", "/nowhere/module.so", 1);
-    const Lv2Host::Instance plugin("stereo", 2, rate, &features);
-    const Lv2Host::Instance silent("stereo", 2, rate, nullptr);
-    unsetenv("PUFFGUARD_MODULE");
-    EXPECT_FALSE(plugin);
-    EXPECT_FALSE(silent);
-    ASSERT_EQ(features.logged.size(), 1U);
-    EXPECT_NE(features.logged[0].find("/nowhere/module.so"), std::string::npos);
+    for (const std::string module : {"/nowhere/module.so", OTHER_MODULE}) {
+        SCOPED_TRACE(module);
+        features.logged.clear();
+        setenv("PUFFGUARD_MODULE", module.c_str(), 1);
+        const Lv2Host::Instance plugin("stereo", 2, rate, &features);
+        const Lv2Host::Instance silent("stereo", 2, rate, nullptr);
+        unsetenv("PUFFGUARD_MODULE");
+        EXPECT_FALSE(plugin);
+        EXPECT_FALSE(silent);
+        ASSERT_EQ(features.logged.size(), 1U);
+        EXPECT_NE(features.logged[0].find(module), std::string::npos) << features.logged[0];
+    }
 }

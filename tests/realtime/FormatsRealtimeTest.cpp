@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
-// The process call of every format, wrapper and module together, keeps off the heap and the system,
-// and takes no lock but the stated ones: whatever the host sends or loads between the blocks.
+// What a host calls on its audio thread, in every format, wrapper and module together, keeps off
+// the heap and the system, and takes no lock but the stated ones: whatever it sends or loads
+// between the blocks.
 #include "tests/contract/support/AudioCall.h"
 #include "tests/contract/support/Formats.h"
 #include "tests/contract/support/Takes.h"
@@ -15,16 +16,13 @@ namespace {
 
 using namespace Contract;
 
-/// Watches each call of a plug-in while it lives.
+/// Watches each call of a plug-in on the audio thread while it lives. The first that isn't clean
+/// fails the test.
 class CallWatch {
 public:
     CallWatch()
     {
-        static constexpr AudioCallWatcher watcher = {[] { watch.emplace(); },
-                                                     [] {
-                                                         report = watch->Stop();
-                                                         ++calls;
-                                                     }};
+        static constexpr AudioCallWatcher watcher = {[] { watch.emplace(); }, End};
         calls = 0;
         audioCallWatcher = &watcher;
     }
@@ -33,27 +31,34 @@ public:
     CallWatch& operator=(const CallWatch&) = delete;
 
     static uint32_t Count() { return calls; }
-    /// Of the last call.
-    static const Probe::Report& Last() { return report; }
 
 private:
+    static void End()
+    {
+        const Probe::Report report = watch->Stop();
+        ++calls;
+        if (!testing::Test::HasFailure()) {
+            Realtime::ExpectClean(report, "call " + std::to_string(calls));
+        }
+    }
+
     static inline std::optional<Probe::Watch> watch;
-    static inline Probe::Report report;
     static inline uint32_t calls = 0;
 };
 
 class FormatRealtime : public testing::TestWithParam<Format> {
 protected:
-    static constexpr double rate = 48000;
-
-    void SetUp() override
+    // A new instance at each turn.
+    void Make(double newRate = 48000, uint32_t newChannels = 2)
     {
+        rate = newRate;
+        channels = newChannels;
         host = GetParam().make(rate, channels);
         ASSERT_NE(host, nullptr);
         ASSERT_TRUE(host->Activate(rate, 20'000));
     }
 
-    // Speech in blocks of up to `longest` frames, each watched, with `between` before it.
+    // Speech in blocks of up to `longest` frames, with `between` before each, all of it watched.
     void PlayWatched(uint32_t longest, const std::function<void(uint32_t)>& between)
     {
         const Audio speech = MakeSpeech(rate, channels);
@@ -61,31 +66,30 @@ protected:
         const CallWatch watch;
         uint32_t number = 0;
         Play(*host, speech, [&] {
-            ExpectLastClean(number);
             between(number++);
             return static_cast<uint32_t>(1 + engine() % longest);
         });
-        ExpectLastClean(number);
         EXPECT_GE(CallWatch::Count(), number) << "the host tells of its calls";
     }
 
-    static constexpr uint32_t channels = 2;
+    double rate = 0;
+    uint32_t channels = 0;
     std::unique_ptr<FormatHost> host;
-
-private:
-    static void ExpectLastClean(uint32_t number)
-    {
-        if (CallWatch::Count() > 0 && !HasFailure()) {
-            Realtime::ExpectClean(CallWatch::Last(), "before block " + std::to_string(number));
-        }
-    }
 };
+
+constexpr struct {
+    double rate;
+    uint32_t channels;
+    uint32_t longestBlock;
+} variety[] = {{48000, 2, 8}, {8000, 1, 300}, {48000, 2, 20'000}, {44100, 8, 1000}};
 
 } // namespace
 
 TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 {
-    for (const uint32_t longest : {8U, 300U, 20'000U}) {
+    for (const auto& [rateOfTurn, channelsOfTurn, longest] : variety) {
+        SCOPED_TRACE(testing::Message() << rateOfTurn << " Hz, " << channelsOfTurn << " channels");
+        ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
         const uint32_t every = longest < 100 ? 50 : 1;
         PlayWatched(longest, [&](uint32_t number) {
             if (number % every != 0) {
@@ -104,6 +108,7 @@ TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 
 TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
 {
+    ASSERT_NO_FATAL_FAILURE(Make());
     const auto shortest = host->MakeSession(MakeState([](TestHost::Instance& instance) {
         instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
     }));
@@ -116,20 +121,24 @@ TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
     });
 }
 
-TEST_P(FormatRealtime, WithNoFramesAndWithChannelsMissing)
+TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingAndAfterAReset)
 {
-    std::vector<float> left(512, 0.25F);
-    const float* inputs[channels] = {left.data(), nullptr};
-    float* outputs[channels] = {left.data(), nullptr};
-    PlayWatched(1000, [&](uint32_t number) {
-        host->SetParameter(TestHost::Strength, static_cast<float>(number % 9) / 8);
-        if (number % 2 == 0) {
-            host->Process(nullptr, nullptr, 0);
-        } else {
-            host->Process(inputs, outputs, 512);
-        }
-        Realtime::ExpectClean(CallWatch::Last(), "block " + std::to_string(number));
-    });
+    for (const auto& [rateOfTurn, channelsOfTurn, longest] : variety) {
+        ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
+        std::vector<float> left(512, 0.25F);
+        const float* inputs[8] = {left.data()};
+        float* outputs[8] = {left.data()};
+        PlayWatched(1000, [&](uint32_t number) {
+            host->SetParameter(TestHost::Strength, static_cast<float>(number % 9) / 8);
+            if (number % 3 == 0) {
+                host->Process(nullptr, nullptr, 0);
+            } else if (number % 3 == 1) {
+                host->Process(inputs, outputs, 512);
+            } else {
+                host->Reset();
+            }
+        });
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats,

@@ -13,7 +13,7 @@ struct AudioCallWatcher {
 /// Null: nobody watches. Change it while no audio runs.
 inline const AudioCallWatcher* audioCallWatcher = nullptr;
 
-/// Stands around a host's call of the plug-in's process function.
+/// Stands around each call that a host makes on its audio thread.
 class AudioCall {
 public:
     AudioCall()

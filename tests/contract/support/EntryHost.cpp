@@ -67,7 +67,11 @@ public:
         Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
     }
 
-    void Reset() override { instance.Settle(); }
+    void Reset() override
+    {
+        const AudioCall scope;
+        instance.Settle();
+    }
 
     uint32_t GetLatency() override { return instance.Latency(); }
     std::optional<uint32_t> CountLatencyReports() override { return latencyReports; }
@@ -82,7 +86,7 @@ public:
     {
         instance.Set(index, normalised);
     }
-    float GetParameter(uint32_t index) override { return instance.Value(index); }
+    std::optional<float> GetParameter(uint32_t index) override { return instance.Value(index); }
 
     // Other formats save the bypass themselves, where their hosts expect that; here a host has it
     // at hand. It stands behind the chunk.

@@ -49,8 +49,9 @@ public:
     virtual uint32_t CountParameters() = 0;
     /// Takes effect at the first frame of the next block. Any number goes to the plug-in, NaN too.
     virtual void SetParameter(uint32_t index, float normalised) = 0;
-    /// What the plug-in has, not what the host remembers. Values that wait for a block don't count.
-    virtual float GetParameter(uint32_t index) = 0;
+    /// What the plug-in has, not what the host remembers; none where the format can't ask it.
+    /// Values that wait for a block don't count.
+    virtual std::optional<float> GetParameter(uint32_t index) = 0;
 
     /// Everything that a session of the format keeps; empty when it can't be had.
     virtual std::vector<uint8_t> Save() = 0;

@@ -6,6 +6,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <random>
 #include <utility>
 
 namespace Contract {
@@ -14,7 +16,55 @@ namespace {
 
 using ClapHost::InputEvents;
 
-/// Values go in as events of the next block.
+/// A transport that goes on, jumps and loops, stands still, is missing or holds rubbish.
+class AnyTransport {
+public:
+    /// Of the next block; null where there is none.
+    const clap_event_transport_t* Next()
+    {
+        constexpr auto head = sizeof transport.header;
+        switch (engine() % 4) {
+        case 0:
+            return nullptr;
+        case 1:
+            transport = InputEvents::MakeTransport(0, AnyTime());
+            break;
+        case 2:
+            transport.song_pos_seconds += CLAP_SECTIME_FACTOR / 100;
+            break;
+        default:
+            for (size_t i = head; i < sizeof transport; ++i) {
+                reinterpret_cast<uint8_t*>(&transport)[i] = static_cast<uint8_t>(engine());
+            }
+            transport.song_pos_seconds /= 2; // to go on from
+        }
+        return &transport;
+    }
+
+    /// Some 50 s around the beginning, or far away.
+    std::optional<double> AnyTime()
+    {
+        const double seconds = static_cast<double>(engine() % 100'000) / 1000 - 50;
+        return engine() % 4 == 0   ? std::nullopt
+               : engine() % 4 == 0 ? std::optional(1e7 * seconds)
+                                   : std::optional(seconds);
+    }
+
+    /// For an event within a block.
+    std::optional<uint32_t> AnyFrame(uint32_t frames)
+    {
+        return frames > 0 && engine() % 4 == 0
+                   ? std::optional(static_cast<uint32_t>(engine() % frames))
+                   : std::nullopt;
+    }
+
+private:
+    std::mt19937 engine{1};
+    clap_event_transport_t transport = InputEvents::MakeTransport(0, 0.0);
+};
+
+/// Values go in as events of the next block, or by themselves when it has no frames. The transport
+/// is of no account in the audio.
 class ClapFormatHost final : public FormatHost {
 public:
     explicit ClapFormatHost(uint32_t newChannels)
@@ -50,17 +100,15 @@ public:
 
     void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override
     {
-        const InputEvents* events = nullptr;
         InputEvents due;
-        {
-            const std::lock_guard guard(mutex);
-            for (const auto& [id, value] : waiting) {
-                due.AddValue(0, id, value);
-                events = &due;
-            }
-            waiting.clear();
+        TakeValues(due);
+        if (frames == 0 && host.phase == ClapHost::Host::Phase::Active) {
+            plugin->Flush(&due, nullptr);
         }
-        plugin->Process(inputs, outputs, channels, frames, events);
+        if (const std::optional<uint32_t> frame = transport.AnyFrame(frames)) {
+            due.AddTransport(*frame, transport.AnyTime());
+        }
+        plugin->Process(inputs, outputs, channels, frames, &due, nullptr, transport.Next());
     }
 
     void Reset() override { plugin->Reset(); }
@@ -87,7 +135,7 @@ public:
         waiting.emplace_back(info.id, info.min_value + static_cast<double>(normalised) * range);
     }
 
-    float GetParameter(uint32_t index) override
+    std::optional<float> GetParameter(uint32_t index) override
     {
         const clap_param_info_t info = plugin->Describe(index);
         return static_cast<float>((plugin->GetValue(info.id) - info.min_value) /
@@ -102,7 +150,17 @@ public:
     }
 
 private:
+    void TakeValues(InputEvents& due)
+    {
+        const std::lock_guard guard(mutex);
+        for (const auto& [id, value] : waiting) {
+            due.AddValue(0, id, value);
+        }
+        waiting.clear();
+    }
+
     const uint32_t channels;
+    AnyTransport transport; // of the audio thread
     ClapHost::Host host;
     std::optional<ClapHost::Plugin> plugin{std::in_place, host};
     uint32_t latencyReports = 0;

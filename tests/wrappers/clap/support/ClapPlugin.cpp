@@ -103,16 +103,19 @@ clap_process_status Plugin::Process(const float* const* inputs,
 void Plugin::Reset()
 {
     const AudioScope scope;
+    const Contract::AudioCall call;
     plugin->reset(plugin);
 }
 
 void Plugin::Flush(const InputEvents* in, const OutputEvents* out)
 {
+    const auto* params = Find<clap_plugin_params_t>(CLAP_EXT_PARAMS);
     std::optional<AudioScope> scope;
+    std::optional<Contract::AudioCall> call;
     if (host.phase == Host::Phase::Active) {
         scope.emplace();
+        call.emplace();
     }
-    const auto* params = Find<clap_plugin_params_t>(CLAP_EXT_PARAMS);
     params->flush(
         plugin, in != nullptr ? in->Get() : nullptr, out != nullptr ? out->Get() : nullptr);
 }

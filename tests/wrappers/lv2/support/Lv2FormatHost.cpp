@@ -83,11 +83,11 @@ public:
         wanted[index] = minimum + normalised * (maximum - minimum);
     }
 
-    // The plug-in's own value stands in what it saves, in the module's form.
-    float GetParameter(uint32_t index) override
+    // The plug-in's own value stands in what it saves, in the module's form, where no bypass is.
+    std::optional<float> GetParameter(uint32_t index) override
     {
         if (index == Lv2Host::Enabled) {
-            return wanted[index] > 0 ? 0.0F : 1.0F;
+            return std::nullopt;
         }
         TestHost::Instance reader(48000.0F, 1);
         std::vector<uint8_t> chunk = SaveChunk();

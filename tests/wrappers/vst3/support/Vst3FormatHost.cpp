@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: ISC
+#include "tests/contract/support/AudioCall.h"
 #include "tests/contract/support/FormatHost.h"
 #include "tests/wrappers/vst3/support/Vst3Host.h"
 
 #include <array>
+#include <limits>
 #include <mutex>
+#include <random>
 
 namespace Contract {
 
@@ -12,12 +15,48 @@ namespace {
 using Vst3Host::Changes;
 using Vst3Host::Stream;
 
+/// A transport that plays on, jumps and loops, stands still, is missing or holds rubbish.
+class AnyTransport {
+public:
+    /// Of the next block; null where there is none.
+    v3_process_context* Next(uint32_t frames, double rate)
+    {
+        const int64_t goneOn = context.project_time_in_samples + frames;
+        switch (engine() % 4) {
+        case 0:
+            return nullptr;
+        case 1:
+            context = {};
+            context.project_time_in_samples = static_cast<int64_t>(engine() % 100'000) - 50'000;
+            break;
+        case 2:
+            context.project_time_in_samples = goneOn;
+            break;
+        default:
+            for (size_t i = 0; i < sizeof context; ++i) {
+                reinterpret_cast<uint8_t*>(&context)[i] = static_cast<uint8_t>(engine());
+            }
+            context.project_time_in_samples /= 2; // to go on from
+        }
+        constexpr double none = std::numeric_limits<double>::quiet_NaN();
+        context.sample_rate = std::array{rate, 0.0, none, -rate}[engine() % 4];
+        context.state = engine() % 4 == 0 ? static_cast<uint32_t>(engine())
+                                          : static_cast<uint32_t>(V3_PROCESS_CTX_PLAYING);
+        return &context;
+    }
+
+private:
+    std::mt19937 engine{1};
+    v3_process_context context = {};
+};
+
+/// The transport is of no account in the audio.
 class Vst3FormatHost final : public FormatHost {
 public:
     Vst3FormatHost(double rate, uint32_t channels)
-        : plugin(channels, rate, &host)
+        : audioRate(rate)
+        , plugin(channels, rate, &host)
     {
-        transport.state = V3_PROCESS_CTX_PLAYING;
     }
 
     explicit operator bool() const { return static_cast<bool>(plugin); }
@@ -27,7 +66,7 @@ public:
         if (plugin.Setup(rate, static_cast<int32_t>(longestBlock)) != V3_OK) {
             return false;
         }
-        transport.sample_rate = rate;
+        audioRate = rate;
         plugin.Start();
         return true;
     }
@@ -43,13 +82,15 @@ public:
             }
             waiting.clear();
         }
-        plugin.Process(inputs, outputs, frames, {&changes, nullptr, &transport});
-        transport.project_time_in_samples += frames;
+        v3_process_context* const context = transport.Next(frames, audioRate);
+        plugin.Process(inputs, outputs, frames, {&changes, nullptr, context});
     }
     void Reset() override
     {
-        plugin.processor->SetProcessing(0);
-        plugin.processor->SetProcessing(1);
+        for (const bool isProcessing : {false, true}) {
+            const AudioCall scope;
+            plugin.processor->SetProcessing(isProcessing ? 1 : 0);
+        }
     }
 
     uint32_t GetLatency() override { return plugin.processor->GetLatencySamples(); }
@@ -72,7 +113,7 @@ public:
         std::erase_if(waiting, [&](const auto& one) { return one.first == index; });
         waiting.emplace_back(index, value);
     }
-    float GetParameter(uint32_t index) override
+    std::optional<float> GetParameter(uint32_t index) override
     {
         return static_cast<float>(plugin.controller->GetValue(plugin.parameters[index].param_id));
     }
@@ -98,9 +139,10 @@ public:
     }
 
 private:
+    double audioRate;       // of the audio thread, which doesn't run while it changes
+    AnyTransport transport; // of the audio thread
     Vst3Host::Host host;
     Vst3Host::Plugin plugin;
-    v3_process_context transport = {};
     std::mutex mutex;
     std::vector<std::pair<uint32_t, double>> waiting; // guarded by mutex
 };

@@ -13,10 +13,10 @@ export LV2_PATH=$build/lib/lv2
 vst3=$build/lib/vst3/Puff-guard.vst3
 
 # Ardour plays silence ahead of the first sample, and the repair works in hops of 512 samples, its
-# pitch tracker with every second one: the last bits depend on how they fall together. Ardour 7 comes
-# out at 769 with blocks of 1024 samples and this latency, now and then at 257; find_lead() tries the
-# other places that blocks, halves and quarters of them lead to.
-leads=(769 257 1 513 0 256 512 768)
+# pitch tracker with every second one: the last bits depend on how they fall together. The silence is
+# whole blocks of 1024 samples, less this latency and the 256 samples of the port that it plays to:
+# 769 more than pairs of hops. Now and then it is a hop less.
+leads=(769 257)
 
 # steadily COMMAND...: Ardour's tools crash now and then on their way out, with no plug-in loaded as
 # well; and on a busy machine an export may never begin, since its butler thread and its main thread
@@ -135,7 +135,18 @@ run_recording() {
     run_formats "$(basename "$1")"
 }
 
+# Ardour lines its ports up with their resampler's 16 samples either before or after an export begins,
+# as its threads happen to run, with no plug-in as well; without the resampler there are none.
+configure() {
+    mkdir -p "$HOME/.config/ardour7"
+    cat >"$HOME/.config/ardour7/config" <<TEXT
+<?xml version="1.0"?>
+<Ardour><Config><Option name="port-resampler-quality" value="0"/></Config></Ardour>
+TEXT
+}
+
 versions ardour ffmpeg
+configure
 run_preset
 identifier=
 if [ -d "$vst3" ]; then

@@ -109,6 +109,7 @@ TEST_F(ClapUserTest, NoGestureStaysOpenWhicheverHasNoRoom)
         plugin->Flush(nullptr, &out);
         out.capacity = SIZE_MAX;
         plugin->Flush(nullptr, &out);
+        EXPECT_EQ(out.texts.back(), "end " + amount);
         Do('g', 0, 102);
         plugin->Flush(nullptr, &out);
         bool isOpen = false;

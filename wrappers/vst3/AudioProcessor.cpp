@@ -7,15 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <optional>
 
 namespace Vst3 {
-
-namespace {
-
-constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
 
 const v3_audio_processor_cpp AudioProcessor::functions = {
     unknownTable,
@@ -33,7 +27,6 @@ AudioProcessor::AudioProcessor(Object& newOwner, Effect& newEffect)
     : Interface{&functions, &newOwner}
     , effect(newEffect)
 {
-    heard.fill(nothing);
 }
 
 // A host that asks for what isn't served looks next at what there is instead: the arrangement of
@@ -110,7 +103,7 @@ v3_result AudioProcessor::Process(v3_process_data* data) noexcept WRAPPER_NONBLO
     if (data == nullptr || data->nframes < 0 || data->symbolic_sample_size != V3_SAMPLE_32) {
         return V3_INVALID_ARG;
     }
-    effect.SetPlaying(data->ctx == nullptr || (data->ctx->state & V3_PROCESS_CTX_PLAYING) != 0);
+    effect.BeginBlock(data->ctx == nullptr || (data->ctx->state & V3_PROCESS_CTX_PLAYING) != 0);
     RunBlock(*data);
     ReportParameters(data->output_params);
     return V3_OK;
@@ -122,20 +115,16 @@ void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
     ReadBus(data.inputs, data.num_input_buses, inputs);
     ReadBus(data.outputs, data.num_output_buses, outputs);
     queues.Begin(effect.GetIds(), data.input_params);
-    for (uint32_t done = 0; done < frames;) {
+    uint32_t done = 0;
+    if (frames > 0 && effect.MustBeginBlock()) {
+        RunPiece(data, 0, 1); // the cut changes nothing in the audio
+        effect.Restate();
+        done = 1;
+    }
+    while (done < frames) {
         HearUntil(done);
-        const bool isBehindUi = effect.HasUiValues();
-        // The cut changes nothing in the audio.
-        const uint32_t end = isBehindUi ? done + 1 : std::min(queues.NextOffset(), frames);
-        std::optional<double> position;
-        if (data.ctx != nullptr) {
-            position = static_cast<double>(data.ctx->project_time_in_samples) + done;
-        }
-        effect.ForgetUiValues();
-        RunPiece(done, end, position);
-        if (isBehindUi) {
-            Restate();
-        }
+        const uint32_t end = std::min(queues.NextOffset(), frames);
+        RunPiece(data, done, end);
         done = end;
     }
     // What a host puts behind the end, and all that it gives with a block of no frames.
@@ -146,33 +135,19 @@ void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
 
 void AudioProcessor::HearUntil(uint32_t frame) noexcept
 {
-    const bool isBehindUi = effect.HasUiValues();
-    queues.TakeUntil(frame, [&](uint32_t index, double value) {
-        if (std::isnan(value)) {
-            return;
-        }
-        const double inside = std::clamp(value, 0.0, 1.0);
-        effect.HearValue(index, inside);
-        if (isBehindUi) {
-            heard[index] = inside;
+    queues.TakeUntil(frame, [this](uint32_t index, double value) {
+        if (!std::isnan(value)) {
+            effect.HearValue(index, std::clamp(value, 0.0, 1.0));
         }
     });
 }
 
-// What is set on the UI side, by a loaded state too, acts from within the first frame that runs
-// after it, and so behind the points that come before that frame. These are the newer ones.
-void AudioProcessor::Restate() noexcept
+void AudioProcessor::RunPiece(const v3_process_data& data, uint32_t begin, uint32_t end) noexcept
 {
-    for (uint32_t index = 0; index < heard.size(); ++index) {
-        if (!std::isnan(heard[index])) {
-            effect.HearValue(index, heard[index]);
-            heard[index] = nothing;
-        }
+    std::optional<double> position;
+    if (data.ctx != nullptr) {
+        position = static_cast<double>(data.ctx->project_time_in_samples) + begin;
     }
-}
-
-void AudioProcessor::RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept
-{
     Channels from = inputs;
     Channels to = outputs;
     const auto advance = [begin](float* channel) {
@@ -197,10 +172,9 @@ void AudioProcessor::ReportParameters(v3_param_changes** changes) noexcept
         int32_t place = 0;
         v3_param_value_queue** const queue =
             v3_cpp_obj(changes)->add_param_data(changes, &id, &place);
-        if (queue != nullptr) {
-            const double value = static_cast<double>(
-                effect.GetInstance()->GetParameter(Wrapper::Side::Process, index));
-            v3_cpp_obj(queue)->add_point(queue, 0, value, &place);
+        if (queue == nullptr ||
+            v3_cpp_obj(queue)->add_point(queue, 0, effect.GetShown(index), &place) != V3_OK) {
+            effect.LeaveUntold(index); // the host may have room another time
         }
     }
 }

@@ -10,7 +10,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 
 namespace Vst3 {
 
@@ -38,16 +37,13 @@ private:
 
     void RunBlock(const v3_process_data& data) noexcept;
     void HearUntil(uint32_t frame) noexcept;
-    void Restate() noexcept;
-    void RunPiece(uint32_t begin, uint32_t end, std::optional<double> position) noexcept;
+    void RunPiece(const v3_process_data& data, uint32_t begin, uint32_t end) noexcept;
     void ReportParameters(v3_param_changes** changes) noexcept;
 
     static const v3_audio_processor_cpp functions;
 
     Effect& effect;
     ParameterQueues queues;
-    // What the audio side has heard since the UI side has set values; NaN: nothing.
-    std::array<double, ParameterQueues::MaxParameters> heard;
     Channels inputs{};  // of the block; null ones are missing
     Channels outputs{}; // likewise
 };

@@ -21,8 +21,9 @@ namespace Vst3 {
 ///
 /// Values have two ways in. Those of the audio side come with the blocks and act there; the host
 /// sends them to the UI side as well, later, to be shown. So while its transport runs the UI side
-/// only keeps them: acted on, they would overtake the audio's, and a render would come out
-/// otherwise each time. While it stands, and while nothing is active, they act.
+/// only shows them: acted on, they would overtake the audio's, and a render would come out
+/// otherwise each time. While it stands, and while nothing is active, they act. What is only shown
+/// and never heard of acts when the audio ends, and is saved where no block has come since.
 ///
 /// A new latency is told from the UI thread only: hosts stop and start the audio from within that
 /// call. What comes up elsewhere waits for a timer in the host's run loop and, where a host has
@@ -49,8 +50,8 @@ public:
     /// Hz. False, and nothing changed, for one that is none, or for another one while active. [ui]
     bool SetRate(double rate);
     void SetActive(bool newActive); ///< [ui]
-    /// Whether the host's transport ran in the last block. [process]
-    void SetPlaying(bool newPlaying) noexcept { isPlaying = newPlaying; }
+    /// Of any number of frames; whether the host's transport runs in it. [process]
+    void BeginBlock(bool newPlaying) noexcept;
 
     /// What the host is told, and remembers. [any]
     uint32_t GetLatency() noexcept;
@@ -64,13 +65,16 @@ public:
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
     /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
-    /// Whether the UI side has set values that the audio side takes over with the next frame that
-    /// runs, even if it has heard others since. [process]
-    bool HasUiValues() const noexcept { return hasUiValues; }
-    void ForgetUiValues() noexcept { hasUiValues = false; } ///< [process]
+    /// What the UI side sets reaches the audio at the begin of a block, after what the host has set
+    /// for that block. True when there may be something: then a block has to begin, and Restate()
+    /// gives the host the last word again. [process]
+    bool MustBeginBlock() noexcept { return isUiAhead.exchange(false); }
+    void Restate() noexcept; ///< [process]
     /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
-    /// given once. [any]
+    /// given once, and LeaveUntold() gives one back. [any]
     uint32_t TakeUntold() noexcept { return untold.exchange(0); }
+    void LeaveUntold(uint32_t index) noexcept;
+    double GetShown(uint32_t index) const noexcept { return values[index].shown; } ///< [any]
 
     std::vector<uint8_t> Save();                 ///< empty when there is nothing to save [ui]
     bool Load(std::span<const uint8_t> session); ///< false, and nothing changed, if it's none [ui]
@@ -78,6 +82,12 @@ public:
     void SetHandler(v3_component_handler** handler); ///< null takes it away [ui]
 
 private:
+    struct Value {
+        std::atomic<double> shown{0};       // as the host's UI side has it
+        std::atomic<double> lastWord;       // of the audio side since the UI side has acted, or NaN
+        std::atomic<bool> isWaiting{false}; // shown, but the audio side hasn't heard of it
+    };
+
     void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override;
     void OnGestureBegun(uint32_t parameter) noexcept override;
     void OnParameterChanged(uint32_t parameter, float normalised) noexcept override;
@@ -88,7 +98,10 @@ private:
     bool IsKnown(uint32_t parameter) const noexcept;
     void Apply(Wrapper::Side side, uint32_t index, double value) noexcept;
     void NoteBypass(uint32_t index, double value) noexcept;
-    void ShowValues() noexcept;
+    void ActOn(uint32_t index, double value) noexcept;
+    void ActOnWaiting() noexcept;
+    void Forget(uint32_t index) noexcept;
+    void Show(uint32_t index, double value) noexcept;
     bool SetFormat(double rate, const Speakers& speakers);
     void TellHost() noexcept;
     bool HasNewLatency() const noexcept;
@@ -99,13 +112,14 @@ private:
     std::atomic<bool> isStarted{false}; // ids and values are there for the instance's notices
     bool isActive = false;
     std::atomic<bool> isPlaying{false};
+    std::atomic<bool> hasBlockBegun{false}; // since a value has been shown only
     std::vector<v3_param_id> ids;           // by parameter
-    std::vector<std::atomic<double>> shown; // by parameter, as the host's UI side has it
+    std::vector<Value> values;              // by parameter
     std::optional<uint32_t> bypassIndex;
     // The UI side of the instance learns of the audio side's values somewhat later.
     std::atomic<bool> isBypassed{false};
     std::atomic<uint32_t> untold{0};      // see TakeUntold()
-    std::atomic<bool> hasUiValues{false}; // see HasUiValues()
+    std::atomic<bool> isUiAhead{false};   // see MustBeginBlock()
     std::atomic<bool> isDirty{false};     // the host is to be told
     std::atomic<bool> hasNews{false};     // TellHost() has something to look at
     std::atomic<int64_t> toldLatency{-1}; // samples; -1: the host hasn't asked

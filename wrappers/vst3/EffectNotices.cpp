@@ -30,13 +30,19 @@ void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
     if (!IsKnown(parameter)) {
         return;
     }
-    shown[parameter] = static_cast<double>(normalised);
-    NoteBypass(parameter, static_cast<double>(normalised));
+    Forget(parameter);
+    Show(parameter, static_cast<double>(normalised));
+    isUiAhead = true;
     if (host.IsUiThread() && host.HasHandler()) {
         host.PerformEdit(ids[parameter], static_cast<double>(normalised));
         return;
     }
-    untold.fetch_or(uint32_t{1} << parameter);
+    LeaveUntold(parameter);
+}
+
+void Effect::LeaveUntold(uint32_t index) noexcept
+{
+    untold.fetch_or(uint32_t{1} << index);
     hasNews = true;
 }
 

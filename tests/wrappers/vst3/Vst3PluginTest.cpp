@@ -319,6 +319,10 @@ TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
         // Rates and arrangements may come early, and the second beginning is none.
         v3_process_setup setup = {V3_OFFLINE, V3_SAMPLE_32, 512, 96000};
         EXPECT_EQ(processor->SetupProcessing(&setup), V3_OK);
+        for (const double none : {1.0, 1e9, std::nan("")}) {
+            setup.sample_rate = none;
+            EXPECT_NE(processor->SetupProcessing(&setup), V3_OK) << none;
+        }
         EXPECT_EQ(component->Initialize(nullptr), V3_OK);
         EXPECT_EQ(controller->Initialize(nullptr), V3_FALSE);
         EXPECT_GT(processor->GetLatencySamples(), 0U);

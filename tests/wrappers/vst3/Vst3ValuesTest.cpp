@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: ISC
+// Who has the last word on a value, on a module that says which one it takes.
+#include "tests/support/TemporaryFolder.h"
+#include "tests/wrappers/vst3/support/Vst3Host.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+using Vst3Host::Changes;
+
+namespace {
+
+constexpr double first = 0.5; // of a new instance
+constexpr double ofUi = 0.875;
+constexpr double ofHost = 0.125;
+
+class Vst3ValuesTest : public testing::Test {
+protected:
+    Vst3ValuesTest()
+    {
+        setenv("PUFFGUARD_MODULE", LATE_MODULE, 1);
+        module = dlopen(LATE_MODULE, RTLD_NOW | RTLD_LOCAL);
+        stepIn = static_cast<std::function<void()>*>(dlsym(module, "lateModuleStepIn"));
+        turn = reinterpret_cast<void (*)(float)>(dlsym(module, "TurnLateModule"));
+        plugin = std::make_unique<Vst3Host::Plugin>(1);
+        id = plugin->parameters.at(0).param_id;
+        transport.state = 0;
+    }
+    ~Vst3ValuesTest() override
+    {
+        *stepIn = nullptr;
+        plugin.reset();
+        dlclose(module);
+        unsetenv("PUFFGUARD_MODULE");
+    }
+
+    void Play(bool isPlaying) { transport.state = isPlaying ? V3_PROCESS_CTX_PLAYING : 0; }
+    /// The value that a block ends with; `points` come at its beginning.
+    double Run(const std::vector<double>& points = {}, uint32_t frames = 16)
+    {
+        Changes changes;
+        for (const double point : points) {
+            changes.Add(id, {{0, point}});
+        }
+        std::vector<float> audio(frames, -1.0F);
+        float* channels[1] = {audio.data()};
+        plugin->Process(channels, channels, frames, {&changes, nullptr, &transport});
+        return frames > 0 ? static_cast<double>(audio.back()) : -1.0;
+    }
+    void Show(double value) { EXPECT_EQ(plugin->controller->SetValue(id, value), V3_OK); }
+    double Saved() { return plugin->Save().back() / 8.0; }
+
+    Support::UserFolders folders;
+    void* module = nullptr;
+    std::function<void()>* stepIn = nullptr; // called while the UI side sets
+    void (*turn)(float) = nullptr;           // plays the user
+    v3_process_context transport = {};
+    std::unique_ptr<Vst3Host::Plugin> plugin;
+    uint32_t id = 0;
+};
+
+} // namespace
+
+TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
+{
+    Show(ofUi);
+    const std::vector<uint8_t> session = plugin->Save();
+    const struct {
+        const char* name;
+        std::function<void()> set;
+        bool isPlaying;
+    } cases[] = {
+        {"a value", [this] { Show(ofUi); }, false},
+        {"a session", [&] { EXPECT_EQ(plugin->Load(session), V3_OK); }, false},
+        {"a session while playing", [&] { EXPECT_EQ(plugin->Load(session), V3_OK); }, true},
+        {"a session for the controller",
+         [&] {
+             Vst3Host::Stream stream(session);
+             EXPECT_EQ(plugin->controller->SetComponentState(&stream), V3_OK);
+         },
+         false},
+        {"the user", [this] { turn(static_cast<float>(ofUi)); }, false},
+        {"the user while playing", [this] { turn(static_cast<float>(ofUi)); }, true},
+    };
+    for (const auto& [name, set, isPlaying] : cases) {
+        SCOPED_TRACE(name);
+        Play(isPlaying);
+        for (const uint32_t frames : {0U, 1U, 16U}) {
+            SCOPED_TRACE(frames);
+            for (const bool isRestarted : {false, true}) {
+                plugin->Start();
+                EXPECT_EQ(Run({0.25}), 0.25);
+                set();
+                EXPECT_EQ(Run({}, 0), -1.0);
+                EXPECT_EQ(Run(), ofUi);
+                set();
+                Run({ofHost}, frames);
+                if (isRestarted) {
+                    plugin->processor->SetProcessing(0);
+                    plugin->processor->SetProcessing(1);
+                }
+                EXPECT_EQ(Run(), ofHost);
+                EXPECT_EQ(Saved(), ofHost);
+                plugin->Stop();
+            }
+        }
+    }
+}
+
+TEST_F(Vst3ValuesTest, APointOfABlockThatRunsWhileTheUiSideSetsIsNotLost)
+{
+    const std::vector<uint8_t> session = [this] {
+        Show(ofUi);
+        return plugin->Save();
+    }();
+    for (const bool isLoaded : {false, true}) {
+        for (const uint32_t frames : {0U, 16U}) {
+            SCOPED_TRACE(testing::Message() << isLoaded << ", " << frames << " frames");
+            plugin->Start();
+            Run({0.25});
+            *stepIn = [&] { Run({ofHost}, frames); };
+            if (isLoaded) {
+                EXPECT_EQ(plugin->Load(session), V3_OK);
+            } else {
+                Show(ofUi);
+            }
+            *stepIn = nullptr;
+            EXPECT_EQ(Run(), ofHost);
+            EXPECT_EQ(Run(), ofHost);
+            plugin->Stop();
+        }
+    }
+}
+
+TEST_F(Vst3ValuesTest, ASessionThatIsRefusedLeavesThePointsTheirLastWord)
+{
+    std::vector<uint8_t> session = plugin->Save();
+    session.back() = 9;
+    plugin->Start();
+    Show(ofUi);
+    Run({ofHost}, 0);
+    EXPECT_EQ(plugin->Load(session), V3_FALSE);
+    EXPECT_EQ(Run(), ofHost);
+}
+
+TEST_F(Vst3ValuesTest, WhatIsOnlyShownIsSavedWhereNoBlockHasComeSince)
+{
+    plugin->Start();
+    Play(true);
+    EXPECT_EQ(Run({ofHost}), ofHost);
+    Show(ofUi);
+    EXPECT_EQ(Saved(), ofUi);
+    EXPECT_EQ(Run(), ofHost) << "the audio is the host's";
+    EXPECT_EQ(Saved(), ofHost);
+}
+
+TEST_F(Vst3ValuesTest, WhatIsOnlyShownActsWhenTheAudioEnds)
+{
+    for (const bool isHeard : {false, true}) {
+        SCOPED_TRACE(isHeard);
+        plugin->Start();
+        Play(true);
+        Run({0.25});
+        Show(ofUi);
+        EXPECT_EQ(Run(), 0.25);
+        if (isHeard) {
+            EXPECT_EQ(Run({ofHost}), ofHost);
+        }
+        plugin->Stop();
+        const double expected = isHeard ? ofHost : ofUi;
+        EXPECT_EQ(Saved(), expected);
+        plugin->Start();
+        Play(false);
+        EXPECT_EQ(Run(), expected);
+        plugin->Stop();
+    }
+}
+
+TEST_F(Vst3ValuesTest, ALoadedSessionTakesThePlaceOfWhatIsOnlyShown)
+{
+    const std::vector<uint8_t> session = plugin->Save();
+    plugin->Start();
+    Play(true);
+    Run();
+    Show(ofUi);
+    EXPECT_EQ(plugin->Load(session), V3_OK);
+    EXPECT_EQ(plugin->Save(), session);
+    plugin->Stop();
+    EXPECT_EQ(plugin->Save(), session);
+}
+
+TEST_F(Vst3ValuesTest, NothingOutlivesTheInstance)
+{
+    Show(ofUi);
+    plugin->Start();
+    Run({ofHost}, 0); // waits for a block
+    EXPECT_EQ(plugin->component->Terminate(), V3_OK);
+    EXPECT_EQ(plugin->component->Initialize(nullptr), V3_OK);
+    Show(0.25);
+    plugin->Start();
+    EXPECT_EQ(Run(), 0.25);
+    EXPECT_EQ(plugin->component->Terminate(), V3_OK);
+    EXPECT_EQ(plugin->component->Initialize(nullptr), V3_OK);
+    plugin->Start();
+    EXPECT_EQ(Run(), first);
+}

@@ -36,14 +36,20 @@ void HostLink::SetContext(v3_funknown** context)
 
 void HostLink::SetHandler(v3_component_handler** newHandler)
 {
+    if (isLoopOfHandler) {
+        timer->Stop();
+    }
     handler = HostReference<v3_component_handler>(newHandler);
     handler2 = HostReference<v3_component_handler2>::Query(newHandler, v3_component_handler2_iid);
-    StartTimer(HostReference<v3_run_loop>::Query(newHandler, v3_run_loop_iid));
+    if (!timer->IsRunning()) {
+        StartTimer(HostReference<v3_run_loop>::Query(newHandler, v3_run_loop_iid));
+        isLoopOfHandler = timer->IsRunning();
+    }
 }
 
 void HostLink::StartTimer(HostReference<v3_run_loop> loop)
 {
-    if (loop && !timer->IsRunning()) {
+    if (loop) {
         timer->Start(std::move(loop), tickMilliseconds);
     }
 }
@@ -51,6 +57,7 @@ void HostLink::StartTimer(HostReference<v3_run_loop> loop)
 void HostLink::Disconnect()
 {
     timer->Stop();
+    isLoopOfHandler = false;
     handler.Reset();
     handler2.Reset();
 }

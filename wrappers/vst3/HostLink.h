@@ -31,7 +31,7 @@ public:
 
     /// Looks for a run loop in the host's context, which may be null.
     void SetContext(v3_funknown** context);
-    /// Null takes it away; some hosts have their run loop here.
+    /// Null takes it away; some hosts have their run loop here, and it goes with the handler.
     void SetHandler(v3_component_handler** newHandler);
     void Disconnect();
 
@@ -57,6 +57,7 @@ private:
     HostReference<v3_component_handler> handler;
     HostReference<v3_component_handler2> handler2;
     std::unique_ptr<RunLoopTimer, Releaser> timer;
+    bool isLoopOfHandler = false; // that the timer runs in
 };
 
 } // namespace Vst3

@@ -199,6 +199,30 @@ TEST_F(Vst3StateTest, NothingOfTheHostIsKeptBeyondTheEnd)
     EXPECT_EQ(host.CountReferences(), 0U);
 }
 
+TEST_F(Vst3StateTest, TheHandlersRunLoopGoesWithTheHandler)
+{
+    Host another;
+    Vst3Host::Plugin plugin;
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(plugin.controller->SetComponentHandler(host.Get()), V3_OK);
+        EXPECT_EQ(host.timers.size(), 1U);
+        EXPECT_EQ(plugin.controller->SetComponentHandler(another.Get()), V3_OK);
+        EXPECT_EQ(host.CountReferences(), 0U);
+        EXPECT_EQ(another.timers.size(), 1U);
+        EXPECT_EQ(plugin.controller->SetComponentHandler(nullptr), V3_OK);
+        EXPECT_TRUE(another.timers.empty());
+        EXPECT_EQ(another.CountReferences(), 0U);
+        // Another life: the context's run loop stays when the handler goes.
+        EXPECT_EQ(plugin.controller->SetComponentHandler(host.Get()), V3_OK);
+        EXPECT_EQ(plugin.component->Terminate(), V3_OK);
+        EXPECT_EQ(plugin.component->Initialize(another.Get()), V3_OK);
+        EXPECT_EQ(plugin.controller->SetComponentHandler(nullptr), V3_OK);
+        EXPECT_EQ(another.timers.size(), 1U);
+        EXPECT_EQ(plugin.component->Terminate(), V3_OK);
+        EXPECT_EQ(plugin.component->Initialize(nullptr), V3_OK);
+    }
+}
+
 TEST_F(Vst3StateTest, WhatTheUserDoesReachesTheHandlerInOrder)
 {
     setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
@@ -242,13 +266,18 @@ TEST_F(Vst3StateTest, WithoutAHandlerTheUsersValuesComeWithTheNextBlock)
     ASSERT_TRUE(plugin);
     const uint32_t id = plugin.parameters.at(0).param_id;
     plugin.controller->SetValue(id, 0.5);
-    for (const size_t expected : {1U, 0U}) {
+    for (const bool isFull : {true, false}) {
         Changes output;
-        plugin.Process(nullptr, nullptr, 64, {nullptr, &output, nullptr});
-        ASSERT_EQ(output.queues.size(), expected);
-        if (expected > 0) {
+        output.isFull = isFull;
+        plugin.Process(nullptr, nullptr, 0, {nullptr, &output, nullptr});
+        ASSERT_EQ(output.queues.size(), isFull ? 0U : 1U);
+        if (!isFull) {
             EXPECT_EQ(output.queues[0].id, id);
-            EXPECT_EQ(output.queues[0].points.at(0).value, 0.75); // as the audio side has it
+            EXPECT_EQ(output.queues[0].points.at(0).value, 0.5)
+                << "the audio side is still at 0.75";
         }
     }
+    Changes output;
+    plugin.Process(nullptr, nullptr, 64, {nullptr, &output, nullptr});
+    EXPECT_TRUE(output.queues.empty()) << "told once";
 }

@@ -109,6 +109,9 @@ public:
     }
     IValueQueue* AddQueue(const uint32_t* id, int32_t* index) override
     {
+        if (isFull) {
+            return nullptr;
+        }
         *index = static_cast<int32_t>(queues.size());
         return &Add(*id, {});
     }
@@ -120,6 +123,7 @@ public:
 
     std::deque<ValueQueue> queues; // stay where they are
     int32_t missing = 0;
+    bool isFull = false; // takes nothing from the plug-in
 };
 
 /// The host's side of the conversation: context, run loop and handler in one object.

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <numeric>
+#include <string>
 #include <vector>
 
 namespace Bench {
@@ -18,6 +19,7 @@ namespace Bench {
 namespace {
 
 constexpr float Rates[] = {44100, 48000, 96000};
+constexpr float RateOfLongestCall = 48000; ///< in the table
 constexpr uint32_t HostBlock = 512;
 constexpr uint32_t SmallBlock = 64;
 constexpr int Rounds = 101;
@@ -70,7 +72,18 @@ private:
     std::size_t position = 0;
 };
 
-void PrintEffectRatio(float sampleRate, uint32_t channels)
+const char* GetLayoutName(uint32_t channels)
+{
+    return channels == 1 ? "mono" : "stereo";
+}
+
+std::string NameFigure(const char* what, float sampleRate, uint32_t channels)
+{
+    return std::string(what) + ", " + GetLayoutName(channels) + " " +
+           std::to_string(static_cast<int>(sampleRate)) + " Hz";
+}
+
+void PrintEffectRatio(float sampleRate, uint32_t channels, TargetTable& table)
 {
     // Whole hops at every rate, about a quarter of a second at 48 kHz.
     constexpr uint32_t Frames = 12 * 1024;
@@ -94,10 +107,15 @@ void PrintEffectRatio(float sampleRate, uint32_t channels)
     const double audioSeconds = Frames / static_cast<double>(sampleRate);
     std::printf("  %6.0f Hz %-6s  %5.2f   (%.0f x real time, %u repairs)\n",
                 static_cast<double>(sampleRate),
-                channels == 1 ? "mono" : "stereo",
+                GetLayoutName(channels),
                 result.ratio,
                 audioSeconds / result.seconds,
                 instance.Detections());
+    const bool isMain = sampleRate == Rates[0] && channels == 1;
+    table.Add({NameFigure("Effect over FFTW for its transforms", sampleRate, channels),
+               isMain ? 0.90 : 0.95,
+               isMain ? 0.75 : 0.80},
+              result.ratio);
 }
 
 /// Shortest time of each call over a few passes from the same start: what is left are the effect's
@@ -119,7 +137,7 @@ std::vector<double> TimeCalls(TestHost::Instance& instance, const TestHost::Audi
     return shortest;
 }
 
-void PrintLongestCall(float sampleRate, uint32_t channels)
+void PrintLongestCall(float sampleRate, uint32_t channels, TargetTable& table)
 {
     TestHost::Instance instance(sampleRate, channels);
     std::vector<double> seconds = TimeCalls(instance, MakeSpeech(channels, sampleRate, 4));
@@ -131,31 +149,35 @@ void PrintLongestCall(float sampleRate, uint32_t channels)
     std::printf("  %6.0f Hz %-6s  %5.1f   (longest %.0f us, %.1f %% of the block's time; "
                 "99.9 %% of the calls within %.0f us)\n",
                 static_cast<double>(sampleRate),
-                channels == 1 ? "mono" : "stereo",
+                GetLayoutName(channels),
                 longest / mean,
                 longest * 1e6,
                 100 * longest * static_cast<double>(sampleRate) / SmallBlock,
                 usual * 1e6);
+    if (sampleRate == RateOfLongestCall) {
+        table.Add({NameFigure("Longest call over mean at 64 frames", sampleRate, channels), 3, 1.8},
+                  longest / mean);
+    }
 }
 
 } // namespace
 
-void PrintEffectRatios()
+void PrintEffectRatios(TargetTable& table)
 {
     std::printf("Effect / FFTW for its transforms, host block %u:\n", HostBlock);
     for (const float sampleRate : Rates) {
         for (const uint32_t channels : {1U, 2U}) {
-            PrintEffectRatio(sampleRate, channels);
+            PrintEffectRatio(sampleRate, channels, table);
         }
     }
 }
 
-void PrintLongestCalls()
+void PrintLongestCalls(TargetTable& table)
 {
     std::printf("Longest call / mean call, host block %u:\n", SmallBlock);
     for (const float sampleRate : Rates) {
         for (const uint32_t channels : {1U, 2U}) {
-            PrintLongestCall(sampleRate, channels);
+            PrintLongestCall(sampleRate, channels, table);
         }
     }
 }

@@ -20,7 +20,7 @@ std::size_t GetHeapBytes()
 
 } // namespace
 
-void PrintMemory()
+void PrintMemory(TargetTable& table)
 {
     constexpr float SampleRate = 44100;
     // What the module takes once, whatever the number of instances, is taken before.
@@ -33,6 +33,7 @@ void PrintMemory()
     const double mebibytes =
         static_cast<double>(GetHeapBytes() - before) / static_cast<double>(1024 * 1024);
     std::printf("Heap memory of a mono instance at 44100 Hz: %.2f MiB\n", mebibytes);
+    table.Add({"Memory of a mono instance at 44100 Hz (MiB)", 4, 2}, mebibytes);
 }
 
 } // namespace Bench

@@ -86,3 +86,10 @@ build() {
         fi
     ) 9>"$folder/.lock"
 }
+
+# benchmark: builds and runs the measurements.
+benchmark() {
+    ensure_packages bench
+    build bench build-bench puffguard_bench || return 1
+    "$root/build-bench/bench/puffguard_bench"
+}

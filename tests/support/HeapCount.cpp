@@ -29,6 +29,26 @@ void* operator new[](std::size_t size)
     return Allocate(size);
 }
 
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    ++allocations;
+    const auto step = static_cast<std::size_t>(alignment);
+    if (void* const block = std::aligned_alloc(step, (size + step) / step * step)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept
+{
+    std::free(block);
+}
+
 void operator delete(void* block) noexcept
 {
     std::free(block);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <memory>
 #include <numbers>
 #include <stdexcept>
 
@@ -52,7 +51,7 @@ FFTImpl<float>::FFTImpl(int newOrder, const Kernels::FftKernels& newKernels)
     MakeFirstFactors();
     MakeMiddleFactors();
     MakeSeparationTable();
-    AlignWork();
+    work.resize(At(Kernels::GetFftWorkSize(half)));
 }
 
 /// For each group of butterflies p: the real parts of a factor of all of them, then the imaginary
@@ -104,16 +103,6 @@ void FFTImpl<float>::MakeSeparationTable()
     }
 }
 
-void FFTImpl<float>::AlignWork()
-{
-    constexpr std::size_t Alignment = 64; // bytes
-    const std::size_t wanted = At(Kernels::GetFftWorkSize(half)) * sizeof(float);
-    std::size_t room = wanted + Alignment;
-    work.resize(room / sizeof(float));
-    void* start = work.data();
-    alignedWork = static_cast<float*>(std::align(Alignment, wanted, start, room));
-}
-
 void FFTImpl<float>::MakeDirectTable()
 {
     const int size = GetSize();
@@ -123,9 +112,9 @@ void FFTImpl<float>::MakeDirectTable()
     work.resize(At(size) + 2);
 }
 
-Kernels::FftTables FFTImpl<float>::GetTables() const noexcept UTIL_NONBLOCKING
+Kernels::FftTables FFTImpl<float>::GetTables() noexcept UTIL_NONBLOCKING
 {
-    return {half, first.data(), middle.data(), separation.data(), alignedWork};
+    return {half, first.data(), middle.data(), separation.data(), work.data()};
 }
 
 void FFTImpl<float>::Forward(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+#include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 #include <cstddef>
@@ -67,21 +68,20 @@ private:
     void MakeMiddleFactors();
     void MakeSeparationTable();
     void MakeDirectTable();
-    void AlignWork();
-    Kernels::FftTables GetTables() const noexcept UTIL_NONBLOCKING;
+    Kernels::FftTables GetTables() noexcept UTIL_NONBLOCKING;
     void ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING;
     void InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
     bool IsDirect() const noexcept { return half < 64; }
 
     const Kernels::FftKernels* kernels;
     int order;
-    int half;                      // length of the complex transform, F / 2
-    std::vector<float> first;      // factors of the first pass
-    std::vector<float> middle;     // of later passes: for each butterfly re, im by power
-    std::vector<float> separation; // halved cosines of the bins below F / 4, then their sines
+    int half;                         // length of the complex transform, F / 2
+    Util::AlignedVector<float> first; // factors of the first pass
+    std::vector<float> middle;        // of later passes: for each butterfly re, im by power
+    Util::AlignedVector<float>
+        separation;            // halved cosines of the bins below F / 4, then their sines
     std::vector<float> direct; // cosines of one turn in F steps; only of the shortest transforms
-    std::vector<float> work;
-    float* alignedWork = nullptr; // in `work`
+    Util::AlignedVector<float> work;
 };
 
 } // namespace DSP

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 #include <cstddef>
@@ -49,8 +50,8 @@ protected:
     /// Makes each channel `capacity` floats long and points at its start.
     void SetCapacity(int32_t capacity);
 
-    std::vector<float*> channels;         // where each channel's tail starts
-    std::vector<std::vector<float>> data; // each channel's memory
+    std::vector<float*> channels;                 // where each channel's tail starts
+    std::vector<Util::AlignedVector<float>> data; // each channel's memory
     int32_t tailLength = 0;
     int32_t blockLength = 0;
     int32_t channelCount = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <vector>
+#include "frameworks/qobase/util/AlignedVector.h"
 
 namespace DSP {
 
@@ -11,8 +11,8 @@ enum WindowKind : int { WindowHann = -1, WindowBlackman = -2, WindowFilter = -3 
 
 /// Analysis and synthesis window of an overlap-add filterbank.
 struct WindowPair {
-    std::vector<float> analysis;
-    std::vector<float> synthesis;
+    Util::AlignedVector<float> analysis;
+    Util::AlignedVector<float> synthesis;
 };
 
 /// Makes the windows of `length` samples, an even number, for frames `hop` samples apart:

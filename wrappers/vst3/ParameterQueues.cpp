@@ -8,17 +8,17 @@ namespace Vst3 {
 void ParameterQueues::Begin(std::span<const v3_param_id> ids, v3_param_changes** changes) noexcept
 {
     std::fill(cursors.begin(), cursors.end(), Cursor());
+    size_t used = 0;
     const int32_t count = changes != nullptr ? v3_cpp_obj(changes)->get_param_count(changes) : 0;
-    for (int32_t i = 0; i < count; ++i) {
+    for (int32_t i = 0; i < count && used < cursors.size(); ++i) {
         v3_param_value_queue** const queue = v3_cpp_obj(changes)->get_param_data(changes, i);
         if (queue == nullptr) {
             continue;
         }
         const auto id = std::find(ids.begin(), ids.end(), v3_cpp_obj(queue)->get_param_id(queue));
-        const auto parameter = static_cast<uint32_t>(id - ids.begin());
-        if (id != ids.end() && parameter < cursors.size()) {
-            cursors[parameter] = {queue, parameter, 0, 0, 0.0};
-            Advance(cursors[parameter]);
+        if (id != ids.end()) {
+            cursors[used] = {queue, static_cast<uint32_t>(id - ids.begin()), 0, 0, 0.0};
+            Advance(cursors[used++]);
         }
     }
 }

@@ -14,8 +14,8 @@ namespace Vst3 {
 /// many points as it takes, and the effect looks at its values once in many samples only.
 class ParameterQueues {
 public:
-    /// Further ones aren't heard.
-    static constexpr uint32_t MaxParameters = 32;
+    /// Of a block; further ones aren't heard.
+    static constexpr uint32_t MaxQueues = 32;
     static constexpr uint32_t None = ~uint32_t{0};
     static constexpr uint32_t LastFrame = None - 1;
 
@@ -49,7 +49,8 @@ private:
 
     static void Advance(Cursor& cursor) noexcept;
 
-    std::array<Cursor, MaxParameters> cursors{}; // one a parameter: a host has one queue for each
+    // One a queue: a host should have but one for each parameter.
+    std::array<Cursor, MaxQueues> cursors{};
 };
 
 } // namespace Vst3

@@ -47,6 +47,16 @@ Audio Expected(uint32_t channels,
     return audio;
 }
 
+/// A value that changes all the time.
+std::vector<Point> Ramp()
+{
+    std::vector<Point> ramp;
+    for (int32_t i = 0; i < 100; ++i) {
+        ramp.push_back({i * 441, (i % 9) / 8.0});
+    }
+    return ramp;
+}
+
 class Vst3AudioTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { ASSERT_NE(TestHost::Entry(), nullptr); }
@@ -177,10 +187,7 @@ TEST_F(Vst3AudioTest, AfterTheEndThePluginBeginsAnewWithDefaults)
 
 TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSample)
 {
-    std::vector<Point> ramp;
-    for (int32_t i = 0; i < 100; ++i) {
-        ramp.push_back({i * 441, (i % 9) / 8.0});
-    }
+    const std::vector<Point> ramp = Ramp();
     const std::vector<Point> cases[] = {
         {{0, 1.0}}, {{1, 0.25}}, {{100, 1.0}, {24000, 0.0}, {47999, 0.5}}, ramp};
     for (const std::vector<Point>& points : cases) {
@@ -222,6 +229,27 @@ TEST_F(Vst3AudioTest, QueuesOfBadHostsDoNoHarm)
         EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
         EXPECT_EQ(audio, Expected(2, rate, heard));
     }
+}
+
+TEST_F(Vst3AudioTest, TwoQueuesOfOneParameterAreBothHeard)
+{
+    const std::vector<Point> ramp = Ramp();
+    std::vector<Point> halves[2];
+    for (size_t i = 0; i < ramp.size(); ++i) {
+        halves[i % 2].push_back(ramp[i]);
+    }
+    const Audio expected = Expected(2, rate, ramp);
+    Vst3Host::Plugin plugin;
+    plugin.Start();
+    Changes changes;
+    for (const std::vector<Point>& half : halves) {
+        ASSERT_NE(expected, Expected(2, rate, half)) << "the points need to be heard";
+        changes.Add(strength, half);
+    }
+    Audio audio = Speech(2);
+    float* pointers[2] = {audio[0].data(), audio[1].data()};
+    EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
+    EXPECT_EQ(audio, expected);
 }
 
 TEST_F(Vst3AudioTest, ABlockOfNoFramesTakesTheLastPointWithOrWithoutMemory)
@@ -352,27 +380,6 @@ TEST_F(Vst3AudioTest, BypassIsTheInputLateByTheReportedLatency)
         std::vector<float> late(static_cast<size_t>(latency), 0.0F);
         late.insert(late.end(), speech[c].begin(), speech[c].end() - latency);
         EXPECT_EQ(audio[c], late);
-    }
-}
-
-TEST_F(Vst3AudioTest, WhatIsOnlyShownActsWhileTheTransportStands)
-{
-    for (const bool isPlaying : {false, true}) {
-        SCOPED_TRACE(isPlaying);
-        Vst3Host::Plugin plugin;
-        plugin.Start();
-        v3_process_context transport = {};
-        transport.state = isPlaying ? V3_PROCESS_CTX_PLAYING : 0;
-        Audio audio = Speech(2);
-        float* pointers[2] = {audio[0].data(), audio[1].data()};
-        plugin.Process(pointers, pointers, 100, {nullptr, nullptr, &transport});
-        EXPECT_EQ(plugin.controller->SetValue(strength, 1.0), V3_OK);
-        EXPECT_EQ(plugin.controller->GetValue(strength), 1.0);
-        float* rest[2] = {audio[0].data() + 100, audio[1].data() + 100};
-        plugin.Process(rest, rest, rate - 100, {nullptr, nullptr, &transport});
-        EXPECT_EQ(
-            audio,
-            Expected(2, rate, isPlaying ? std::vector<Point>{} : std::vector<Point>{{100, 1.0}}));
     }
 }
 

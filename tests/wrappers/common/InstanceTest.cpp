@@ -190,6 +190,22 @@ TEST_F(InstanceTest, ABlockThatIsRefusedStaysAsItWas)
     EXPECT_TRUE(logged.empty()); // no log on the audio thread
 }
 
+TEST_F(InstanceTest, FromARefusedPieceOnABlockStaysAsItWas)
+{
+    const auto instance = Create(FAKE_MODULE);
+    ASSERT_NE(instance, nullptr);
+    constexpr uint32_t piece = Wrapper::BlockBuffers::PieceFrames;
+    std::vector<float> input(3 * piece, 0.25F);
+    input[piece] = 2.0F; // is refused
+    std::vector<float> expected = input;
+    std::fill_n(expected.begin(), piece, -0.25F);
+    std::vector<float> output(input.size());
+    const float* inputs[2] = {input.data(), input.data()};
+    float* outputs[2] = {output.data(), nullptr}; // so that it goes in pieces
+    EXPECT_FALSE(instance->Process({inputs, outputs, 3 * piece}, std::nullopt));
+    EXPECT_EQ(output, expected);
+}
+
 TEST_F(InstanceTest, AModuleThatRefusesToBeginMakesNoInstanceAndTheLogSaysWhy)
 {
     const struct {

@@ -263,6 +263,20 @@ void BlockAssembler::KeepUnconsumedInput() noexcept
     }
 }
 
+BlockAssembler::Frame BlockAssembler::GetUnfinished() noexcept
+{
+    Frame frame;
+    if (frameSize == 0 || inputAccum.empty()) {
+        return frame;
+    }
+    for (std::size_t channel = 0; channel < inputAccum.size(); ++channel) {
+        inputPointers[channel] = inputAccum[channel].data();
+    }
+    frame.frames = static_cast<uint32_t>(inputAccum.front().size());
+    frame.inputs = inputPointers.data();
+    return frame;
+}
+
 void BlockAssembler::Reset() noexcept
 {
     if (clean) {

@@ -60,6 +60,10 @@ public:
     /// Delivers exactly the block's number of samples and closes it. [process]
     void End(CopyOut copyOut) noexcept;
 
+    /// Between blocks: what has come of the next frame so far, as `frames` samples of `inputs` to
+    /// read; none in pass-through. [process]
+    Frame GetUnfinished() noexcept;
+
     /// Forgets the signal. Inside a block only what waits for delivery is silenced. [process]
     void Reset() noexcept;
 

@@ -317,6 +317,10 @@ void ElementImpl::RunTail(uint32_t region, uint32_t frames, float* const* channe
         RunPieces(region, frame, passesThrough ? host.GetMaxBlockFrames() : frame.frames);
     }
     tail.End(UsesRegionCrossfade() ? BlockAssembler::CopyOut::Yes : BlockAssembler::CopyOut::No);
+    const BlockAssembler::Frame unfinished = tail.GetUnfinished();
+    if (region == 0 && unfinished.frames != 0 && ProcessesBlocks()) {
+        OnFrameArriving(unfinished.frames, unfinished.inputs);
+    }
 }
 
 void ElementImpl::RunPieces(uint32_t region,

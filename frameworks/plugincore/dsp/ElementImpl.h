@@ -99,6 +99,10 @@ protected:
             ProcessAudio(frames, channels);
         }
     }
+    /// What has come of the tail's next frame: its first `arrived` samples, which stay as they are.
+    /// Called after each block that leaves some, for elements that don't put off all work to the
+    /// frame's end; ProcessAudio() gets the whole frame in any case. [process]
+    virtual void OnFrameArriving(uint32_t /*arrived*/, float* const* /*channels*/) {}
     /// Rate or layout have changed; under the process lock. [setup]
     virtual void OnFormatChanged() {}
     /// Whether the tail's samples go to the caller.

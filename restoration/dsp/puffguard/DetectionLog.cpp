@@ -32,9 +32,14 @@ void DetectionLog::Restart() noexcept UTIL_NONBLOCKING
     PublishTotals();
 }
 
-void DetectionLog::CountHop(double bandEnergy) noexcept UTIL_NONBLOCKING
+void DetectionLog::CountHop() noexcept UTIL_NONBLOCKING
 {
     ++totals.hops;
+    PublishTotals();
+}
+
+void DetectionLog::AddEnergy(double bandEnergy) noexcept UTIL_NONBLOCKING
+{
     totals.bandEnergy += bandEnergy;
     PublishTotals();
 }

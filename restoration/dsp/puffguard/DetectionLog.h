@@ -30,8 +30,12 @@ public:
     /// since the last time it is the same start. [process]
     void Restart() noexcept UTIL_NONBLOCKING;
 
-    /// Takes in one analysed frame: `bandEnergy` as in DetectionTotalsRecord. [process]
-    void CountHop(double bandEnergy) noexcept UTIL_NONBLOCKING;
+    /// Another hop has come in. [process]
+    void CountHop() noexcept UTIL_NONBLOCKING;
+
+    /// What the frame of the hop that was counted last holds: `bandEnergy` as in
+    /// DetectionTotalsRecord. [process]
+    void AddEnergy(double bandEnergy) noexcept UTIL_NONBLOCKING;
 
     /// Hops since the last restart. [process]
     uint64_t GetHopCount() const noexcept { return totals.hops; }

@@ -4,7 +4,6 @@
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/puffguard/VectorOps.h"
 
-#include <algorithm>
 #include <bit>
 #include <stdexcept>
 
@@ -56,7 +55,7 @@ void OversampledFilterbank::configure(float time,
     frame.resize(Size(fftSize));
     if (channels != 0) {
         inputTail.configure(channels, windowLength, 0);
-        outputTail.configure(channels, overlap, 0);
+        outputTail.configure(channels, windowLength, 0);
         MakeBandEdges();
     }
     // Only the number of frames to the window and its length enter; a restart finds its windows
@@ -90,9 +89,24 @@ void OversampledFilterbank::reset() noexcept UTIL_NONBLOCKING
     outputTail.zero();
 }
 
-void OversampledFilterbank::AnalyseFrame(const float* samples, float* spectrum) noexcept
+void OversampledFilterbank::take(const float* const* input) noexcept UTIL_NONBLOCKING
+{
+    take(input, 0);
+}
+
+void OversampledFilterbank::take(const float* const* input, int32_t offset) noexcept
     UTIL_NONBLOCKING
 {
+    inputTail.consume(hop);
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        VectorOps::Copy(
+            input[channel] + offset, inputTail.GetChannel(channel) + overlap, Size(hop));
+    }
+}
+
+void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING
+{
+    const float* const samples = inputTail.GetChannel(channel);
     const float* const window = windows.analysis.data();
     if (windowLength == fftSize) {
         fft->ForwardOfProduct(samples, window, spectrum);
@@ -103,6 +117,29 @@ void OversampledFilterbank::AnalyseFrame(const float* samples, float* spectrum) 
     fft->Forward(frame.data(), spectrum);
 }
 
+void OversampledFilterbank::add(int32_t channel, const float* spectrum) noexcept UTIL_NONBLOCKING
+{
+    fft->Inverse(spectrum, frame.data());
+    Kernels::GetKernels().overlap.multiplyAdd(
+        frame.data(), windows.synthesis.data(), outputTail.GetChannel(channel), Size(windowLength));
+}
+
+void OversampledFilterbank::give(float* const* output) noexcept UTIL_NONBLOCKING
+{
+    give(output, 0);
+}
+
+void OversampledFilterbank::give(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING
+{
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        VectorOps::Copy(outputTail.GetChannel(channel), output[channel] + offset, Size(hop));
+    }
+    outputTail.consume(hop);
+    for (int32_t channel = 0; channel < channels; ++channel) {
+        VectorOps::Zero(outputTail.GetChannel(channel) + overlap, Size(hop));
+    }
+}
+
 void OversampledFilterbank::analyse(const float* const* input,
                                     int32_t sampleCount,
                                     float* const* spectra,
@@ -111,11 +148,9 @@ void OversampledFilterbank::analyse(const float* const* input,
 {
     const std::ptrdiff_t frameFloats = fftSize + 2;
     for (int32_t f = 0; f < sampleCount / hop; ++f) {
-        inputTail.consume(hop);
+        take(input, inputOffset + hop * f);
         for (int32_t channel = 0; channel < channels; ++channel) {
-            float* const samples = inputTail.GetChannel(channel);
-            VectorOps::Copy(input[channel] + inputOffset + hop * f, samples + overlap, Size(hop));
-            AnalyseFrame(samples, spectra[channel] + spectrumOffset + frameFloats * f);
+            transform(channel, spectra[channel] + spectrumOffset + frameFloats * f);
         }
     }
 }
@@ -126,27 +161,12 @@ void OversampledFilterbank::synthesise(float* const* output,
                                        int32_t outputOffset,
                                        int32_t spectrumOffset) noexcept UTIL_NONBLOCKING
 {
-    const Kernels::OverlapKernels& kernels = Kernels::GetKernels().overlap;
-    const int32_t finished = std::min(sampleCount, overlap);
-    for (int32_t channel = 0; channel < channels; ++channel) {
-        float* const target = output[channel] + outputOffset;
-        VectorOps::Copy(outputTail.GetChannel(channel), target, Size(finished));
-        VectorOps::Zero(target + finished, Size(sampleCount - finished));
-    }
-    outputTail.consume(sampleCount);
     const std::ptrdiff_t frameFloats = fftSize + 2;
-    for (int32_t channel = 0; channel < channels; ++channel) {
-        float* const target = output[channel] + outputOffset;
-        float* const tail = outputTail.GetChannel(channel);
-        VectorOps::Zero(tail + (overlap - finished), Size(finished));
-        for (int32_t f = 0; f < sampleCount / hop; ++f) {
-            fft->Inverse(spectra[channel] + spectrumOffset + frameFloats * f, frame.data());
-            const int32_t begin = hop * f;
-            const int32_t now = std::min(sampleCount - begin, windowLength);
-            const float* const window = windows.synthesis.data();
-            kernels.multiplyAdd(frame.data(), window, target + begin, Size(now));
-            kernels.multiplyAdd(frame.data() + now, window + now, tail, Size(windowLength - now));
+    for (int32_t f = 0; f < sampleCount / hop; ++f) {
+        for (int32_t channel = 0; channel < channels; ++channel) {
+            add(channel, spectra[channel] + spectrumOffset + frameFloats * f);
         }
+        give(output, outputOffset + hop * f);
     }
 }
 

@@ -46,16 +46,29 @@ public:
     /// Forgets the signal; sizes and windows stay.
     void reset() noexcept UTIL_NONBLOCKING;
 
-    /// Takes `sampleCount` samples a channel, a multiple of H, from `inputOffset` on, and writes
-    /// the frames that they complete, one behind the other from float `spectrumOffset` on.
+    /// Takes the next H samples a channel.
+    void take(const float* const* input) noexcept UTIL_NONBLOCKING;
+
+    /// The spectrum of a channel's frame that ends with the samples taken last.
+    void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
+
+    /// Adds a frame to what a channel gives; once before each give(), at any time before it.
+    void add(int32_t channel, const float* spectrum) noexcept UTIL_NONBLOCKING;
+
+    /// Writes the next H samples a channel.
+    void give(float* const* output) noexcept UTIL_NONBLOCKING;
+
+    /// take() and transform() in one: takes `sampleCount` samples a channel, a multiple of H, from
+    /// `inputOffset` on, and writes the frames that they complete, one behind the other from float
+    /// `spectrumOffset` on.
     void analyse(const float* const* input,
                  int32_t sampleCount,
                  float* const* spectra,
                  int32_t inputOffset,
                  int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
 
-    /// Counterpart of analyse(), called in turn with it for blocks of the same length; `output` may
-    /// be the memory that `input` was.
+    /// Counterpart of analyse(), add() and give() in one, called in turn with it for blocks of the
+    /// same length; `output` may be the memory that `input` was.
     void synthesise(float* const* output,
                     int32_t sampleCount,
                     const float* const* spectra,
@@ -68,7 +81,8 @@ public:
 
 private:
     void MakeBandEdges();
-    void AnalyseFrame(const float* samples, float* spectrum) noexcept UTIL_NONBLOCKING;
+    void take(const float* const* input, int32_t offset) noexcept UTIL_NONBLOCKING;
+    void give(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
 
     std::vector<float> lowerBandEdges; // of the bins 0 to F/2, Hz; empty without channels
     std::vector<float> upperBandEdges;
@@ -87,7 +101,7 @@ private:
     int32_t windowHop = 0;         // that the windows are scaled for
     WindowPair windows;            // W each
     DataTailCirc inputTail;        // the last W input samples
-    DataTailCirc outputTail;       // W - H output samples that miss frames yet
+    DataTailCirc outputTail;       // W output samples that miss frames yet
 };
 
 } // namespace DSP

@@ -136,13 +136,22 @@ void PuffGuard::SizeRings()
     spectrumRing.resize(slots);
     powerRing.resize(slots);
     framePower.resize(slots);
+    arriving.resize(GetChannelCount());
     const auto channels = static_cast<int32_t>(GetChannelCount());
     for (std::size_t slot = 0; slot < slots; ++slot) {
         spectrumRing[slot].configure(channels, static_cast<int32_t>(2 * binCount), 0);
         powerRing[slot].configure(channels, static_cast<int32_t>(binCount), 0);
     }
+    RestartSteps();
+}
+
+/// What was left to do for the hop before falls away with the frames.
+void PuffGuard::RestartSteps() noexcept UTIL_NONBLOCKING
+{
     spectrumSlot = 0;
     powerSlot = 0;
+    step = 0;
+    hasFrame = false;
 }
 
 void PuffGuard::SetUpPitch()
@@ -193,57 +202,12 @@ void PuffGuard::OnReset()
     for (DataTail& slot : powerRing) {
         slot.zero();
     }
-    spectrumSlot = 0;
-    powerSlot = 0;
+    RestartSteps();
     detectionHistory.clear();
     pitchHistory.clear();
     pitchDetect.Reset();
     latest = {};
     log.Restart();
-}
-
-void PuffGuard::ProcessAudio(uint32_t /*frames*/, float* const* channels)
-{
-    Analyse(channels);
-    const float pitch = TrackPitch(channels);
-    const FrameDetection frame =
-        DetectFrame(powerRing[powerSlot].GetChannel(0), noiseFloor.data(), bands);
-    detectionHistory.append(&frame.value, 1, 0);
-    latest = {frame.value, GetDetectionThreshold(frame.noise, sensitivity), pitch};
-
-    SearchPlosive(frame.noise);
-
-    detectionHistory.consume(1);
-    pitchHistory.consume(1);
-    const uint32_t length = historyLength;
-    spectrumSlot = (spectrumSlot + 1) % length;
-    powerSlot = (powerSlot + 1) % length;
-    filterbank.synthesise(
-        channels, static_cast<int32_t>(hopSize), spectrumRing[spectrumSlot].GetChannels(), 0, 0);
-}
-
-void PuffGuard::Analyse(float* const* channels) noexcept UTIL_NONBLOCKING
-{
-    const DataTail& spectra = spectrumRing[spectrumSlot];
-    const DataTail& power = powerRing[powerSlot];
-    filterbank.analyse(channels, static_cast<int32_t>(hopSize), spectra.GetChannels(), 0, 0);
-    for (int32_t channel = 0; channel < power.GetChannelCount(); ++channel) {
-        VectorOps::SquaredMagnitude(
-            spectra.GetChannel(channel), power.GetChannel(channel), binCount);
-        if (channel > 0) {
-            VectorOps::MaximumInPlace(power.GetChannel(channel), power.GetChannel(0), binCount);
-        }
-    }
-    noiseDetector.process(power.GetChannel(0), noiseFloor.data());
-    log.CountHop(GetFrameEnergy(spectrumSlot));
-}
-
-float PuffGuard::TrackPitch(float* const* channels)
-{
-    pitchDetect.Process(hopSize, channels);
-    const float pitch = pitchDetect.GetPitch();
-    pitchHistory.append(&pitch, 1, 0);
-    return pitch;
 }
 
 } // namespace DSP::Shared

@@ -36,7 +36,8 @@ public:
         LatencyScaling = 3  ///< "Latency scaling", 0 to 1
     };
 
-    /// What the latest hop has shown; all 0 before the first one.
+    /// What the latest hop has shown, the one before the latest as long as that is being worked on;
+    /// all 0 before the first one.
     struct FrameReport {
         float detection = 0; ///< detection value
         float threshold = 0; ///< what detection values were compared with
@@ -62,6 +63,7 @@ protected:
     uint32_t GetLatencySamples(Context context) const override;
     uint32_t GetMaxLatencySamples() const override;
     void OnReset() override;
+    void OnFrameArriving(uint32_t arrived, float* const* channels) override;
     void ProcessAudio(uint32_t frames, float* const* channels) override;
 
 private:
@@ -70,6 +72,13 @@ private:
         uint32_t peakRadius = 0; // L
         uint32_t edgeFrames = 0; // M
         uint32_t length = 0;     // N
+    };
+
+    /// The parameters that a hop is repaired by.
+    struct Controls {
+        float sensitivity = 0;
+        float strength = 0;
+        float frequencyLimit = 0; // Hz
     };
 
     /// A peak that has been found, and what belongs to it.
@@ -87,8 +96,14 @@ private:
     HistorySizes GetHistorySizes(float scaling) const noexcept UTIL_NONBLOCKING;
     uint32_t GetLatencyOf(uint32_t length) const noexcept UTIL_NONBLOCKING;
 
-    void Analyse(float* const* channels) noexcept UTIL_NONBLOCKING;
-    float TrackPitch(float* const* channels);
+    void RestartSteps() noexcept UTIL_NONBLOCKING;
+    uint32_t GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING;
+    void FeedTracker(uint32_t offset, uint32_t frames, float* const* channels);
+    void AnalyseFrame() noexcept UTIL_NONBLOCKING;
+    void Transform(int32_t channel) noexcept UTIL_NONBLOCKING;
+    void Detect() noexcept UTIL_NONBLOCKING;
+    void FinishFrame() noexcept UTIL_NONBLOCKING;
+    void Synthesise() noexcept UTIL_NONBLOCKING;
     void SearchPlosive(float noise) noexcept UTIL_NONBLOCKING;
     void Repair(const Plosive& plosive) noexcept UTIL_NONBLOCKING;
     void ScaleSpectra(const RepairRegion& region, int32_t bins, float severity) noexcept
@@ -110,7 +125,7 @@ private:
     uint32_t hopSize = 0;               // H
     uint32_t binCount = 0;              // F / 2 + 1
     std::vector<DataTail> spectrumRing; // slots of interleaved (re, im); N in use
-    uint32_t spectrumSlot = 0;          // of the newest frame
+    uint32_t spectrumSlot = 0;          // of the newest frame, or of the next when it is done
     uint32_t powerSlot = 0;             // the same, in powerRing
     std::vector<DataTail> powerRing;    // slots of power; channel 0 is the largest of all channels
     NoiseDetector noiseDetector;
@@ -129,6 +144,11 @@ private:
     int32_t energyFirst = 0; // bins whose energy the log tells of, both inclusive
     int32_t energyLast = 0;
     std::vector<float*> framePower; // by history index, while a repair is made
+    uint32_t step = 0;              // of the hop that is coming in: the next one
+    bool hasFrame = false;          // a hop has been completed since the restart
+    Controls controls;              // at the end of that hop
+    FrameDetection detection;       // of it
+    std::vector<float*> arriving;   // pointers to a step's samples
     FrameReport latest;
 };
 

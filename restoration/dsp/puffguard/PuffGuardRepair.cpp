@@ -22,7 +22,7 @@ uint32_t PuffGuard::GetSlot(int32_t historyIndex) const noexcept UTIL_NONBLOCKIN
 
 void PuffGuard::SearchPlosive(float noise) noexcept UTIL_NONBLOCKING
 {
-    const float threshold = GetDetectionThreshold(noise, sensitivity);
+    const float threshold = GetDetectionThreshold(noise, controls.sensitivity);
     const auto centre = static_cast<int32_t>(peakRadius + edgeFrames);
     const auto radius = static_cast<int32_t>(peakRadius);
     const PeakTest peak = TestPeak(GetDetections(), centre, radius, threshold);
@@ -37,8 +37,8 @@ RepairSettings PuffGuard::GetRepairSettings() const noexcept UTIL_NONBLOCKING
 {
     return {.fftSize = static_cast<int32_t>(frameSize),
             .sampleRate = GetSampleRate(),
-            .frequencyLimit = frequencyLimit,
-            .strengthTerm = strength * 2.0F / 10.0F,
+            .frequencyLimit = controls.frequencyLimit,
+            .strengthTerm = controls.strength * 2.0F / 10.0F,
             .edgeFrames = static_cast<int32_t>(edgeFrames)};
 }
 

@@ -26,6 +26,8 @@ public:
 
     /// Runs of the tracker that its dynamic programming looks ahead.
     static constexpr int DelayFrames = 64;
+    /// Runs of the tracker that may wait.
+    static constexpr int MaxRuns = Autocorr::MaxFrames;
 
     /// Where the element works: that of the element around it.
     struct Format {
@@ -39,7 +41,16 @@ public:
 
     /// Pitch in Hz at the latest sample, 0 when unvoiced; it belongs to the sample GetLatency()
     /// earlier. 0 unless "Analyze" is on. [process]
-    float GetPitch() const noexcept UTIL_NONBLOCKING { return synapse.GetPitch(); }
+    float GetPitch() noexcept UTIL_NONBLOCKING { return synapse.GetPitch(); }
+
+    /// The pitch at this sample is wanted, but later: the work for it is done by Advance().
+    /// [process]
+    void EndBlock() noexcept UTIL_NONBLOCKING { synapse.EndBlock(); }
+    /// Does up to `runs` of the at most MaxRuns parts of that work. [process]
+    void Advance(int runs) noexcept UTIL_NONBLOCKING { synapse.Advance(runs); }
+    /// As GetPitch(), at the latest EndBlock(); before another block of as many samples, at most
+    /// MaxRuns runs of the tracker, has come in. [process]
+    float GetBlockPitch() noexcept UTIL_NONBLOCKING { return synapse.GetBlockPitch(); }
 
 protected:
     uint32_t GetLatencySamples(Context context) const override;

@@ -22,6 +22,8 @@ void PitchEngine::Reset() noexcept UTIL_NONBLOCKING
     prefilter.Reset();
     history.Reset();
     tracker.Reset();
+    correlated = 0;
+    made = 0;
     pitchHz = 0;
 }
 
@@ -47,33 +49,49 @@ void PitchEngine::Append(std::span<const float> decimated) noexcept UTIL_NONBLOC
     for (const float d : decimated) {
         history.Append(d);
         if (history.GetDueCount() == Autocorr::MaxFrames) {
-            RunTracker();
+            Correlate();
         }
     }
 }
 
-/// The runs that are due.
-void PitchEngine::RunTracker() noexcept UTIL_NONBLOCKING
+/// Gets the runs that are due ready, after those that were ready before.
+void PitchEngine::Correlate() noexcept UTIL_NONBLOCKING
 {
-    const int runs = history.GetDueCount();
-    if (runs == 0) {
+    if (history.GetDueCount() == 0) {
         return;
     }
-    autocorr.Compute(history.GetFrames(), runs);
+    Advance(Autocorr::MaxFrames);
+    correlated = history.GetDueCount();
+    made = 0;
+    autocorr.Compute(history.GetFrames(), correlated);
     history.DropFrames();
+}
+
+void PitchEngine::Advance(int runs) noexcept UTIL_NONBLOCKING
+{
+    const int end = std::min(made + runs, correlated);
+    if (made == end) {
+        return;
+    }
     LagEstimate estimate;
-    for (int run = 0; run < runs; ++run) {
-        estimate = tracker.Run(autocorr.GetCorrelation(run), autocorr.GetFirstLag(run));
+    for (; made < end; ++made) {
+        estimate = tracker.Run(autocorr.GetCorrelation(made), autocorr.GetFirstLag(made));
     }
     pitchHz = estimate.voiced
                   ? sizes.sampleRate / (static_cast<float>(sizes.decimation) * estimate.lag)
                   : 0.0F;
 }
 
+float PitchEngine::GetBlockPitch() noexcept UTIL_NONBLOCKING
+{
+    Advance(Autocorr::MaxFrames);
+    return pitchHz;
+}
+
 float PitchEngine::GetPitch() noexcept UTIL_NONBLOCKING
 {
-    RunTracker();
-    return pitchHz;
+    Correlate();
+    return GetBlockPitch();
 }
 
 } // namespace DSP::Synapse

@@ -52,9 +52,18 @@ public:
     /// earlier.
     float GetPitch() noexcept UTIL_NONBLOCKING;
 
+    /// For one who wants the pitch at this sample, but later: the tracker's runs up to here can
+    /// then be made bit by bit, while samples of the next block come in.
+    void EndBlock() noexcept UTIL_NONBLOCKING { Correlate(); }
+    /// Makes the next `runs`, if so many are left, of the block ended last.
+    void Advance(int runs) noexcept UTIL_NONBLOCKING;
+    /// As GetPitch(), at the end of the block ended last; until Autocorr::MaxFrames runs are due
+    /// in the next one.
+    float GetBlockPitch() noexcept UTIL_NONBLOCKING;
+
 private:
     void Append(std::span<const float> decimated) noexcept UTIL_NONBLOCKING;
-    void RunTracker() noexcept UTIL_NONBLOCKING;
+    void Correlate() noexcept UTIL_NONBLOCKING;
 
     const AnalysisSizes sizes;
     int delayFrames;
@@ -64,7 +73,9 @@ private:
     Autocorr autocorr;
     FrameHistory history; // decimated; a frame due is a run of the tracker
     LagTracker tracker;
-    float pitchHz = 0; // of the latest run
+    int correlated = 0; // runs whose correlations lie ready
+    int made = 0;       // of them
+    float pitchHz = 0;  // of the latest run
 };
 
 } // namespace DSP::Synapse

@@ -143,7 +143,6 @@ uint32_t Synapse::GetMaxLatencySamples() const
 void Synapse::OnReset()
 {
     engine.Reset();
-    pitchHz = 0;
 }
 
 void Synapse::MixToMono(uint32_t offset, uint32_t frames, float* const* channels) noexcept
@@ -173,8 +172,18 @@ void Synapse::ProcessAudio(uint32_t frames, float* const* channels)
         MixToMono(done, piece, channels);
         engine.Process(std::span(mono).first(piece));
     }
-    const float latestHz = engine.GetPitch(); // the runs that are due are made in any case
-    pitchHz = values.analyze ? latestHz : 0.0F;
+}
+
+float Synapse::GetPitch() noexcept UTIL_NONBLOCKING
+{
+    const float pitchHz = engine.GetPitch(); // the runs that are due are made in any case
+    return values.analyze ? pitchHz : 0.0F;
+}
+
+float Synapse::GetBlockPitch() noexcept UTIL_NONBLOCKING
+{
+    const float pitchHz = engine.GetBlockPitch();
+    return values.analyze ? pitchHz : 0.0F;
 }
 
 } // namespace DSP::Synapse

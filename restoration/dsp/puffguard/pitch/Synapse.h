@@ -46,7 +46,12 @@ public:
 
     /// Pitch in Hz at the latest sample, 0 when unvoiced; it belongs to the sample GetLatency()
     /// earlier. 0 unless "Analyze" is on. [process]
-    float GetPitch() const noexcept UTIL_NONBLOCKING { return pitchHz; }
+    float GetPitch() noexcept UTIL_NONBLOCKING;
+
+    /// As those of PitchEngine. [process]
+    void EndBlock() noexcept UTIL_NONBLOCKING { engine.EndBlock(); }
+    void Advance(int runs) noexcept UTIL_NONBLOCKING { engine.Advance(runs); }
+    float GetBlockPitch() noexcept UTIL_NONBLOCKING;
 
 protected:
     uint32_t GetLatencySamples(Context context) const override;
@@ -86,7 +91,6 @@ private:
     Values values;
     PitchEngine engine;
     std::vector<float> mono; // scratch of one block
-    float pitchHz = 0;
 };
 
 } // namespace DSP::Synapse

@@ -238,6 +238,47 @@ TEST_F(PuffGuardTest, CutIntoBlocksChangesNoBit)
     }
 }
 
+TEST_F(PuffGuardTest, CutsChangeNoBitThoughParametersMoveAndResetsComeInMidHop)
+{
+    const Channels input = {MakeSpeechWithBurst(0.5F), MakeSpeechWithBurst(0.2F)};
+    // All within hops of 256. The burst is repaired while sensitivity and strength move, once after
+    // work of a reset hop has fallen away.
+    const std::vector<std::size_t> events = {20100, 33100, 34900, 35015, 35100, 35300, 36001};
+    const auto act = [&](std::size_t number) {
+        if (number == 0) {
+            element->Reset();
+            return;
+        }
+        Set(PuffGuard::Sensitivity, number % 2 == 0 ? 9.0F : 4.0F);
+        Set(PuffGuard::Strength, static_cast<float>(3 + number));
+        Set(PuffGuard::FrequencyLimit, 150.0F + 50.0F * static_cast<float>(number));
+    };
+    std::mt19937 generator(3);
+    const auto run = [&](std::size_t longest) {
+        Make(Rate, Stereo);
+        Channels audio = input;
+        std::size_t number = 0;
+        for (std::size_t done = 0; done < audio[0].size();) {
+            if (number < events.size() && done == events[number]) {
+                act(number++);
+            }
+            const std::size_t end = number < events.size() ? events[number] : audio[0].size();
+            const std::size_t frames = std::min(end - done, 1 + generator() % longest);
+            float* pointers[] = {audio[0].data() + done, audio[1].data() + done};
+            element->Process(static_cast<uint32_t>(frames), pointers);
+            done += frames;
+        }
+        return audio;
+    };
+    const Channels expected = run(1); // sample by sample
+    const std::size_t count = GetRepairs().size();
+    ASSERT_GE(count, 1U);
+    for (const std::size_t longest : {40U, 300U, 2000U, 64000U}) {
+        EXPECT_EQ(run(longest), expected) << longest;
+        EXPECT_EQ(GetRepairs().size() % count, 0U);
+    }
+}
+
 TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
 {
     // Audio and what it may hide: every hop's values, with a tone that has a pitch.

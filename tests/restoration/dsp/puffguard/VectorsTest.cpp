@@ -85,7 +85,8 @@ Outcome RunElement(const Audio& input, const nlohmann::json& params)
     outcome.latency = element.GetLatency(Context::Process);
     outcome.output.sampleRate = input.sampleRate;
     const std::size_t hop = element.GetHop();
-    const std::size_t total = input.GetFrames() + outcome.latency;
+    // What a hop has shown is known by the end of the next one.
+    const std::size_t total = input.GetFrames() + outcome.latency + hop;
     std::vector<std::vector<float>> made(input.channels.size());
     std::vector<std::vector<float>> block(made.size(), std::vector<float>(hop));
     uint32_t position = 0;
@@ -99,7 +100,9 @@ Outcome RunElement(const Audio& input, const nlohmann::json& params)
             pointers.push_back(block[channel].data());
         }
         element.Process(static_cast<uint32_t>(hop), pointers.data());
-        outcome.hops.push_back(element.GetLatest());
+        if (done > 0) {
+            outcome.hops.push_back(element.GetLatest());
+        }
         for (std::size_t channel = 0; channel < block.size(); ++channel) {
             made[channel].insert(made[channel].end(), block[channel].begin(), block[channel].end());
         }

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: ISC
+// How PuffGuard's work is spread over time, so that no call of the host has a whole hop's.
+//
+// A hop is cut into StepCount steps. Each is taken as soon as its samples are there, and does what
+// falls to it:
+//  - of the hop that was completed last: the spectra, channel by channel; the detection value;
+//    some runs of the tracker; then, with the pitch at that hop's end, the search and a repair;
+//  - of the hop that is coming in: the oldest frame is transformed back, channel by channel;
+//  - the pitch tracker gets the samples.
+// The last sample of a hop leaves nothing but to take its samples and to give out those made.
+//
+// This takes no latency and changes nothing. The frame that a hop gives out lies at history index
+// 1, that of the next hop at 2, and a repair reaches down to index M, at least 3: it may come any
+// time before the next hop's end. The controls count as they were at the end of the hop.
+//
+// Steps go by sample counts alone: however the host cuts its blocks, they follow each other in the
+// same order. Only the tracker's filters may get the samples of several steps at once; they don't
+// care about cuts.
+#include "restoration/dsp/puffguard/PuffGuard.h"
+
+#include "restoration/dsp/puffguard/VectorOps.h"
+
+#include <algorithm>
+
+namespace DSP::Shared {
+
+namespace {
+
+constexpr uint32_t StepCount = 16;
+
+/// Neighbouring steps that share some equal pieces of work.
+struct Steps {
+    uint32_t first;
+    uint32_t count;
+
+    /// Pieces of `pieces` that are done when `step` begins.
+    constexpr uint32_t GetDone(uint32_t step, uint32_t pieces) const noexcept
+    {
+        return pieces * std::clamp(step, first, first + count) / count - pieces * first / count;
+    }
+};
+
+// The last steps are left to the tracker, which correlates most of a hop's frames in them.
+constexpr Steps TransformSteps = {0, 4};
+constexpr uint32_t DetectionStep = 4;
+constexpr Steps TrackerSteps = {4, 5};
+constexpr uint32_t SearchStep = 9;
+constexpr Steps SynthesisSteps = {10, 4};
+
+} // namespace
+
+void PuffGuard::OnFrameArriving(uint32_t arrived, float* const* channels)
+{
+    const uint32_t begin = GetStepBegin(step);
+    for (; step < StepCount && GetStepBegin(step + 1) <= arrived; ++step) {
+        if (hasFrame) {
+            AnalyseFrame();
+        }
+        Synthesise();
+    }
+    // After the work: the tracker's runs for the former hop make room for those of this one.
+    const uint32_t end = GetStepBegin(step);
+    if (end > begin) {
+        FeedTracker(begin, end - begin, channels);
+    }
+}
+
+/// In samples of the hop.
+uint32_t PuffGuard::GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING
+{
+    return static_cast<uint32_t>(uint64_t{index} * hopSize / StepCount);
+}
+
+void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
+{
+    OnFrameArriving(frames, channels);
+    pitchDetect.EndBlock();
+    filterbank.take(channels);
+    filterbank.give(channels);
+    controls = {sensitivity, strength, frequencyLimit};
+    log.CountHop();
+    hasFrame = true;
+    step = 0;
+}
+
+void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* channels)
+{
+    for (std::size_t channel = 0; channel < arriving.size(); ++channel) {
+        arriving[channel] = channels[channel] + offset;
+    }
+    pitchDetect.Process(frames, arriving.data());
+}
+
+/// The present step's part of the work on the hop completed last.
+void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
+{
+    const uint32_t channels = GetChannelCount();
+    const uint32_t end = TransformSteps.GetDone(step + 1, channels);
+    for (uint32_t channel = TransformSteps.GetDone(step, channels); channel < end; ++channel) {
+        Transform(static_cast<int32_t>(channel));
+    }
+    if (step == DetectionStep) {
+        Detect();
+    }
+    constexpr uint32_t Runs = PitchDetect::PitchDetect::MaxRuns;
+    pitchDetect.Advance(
+        static_cast<int>(TrackerSteps.GetDone(step + 1, Runs) - TrackerSteps.GetDone(step, Runs)));
+    if (step == SearchStep) {
+        FinishFrame();
+    }
+}
+
+void PuffGuard::Transform(int32_t channel) noexcept UTIL_NONBLOCKING
+{
+    float* const spectrum = spectrumRing[spectrumSlot].GetChannel(channel);
+    const DataTail& power = powerRing[powerSlot];
+    filterbank.transform(channel, spectrum);
+    VectorOps::SquaredMagnitude(spectrum, power.GetChannel(channel), binCount);
+    if (channel > 0) {
+        VectorOps::MaximumInPlace(power.GetChannel(channel), power.GetChannel(0), binCount);
+    }
+}
+
+void PuffGuard::Detect() noexcept UTIL_NONBLOCKING
+{
+    const float* const power = powerRing[powerSlot].GetChannel(0);
+    noiseDetector.process(power, noiseFloor.data());
+    log.AddEnergy(GetFrameEnergy(spectrumSlot));
+    detection = DetectFrame(power, noiseFloor.data(), bands);
+    detectionHistory.append(&detection.value, 1, 0);
+}
+
+void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
+{
+    const float pitch = pitchDetect.GetBlockPitch();
+    pitchHistory.append(&pitch, 1, 0);
+    latest = {detection.value, GetDetectionThreshold(detection.noise, controls.sensitivity), pitch};
+
+    SearchPlosive(detection.noise);
+
+    detectionHistory.consume(1);
+    pitchHistory.consume(1);
+    spectrumSlot = (spectrumSlot + 1) % historyLength;
+    powerSlot = (powerSlot + 1) % historyLength;
+}
+
+/// The present step's part of what the hop that is coming in gives out. The slot of the frame that
+/// is made of it holds the one that was given out last.
+void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
+{
+    const DataTail& oldest = spectrumRing[(spectrumSlot + 1) % historyLength];
+    const uint32_t channels = GetChannelCount();
+    const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
+    for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
+        filterbank.add(static_cast<int32_t>(channel),
+                       oldest.GetChannel(static_cast<int32_t>(channel)));
+    }
+}
+
+} // namespace DSP::Shared

@@ -15,7 +15,7 @@ class FormatInstances : public FormatTest {};
 TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLife)
 {
     const std::array<uint32_t, 4> layouts{1, 2, 6, 8};
-    for (uint32_t round = 0; round < Rounds(200); ++round) {
+    for (uint32_t round = 0; round < Rounds(300); ++round) {
         const uint32_t channels = layouts[round % layouts.size()];
         auto host = GetParam().make(Rate, channels);
         ASSERT_NE(host, nullptr) << round;

@@ -70,7 +70,7 @@ TEST_P(FormatParameters, OfAnyValueGiveAudio)
 {
     auto host = Make();
     std::mt19937 engine(1);
-    for (uint32_t permutation = 0; permutation < Rounds(50); ++permutation) {
+    for (uint32_t permutation = 0; permutation < Rounds(150); ++permutation) {
         for (int run = 0; run < 5; ++run) {
             const bool isAtAnEnd = permutation % 2 == 0;
             SetAll(*host, [&] {

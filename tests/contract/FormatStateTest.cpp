@@ -70,7 +70,7 @@ TEST_P(FormatState, BringsBackAllValuesHereAndElsewhereAndSavesTheSame)
 {
     auto host = Make();
     auto other = Make(96000.0, 6);
-    for (uint32_t round = 0; round < Rounds(20); ++round) {
+    for (uint32_t round = 0; round < Rounds(50); ++round) {
         const Values values = MakeValues();
         SetAll(*host, values);
         const Bytes saved = host->Save();
@@ -131,7 +131,7 @@ TEST_P(FormatState, WithAChangedBitIsRefusedOrASessionOfItsOwn)
     auto host = Make();
     SetAll(*host, {0.125F, 0.875F, 0.25F, 0.0F});
     const Bytes good = host->Save();
-    for (uint32_t round = 0; round < Rounds(300); ++round) {
+    for (uint32_t round = 0; round < Rounds(1000); ++round) {
         SCOPED_TRACE(round);
         Bytes damaged = good;
         damaged[engine() % damaged.size()] ^= static_cast<uint8_t>(1U << engine() % 8);

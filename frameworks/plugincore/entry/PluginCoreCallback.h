@@ -392,7 +392,7 @@ typedef struct DetectionRecord {
 
 /** Sums over all frames since the repair last restarted. */
 typedef struct DetectionTotalsRecord {
-    uint64_t hops;     /**< frames analysed */
+    uint64_t hops;     /**< that have come in; the latest one's energy may still be missing */
     double bandEnergy; /**< before any repair; units of DetectionRecord.energyBefore */
     uint32_t restart;
     uint32_t detections; /**< number that the next repair will get */

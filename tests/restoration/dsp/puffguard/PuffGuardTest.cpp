@@ -279,6 +279,31 @@ TEST_F(PuffGuardTest, CutsChangeNoBitThoughParametersMoveAndResetsComeInMidHop)
     }
 }
 
+TEST_F(PuffGuardTest, ParametersCountAsTheyAreAtTheEndOfAHop)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    // They move in every hop of 256, always so many samples after its begin.
+    const auto run = [&](std::size_t offset) {
+        Make(Rate, Mono);
+        std::vector<float> audio = input;
+        float* channel = audio.data();
+        for (std::size_t hop = 0; hop < audio.size() / 256; ++hop, channel += 256 - offset) {
+            element->Process(static_cast<uint32_t>(offset), &channel);
+            channel += offset;
+            Set(PuffGuard::Sensitivity, hop % 2 == 0 ? 9.0F : 4.0F);
+            Set(PuffGuard::Strength, static_cast<float>(hop % 10));
+            Set(PuffGuard::FrequencyLimit, 150.0F + static_cast<float>(hop));
+            element->Process(static_cast<uint32_t>(256 - offset), &channel);
+        }
+        return audio;
+    };
+    const std::vector<float> expected = run(255);
+    ASSERT_FALSE(GetRepairs().empty());
+    for (const std::size_t offset : {1U, 100U, 200U}) {
+        EXPECT_EQ(run(offset), expected) << offset;
+    }
+}
+
 TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
 {
     // Audio and what it may hide: every hop's values, with a tone that has a pitch.

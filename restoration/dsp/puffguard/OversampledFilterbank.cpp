@@ -112,7 +112,7 @@ void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept
         fft->ForwardOfProduct(samples, window, spectrum);
         return;
     }
-    VectorOps::Multiply(samples, window, frame.data(), Size(windowLength));
+    Kernels::GetKernels().overlap.multiply(samples, window, frame.data(), Size(windowLength));
     VectorOps::Zero(frame.data() + windowLength, Size(fftSize - windowLength));
     fft->Forward(frame.data(), spectrum);
 }

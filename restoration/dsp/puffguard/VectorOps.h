@@ -36,24 +36,6 @@ inline void Zero(float* target, std::size_t count) noexcept UTIL_NONBLOCKING
     Set(0.0F, target, count);
 }
 
-/// target = a * b, element by element.
-inline void Multiply(const float* a, const float* b, float* target, std::size_t count) noexcept
-    UTIL_NONBLOCKING
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        target[i] = a[i] * b[i];
-    }
-}
-
-/// target *= source, element by element.
-inline void MultiplyInPlace(const float* source, float* target, std::size_t count) noexcept
-    UTIL_NONBLOCKING
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        target[i] *= source[i];
-    }
-}
-
 /// target *= factor.
 inline void Scale(float factor, float* target, std::size_t count) noexcept UTIL_NONBLOCKING
 {
@@ -68,15 +50,6 @@ inline void Add(const float* a, const float* b, float* target, std::size_t count
 {
     for (std::size_t i = 0; i < count; ++i) {
         target[i] = a[i] + b[i];
-    }
-}
-
-/// target += a * b, element by element.
-inline void MultiplyAdd(const float* a, const float* b, float* target, std::size_t count) noexcept
-    UTIL_NONBLOCKING
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        target[i] += a[i] * b[i];
     }
 }
 
@@ -126,14 +99,6 @@ inline float Minimum(const float* source, std::size_t count) noexcept UTIL_NONBL
 inline std::size_t IndexOfMinimum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
 {
     return static_cast<std::size_t>(std::min_element(source, source + count) - source);
-}
-
-/// What isn't above `level` becomes `level`.
-inline void ClampBelow(float level, float* target, std::size_t count) noexcept UTIL_NONBLOCKING
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        target[i] = target[i] > level ? target[i] : level;
-    }
 }
 
 } // namespace DSP::VectorOps

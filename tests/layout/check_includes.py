@@ -21,6 +21,7 @@ FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
 CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/preset"
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
 PRODUCT = "restoration/plugin_LM_Puffguard"
+LEVEL = "PUFFGUARD_LEVEL" # stands in headers of the kernels that know the level they are compiled for
 EVERYTHING = {UTIL, ENTRY, KERNELS, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY,
               REPAIR, PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2",
               "wrappers/clap", "wrappers/vst3"}
@@ -29,7 +30,7 @@ EVERYTHING = {UTIL, ENTRY, KERNELS, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DI
 ARROWS = {
     UTIL: set(),
     ENTRY: set(),
-    KERNELS: {UTIL},
+    KERNELS: set(),
     DSP: {KERNELS, ENTRY, UTIL},
     CONTROLLER: {DSP, UTIL},
     PRESET: {CONTROLLER, DSP, UTIL},
@@ -125,6 +126,8 @@ def fault_of(root, path, target):
     aim = folder_of(name)
     if aim is None or not (aim == folder or aim in ARROWS[folder]):
         return f"no arrow leads from {folder} to {aim}: {target}"
+    if aim == KERNELS and folder != KERNELS and LEVEL in (root / name).read_text(encoding="utf-8"):
+        return f"for sources that are compiled for each level: {target}"
     return None
 
 
@@ -151,6 +154,10 @@ GOOD = {
     f"{DSP}/D.h": f'#include "{UTIL}/A.h"\n#include "{ENTRY}/E.h"\n',
     f"{DSP}/D.cpp": f'#include "{DSP}/D.h"\n// #include "{CORE}/C.h"\n/* \n#include <zlib.h>\n*/\n',
     f"{CORE}/C.h": f'#include "{DSP}/D.h"\nconst char* u = "http://x"; /*\n#include <zlib.h> */\n',
+    f"{KERNELS}/Set.h": "#include <array>\n",
+    f"{KERNELS}/Lanes.h": f'#include "{KERNELS}/Set.h"\nnamespace PUFFGUARD_LEVEL {{}}\n',
+    f"{KERNELS}/Set.cpp": f'#include "{KERNELS}/Lanes.h"\n',
+    f"{DSP}/K.cpp": f'#include "{KERNELS}/Set.h"\n',
     f"{DSP}/L.cpp": "#include <boost/signals2/signal.hpp>\n",
     f"{CORE}/C.cpp": "#include <dlfcn.h>\n",
     "wrappers/common/M.h": f'#include "{ENTRY}/E.h"\n',
@@ -167,6 +174,7 @@ BAD = {
     "wrappers/lv2/Aside.cpp": '#include "wrappers/cli/W.cpp"\n',
     "wrappers/vst/New.cpp": f'#include "{ENTRY}/E.h"\n',
     "tests/contract/Inside.cpp": f'#include "{CORE}/C.h"\n',
+    f"{DSP}/Level.cpp": f'#include "{KERNELS}/Lanes.h"\n',
     f"{CORE}/Angle.cpp": f'#include <{DSP}/D.h>\n',
     f"{CORE}/Relative.cpp": '#include "C.h"\n',
     f"{CORE}/Dots.cpp": f'#include "{CORE}/../plugincore/C.h"\n',

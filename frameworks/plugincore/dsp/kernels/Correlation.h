@@ -2,7 +2,6 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/kernels/LagSearch.h"
-#include "frameworks/qobase/util/Realtime.h"
 
 #include <cstddef>
 
@@ -25,10 +24,10 @@ struct CorrelationPlan {
     std::ptrdiff_t maxLag = 0;           ///< longest, at least minLag, below N
     TransformPlan whole;                 ///< N elements
     TransformPlan half;                  ///< N / 2 elements
-    const float* window = nullptr;       ///< n values, and a 0
+    const float* window = nullptr;       ///< w, n values, and a 0
     const float* sines = nullptr;        ///< 2 sin(pi j / N) for j < N / 2
     const double* cosines = nullptr;     ///< 4 cos(pi j / N) for j < N / 2, rounded to floats
-    const float* compensation = nullptr; ///< to maxLag + 1, makes up for the window's fall, / (8 N)
+    const float* compensation = nullptr; ///< c, to maxLag + 1: weight of the lag / (8 N)
 };
 
 /// Samples by phase: that of index i lies in row i modulo the step, column i / step. Frame j begins
@@ -43,13 +42,13 @@ struct PolyphaseView {
 inline constexpr int MaxFrames = 16;
 
 /// Lags that a row of results has, of which those after `maxLag`, one at least, are 0.
-constexpr std::ptrdiff_t GetLagCount(std::ptrdiff_t maxLag)
+[[gnu::always_inline]] constexpr std::ptrdiff_t GetLagCount(std::ptrdiff_t maxLag) noexcept
 {
     return (maxLag + 2 + MaxFrames - 1) / MaxFrames * MaxFrames;
 }
 
 /// Room that a row of results takes, in floats.
-constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag)
+[[gnu::always_inline]] constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag) noexcept
 {
     return GetLagCount(maxLag) + LagPadding;
 }
@@ -68,7 +67,15 @@ struct CorrelationResult {
 
 /// Correlations of frames side by side, a frame a lane. All are [process].
 struct CorrelationKernels {
-    /// Takes 1 to MaxFrames frames through what Autocorr tells of.
+    /// Takes 1 to MaxFrames frames. For each of them, of n samples x:
+    ///
+    ///     m[k] = abs(sum over i of w[i] x[i] exp(-2 pi i k sqrt(-1) / F)), k = 0..N
+    ///     s[l] = m[0] + m[N] cos(pi l) + sum over 0 < k < N of 2 m[k] cos(pi k l / N)
+    ///     r[l] = max(0, 4 s[l] c[l]), l = 0..maxLag
+    ///
+    /// The first lag is the last up to which r falls from lag 0 on, looked for below
+    /// (minLag + maxLag) / 2, but at least minLag. What is written is r up to there, and from there
+    /// on r[l] - min(r[l] / 2, (r[l / 2] + r[(l + 1) / 2]) / 8), with indices rounded down.
     void (*correlate)(const CorrelationPlan& plan,
                       const PolyphaseView& source,
                       int frames,

@@ -23,8 +23,9 @@ inline constexpr std::array AllLevels{Level::Baseline, Level::V3, Level::V4};
 bool IsSupported(Level level) noexcept;
 
 /// The level that runs: the highest supported one, but none above what the environment variable
-/// PUFFGUARD_CPU names (baseline, v3 or v4; anything else is no limit). It was read when the module
-/// was loaded. [any]
+/// PUFFGUARD_CPU names (baseline, v3 or v4; anything else is no limit). It is read while the
+/// module's static objects are made; one that asks earlier gets Baseline, whose bits are the same.
+/// [any]
 Level GetLevel() noexcept;
 
 /// The highest supported level up to the one that `name` stands for; null or an unknown name is no

@@ -4,8 +4,9 @@
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 
 /// PUFFGUARD_LEVEL is the namespace that a source of the kernels is compiled for; the build sets
-/// it. All that such a source defines is in that namespace or has internal linkage, and it calls no
-/// inline function of any library: the linker would keep one copy of such a function for the whole
+/// it, and headers with it are for sources of this folder alone. All that such a source defines is
+/// in that namespace or has internal linkage, and it calls no inline function from outside unless
+/// that is gnu::always_inline: the linker would keep one copy of such a function for the whole
 /// module, perhaps the one with instructions that the processor lacks.
 #ifndef PUFFGUARD_LEVEL
 #define PUFFGUARD_LEVEL Baseline

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/qobase/util/Realtime.h"
-
 #include <cstddef>
 
 namespace DSP::Kernels {

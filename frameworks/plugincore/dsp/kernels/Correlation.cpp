@@ -253,26 +253,47 @@ struct Batch {
     }
 };
 
-template <int L>
+/// All of a call.
+struct Frames {
+    const CorrelationPlan& plan;
+    const PolyphaseView& source;
+    int count;
+    float* scratch;
+    const CorrelationResult& result;
+
+    /// Those from `first` on, up to L of them.
+    template <int L>
+    void Run(int first) const
+    {
+        float* const folded = scratch + 2 * L * plan.whole.length;
+        float* const lags = folded + L * plan.whole.length;
+        const PolyphaseView view = {source.samples + first, source.rowLength, source.stepShift};
+        const Batch<L> batch = {plan, view, scratch, folded, lags};
+        const Index row = GetCorrelationStride(plan.maxLag) * first;
+        batch.Run(count - first < L ? count - first : L,
+                  {result.correlation + row, result.firstLags + first});
+    }
+};
+
 void Correlate(const CorrelationPlan& plan,
                const PolyphaseView& source,
                int frames,
                float* scratch,
                const CorrelationResult& result) noexcept
 {
-    float* const folded = scratch + 2 * L * plan.whole.length;
-    float* const lags = folded + L * plan.whole.length;
-    const Index stride = GetCorrelationStride(plan.maxLag);
-    for (int done = 0; done < frames; done += L) {
-        const PolyphaseView view = {source.samples + done, source.rowLength, source.stepShift};
-        const int count = frames - done < L ? frames - done : L;
-        const Batch<L> batch = {plan, view, scratch, folded, lags};
-        batch.Run(count, {result.correlation + stride * done, result.firstLags + done});
+    constexpr int FewLanes = LevelLanes < 8 ? LevelLanes : LevelLanes / 2;
+    const Frames all = {plan, source, frames, scratch, result};
+    int done = 0;
+    for (; frames - done > FewLanes; done += LevelLanes) {
+        all.Run<LevelLanes>(done);
+    }
+    if (done < frames) {
+        all.Run<FewLanes>(done);
     }
 }
 
 } // namespace
 
-constinit const CorrelationKernels correlation = {.correlate = Correlate<LevelLanes>};
+constinit const CorrelationKernels correlation = {.correlate = Correlate};
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -14,7 +14,6 @@ constexpr int L = LevelLanes < 8 ? LevelLanes : 8; // stretches are too short fo
 using V = Vector<float, L>;
 using Ints = Vector<int, L>;
 
-constexpr float SmootherFloor = 1e-30F; // as RunningExp has it
 constexpr int ErasedAnyway = 5;
 
 void Score(const ScoreTimes& times,
@@ -31,7 +30,7 @@ void Score(const ScoreTimes& times,
         const V value = Load<L>(values + i);
         const V from = Load<L>(smoothed + i);
         const V next = from + (value - from) * (value <= from ? fall : rise);
-        const V state = next < SmootherFloor ? V{} : next;
+        const V state = next < LeastSmoothed ? V{} : next;
         const V weight = Load<L>(weights + i);
         Store(smoothed + i, state);
         Store(scores + i, weight * state);

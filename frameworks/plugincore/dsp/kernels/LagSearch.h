@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/qobase/util/Realtime.h"
-
 #include <cstddef>
 
 namespace DSP::Kernels {
@@ -10,6 +8,9 @@ namespace DSP::Kernels {
 /// What an array by lag must have behind its last lag, in floats: zeros in values that are
 /// searched, anything in others.
 inline constexpr std::ptrdiff_t LagPadding = 16;
+
+/// Smoothed values below this count as nothing, so that none becomes a denormal number.
+inline constexpr float LeastSmoothed = 1e-30F;
 
 /// How the scores of the lags follow their values.
 struct ScoreTimes {
@@ -35,8 +36,13 @@ struct Bell {
 
 /// Steps of the search for the best lags. No value is negative. All are [process].
 struct LagSearchKernels {
-    /// For each lag: the smoothed value follows values[i], scores[i] is it by weights[i], and that
-    /// relaxes toward 1. `count` is a multiple of LagPadding.
+    /// For each lag, where `part` is times.rise if values[i] > smoothed[i], else times.fall:
+    ///
+    ///     smoothed[i] += (values[i] - smoothed[i]) * part, or 0 where that is < LeastSmoothed
+    ///     scores[i] = weights[i] * smoothed[i]
+    ///     weights[i] += (1 - weights[i]) * times.relaxation
+    ///
+    /// `count` is a multiple of LagPadding.
     void (*score)(const ScoreTimes& times,
                   const float* values,
                   float* smoothed,
@@ -51,11 +57,12 @@ struct LagSearchKernels {
     /// as they fall, down to index 0 and up to `last`.
     void (*erasePeak)(float* values, int centre, int last) noexcept;
 
-    /// weights[i] = max(weights[i], bell[i] * slope + 1), with the bell between 0 and 1. Up to
-    /// LagPadding weights behind the bell are read, too.
+    /// weights[index - b + j] = max(itself, bell[j] * slope + 1) for j = 0..2 b, where
+    /// bell[j] = (cosines[j] * cosine + sines[j] * sine) / 2 + 1 / 2, between 0 and 1. Up to
+    /// LagPadding weights behind the bell are read and written back as they are.
     void (*raise)(const BellTable& table, const Bell& bell, float slope, float* weights) noexcept;
 
-    /// weights[i] = min(weights[i], 1 - bell[i] * depth)
+    /// The same with min(itself, 1 - bell[j] * depth).
     void (*lower)(const BellTable& table, const Bell& bell, float depth, float* weights) noexcept;
 };
 

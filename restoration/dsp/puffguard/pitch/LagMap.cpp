@@ -17,6 +17,7 @@ constexpr double RelaxSeconds = 0.06;
 constexpr double MarginSeconds = 0.0001;
 constexpr int LeastMargin = 8;
 constexpr float PenaltyDepth = 0.9F;
+static_assert(Kernels::LeastSmoothed == SmootherFloor);
 
 std::size_t At(std::ptrdiff_t position)
 {

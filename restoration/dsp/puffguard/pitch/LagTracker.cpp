@@ -70,6 +70,14 @@ void LagTracker::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
     }
 }
 
+void LagTracker::SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING
+{
+    if (enabled != analysing) {
+        analysing = enabled;
+        gate.Reset(); // see above
+    }
+}
+
 LagTracker::Peak LagTracker::FindPeak(const Lags& lags) const noexcept UTIL_NONBLOCKING
 {
     const int found = kernels.findFirstLargest(lags.scores, lags.first, maxLag);

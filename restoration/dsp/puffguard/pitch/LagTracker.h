@@ -32,7 +32,7 @@ public:
     void SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING;
 
     /// Off: the lag is answered as voiced at once, without the voicing gate and its delay.
-    void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING { analysing = enabled; }
+    void SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING;
 
     /// One run on the autocorrelation of a frame by lag, a row as Autocorr gives it; lags from
     /// `firstLag` on are searched. The peaks found are erased from it.

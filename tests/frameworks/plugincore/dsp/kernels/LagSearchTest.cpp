@@ -161,3 +161,38 @@ TEST(LagSearch, BellsChangeTheirOwnLagsOnly)
         });
     }
 }
+
+// Angles and tables of any kind, so that every lane has its own value and a place to go wrong in.
+TEST(LagSearch, BellsAreTheSameBitsAsWrittenDown)
+{
+    const float angle = 0.7F;
+    const Bell bell{.index = 20, .cosine = std::cos(angle), .sine = std::sin(angle)};
+    for (const int margin : {8, 11, 16}) {
+        const auto count = static_cast<std::size_t>(2 * margin + 1);
+        const std::vector<float> cosines = MakeValues(count, 7);
+        const std::vector<float> sines = MakeValues(count, 8);
+        const BellTable table{cosines.data(), sines.data(), margin};
+        std::vector<float> weights = MakeValues(60, 9);
+        // Around the bells, so that some weights win and some lose.
+        std::transform(weights.begin(), weights.end(), weights.begin(), [](float weight) {
+            return weight + 0.5F;
+        });
+        std::vector<float> raised = weights;
+        std::vector<float> lowered = weights;
+        for (std::size_t i = 0; i < count; ++i) {
+            const float value = cosines[i] * bell.cosine + sines[i] * bell.sine;
+            const float height = value * 0.5F + 0.5F;
+            const std::size_t at = 20 + i - static_cast<std::size_t>(margin);
+            raised[at] = std::max(weights[at], height * 0.375F + 1.0F);
+            lowered[at] = std::min(weights[at], 1.0F - height * 0.3F);
+        }
+        ForEachLevel([&](const LagSearchKernels& kernels) {
+            std::vector<float> changed = weights;
+            kernels.raise(table, bell, 0.375F, changed.data());
+            EXPECT_EQ(changed, raised) << margin;
+            changed = weights;
+            kernels.lower(table, bell, 0.3F, changed.data());
+            EXPECT_EQ(changed, lowered) << margin;
+        });
+    }
+}

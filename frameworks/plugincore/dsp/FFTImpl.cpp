@@ -139,6 +139,27 @@ void FFTImpl<float>::ForwardOfProduct(const float* samples,
     kernels->forwardOfProduct(GetTables(), samples, window, spectrum);
 }
 
+void FFTImpl<float>::ForwardOfProductWithPower(const float* samples,
+                                               const float* window,
+                                               int binCount,
+                                               float* spectrum,
+                                               float* power) noexcept UTIL_NONBLOCKING
+{
+    if (!IsDirect()) {
+        kernels->forwardOfProductWithPower(GetTables(), samples, window, binCount, spectrum, power);
+        return;
+    }
+    Kernels::GetKernels().overlap.multiply(samples, window, work.data(), At(GetSize()));
+    for (Index k = 0; k <= half; ++k) {
+        const std::complex<float> bin = GetDirectBin(k);
+        if (k < binCount) {
+            spectrum[2 * k] = bin.real();
+            spectrum[2 * k + 1] = bin.imag();
+        }
+        power[k] = bin.real() * bin.real() + bin.imag() * bin.imag();
+    }
+}
+
 void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING
 {
     if (IsDirect()) {
@@ -148,21 +169,27 @@ void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTI
     kernels->inverse(GetTables(), spectrum, samples);
 }
 
+/// A bin of the transform of what lies in `work`.
+std::complex<float> FFTImpl<float>::GetDirectBin(Index bin) const noexcept UTIL_NONBLOCKING
+{
+    const Index size = GetSize();
+    float re = 0;
+    float im = 0;
+    for (Index n = 0; n < size; ++n) {
+        re += work[At(n)] * direct[At(bin * n % size)];
+        im -= work[At(n)] * direct[At((bin * n + SineShift(size)) % size)];
+    }
+    // The table's sine isn't quite 0 at a half turn, but the ends of a real signal's spectrum are.
+    return {re, bin == 0 || bin == half ? 0.0F : im};
+}
+
 /// The transform of what lies in `work`.
 void FFTImpl<float>::ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING
 {
-    const Index size = GetSize();
     for (Index k = 0; k <= half; ++k) {
-        float re = 0;
-        float im = 0;
-        for (Index n = 0; n < size; ++n) {
-            re += work[At(n)] * direct[At(k * n % size)];
-            im -= work[At(n)] * direct[At((k * n + SineShift(size)) % size)];
-        }
-        spectrum[2 * k] = re;
-        // The table's sine isn't quite 0 at a half turn, but the ends of a real signal's spectrum
-        // are.
-        spectrum[2 * k + 1] = k == 0 || k == half ? 0.0F : im;
+        const std::complex<float> bin = GetDirectBin(k);
+        spectrum[2 * k] = bin.real();
+        spectrum[2 * k + 1] = bin.imag();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 
+#include <complex>
 #include <cstddef>
 #include <vector>
 
@@ -59,6 +60,15 @@ public:
     void ForwardOfProduct(const float* samples, const float* window, float* spectrum) noexcept
         UTIL_NONBLOCKING;
 
+    /// ForwardOfProduct() of which only bins 0 to binCount - 1 come out, 2 * binCount floats, and
+    /// with them the power re^2 + im^2 of all bins 0 to F/2. `binCount` is 0 to F/2 + 1. Neither
+    /// output may overlap another array. [process]
+    void ForwardOfProductWithPower(const float* samples,
+                                   const float* window,
+                                   int binCount,
+                                   float* spectrum,
+                                   float* power) noexcept UTIL_NONBLOCKING;
+
     /// Counterpart of Forward(); the imaginary parts of bins 0 and F/2 are not read. Leaves
     /// `spectrum` as it is unless `samples` is the same memory. [process]
     void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
@@ -69,6 +79,7 @@ private:
     void MakeSeparationTable();
     void MakeDirectTable();
     Kernels::FftTables GetTables() noexcept UTIL_NONBLOCKING;
+    std::complex<float> GetDirectBin(std::ptrdiff_t bin) const noexcept UTIL_NONBLOCKING;
     void ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING;
     void InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
     bool IsDirect() const noexcept { return half < 64; }

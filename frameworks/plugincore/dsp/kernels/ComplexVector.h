@@ -59,12 +59,18 @@ template <int N, int... i>
     return __builtin_shufflevector(lanes, lanes, (N - 1 - i)...);
 }
 
+/// Last one first.
+template <int N>
+[[gnu::always_inline]] inline Vector<float, N> Mirror(const Vector<float, N>& lanes) noexcept
+{
+    return Mirror<N>(lanes, std::make_integer_sequence<int, N>{});
+}
+
 /// The conjugates, last one first.
 template <int N>
 [[gnu::always_inline]] inline ComplexVector<N> MirrorConjugate(const ComplexVector<N>& a) noexcept
 {
-    constexpr auto Indices = std::make_integer_sequence<int, N>{};
-    return {Mirror<N>(a.re, Indices), -Mirror<N>(a.im, Indices)};
+    return {Mirror<N>(a.re), -Mirror<N>(a.im)};
 }
 
 template <int N, int... i>

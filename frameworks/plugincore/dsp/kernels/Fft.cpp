@@ -3,6 +3,7 @@
 #include "frameworks/plugincore/dsp/kernels/Fft.h"
 
 #include "frameworks/plugincore/dsp/kernels/FftPasses.h"
+#include "frameworks/plugincore/dsp/kernels/FftSeparation.h"
 
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
@@ -109,69 +110,23 @@ void RunLastStep(const Passed& passed, const Target& target, Index half) noexcep
     }
 }
 
-/// From the transform Z of even + i odd samples to the spectrum X: with A = Z[k], B = conj Z[M - k]
-/// and w = exp(-2 pi i k / F), X[k] = (A + B) / 2 - i w (A - B) / 2, and the conjugate of the sum
-/// with the other sign is X[M - k]. The table has w / 2.
-void Separate(SplitArray halves, const FftTables& tables, float* spectrum) noexcept
+/// Leaves the transform of the pairs of samples where it returns, Z[M] included.
+template <typename Source>
+SplitArray TransformPairs(const FftTables& tables, const Source& source) noexcept
 {
-    constexpr int N = LevelLanes;
-    const Index length = tables.half;
-    const float* const cosines = tables.separation;
-    const float* const sines = cosines + length / 2;
-    halves.re[length] = halves.re[0];
-    halves.im[length] = halves.im[0];
-    const float middleRe = halves.re[length / 2];
-    const float middleIm = halves.im[length / 2];
-    for (Index k = 0; k < length / 2; k += N) {
-        const Index mirrored = length - k - (N - 1);
-        const ComplexVector<N> a = halves.Get<N>(k);
-        const ComplexVector<N> b = MirrorConjugate(halves.Get<N>(mirrored));
-        const Vector<float, N> c = Load<N>(cosines + k);
-        const Vector<float, N> s = Load<N>(sines + k);
-        const ComplexVector<N> d = a - b;
-        const ComplexVector<N> mean = {(a.re + b.re) * 0.5F, (a.im + b.im) * 0.5F};
-        const ComplexVector<N> turned = {d.im * c - d.re * s, -(d.im * s + d.re * c)};
-        StorePairs<N>(spectrum + 2 * k, mean + turned);
-        StorePairs<N>(spectrum + 2 * mirrored, MirrorConjugate(mean - turned));
-    }
-    spectrum[length] = middleRe;
-    spectrum[length + 1] = -middleIm;
-}
-
-/// Counterpart of Separate(), scaled by 2 / F, with the real and imaginary parts exchanged: the
-/// forward passes then give the inverse transform, parts exchanged again.
-void JoinExchanged(const float* spectrum, const FftTables& tables, SplitArray halves) noexcept
-{
-    constexpr int N = LevelLanes;
-    const Index length = tables.half;
-    const float* const cosines = tables.separation;
-    const float* const sines = cosines + length / 2;
-    const float scale = 1.0F / static_cast<float>(length);
-    const float meanScale = scale * 0.5F;
-    for (Index k = 0; k < length / 2; k += N) {
-        const Index mirrored = length - k - (N - 1);
-        const ComplexVector<N> a = LoadPairs<N>(spectrum + 2 * k);
-        const ComplexVector<N> b = MirrorConjugate(LoadPairs<N>(spectrum + 2 * mirrored));
-        const Vector<float, N> c = Load<N>(cosines + k) * scale;
-        const Vector<float, N> s = Load<N>(sines + k) * scale;
-        const ComplexVector<N> d = a - b;
-        const ComplexVector<N> mean = {(a.re + b.re) * meanScale, (a.im + b.im) * meanScale};
-        const ComplexVector<N> turned = {-(c * d.im + s * d.re), c * d.re - s * d.im};
-        halves.Put<N>(k, Exchange(mean + turned));
-        halves.Put<N>(mirrored, Exchange(MirrorConjugate(mean - turned)));
-    }
-    halves.re[0] = (spectrum[0] - spectrum[2 * length]) * scale * 0.5F;
-    halves.im[0] = (spectrum[0] + spectrum[2 * length]) * scale * 0.5F;
-    halves.re[length / 2] = -spectrum[length + 1] * scale;
-    halves.im[length / 2] = spectrum[length] * scale;
+    const Passed passed = RunAllButLastStep(tables, source);
+    RunLastStep(passed, passed.free, tables.half);
+    CloseCircle(passed.free, tables.half);
+    return passed.free;
 }
 
 template <typename Source>
 void RunForward(const FftTables& tables, const Source& source, float* spectrum) noexcept
 {
-    const Passed passed = RunAllButLastStep(tables, source);
-    RunLastStep(passed, passed.free, tables.half);
-    Separate(passed.free, tables, spectrum);
+    const SplitArray halves = TransformPairs(tables, source);
+    const PairTarget target = {spectrum};
+    Separate(halves, tables, 0, tables.half / 2, target);
+    SeparateMiddle(halves, tables, target);
 }
 
 void Forward(const FftTables& tables, const float* samples, float* spectrum) noexcept
@@ -187,6 +142,23 @@ void ForwardOfProduct(const FftTables& tables,
     RunForward(tables, WindowedPairSource{samples, window}, spectrum);
 }
 
+void ForwardOfProductWithPower(const FftTables& tables,
+                               const float* samples,
+                               const float* window,
+                               std::ptrdiff_t binCount,
+                               float* spectrum,
+                               float* power) noexcept
+{
+    const SplitArray halves = TransformPairs(tables, WindowedPairSource{samples, window});
+    const LowBinTarget target = {{spectrum}, binCount, {power}};
+    // Behind these neither a bin nor its mirror is below binCount.
+    const Index last = (binCount + LevelLanes - 1) / LevelLanes * LevelLanes;
+    const Index low = last < tables.half / 2 ? last : tables.half / 2;
+    Separate(halves, tables, 0, low, target);
+    Separate(halves, tables, low, tables.half / 2, target.all);
+    SeparateMiddle(halves, tables, target);
+}
+
 void Inverse(const FftTables& tables, const float* spectrum, float* samples) noexcept
 {
     const SplitArray halves = GetArray(tables, 1); // which the first pass reads and frees
@@ -200,6 +172,7 @@ void Inverse(const FftTables& tables, const float* spectrum, float* samples) noe
 constinit const FftKernels fft = {
     .forward = Forward,
     .forwardOfProduct = ForwardOfProduct,
+    .forwardOfProductWithPower = ForwardOfProductWithPower,
     .inverse = Inverse,
 };
 

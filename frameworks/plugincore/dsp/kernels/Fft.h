@@ -46,6 +46,16 @@ struct FftKernels {
                              const float* window,
                              float* spectrum) noexcept;
 
+    /// The same, of which `spectrum` gets only the bins below `binCount`, which is at most F / 2 +
+    /// 1: 2 * binCount floats. `power` gets re * re + im * im of all F / 2 + 1 bins. They don't
+    /// overlap each other or what is read.
+    void (*forwardOfProductWithPower)(const FftTables& tables,
+                                      const float* samples,
+                                      const float* window,
+                                      std::ptrdiff_t binCount,
+                                      float* spectrum,
+                                      float* power) noexcept;
+
     /// Counterpart of forward().
     void (*inverse)(const FftTables& tables, const float* spectrum, float* samples) noexcept;
 };

@@ -216,6 +216,46 @@ TEST_P(FFTImplTest, TransformOfAProductIsThatOfTheWindowedSamples)
     EXPECT_EQ(spectrum, wanted);
 }
 
+TEST_P(FFTImplTest, LowBinsAndPowersAreThoseOfTheWholeSpectrum)
+{
+    const std::vector<float> samples = MakeNoise(size, 12);
+    const std::vector<float> window = MakeNoise(size, 13);
+    const std::size_t all = size / 2 + 1;
+    fft.ForwardOfProduct(samples.data(), window.data(), spectrum.data());
+    std::vector<float> wantedPower(all + 1, -1.0F); // with a guard behind it
+    for (std::size_t k = 0; k < all; ++k) {
+        const float re = spectrum[2 * k];
+        const float im = spectrum[2 * k + 1];
+        wantedPower[k] = re * re + im * im;
+    }
+    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+        FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
+        for (const std::size_t count : {std::size_t{0},
+                                        std::size_t{1},
+                                        std::size_t{2},
+                                        std::size_t{223},
+                                        size / 4 - 1,
+                                        size / 4,
+                                        size / 4 + 1,
+                                        size / 4 + 3,
+                                        all - 2,
+                                        all - 1,
+                                        all}) {
+            if (count > all) {
+                continue;
+            }
+            std::vector<float> wanted(size + 2, 12345.0F);
+            std::vector<float> low = wanted;
+            std::copy_n(spectrum.begin(), 2 * count, wanted.begin());
+            std::vector<float> power(all + 1, -1.0F);
+            transform.ForwardOfProductWithPower(
+                samples.data(), window.data(), static_cast<int>(count), low.data(), power.data());
+            EXPECT_EQ(low, wanted) << static_cast<int>(level) << ", " << count;
+            EXPECT_EQ(power, wantedPower) << static_cast<int>(level) << ", " << count;
+        }
+    }
+}
+
 TEST_P(FFTImplTest, NothingIsReadOrWrittenBeyondTheEnds)
 {
     constexpr float Guard = 12345.0F;

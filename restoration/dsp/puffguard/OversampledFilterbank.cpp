@@ -56,6 +56,7 @@ void OversampledFilterbank::configure(float time,
     if (channels != 0) {
         inputTail.configure(channels, windowLength, 0);
         outputTail.configure(channels, windowLength, 0);
+        openHops = 0;
         MakeBandEdges();
     }
     // Only the number of frames to the window and its length enter; a restart finds its windows
@@ -87,6 +88,7 @@ void OversampledFilterbank::reset() noexcept UTIL_NONBLOCKING
 {
     inputTail.zero();
     outputTail.zero();
+    openHops = 0;
 }
 
 void OversampledFilterbank::take(const float* const* input) noexcept UTIL_NONBLOCKING
@@ -122,22 +124,27 @@ void OversampledFilterbank::add(int32_t channel, const float* spectrum) noexcept
     fft->Inverse(spectrum, frame.data());
     Kernels::GetKernels().overlap.multiplyAdd(
         frame.data(), windows.synthesis.data(), outputTail.GetChannel(channel), Size(windowLength));
+    openHops = (windowLength + hop - 1) / hop;
 }
 
-void OversampledFilterbank::give(float* const* output) noexcept UTIL_NONBLOCKING
+void OversampledFilterbank::giveOnto(float* const* output) noexcept UTIL_NONBLOCKING
 {
-    give(output, 0);
+    giveOnto(output, 0);
 }
 
-void OversampledFilterbank::give(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING
+void OversampledFilterbank::giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING
 {
+    if (openHops == 0) {
+        return;
+    }
     for (int32_t channel = 0; channel < channels; ++channel) {
-        VectorOps::Copy(outputTail.GetChannel(channel), output[channel] + offset, Size(hop));
+        VectorOps::AddInPlace(outputTail.GetChannel(channel), output[channel] + offset, Size(hop));
     }
     outputTail.consume(hop);
     for (int32_t channel = 0; channel < channels; ++channel) {
         VectorOps::Zero(outputTail.GetChannel(channel) + overlap, Size(hop));
     }
+    --openHops;
 }
 
 void OversampledFilterbank::analyse(const float* const* input,
@@ -164,9 +171,10 @@ void OversampledFilterbank::synthesise(float* const* output,
     const std::ptrdiff_t frameFloats = fftSize + 2;
     for (int32_t f = 0; f < sampleCount / hop; ++f) {
         for (int32_t channel = 0; channel < channels; ++channel) {
+            VectorOps::Zero(output[channel] + outputOffset + hop * f, Size(hop));
             add(channel, spectra[channel] + spectrumOffset + frameFloats * f);
         }
-        give(output, outputOffset + hop * f);
+        giveOnto(output, outputOffset + hop * f);
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/ProcessingPools.h"
+#include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/DataTail.h"
 #include "restoration/dsp/puffguard/Windows.h"
@@ -52,11 +53,13 @@ public:
     /// The spectrum of a channel's frame that ends with the samples taken last.
     void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
 
-    /// Adds a frame to what a channel gives; once before each give(), at any time before it.
+    /// Adds a frame to what a channel gives; at most once before each giveOnto(), at any time
+    /// before it. A frame that isn't added counts as silence.
     void add(int32_t channel, const float* spectrum) noexcept UTIL_NONBLOCKING;
 
-    /// Writes the next H samples a channel.
-    void give(float* const* output) noexcept UTIL_NONBLOCKING;
+    /// Adds the next H samples a channel onto `output`, which stays as it is, to the bit, where no
+    /// added frame reaches.
+    void giveOnto(float* const* output) noexcept UTIL_NONBLOCKING;
 
     /// take() and transform() in one: takes `sampleCount` samples a channel, a multiple of H, from
     /// `inputOffset` on, and writes the frames that they complete, one behind the other from float
@@ -67,8 +70,8 @@ public:
                  int32_t inputOffset,
                  int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
 
-    /// Counterpart of analyse(), add() and give() in one, called in turn with it for blocks of the
-    /// same length; `output` may be the memory that `input` was.
+    /// Counterpart of analyse(), add() and giveOnto() in one, called in turn with it for blocks of
+    /// the same length; `output` may be the memory that `input` was.
     void synthesise(float* const* output,
                     int32_t sampleCount,
                     const float* const* spectra,
@@ -82,7 +85,7 @@ public:
 private:
     void MakeBandEdges();
     void take(const float* const* input, int32_t offset) noexcept UTIL_NONBLOCKING;
-    void give(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
+    void giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
 
     std::vector<float> lowerBandEdges; // of the bins 0 to F/2, Hz; empty without channels
     std::vector<float> upperBandEdges;
@@ -95,13 +98,14 @@ private:
     int32_t hop = 0;
     int32_t overlap = 0; // W - H
     ProcessingFFTPool& pool;
-    FFTImpl<float>* fft = nullptr; // of the pool
-    std::vector<float> frame;      // F, scratch
-    int32_t kind = 0;              // of the windows
-    int32_t windowHop = 0;         // that the windows are scaled for
-    WindowPair windows;            // W each
-    DataTailCirc inputTail;        // the last W input samples
-    DataTailCirc outputTail;       // W output samples that miss frames yet
+    FFTImpl<float>* fft = nullptr;    // of the pool
+    Util::AlignedVector<float> frame; // F, scratch
+    int32_t kind = 0;                 // of the windows
+    int32_t windowHop = 0;            // that the windows are scaled for
+    WindowPair windows;               // W each
+    DataTailCirc inputTail;           // the last W input samples
+    DataTailCirc outputTail;          // W output samples that miss frames yet
+    int32_t openHops = 0;             // that the frames added so far reach into
 };
 
 } // namespace DSP

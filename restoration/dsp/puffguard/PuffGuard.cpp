@@ -23,6 +23,7 @@ constexpr float EnergyFromHz = 20;
 constexpr float EnergyToHz = 150;
 // What the longest transform, 2^17 samples, serves: it is to last 0.07 s.
 constexpr float LargestRate = 1.8e6F;
+constexpr ValueRange<float> FrequencyLimits = {50, 2000}; // Hz
 
 float CheckRate(float sampleRate)
 {
@@ -66,7 +67,7 @@ void PuffGuard::RegisterParams()
     RegisterFloatParam(Sensitivity, MakeParam("Detection sensitivity", {0, 10}, 5, sensitivity));
     RegisterFloatParam(Strength, MakeParam("Reduction strength", {0, 10}, 5, strength));
     ParamRegistration<float> limit =
-        MakeParam("Upper repair frequency", {50, 2000}, 500, frequencyLimit);
+        MakeParam("Upper repair frequency", FrequencyLimits, 500, frequencyLimit);
     limit.info.units = "Hz";
     RegisterFloatParam(FrequencyLimit, std::move(limit));
     ParamRegistration<float> scaling = MakeParam("Latency scaling", {0, 1}, 1, latencyScaling);
@@ -113,6 +114,7 @@ void PuffGuard::initialise()
     latencySamples.store(GetLatencyOf(sizes.length), std::memory_order_relaxed);
     maxLatencySamples.store(GetLatencyOf(GetHistorySizes(1.0F).length), std::memory_order_relaxed);
     SizeRings();
+    SizeDelays();
     const auto length = static_cast<int32_t>(sizes.length);
     detectionHistory.configure(length, length - 1, true);
     SetUpPitch();
@@ -131,18 +133,35 @@ void PuffGuard::initialise()
 void PuffGuard::SizeRings()
 {
     const uint32_t length = historyLength;
+    // Bins above those that repairs may reach go out with the input.
+    RepairSettings widest = GetRepairSettings();
+    widest.frequencyLimit = FrequencyLimits.max;
+    const auto repaired = static_cast<uint32_t>(GetRepairedBinCount(widest));
+    const auto measured = static_cast<uint32_t>(energyLast) + 1;
+    spectrumRing.configure(length, GetChannelCount(), std::max(repaired, measured));
     // Slots are kept when the history gets shorter, so that it can grow again without the heap.
-    const std::size_t slots = std::max<std::size_t>(length, spectrumRing.size());
-    spectrumRing.resize(slots);
+    const std::size_t slots = std::max<std::size_t>(length, powerRing.size());
     powerRing.resize(slots);
     framePower.resize(slots);
-    arriving.resize(GetChannelCount());
-    const auto channels = static_cast<int32_t>(GetChannelCount());
-    for (std::size_t slot = 0; slot < slots; ++slot) {
-        spectrumRing[slot].configure(channels, static_cast<int32_t>(2 * binCount), 0);
-        powerRing[slot].configure(channels, static_cast<int32_t>(binCount), 0);
+    for (DataTail& slot : powerRing) {
+        slot.configure(1, static_cast<int32_t>(binCount), 0);
     }
+    spectrum.assign(frameSize + 2, 0.0F);
+    channelPower.assign(binCount, 0.0F);
+    arriving.resize(GetChannelCount());
     RestartSteps();
+}
+
+void PuffGuard::SizeDelays()
+{
+    if (delays.empty()) {
+        const uint32_t longest = GetBankDelay(GetHistorySizes(1.0F).length);
+        delays.assign(GetChannelCount(), DelayLine(longest));
+    }
+    for (DelayLine& delay : delays) {
+        delay.SetLength(GetBankDelay(historyLength));
+        delay.Clear();
+    }
 }
 
 /// What was left to do for the hop before falls away with the frames.
@@ -178,7 +197,13 @@ void PuffGuard::AlignPitch()
 uint32_t PuffGuard::GetLatencyOf(uint32_t length) const noexcept UTIL_NONBLOCKING
 {
     // The tail collects one hop: it holds back all of it but one sample.
-    return hopSize - 1 + static_cast<uint32_t>(filterbank.GetLatency()) + hopSize * (length - 1);
+    return hopSize - 1 + GetBankDelay(length);
+}
+
+/// Samples from a hop that comes in to the hop that goes out for it.
+uint32_t PuffGuard::GetBankDelay(uint32_t length) const noexcept UTIL_NONBLOCKING
+{
+    return static_cast<uint32_t>(filterbank.GetLatency()) + hopSize * (length - 1);
 }
 
 uint32_t PuffGuard::GetLatencySamples(Context /*context*/) const
@@ -196,9 +221,10 @@ void PuffGuard::OnReset()
     filterbank.reset();
     noiseDetector.reset();
     VectorOps::Zero(noiseFloor.data(), noiseFloor.size());
-    for (DataTail& slot : spectrumRing) {
-        slot.zero();
+    for (DelayLine& delay : delays) {
+        delay.Clear();
     }
+    spectrumRing.zero();
     for (DataTail& slot : powerRing) {
         slot.zero();
     }

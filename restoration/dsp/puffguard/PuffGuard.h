@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/DelayLine.h"
 #include "frameworks/plugincore/dsp/ElementDispatcher.h"
+#include "frameworks/qobase/util/AlignedVector.h"
 #include "restoration/dsp/puffguard/DataTail.h"
 #include "restoration/dsp/puffguard/DataTail1D.h"
 #include "restoration/dsp/puffguard/DetectionLog.h"
@@ -9,6 +11,7 @@
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 #include "restoration/dsp/puffguard/PlosiveDetection.h"
 #include "restoration/dsp/puffguard/PlosiveReduction.h"
+#include "restoration/dsp/puffguard/SpectrumRing.h"
 #include "restoration/dsp/puffguard/pitch/PitchDetect.h"
 
 #include <atomic>
@@ -22,7 +25,10 @@ namespace DSP::Shared {
 ///
 /// Each hop of H samples becomes one frame of spectra, which waits in a ring of N frames. A frame
 /// is judged when it stands in the middle of the ring, with all channels' power taken together;
-/// what is repaired are the waiting frames around it, and the oldest frame of each hop goes out.
+/// what is repaired are the waiting frames around it.
+///
+/// What goes out is the input, late by the latency, and onto it what repairs have changed in the
+/// frames, transformed back: samples that no repair reaches pass to the bit.
 ///
 /// Threads: as ElementDispatcher. All memory for the longest history, "Latency scaling" 1, is taken
 /// at construction, so that a change of it restarts the repair on the audio thread without the
@@ -91,6 +97,8 @@ private:
     void RegisterParams();
     void initialise();
     void SizeRings();
+    void SizeDelays();
+    uint32_t GetBankDelay(uint32_t length) const noexcept UTIL_NONBLOCKING;
     void AlignPitch();
     void SetUpPitch();
     HistorySizes GetHistorySizes(float scaling) const noexcept UTIL_NONBLOCKING;
@@ -100,10 +108,11 @@ private:
     uint32_t GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING;
     void FeedTracker(uint32_t offset, uint32_t frames, float* const* channels);
     void AnalyseFrame() noexcept UTIL_NONBLOCKING;
-    void Transform(int32_t channel) noexcept UTIL_NONBLOCKING;
+    void Transform(uint32_t channel) noexcept UTIL_NONBLOCKING;
     void Detect() noexcept UTIL_NONBLOCKING;
     void FinishFrame() noexcept UTIL_NONBLOCKING;
     void Synthesise() noexcept UTIL_NONBLOCKING;
+    void GiveOut(float* const* channels) noexcept UTIL_NONBLOCKING;
     void SearchPlosive(float noise) noexcept UTIL_NONBLOCKING;
     void Repair(const Plosive& plosive) noexcept UTIL_NONBLOCKING;
     void ScaleSpectra(const RepairRegion& region, int32_t bins, float severity) noexcept
@@ -121,13 +130,16 @@ private:
     float frequencyLimit = 0; // Hz
     float latencyScaling = 0;
     OversampledFilterbank filterbank;
-    uint32_t frameSize = 0;             // F
-    uint32_t hopSize = 0;               // H
-    uint32_t binCount = 0;              // F / 2 + 1
-    std::vector<DataTail> spectrumRing; // slots of interleaved (re, im); N in use
-    uint32_t spectrumSlot = 0;          // of the newest frame, or of the next when it is done
-    uint32_t powerSlot = 0;             // the same, in powerRing
-    std::vector<DataTail> powerRing;    // slots of power; channel 0 is the largest of all channels
+    uint32_t frameSize = 0;                  // F
+    uint32_t hopSize = 0;                    // H
+    uint32_t binCount = 0;                   // F / 2 + 1
+    SpectrumRing spectrumRing;               // N slots in use
+    uint32_t spectrumSlot = 0;               // of the newest frame, or of the next when it is done
+    uint32_t powerSlot = 0;                  // the same, in powerRing
+    std::vector<DataTail> powerRing;         // slots of power, the largest of all channels
+    Util::AlignedVector<float> spectrum;     // F + 2, scratch: a channel's in all bins
+    Util::AlignedVector<float> channelPower; // F / 2 + 1, scratch
+    std::vector<DelayLine> delays;           // the input of each channel
     NoiseDetector noiseDetector;
     std::vector<float> noiseFloor;
     uint32_t peakRadius = 0; // L

@@ -79,10 +79,11 @@ void PuffGuard::ScaleSpectra(const RepairRegion& region, int32_t bins, float sev
     UTIL_NONBLOCKING
 {
     for (int32_t j = region.start; j <= region.end; ++j) {
-        const DataTail& spectra = spectrumRing[GetSlot(j)];
+        const uint32_t slot = GetSlot(j);
+        spectrumRing.KeepOriginal(slot, static_cast<uint32_t>(bins));
         const float* const power = framePower[static_cast<std::size_t>(j)];
-        for (int32_t channel = 0; channel < spectra.GetChannelCount(); ++channel) {
-            ApplyGains(spectra.GetChannel(channel), power, bins, severity);
+        for (uint32_t channel = 0; channel < GetChannelCount(); ++channel) {
+            ApplyGains(spectrumRing.GetSpectrum(slot, channel), power, bins, severity);
         }
     }
 }
@@ -108,13 +109,12 @@ int64_t PuffGuard::GetFrameCentre(int32_t historyIndex) const noexcept UTIL_NONB
 
 double PuffGuard::GetFrameEnergy(uint32_t slot) const noexcept UTIL_NONBLOCKING
 {
-    const DataTail& spectra = spectrumRing[slot];
     double energy = 0;
-    for (int32_t channel = 0; channel < spectra.GetChannelCount(); ++channel) {
-        const float* const spectrum = spectra.GetChannel(channel);
+    for (uint32_t channel = 0; channel < GetChannelCount(); ++channel) {
+        const float* const bins = spectrumRing.GetSpectrum(slot, channel);
         for (std::ptrdiff_t bin = energyFirst; bin <= energyLast; ++bin) {
-            const auto re = static_cast<double>(spectrum[2 * bin]);
-            const auto im = static_cast<double>(spectrum[2 * bin + 1]);
+            const auto re = static_cast<double>(bins[2 * bin]);
+            const auto im = static_cast<double>(bins[2 * bin + 1]);
             energy += re * re + im * im;
         }
     }

@@ -5,7 +5,8 @@
 // falls to it:
 //  - of the hop that was completed last: the spectra, channel by channel; the detection value;
 //    some runs of the tracker; then, with the pitch at that hop's end, the search and a repair;
-//  - of the hop that is coming in: the oldest frame is transformed back, channel by channel;
+//  - of the hop that is coming in: what repairs have changed in the oldest frame is transformed
+//    back, channel by channel;
 //  - the pitch tracker gets the samples.
 // The last sample of a hop leaves nothing but to take its samples and to give out those made.
 //
@@ -76,11 +77,20 @@ void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
     OnFrameArriving(frames, channels);
     pitchDetect.EndBlock();
     filterbank.take(channels);
-    filterbank.give(channels);
+    GiveOut(channels);
     controls = {sensitivity, strength, frequencyLimit};
     log.CountHop();
     hasFrame = true;
     step = 0;
+}
+
+/// A hop over the one that has come in.
+void PuffGuard::GiveOut(float* const* channels) noexcept UTIL_NONBLOCKING
+{
+    for (std::size_t channel = 0; channel < delays.size(); ++channel) {
+        delays[channel].Process(channels[channel], channels[channel], hopSize);
+    }
+    filterbank.giveOnto(channels);
 }
 
 void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* channels)
@@ -97,7 +107,7 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
     const uint32_t channels = GetChannelCount();
     const uint32_t end = TransformSteps.GetDone(step + 1, channels);
     for (uint32_t channel = TransformSteps.GetDone(step, channels); channel < end; ++channel) {
-        Transform(static_cast<int32_t>(channel));
+        Transform(channel);
     }
     if (step == DetectionStep) {
         Detect();
@@ -110,14 +120,19 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
     }
 }
 
-void PuffGuard::Transform(int32_t channel) noexcept UTIL_NONBLOCKING
+void PuffGuard::Transform(uint32_t channel) noexcept UTIL_NONBLOCKING
 {
-    float* const spectrum = spectrumRing[spectrumSlot].GetChannel(channel);
-    const DataTail& power = powerRing[powerSlot];
-    filterbank.transform(channel, spectrum);
-    VectorOps::SquaredMagnitude(spectrum, power.GetChannel(channel), binCount);
-    if (channel > 0) {
-        VectorOps::MaximumInPlace(power.GetChannel(channel), power.GetChannel(0), binCount);
+    filterbank.transform(static_cast<int32_t>(channel), spectrum.data());
+    VectorOps::Copy(spectrum.data(),
+                    spectrumRing.GetSpectrum(spectrumSlot, channel),
+                    std::size_t{2} * spectrumRing.GetBinCount());
+    float* const power = powerRing[powerSlot].GetChannel(0);
+    if (channel == 0) {
+        spectrumRing.Renew(spectrumSlot);
+        VectorOps::SquaredMagnitude(spectrum.data(), power, binCount);
+    } else {
+        VectorOps::SquaredMagnitude(spectrum.data(), channelPower.data(), binCount);
+        VectorOps::MaximumInPlace(channelPower.data(), power, binCount);
     }
 }
 
@@ -148,12 +163,18 @@ void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
 /// is made of it holds the one that was given out last.
 void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
 {
-    const DataTail& oldest = spectrumRing[(spectrumSlot + 1) % historyLength];
+    const uint32_t oldest = (spectrumSlot + 1) % historyLength;
+    const std::size_t changed = std::size_t{2} * spectrumRing.GetChangedBins(oldest);
+    if (changed == 0) {
+        return;
+    }
     const uint32_t channels = GetChannelCount();
     const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
     for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
-        filterbank.add(static_cast<int32_t>(channel),
-                       oldest.GetChannel(static_cast<int32_t>(channel)));
+        if (spectrumRing.GetChange(oldest, channel, spectrum.data())) {
+            VectorOps::Zero(spectrum.data() + changed, spectrum.size() - changed);
+            filterbank.add(static_cast<int32_t>(channel), spectrum.data());
+        }
     }
 }
 

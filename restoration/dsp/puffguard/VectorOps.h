@@ -53,6 +53,15 @@ inline void Add(const float* a, const float* b, float* target, std::size_t count
     }
 }
 
+/// target += source, element by element.
+inline void AddInPlace(const float* source, float* target, std::size_t count) noexcept
+    UTIL_NONBLOCKING
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        target[i] += source[i];
+    }
+}
+
 /// target = the larger of target and source, element by element.
 inline void MaximumInPlace(const float* source, float* target, std::size_t count) noexcept
     UTIL_NONBLOCKING

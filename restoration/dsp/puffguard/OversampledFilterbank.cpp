@@ -5,6 +5,7 @@
 #include "restoration/dsp/puffguard/VectorOps.h"
 
 #include <bit>
+#include <cassert>
 #include <stdexcept>
 
 namespace DSP {
@@ -104,6 +105,16 @@ void OversampledFilterbank::take(const float* const* input, int32_t offset) noex
         VectorOps::Copy(
             input[channel] + offset, inputTail.GetChannel(channel) + overlap, Size(hop));
     }
+}
+
+void OversampledFilterbank::transform(int32_t channel,
+                                      int32_t binCount,
+                                      float* spectrum,
+                                      float* power) noexcept UTIL_NONBLOCKING
+{
+    assert(windowLength == fftSize);
+    fft->ForwardOfProductWithPower(
+        inputTail.GetChannel(channel), windows.analysis.data(), binCount, spectrum, power);
 }
 
 void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING

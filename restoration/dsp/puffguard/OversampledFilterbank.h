@@ -50,8 +50,10 @@ public:
     /// Takes the next H samples a channel.
     void take(const float* const* input) noexcept UTIL_NONBLOCKING;
 
-    /// The spectrum of a channel's frame that ends with the samples taken last.
-    void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
+    /// The frame of a channel that ends with the samples taken last: its spectrum in bins 0 to
+    /// `binCount` - 1, and the power re^2 + im^2 of all bins. For a bank with W = F.
+    void transform(int32_t channel, int32_t binCount, float* spectrum, float* power) noexcept
+        UTIL_NONBLOCKING;
 
     /// Adds a frame to what a channel gives; at most once before each giveOnto(), at any time
     /// before it. A frame that isn't added counts as silence.
@@ -84,6 +86,7 @@ public:
 
 private:
     void MakeBandEdges();
+    void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
     void take(const float* const* input, int32_t offset) noexcept UTIL_NONBLOCKING;
     void giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
 

@@ -122,17 +122,16 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
 
 void PuffGuard::Transform(uint32_t channel) noexcept UTIL_NONBLOCKING
 {
-    filterbank.transform(static_cast<int32_t>(channel), spectrum.data());
-    VectorOps::Copy(spectrum.data(),
-                    spectrumRing.GetSpectrum(spectrumSlot, channel),
-                    std::size_t{2} * spectrumRing.GetBinCount());
-    float* const power = powerRing[powerSlot].GetChannel(0);
+    float* const largest = powerRing[powerSlot].GetChannel(0);
+    float* const power = channel == 0 ? largest : channelPower.data();
+    filterbank.transform(static_cast<int32_t>(channel),
+                         static_cast<int32_t>(spectrumRing.GetBinCount()),
+                         spectrumRing.GetSpectrum(spectrumSlot, channel),
+                         power);
     if (channel == 0) {
         spectrumRing.Renew(spectrumSlot);
-        VectorOps::SquaredMagnitude(spectrum.data(), power, binCount);
     } else {
-        VectorOps::SquaredMagnitude(spectrum.data(), channelPower.data(), binCount);
-        VectorOps::MaximumInPlace(channelPower.data(), power, binCount);
+        VectorOps::MaximumInPlace(power, largest, binCount);
     }
 }
 
@@ -171,9 +170,9 @@ void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
     const uint32_t channels = GetChannelCount();
     const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
     for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
-        if (spectrumRing.GetChange(oldest, channel, spectrum.data())) {
-            VectorOps::Zero(spectrum.data() + changed, spectrum.size() - changed);
-            filterbank.add(static_cast<int32_t>(channel), spectrum.data());
+        if (spectrumRing.GetChange(oldest, channel, change.data())) {
+            VectorOps::Zero(change.data() + changed, change.size() - changed);
+            filterbank.add(static_cast<int32_t>(channel), change.data());
         }
     }
 }

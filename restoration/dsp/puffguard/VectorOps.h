@@ -71,17 +71,6 @@ inline void MaximumInPlace(const float* source, float* target, std::size_t count
     }
 }
 
-/// target[i] = squared magnitude of the i-th of `count` interleaved (re, im) pairs.
-inline void SquaredMagnitude(const float* pairs, float* target, std::size_t count) noexcept
-    UTIL_NONBLOCKING
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        const float re = pairs[2 * i];
-        const float im = pairs[2 * i + 1];
-        target[i] = re * re + im * im;
-    }
-}
-
 /// Sum in ascending order, held in double.
 inline double Sum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
 {

@@ -130,14 +130,14 @@ private:
     float frequencyLimit = 0; // Hz
     float latencyScaling = 0;
     OversampledFilterbank filterbank;
-    uint32_t frameSize = 0;            // F
-    uint32_t hopSize = 0;              // H
-    uint32_t binCount = 0;             // F / 2 + 1
-    SpectrumRing spectrumRing;         // N slots in use
-    uint32_t spectrumSlot = 0;         // of the newest frame, or of the next when it is done
-    uint32_t powerSlot = 0;            // the same, in powerRing
-    std::vector<DataTail> powerRing;   // slots of power, the largest of all channels
-    Util::AlignedVector<float> change; // F + 2, scratch: spectrum of what a repair has changed
+    uint32_t frameSize = 0;                  // F
+    uint32_t hopSize = 0;                    // H
+    uint32_t binCount = 0;                   // F / 2 + 1
+    SpectrumRing spectrumRing;               // N slots in use
+    uint32_t spectrumSlot = 0;               // of the newest frame, or of the next when it is done
+    uint32_t powerSlot = 0;                  // the same, in powerRing
+    std::vector<DataTail> powerRing;         // slots of power, the largest of all channels
+    Util::AlignedVector<float> change;       // F + 2, a channel's change of a frame; else all 0
     Util::AlignedVector<float> channelPower; // F / 2 + 1, scratch
     std::vector<DelayLine> delays;           // the input of each channel
     NoiseDetector noiseDetector;

@@ -171,8 +171,8 @@ void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
     const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
     for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
         if (spectrumRing.GetChange(oldest, channel, change.data())) {
-            VectorOps::Zero(change.data() + changed, change.size() - changed);
             filterbank.add(static_cast<int32_t>(channel), change.data());
+            VectorOps::Zero(change.data(), changed);
         }
     }
 }

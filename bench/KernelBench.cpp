@@ -73,8 +73,10 @@ void PrintTrackerRuns(double sampleRate)
             history.Append(signal[position]);
             position = (position + 1) % signal.size();
         }
-        autocorr.Compute(history.GetFrames(), Runs);
-        history.DropFrames();
+        for (int part = 0; part < DSP::Autocorr::Parts; ++part) {
+            autocorr.ComputePart(part, history.GetFrames(), Runs);
+        }
+        history.DropFrames(Runs);
         for (int run = 0; run < Runs; ++run) {
             tracker.Run(autocorr.GetCorrelation(run), autocorr.GetFirstLag(run));
         }

@@ -3,8 +3,9 @@
 //
 // A hop is cut into StepCount steps. Each is taken as soon as its samples are there, and does what
 // falls to it:
-//  - of the hop that was completed last: the spectra, channel by channel; the detection value;
-//    some runs of the tracker; then, with the pitch at that hop's end, the search and a repair;
+//  - of the hop that was completed last: the spectra, channel by channel; the detection value; the
+//    tracker's part by part, its frames' correlations first and then its runs; with the pitch at
+//    that hop's end, the search and a repair;
 //  - of the hop that is coming in: what repairs have changed in the oldest frame is transformed
 //    back, channel by channel;
 //  - the pitch tracker gets the samples.
@@ -29,24 +30,32 @@ namespace {
 
 constexpr uint32_t StepCount = 16;
 
+/// Which of some steps have more of the pieces that can't be shared out evenly.
+enum class Rest { First, Last };
+
 /// Neighbouring steps that share some equal pieces of work.
 struct Steps {
     uint32_t first;
     uint32_t count;
+    Rest rest;
 
     /// Pieces of `pieces` that are done when `step` begins.
     constexpr uint32_t GetDone(uint32_t step, uint32_t pieces) const noexcept
     {
-        return pieces * std::clamp(step, first, first + count) / count - pieces * first / count;
+        const uint32_t steps = std::clamp(step, first, first + count) - first;
+        return (pieces * steps + (rest == Rest::First ? count - 1 : 0)) / count;
     }
 };
 
-// The last steps are left to the tracker, which correlates most of a hop's frames in them.
-constexpr Steps TransformSteps = {0, 4};
-constexpr uint32_t DetectionStep = 4;
-constexpr Steps TrackerSteps = {4, 5};
-constexpr uint32_t SearchStep = 9;
-constexpr Steps SynthesisSteps = {10, 4};
+// A channel's transform takes as long as two parts of the tracker's work: with one or two channels
+// no step has both. Two neighbouring steps, a call of 64 frames at 48 kHz, stay below twice the
+// mean, also where a repair is made.
+constexpr Steps TransformSteps = {0, 3, Rest::First};
+constexpr uint32_t DetectionStep = 3;
+constexpr Steps TrackerSteps = {2, PitchDetect::PitchDetect::BlockParts, Rest::First};
+constexpr uint32_t SearchStep = 12;
+constexpr Steps SynthesisSteps = {13, 3, Rest::Last};
+static_assert(TrackerSteps.first + TrackerSteps.count <= SearchStep);
 
 } // namespace
 
@@ -59,7 +68,6 @@ void PuffGuard::OnFrameArriving(uint32_t arrived, float* const* channels)
         }
         Synthesise();
     }
-    // After the work: the tracker's runs for the former hop make room for those of this one.
     const uint32_t end = GetStepBegin(step);
     if (end > begin) {
         FeedTracker(begin, end - begin, channels);
@@ -112,9 +120,9 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
     if (step == DetectionStep) {
         Detect();
     }
-    constexpr uint32_t Runs = PitchDetect::PitchDetect::MaxRuns;
-    pitchDetect.Advance(
-        static_cast<int>(TrackerSteps.GetDone(step + 1, Runs) - TrackerSteps.GetDone(step, Runs)));
+    constexpr uint32_t Parts = PitchDetect::PitchDetect::BlockParts;
+    pitchDetect.Advance(static_cast<int>(TrackerSteps.GetDone(step + 1, Parts) -
+                                         TrackerSteps.GetDone(step, Parts)));
     if (step == SearchStep) {
         FinishFrame();
     }

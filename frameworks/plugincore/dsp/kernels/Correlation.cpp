@@ -79,7 +79,7 @@ struct Batch {
     /// Butterflies of the transform's first stage from `p` to below `end`, of which the first
     /// `Legs` of four elements lie within the frame. What lies behind its end is 0 and isn't read.
     template <int Legs>
-    void StartTransform(Index p, Index end) const
+    void RunFirstStage(Index p, Index end) const
     {
         const Index step = plan.whole.length / 4;
         const float* factors = plan.whole.factors + 6 * p;
@@ -93,18 +93,30 @@ struct Batch {
         }
     }
 
-    void TransformFrames() const
+    /// The first stage, and the others on the first of the quarters that it leaves.
+    void StartTransform() const
     {
         const Index step = plan.whole.length / 4;
         const Index filled = (plan.frameLength + 1) / 2; // elements, more than one leg's
         const Index three = filled > 2 * step ? filled - 2 * step : 0;
         const Index two = filled - step < step ? filled - step : step;
-        StartTransform<3>(0, three);
-        StartTransform<2>(three, two);
-        StartTransform<1>(two, step);
-        for (Index k = 0; k < 4; ++k) {
-            Transform::Run(spectrum + 2 * L * step * k, step, plan.whole.factors + 6 * step);
+        RunFirstStage<3>(0, three);
+        RunFirstStage<2>(three, two);
+        RunFirstStage<1>(two, step);
+        FinishQuarter(0);
+    }
+
+    void FinishTransform() const
+    {
+        for (Index quarter = 1; quarter < 4; ++quarter) {
+            FinishQuarter(quarter);
         }
+    }
+
+    void FinishQuarter(Index quarter) const
+    {
+        const Index step = plan.whole.length / 4;
+        Transform::Run(spectrum + 2 * L * step * quarter, step, plan.whole.factors + 6 * step);
     }
 
     /// Folds the magnitudes of bins k and N - k for the cosine transform, fourfold; answers twice
@@ -124,9 +136,9 @@ struct Batch {
 
     /// Folds the magnitudes m so that a transform of half their number holds the even outputs of
     /// the cosine transform in its real parts and the differences of the odd ones in its imaginary
-    /// parts. Answers output 1, from which the other odd ones are reached by steps, eightfold; its
-    /// sum is in double, since its rounding would show in all of them.
-    V Fold() const
+    /// parts. Output 1, from which the other odd ones are reached by steps, becomes lag 1,
+    /// eightfold; its sum is in double, since its rounding would show in all of them.
+    void Fold() const
     {
         constexpr int Chunk = 8; // differences wait so that the sums' registers are free meanwhile
         const Index middle = plan.whole.length / 2;
@@ -145,7 +157,7 @@ struct Batch {
         }
         const Complex centre = Complex::Get(spectrum, plan.whole.order[middle]);
         Store(folded + L * middle, Sqrt<L>(centre.re * centre.re + centre.im * centre.im) * 4.0F);
-        return (even + odd).Narrow();
+        Store(lags + L, (even + odd).Narrow());
     }
 
     void PutLag(Index lag, V value) const
@@ -163,12 +175,12 @@ struct Batch {
         odd = odd - Wide::From(value.im);
     }
 
-    void MakeLags(V first) const
+    void MakeLags() const
     {
         const TransformPlan& half = plan.half;
         const Index middle = half.length / 2;
         const Index last = (plan.maxLag + 1) / 2;
-        Wide odd = Wide::From(first);
+        Wide odd = Wide::From(Load<L>(lags + L));
         PutLag(0, Transform::Separate(folded, half, 0).low.re);
         Index bin = 1;
         for (; bin <= last && bin < middle; ++bin) {
@@ -243,57 +255,82 @@ struct Batch {
         }
     }
 
-    void Run(int frames, const CorrelationResult& result) const
+    /// The way in as many stages as a correlation has parts; they take about the same time.
+    void RunStage(int stage, int frames, const CorrelationResult& result) const
     {
-        TransformFrames();
-        const V first = Fold();
-        Transform::Run(folded, plan.half.length, plan.half.factors);
-        MakeLags(first);
-        PutResult(frames, result);
+        switch (stage) {
+        case 0:
+            StartTransform();
+            break;
+        case 1:
+            FinishTransform();
+            break;
+        case 2:
+            Fold();
+            break;
+        case 3:
+            Transform::Run(folded, plan.half.length, plan.half.factors);
+            break;
+        default:
+            MakeLags();
+            PutResult(frames, result);
+        }
     }
 };
 
-/// All of a call.
-struct Frames {
+/// Stages of several batches. They follow each other batch by batch, so that a batch stays near and
+/// one batch's scratch is enough.
+struct Batches {
     const CorrelationPlan& plan;
     const PolyphaseView& source;
-    int count;
+    int frames;
     float* scratch;
     const CorrelationResult& result;
 
-    /// Those from `first` on, up to L of them.
+    int GetCount() const { return (frames + LevelLanes - 1) / LevelLanes; }
+
+    /// Of the batch of up to L frames that begins with the frame `first`.
     template <int L>
-    void Run(int first) const
+    void RunStage(int first, int stage) const
     {
         float* const folded = scratch + 2 * L * plan.whole.length;
         float* const lags = folded + L * plan.whole.length;
         const PolyphaseView view = {source.samples + first, source.rowLength, source.stepShift};
         const Batch<L> batch = {plan, view, scratch, folded, lags};
         const Index row = GetCorrelationStride(plan.maxLag) * first;
-        batch.Run(count - first < L ? count - first : L,
-                  {result.correlation + row, result.firstLags + first});
+        batch.RunStage(stage,
+                       frames - first < L ? frames - first : L,
+                       {result.correlation + row, result.firstLags + first});
+    }
+
+    void RunStage(int stage) const
+    {
+        constexpr int FewLanes = LevelLanes < 8 ? LevelLanes : LevelLanes / 2;
+        const int first = stage / CorrelationParts * LevelLanes;
+        if (frames - first > FewLanes) {
+            RunStage<LevelLanes>(first, stage % CorrelationParts);
+        } else {
+            RunStage<FewLanes>(first, stage % CorrelationParts);
+        }
     }
 };
 
-void Correlate(const CorrelationPlan& plan,
-               const PolyphaseView& source,
-               int frames,
-               float* scratch,
-               const CorrelationResult& result) noexcept
+void CorrelatePart(int part,
+                   const CorrelationPlan& plan,
+                   const PolyphaseView& source,
+                   int frames,
+                   float* scratch,
+                   const CorrelationResult& result) noexcept
 {
-    constexpr int FewLanes = LevelLanes < 8 ? LevelLanes : LevelLanes / 2;
-    const Frames all = {plan, source, frames, scratch, result};
-    int done = 0;
-    for (; frames - done > FewLanes; done += LevelLanes) {
-        all.Run<LevelLanes>(done);
-    }
-    if (done < frames) {
-        all.Run<FewLanes>(done);
+    const Batches batches = {plan, source, frames, scratch, result};
+    const int stages = batches.GetCount();
+    for (int stage = stages * part; stage < stages * (part + 1); ++stage) {
+        batches.RunStage(stage);
     }
 }
 
 } // namespace
 
-constinit const CorrelationKernels correlation = {.correlate = Correlate};
+constinit const CorrelationKernels correlation = {.correlatePart = CorrelatePart};
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

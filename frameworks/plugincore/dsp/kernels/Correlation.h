@@ -38,7 +38,7 @@ struct PolyphaseView {
     int stepShift = 0; ///< log2 of the step from one frame to the next, at least 1
 };
 
-/// Frames that one call may have at most; the rows of samples are readable that far.
+/// Frames of a correlation at most; the rows of samples are readable that far.
 inline constexpr int MaxFrames = 16;
 
 /// Lags that a row of results has, of which those after `maxLag`, one at least, are 0.
@@ -47,19 +47,23 @@ inline constexpr int MaxFrames = 16;
     return (maxLag + 2 + MaxFrames - 1) / MaxFrames * MaxFrames;
 }
 
+/// Parts of about the same size that the work of a correlation comes in.
+inline constexpr int CorrelationParts = 5;
+
 /// Room that a row of results takes, in floats.
 [[gnu::always_inline]] constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag) noexcept
 {
     return GetLagCount(maxLag) + LagPadding;
 }
 
-/// Scratch that a call needs, in floats.
+/// Scratch that a correlation needs, in floats.
 constexpr std::ptrdiff_t GetCorrelationScratch(const CorrelationPlan& plan)
 {
     return MaxFrames * (3 * plan.whole.length + GetLagCount(plan.maxLag));
 }
 
-/// Where a call writes: for each frame a row of correlations, and the lag where its search begins.
+/// Where a correlation goes: for each frame a row of correlations, and the lag where its search
+/// begins.
 struct CorrelationResult {
     float* correlation = nullptr; ///< rows of GetCorrelationStride(maxLag), whose padding is kept
     int* firstLags = nullptr;     ///< room for MaxFrames
@@ -67,7 +71,9 @@ struct CorrelationResult {
 
 /// Correlations of frames side by side, a frame a lane. All are [process].
 struct CorrelationKernels {
-    /// Takes 1 to MaxFrames frames. For each of them, of n samples x:
+    /// Does one part of the correlation of 1 to MaxFrames frames: all from 0 to CorrelationParts -
+    /// 1 are due one after the other. Samples and scratch stay as they are meanwhile, the results
+    /// are there after the last part. For each frame, of n samples x:
     ///
     ///     m[k] = abs(sum over i of w[i] x[i] exp(-2 pi i k sqrt(-1) / F)), k = 0..N
     ///     s[l] = m[0] + m[N] cos(pi l) + sum over 0 < k < N of 2 m[k] cos(pi k l / N)
@@ -76,11 +82,12 @@ struct CorrelationKernels {
     /// The first lag is the last up to which r falls from lag 0 on, looked for below
     /// (minLag + maxLag) / 2, but at least minLag. What is written is r up to there, and from there
     /// on r[l] - min(r[l] / 2, (r[l / 2] + r[(l + 1) / 2]) / 8), with indices rounded down.
-    void (*correlate)(const CorrelationPlan& plan,
-                      const PolyphaseView& source,
-                      int frames,
-                      float* scratch,
-                      const CorrelationResult& result) noexcept;
+    void (*correlatePart)(int part,
+                          const CorrelationPlan& plan,
+                          const PolyphaseView& source,
+                          int frames,
+                          float* scratch,
+                          const CorrelationResult& result) noexcept;
 };
 
 } // namespace DSP::Kernels

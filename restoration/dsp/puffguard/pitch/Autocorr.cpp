@@ -111,10 +111,11 @@ void Autocorr::MakeLagTables()
     }
 }
 
-void Autocorr::Compute(const Kernels::PolyphaseView& source, int frames) noexcept UTIL_NONBLOCKING
+void Autocorr::ComputePart(int part, const Kernels::PolyphaseView& source, int frames) noexcept
+    UTIL_NONBLOCKING
 {
-    kernels.correlate(
-        plan, source, frames, scratch.data(), {correlations.data(), firstLags.data()});
+    kernels.correlatePart(
+        part, plan, source, frames, scratch.data(), {correlations.data(), firstLags.data()});
 }
 
 std::span<float> Autocorr::GetCorrelation(int frame) noexcept UTIL_NONBLOCKING

@@ -29,7 +29,8 @@ namespace DSP {
 /// not below n + maxLag.
 class Autocorr {
 public:
-    static constexpr int MaxFrames = Kernels::MaxFrames; ///< frames of one call
+    static constexpr int MaxFrames = Kernels::MaxFrames;    ///< frames that go side by side
+    static constexpr int Parts = Kernels::CorrelationParts; ///< that their work comes in
 
     /// Makes tables and buffers. `maxLag` from 32 to 20000, `minLag` from 1 to `maxLag`. The
     /// kernels are those that the processor runs best unless a test says others. [setup]
@@ -37,10 +38,12 @@ public:
              int maxLag,
              const Kernels::CorrelationKernels& newKernels = Kernels::GetKernels().correlation);
 
-    /// Takes 1 to MaxFrames frames. [process]
-    void Compute(const Kernels::PolyphaseView& source, int frames) noexcept UTIL_NONBLOCKING;
+    /// Does a part, 0 to Parts - 1, of the work on 1 to MaxFrames frames. The parts come one after
+    /// the other with the same samples. [process]
+    void ComputePart(int part, const Kernels::PolyphaseView& source, int frames) noexcept
+        UTIL_NONBLOCKING;
 
-    /// Correlation of a frame of the latest call for the lags 0..maxLag, a row of
+    /// Correlation of a frame, after the last part, for the lags 0..maxLag, a row of
     /// Kernels::GetCorrelationStride() that is 0 from there on; the caller may change the lags, as
     /// long as none is negative. [process]
     std::span<float> GetCorrelation(int frame) noexcept UTIL_NONBLOCKING;

@@ -11,7 +11,7 @@ namespace {
 /// The frames' own columns, those by which they lie apart, and one for the samples after the last.
 std::size_t GetColumns(std::size_t frameLength, std::size_t step)
 {
-    return frameLength / step + Kernels::MaxFrames + 2;
+    return frameLength / step + FrameHistory::MaxDue + 2;
 }
 
 } // namespace
@@ -47,15 +47,14 @@ Kernels::PolyphaseView FrameHistory::GetFrames() const noexcept UTIL_NONBLOCKING
             .stepShift = stepShift};
 }
 
-void FrameHistory::DropFrames() noexcept UTIL_NONBLOCKING
+void FrameHistory::DropFrames(int count) noexcept UTIL_NONBLOCKING
 {
-    const auto columns = static_cast<std::size_t>(due);
     for (auto row = rows.begin(); row != rows.end();
          row += static_cast<std::ptrdiff_t>(rowLength)) {
-        std::copy(row + due, row + static_cast<std::ptrdiff_t>(rowLength), row);
+        std::copy(row + count, row + static_cast<std::ptrdiff_t>(rowLength), row);
     }
-    position -= columns << stepShift;
-    due = 0;
+    position -= static_cast<std::size_t>(count) << stepShift;
+    due -= count;
 }
 
 } // namespace DSP::Synapse

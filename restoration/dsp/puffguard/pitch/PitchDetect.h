@@ -26,8 +26,8 @@ public:
 
     /// Runs of the tracker that its dynamic programming looks ahead.
     static constexpr int DelayFrames = 64;
-    /// Runs of the tracker that may wait.
-    static constexpr int MaxRuns = Autocorr::MaxFrames;
+    /// Parts of about the same size that the work on a block comes in.
+    static constexpr int BlockParts = Synapse::PitchEngine::BlockParts;
 
     /// Where the element works: that of the element around it.
     struct Format {
@@ -46,10 +46,10 @@ public:
     /// The pitch at this sample is wanted, but later: the work for it is done by Advance().
     /// [process]
     void EndBlock() noexcept UTIL_NONBLOCKING { synapse.EndBlock(); }
-    /// Does up to `runs` of the at most MaxRuns parts of that work. [process]
-    void Advance(int runs) noexcept UTIL_NONBLOCKING { synapse.Advance(runs); }
+    /// Does up to `parts` of the BlockParts of that work. [process]
+    void Advance(int parts) noexcept UTIL_NONBLOCKING { synapse.Advance(parts); }
     /// As GetPitch(), at the latest EndBlock(); before another block of as many samples, at most
-    /// MaxRuns runs of the tracker, has come in. [process]
+    /// Autocorr::MaxFrames runs of the tracker, has come in. [process]
     float GetBlockPitch() noexcept UTIL_NONBLOCKING { return synapse.GetBlockPitch(); }
 
 protected:

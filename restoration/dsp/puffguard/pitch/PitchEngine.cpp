@@ -22,7 +22,8 @@ void PitchEngine::Reset() noexcept UTIL_NONBLOCKING
     prefilter.Reset();
     history.Reset();
     tracker.Reset();
-    correlated = 0;
+    runs = 0;
+    partsDone = 0;
     made = 0;
     pitchHz = 0;
 }
@@ -48,28 +49,41 @@ void PitchEngine::Append(std::span<const float> decimated) noexcept UTIL_NONBLOC
 {
     for (const float d : decimated) {
         history.Append(d);
-        if (history.GetDueCount() == Autocorr::MaxFrames) {
-            Correlate();
+        if (history.GetDueCount() > runs + Autocorr::MaxFrames) {
+            TakeRuns();
         }
     }
 }
 
-/// Gets the runs that are due ready, after those that were ready before.
-void PitchEngine::Correlate() noexcept UTIL_NONBLOCKING
+/// Turns to the next runs that are due, after those that were worked on before.
+void PitchEngine::TakeRuns() noexcept UTIL_NONBLOCKING
 {
-    if (history.GetDueCount() == 0) {
+    if (history.GetDueCount() == runs) {
         return;
     }
-    Advance(Autocorr::MaxFrames);
-    correlated = history.GetDueCount();
+    Advance(BlockParts);
+    history.DropFrames(runs);
+    runs = std::min(history.GetDueCount(), Autocorr::MaxFrames);
+    partsDone = 0;
     made = 0;
-    autocorr.Compute(history.GetFrames(), correlated);
-    history.DropFrames();
 }
 
-void PitchEngine::Advance(int runs) noexcept UTIL_NONBLOCKING
+void PitchEngine::Advance(int parts) noexcept UTIL_NONBLOCKING
 {
-    const int end = std::min(made + runs, correlated);
+    const int end = std::min(partsDone + parts, runs > 0 ? BlockParts : 0);
+    for (; partsDone < end; ++partsDone) {
+        if (partsDone < Autocorr::Parts) {
+            autocorr.ComputePart(partsDone, history.GetFrames(), runs);
+        } else {
+            constexpr int RunParts = BlockParts - Autocorr::Parts;
+            const int part = partsDone - Autocorr::Parts;
+            MakeRuns((runs * (part + 1) + RunParts - 1) / RunParts);
+        }
+    }
+}
+
+void PitchEngine::MakeRuns(int end) noexcept UTIL_NONBLOCKING
+{
     if (made == end) {
         return;
     }
@@ -84,13 +98,13 @@ void PitchEngine::Advance(int runs) noexcept UTIL_NONBLOCKING
 
 float PitchEngine::GetBlockPitch() noexcept UTIL_NONBLOCKING
 {
-    Advance(Autocorr::MaxFrames);
+    Advance(BlockParts);
     return pitchHz;
 }
 
 float PitchEngine::GetPitch() noexcept UTIL_NONBLOCKING
 {
-    Correlate();
+    TakeRuns();
     return GetBlockPitch();
 }
 

@@ -52,18 +52,22 @@ public:
     /// earlier.
     float GetPitch() noexcept UTIL_NONBLOCKING;
 
+    /// Parts of about the same size that the tracker's runs up to the end of a block come in.
+    static constexpr int BlockParts = Autocorr::Parts + 5;
+
     /// For one who wants the pitch at this sample, but later: the tracker's runs up to here can
-    /// then be made bit by bit, while samples of the next block come in.
-    void EndBlock() noexcept UTIL_NONBLOCKING { Correlate(); }
-    /// Makes the next `runs`, if so many are left, of the block ended last.
-    void Advance(int runs) noexcept UTIL_NONBLOCKING;
+    /// then be made part by part, while samples of the next block come in.
+    void EndBlock() noexcept UTIL_NONBLOCKING { TakeRuns(); }
+    /// Does the next `parts`, if so many are left, of the block ended last.
+    void Advance(int parts) noexcept UTIL_NONBLOCKING;
     /// As GetPitch(), at the end of the block ended last; until Autocorr::MaxFrames runs are due
     /// in the next one.
     float GetBlockPitch() noexcept UTIL_NONBLOCKING;
 
 private:
     void Append(std::span<const float> decimated) noexcept UTIL_NONBLOCKING;
-    void Correlate() noexcept UTIL_NONBLOCKING;
+    void TakeRuns() noexcept UTIL_NONBLOCKING;
+    void MakeRuns(int end) noexcept UTIL_NONBLOCKING;
 
     const AnalysisSizes sizes;
     int delayFrames;
@@ -73,9 +77,10 @@ private:
     Autocorr autocorr;
     FrameHistory history; // decimated; a frame due is a run of the tracker
     LagTracker tracker;
-    int correlated = 0; // runs whose correlations lie ready
-    int made = 0;       // of them
-    float pitchHz = 0;  // of the latest run
+    int runs = 0;      // that are worked on, the oldest in `history`
+    int partsDone = 0; // of that work
+    int made = 0;      // of the runs
+    float pitchHz = 0; // of the latest run
 };
 
 } // namespace DSP::Synapse

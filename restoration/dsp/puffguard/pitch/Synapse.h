@@ -50,7 +50,7 @@ public:
 
     /// As those of PitchEngine. [process]
     void EndBlock() noexcept UTIL_NONBLOCKING { engine.EndBlock(); }
-    void Advance(int runs) noexcept UTIL_NONBLOCKING { engine.Advance(runs); }
+    void Advance(int parts) noexcept UTIL_NONBLOCKING { engine.Advance(parts); }
     float GetBlockPitch() noexcept UTIL_NONBLOCKING;
 
 protected:

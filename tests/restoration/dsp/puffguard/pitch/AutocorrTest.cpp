@@ -110,14 +110,22 @@ std::vector<float> MakeSignal(std::size_t count)
     return signal;
 }
 
+/// The oldest `frames` frames, of which the history may hold more.
+void Compute(Autocorr& autocorr, const FrameHistory& history, int frames)
+{
+    for (int part = 0; part < Autocorr::Parts; ++part) {
+        autocorr.ComputePart(part, history.GetFrames(), frames);
+    }
+}
+
 /// Feeds the signal and drops frames in portions of all sizes, but for the last 16.
 void Feed(FrameHistory& history, const std::vector<float>& signal)
 {
     const std::size_t kept = signal.size() - std::size_t{Autocorr::MaxFrames} * Step;
     int portion = 1;
     for (std::size_t i = 0; i < signal.size(); ++i) {
-        if (i <= kept && (i == kept || history.GetDueCount() == portion)) {
-            history.DropFrames();
+        if (i <= kept && (i == kept || history.GetDueCount() == FrameHistory::MaxDue)) {
+            history.DropFrames(i == kept ? history.GetDueCount() : portion);
             portion = portion * 5 % 17;
         }
         history.Append(signal[i]);
@@ -139,7 +147,7 @@ TEST_P(AutocorrOfSize, EqualsTheDoublePrecisionForm)
     Feed(history, signal);
     const int due = history.GetDueCount();
     ASSERT_EQ(due, Autocorr::MaxFrames);
-    autocorr.Compute(history.GetFrames(), due);
+    Compute(autocorr, history, due);
     bool hasFallen = false;
     for (const int frame : {0, 4, due - 1}) {
         // The latest frame ends a step before the signal does.
@@ -167,11 +175,11 @@ TEST_P(AutocorrOfSize, EveryLevelAndNumberOfFramesGivesTheSameBits)
     const int due = history.GetDueCount();
     Autocorr baseline(
         MinLag, maxLag, DSP::Kernels::GetKernels(DSP::Kernels::Level::Baseline).correlation);
-    baseline.Compute(history.GetFrames(), due);
+    Compute(baseline, history, due);
     for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
         Autocorr autocorr(MinLag, maxLag, DSP::Kernels::GetKernels(level).correlation);
         for (int frames = 1; frames <= due; ++frames) {
-            autocorr.Compute(history.GetFrames(), frames);
+            Compute(autocorr, history, frames);
             const int last = frames - 1;
             const auto correlation = autocorr.GetCorrelation(last);
             const auto expected = baseline.GetCorrelation(last);
@@ -193,7 +201,7 @@ TEST(Autocorr, SilenceHasNoCorrelation)
     history.Append(1); // the frame that this sample makes due ends before it
     ASSERT_EQ(history.GetDueCount(), 1);
     Autocorr autocorr(MinLag, 245);
-    autocorr.Compute(history.GetFrames(), 1);
+    Compute(autocorr, history, 1);
     const auto silent = autocorr.GetCorrelation(0);
     EXPECT_EQ(std::vector<float>(silent.begin(), silent.end()), std::vector<float>(silent.size()));
     EXPECT_EQ(autocorr.GetFirstLag(0), MinLag);

@@ -57,11 +57,13 @@ double Follow(LagTracker& tracker, const std::vector<float>& signal, std::size_t
             continue;
         }
         if (i >= Start) {
-            autocorr.Compute(history.GetFrames(), 1);
+            for (int part = 0; part < DSP::Autocorr::Parts; ++part) {
+                autocorr.ComputePart(part, history.GetFrames(), 1);
+            }
             const auto estimate = tracker.Run(autocorr.GetCorrelation(0), autocorr.GetFirstLag(0));
             pitchHz = DecimatedRate / static_cast<double>(estimate.lag);
         }
-        history.DropFrames();
+        history.DropFrames(1);
     }
     return pitchHz;
 }

@@ -42,6 +42,26 @@ struct Analysis {
         return pitches;
     }
 
+    /// The same from work that is done `parts` at a time while the next block comes in.
+    std::vector<float> RunLate(std::vector<float> signal, std::size_t block, int parts)
+    {
+        constexpr std::size_t Piece = 50;
+        signal.resize((signal.size() / block + 1) * block); // the last one is for the one before
+        std::vector<float> pitches;
+        for (std::size_t at = 0; at < signal.size(); at += block) {
+            for (std::size_t done = 0; done < block; done += Piece) {
+                engine.Advance(parts);
+                const std::size_t frames = std::min(Piece, block - done);
+                engine.Process(std::span(signal).subspan(at + done, frames));
+            }
+            if (at > 0) {
+                pitches.insert(pitches.end(), block, engine.GetBlockPitch());
+            }
+            engine.EndBlock();
+        }
+        return pitches;
+    }
+
     PitchEngine engine;
 };
 
@@ -145,10 +165,18 @@ TEST(PitchEngine, DoesNotDependOnTheCutIntoBlocks)
     const std::vector<float> signal = MakeTone(48000, 0.6, 140);
     const std::vector<float> each = Analysis(48000).Run(signal, 1);
     ASSERT_GT(*std::max_element(each.begin(), each.end()), 0.0F);
-    for (const std::size_t block : {std::size_t{17}, std::size_t{480}, std::size_t{4096}}) {
-        const std::vector<float> pitches = Analysis(48000).Run(signal, block);
+    const auto expectPitches = [&](const std::vector<float>& pitches, std::size_t block) {
         for (std::size_t end = block; end <= signal.size(); end += block) {
             ASSERT_EQ(pitches[end - 1], each[end - 1]) << block << " " << end;
+        }
+    };
+    for (const std::size_t block : {std::size_t{17}, std::size_t{480}, std::size_t{4096}}) {
+        expectPitches(Analysis(48000).Run(signal, block), block);
+    }
+    // The work on a block goes on while the next one comes in: in time, late, or not before asked.
+    for (const int parts : {1, 3, PitchEngine::BlockParts, 0}) {
+        for (const std::size_t block : {std::size_t{512}, std::size_t{200}}) {
+            expectPitches(Analysis(48000).RunLate(signal, block, parts), block);
         }
     }
 }

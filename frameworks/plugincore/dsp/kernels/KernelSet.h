@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/Cascade.h"
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
 #include "frameworks/plugincore/dsp/kernels/Fft.h"
 #include "frameworks/plugincore/dsp/kernels/LagSearch.h"
@@ -11,6 +12,7 @@ namespace DSP::Kernels {
 
 /// The kernels of one level, by the header that tells what they do.
 struct KernelSet {
+    const CascadeKernels& cascade;
     const CorrelationKernels& correlation;
     const FftKernels& fft;
     const LagSearchKernels& lagSearch;

@@ -6,6 +6,7 @@ namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 // Complete before any code of the module runs.
 constinit const KernelSet kernelSet = {
+    .cascade = cascade,
     .correlation = correlation,
     .fft = fft,
     .lagSearch = lagSearch,

@@ -14,6 +14,7 @@
 
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
+extern const CascadeKernels cascade;
 extern const CorrelationKernels correlation;
 extern const FftKernels fft;
 extern const LagSearchKernels lagSearch;

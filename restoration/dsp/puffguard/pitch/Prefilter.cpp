@@ -3,6 +3,8 @@
 
 #include "restoration/dsp/puffguard/RunningExp.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace DSP::Synapse {
@@ -10,42 +12,32 @@ namespace DSP::Synapse {
 namespace {
 
 constexpr float LeastLevel = 1e-12F;
-constexpr float DefaultLowpassHz = 300;
 constexpr float DefaultHighpassHz = 100;
 constexpr float DefaultAveragingMs = 8.16F;
-// The poles of the first filter come so close to 1 that above some 840 kHz, as floats, they would
-// lie on the unit circle or beyond it. Below, floats do and cost less.
-constexpr double LargestPlainRateHz = 400000.0;
 
 } // namespace
 
 Prefilter::Prefilter(const AnalysisSizes& sizes)
-    : sampleRate(static_cast<double>(sizes.sampleRate))
-    , decimatedRate(static_cast<double>(sizes.decimatedRate))
+    : decimatedRate(static_cast<double>(sizes.decimatedRate))
     , decimation(sizes.decimation)
-    , isPrecise(sampleRate > LargestPlainRateHz)
-    , plain(sampleRate)
-    , precise(sampleRate)
+    , input(static_cast<double>(sizes.sampleRate))
 {
-    SetLowpass(DefaultLowpassHz);
     SetHighpass(DefaultHighpassHz);
     SetAveragingTime(DefaultAveragingMs);
 }
 
 void Prefilter::Reset() noexcept UTIL_NONBLOCKING
 {
-    plain.Reset();
-    precise.Reset();
-    stages.lowpass.Reset();
+    input.Reset();
     stages.highpass.Reset();
-    stages.lowpassSum = 0;
-    stages.level = 0;
+    stages.sum = 0;
     stages.samplesLeft = 1;
+    stages.level = 0;
 }
 
 void Prefilter::SetLowpass(float cornerHz) noexcept UTIL_NONBLOCKING
 {
-    stages.lowpass.SetCoefficients(MakeLowpass(static_cast<double>(cornerHz), sampleRate));
+    input.SetLowpass(cornerHz);
 }
 
 void Prefilter::SetHighpass(float cornerHz) noexcept UTIL_NONBLOCKING
@@ -67,40 +59,31 @@ void Prefilter::SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING
 std::size_t Prefilter::Process(std::span<const float> samples, float* target) noexcept
     UTIL_NONBLOCKING
 {
-    if (isPrecise) {
-        return Run(precise, samples, target);
-    }
-    return Run(plain, samples, target);
-}
-
-template <typename Number>
-std::size_t Prefilter::Run(DcFilter<Number>& dcFilter,
-                           std::span<const float> samples,
-                           float* target) noexcept UTIL_NONBLOCKING
-{
-    // Each section waits for its own last output only: in one loop they work side by side. The
-    // copies stay in registers.
-    DcFilter<Number> dc = dcFilter;
-    Stages s = stages;
+    std::array<float, 256> filtered; // written before it is read
+    Stages s = stages;               // the copy stays in registers
     float* next = target;
-    for (const float x : samples) {
-        s.lowpassSum += s.lowpass.Process(dc.Process(x));
-        --s.samplesLeft;
-        if (s.samplesLeft == 0) {
-            s.samplesLeft = decimation;
-            *next = s.Decimate();
-            ++next;
+    while (!samples.empty()) {
+        const auto piece = samples.first(std::min(samples.size(), filtered.size()));
+        input.Process(piece, filtered.data());
+        for (const float y : std::span(filtered).first(piece.size())) {
+            s.sum += y;
+            --s.samplesLeft;
+            if (s.samplesLeft == 0) {
+                s.samplesLeft = decimation;
+                *next = s.Decimate();
+                ++next;
+            }
         }
+        samples = samples.subspan(piece.size());
     }
-    dcFilter = dc;
     stages = s;
     return static_cast<std::size_t>(next - target);
 }
 
 float Prefilter::Stages::Decimate() noexcept UTIL_NONBLOCKING
 {
-    const float d = highpass.Process(lowpassSum);
-    lowpassSum = 0;
+    const float d = highpass.Process(sum);
+    sum = 0;
     level += (std::fabs(d) - level) * levelCoefficient;
     level = level < LeastLevel ? 0.0F : level;
     const float threshold = clippingThreshold * level;

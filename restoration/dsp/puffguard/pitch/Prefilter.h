@@ -4,7 +4,7 @@
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/pitch/AnalysisSizes.h"
 #include "restoration/dsp/puffguard/pitch/Biquad.h"
-#include "restoration/dsp/puffguard/pitch/DcFilter.h"
+#include "restoration/dsp/puffguard/pitch/InputFilters.h"
 
 #include <cstddef>
 #include <span>
@@ -36,30 +36,21 @@ public:
     std::size_t Process(std::span<const float> samples, float* target) noexcept UTIL_NONBLOCKING;
 
 private:
-    /// The state behind the first filter.
+    /// What follows the filters at the full rate.
     struct Stages {
         float Decimate() noexcept UTIL_NONBLOCKING;
 
-        Biquad<float> lowpass;  // at the full rate
         Biquad<float> highpass; // at the decimated rate
-        float lowpassSum = 0;   // outputs since the last decimated sample
+        float sum = 0;          // of filtered samples since the last decimated one
         float level = 0;
         float levelCoefficient = 1;
         float clippingThreshold = 0;
         int samplesLeft = 1; // until a decimated one is complete
     };
 
-    template <typename Number>
-    std::size_t Run(DcFilter<Number>& dcFilter,
-                    std::span<const float> samples,
-                    float* target) noexcept UTIL_NONBLOCKING;
-
-    double sampleRate;    // Hz
     double decimatedRate; // Hz
     int decimation;
-    bool isPrecise;
-    DcFilter<float> plain;
-    DcFilter<double> precise;
+    InputFilters input;
     Stages stages;
 };
 

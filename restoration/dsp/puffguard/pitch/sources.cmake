@@ -5,6 +5,7 @@ set(PITCH_SOURCES
     pitch/Biquad.cpp
     pitch/DynProgCached.cpp
     pitch/FrameHistory.cpp
+    pitch/InputFilters.cpp
     pitch/LagMap.cpp
     pitch/LagTracker.cpp
     pitch/PeakSearch.cpp

@@ -54,19 +54,17 @@ FFTImpl<float>::FFTImpl(int newOrder, const Kernels::FftKernels& newKernels)
     work.resize(At(Kernels::GetFftWorkSize(half)));
 }
 
-/// For each group of butterflies p: the real parts of a factor of all of them, then the imaginary
-/// ones, and so on for all factors; first those of the outer radix 4, by input and power, then
-/// those of the inner one.
+// Kernels::FftTables tells how factors lie.
 void FFTImpl<float>::MakeFirstFactors()
 {
     const Index butterflies = half / Kernels::FftFirstRadix;
-    const Index group = std::min(butterflies, Kernels::FftFirstGroup);
-    for (Index start = 0; start < butterflies; start += group) {
+    for (Index start = 0; start < butterflies; start += Kernels::FftFirstGroup) {
+        const Index end = start + Kernels::FftFirstGroup;
         const auto add = [&](Index power, Index offset, Index length) {
-            for (Index p = start; p < start + group; ++p) {
+            for (Index p = start; p < end; ++p) {
                 first.push_back(static_cast<float>(std::cos(Turn(power * (p + offset), length))));
             }
-            for (Index p = start; p < start + group; ++p) {
+            for (Index p = start; p < end; ++p) {
                 first.push_back(static_cast<float>(-std::sin(Turn(power * (p + offset), length))));
             }
         };

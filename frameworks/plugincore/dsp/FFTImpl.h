@@ -87,10 +87,9 @@ private:
     const Kernels::FftKernels* kernels;
     int order;
     int half;                         // length of the complex transform, F / 2
-    Util::AlignedVector<float> first; // factors of the first pass
-    std::vector<float> middle;        // of later passes: for each butterfly re, im by power
-    Util::AlignedVector<float>
-        separation;            // halved cosines of the bins below F / 4, then their sines
+    Util::AlignedVector<float> first; // as Kernels::FftTables tells
+    std::vector<float> middle;
+    Util::AlignedVector<float> separation;
     std::vector<float> direct; // cosines of one turn in F steps; only of the shortest transforms
     Util::AlignedVector<float> work;
 };

@@ -78,8 +78,16 @@ template <int N, int... i>
                                                      const Vector<float, N>& high,
                                                      std::integer_sequence<int, i...>) noexcept
 {
-    return {__builtin_shufflevector(low, high, (2 * i)...),
-            __builtin_shufflevector(low, high, (2 * i + 1)...)};
+    if constexpr (N == 8) {
+        // Within halves first, as the processor has it; compilers don't find this by themselves.
+        const auto re = __builtin_shufflevector(low, high, 0, 2, 8, 10, 4, 6, 12, 14);
+        const auto im = __builtin_shufflevector(low, high, 1, 3, 9, 11, 5, 7, 13, 15);
+        return {__builtin_shufflevector(re, re, 0, 1, 4, 5, 2, 3, 6, 7),
+                __builtin_shufflevector(im, im, 0, 1, 4, 5, 2, 3, 6, 7)};
+    } else {
+        return {__builtin_shufflevector(low, high, (2 * i)...),
+                __builtin_shufflevector(low, high, (2 * i + 1)...)};
+    }
 }
 
 /// Pairs (re, im) from any address.

@@ -9,9 +9,8 @@ namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 namespace {
 
-// Fewer serve the shortest transforms, and the first pass has more values than registers as it is.
+// Of the first pass of the shortest transforms, which have no more butterflies in it.
 constexpr int NarrowLanes = 4;
-constexpr int FirstLanes = LevelLanes < 8 ? LevelLanes : 8;
 
 /// Source of the first pass: samples 2 n and 2 n + 1 are the parts of element n.
 struct PairSource {
@@ -68,14 +67,14 @@ struct Passed {
 };
 
 template <typename Source>
-Passed RunAllButLastStep(const FftTables& tables, const Source& source) noexcept
+Passed RunAllButLastStep(const FftTables& tables, Source source) noexcept
 {
     SplitArray from = GetArray(tables, 0);
     SplitArray to = GetArray(tables, 1);
-    if (tables.half < FftFirstRadix * FirstLanes) {
+    if (tables.half < FftFirstRadix * LevelLanes) {
         RunFirstPass<NarrowLanes>(source, from, tables.half, tables.first);
     } else {
-        RunFirstPass<FirstLanes>(source, from, tables.half, tables.first);
+        RunFirstPass<LevelLanes>(source, from, tables.half, tables.first);
     }
     Index length = tables.half / FftFirstRadix;
     Index stride = FftFirstRadix;
@@ -99,7 +98,7 @@ Passed RunAllButLastStep(const FftTables& tables, const Source& source) noexcept
 }
 
 template <typename Target>
-void RunLastStep(const Passed& passed, const Target& target, Index half) noexcept
+void RunLastStep(const Passed& passed, Target target, Index half) noexcept
 {
     if (passed.length == 16) {
         RunTwoPasses<LevelLanes, true>(passed.from, target, 16, half / 16, passed.factors, nullptr);
@@ -112,7 +111,7 @@ void RunLastStep(const Passed& passed, const Target& target, Index half) noexcep
 
 /// Leaves the transform of the pairs of samples where it returns, Z[M] included.
 template <typename Source>
-SplitArray TransformPairs(const FftTables& tables, const Source& source) noexcept
+SplitArray TransformPairs(const FftTables& tables, Source source) noexcept
 {
     const Passed passed = RunAllButLastStep(tables, source);
     RunLastStep(passed, passed.free, tables.half);
@@ -121,11 +120,11 @@ SplitArray TransformPairs(const FftTables& tables, const Source& source) noexcep
 }
 
 template <typename Source>
-void RunForward(const FftTables& tables, const Source& source, float* spectrum) noexcept
+void RunForward(const FftTables& tables, Source source, float* spectrum) noexcept
 {
     const SplitArray halves = TransformPairs(tables, source);
     const PairTarget target = {spectrum};
-    Separate(halves, tables, 0, tables.half / 2, target);
+    Separate(halves, tables, 0, tables.half / 2, target, target);
     SeparateMiddle(halves, tables, target);
 }
 
@@ -151,11 +150,14 @@ void ForwardOfProductWithPower(const FftTables& tables,
 {
     const SplitArray halves = TransformPairs(tables, WindowedPairSource{samples, window});
     const LowBinTarget target = {{spectrum}, binCount, {power}};
-    // Behind these neither a bin nor its mirror is below binCount.
-    const Index last = (binCount + LevelLanes - 1) / LevelLanes * LevelLanes;
-    const Index low = last < tables.half / 2 ? last : tables.half / 2;
-    Separate(halves, tables, 0, low, target);
-    Separate(halves, tables, low, tables.half / 2, target.all);
+    const Index middle = tables.half / 2;
+    if (binCount > middle) {
+        Separate(halves, tables, 0, middle, target, target);
+    } else {
+        const Index low = (binCount + LevelLanes - 1) / LevelLanes * LevelLanes;
+        Separate(halves, tables, 0, low, target, target.all);
+        Separate(halves, tables, low, middle, target.all, target.all);
+    }
     SeparateMiddle(halves, tables, target);
 }
 

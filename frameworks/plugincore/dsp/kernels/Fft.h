@@ -5,25 +5,35 @@
 
 namespace DSP::Kernels {
 
-/// Tables of a real transform of F samples; FFTImpl makes them and tells what they hold.
-struct FftTables {
-    std::ptrdiff_t half;     ///< length of the complex transform, F / 2, a power of two from 64 on
-    const float* first;      ///< factors of the first pass
-    const float* middle;     ///< factors of the later ones, one behind the other
-    const float* separation; ///< halved factors between the complex and the real transform
-    float* work;             ///< GetFftWorkSize() floats, best at a multiple of 64 bytes
-};
-
-/// The first pass is two of radix 4 in one, so that afterwards whole vectors of neighbours go the
-/// same way; those after it are of radix 4, the last one of radix 4 or 8.
+/// The first pass of the complex transform is two of radix 4 in one, so that afterwards whole
+/// vectors of neighbours go the same way; those after it are of radix 4, the last one of radix 4 or
+/// 8.
 inline constexpr std::ptrdiff_t FftFirstRadix = 16;
 
 /// Complex factors of a butterfly of the first pass.
 inline constexpr std::ptrdiff_t FftFirstFactors = 15;
 
-/// The factors of this many neighbouring butterflies of the first pass lie together, or of all
-/// where there are fewer.
+/// The factors of this many neighbouring butterflies of the first pass lie together.
 inline constexpr std::ptrdiff_t FftFirstGroup = 16;
+
+/// Tables of a real transform of F samples by way of a complex one of length M = F / 2. With
+/// W(n, L) = exp(-2 pi i n / L):
+///  - `first`: for each group of butterflies p the factors W(j (p + i M / 16), M) for inputs i from
+///  0
+///    to 3 and powers j from 1 to 3, by input, then W(j p, M / 4); of each factor the real parts of
+///    all of the group, then the imaginary ones. A group that is not full is filled up with
+///    anything.
+///  - `middle`: for each length L = M / 16, M / 64 ... above 8 and each p below L / 4, pairs (re,
+///  im)
+///    of W(p, L), W(2 p, L), W(3 p, L).
+///  - `separation`: cos(2 pi k / F) / 2 for k below M / 2, then sin(2 pi k / F) / 2.
+struct FftTables {
+    std::ptrdiff_t half; ///< M, a power of two from 64 on
+    const float* first;
+    const float* middle;
+    const float* separation;
+    float* work; ///< GetFftWorkSize() floats, best at a multiple of 64 bytes
+};
 
 /// Floats between parts of an array of the transform: room for the mirror of its first element, and
 /// so many that the parts don't meet in the processor's cache.
@@ -35,7 +45,8 @@ constexpr std::ptrdiff_t GetFftWorkSize(std::ptrdiff_t half) noexcept
     return 4 * (half + FftPadding);
 }
 
-/// Real transforms there and back, as FFTImpl describes them. All are [process].
+/// Real transforms there and back: X[k] = sum over n of x[n] exp(-2 pi i k n / F), for k from 0 to
+/// F / 2 as pairs (re, im). Pointers may have any alignment. All are [process].
 struct FftKernels {
     /// `samples` has F floats, `spectrum` F + 2; they may be the same memory.
     void (*forward)(const FftTables& tables, const float* samples, float* spectrum) noexcept;
@@ -56,7 +67,8 @@ struct FftKernels {
                                       float* spectrum,
                                       float* power) noexcept;
 
-    /// Counterpart of forward().
+    /// Counterpart of forward(), divided by F, so that one after the other gives the samples back.
+    /// Doesn't read the imaginary parts of the first and the last bin.
     void (*inverse)(const FftTables& tables, const float* spectrum, float* samples) noexcept;
 };
 

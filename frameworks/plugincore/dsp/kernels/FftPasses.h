@@ -81,50 +81,36 @@ template <int N, int... i>
             __builtin_shufflevector(high01, high23, (i / 4 * 4 + i % 2 + i % 4 / 2 * N + 2)...)};
 }
 
-/// Writes lanes 4 g to 4 g + 3 of `left`, then of `right`, to `target` + 64 g.
+/// Half the lanes of each row, from `first` on.
+template <int first, int... i>
+[[gnu::always_inline]] inline FourRows<8> TakeHalves(const FourRows<16>& x,
+                                                     std::integer_sequence<int, i...>) noexcept
+{
+    return {__builtin_shufflevector(x.r0, x.r0, (first + i)...),
+            __builtin_shufflevector(x.r1, x.r1, (first + i)...),
+            __builtin_shufflevector(x.r2, x.r2, (first + i)...),
+            __builtin_shufflevector(x.r3, x.r3, (first + i)...)};
+}
+
+/// Writes lanes 4 g to 4 g + 3 of all rows, one behind the other, to `target` + 64 g.
 template <int N>
-[[gnu::always_inline]] inline void
-StoreRow(float* target, const Vector<float, N>& left, const Vector<float, N>& right) noexcept
+[[gnu::always_inline]] inline void StoreGroups(float* target, const FourRows<N>& x) noexcept
 {
     if constexpr (N == 4) {
-        Store(target, left);
-        Store(target + 4, right);
+        Store(target, x.r0);
+        Store(target + 4, x.r1);
+        Store(target + 8, x.r2);
+        Store(target + 12, x.r3);
+    } else if constexpr (N == 8) {
+        Store(target, __builtin_shufflevector(x.r0, x.r1, 0, 1, 2, 3, 8, 9, 10, 11));
+        Store(target + 8, __builtin_shufflevector(x.r2, x.r3, 0, 1, 2, 3, 8, 9, 10, 11));
+        Store(target + 64, __builtin_shufflevector(x.r0, x.r1, 4, 5, 6, 7, 12, 13, 14, 15));
+        Store(target + 72, __builtin_shufflevector(x.r2, x.r3, 4, 5, 6, 7, 12, 13, 14, 15));
     } else {
-        Store(target, __builtin_shufflevector(left, right, 0, 1, 2, 3, N, N + 1, N + 2, N + 3));
-        Store(target + 64,
-              __builtin_shufflevector(left, right, 4, 5, 6, 7, N + 4, N + 5, N + 6, N + 7));
+        constexpr auto Indices = std::make_integer_sequence<int, 8>{};
+        StoreGroups<8>(target, TakeHalves<0>(x, Indices));
+        StoreGroups<8>(target + 128, TakeHalves<8>(x, Indices));
     }
-    if constexpr (N == 16) {
-        Store(target + 128,
-              __builtin_shufflevector(left, right, 8, 9, 10, 11, N + 8, N + 9, N + 10, N + 11));
-        Store(target + 192,
-              __builtin_shufflevector(left, right, 12, 13, 14, 15, N + 12, N + 13, N + 14, N + 15));
-    }
-}
-
-/// Writes row j, the left half and then the right one, to `target` + 16 j.
-template <int N>
-[[gnu::always_inline]] inline void
-StoreTransposed(float* target, const FourRows<N>& left, const FourRows<N>& right) noexcept
-{
-    StoreRow<N>(target, left.r0, right.r0);
-    StoreRow<N>(target + 16, left.r1, right.r1);
-    StoreRow<N>(target + 32, left.r2, right.r2);
-    StoreRow<N>(target + 48, left.r3, right.r3);
-}
-
-/// Writes lane j of v0 to v7 to the eight places from `at` + 16 j on.
-template <int N>
-[[gnu::always_inline]] inline void
-StoreTransposed(SplitArray target, Index at, const Eight<N>& x) noexcept
-{
-    constexpr auto Indices = std::make_integer_sequence<int, N>{};
-    StoreTransposed<N>(target.re + at,
-                       Transpose<N>(x.v0.re, x.v1.re, x.v2.re, x.v3.re, Indices),
-                       Transpose<N>(x.v4.re, x.v5.re, x.v6.re, x.v7.re, Indices));
-    StoreTransposed<N>(target.im + at,
-                       Transpose<N>(x.v0.im, x.v1.im, x.v2.im, x.v3.im, Indices),
-                       Transpose<N>(x.v4.im, x.v5.im, x.v6.im, x.v7.im, Indices));
 }
 
 /// Factors of the butterflies of the first pass that share a vector.
@@ -132,62 +118,107 @@ template <int N>
 struct FirstFactors {
     [[gnu::always_inline]] ComplexVector<N> Get(Index number) const noexcept
     {
-        const float* const re = start + 2 * group * number;
-        return {Load<N>(re), Load<N>(re + group)};
+        const float* const re = start + 2 * FftFirstGroup * number;
+        return {Load<N>(re), Load<N>(re + FftFirstGroup)};
     }
 
     const float* start;
-    Index group;
 };
 
-/// The outer radix 4 of the first pass, of inputs `input` + 4 j.
+/// What the first of two passes that are run as one leaves to the second: four results by each of
+/// four inputs. They are more than there are registers, so they pass through this array, and loops
+/// over inputs and results keep each butterfly by itself in registers.
+template <int N>
+struct Between {
+    [[gnu::always_inline]] void Put(Index result, Index input, const ComplexVector<N>& value)
+    {
+        re[4 * result + input] = value.re;
+        im[4 * result + input] = value.im;
+    }
+
+    /// The butterfly of one result of all inputs.
+    [[gnu::always_inline]] Four<N> RunButterfly(Index result) const noexcept
+    {
+        const Vector<float, N>* const x = re + 4 * result;
+        const Vector<float, N>* const y = im + 4 * result;
+        return Butterfly(Four<N>{{x[0], y[0]}, {x[1], y[1]}, {x[2], y[2]}, {x[3], y[3]}});
+    }
+
+    Vector<float, N> re[16];
+    Vector<float, N> im[16];
+};
+
+/// The outer radix 4 of the first pass, of inputs `input` + 4 j. Lane 4 g + j of its results goes
+/// to lanes 4 g to 4 g + 3 of result j.
 template <int N, typename Source>
-[[gnu::always_inline]] inline Four<N> RunOuterButterfly(
-    const Source& source, Index p, Index step, Index input, const FirstFactors<N>& factors) noexcept
+[[gnu::always_inline]] inline void RunOuterButterfly(Source source,
+                                                     Index p,
+                                                     Index step,
+                                                     Index input,
+                                                     const FirstFactors<N>& factors,
+                                                     Between<N>& target) noexcept
 {
+    constexpr auto Indices = std::make_integer_sequence<int, N>{};
     const Index from = p + step * input;
     const Four<N> b = Butterfly(Four<N>{source.template Get<N>(from),
                                         source.template Get<N>(from + 4 * step),
                                         source.template Get<N>(from + 8 * step),
                                         source.template Get<N>(from + 12 * step)});
-    return {b.v0,
-            b.v1 * factors.Get(3 * input),
-            b.v2 * factors.Get(3 * input + 1),
-            b.v3 * factors.Get(3 * input + 2)};
+    const ComplexVector<N> y1 = b.v1 * factors.Get(3 * input);
+    const ComplexVector<N> y2 = b.v2 * factors.Get(3 * input + 1);
+    const ComplexVector<N> y3 = b.v3 * factors.Get(3 * input + 2);
+    const FourRows<N> re = Transpose<N>(b.v0.re, y1.re, y2.re, y3.re, Indices);
+    const FourRows<N> im = Transpose<N>(b.v0.im, y1.im, y2.im, y3.im, Indices);
+    target.Put(0, input, {re.r0, im.r0});
+    target.Put(1, input, {re.r1, im.r1});
+    target.Put(2, input, {re.r2, im.r2});
+    target.Put(3, input, {re.r3, im.r3});
 }
 
-/// The inner one, of what the outer ones have made of the same power.
-template <int N>
-[[gnu::always_inline]] inline Four<N> RunInnerButterfly(const Four<N>& x,
-                                                        const FirstFactors<N>& factors) noexcept
+/// Lane `lane` of each group of four, in all four.
+template <int N, int lane, int... i>
+[[gnu::always_inline]] inline ComplexVector<N> Spread(const ComplexVector<N>& x,
+                                                      std::integer_sequence<int, i...>) noexcept
 {
-    const Four<N> b = Butterfly(x);
-    return {b.v0, b.v1 * factors.Get(12), b.v2 * factors.Get(13), b.v3 * factors.Get(14)};
+    return {__builtin_shufflevector(x.re, x.re, (i / 4 * 4 + lane)...),
+            __builtin_shufflevector(x.im, x.im, (i / 4 * 4 + lane)...)};
+}
+
+/// The inner one, of result `lane` of the outer one: lane 4 g + k of its own result r belongs to
+/// element 4 r + k of butterfly 4 g + lane.
+template <int N, int lane>
+[[gnu::always_inline]] inline void RunInnerButterfly(const Between<N>& source,
+                                                     const FirstFactors<N>& factors,
+                                                     SplitArray target,
+                                                     Index at) noexcept
+{
+    constexpr auto Indices = std::make_integer_sequence<int, N>{};
+    const Four<N> b = source.RunButterfly(lane);
+    const ComplexVector<N> z1 = b.v1 * Spread<N, lane>(factors.Get(12), Indices);
+    const ComplexVector<N> z2 = b.v2 * Spread<N, lane>(factors.Get(13), Indices);
+    const ComplexVector<N> z3 = b.v3 * Spread<N, lane>(factors.Get(14), Indices);
+    StoreGroups<N>(target.re + at + 16 * lane, {b.v0.re, z1.re, z2.re, z3.re});
+    StoreGroups<N>(target.im + at + 16 * lane, {b.v0.im, z1.im, z2.im, z3.im});
 }
 
 /// First pass: one of radix 4 and stride 1, and one of radix 4 and stride 4 that takes its results
-/// out of the registers. `length` is at least 16 * N. FFTImpl tells how the factors lie.
+/// while they are at hand. `length` is at least 16 * N.
 template <int N, typename Source>
 inline void
-RunFirstPass(const Source& source, SplitArray target, Index length, const float* factors) noexcept
+RunFirstPass(Source source, SplitArray target, Index length, const float* factors) noexcept
 {
     const Index step = length / 16;
-    const Index group = step < FftFirstGroup ? step : FftFirstGroup;
     for (Index p = 0; p < step; p += N) {
-        const FirstFactors<N> w = {factors + 2 * FftFirstFactors * (p / group * group) + p % group,
-                                   group};
-        const Four<N> y0 = RunOuterButterfly<N>(source, p, step, 0, w);
-        const Four<N> y1 = RunOuterButterfly<N>(source, p, step, 1, w);
-        const Four<N> y2 = RunOuterButterfly<N>(source, p, step, 2, w);
-        const Four<N> y3 = RunOuterButterfly<N>(source, p, step, 3, w);
-        const Four<N> z0 = RunInnerButterfly<N>({y0.v0, y1.v0, y2.v0, y3.v0}, w);
-        const Four<N> z1 = RunInnerButterfly<N>({y0.v1, y1.v1, y2.v1, y3.v1}, w);
-        const Four<N> z2 = RunInnerButterfly<N>({y0.v2, y1.v2, y2.v2, y3.v2}, w);
-        const Four<N> z3 = RunInnerButterfly<N>({y0.v3, y1.v3, y2.v3, y3.v3}, w);
-        StoreTransposed<N>(
-            target, 16 * p, {z0.v0, z1.v0, z2.v0, z3.v0, z0.v1, z1.v1, z2.v1, z3.v1});
-        StoreTransposed<N>(
-            target, 16 * p + 8, {z0.v2, z1.v2, z2.v2, z3.v2, z0.v3, z1.v3, z2.v3, z3.v3});
+        const Index group = p / FftFirstGroup * FftFirstGroup;
+        const FirstFactors<N> w = {factors + 2 * FftFirstFactors * group + (p - group)};
+        Between<N> between;
+        for (Index input = 0; input < 4; ++input) {
+            RunOuterButterfly<N>(source, p, step, input, w, between);
+        }
+        RunInnerButterfly<N, 0>(between, w, target, 16 * p);
+        RunInnerButterfly<N, 1>(between, w, target, 16 * p);
+        RunInnerButterfly<N, 2>(between, w, target, 16 * p);
+        RunInnerButterfly<N, 3>(between, w, target, 16 * p);
     }
 }
 
@@ -224,27 +255,47 @@ inline void RunMiddlePass(
     }
 }
 
-/// The first of two middle passes that are run as one, for inputs p + length / 4 * i.
+/// The first of two middle passes that are run as one, for inputs `input` + 4 j.
 template <int N>
-[[gnu::always_inline]] inline Four<N>
-RunOuterButterfly(SplitArray source, Index from, Index step, const float* factors) noexcept
+[[gnu::always_inline]] inline void RunOuterButterfly(SplitArray source,
+                                                     Index from,
+                                                     Index step,
+                                                     const float* factors,
+                                                     Between<N>& target,
+                                                     Index input) noexcept
 {
     const Four<N> y = Butterfly(Four<N>{source.Get<N>(from),
                                         source.Get<N>(from + step),
                                         source.Get<N>(from + 2 * step),
                                         source.Get<N>(from + 3 * step)});
-    return {y.v0,
-            y.v1 * GetPower<N>(factors, 1),
-            y.v2 * GetPower<N>(factors, 2),
-            y.v3 * GetPower<N>(factors, 3)};
+    target.Put(0, input, y.v0);
+    target.Put(1, input, y.v1 * GetPower<N>(factors, 1));
+    target.Put(2, input, y.v2 * GetPower<N>(factors, 2));
+    target.Put(3, input, y.v3 * GetPower<N>(factors, 3));
 }
 
-/// A pass of radix 4 and the next one, of length / 4 and 4 * stride, which takes its results out of
-/// the registers: half the way through memory. `inner` are the factors of the next one, or null
-/// where it is the last one, whose factors are 1.
+/// Results of the second one, without the factors, which are 1, where it is the last pass.
+template <int N, bool isLast, typename Target>
+[[gnu::always_inline]] inline void PutInnerButterfly(
+    const Four<N>& z, const float* factors, Target target, Index to, Index step) noexcept
+{
+    target.template Put<N>(to, z.v0);
+    if constexpr (isLast) {
+        target.template Put<N>(to + step, z.v1);
+        target.template Put<N>(to + 2 * step, z.v2);
+        target.template Put<N>(to + 3 * step, z.v3);
+    } else {
+        target.template Put<N>(to + step, z.v1 * GetPower<N>(factors, 1));
+        target.template Put<N>(to + 2 * step, z.v2 * GetPower<N>(factors, 2));
+        target.template Put<N>(to + 3 * step, z.v3 * GetPower<N>(factors, 3));
+    }
+}
+
+/// A pass of radix 4 and the next one, of length / 4 and 4 * stride, which takes its results while
+/// they are at hand: half the way through memory. `inner` are the factors of the next one.
 template <int N, bool isLast, typename Target>
 inline void RunTwoPasses(SplitArray source,
-                         const Target& target,
+                         Target target,
                          Index length,
                          Index stride,
                          const float* outer,
@@ -252,42 +303,33 @@ inline void RunTwoPasses(SplitArray source,
 {
     const Index count = length / 16;
     const Index step = stride * count;
-    const auto put = [&](Index to, const Four<N>& x, const float* factors) {
-        const Four<N> z = Butterfly(x);
-        target.template Put<N>(to, z.v0);
-        if constexpr (isLast) {
-            target.template Put<N>(to + 4 * stride, z.v1);
-            target.template Put<N>(to + 8 * stride, z.v2);
-            target.template Put<N>(to + 12 * stride, z.v3);
-        } else {
-            target.template Put<N>(to + 4 * stride, z.v1 * GetPower<N>(factors, 1));
-            target.template Put<N>(to + 8 * stride, z.v2 * GetPower<N>(factors, 2));
-            target.template Put<N>(to + 12 * stride, z.v3 * GetPower<N>(factors, 3));
-        }
-    };
     for (Index p = 0; p < count; ++p) {
-        const float* const w = outer + 6 * p;
-        const float* const v = isLast ? nullptr : inner + 6 * p;
         for (Index q = 0; q < stride; q += N) {
             const Index from = q + stride * p;
             const Index to = q + stride * 16 * p;
-            const Four<N> y0 = RunOuterButterfly<N>(source, from, 4 * step, w);
-            const Four<N> y1 = RunOuterButterfly<N>(source, from + step, 4 * step, w + 6 * count);
-            const Four<N> y2 =
-                RunOuterButterfly<N>(source, from + 2 * step, 4 * step, w + 12 * count);
-            const Four<N> y3 =
-                RunOuterButterfly<N>(source, from + 3 * step, 4 * step, w + 18 * count);
-            put(to, {y0.v0, y1.v0, y2.v0, y3.v0}, v);
-            put(to + stride, {y0.v1, y1.v1, y2.v1, y3.v1}, v);
-            put(to + 2 * stride, {y0.v2, y1.v2, y2.v2, y3.v2}, v);
-            put(to + 3 * stride, {y0.v3, y1.v3, y2.v3, y3.v3}, v);
+            Between<N> between;
+            for (Index input = 0; input < 4; ++input) {
+                RunOuterButterfly<N>(source,
+                                     from + step * input,
+                                     4 * step,
+                                     outer + 6 * (p + count * input),
+                                     between,
+                                     input);
+            }
+            for (Index power = 0; power < 4; ++power) {
+                PutInnerButterfly<N, isLast>(between.RunButterfly(power),
+                                             isLast ? nullptr : inner + 6 * p,
+                                             target,
+                                             to + stride * power,
+                                             4 * stride);
+            }
         }
     }
 }
 
 /// Last pass, of length 4: all factors are 1.
 template <int N, typename Target>
-inline void RunLastPass4(SplitArray source, const Target& target, Index stride) noexcept
+inline void RunLastPass4(SplitArray source, Target target, Index stride) noexcept
 {
     for (Index q = 0; q < stride; q += N) {
         const Four<N> y = Butterfly(Four<N>{source.Get<N>(q),
@@ -303,7 +345,7 @@ inline void RunLastPass4(SplitArray source, const Target& target, Index stride) 
 
 /// Last pass, of length 8.
 template <int N, typename Target>
-inline void RunLastPass8(SplitArray source, const Target& target, Index stride) noexcept
+inline void RunLastPass8(SplitArray source, Target target, Index stride) noexcept
 {
     for (Index q = 0; q < stride; q += N) {
         const Eight<N> y = Butterfly(Eight<N>{source.Get<N>(q),

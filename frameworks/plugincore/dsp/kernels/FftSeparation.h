@@ -98,13 +98,15 @@ inline void CloseCircle(SplitArray halves, Index length) noexcept
     halves.im[length] = halves.im[0];
 }
 
-/// Bins `begin` to `end` - 1, below M / 2, and their mirrors; both are multiples of the lanes.
-template <typename Target>
+/// Bins `begin` to `end` - 1, at most M / 2, to `target`, and their mirrors to `mirrorTarget`; both
+/// are multiples of the lanes.
+template <typename Target, typename MirrorTarget>
 void Separate(SplitArray halves,
               const FftTables& tables,
               Index begin,
               Index end,
-              const Target& target) noexcept
+              Target target,
+              MirrorTarget mirrorTarget) noexcept
 {
     constexpr int N = LevelLanes;
     const Index length = tables.half;
@@ -120,13 +122,13 @@ void Separate(SplitArray halves,
         const ComplexVector<N> mean = {(a.re + b.re) * 0.5F, (a.im + b.im) * 0.5F};
         const ComplexVector<N> turned = {d.im * c - d.re * s, -(d.im * s + d.re * c)};
         target.template Put<N>(k, mean + turned);
-        target.template PutMirrored<N>(mirrored, mean - turned);
+        mirrorTarget.template PutMirrored<N>(mirrored, mean - turned);
     }
 }
 
 /// Bin M / 2, its own mirror.
 template <typename Target>
-void SeparateMiddle(SplitArray halves, const FftTables& tables, const Target& target) noexcept
+void SeparateMiddle(SplitArray halves, const FftTables& tables, Target target) noexcept
 {
     const Index middle = tables.half / 2;
     target.PutOne(middle, halves.re[middle], -halves.im[middle]);

@@ -161,10 +161,22 @@ void FFTImpl<float>::ForwardOfProductWithPower(const float* samples,
 void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING
 {
     if (IsDirect()) {
-        InverseDirect(spectrum, samples);
+        std::copy_n(spectrum, GetSize() + 2, work.data());
+        InverseDirect(samples);
         return;
     }
     kernels->inverse(GetTables(), spectrum, samples);
+}
+
+void FFTImpl<float>::InverseOfLowBins(const float* spectrum, int binCount, float* samples) noexcept
+    UTIL_NONBLOCKING
+{
+    if (IsDirect()) {
+        std::fill(std::copy_n(spectrum, 2 * binCount, work.begin()), work.end(), 0.0F);
+        InverseDirect(samples);
+        return;
+    }
+    kernels->inverseOfLowBins(GetTables(), spectrum, binCount, samples);
 }
 
 /// A bin of the transform of what lies in `work`.
@@ -191,10 +203,10 @@ void FFTImpl<float>::ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING
     }
 }
 
-void FFTImpl<float>::InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING
+/// The inverse transform of what lies in `work`.
+void FFTImpl<float>::InverseDirect(float* samples) const noexcept UTIL_NONBLOCKING
 {
     const Index size = GetSize();
-    std::copy_n(spectrum, size + 2, work.data());
     for (Index n = 0; n < size; ++n) {
         float sum = 0;
         for (Index k = 1; k < half; ++k) {

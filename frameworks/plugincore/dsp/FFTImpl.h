@@ -73,6 +73,11 @@ public:
     /// `spectrum` as it is unless `samples` is the same memory. [process]
     void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
 
+    /// Inverse() of a spectrum that is 0 from bin `binCount` on, 0 to F/2 + 1, of which 2 *
+    /// binCount floats are read. [process]
+    void InverseOfLowBins(const float* spectrum, int binCount, float* samples) noexcept
+        UTIL_NONBLOCKING;
+
 private:
     void MakeFirstFactors();
     void MakeMiddleFactors();
@@ -81,7 +86,7 @@ private:
     Kernels::FftTables GetTables() noexcept UTIL_NONBLOCKING;
     std::complex<float> GetDirectBin(std::ptrdiff_t bin) const noexcept UTIL_NONBLOCKING;
     void ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING;
-    void InverseDirect(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
+    void InverseDirect(float* samples) const noexcept UTIL_NONBLOCKING;
     bool IsDirect() const noexcept { return half < 64; }
 
     const Kernels::FftKernels* kernels;

@@ -161,12 +161,38 @@ void ForwardOfProductWithPower(const FftTables& tables,
     SeparateMiddle(halves, tables, target);
 }
 
+/// The inverse transform of what was joined to array 1, which the first pass reads and frees.
+void InvertJoined(const FftTables& tables, float* samples) noexcept
+{
+    const Passed passed = RunAllButLastStep(tables, GetArray(tables, 1));
+    RunLastStep(passed, ExchangedPairTarget{samples}, tables.half);
+}
+
 void Inverse(const FftTables& tables, const float* spectrum, float* samples) noexcept
 {
-    const SplitArray halves = GetArray(tables, 1); // which the first pass reads and frees
-    JoinExchanged(spectrum, tables, halves);
-    const Passed passed = RunAllButLastStep(tables, halves);
-    RunLastStep(passed, ExchangedPairTarget{samples}, tables.half);
+    JoinAllExchanged(spectrum, tables, GetArray(tables, 1));
+    InvertJoined(tables, samples);
+}
+
+void InverseOfLowBins(const FftTables& tables,
+                      const float* spectrum,
+                      std::ptrdiff_t binCount,
+                      float* samples) noexcept
+{
+    const bool isLow = binCount <= tables.half / 2;
+    const Index end =
+        isLow ? (binCount + LevelLanes - 1) / LevelLanes * LevelLanes : tables.half + 1;
+    float* const padded = GetArray(tables, 0).re; // nothing else is there before the first pass
+    __builtin_memcpy(padded, spectrum, static_cast<std::size_t>(2 * binCount) * sizeof(float));
+    for (Index i = 2 * binCount; i < 2 * end; ++i) {
+        padded[i] = 0.0F;
+    }
+    if (isLow) {
+        JoinLowExchanged(padded, tables, end, GetArray(tables, 1));
+    } else {
+        JoinAllExchanged(padded, tables, GetArray(tables, 1));
+    }
+    InvertJoined(tables, samples);
 }
 
 } // namespace
@@ -176,6 +202,7 @@ constinit const FftKernels fft = {
     .forwardOfProduct = ForwardOfProduct,
     .forwardOfProductWithPower = ForwardOfProductWithPower,
     .inverse = Inverse,
+    .inverseOfLowBins = InverseOfLowBins,
 };
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -70,6 +70,13 @@ struct FftKernels {
     /// Counterpart of forward(), divided by F, so that one after the other gives the samples back.
     /// Doesn't read the imaginary parts of the first and the last bin.
     void (*inverse)(const FftTables& tables, const float* spectrum, float* samples) noexcept;
+
+    /// The same of `binCount` bins, at most F / 2 + 1, and zeros behind them, which `spectrum` need
+    /// not have.
+    void (*inverseOfLowBins)(const FftTables& tables,
+                             const float* spectrum,
+                             std::ptrdiff_t binCount,
+                             float* samples) noexcept;
 };
 
 } // namespace DSP::Kernels

@@ -134,10 +134,14 @@ void SeparateMiddle(SplitArray halves, const FftTables& tables, Target target) n
     target.PutOne(middle, halves.re[middle], -halves.im[middle]);
 }
 
-/// Counterpart of Separate() for all bins, scaled by 2 / F, with the real and imaginary parts
-/// exchanged: the forward passes then give the inverse transform, parts exchanged again.
-inline void
-JoinExchanged(const float* spectrum, const FftTables& tables, SplitArray halves) noexcept
+/// Counterpart of Separate(), scaled by 2 / F, with the real and imaginary parts exchanged: the
+/// forward passes then give the inverse transform, parts exchanged again. Bins below `end` and,
+/// unless they are zeros, their mirrors.
+template <bool hasMirrors>
+void JoinExchanged(const float* spectrum,
+                   const FftTables& tables,
+                   Index end,
+                   SplitArray halves) noexcept
 {
     constexpr int N = LevelLanes;
     const Index length = tables.half;
@@ -145,10 +149,13 @@ JoinExchanged(const float* spectrum, const FftTables& tables, SplitArray halves)
     const float* const sines = cosines + length / 2;
     const float scale = 1.0F / static_cast<float>(length);
     const float meanScale = scale * 0.5F;
-    for (Index k = 0; k < length / 2; k += N) {
+    for (Index k = 0; k < end; k += N) {
         const Index mirrored = length - k - (N - 1);
         const ComplexVector<N> a = LoadPairs<N>(spectrum + 2 * k);
-        const ComplexVector<N> b = MirrorConjugate(LoadPairs<N>(spectrum + 2 * mirrored));
+        ComplexVector<N> b = {};
+        if constexpr (hasMirrors) {
+            b = MirrorConjugate(LoadPairs<N>(spectrum + 2 * mirrored));
+        }
         const Vector<float, N> c = Load<N>(cosines + k) * scale;
         const Vector<float, N> s = Load<N>(sines + k) * scale;
         const ComplexVector<N> d = a - b;
@@ -157,10 +164,40 @@ JoinExchanged(const float* spectrum, const FftTables& tables, SplitArray halves)
         halves.Put<N>(k, Exchange(mean + turned));
         halves.Put<N>(mirrored, Exchange(MirrorConjugate(mean - turned)));
     }
-    halves.re[0] = (spectrum[0] - spectrum[2 * length]) * scale * 0.5F;
-    halves.im[0] = (spectrum[0] + spectrum[2 * length]) * scale * 0.5F;
+}
+
+/// The ends, whose imaginary parts don't count.
+inline void
+JoinEndsExchanged(float first, float last, const FftTables& tables, SplitArray halves) noexcept
+{
+    const float scale = 1.0F / static_cast<float>(tables.half);
+    halves.re[0] = (first - last) * scale * 0.5F;
+    halves.im[0] = (first + last) * scale * 0.5F;
+}
+
+inline void
+JoinAllExchanged(const float* spectrum, const FftTables& tables, SplitArray halves) noexcept
+{
+    const Index length = tables.half;
+    const float scale = 1.0F / static_cast<float>(length);
+    JoinExchanged<true>(spectrum, tables, length / 2, halves);
+    JoinEndsExchanged(spectrum[0], spectrum[2 * length], tables, halves);
     halves.re[length / 2] = -spectrum[length + 1] * scale;
     halves.im[length / 2] = spectrum[length] * scale;
+}
+
+/// The same of zeros from bin `end` on, a multiple of the lanes and at most M / 2.
+inline void JoinLowExchanged(const float* spectrum,
+                             const FftTables& tables,
+                             Index end,
+                             SplitArray halves) noexcept
+{
+    constexpr int N = LevelLanes;
+    for (Index k = end; k <= tables.half - end; k += N) {
+        halves.Put<N>(k, ComplexVector<N>{}); // also some of the mirrors, which follow
+    }
+    JoinExchanged<false>(spectrum, tables, end, halves);
+    JoinEndsExchanged(end > 0 ? spectrum[0] : 0.0F, 0.0F, tables, halves);
 }
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -216,6 +216,16 @@ TEST_P(FFTImplTest, TransformOfAProductIsThatOfTheWindowedSamples)
     EXPECT_EQ(spectrum, wanted);
 }
 
+/// Counts of low bins: around vectors, a repair's, around the middle, up to all of `all`.
+std::vector<int> GetBinCounts(int all)
+{
+    const int middle = all / 2;
+    std::vector<int> counts = {0, 1, 2, 223, middle - 1, middle, middle + 1, all - 2, all - 1, all};
+    counts.erase(std::remove_if(counts.begin(), counts.end(), [=](int n) { return n > all; }),
+                 counts.end());
+    return counts;
+}
+
 TEST_P(FFTImplTest, LowBinsAndPowersAreThoseOfTheWholeSpectrum)
 {
     const std::vector<float> samples = MakeNoise(size, 12);
@@ -230,28 +240,34 @@ TEST_P(FFTImplTest, LowBinsAndPowersAreThoseOfTheWholeSpectrum)
     }
     for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
         FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
-        for (const std::size_t count : {std::size_t{0},
-                                        std::size_t{1},
-                                        std::size_t{2},
-                                        std::size_t{223},
-                                        size / 4 - 1,
-                                        size / 4,
-                                        size / 4 + 1,
-                                        size / 4 + 3,
-                                        all - 2,
-                                        all - 1,
-                                        all}) {
-            if (count > all) {
-                continue;
-            }
+        for (const int count : GetBinCounts(static_cast<int>(all))) {
             std::vector<float> wanted(size + 2, 12345.0F);
             std::vector<float> low = wanted;
             std::copy_n(spectrum.begin(), 2 * count, wanted.begin());
             std::vector<float> power(all + 1, -1.0F);
             transform.ForwardOfProductWithPower(
-                samples.data(), window.data(), static_cast<int>(count), low.data(), power.data());
+                samples.data(), window.data(), count, low.data(), power.data());
             EXPECT_EQ(low, wanted) << static_cast<int>(level) << ", " << count;
             EXPECT_EQ(power, wantedPower) << static_cast<int>(level) << ", " << count;
+        }
+    }
+}
+
+TEST_P(FFTImplTest, InverseOfLowBinsTakesTheOthersAsZeros)
+{
+    const std::vector<float> noise = MakeNoise(size + 2, 14);
+    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+        FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
+        for (const int count : GetBinCounts(static_cast<int>(size / 2 + 1))) {
+            std::vector<float> zeroed(size + 2, 0.0F);
+            std::vector<float> low(size + 2, std::nanf(""));
+            std::copy_n(noise.begin(), 2 * count, zeroed.begin());
+            std::copy_n(noise.begin(), 2 * count, low.begin());
+            std::vector<float> wanted(size);
+            std::vector<float> samples(size);
+            fft.Inverse(zeroed.data(), wanted.data());
+            transform.InverseOfLowBins(low.data(), count, samples.data());
+            EXPECT_EQ(samples, wanted) << static_cast<int>(level) << ", " << count;
         }
     }
 }

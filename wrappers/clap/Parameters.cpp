@@ -6,13 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace Clap {
 
 namespace {
-
-constexpr float none = std::numeric_limits<float>::quiet_NaN();
 
 clap_param_info_flags FlagsOf(const Wrapper::Parameter& parameter, bool isBypass)
 {
@@ -49,12 +46,11 @@ clap_id MakeParameterId(std::string_view identifier)
 Parameters::Parameters(Wrapper::Instance& newInstance)
     : instance(newInstance)
     , values(instance.GetParameters().size())
-    , lastWords(instance.GetParameters().size())
+    , words(static_cast<uint32_t>(values.size()))
 {
     for (uint32_t index = 0; index < values.size(); ++index) {
         ids.push_back(MakeParameterId(At(index).identifier));
         values[index] = At(index).defaultValue;
-        lastWords[index] = none;
     }
 }
 
@@ -108,41 +104,28 @@ void Parameters::Set(Wrapper::Side side, uint32_t index, double value) noexcept
     const double nearest = NearestValue(At(index), value);
     const float normalised = At(index).ToNormalised(nearest);
     values[index] = nearest;
-    lastWords[index] = side == Wrapper::Side::Process ? normalised : none;
-    instance.SetParameter(side, index, normalised);
-    if (side == Wrapper::Side::UI) {
-        isUIAhead = true;
+    if (side == Wrapper::Side::Process) {
+        words.Keep(index, normalised);
+        instance.SetParameter(side, index, normalised);
+    } else {
+        words.Drop(index);
+        instance.SetParameter(side, index, normalised);
+        words.MarkUIAhead();
     }
 }
 
 void Parameters::Keep(uint32_t index, float normalised) noexcept
 {
     TakeOver(index, normalised);
-    lastWords[index] = none;
-    isUIAhead = true;
+    words.Drop(index);
+    words.MarkUIAhead();
 }
 
 bool Parameters::Load(std::span<const uint8_t> session)
 {
-    // Blocks may run meanwhile. What the host sets in them is newer than the session and stays;
-    // what it has set before must not come back over what is loaded.
-    std::vector<float> former;
-    former.reserve(Count());
-    for (std::atomic<float>& word : lastWords) {
-        former.push_back(word.exchange(none));
-    }
-    isUIAhead = true;
-    const bool isLoaded = Wrapper::LoadSession(instance, session);
-    for (uint32_t index = 0; index < Count(); ++index) {
-        float word = none;
-        if (!isLoaded) {
-            lastWords[index].compare_exchange_strong(word, former[index]);
-        } else if (std::isnan(lastWords[index])) {
-            TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index));
-        }
-    }
-    isUIAhead = true; // a block may have taken only a part of it
-    return isLoaded;
+    return words.Load(
+        [&] { return Wrapper::LoadSession(instance, session); },
+        [&](uint32_t index) { TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index)); });
 }
 
 void Parameters::Refresh() noexcept
@@ -162,12 +145,9 @@ void Parameters::TakeOver(uint32_t index, float normalised) noexcept
 
 void Parameters::Restate() noexcept
 {
-    for (uint32_t index = 0; index < Count(); ++index) {
-        const float word = lastWords[index];
-        if (!std::isnan(word)) {
-            instance.SetParameter(Wrapper::Side::Process, index, word);
-        }
-    }
+    words.Restate([this](uint32_t index, float word) {
+        instance.SetParameter(Wrapper::Side::Process, index, word);
+    });
 }
 
 } // namespace Clap

@@ -3,6 +3,7 @@
 
 #include "wrappers/clap/Abi.h"
 #include "wrappers/common/Instance.h"
+#include "wrappers/common/LastWords.h"
 
 #include <atomic>
 #include <cstdint>
@@ -45,10 +46,9 @@ public:
     /// Takes over the instance's values. [main]
     void Refresh() noexcept;
 
-    /// What the UI side sets reaches the audio at the begin of a block, after what the host has set
-    /// for that block. True when there may be something: then a block has to begin, and Restate()
-    /// gives the host the last word again. [process]
-    bool MustBeginBlock() noexcept { return isUIAhead.exchange(false); }
+    /// True when a block has to begin before Restate(), which gives the host the last word again.
+    /// [process]
+    bool MustBeginBlock() noexcept { return words.MustBeginBlock(); }
     void Restate() noexcept; ///< [process]
 
 private:
@@ -61,9 +61,7 @@ private:
     Wrapper::Instance& instance;
     std::vector<clap_id> ids;
     std::vector<std::atomic<double>> values;
-    // Normalised, what the audio side has set since the UI side last did; NaN when it hasn't.
-    std::vector<std::atomic<float>> lastWords;
-    std::atomic<bool> isUIAhead{false};
+    Wrapper::LastWords words;
 };
 
 } // namespace Clap

@@ -36,8 +36,8 @@ bool Effect::Start(v3_funknown** context)
     ids = MakeIds(instance->GetParameters());
     bypassIndex = instance->GetBypassIndex();
     values = std::vector<Value>(ids.size());
+    words.emplace(static_cast<uint32_t>(ids.size()));
     for (uint32_t index = 0; index < ids.size(); ++index) {
-        Forget(index);
         Show(index, static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index)));
     }
     isStarted = true;
@@ -50,10 +50,10 @@ void Effect::Stop()
     host.Disconnect();
     isStarted = false;
     instance.reset(); // waits for a notice that is on its way
+    words.reset();
     ids.clear();
     isActive = false;
     isPlaying = false;
-    isUiAhead = false;
     untold = 0;
     isDirty = false;
     hasNews = false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wrappers/common/Instance.h"
+#include "wrappers/common/LastWords.h"
 #include "wrappers/vst3/HostLink.h"
 #include "wrappers/vst3/Speakers.h"
 
@@ -65,10 +66,9 @@ public:
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
     /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
-    /// What the UI side sets reaches the audio at the begin of a block, after what the host has set
-    /// for that block. True when there may be something: then a block has to begin, and Restate()
-    /// gives the host the last word again. [process]
-    bool MustBeginBlock() noexcept { return isUiAhead.exchange(false); }
+    /// True when a block has to begin before Restate(), which gives the host the last word again.
+    /// With an instance. [process]
+    bool MustBeginBlock() noexcept { return words->MustBeginBlock(); }
     void Restate() noexcept; ///< [process]
     /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
     /// given once, and LeaveUntold() gives one back. [any]
@@ -84,7 +84,6 @@ public:
 private:
     struct Value {
         std::atomic<double> shown{0};       // as the host's UI side has it
-        std::atomic<double> lastWord;       // of the audio side since the UI side has acted, or NaN
         std::atomic<bool> isWaiting{false}; // shown, but the audio side hasn't heard of it
     };
 
@@ -112,14 +111,14 @@ private:
     std::atomic<bool> isStarted{false}; // ids and values are there for the instance's notices
     bool isActive = false;
     std::atomic<bool> isPlaying{false};
-    std::atomic<bool> hasBlockBegun{false}; // since a value has been shown only
-    std::vector<v3_param_id> ids;           // by parameter
-    std::vector<Value> values;              // by parameter
+    std::atomic<bool> hasBlockBegun{false};  // since a value has been shown only
+    std::vector<v3_param_id> ids;            // by parameter
+    std::vector<Value> values;               // by parameter
+    std::optional<Wrapper::LastWords> words; // as long as there is an instance
     std::optional<uint32_t> bypassIndex;
     // The UI side of the instance learns of the audio side's values somewhat later.
     std::atomic<bool> isBypassed{false};
     std::atomic<uint32_t> untold{0};      // see TakeUntold()
-    std::atomic<bool> isUiAhead{false};   // see MustBeginBlock()
     std::atomic<bool> isDirty{false};     // the host is to be told
     std::atomic<bool> hasNews{false};     // TellHost() has something to look at
     std::atomic<int64_t> toldLatency{-1}; // samples; -1: the host hasn't asked

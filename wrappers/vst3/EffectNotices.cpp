@@ -32,7 +32,7 @@ void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
     }
     Forget(parameter);
     Show(parameter, static_cast<double>(normalised));
-    isUiAhead = true;
+    words->MarkUIAhead();
     if (host.IsUiThread() && host.HasHandler()) {
         host.PerformEdit(ids[parameter], static_cast<double>(normalised));
         return;

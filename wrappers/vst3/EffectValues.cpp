@@ -6,15 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace Vst3 {
-
-namespace {
-
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
 
 std::optional<uint32_t> Effect::IndexOf(v3_param_id id) const noexcept
 {
@@ -62,27 +55,23 @@ void Effect::BeginBlock(bool newPlaying) noexcept
 
 void Effect::HearValue(uint32_t index, double normalised) noexcept
 {
-    values[index].lastWord = normalised;
+    words->Keep(index, static_cast<float>(normalised));
     values[index].isWaiting = false;
     Apply(Wrapper::Side::Process, index, normalised);
 }
 
 void Effect::Restate() noexcept
 {
-    for (uint32_t index = 0; index < values.size(); ++index) {
-        const double word = values[index].lastWord;
-        if (!std::isnan(word)) {
-            Apply(Wrapper::Side::Process, index, word);
-        }
-    }
+    words->Restate([this](uint32_t index, float word) {
+        Apply(Wrapper::Side::Process, index, static_cast<double>(word));
+    });
 }
 
-// The mark comes last: a block that takes it knows that the value is there.
 void Effect::ActOn(uint32_t index, double value) noexcept
 {
     Forget(index);
     Apply(Wrapper::Side::UI, index, value);
-    isUiAhead = true;
+    words->MarkUIAhead();
 }
 
 // No block comes any more that could bring them.
@@ -97,7 +86,7 @@ void Effect::ActOnWaiting() noexcept
 
 void Effect::Forget(uint32_t index) noexcept
 {
-    values[index].lastWord = none;
+    words->Drop(index);
     values[index].isWaiting = false;
 }
 
@@ -130,7 +119,7 @@ std::vector<uint8_t> Effect::Save()
     for (uint32_t index = 0; index < values.size(); ++index) {
         if (values[index].isWaiting && !hasBlockBegun) {
             Apply(Wrapper::Side::UI, index, values[index].shown);
-            isUiAhead = true;
+            words->MarkUIAhead();
         }
     }
     return Wrapper::EncodeSession(isBypassed, instance->SaveState());
@@ -142,25 +131,12 @@ bool Effect::Load(std::span<const uint8_t> session)
     if (instance == nullptr) {
         return false;
     }
-    // Blocks may run meanwhile. What the host sets in them is newer than the session and stays;
-    // what it has set before must not come back over what is loaded.
-    std::vector<double> former;
-    former.reserve(values.size());
-    for (Value& value : values) {
-        former.push_back(value.lastWord.exchange(none));
-    }
-    const bool isLoaded = Wrapper::LoadSession(*instance, session);
-    for (uint32_t index = 0; index < values.size(); ++index) {
-        Value& value = values[index];
-        if (!isLoaded) {
-            double word = none;
-            value.lastWord.compare_exchange_strong(word, former[index]);
-        } else if (std::isnan(value.lastWord)) {
-            value.isWaiting = false;
+    const bool isLoaded = words->Load(
+        [&] { return Wrapper::LoadSession(*instance, session); },
+        [this](uint32_t index) {
+            values[index].isWaiting = false;
             Show(index, static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index)));
-        }
-    }
-    isUiAhead = true;
+        });
     TellHost();
     return isLoaded;
 }

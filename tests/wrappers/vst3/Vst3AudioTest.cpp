@@ -382,29 +382,3 @@ TEST_F(Vst3AudioTest, BypassIsTheInputLateByTheReportedLatency)
         EXPECT_EQ(audio[c], late);
     }
 }
-
-TEST_F(Vst3AudioTest, PointsAfterALoadedStateHaveTheLastWord)
-{
-    Vst3Host::Plugin source;
-    source.controller->SetValue(strength, 0.75);
-    const std::vector<uint8_t> session = source.Save();
-    for (const bool isFlushed : {false, true}) {
-        SCOPED_TRACE(isFlushed);
-        Vst3Host::Plugin plugin;
-        plugin.Start();
-        Audio audio(2, std::vector<float>(4096));
-        plugin.Run(audio, 512); // so that what the UI side sets waits for the next block
-        plugin.processor->SetProcessing(1);
-        ASSERT_EQ(plugin.Load(session), V3_OK);
-        Changes changes;
-        changes.Add(strength, {{0, 0.125}});
-        Changes none;
-        if (isFlushed) {
-            EXPECT_EQ(plugin.Flush(changes), V3_OK);
-        }
-        audio = Speech(2);
-        float* pointers[2] = {audio[0].data(), audio[1].data()};
-        plugin.Process(pointers, pointers, rate, {isFlushed ? &none : &changes, nullptr, nullptr});
-        EXPECT_EQ(audio, Expected(2, rate, {{0, 0.125}}));
-    }
-}

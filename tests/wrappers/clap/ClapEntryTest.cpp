@@ -187,7 +187,8 @@ TEST_F(ClapPlaceTest, APluginThatIsNoLongerWhereItWasLooksNowhere)
 
 TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
 {
-    const Unused unused(CLOSED_MODULE);
+    setenv("FAKE_REFUSES", std::to_string(SelectorCreatePlugin).c_str(), 1);
+    const Unused unused(FAKE_MODULE);
     ASSERT_TRUE(ClapHost::BeginUse());
     {
         const ClapHost::Plugin plugin(host);
@@ -203,6 +204,7 @@ TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
     EXPECT_FALSE(ClapHost::Plugin(host));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), host.logged[0] + "\n");
     ClapHost::Entry()->deinit();
+    unsetenv("FAKE_REFUSES");
 }
 
 TEST_F(ClapEntryTest, WhatIsMissingInACallIsRefused)

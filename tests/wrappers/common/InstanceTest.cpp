@@ -163,7 +163,7 @@ TEST_F(InstanceTest, WhatTheUserDoesReachesTheListenerInOrder)
     ASSERT_NE(instance, nullptr);
     instance->SetParameter(Side::UI, 2, 0.5F);
     const std::vector<std::string> expected = {
-        "begin of 2", "change 0.500000 of 2", "end of 2", "state", "latency 0 123"};
+        "begin of 2", "change 0.500000 of 2", "end of 2", "state", "latency 1 101"};
     EXPECT_EQ(listener.heard, expected);
 }
 

@@ -225,7 +225,7 @@ TEST_F(Vst3StateTest, TheHandlersRunLoopGoesWithTheHandler)
 
 TEST_F(Vst3StateTest, WhatTheUserDoesReachesTheHandlerInOrder)
 {
-    setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
+    setenv("PUFFGUARD_MODULE", FAKE_MODULE, 1);
     Vst3Host::Plugin plugin(2, 48000, &host);
     ASSERT_TRUE(plugin);
     const uint32_t id = plugin.parameters.at(0).param_id;
@@ -239,7 +239,7 @@ TEST_F(Vst3StateTest, WhatTheUserDoesReachesTheHandlerInOrder)
 
 TEST_F(Vst3StateTest, WhatComesUpOnAnotherThreadWaitsForTheUiThread)
 {
-    setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
+    setenv("PUFFGUARD_MODULE", FAKE_MODULE, 1);
     Vst3Host::Plugin plugin(2, 48000, &host);
     ASSERT_TRUE(plugin);
     EXPECT_EQ(plugin.processor->GetLatencySamples(), 100U);
@@ -261,7 +261,7 @@ TEST_F(Vst3StateTest, WhatComesUpOnAnotherThreadWaitsForTheUiThread)
 
 TEST_F(Vst3StateTest, WithoutAHandlerTheUsersValuesComeWithTheNextBlock)
 {
-    setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
+    setenv("PUFFGUARD_MODULE", FAKE_MODULE, 1);
     Vst3Host::Plugin plugin;
     ASSERT_TRUE(plugin);
     const uint32_t id = plugin.parameters.at(0).param_id;

@@ -134,6 +134,31 @@ void Instance::Settle()
     Call(SelectorSettle, Process, instance, nullptr);
 }
 
+std::vector<uint8_t> Instance::SaveState()
+{
+    StateRecord record{};
+    record.op = StateOpGetSize;
+    Call(SelectorStateCommand, UI, instance, &record);
+    std::vector<uint8_t> state(record.size);
+    record.op = StateOpGetChunk;
+    record.failed = 1;
+    record.buffer = state.data();
+    Call(SelectorStateCommand, UI, instance, &record);
+    return record.failed == 0 ? state : std::vector<uint8_t>{};
+}
+
+bool Instance::LoadState(std::vector<uint8_t> state)
+{
+    StateRecord record{};
+    record.op = StateOpSetChunk;
+    record.failed = 1;
+    record.size = static_cast<uint32_t>(state.size());
+    record.buffer = state.data();
+    record.version = 1;
+    Call(SelectorStateCommand, UI, instance, &record);
+    return record.failed == 0;
+}
+
 uint32_t Instance::Detections()
 {
     DetectionTotalsRecord totals{};

@@ -68,6 +68,10 @@ public:
     void SetElement(uint32_t index, float value, uint32_t context = UI);
     /// Resets all processing, as a host does before it plays.
     void Settle();
+    /// What a session keeps; empty when it can't be had.
+    std::vector<uint8_t> SaveState();
+    /// False when the bytes are no state.
+    bool LoadState(std::vector<uint8_t> state);
     /// Number of repairs since the last restart that the module reports.
     uint32_t Detections();
 

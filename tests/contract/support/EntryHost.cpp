@@ -92,14 +92,8 @@ public:
     // at hand. It stands behind the chunk.
     std::vector<uint8_t> Save() override
     {
-        StateRecord record{};
-        record.op = StateOpGetSize;
-        Call(SelectorStateCommand, UI, instance.Get(), &record);
-        std::vector<uint8_t> bytes(record.size);
-        record.op = StateOpGetChunk;
-        record.buffer = bytes.data();
-        Call(SelectorStateCommand, UI, instance.Get(), &record);
-        if (record.failed != 0) {
+        std::vector<uint8_t> bytes = instance.SaveState();
+        if (bytes.empty()) {
             return {};
         }
         bytes.push_back(instance.Value(TestHost::GlobalBypass) < 0.5F ? 0 : 1);
@@ -108,17 +102,7 @@ public:
 
     bool Load(std::span<const uint8_t> bytes) override
     {
-        if (bytes.empty()) {
-            return false;
-        }
-        std::vector<uint8_t> chunk(bytes.begin(), bytes.end() - 1);
-        StateRecord record{};
-        record.op = StateOpSetChunk;
-        record.size = static_cast<uint32_t>(chunk.size());
-        record.buffer = chunk.data();
-        record.version = 1;
-        Call(SelectorStateCommand, UI, instance.Get(), &record);
-        if (record.failed != 0) {
+        if (bytes.empty() || !instance.LoadState({bytes.begin(), bytes.end() - 1})) {
             return false;
         }
         instance.Set(TestHost::GlobalBypass, bytes.back() == 0 ? 0.0F : 1.0F);

@@ -69,14 +69,7 @@ std::vector<uint8_t> MakeState(const std::function<void(TestHost::Instance&)>& c
 {
     TestHost::Instance instance(48000.0F, 1);
     change(instance);
-    StateRecord record{};
-    record.op = StateOpGetSize;
-    TestHost::Call(SelectorStateCommand, TestHost::UI, instance.Get(), &record);
-    std::vector<uint8_t> chunk(record.size);
-    record.op = StateOpGetChunk;
-    record.buffer = chunk.data();
-    TestHost::Call(SelectorStateCommand, TestHost::UI, instance.Get(), &record);
-    return record.failed == 0 ? chunk : std::vector<uint8_t>{};
+    return instance.SaveState();
 }
 
 Audio Expected(const Audio& input, double rate, const Controls& controls)

@@ -48,14 +48,7 @@ std::vector<uint8_t> MakeQuickSession()
 {
     TestHost::Instance direct(48000, 1);
     direct.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    StateRecord record{};
-    record.op = StateOpGetSize;
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    std::vector<uint8_t> chunk(record.size);
-    record.op = StateOpGetChunk;
-    record.buffer = chunk.data();
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    return chunk;
+    return direct.SaveState();
 }
 
 class Vst3StateTest : public testing::Test {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 #include <numbers>
 #include <random>
@@ -15,24 +14,13 @@ namespace CliTest {
 
 TemporaryFolder::TemporaryFolder()
 {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "puffguard-test-XXXXXX").string();
-    EXPECT_NE(::mkdtemp(pattern.data()), nullptr);
-    path = pattern;
-    // Runs without root's rights work in it too.
-    std::filesystem::permissions(path, std::filesystem::perms::all);
-}
-
-TemporaryFolder::~TemporaryFolder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
+    std::filesystem::permissions(Path(), std::filesystem::perms::all);
 }
 
 std::vector<std::string> TemporaryFolder::List() const
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path))
+    for (const auto& entry : std::filesystem::directory_iterator(Path()))
         names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;

@@ -1,32 +1,24 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <sndfile.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace CliTest {
 
-/// A folder of the test's own that goes away with it.
-class TemporaryFolder {
+/// A folder of the test's own that goes away with it. Runs without root's rights work in it too.
+class TemporaryFolder : public Support::TemporaryFolder {
 public:
     TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    std::string GetPath() const { return path.string(); }
-
-    /// The full name of `name` in it.
-    std::string operator/(const std::string& name) const { return (path / name).string(); }
+    std::string GetPath() const { return Path().string(); }
 
     /// Names of everything in it, hidden files too, sorted.
     std::vector<std::string> List() const;
-
-private:
-    std::filesystem::path path;
 };
 
 /// Samples of a file with what they mean; interleaved, full scale 1.0.

@@ -90,14 +90,7 @@ public:
             return std::nullopt;
         }
         TestHost::Instance reader(48000.0F, 1);
-        std::vector<uint8_t> chunk = SaveChunk();
-        StateRecord record{};
-        record.op = StateOpSetChunk;
-        record.size = static_cast<uint32_t>(chunk.size());
-        record.buffer = chunk.data();
-        record.version = 1;
-        TestHost::Call(SelectorStateCommand, TestHost::UI, reader.Get(), &record);
-        return record.failed == 0 ? reader.Value(index) : std::nanf("");
+        return reader.LoadState(SaveChunk()) ? reader.Value(index) : std::nanf("");
     }
 
     std::vector<uint8_t> Save() override

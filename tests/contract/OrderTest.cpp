@@ -100,13 +100,16 @@ TEST(Describing, TakesOptionsWithoutAnEndOnManyThreads)
     }
 }
 
-TEST(Transport, ThatJumpsLoopsOrIsNonsenseChangesNoBit)
+TEST(Transport, ThatJumpsLoopsOrIsNonsenseChangesNoBitNorDoSideBuses)
 {
     const Audio speech = MakeSpeech(48000, 1);
     Instance instance(48000.0F, 1);
     Audio audio = speech;
     std::mt19937 engine(1);
     const auto frames = static_cast<uint32_t>(audio[0].size());
+    std::vector<float> side(2000);
+    float* sidePointers[2] = {side.data(), nullptr};
+    float** const sideBus = sidePointers;
     for (uint32_t done = 0; done < frames;) {
         const uint32_t block = std::min(frames - done, static_cast<uint32_t>(1 + engine() % 2000));
         TransportRecord transport;
@@ -123,6 +126,9 @@ TEST(Transport, ThatJumpsLoopsOrIsNonsenseChangesNoBit)
         record.transport = engine() % 8 == 0 ? nullptr : &transport;
         record.renderFlagA = static_cast<int32_t>(engine() % 2);
         record.renderFlagB = static_cast<int32_t>(engine() % 2);
+        record.sideBusCount = static_cast<uint32_t>(engine() % 2) * PLUGIN_CORE_MAX_SIDE_BUSES;
+        std::fill(std::begin(record.sideBuses), std::end(record.sideBuses), sideBus);
+        std::fill(std::begin(record.sideBusChannels), std::end(record.sideBusChannels), 2);
         ASSERT_EQ(Call(SelectorProcess, Process, instance.Get(), &record), PluginCoreSuccess);
         done += block;
     }

@@ -11,6 +11,7 @@
 
 #include <optional>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -121,7 +122,7 @@ TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
     });
 }
 
-TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingAndAfterAReset)
+TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingOrCrossedAndAfterAReset)
 {
     for (const auto& [rateOfTurn, channelsOfTurn, longest] : variety) {
         ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
@@ -133,6 +134,7 @@ TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingAndAfterAReset)
             if (number % 3 == 0) {
                 host->Process(nullptr, nullptr, 0);
             } else if (number % 3 == 1) {
+                std::swap(outputs[0], outputs[1]); // one channel's output in another's input
                 host->Process(inputs, outputs, 512);
             } else {
                 host->Reset();

@@ -182,18 +182,3 @@ TEST_F(ClapParametersTest, ValuesOutOfRangeAndTimesOutOfOrderAreBroughtIn)
         EXPECT_EQ(plugin->GetValue(bypass), 1.0);
     }
 }
-
-TEST_F(ClapParametersTest, BypassGivesTheInputLateByTheLatency)
-{
-    ASSERT_TRUE(plugin->Activate(rate));
-    InputEvents events;
-    events.AddValue(0, Find(*plugin, "Global bypass").id, 1.0);
-    Audio audio = Speech(2);
-    Run(*plugin, audio, 0, rate, &events);
-    const uint32_t latency = plugin->GetLatency();
-    ASSERT_GT(latency, 0U);
-    std::vector<float> late(latency, 0.0F);
-    const Audio speech = Speech(2);
-    late.insert(late.end(), speech[1].begin(), speech[1].end() - latency);
-    EXPECT_EQ(audio[1], late);
-}

@@ -2,8 +2,6 @@
 // What a session keeps, through streams of every manner, and what follows from loading one.
 #include "tests/wrappers/clap/support/ClapTest.h"
 
-#include <random>
-
 using ClapHost::InputEvents;
 using ClapHost::Plugin;
 using TestHost::Audio;
@@ -11,23 +9,6 @@ using TestHost::Audio;
 using Bytes = std::vector<uint8_t>;
 
 namespace {
-
-/// A state of the module at the end of "Latency Scaling", with "Strength" at `strength` of 0 to 1.
-Bytes MakeState(float strength, float latencyScaling = 0.0F)
-{
-    TestHost::Instance direct(48000, 2);
-    direct.SetElement(TestHost::ElementLatencyScaling, latencyScaling);
-    direct.Set(TestHost::Strength, strength);
-    StateRecord record{};
-    record.op = StateOpGetSize;
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    Bytes state(record.size);
-    record.op = StateOpGetChunk;
-    record.buffer = state.data();
-    TestHost::Call(SelectorStateCommand, TestHost::UI, direct.Get(), &record);
-    EXPECT_EQ(record.failed, 0);
-    return state;
-}
 
 class ClapSessionTest : public ClapTest {
 protected:
@@ -86,30 +67,6 @@ TEST_F(ClapSessionTest, ComesBackFromPiecesOfAnySizeAndIsSavedTheSame)
     }
 }
 
-TEST_F(ClapSessionTest, WhatIsNoSessionIsRefusedAndChangesNothing)
-{
-    Set(strength, 8.0);
-    const Bytes saved = plugin->Save();
-    const Bytes other = ClapHost::MakeSession(MakeState(0.25F), true);
-    EXPECT_FALSE(plugin->Load({}));
-    for (size_t size = 0; size < other.size(); ++size) {
-        EXPECT_FALSE(plugin->Load(std::span(other).first(size))) << size;
-    }
-    std::mt19937 engine(1);
-    for (int round = 0; round < 3; ++round) {
-        Bytes noise(1U << 20U);
-        for (uint8_t& byte : noise) {
-            byte = static_cast<uint8_t>(engine());
-        }
-        EXPECT_FALSE(plugin->Load(noise));
-    }
-    EXPECT_EQ(host.valueRescans, 0U);
-    EXPECT_EQ(plugin->Save(), saved);
-    EXPECT_TRUE(plugin->Load(other)) << "whole it is one";
-    EXPECT_EQ(plugin->GetValue(strength), 2.5);
-    EXPECT_EQ(plugin->GetValue(bypass), 1.0);
-}
-
 TEST_F(ClapSessionTest, StreamsThatFailOrLieAreGivenUp)
 {
     const auto* state = plugin->Find<clap_plugin_state_t>(CLAP_EXT_STATE);
@@ -135,20 +92,11 @@ TEST_F(ClapSessionTest, StreamsThatFailOrLieAreGivenUp)
     EXPECT_EQ(plugin->Save(), saved);
 }
 
-TEST_F(ClapSessionTest, AStateOfTheCommandIsTakenAndLeavesTheBypassAlone)
-{
-    for (const double set : {0.0, 1.0}) {
-        Set(bypass, set);
-        ASSERT_TRUE(plugin->Load(MakeState(0.25F)));
-        EXPECT_EQ(plugin->GetValue(strength), 2.5);
-        EXPECT_EQ(plugin->GetValue(bypass), set);
-    }
-}
-
 TEST_F(ClapSessionTest, ItIsHeardFromTheNextBlockOnAndLaterEventsHaveTheLastWord)
 {
-    // "Latency Scaling" stays as it is by default.
-    const Bytes session = ClapHost::MakeSession(MakeState(1.0F, 1.0F));
+    TestHost::Instance direct(48000, 2);
+    direct.Set(TestHost::Strength, 1.0F);
+    const Bytes session = ClapHost::MakeSession(direct.SaveState());
     const struct {
         const char* name;
         bool isFlushed;
@@ -175,35 +123,4 @@ TEST_F(ClapSessionTest, ItIsHeardFromTheNextBlockOnAndLaterEventsHaveTheLastWord
         EXPECT_EQ(one.GetValue(strength), static_cast<double>(heard));
         EXPECT_EQ(audio, Expected(Speech(2), heard));
     }
-}
-
-TEST_F(ClapSessionTest, ALatencyThatChangesWhileActiveAsksForOneRestart)
-{
-    ASSERT_TRUE(plugin->Activate(rate));
-    host.latencyChanges = 0;
-    const uint32_t former = plugin->GetLatency();
-    const Bytes session = ClapHost::MakeSession(MakeState(0.5F));
-    for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(plugin->Load(session));
-        Audio silence(2, std::vector<float>(512));
-        Run(*plugin, silence, 64);
-        plugin->Idle();
-        EXPECT_EQ(host.restarts, 1U) << round;
-        EXPECT_EQ(host.latencyChanges, 0U) << "not while active";
-    }
-    plugin->Deactivate();
-    ASSERT_TRUE(plugin->Activate(rate));
-    EXPECT_EQ(host.latencyChanges, 1U);
-    EXPECT_LT(plugin->GetLatency(), former);
-    EXPECT_EQ(host.restarts, 1U);
-
-    // While nothing is active, the next activation tells.
-    plugin->Deactivate();
-    ASSERT_TRUE(plugin->Load(ClapHost::MakeSession(MakeState(0.5F, 1.0F))));
-    plugin->Idle();
-    EXPECT_EQ(host.restarts, 1U);
-    EXPECT_EQ(host.latencyChanges, 1U);
-    ASSERT_TRUE(plugin->Activate(rate));
-    EXPECT_EQ(host.latencyChanges, 2U);
-    EXPECT_EQ(plugin->GetLatency(), former);
 }

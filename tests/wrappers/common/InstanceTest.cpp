@@ -35,62 +35,6 @@ void Randomise(Wrapper::Instance& instance, std::mt19937& engine)
 
 } // namespace
 
-TEST_F(InstanceTest, ParametersStartAtTheirDefaultsAndOneIsTheBypass)
-{
-    const auto instance = Create(PUFFGUARD_MODULE);
-    ASSERT_NE(instance, nullptr);
-    ASSERT_EQ(instance->GetParameters().size(), 4U);
-    for (uint32_t i = 0; i < 4; ++i) {
-        const Wrapper::Parameter& parameter = instance->GetParameters()[i];
-        EXPECT_LT(parameter.minimum, parameter.maximum);
-        EXPECT_FLOAT_EQ(instance->GetParameter(Side::UI, i),
-                        parameter.ToNormalised(parameter.defaultValue));
-    }
-    EXPECT_EQ(instance->GetBypassIndex(), 3U);
-    EXPECT_EQ(instance->GetParameters()[2].Format(instance->GetParameter(Side::UI, 2)), "200.0 Hz");
-}
-
-TEST_F(InstanceTest, AStateBringsBackAllValuesHereAndElsewhereAndSavesTheSame)
-{
-    const auto instance = Create(PUFFGUARD_MODULE);
-    ASSERT_NE(instance, nullptr);
-    std::mt19937 engine(1);
-    Randomise(*instance, engine);
-    const Values values = Read(*instance);
-    const std::vector<uint8_t> state = instance->SaveState();
-    Randomise(*instance, engine);
-    ASSERT_NE(Read(*instance), values);
-
-    ASSERT_TRUE(instance->LoadState(state));
-    EXPECT_EQ(Read(*instance), values);
-    EXPECT_EQ(instance->SaveState(), state);
-    const auto other = Create(PUFFGUARD_MODULE, 6, 96000);
-    ASSERT_TRUE(other->LoadState(state));
-    EXPECT_EQ(Read(*other), values);
-    EXPECT_EQ(other->SaveState(), state);
-}
-
-TEST_F(InstanceTest, BytesThatAreNoStateChangeNothing)
-{
-    const auto instance = Create(PUFFGUARD_MODULE);
-    ASSERT_NE(instance, nullptr);
-    std::mt19937 engine(2);
-    Randomise(*instance, engine);
-    const Values values = Read(*instance);
-    const std::vector<uint8_t> state = instance->SaveState();
-    instance->SetParameter(Side::UI, 0, values[0] < 0.5F ? 1.0F : 0.0F);
-    const Values changed = Read(*instance);
-    for (size_t length = 0; length < state.size(); ++length) {
-        EXPECT_FALSE(instance->LoadState({state.data(), length}));
-    }
-    std::vector<uint8_t> noise(100000);
-    for (uint8_t& byte : noise) {
-        byte = static_cast<uint8_t>(engine());
-    }
-    EXPECT_FALSE(instance->LoadState(noise));
-    EXPECT_EQ(Read(*instance), changed);
-}
-
 TEST_F(InstanceTest, ANewFormatKeepsValuesAndTellsItsLatency)
 {
     const auto instance = Create(PUFFGUARD_MODULE, 2, 44100);

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <random>
 #include <thread>
 
 using Lv2Host::Audio;
@@ -18,12 +17,6 @@ using Lv2Host::Saved;
 
 namespace {
 
-struct Variant {
-    const char* name;
-    uint32_t channels;
-};
-
-constexpr Variant variants[] = {{"mono", 1}, {"stereo", 2}, {"surround51", 6}, {"surround71", 8}};
 constexpr uint32_t rate = 48000;
 
 Audio Speech(uint32_t channels)
@@ -32,9 +25,9 @@ Audio Speech(uint32_t channels)
 }
 
 /// What the module makes of it at `strength`, 0 to 10.
-Audio Expected(const Audio& audio, float strength = 5.0F, double sampleRate = rate)
+Audio Expected(const Audio& audio, float strength = 5.0F)
 {
-    return Contract::Expected(audio, sampleRate, {.strength = strength / 10});
+    return Contract::Expected(audio, rate, {.strength = strength / 10});
 }
 
 class Lv2Test : public testing::Test {
@@ -115,51 +108,6 @@ TEST_F(Lv2Test, ControlsActWithTheBlockAndNoNumberDoesHarm)
     EXPECT_EQ(audio, Expected(Speech(1)));
 }
 
-TEST_F(Lv2Test, WhatIsNotEnabledIsTheInputLateByTheReportedLatency)
-{
-    for (const Variant& variant : variants) {
-        Lv2Host::Instance plugin(variant.name, variant.channels, rate, &features);
-        plugin.ConnectControls();
-        plugin.controls[Lv2Host::Enabled] = 0.0F;
-        plugin.Run(0);
-        const auto latency = static_cast<size_t>(plugin.controls[Lv2Host::Latency]);
-        ASSERT_GT(latency, 0U);
-        ASSERT_LT(latency, rate);
-        const Audio speech = Speech(variant.channels);
-        Audio audio = speech;
-        plugin.Run(audio, 600);
-        for (uint32_t c = 0; c < variant.channels; ++c) {
-            std::vector<float> late(latency, 0.0F);
-            late.insert(late.end(), speech[c].begin(), speech[c].end() - latency);
-            EXPECT_EQ(audio[c], late) << variant.name << ", channel " << c;
-        }
-    }
-}
-
-TEST_F(Lv2Test, InstancesOfDifferentRatesKeepApart)
-{
-    const struct {
-        double sampleRate;
-    } cases[] = {{8000}, {44100}, {96000}, {1234.5678}};
-    for (const auto& [sampleRate] : cases) {
-        Lv2Host::Instance first("mono", 1, sampleRate, &features);
-        Lv2Host::Instance second("mono", 1, rate, &features);
-        first.ConnectControls();
-        second.ConnectControls();
-        Audio audio[2] = {Speech(1), Speech(1)};
-        for (uint32_t done = 0; done < rate; done += 480) {
-            for (uint32_t i = 0; i < 2; ++i) {
-                Lv2Host::Instance& plugin = i == 0 ? first : second;
-                float* samples = audio[i][0].data() + done;
-                plugin.ConnectAudio(0, samples, samples);
-                plugin.Run(480);
-            }
-        }
-        EXPECT_EQ(audio[0], Expected(Speech(1), 5.0F, sampleRate)) << sampleRate;
-        EXPECT_EQ(audio[1], Expected(Speech(1))) << sampleRate;
-    }
-}
-
 TEST_F(Lv2Test, RatesThatAreNoneDoNoHarm)
 {
     for (const double sampleRate : {0.0, -1.0, 1e300, std::nan("")}) {
@@ -215,11 +163,6 @@ TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
     plugin.Run(0);
     std::optional<Saved> good;
     ASSERT_EQ(plugin.Save(good), LV2_STATE_SUCCESS);
-    std::mt19937 engine(1);
-    std::vector<uint8_t> noise(1U << 20U);
-    for (uint8_t& byte : noise) {
-        byte = static_cast<uint8_t>(engine());
-    }
     const Saved cut = {good->key, good->type, {good->bytes.begin(), good->bytes.end() - 1}};
     const struct {
         const char* name;
@@ -229,7 +172,6 @@ TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
         {"no property", std::nullopt, LV2_STATE_ERR_NO_PROPERTY},
         {"another type", Saved{good->key, 0, good->bytes}, LV2_STATE_ERR_BAD_TYPE},
         {"cut off", cut, LV2_STATE_ERR_UNKNOWN},
-        {"noise", Saved{good->key, good->type, noise}, LV2_STATE_ERR_UNKNOWN},
     };
     for (const auto& [name, saved, status] : cases) {
         EXPECT_EQ(plugin.Restore(saved), status) << name;
@@ -237,9 +179,6 @@ TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
         ASSERT_EQ(plugin.Save(after), LV2_STATE_SUCCESS);
         EXPECT_EQ(after->bytes, good->bytes) << name;
     }
-    Audio audio = Speech(1);
-    plugin.Run(audio, 512);
-    EXPECT_EQ(audio, Expected(Speech(1), 8.0F));
 }
 
 TEST_F(Lv2Test, SavingAndRestoringWhileAudioRunsLeaveTheSoundAlone)

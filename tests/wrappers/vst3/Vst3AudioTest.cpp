@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 using Vst3Host::Audio;
 using Vst3Host::Changes;
@@ -66,56 +65,6 @@ protected:
 
 } // namespace
 
-TEST_F(Vst3AudioTest, EachArrangementGivesWhatTheModuleGivesForAnyBlocks)
-{
-    for (const uint32_t channels : {1U, 2U, 6U, 8U}) {
-        const Audio expected = Expected(channels);
-        ASSERT_NE(expected, Speech(channels)) << "the test needs something to repair";
-        for (const uint32_t block : {1000U, 8193U, 65536U}) {
-            SCOPED_TRACE(testing::Message() << channels << " channels, blocks of " << block);
-            Vst3Host::Plugin plugin(channels);
-            ASSERT_TRUE(plugin);
-            plugin.Start();
-            Audio audio = Speech(channels);
-            plugin.Run(audio, block);
-            EXPECT_EQ(audio, expected);
-        }
-    }
-}
-
-TEST_F(Vst3AudioTest, EveryRateIsServedAlsoOneAfterAnother)
-{
-    Vst3Host::Plugin plugin(1);
-    for (const double sampleRate : {22050.0,
-                                    32000.0,
-                                    44100.0,
-                                    88200.0,
-                                    96000.0,
-                                    192000.0,
-                                    384000.0,
-                                    1234.5678,
-                                    12345.678,
-                                    123456.78,
-                                    1234567.8}) {
-        SCOPED_TRACE(sampleRate);
-        ASSERT_EQ(plugin.Setup(sampleRate), V3_OK);
-        plugin.Start();
-        TestHost::Instance direct(static_cast<float>(sampleRate), 1);
-        EXPECT_EQ(plugin.processor->GetLatencySamples(), direct.Latency());
-        EXPECT_GE(plugin.processor->GetTailSamples(), direct.Latency());
-        Audio audio = Speech(1);
-        plugin.Run(audio, 2048);
-        EXPECT_EQ(audio, Expected(1, sampleRate));
-        plugin.Stop();
-    }
-    for (const double none :
-         {0.0, -48000.0, 1.0, 1e9, std::nan(""), std::numeric_limits<double>::infinity()}) {
-        EXPECT_NE(plugin.Setup(none), V3_OK);
-    }
-    v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, rate};
-    EXPECT_NE(plugin.processor->SetupProcessing(&doubles), V3_OK);
-}
-
 TEST_F(Vst3AudioTest, WhileActiveFormatsAreRefusedAndTheAudioGoesOn)
 {
     Vst3Host::Plugin plugin;
@@ -156,33 +105,6 @@ TEST_F(Vst3AudioTest, AHostThatSetsUpAndActivatesNothingIsServed)
     EXPECT_EQ(processor->Process(&data), V3_OK);
     EXPECT_EQ(audio, Expected(2, 44100));
     EXPECT_EQ(component->Terminate(), V3_OK);
-}
-
-TEST_F(Vst3AudioTest, SwitchingProcessingOffAndOnForgetsTheSignal)
-{
-    Vst3Host::Plugin plugin;
-    plugin.Start();
-    for (int round = 0; round < 2; ++round) {
-        Audio audio = Speech(2);
-        plugin.Run(audio, 4096);
-        EXPECT_EQ(audio, Expected(2));
-        plugin.processor->SetProcessing(0);
-        plugin.processor->SetProcessing(1);
-    }
-}
-
-TEST_F(Vst3AudioTest, AfterTheEndThePluginBeginsAnewWithDefaults)
-{
-    Vst3Host::Plugin plugin;
-    plugin.controller->SetValue(strength, 0.0);
-    plugin.Start();
-    EXPECT_EQ(plugin.component->Terminate(), V3_OK);
-    EXPECT_EQ(plugin.component->Initialize(nullptr), V3_OK);
-    EXPECT_EQ(plugin.controller->GetValue(strength), 0.5);
-    plugin.Start();
-    Audio audio = Speech(2);
-    plugin.Run(audio, 1024);
-    EXPECT_EQ(audio, Expected(2));
 }
 
 TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSample)
@@ -297,6 +219,8 @@ TEST_F(Vst3AudioTest, BlocksThatCannotBeAreRefusedAndLeaveTheMemoryAlone)
     data.symbolic_sample_size = V3_SAMPLE_64;
     EXPECT_NE(plugin.processor->Process(&data), V3_OK);
     EXPECT_EQ(audio, Speech(2));
+    v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, rate};
+    EXPECT_NE(plugin.processor->SetupProcessing(&doubles), V3_OK);
 }
 
 TEST_F(Vst3AudioTest, ChannelsAndBusesMayBeMissing)
@@ -334,6 +258,7 @@ TEST_F(Vst3AudioTest, SilentOutputsAreMarkedAndOthersAreNot)
     plugin.controller->SetValue(bypass, 1.0); // so that silence comes out exactly
     plugin.Start();
     const uint32_t latency = plugin.processor->GetLatencySamples();
+    EXPECT_GE(plugin.processor->GetTailSamples(), latency);
     const uint32_t frames = latency + 100;
     // Three channels and a second bus are more than was arranged.
     std::vector<float> memory[4];
@@ -363,22 +288,4 @@ TEST_F(Vst3AudioTest, SilentOutputsAreMarkedAndOthersAreNot)
     EXPECT_EQ(plugin.processor->Process(&data), V3_OK);
     EXPECT_EQ(outputs[0].channel_silence_bitset, 5U);
     EXPECT_EQ(memory[1][50], 1.0F);
-}
-
-TEST_F(Vst3AudioTest, BypassIsTheInputLateByTheReportedLatency)
-{
-    Vst3Host::Plugin plugin;
-    plugin.Start();
-    Changes changes;
-    changes.Add(bypass, {{0, 1.0}});
-    EXPECT_EQ(plugin.Flush(changes), V3_OK);
-    const Audio speech = Speech(2);
-    Audio audio = speech;
-    plugin.Run(audio, 600);
-    const auto latency = static_cast<ptrdiff_t>(plugin.processor->GetLatencySamples());
-    for (size_t c = 0; c < 2; ++c) {
-        std::vector<float> late(static_cast<size_t>(latency), 0.0F);
-        late.insert(late.end(), speech[c].begin(), speech[c].end() - latency);
-        EXPECT_EQ(audio[c], late);
-    }
 }

@@ -32,11 +32,9 @@ protected:
     }
 
     /// What the module makes of it at `strength`, 0 to 10.
-    static TestHost::Audio
-    Expected(TestHost::Audio audio, float strength = 5.0F, double sampleRate = rate)
+    static TestHost::Audio Expected(TestHost::Audio audio, float strength = 5.0F)
     {
-        TestHost::Instance direct(static_cast<float>(sampleRate),
-                                  static_cast<uint32_t>(audio.size()));
+        TestHost::Instance direct(static_cast<float>(rate), static_cast<uint32_t>(audio.size()));
         direct.Set(TestHost::Strength, strength / 10);
         direct.Run(audio, 512);
         return audio;

@@ -3,6 +3,8 @@
 // where the module finds itself in the host's transport.
 #include "tests/wrappers/clap/support/ClapTest.h"
 
+#include <dlfcn.h>
+
 using ClapHost::InputEvents;
 using ClapHost::OutputEvents;
 using ClapHost::Plugin;
@@ -134,6 +136,20 @@ TEST_F(ClapUserTest, AValueThatTheHostHasSetSinceIsNotTakenBack)
     OutputEvents out;
     plugin->Flush(nullptr, &out);
     EXPECT_EQ(out.texts, (Texts{"begin " + amount, amount + " = 7.000000", "end " + amount}));
+}
+
+TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
+{
+    void* const module = dlopen(USER_MODULE, RTLD_NOW | RTLD_LOCAL);
+    const auto turn = reinterpret_cast<float (*)(float)>(dlsym(module, "TurnUserModule"));
+    ASSERT_TRUE(plugin->Activate(rate));
+    InputEvents events;
+    events.AddValue(0, amountId, 64.0);
+    plugin->Process(nullptr, nullptr, 0, 64, &events);
+    EXPECT_EQ(turn(0.75F), 0.25F);
+    plugin->Process(nullptr, nullptr, 0, 64);
+    EXPECT_EQ(turn(0.0F), 0.75F);
+    dlclose(module);
 }
 
 TEST_F(ClapUserTest, AParameterThatIsNoneIsNotPassedOn)

@@ -45,6 +45,17 @@ Port Describe(const Plugin& plugin, bool isInput)
     return {info.channel_count, info.port_type, map};
 }
 
+clap_process_status ProcessInPlace(Plugin& plugin, clap_audio_buffer_t& port, uint32_t frames)
+{
+    clap_process_t process{};
+    process.frames_count = frames;
+    process.audio_inputs = &port;
+    process.audio_outputs = &port;
+    process.audio_inputs_count = 1;
+    process.audio_outputs_count = 1;
+    return plugin.Get()->process(plugin.Get(), &process);
+}
+
 } // namespace
 
 TEST_F(ClapAudioTest, EachConfigurationGivesItsPorts)
@@ -106,13 +117,7 @@ TEST_F(ClapAudioTest, MissingPortsAndChannelsDoNoHarm)
     clap_audio_buffer_t port{};
     port.data64 = channels;
     port.channel_count = 2;
-    clap_process_t process{};
-    process.frames_count = 64;
-    process.audio_inputs = &port;
-    process.audio_outputs = &port;
-    process.audio_inputs_count = 1;
-    process.audio_outputs_count = 1;
-    EXPECT_EQ(plugin.Get()->process(plugin.Get(), &process), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(ProcessInPlace(plugin, port, 64), CLAP_PROCESS_TAIL);
 
     plugin.Reset(); // all of the silence above is forgotten
     const float* left[1] = {speech[0].data()};
@@ -129,13 +134,7 @@ TEST_F(ClapAudioTest, OutputsAreNotCalledConstant)
     Audio audio = Speech(2);
     float* channels[2] = {audio[0].data(), audio[1].data()};
     clap_audio_buffer_t port{channels, nullptr, 2, 0, 3};
-    clap_process_t process{};
-    process.frames_count = 512;
-    process.audio_inputs = &port;
-    process.audio_outputs = &port;
-    process.audio_inputs_count = 1;
-    process.audio_outputs_count = 1;
-    EXPECT_EQ(plugin.Get()->process(plugin.Get(), &process), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(ProcessInPlace(plugin, port, 512), CLAP_PROCESS_TAIL);
     EXPECT_EQ(port.constant_mask, 0U);
 }
 

@@ -188,17 +188,6 @@ TEST_F(CommandPresets, ALongCommentIsCutVisibly)
     }
 }
 
-TEST_F(CommandPresets, NothingIsWrittenOverWithoutForce)
-{
-    WriteBytes(preset, "mine");
-    WriteBytes(state, "mine");
-    ExpectRefusal({input, "--save-preset", preset}, 1, preset + ": exists already");
-    ExpectRefusal({input, "--state-out", state}, 1, state + ": exists already");
-    EXPECT_EQ(ReadBytes(preset) + ReadBytes(state), "minemine");
-    Say({input, "-n", "-f", "--save-preset", preset, "--state-out", state});
-    EXPECT_EQ(Repair({"--preset", preset}), Repair({"--state-in", state}));
-}
-
 TEST_F(CommandPresets, WhatTheRunReadsIsNotWrittenOverEvenWithForce)
 {
     // libsndfile goes by the content, whatever the name.

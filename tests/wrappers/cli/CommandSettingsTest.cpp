@@ -108,15 +108,6 @@ TEST_F(CommandSettings, TheBypassIsSavedNowhere)
     EXPECT_TRUE(ReadAudio(folder / "result.wav").samples == ReadAudio(input).samples);
 }
 
-TEST_F(CommandSettings, ALatencyOutOfAPresetIsTakenOff)
-{
-    Say({"--latency-scaling", "0.2", "--save-preset", preset, "--state-out", state});
-    const Bytes expected = Repair({"--latency-scaling", "0.2"});
-    EXPECT_NE(expected, Repair({}));
-    EXPECT_EQ(Repair({"--preset", preset}), expected);
-    EXPECT_EQ(Repair({"--state-in", state}), expected);
-}
-
 TEST_F(CommandSettings, EveryRecordingOfARunGetsThem)
 {
     Words names;

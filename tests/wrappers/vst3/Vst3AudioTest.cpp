@@ -107,37 +107,28 @@ TEST_F(Vst3AudioTest, AHostThatSetsUpAndActivatesNothingIsServed)
     EXPECT_EQ(component->Terminate(), V3_OK);
 }
 
-TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSample)
+TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSampleWhateverTheirQueuesHold)
 {
     const std::vector<Point> ramp = Ramp();
-    const std::vector<Point> cases[] = {
-        {{0, 1.0}}, {{1, 0.25}}, {{100, 1.0}, {24000, 0.0}, {47999, 0.5}}, ramp};
-    for (const std::vector<Point>& points : cases) {
-        SCOPED_TRACE(testing::Message() << points.size() << " points");
-        Vst3Host::Plugin plugin;
-        plugin.Start();
-        Changes changes;
-        changes.Add(strength, points);
-        Audio audio = Speech(2);
-        float* pointers[2] = {audio[0].data(), audio[1].data()};
-        EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
-        EXPECT_EQ(audio, Expected(2, rate, points));
+    std::vector<std::vector<Point>> halves(2);
+    for (size_t i = 0; i < ramp.size(); ++i) {
+        halves[i % 2].push_back(ramp[i]);
     }
-    ASSERT_NE(Expected(2, rate, ramp), Expected(2)) << "the points need to be heard";
-}
-
-TEST_F(Vst3AudioTest, QueuesOfBadHostsDoNoHarm)
-{
     const struct {
         const char* name;
-        std::vector<Point> points;
-        std::vector<Point> heard; // what it amounts to
+        std::vector<std::vector<Point>> queues;
+        std::vector<Point> heard; // what they amount to
     } cases[] = {
-        {"before the block", {{-100, 1.0}}, {{0, 1.0}}},
-        {"not in order", {{30000, 1.0}, {10, 0.0}}, {{30000, 1.0}, {30000, 0.0}}},
-        {"no numbers", {{5, std::nan("")}, {6, -1e300}, {7, 1e300}}, {{6, 0.0}, {7, 1.0}}},
+        {"at the begin", {{{0, 1.0}}}, {{0, 1.0}}},
+        {"behind it", {{{1, 0.25}}}, {{1, 0.25}}},
+        {"up to the end", {{{100, 1.0}, {47999, 0.5}}}, {{100, 1.0}, {47999, 0.5}}},
+        {"many", {ramp}, ramp},
+        {"many in two queues", halves, ramp},
+        {"before the block", {{{-100, 1.0}}}, {{0, 1.0}}},
+        {"not in order", {{{30000, 1.0}, {10, 0.0}}}, {{30000, 1.0}, {30000, 0.0}}},
+        {"no numbers", {{{5, std::nan("")}, {6, -1e300}, {7, 1e300}}}, {{6, 0.0}, {7, 1.0}}},
     };
-    for (const auto& [name, points, heard] : cases) {
+    for (const auto& [name, queues, heard] : cases) {
         SCOPED_TRACE(name);
         Vst3Host::Plugin plugin;
         plugin.Start();
@@ -145,33 +136,17 @@ TEST_F(Vst3AudioTest, QueuesOfBadHostsDoNoHarm)
         changes.missing = 2;
         changes.Add(12345, {{0, 1.0}});
         changes.Add(bypass, {});
-        changes.Add(strength, points);
+        for (const std::vector<Point>& points : queues) {
+            changes.Add(strength, points);
+        }
         Audio audio = Speech(2);
         float* pointers[2] = {audio[0].data(), audio[1].data()};
         EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
         EXPECT_EQ(audio, Expected(2, rate, heard));
     }
-}
-
-TEST_F(Vst3AudioTest, TwoQueuesOfOneParameterAreBothHeard)
-{
-    const std::vector<Point> ramp = Ramp();
-    std::vector<Point> halves[2];
-    for (size_t i = 0; i < ramp.size(); ++i) {
-        halves[i % 2].push_back(ramp[i]);
-    }
-    const Audio expected = Expected(2, rate, ramp);
-    Vst3Host::Plugin plugin;
-    plugin.Start();
-    Changes changes;
     for (const std::vector<Point>& half : halves) {
-        ASSERT_NE(expected, Expected(2, rate, half)) << "the points need to be heard";
-        changes.Add(strength, half);
+        ASSERT_NE(Expected(2, rate, half), Expected(2, rate, ramp)) << "all need to be heard";
     }
-    Audio audio = Speech(2);
-    float* pointers[2] = {audio[0].data(), audio[1].data()};
-    EXPECT_EQ(plugin.Process(pointers, pointers, rate, {&changes, nullptr, nullptr}), V3_OK);
-    EXPECT_EQ(audio, expected);
 }
 
 TEST_F(Vst3AudioTest, ABlockOfNoFramesTakesTheLastPointWithOrWithoutMemory)

@@ -10,9 +10,10 @@
 /// takes a kernel from GetKernels() and knows nothing of levels.
 namespace DSP::Kernels {
 
-/// Sets of instructions, each with all of those before it.
+/// Sets of instructions, each with all of those before it. Other processors than x86-64 have the
+/// first alone.
 enum class Level {
-    Baseline, ///< what every processor of the architecture has
+    Baseline, ///< what every processor of the architecture has; SSE2 or NEON: 4 lanes
     V3,       ///< AVX2: 8 lanes
     V4        ///< AVX-512: 16 lanes
 };

@@ -26,26 +26,30 @@ struct LaneConstant {
 template <typename Number, int LaneCount>
 struct VectorType {
     typedef Number Type __attribute__((vector_size(sizeof(Number) * LaneCount)));
+    /// The same in memory, wherever a number may lie.
+    typedef Number Unaligned
+        __attribute__((vector_size(sizeof(Number) * LaneCount), aligned(alignof(Number))));
 };
 
 /// A vector of one lane works the same way.
 template <typename Number, int LaneCount>
 using Vector = typename VectorType<Number, LaneCount>::Type;
 
-/// Lanes from any address.
+/// Lanes from any address. They are accessed as what they are: a copy of bytes could change
+/// everything, and plans would be read again in each round of a loop.
 template <int LaneCount, typename Number>
 [[gnu::always_inline]] inline Vector<Number, LaneCount> Load(const Number* source) noexcept
 {
-    Vector<Number, LaneCount> lanes;
-    __builtin_memcpy(&lanes, source, sizeof lanes);
-    return lanes;
+    using Unaligned = typename VectorType<Number, LaneCount>::Unaligned;
+    return *reinterpret_cast<const Unaligned*>(source);
 }
 
 /// Lanes to any address.
 template <typename Lanes, typename Number>
 [[gnu::always_inline]] inline void Store(Number* target, const Lanes& lanes) noexcept
 {
-    __builtin_memcpy(target, &lanes, sizeof lanes);
+    using Unaligned = typename VectorType<Number, sizeof(Lanes) / sizeof(Number)>::Unaligned;
+    *reinterpret_cast<Unaligned*>(target) = lanes;
 }
 
 /// The same value in every lane.

@@ -8,6 +8,8 @@
 #include "frameworks/plugincore/dsp/kernels/LevelSets.h"
 #include "frameworks/plugincore/dsp/kernels/Vector.h"
 
+#include <utility>
+
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 namespace {
@@ -32,9 +34,17 @@ struct WideLanes {
 
     static WideLanes From(Vector<float, L> lanes)
     {
+        constexpr auto Indices = std::make_integer_sequence<int, L / 2>{};
         Vector<float, L / 2> halves[2];
         __builtin_memcpy(halves, &lanes, sizeof lanes);
-        return {__builtin_convertvector(halves[0], Half), __builtin_convertvector(halves[1], Half)};
+        return {Widen(halves[0], Indices), Widen(halves[1], Indices)};
+    }
+
+    // Lane by lane: g++ makes one instruction of this, but five of its conversion of vectors.
+    template <int... i>
+    static Half Widen(Vector<float, L / 2> lanes, std::integer_sequence<int, i...> /*indices*/)
+    {
+        return Half{static_cast<double>(lanes[i])...};
     }
 
     Vector<float, L> Narrow() const
@@ -59,7 +69,7 @@ struct Batch {
     using Wide = WideLanes<L>;
     using Ints = Vector<int, L>;
     using Transform = LaneTransform<L>;
-    using Complex = LaneComplex<L>;
+    using Complex = ComplexVector<L>;
 
     const CorrelationPlan& plan;
     const PolyphaseView source; ///< of the first of these frames
@@ -67,36 +77,58 @@ struct Batch {
     float* const folded;        ///< N / 2 elements: N real values
     float* const lags;          ///< correlations, a row of lanes a lag
 
-    /// The windowed samples 2 k and 2 k + 1 of each frame as an element.
-    Complex GetSamples(Index k) const
+    /// Elements between the legs of the first stage's butterflies.
+    Index GetFirstStep() const { return plan.whole.length / 4; }
+
+    /// The windowed samples 2 k and 2 k + 1 of each frame as an element, k = p + leg * step. Legs
+    /// lie whole rows of phases apart.
+    [[gnu::always_inline]] Complex GetSamples(Index p, int leg) const
     {
-        const Index i = 2 * k;
+        const Index i = 2 * p;
+        const Index legSamples = 2 * GetFirstStep() * leg;
         const Index row = i & ((Index{1} << source.stepShift) - 1);
-        const float* const at = source.samples + row * source.rowLength + (i >> source.stepShift);
-        return {Load<L>(at) * plan.window[i], Load<L>(at + source.rowLength) * plan.window[i + 1]};
+        const float* const at = source.samples + row * source.rowLength + (i >> source.stepShift) +
+                                (legSamples >> source.stepShift);
+        const float* const window = plan.window + i + legSamples;
+        return {Load<L>(at) * window[0], Load<L>(at + source.rowLength) * window[1]};
     }
 
-    /// Butterflies of the transform's first stage from `p` to below `end`, of which the first
-    /// `Legs` of four elements lie within the frame. What lies behind its end is 0 and isn't read.
+    /// Butterfly of the transform's first stage of which the first `Legs` of four elements lie
+    /// within the frame. What lies behind its end is 0, so it is neither read nor added.
+    template <int Legs>
+    [[gnu::always_inline]] Four<L> GetFirstButterfly(Index p) const
+    {
+        const Complex a = GetSamples(p, 0);
+        if constexpr (Legs == 1) {
+            return {a, a, a, a};
+        } else {
+            const Complex b = GetSamples(p, 1);
+            const Complex turned = TimesMinusI(b);
+            if constexpr (Legs == 2) {
+                return {a + b, a + turned, a - b, a - turned};
+            } else {
+                const Complex c = GetSamples(p, 2);
+                return {(a + c) + b, (a - c) + turned, (a + c) - b, (a - c) - turned};
+            }
+        }
+    }
+
+    /// These from `p` to below `end`.
     template <int Legs>
     void RunFirstStage(Index p, Index end) const
     {
-        const Index step = plan.whole.length / 4;
-        const float* factors = plan.whole.factors + 6 * p;
-        for (; p < end; ++p, factors += 6) {
-            Complex legs[4] = {GetSamples(p)};
-            for (int leg = 1; leg < Legs; ++leg) {
-                legs[leg] = GetSamples(p + leg * step);
-            }
-            Transform::PutTurned(
-                spectrum + 2 * L * p, step, legs[0], legs[1], legs[2], legs[3], factors);
+        for (; p < end; ++p) {
+            Transform::PutTurned(spectrum + 2 * L * p,
+                                 GetFirstStep(),
+                                 GetFirstButterfly<Legs>(p),
+                                 plan.whole.factors + 6 * p);
         }
     }
 
     /// The first stage, and the others on the first of the quarters that it leaves.
     void StartTransform() const
     {
-        const Index step = plan.whole.length / 4;
+        const Index step = GetFirstStep();
         const Index filled = (plan.frameLength + 1) / 2; // elements, more than one leg's
         const Index three = filled > 2 * step ? filled - 2 * step : 0;
         const Index two = filled - step < step ? filled - step : step;
@@ -115,7 +147,7 @@ struct Batch {
 
     void FinishQuarter(Index quarter) const
     {
-        const Index step = plan.whole.length / 4;
+        const Index step = GetFirstStep();
         Transform::Run(spectrum + 2 * L * step * quarter, step, plan.whole.factors + 6 * step);
     }
 
@@ -146,6 +178,7 @@ struct Batch {
         Wide odd = {};
         for (Index k = 0; k < middle; k += Chunk) {
             V differences[Chunk];
+#pragma GCC unroll 8
             for (int i = 0; i < Chunk; ++i) {
                 differences[i] = FoldPair(k + i);
             }
@@ -155,7 +188,7 @@ struct Batch {
                 odd = odd + Wide::From(differences[i + 1]) * plan.cosines[k + i + 1];
             }
         }
-        const Complex centre = Complex::Get(spectrum, plan.whole.order[middle]);
+        const Complex centre = Transform::Get(spectrum, plan.whole.order[middle]);
         Store(folded + L * middle, Sqrt<L>(centre.re * centre.re + centre.im * centre.im) * 4.0F);
         Store(lags + L, (even + odd).Narrow());
     }
@@ -213,14 +246,29 @@ struct Batch {
         return end > least ? end : least;
     }
 
-    /// A lag without what it owes to a peak at half of it, from each frame's first lag on.
-    V TakeGhost(int lag, V halves, Ints firstLag) const
+    /// The value at the lag `i` without what it may owe to a peak at half of it; as it is up to
+    /// each frame's first lag.
+    [[gnu::always_inline]] static V TakeGhost(V value, V owed, Ints firstLag, int i)
     {
-        const V value = Load<L>(lags + L * lag);
         const V own = value * 0.5F;
-        const V owed = halves * 0.125F;
         const V reduced = value - (own < owed ? own : owed);
-        return firstLag > lag ? value : reduced;
+        return firstLag > i ? value : reduced;
+    }
+
+    /// L lags from an even one on, without ghosts.
+    [[gnu::always_inline]] void TakeGhosts(Index lag, Ints firstLag, V (&rows)[L]) const
+    {
+        const float* const values = lags + L * lag;
+        const float* const halves = lags + L * (lag / 2);
+        const Ints first = firstLag - static_cast<int>(lag);
+        V half = Load<L>(halves);
+        for (int i = 0; i < L; i += 2) {
+            const V next = Load<L>(halves + L * (i / 2 + 1));
+            rows[i] = TakeGhost(Load<L>(values + L * i), half * 0.25F, first, i);
+            rows[i + 1] =
+                TakeGhost(Load<L>(values + L * (i + 1)), (next + half) * 0.125F, first, i + 1);
+            half = next;
+        }
     }
 
     void PutResult(int frames, const CorrelationResult& result) const
@@ -230,16 +278,10 @@ struct Batch {
         for (int frame = 0; frame < frames; ++frame) {
             result.firstLags[frame] = firstLag[frame];
         }
-        const auto count = static_cast<int>(GetLagCount(plan.maxLag));
-        for (int lag = 0; lag < count; lag += L) {
+        const Index count = GetLagCount(plan.maxLag);
+        for (Index lag = 0; lag < count; lag += L) {
             V rows[L];
-            V half = Load<L>(lags + L * (lag / 2));
-            for (int i = 0; i < L; i += 2) {
-                const V next = Load<L>(lags + L * ((lag + i) / 2 + 1));
-                rows[i] = TakeGhost(lag + i, half + half, firstLag);
-                rows[i + 1] = TakeGhost(lag + i + 1, next + half, firstLag);
-                half = next;
-            }
+            TakeGhosts(lag, firstLag, rows);
             Transpose<L>(rows);
             float* target = result.correlation + lag;
             if (frames == L) {

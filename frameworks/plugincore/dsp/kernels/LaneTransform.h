@@ -1,68 +1,46 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/Butterfly.h"
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
-#include "frameworks/plugincore/dsp/kernels/Vector.h"
-
-#include <cstddef>
 
 /// Complex transforms side by side, one a lane, in place. An array holds for each element the real
 /// parts of all lanes and then the imaginary ones. A lane goes through the same steps as it would
 /// alone.
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
-using Index = std::ptrdiff_t;
-
 template <int L>
-struct LaneComplex {
+struct LaneTransform {
+    using Complex = ComplexVector<L>;
     using V = Vector<float, L>;
-    V re;
-    V im;
 
-    static LaneComplex Get(const float* array, Index element)
+    [[gnu::always_inline]] static Complex Get(const float* array, Index element)
     {
         const float* const at = array + 2 * L * element;
         return {Load<L>(at), Load<L>(at + L)};
     }
 
-    void Put(float* array, Index element) const
+    [[gnu::always_inline]] static void Put(float* array, Index element, const Complex& value)
     {
         float* const at = array + 2 * L * element;
-        Store(at, re);
-        Store(at + L, im);
+        Store(at, value.re);
+        Store(at + L, value.im);
     }
 
-    LaneComplex operator+(LaneComplex b) const { return {re + b.re, im + b.im}; }
-    LaneComplex operator-(LaneComplex b) const { return {re - b.re, im - b.im}; }
-
-    /// By the factor whose parts lie at `factor`.
-    LaneComplex Times(const float* factor) const
+    /// The same in all lanes, its parts one after the other.
+    [[gnu::always_inline]] static Complex GetFactor(const float* factor)
     {
-        const V c = Broadcast<L>(factor[0]);
-        const V s = Broadcast<L>(factor[1]);
-        return {re * c - im * s, re * s + im * c};
+        return {Broadcast<L>(factor[0]), Broadcast<L>(factor[1])};
     }
 
-    LaneComplex TimesMinusI() const { return {im, -re}; }
-};
-
-template <int L>
-struct LaneTransform {
-    using Complex = LaneComplex<L>;
-    using V = Vector<float, L>;
-
-    /// Writes the sums of a butterfly, turned by three factors, to every `step`th element.
-    static void PutTurned(
-        float* array, Index step, Complex a, Complex b, Complex c, Complex d, const float* factors)
+    /// Writes the results of a butterfly, turned by three factors, to every `step`th element.
+    [[gnu::always_inline]] static void
+    PutTurned(float* array, Index step, const Four<L>& x, const float* factors)
     {
-        const Complex evenSum = a + c;
-        const Complex evenDifference = a - c;
-        const Complex oddSum = b + d;
-        const Complex oddDifference = (b - d).TimesMinusI();
-        (evenSum + oddSum).Put(array, 0);
-        (evenDifference + oddDifference).Times(factors).Put(array, step);
-        (evenSum - oddSum).Times(factors + 2).Put(array, 2 * step);
-        (evenDifference - oddDifference).Times(factors + 4).Put(array, 3 * step);
+        Put(array, 0, x.v0);
+        Put(array, step, x.v1 * GetFactor(factors));
+        Put(array, 2 * step, x.v2 * GetFactor(factors + 2));
+        Put(array, 3 * step, x.v3 * GetFactor(factors + 4));
     }
 
     /// One stage on one stretch of `length` elements.
@@ -70,72 +48,43 @@ struct LaneTransform {
     {
         const Index step = length / 4;
         for (Index p = 0; p < step; ++p, array += 2 * L, factors += 6) {
-            PutTurned(array,
-                      step,
-                      Complex::Get(array, 0),
-                      Complex::Get(array, step),
-                      Complex::Get(array, 2 * step),
-                      Complex::Get(array, 3 * step),
-                      factors);
+            PutTurned(
+                array,
+                step,
+                Butterfly(Four<L>{
+                    Get(array, 0), Get(array, step), Get(array, 2 * step), Get(array, 3 * step)}),
+                factors);
         }
     }
 
     static void RunLast4(float* array)
     {
-        const Complex a = Complex::Get(array, 0);
-        const Complex b = Complex::Get(array, 1);
-        const Complex c = Complex::Get(array, 2);
-        const Complex d = Complex::Get(array, 3);
-        const Complex evenSum = a + c;
-        const Complex evenDifference = a - c;
-        const Complex oddSum = b + d;
-        const Complex oddDifference = (b - d).TimesMinusI();
-        (evenSum + oddSum).Put(array, 0);
-        (evenDifference + oddDifference).Put(array, 1);
-        (evenSum - oddSum).Put(array, 2);
-        (evenDifference - oddDifference).Put(array, 3);
-    }
-
-    /// The odd elements of eight: a butterfly, and the turns by eighths.
-    static void RunOddOf8(float* array, Complex (&turned)[4])
-    {
-        const V diagonal = Broadcast<L>(0.70710678118654752F);
-        const Complex a = Complex::Get(array, 1);
-        const Complex b = Complex::Get(array, 3);
-        const Complex c = Complex::Get(array, 5);
-        const Complex d = Complex::Get(array, 7);
-        const Complex evenSum = a + c;
-        const Complex evenDifference = a - c;
-        const Complex oddSum = b + d;
-        const Complex oddDifference = (b - d).TimesMinusI();
-        const Complex o1 = evenDifference + oddDifference;
-        const Complex o3 = evenDifference - oddDifference;
-        turned[0] = evenSum + oddSum;
-        turned[1] = {(o1.re + o1.im) * diagonal, (o1.im - o1.re) * diagonal};
-        turned[2] = (evenSum - oddSum).TimesMinusI();
-        turned[3] = {(o3.im - o3.re) * diagonal, -(o3.re + o3.im) * diagonal};
+        const Four<L> y =
+            Butterfly(Four<L>{Get(array, 0), Get(array, 1), Get(array, 2), Get(array, 3)});
+        Put(array, 0, y.v0);
+        Put(array, 1, y.v1);
+        Put(array, 2, y.v2);
+        Put(array, 3, y.v3);
     }
 
     static void RunLast8(float* array)
     {
-        Complex turned[4];
-        RunOddOf8(array, turned);
-        const Complex a = Complex::Get(array, 0);
-        const Complex b = Complex::Get(array, 2);
-        const Complex c = Complex::Get(array, 4);
-        const Complex d = Complex::Get(array, 6);
-        const Complex evenSum = a + c;
-        const Complex evenDifference = a - c;
-        const Complex oddSum = b + d;
-        const Complex oddDifference = (b - d).TimesMinusI();
-        const Complex even[4] = {evenSum + oddSum,
-                                 evenDifference + oddDifference,
-                                 evenSum - oddSum,
-                                 evenDifference - oddDifference};
-        for (Index k = 0; k < 4; ++k) {
-            (even[k] + turned[k]).Put(array, k);
-            (even[k] - turned[k]).Put(array, k + 4);
-        }
+        const Eight<L> y = Butterfly(Eight<L>{Get(array, 0),
+                                              Get(array, 1),
+                                              Get(array, 2),
+                                              Get(array, 3),
+                                              Get(array, 4),
+                                              Get(array, 5),
+                                              Get(array, 6),
+                                              Get(array, 7)});
+        Put(array, 0, y.v0);
+        Put(array, 1, y.v1);
+        Put(array, 2, y.v2);
+        Put(array, 3, y.v3);
+        Put(array, 4, y.v4);
+        Put(array, 5, y.v5);
+        Put(array, 6, y.v6);
+        Put(array, 7, y.v7);
     }
 
     /// All stages from the one on whose stretches have `length` elements, on one such stretch:
@@ -167,10 +116,11 @@ struct LaneTransform {
     /// bins `k` and N - k, k below N / 2: with A = Z[k], B = conj Z[N - k] and
     /// w = exp(-pi i k / N), X[k] = (A + B) / 2 - i w (A - B) / 2, and the conjugate of the sum
     /// with the other sign is X[N - k].
-    static BinPair Separate(const float* array, const TransformPlan& plan, Index k)
+    [[gnu::always_inline]] static BinPair
+    Separate(const float* array, const TransformPlan& plan, Index k)
     {
-        const Complex a = Complex::Get(array, plan.order[k]);
-        const Complex m = Complex::Get(array, plan.order[plan.length - k]);
+        const Complex a = Get(array, plan.order[k]);
+        const Complex m = Get(array, plan.order[plan.length - k]);
         const V c = Broadcast<L>(plan.separation[2 * k]);
         const V s = Broadcast<L>(plan.separation[2 * k + 1]);
         const Complex d = {a.re - m.re, a.im + m.im};

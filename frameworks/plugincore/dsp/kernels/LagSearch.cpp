@@ -6,6 +6,8 @@
 #include "frameworks/plugincore/dsp/kernels/LevelSets.h"
 #include "frameworks/plugincore/dsp/kernels/Vector.h"
 
+#include <utility>
+
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 namespace {
@@ -14,121 +16,179 @@ constexpr int L = LevelLanes < 8 ? LevelLanes : 8; // stretches are too short fo
 using V = Vector<float, L>;
 using Ints = Vector<int, L>;
 
-constexpr int ErasedAnyway = 5;
-
-void Score(const ScoreTimes& times,
-           const float* values,
-           float* smoothed,
-           float* weights,
-           float* scores,
-           std::ptrdiff_t count) noexcept
+template <int... Lane>
+constexpr Ints CountLanes(std::integer_sequence<int, Lane...> /*all*/) noexcept
 {
-    const V rise = Broadcast<L>(times.rise);
-    const V fall = Broadcast<L>(times.fall);
-    const V relaxation = Broadcast<L>(times.relaxation);
-    for (std::ptrdiff_t i = 0; i < count; i += L) {
-        const V value = Load<L>(values + i);
-        const V from = Load<L>(smoothed + i);
-        const V next = from + (value - from) * (value <= from ? fall : rise);
-        const V state = next < LeastSmoothed ? V{} : next;
-        const V weight = Load<L>(weights + i);
-        Store(smoothed + i, state);
-        Store(scores + i, weight * state);
-        Store(weights + i, weight + (1.0F - weight) * relaxation);
-    }
+    return Ints{Lane...};
 }
+
+/// The index of each lane.
+constexpr Ints Lanes = CountLanes(std::make_integer_sequence<int, L>{});
 
 V GetLarger(V a, V b) noexcept
 {
     return a > b ? a : b;
 }
 
-float GetLargest(V lanes) noexcept
+/// The largest lane, in all lanes.
+template <int... Lane>
+V SpreadLargest(V lanes, std::integer_sequence<int, Lane...> /*all*/) noexcept
 {
-    float values[L];
-    Store(values, lanes);
-    for (int width = L / 2; width > 0; width /= 2) {
-        for (int i = 0; i < width; ++i) {
-            values[i] = values[i + width] > values[i] ? values[i + width] : values[i];
-        }
+    if constexpr (L == 8) {
+        lanes = GetLarger(lanes, __builtin_shufflevector(lanes, lanes, (Lane ^ 4)...));
     }
-    return values[0];
+    lanes = GetLarger(lanes, __builtin_shufflevector(lanes, lanes, (Lane ^ 2)...));
+    return GetLarger(lanes, __builtin_shufflevector(lanes, lanes, (Lane ^ 1)...));
 }
 
-/// What lies behind `last` is 0 and loses against any other value, and against an equal one since
-/// it comes later.
-int FindFirstLargest(const float* values, int first, int last) noexcept
+/// Renews the maxima of what lies between these indices: one vector for four of values, lane by
+/// lane.
+void Renew(LagScores scores, int first, int last) noexcept
 {
-    V even = Load<L>(values + first);
-    V odd = even;
-    int i = first + L;
-    for (; i + L <= last; i += 2 * L) {
-        even = GetLarger(Load<L>(values + i), even);
-        odd = GetLarger(Load<L>(values + i + L), odd);
+    for (int i = first / (4 * L) * (4 * L); i <= last; i += 4 * L) {
+        const float* const at = scores.values + i;
+        const V left = GetLarger(Load<L>(at), Load<L>(at + L));
+        const V right = GetLarger(Load<L>(at + 2 * L), Load<L>(at + 3 * L));
+        Store(scores.maxima + i / 4, GetLarger(left, right));
     }
-    if (i <= last) {
-        even = GetLarger(Load<L>(values + i), even);
+}
+
+/// Zeroes so many values, up to L.
+void ZeroFew(float* values, int count) noexcept
+{
+    Store(values, Lanes < count ? V{} : Load<L>(values));
+}
+
+/// Zeroes up to `last`, and renews the maxima.
+void Exclude(LagScores scores, int last) noexcept
+{
+    for (int i = 0; i <= last; i += L) {
+        ZeroFew(scores.values + i, last + 1 - i);
     }
-    const V largest = Broadcast<L>(GetLargest(GetLarger(odd, even)));
-    for (i = first; i <= last; i += L) {
-        const unsigned found = GetMask<L>(Load<L>(values + i) == largest);
+    Renew(scores, 0, last);
+}
+
+void Score(const ScoreTimes& times,
+           const float* values,
+           LagState state,
+           int firstLag,
+           LagScores scores) noexcept
+{
+    const V rise = Broadcast<L>(times.rise);
+    const V fall = Broadcast<L>(times.fall);
+    const V relaxation = Broadcast<L>(times.relaxation);
+    for (std::ptrdiff_t i = 0; i < scores.count; i += 4 * L) {
+        V largest{};
+        for (std::ptrdiff_t at = i; at < i + 4 * L; at += L) {
+            const V value = Load<L>(values + at);
+            const V from = Load<L>(state.smoothed + at);
+            const V next = from + (value - from) * (value <= from ? fall : rise);
+            const V smoothed = next < LeastSmoothed ? V{} : next;
+            const V weight = Load<L>(state.weights + at);
+            const V score = weight * smoothed;
+            Store(state.smoothed + at, smoothed);
+            Store(scores.values + at, score);
+            Store(state.weights + at, weight + (1.0F - weight) * relaxation);
+            largest = GetLarger(score, largest);
+        }
+        Store(scores.maxima + i / 4, largest);
+    }
+    Exclude(scores, firstLag - 1);
+}
+
+int FindFirstLargest(LagScores scores) noexcept
+{
+    const std::ptrdiff_t parts = scores.count / 4;
+    V lanes{};
+    for (std::ptrdiff_t i = 0; i < parts; i += L) {
+        lanes = GetLarger(Load<L>(scores.maxima + i), lanes);
+    }
+    const V largest = SpreadLargest(lanes, std::make_integer_sequence<int, L>{});
+    std::ptrdiff_t part = 0;
+    while (part < parts && GetMask<L>(Load<L>(scores.maxima + part) == largest) == 0) {
+        part += L;
+    }
+    for (std::ptrdiff_t i = 4 * part; i < scores.count; i += L) {
+        const unsigned found = GetMask<L>(Load<L>(scores.values + i) == largest);
         if (found != 0) {
-            return i + __builtin_ctz(found);
+            return static_cast<int>(i) + __builtin_ctz(found);
         }
     }
-    return first; // only values that are no numbers come here
+    return 0; // only values that are no numbers come here
 }
 
-/// First index from `start` to `last` whose value is above the one before, or last + 1.
-int FindRise(const float* values, int start, int last) noexcept
+/// Zeroes from `start` down to where the next value is above the one before; answers the lowest
+/// index zeroed.
+int EraseDown(float* values, int start) noexcept
 {
-    for (int i = start; i <= last; i += L) {
-        const unsigned rises = GetMask<L>(Load<L>(values + i) > Load<L>(values + i - 1));
-        if (rises != 0) {
-            const int found = i + __builtin_ctz(rises);
-            return found <= last ? found : last + 1;
-        }
-    }
-    return last + 1;
-}
-
-/// Largest index up to `start` whose value is above the one behind, or -1.
-int FindRiseBefore(const float* values, int start) noexcept
-{
-    int end = start + 1;
+    int end = start;
     for (; end >= L; end -= L) {
-        const float* const at = values + end - L;
+        float* const at = values + end - L;
         const unsigned rises = GetMask<L>(Load<L>(at) > Load<L>(at + 1));
         if (rises != 0) {
-            return end - L + 31 - __builtin_clz(rises);
+            const int lowest = end - L + 32 - __builtin_clz(rises);
+            ZeroFew(values + lowest, end + 1 - lowest);
+            return lowest;
         }
+        Store(at + 1, V{});
     }
-    while (end > 0 && !(values[end - 1] > values[end])) {
-        --end;
+    int lowest = end;
+    while (lowest > 0 && !(values[lowest - 1] > values[lowest])) {
+        --lowest;
     }
-    return end - 1;
+    ZeroFew(values + lowest, end + 1 - lowest);
+    return lowest;
 }
 
-void Zero(float* values, int first, int last) noexcept
+/// Zeroes from `start` up to where the next value is above the one before, but no further than
+/// `last`, behind which all is 0; answers the highest index zeroed.
+int EraseUp(float* values, int start, int last) noexcept
 {
-    int i = first;
-    for (; i + L <= last + 1; i += L) {
+    int i = start;
+    for (; i < last; i += L) {
+        const unsigned rises = GetMask<L>(Load<L>(values + i + 1) > Load<L>(values + i));
+        if (rises != 0) {
+            const int count = 1 + __builtin_ctz(rises);
+            ZeroFew(values + i, count);
+            return i + count - 1;
+        }
         Store(values + i, V{});
     }
-    if (i <= last && last + 1 - L >= first) {
-        Store(values + last + 1 - L, V{}); // some of it for the second time
-        return;
+    values[i] = 0;
+    return last;
+}
+
+struct Range {
+    int first;
+    int last;
+};
+
+Range EraseAround(float* values, int centre, int last) noexcept
+{
+    constexpr int Reach = 4; // what is erased anyway
+    const int end = EraseUp(values, centre + Reach, last);
+    if (centre < Reach) {
+        for (int i = 0; i < centre + Reach; ++i) {
+            values[i] = 0;
+        }
+        return {0, end};
     }
-    for (; i <= last; ++i) {
-        values[i] = 0;
+    const int first = EraseDown(values, centre - Reach);
+    for (int i = 1; i < 2 * Reach; i += L) {
+        Store(values + centre - Reach + i, V{}); // the last of these is zero already
     }
+    return {first, end};
 }
 
 void ErasePeak(float* values, int centre, int last) noexcept
 {
-    const int before = FindRiseBefore(values, centre - ErasedAnyway);
-    const int behind = FindRise(values, centre + ErasedAnyway, last);
-    Zero(values, before < 0 ? 0 : before + 1, behind - 1 < last ? behind - 1 : last);
+    EraseAround(values, centre, last);
+}
+
+void EraseScore(LagScores scores, int centre, int last) noexcept
+{
+    const Range erased = EraseAround(scores.values, centre, last);
+    Renew(scores, erased.first, erased.last);
 }
 
 /// Calls change(weight, bell) for the lags of the bell and writes what it answers.
@@ -139,15 +199,11 @@ void ForBell(const BellTable& table, const Bell& bell, float* weights, Change ch
     float* const start = weights + bell.index - table.margin;
     const V cosine = Broadcast<L>(bell.cosine);
     const V sine = Broadcast<L>(bell.sine);
-    Ints lane;
-    for (int i = 0; i < L; ++i) {
-        lane[i] = i;
-    }
     for (int i = 0; i < count; i += L) {
         const V value = Load<L>(table.cosines + i) * cosine + Load<L>(table.sines + i) * sine;
         const V weight = Load<L>(start + i);
         const V changed = change(weight, value * 0.5F + 0.5F);
-        Store(start + i, lane < count - i ? changed : weight);
+        Store(start + i, Lanes < count - i ? changed : weight);
     }
 }
 
@@ -172,6 +228,7 @@ void Lower(const BellTable& table, const Bell& bell, float depth, float* weights
 constinit const LagSearchKernels lagSearch = {.score = Score,
                                               .findFirstLargest = FindFirstLargest,
                                               .erasePeak = ErasePeak,
+                                              .eraseScore = EraseScore,
                                               .raise = Raise,
                                               .lower = Lower};
 

@@ -26,17 +26,18 @@ std::size_t At(std::ptrdiff_t position)
 
 } // namespace
 
-LagMap::LagMap(const AnalysisSizes& sizes)
-    : kernels(Kernels::GetKernels().lagSearch)
+LagMap::LagMap(const AnalysisSizes& sizes, const Kernels::LagSearchKernels& newKernels)
+    : kernels(newKernels)
     , maxLag(sizes.maxLag)
     , margin(std::max(
           LeastMargin,
           static_cast<int>(std::lround(static_cast<double>(sizes.decimatedRate) * MarginSeconds))))
-    , lagCount(Kernels::GetLagCount(sizes.maxLag))
+    , lagCount((maxLag + Kernels::ScoreBlock) / Kernels::ScoreBlock * Kernels::ScoreBlock)
     , lead((margin + Kernels::LagPadding - 1) / Kernels::LagPadding * Kernels::LagPadding)
     , weights(At(lead + lagCount + 2 * margin + Kernels::LagPadding), 1.0F)
     , smoothed(At(lagCount))
-    , scores(At(Kernels::GetCorrelationStride(sizes.maxLag)))
+    , scores(At(lagCount + Kernels::LagPadding))
+    , maxima(At(lagCount / 4))
 {
     const auto rate = static_cast<double>(sizes.trackerRate);
     times = {.rise = GetSmootherCoefficient(RiseSeconds, rate),
@@ -57,11 +58,26 @@ void LagMap::Reset() noexcept UTIL_NONBLOCKING
     std::fill(smoothed.begin(), smoothed.end(), 0.0F);
 }
 
-float* LagMap::Score(const float* correlation) noexcept UTIL_NONBLOCKING
+Kernels::LagScores LagMap::GetScores() noexcept UTIL_NONBLOCKING
 {
-    float* const first = weights.data() + lead;
-    kernels.score(times, correlation, smoothed.data(), first, scores.data(), lagCount);
-    return scores.data();
+    return {.values = scores.data(), .maxima = maxima.data(), .count = lagCount};
+}
+
+void LagMap::Score(const float* correlation, int firstLag) noexcept UTIL_NONBLOCKING
+{
+    const Kernels::LagState state{smoothed.data(), weights.data() + lead};
+    kernels.score(times, correlation, state, firstLag, GetScores());
+    first = firstLag;
+}
+
+int LagMap::FindBest() noexcept UTIL_NONBLOCKING
+{
+    return std::max(kernels.findFirstLargest(GetScores()), first); // where nothing is left, 0
+}
+
+void LagMap::ErasePeak(int found) noexcept UTIL_NONBLOCKING
+{
+    kernels.eraseScore(GetScores(), found, maxLag);
 }
 
 /// The bell cos(pi (i - centre) / b) * 0.5 + 0.5 of the lags i within b of `index`. The cosine of

@@ -17,16 +17,23 @@ namespace DSP::Synapse {
 /// back to 1 within some 60 ms of the tracker's time.
 class LagMap {
 public:
-    /// [setup]
-    explicit LagMap(const AnalysisSizes& sizes);
+    /// The kernels are those that the processor runs best unless a test says others. [setup]
+    explicit LagMap(const AnalysisSizes& sizes,
+                    const Kernels::LagSearchKernels& newKernels = Kernels::GetKernels().lagSearch);
 
     /// All weights 1, and nothing heard. [process]
     void Reset() noexcept UTIL_NONBLOCKING;
 
-    /// Takes the correlation of the next run by lag, none negative, at a row of
-    /// Kernels::GetCorrelationStride(); answers the scores, a row alike, which the caller may
-    /// change. Then all weights move toward 1. [process]
-    float* Score(const float* correlation) noexcept UTIL_NONBLOCKING;
+    /// Takes the correlation of the next run by lag, none negative, a row of
+    /// Kernels::GetCorrelationStride(); makes the scores of the lags from `firstLag` on. Then all
+    /// weights move toward 1. [process]
+    void Score(const float* correlation, int firstLag) noexcept UTIL_NONBLOCKING;
+
+    /// Lag of the best score that is left, the shortest of equal ones. [process]
+    int FindBest() noexcept UTIL_NONBLOCKING;
+
+    /// Erases the peak of the scores around a lag. [process]
+    void ErasePeak(int found) noexcept UTIL_NONBLOCKING;
 
     /// Raises the weights around the lag of a candidate found at index `found`, and lowers those
     /// around half and twice of it. `lag` in decimated samples, `clarity` 0 to 1. [process]
@@ -37,18 +44,21 @@ public:
     int GetMargin() const noexcept { return margin; } ///< b, lags that a mark reaches. [any]
 
 private:
+    Kernels::LagScores GetScores() noexcept UTIL_NONBLOCKING;
     Kernels::Bell MakeBell(int index, float centre) const noexcept UTIL_NONBLOCKING;
     void Lower(int index, float centre, float depth) noexcept UTIL_NONBLOCKING;
 
     const Kernels::LagSearchKernels& kernels;
     int maxLag;
-    int margin; // b
-    std::ptrdiff_t lagCount;
+    int margin;              // b
+    std::ptrdiff_t lagCount; // scored, with some behind the last; a row has room
     Kernels::ScoreTimes times;
     std::ptrdiff_t lead;          // weights before lag 0, b of them or more
     Kernels::LaneVector weights;  // with room for a bell behind the last lag
     Kernels::LaneVector smoothed; // by lag
     Kernels::LaneVector scores;   // by lag
+    Kernels::LaneVector maxima;   // of the scores
+    int first = 0;                // shortest lag that is scored
     std::vector<float> cosines;   // cos(pi j / b) for j = -b..b
     std::vector<float> sines;     // sin(pi j / b) for j = -b..b
 };

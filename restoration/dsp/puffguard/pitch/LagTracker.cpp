@@ -36,13 +36,15 @@ DP::Candidate MakeCandidate(float pitchHz, float clarity) noexcept UTIL_NONBLOCK
 
 } // namespace
 
-LagTracker::LagTracker(const AnalysisSizes& sizes, int newDelayFrames)
-    : kernels(Kernels::GetKernels().lagSearch)
+LagTracker::LagTracker(const AnalysisSizes& sizes,
+                       int newDelayFrames,
+                       const Kernels::LagSearchKernels& newKernels)
+    : kernels(newKernels)
     , minLag(sizes.minLag)
     , maxLag(sizes.maxLag)
     , decimatedRate(sizes.decimatedRate)
     , delayFrames(newDelayFrames)
-    , map(sizes)
+    , map(sizes, newKernels)
     , path(newDelayFrames + 1)
     , gate(newDelayFrames)
 {
@@ -78,10 +80,9 @@ void LagTracker::SetAnalysing(bool enabled) noexcept UTIL_NONBLOCKING
     }
 }
 
-LagTracker::Peak LagTracker::FindPeak(const Lags& lags) const noexcept UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindPeak(std::span<const float> correlation) noexcept UTIL_NONBLOCKING
 {
-    const int found = kernels.findFirstLargest(lags.scores, lags.first, maxLag);
-    const std::span<const float> correlation = lags.correlation;
+    const int found = map.FindBest();
     const int top = ClimbToPeak(correlation, found, map.GetMargin(), maxLag);
     return {found,
             top,
@@ -91,14 +92,13 @@ LagTracker::Peak LagTracker::FindPeak(const Lags& lags) const noexcept UTIL_NONB
 
 /// Fills `candidates`: the best lags, and last the octave above the best, in case the best is an
 /// octave too low. Answers the best.
-LagTracker::Peak LagTracker::FindCandidates(const Lags& lags) noexcept UTIL_NONBLOCKING
+LagTracker::Peak LagTracker::FindCandidates(std::span<float> correlation) noexcept UTIL_NONBLOCKING
 {
     const int slots = dynamicProgramming ? DP::DynProgCached::CandidateCount : 1;
     const int searched = std::max(slots - 1, 1);
-    const std::span<const float> correlation = lags.correlation;
     Peak plain{};
     for (int k = 0; k < searched; ++k) {
-        const Peak peak = FindPeak(lags);
+        const Peak peak = FindPeak(correlation);
         const float pitchHz = decimatedRate / peak.lag;
         candidates[static_cast<std::size_t>(k)] = MakeCandidate(pitchHz, peak.clarity);
         if (k == 0) {
@@ -108,8 +108,8 @@ LagTracker::Peak LagTracker::FindCandidates(const Lags& lags) noexcept UTIL_NONB
             candidates.back() =
                 MakeCandidate(2.0F * pitchHz, std::max(peak.clarity * 0.5F, halfClarity));
         }
-        kernels.erasePeak(lags.scores, peak.found, maxLag);
-        kernels.erasePeak(lags.correlation.data(), peak.top, maxLag);
+        map.ErasePeak(peak.found);
+        kernels.erasePeak(correlation.data(), peak.top, maxLag);
         map.Mark(peak.found, peak.lag, plain.clarity);
     }
     return plain;
@@ -124,7 +124,8 @@ float LagTracker::Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKI
 
 LagEstimate LagTracker::Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING
 {
-    const Peak plain = FindCandidates({correlation, map.Score(correlation.data()), firstLag});
+    map.Score(correlation.data(), firstLag);
+    const Peak plain = FindCandidates(correlation);
     if (!dynamicProgramming) {
         // Nothing is looked ahead for, so nothing may wait: the run's own cost decides.
         const float smoothed = Settle(plain.lag, plain.clarity);

@@ -22,8 +22,11 @@ namespace DSP::Synapse {
 /// Threads: the constructor is [setup], the rest [process], from one thread at a time.
 class LagTracker {
 public:
-    /// `newDelayFrames` in runs: how far dynamic programming looks ahead.
-    LagTracker(const AnalysisSizes& sizes, int newDelayFrames);
+    /// `newDelayFrames` in runs: how far dynamic programming looks ahead. The kernels are those
+    /// that the processor runs best unless a test says others.
+    LagTracker(const AnalysisSizes& sizes,
+               int newDelayFrames,
+               const Kernels::LagSearchKernels& newKernels = Kernels::GetKernels().lagSearch);
 
     /// Forgets the signal.
     void Reset() noexcept UTIL_NONBLOCKING;
@@ -39,13 +42,6 @@ public:
     LagEstimate Run(std::span<float> correlation, int firstLag) noexcept UTIL_NONBLOCKING;
 
 private:
-    /// What a run searches, by lag.
-    struct Lags {
-        std::span<float> correlation;
-        float* scores;
-        int first;
-    };
-
     /// Where a candidate lies, and how periodic the frame is there.
     struct Peak {
         int found; ///< lag of the best score
@@ -54,8 +50,8 @@ private:
         float clarity;
     };
 
-    Peak FindPeak(const Lags& lags) const noexcept UTIL_NONBLOCKING;
-    Peak FindCandidates(const Lags& lags) noexcept UTIL_NONBLOCKING;
+    Peak FindPeak(std::span<const float> correlation) noexcept UTIL_NONBLOCKING;
+    Peak FindCandidates(std::span<float> correlation) noexcept UTIL_NONBLOCKING;
     float Settle(float newLag, float newClarity) noexcept UTIL_NONBLOCKING;
 
     const Kernels::LagSearchKernels& kernels;

@@ -55,25 +55,70 @@ void ErasePlainly(std::vector<float>& values, int centre, int last)
     erase(1);
 }
 
+/// Scores that are these values from a lag on.
+class Scores {
+public:
+    Scores(const LagSearchKernels& kernels, std::vector<float> wanted, int firstLag)
+    {
+        wanted.resize((wanted.size() + ScoreBlock - 1) / ScoreBlock * ScoreBlock);
+        std::vector<float> smoothed(wanted.size());
+        std::vector<float> weights(wanted.size(), 1.0F);
+        values.resize(wanted.size() + LagPadding);
+        maxima.resize(wanted.size() / 4);
+        kernels.score({}, wanted.data(), {smoothed.data(), weights.data()}, firstLag, Get());
+    }
+
+    LagScores Get()
+    {
+        return {
+            values.data(), maxima.data(), static_cast<std::ptrdiff_t>(values.size()) - LagPadding};
+    }
+
+private:
+    std::vector<float> values;
+    std::vector<float> maxima;
+};
+
 } // namespace
 
 TEST(LagSearch, FirstOfTheLargestWins)
 {
     ForEachLevel([](const LagSearchKernels& kernels) {
         for (int count = 1; count < 70; ++count) {
-            std::vector<float> values = MakeValues(static_cast<std::size_t>(count) + 2, 5);
-            const auto begin = values.begin() + 2;
+            const int first = count % 40;
+            std::vector<float> values = MakeValues(static_cast<std::size_t>(first + count), 5);
+            const auto begin = values.begin() + first;
             const auto largest = std::max_element(begin, begin + count);
-            values.front() = 2; // outside the range
-            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1),
+            std::fill(values.begin(), begin, 2.0F); // outside the range
+            EXPECT_EQ(kernels.findFirstLargest(Scores(kernels, values, first).Get()),
                       largest - values.begin());
             *largest = 1; // twice the same
             *begin = 1;
-            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1), 2);
-            std::fill(values.begin(), values.end(), 0.0F);
-            EXPECT_EQ(kernels.findFirstLargest(values.data(), 2, count + 1), 2);
+            EXPECT_EQ(kernels.findFirstLargest(Scores(kernels, values, first).Get()), first);
+            std::fill(begin, values.end(), 0.0F);
+            EXPECT_EQ(kernels.findFirstLargest(Scores(kernels, values, first).Get()), 0);
         }
     });
+}
+
+// From one best to the next until nothing is left.
+TEST(LagSearch, ErasedScoresAreNotFoundAgain)
+{
+    for (const int last : {33, 100, 245}) {
+        const std::vector<float> values = MakeValues(static_cast<std::size_t>(last) + 1, 6);
+        ForEachLevel([&](const LagSearchKernels& kernels) {
+            Scores scores(kernels, values, 0);
+            std::vector<float> expected = values;
+            auto best = std::max_element(expected.begin(), expected.end());
+            for (; *best > 0; best = std::max_element(expected.begin(), expected.end())) {
+                const int found = kernels.findFirstLargest(scores.Get());
+                ASSERT_EQ(found, best - expected.begin());
+                kernels.eraseScore(scores.Get(), found, last);
+                ErasePlainly(expected, found, last);
+            }
+            EXPECT_EQ(kernels.findFirstLargest(scores.Get()), 0);
+        });
+    }
 }
 
 TEST(LagSearch, ErasingEndsWhereValuesRiseAgain)
@@ -118,7 +163,8 @@ TEST(LagSearch, ErasesWhatThePlainWalkErases)
 
 TEST(LagSearch, ScoresFollowByTheirTimes)
 {
-    constexpr std::size_t Count = 48;
+    constexpr std::size_t Count = 64;
+    constexpr int FirstLag = 11;
     const ScoreTimes times{.rise = 0.75F, .fall = 0.25F, .relaxation = 0.5F};
     std::vector<float> values = MakeValues(Count, 1);
     std::vector<float> smoothed = MakeValues(Count, 2);
@@ -128,14 +174,19 @@ TEST(LagSearch, ScoresFollowByTheirTimes)
     ForEachLevel([&](const LagSearchKernels& kernels) {
         std::vector<float> state = smoothed;
         std::vector<float> weight = weights;
-        std::vector<float> scores(Count);
-        kernels.score(times, values.data(), state.data(), weight.data(), scores.data(), Count);
+        std::vector<float> scores(Count + LagPadding);
+        std::vector<float> maxima(Count / 4);
+        kernels.score(times,
+                      values.data(),
+                      {state.data(), weight.data()},
+                      FirstLag,
+                      {scores.data(), maxima.data(), Count});
         EXPECT_EQ(state[5], 0.0F);
         for (std::size_t i = 0; i < Count; ++i) {
             const float part = values[i] > smoothed[i] ? 0.75F : 0.25F;
             const float followed = smoothed[i] + (values[i] - smoothed[i]) * part;
             EXPECT_EQ(state[i], i == 5 ? 0.0F : followed) << i;
-            EXPECT_EQ(scores[i], weights[i] * state[i]) << i;
+            EXPECT_EQ(scores[i], i < FirstLag ? 0.0F : weights[i] * state[i]) << i;
             EXPECT_EQ(weight[i], weights[i] + (1 - weights[i]) * 0.5F) << i;
         }
     });

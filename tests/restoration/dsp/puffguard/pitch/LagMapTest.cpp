@@ -94,7 +94,7 @@ TEST(LagMap, RelaxesTowardOneByItsTimeConstant)
         static_cast<std::size_t>(DSP::Kernels::GetCorrelationStride(sizes.maxLag)));
     // 0.06 s at the tracker's rate of 344.5 Hz are 20.67 runs, so 62 runs are 3 time constants.
     for (int run = 0; run < 62; ++run) {
-        map.Score(silence.data());
+        map.Score(silence.data(), sizes.minLag);
     }
     EXPECT_NEAR(map.GetWeights()[100], 1 + 1.5 * std::exp(-62 / 20.671875), 1e-5);
     EXPECT_NEAR(map.GetWeights()[50], 1 - 0.9 * std::exp(-62 / 20.671875), 1e-5);

@@ -3,6 +3,7 @@
 
 #include "restoration/dsp/puffguard/pitch/Autocorr.h"
 #include "restoration/dsp/puffguard/pitch/FrameHistory.h"
+#include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
 
 #include <gtest/gtest.h>
 
@@ -36,9 +37,10 @@ std::vector<float> MakeMixture(double levelOf120, double levelOf190)
 }
 
 /// A tracker without look ahead, so that each run's own choice shows.
-LagTracker MakeTracker()
+LagTracker MakeTracker(DSP::Kernels::Level level = DSP::Kernels::GetLevel())
 {
-    LagTracker tracker(AnalysisSizes::ForRate(48000), 64);
+    LagTracker tracker(
+        AnalysisSizes::ForRate(48000), 64, DSP::Kernels::GetKernels(level).lagSearch);
     tracker.SetDynamicProgramming(false);
     return tracker;
 }
@@ -91,6 +93,22 @@ TEST(LagTracker, ResetForgetsWhatItHasFollowed)
             const double expected = Follow(fresh, mixture, run);
             EXPECT_EQ(Follow(used, mixture, run), expected) << run;
         }
+    }
+}
+
+TEST(LagTracker, EveryLevelFollowsAlike)
+{
+    const std::vector<float> mixture = MakeMixture(0.2, 0.2);
+    const auto follow = [&](DSP::Kernels::Level level) {
+        std::vector<double> pitches;
+        LagTracker tracker = MakeTracker(level);
+        for (std::size_t run = 1; run < 20; ++run) {
+            pitches.push_back(Follow(tracker, mixture, run));
+        }
+        return pitches;
+    };
+    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+        EXPECT_EQ(follow(level), follow(DSP::Kernels::Level::Baseline)) << static_cast<int>(level);
     }
 }
 

@@ -87,12 +87,6 @@ inline float Maximum(const float* source, std::size_t count) noexcept UTIL_NONBL
     return *std::max_element(source, source + count);
 }
 
-/// Smallest value; `count` is at least 1.
-inline float Minimum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
-{
-    return *std::min_element(source, source + count);
-}
-
 /// Index of the first of the smallest values; 0 when there are none.
 inline std::size_t IndexOfMinimum(const float* source, std::size_t count) noexcept UTIL_NONBLOCKING
 {

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/VoicingGate.h"
 
-#include "restoration/dsp/puffguard/VectorOps.h"
-
 #include <algorithm>
 
 namespace DSP::Synapse {
 
 namespace {
 
+constexpr uint32_t CostCount = 33; // of which the lowest counts
 constexpr float UnknownCost = 1e30F;
 /// What the past before the first run counts as in the smoothed cost; the start-up hides it.
 constexpr float PastCost = 1.0F;
@@ -20,32 +19,18 @@ VoicingGate::VoicingGate(int newDelayFrames)
     , pending(static_cast<std::size_t>(newDelayFrames) + 1)
 {
     smoothedCost.configure(static_cast<uint32_t>(delayFrames), PastCost);
+    negatedCost.configure(CostCount, -UnknownCost);
     Reset();
 }
 
 void VoicingGate::Reset() noexcept UTIL_NONBLOCKING
 {
     smoothedCost.reset();
-    costs.fill(UnknownCost);
-    costPosition = 0;
-    lowestCost = UnknownCost;
+    negatedCost.reset();
     std::fill(pending.begin(), pending.end(), Pending{0, 0});
     pendingPosition = 0;
     // The smoother's window, and then the path that looks back as far as dynamic programming does.
     startUpRuns = 2 * delayFrames + 1 + delayFrames;
-}
-
-/// All costs are looked at only when the lowest leaves the ring.
-void VoicingGate::PushCost(float cost) noexcept UTIL_NONBLOCKING
-{
-    const float former = costs[costPosition];
-    costs[costPosition] = cost;
-    costPosition = costPosition + 1 == CostCount ? 0 : costPosition + 1;
-    if (cost <= lowestCost) {
-        lowestCost = cost;
-    } else if (former <= lowestCost) {
-        lowestCost = VectorOps::Minimum(costs.data(), costs.size());
-    }
 }
 
 LagEstimate VoicingGate::Push(float lag, float confidence, float meanCost) noexcept UTIL_NONBLOCKING
@@ -54,7 +39,8 @@ LagEstimate VoicingGate::Push(float lag, float confidence, float meanCost) noexc
     pendingPosition = pendingPosition + 1 == pending.size() ? 0 : pendingPosition + 1;
     const Pending oldest = pending[pendingPosition];
 
-    PushCost(smoothedCost.process(meanCost) * smoothedCost.GetScale());
+    const float cost = smoothedCost.process(meanCost) * smoothedCost.GetScale();
+    const float lowestCost = -negatedCost.process(-cost);
     const bool startingUp = startUpRuns > 0;
     startUpRuns -= startingUp ? 1 : 0;
     if (startingUp || lowestCost >= UnvoicedCost || oldest.lag == 0) {

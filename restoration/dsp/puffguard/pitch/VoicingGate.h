@@ -3,8 +3,8 @@
 
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/RunningHann.h"
+#include "restoration/dsp/puffguard/RunningMax.h"
 
-#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -35,21 +35,15 @@ public:
     LagEstimate Push(float lag, float confidence, float meanCost) noexcept UTIL_NONBLOCKING;
 
 private:
-    static constexpr std::size_t CostCount = 33;
-
     struct Pending {
         float lag;
         float confidence;
     };
 
-    void PushCost(float cost) noexcept UTIL_NONBLOCKING;
-
     int delayFrames;
     RunningHann<float> smoothedCost;
-    std::array<float, CostCount> costs{}; // ring of the latest smoothed costs
-    std::size_t costPosition = 0;
-    float lowestCost = 0;         // of these
-    std::vector<Pending> pending; // ring of delayFrames + 1
+    RunningMax<float> negatedCost; // of the latest smoothed costs, of which the lowest counts
+    std::vector<Pending> pending;  // ring of delayFrames + 1
     std::size_t pendingPosition = 0;
     int startUpRuns = 0; // still to pass before anything can be voiced
 };

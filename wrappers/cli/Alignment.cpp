@@ -15,7 +15,6 @@ Alignment::Alignment(size_t newChannels,
     , greatestBlock(newGreatestBlock)
     , effect(std::move(newEffect))
     , delayLine(newLatency * channels)
-    , latency(newLatency)
     , framesToSkip(mode == LatencyMode::Trim ? newLatency : 0)
     , framesToDrain(newLatency)
     , block(channels * greatestBlock)
@@ -37,21 +36,37 @@ void Alignment::SplitChannels(std::span<const double> samples, size_t frames)
     }
 }
 
-// Stores input and output of one frame; the delay line gives the older frame and takes the new one.
-void Alignment::PairFrame(size_t frame, const double* sample)
+// The delay line gives its oldest samples and takes as many new ones.
+void Alignment::DelayInput(std::span<const double> samples)
+{
+    double* target = inputs.data();
+    while (!samples.empty()) {
+        if (delayLine.empty()) {
+            std::copy(samples.begin(), samples.end(), target);
+            return;
+        }
+        const size_t count = std::min(samples.size(), delayLine.size() - delayPosition);
+        double* const kept = delayLine.data() + delayPosition;
+        target = std::copy_n(kept, count, target);
+        std::copy_n(samples.begin(), count, kept);
+        samples = samples.subspan(count);
+        delayPosition = (delayPosition + count) % delayLine.size();
+    }
+}
+
+void Alignment::MakeOutput(size_t frames)
 {
     for (size_t channel = 0; channel < channels; ++channel) {
-        double input = sample[channel];
-        if (latency > 0) {
-            std::swap(input, delayLine[delayPosition * channels + channel]);
+        const float* const effected = block.data() + channel * greatestBlock;
+        for (size_t frame = 0; frame < frames; ++frame) {
+            const double input = inputs[frame * channels + channel];
+            const auto given = static_cast<double>(static_cast<float>(input));
+            const auto taken = static_cast<double>(effected[frame]);
+            const double kept = input + (taken - given);
+            // Without low bits to keep, the effect's own value needs no arithmetic.
+            outputs[frame * channels + channel] = given == input ? taken : kept;
         }
-        const auto given = static_cast<double>(static_cast<float>(input));
-        const auto taken = static_cast<double>(block[channel * greatestBlock + frame]);
-        inputs[frame * channels + channel] = input;
-        // Without low bits to keep, the effect's own value needs no arithmetic.
-        outputs[frame * channels + channel] = given == input ? taken : input + (taken - given);
     }
-    delayPosition = delayPosition + 1 < latency ? delayPosition + 1 : 0;
 }
 
 Alignment::Pair Alignment::Push(std::span<const double> samples)
@@ -59,9 +74,8 @@ Alignment::Pair Alignment::Push(std::span<const double> samples)
     const size_t frames = samples.size() / channels;
     SplitChannels(samples, frames);
     effect(channelPointers.data(), static_cast<uint32_t>(frames));
-    for (size_t frame = 0; frame < frames; ++frame) {
-        PairFrame(frame, samples.data() + frame * channels);
-    }
+    DelayInput(samples.first(frames * channels));
+    MakeOutput(frames);
     const auto skipped = static_cast<size_t>(std::min<uint64_t>(framesToSkip, frames));
     framesToSkip -= skipped;
     const size_t begin = skipped * channels;

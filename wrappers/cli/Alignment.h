@@ -45,14 +45,14 @@ public:
 
 private:
     void SplitChannels(std::span<const double> samples, size_t frames);
-    void PairFrame(size_t frame, const double* sample);
+    void DelayInput(std::span<const double> samples);
+    void MakeOutput(size_t frames);
 
     size_t channels;
     size_t greatestBlock;
     Effect effect;
-    std::vector<double> delayLine; // the last `latency` frames of input, a ring
-    size_t latency;
-    size_t delayPosition = 0;
+    std::vector<double> delayLine; // the last `latency` frames of input, interleaved, a ring
+    size_t delayPosition = 0;      // of its oldest sample
     uint64_t framesToSkip;
     uint64_t framesToDrain;
     std::vector<float> block;

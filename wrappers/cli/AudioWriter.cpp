@@ -8,8 +8,6 @@
 
 #include <unistd.h>
 
-#include <cmath>
-
 namespace Cli {
 
 namespace {
@@ -92,10 +90,10 @@ sf_count_t AudioWriter::WriteIntegers(std::span<const double> samples)
 {
     const int bits = BitsOf(format);
     const double steps = StepsOf(bits);
+    const int unit = bits < 32 ? 1 << (32 - bits) : 1;
     integers.resize(samples.size());
     for (size_t i = 0; i < samples.size(); ++i) {
-        const auto step = static_cast<int64_t>(RoundToStep(samples[i], steps));
-        integers[i] = static_cast<int>(step * (int64_t{1} << (32 - bits)));
+        integers[i] = static_cast<int>(RoundToStep(samples[i], steps)) * unit;
     }
     return sf_write_int(handle.get(), integers.data(), static_cast<sf_count_t>(integers.size()));
 }

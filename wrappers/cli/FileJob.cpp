@@ -62,14 +62,12 @@ std::unique_ptr<OutputFile> OpenReport(const std::string& path, const Options& o
 // The effect would take them for 0 itself; here they must not enter the difference either.
 uint64_t SilenceNonFinite(std::span<double> samples)
 {
-    uint64_t count = 0;
-    for (double& sample : samples) {
-        if (!std::isfinite(static_cast<float>(sample))) {
-            sample = 0;
-            ++count;
-        }
+    const auto isBad = [](double sample) { return !std::isfinite(static_cast<float>(sample)); };
+    const auto count = std::count_if(samples.begin(), samples.end(), isBad);
+    if (count > 0) {
+        std::replace_if(samples.begin(), samples.end(), isBad, 0.0);
     }
-    return count;
+    return static_cast<uint64_t>(count);
 }
 
 std::string FormatName(int format)

@@ -130,9 +130,15 @@ void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept
     fft->Forward(frame.data(), spectrum);
 }
 
-void OversampledFilterbank::add(int32_t channel, const float* spectrum) noexcept UTIL_NONBLOCKING
+void OversampledFilterbank::add(int32_t channel, int32_t binCount, const float* spectrum) noexcept
+    UTIL_NONBLOCKING
 {
-    fft->Inverse(spectrum, frame.data());
+    fft->InverseOfLowBins(spectrum, binCount, frame.data());
+    addFrame(channel);
+}
+
+void OversampledFilterbank::addFrame(int32_t channel) noexcept UTIL_NONBLOCKING
+{
     Kernels::GetKernels().overlap.multiplyAdd(
         frame.data(), windows.synthesis.data(), outputTail.GetChannel(channel), Size(windowLength));
     openHops = (windowLength + hop - 1) / hop;
@@ -183,7 +189,8 @@ void OversampledFilterbank::synthesise(float* const* output,
     for (int32_t f = 0; f < sampleCount / hop; ++f) {
         for (int32_t channel = 0; channel < channels; ++channel) {
             VectorOps::Zero(output[channel] + outputOffset + hop * f, Size(hop));
-            add(channel, spectra[channel] + spectrumOffset + frameFloats * f);
+            fft->Inverse(spectra[channel] + spectrumOffset + frameFloats * f, frame.data());
+            addFrame(channel);
         }
         giveOnto(output, outputOffset + hop * f);
     }

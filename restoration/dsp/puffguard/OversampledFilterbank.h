@@ -55,9 +55,9 @@ public:
     void transform(int32_t channel, int32_t binCount, float* spectrum, float* power) noexcept
         UTIL_NONBLOCKING;
 
-    /// Adds a frame to what a channel gives; at most once before each giveOnto(), at any time
-    /// before it. A frame that isn't added counts as silence.
-    void add(int32_t channel, const float* spectrum) noexcept UTIL_NONBLOCKING;
+    /// Adds a frame, whose bins from `binCount` on are 0, to what a channel gives; at most once
+    /// before each giveOnto(), at any time before it. A frame that isn't added counts as silence.
+    void add(int32_t channel, int32_t binCount, const float* spectrum) noexcept UTIL_NONBLOCKING;
 
     /// Adds the next H samples a channel onto `output`, which stays as it is, to the bit, where no
     /// added frame reaches.
@@ -87,6 +87,7 @@ public:
 private:
     void MakeBandEdges();
     void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
+    void addFrame(int32_t channel) noexcept UTIL_NONBLOCKING;
     void take(const float* const* input, int32_t offset) noexcept UTIL_NONBLOCKING;
     void giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
 

@@ -146,7 +146,7 @@ void PuffGuard::SizeRings()
     for (DataTail& slot : powerRing) {
         slot.configure(1, static_cast<int32_t>(binCount), 0);
     }
-    change.assign(frameSize + 2, 0.0F);
+    change.assign(std::size_t{2} * spectrumRing.GetBinCount(), 0.0F);
     channelPower.assign(binCount, 0.0F);
     arriving.resize(GetChannelCount());
     RestartSteps();

@@ -171,16 +171,16 @@ void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
 void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
 {
     const uint32_t oldest = (spectrumSlot + 1) % historyLength;
-    const std::size_t changed = std::size_t{2} * spectrumRing.GetChangedBins(oldest);
-    if (changed == 0) {
+    const uint32_t changedBins = spectrumRing.GetChangedBins(oldest);
+    if (changedBins == 0) {
         return;
     }
     const uint32_t channels = GetChannelCount();
     const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
     for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
         if (spectrumRing.GetChange(oldest, channel, change.data())) {
-            filterbank.add(static_cast<int32_t>(channel), change.data());
-            VectorOps::Zero(change.data(), changed);
+            filterbank.add(
+                static_cast<int32_t>(channel), static_cast<int32_t>(changedBins), change.data());
         }
     }
 }

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -153,26 +152,6 @@ TEST(Creation, FallsBackTo44100HzForABadRate)
         ASSERT_NE(instance.Get(), nullptr);
         EXPECT_EQ(instance.Latency(), 14335U);
     }
-}
-
-TEST(Tick, TellsTheHostOfALatencyThatChangedWhileAudioRan)
-{
-    Instance instance(44100.0F, 1);
-    Audio audio(1, std::vector<float>(2000));
-    instance.Run(audio, 500);
-    instance.SetElement(ElementLatencyScaling, 0.0F);
-    instance.Run(audio, 500);
-    EXPECT_EQ(instance.Latency(Process), 9215U);
-    const auto hostWasTold = [&instance] {
-        const auto calls = instance.Calls();
-        return std::any_of(calls.begin(), calls.end(), [](const HostCall& call) {
-            return call.opcode == HostOpcodeLatencyChanged && call.context == UI &&
-                   call.word == 9215U;
-        });
-    };
-    while (!hostWasTold()) // ends by the test's time limit when no tick ever comes
-        std::this_thread::yield();
-    EXPECT_EQ(instance.Latency(UI), 9215U);
 }
 
 TEST(Storm, OfParametersFromBothThreads)

@@ -13,21 +13,14 @@ using TestHost::Audio;
 
 namespace {
 
-class ClapParametersTest : public ClapTest {
+class ClapParametersTest : public ClapPluginTest {
 protected:
     void SetUp() override
     {
-        ClapTest::SetUp();
-        ASSERT_TRUE(plugin.emplace(host));
+        ClapPluginTest::SetUp();
         strength = Find(*plugin, "Strength").id;
     }
-    void TearDown() override
-    {
-        plugin.reset();
-        ClapTest::TearDown();
-    }
 
-    std::optional<Plugin> plugin;
     clap_id strength = 0;
 };
 

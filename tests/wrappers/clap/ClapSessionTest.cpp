@@ -10,19 +10,13 @@ using Bytes = std::vector<uint8_t>;
 
 namespace {
 
-class ClapSessionTest : public ClapTest {
+class ClapSessionTest : public ClapPluginTest {
 protected:
     void SetUp() override
     {
-        ClapTest::SetUp();
-        ASSERT_TRUE(plugin.emplace(host));
+        ClapPluginTest::SetUp();
         strength = Find(*plugin, "Strength").id;
         bypass = Find(*plugin, "Global bypass").id;
-    }
-    void TearDown() override
-    {
-        plugin.reset();
-        ClapTest::TearDown();
     }
 
     void Set(clap_id id, double value)
@@ -32,7 +26,6 @@ protected:
         plugin->Flush(&events, nullptr);
     }
 
-    std::optional<Plugin> plugin;
     clap_id strength = 0;
     clap_id bypass = 0;
 };

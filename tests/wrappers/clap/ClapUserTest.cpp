@@ -7,27 +7,24 @@
 
 using ClapHost::InputEvents;
 using ClapHost::OutputEvents;
-using ClapHost::Plugin;
 
 using Texts = std::vector<std::string>;
 
 namespace {
 
-class ClapUserTest : public ClapTest {
+class ClapUserTest : public ClapPluginTest {
 protected:
     void SetUp() override
     {
         setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
-        ClapTest::SetUp();
-        ASSERT_TRUE(plugin.emplace(host));
+        ClapPluginTest::SetUp();
         const clap_param_info_t info = Find(*plugin, "Amount");
         amount = std::to_string(info.id);
         amountId = info.id;
     }
     void TearDown() override
     {
-        plugin.reset();
-        ClapTest::TearDown();
+        ClapPluginTest::TearDown();
         unsetenv("PUFFGUARD_MODULE");
     }
 
@@ -39,7 +36,6 @@ protected:
         ASSERT_TRUE(plugin->Load(ClapHost::MakeSession(state)));
     }
 
-    std::optional<Plugin> plugin;
     std::string amount;
     clap_id amountId = 0;
 };

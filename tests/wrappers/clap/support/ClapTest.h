@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 
 /// Tests find no settings of the user, and see to it that the plug-in breaks no rule of threads.
@@ -79,4 +80,21 @@ protected:
 
     Support::UserFolders folders;
     ClapHost::Host host;
+};
+
+/// Tests with a plug-in that is there from the beginning.
+class ClapPluginTest : public ClapTest {
+protected:
+    void SetUp() override
+    {
+        ClapTest::SetUp();
+        ASSERT_TRUE(plugin.emplace(host));
+    }
+    void TearDown() override
+    {
+        plugin.reset(); // its end may break rules, too
+        ClapTest::TearDown();
+    }
+
+    std::optional<ClapHost::Plugin> plugin;
 };

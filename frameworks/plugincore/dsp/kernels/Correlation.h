@@ -35,7 +35,8 @@ struct CorrelationPlan {
 struct PolyphaseView {
     const float* samples = nullptr;
     std::ptrdiff_t rowLength = 0;
-    int stepShift = 0; ///< log2 of the step from one frame to the next, at least 1
+    /// log2 of the step from one frame to the next; a step is from 2 to F / 4 samples.
+    int stepShift = 0;
 };
 
 /// Frames of a correlation at most; the rows of samples are readable that far.

@@ -91,16 +91,19 @@ void PrintFilterbankHop(int sampleRate)
     bank.configure(0.1F, 8, -2, -1);
     std::vector<float> signal = MakeSpeech(1, static_cast<float>(sampleRate), 4)[0];
     std::vector<float> output(static_cast<std::size_t>(bank.GetHop()));
-    std::vector<float> spectrum(static_cast<std::size_t>(bank.GetFFTSize()) + 2);
+    const int repairedBins = bank.GetFFTSize() / 18; // up to 2400 Hz
+    std::vector<float> spectrum(2 * static_cast<std::size_t>(repairedBins));
+    std::vector<float> power(static_cast<std::size_t>(bank.GetFFTSize() / 2 + 1));
     const int hop = bank.GetHop();
     int position = 0;
     PrintKernel("hop of the filterbank", bank.GetFFTSize(), [&] {
         position = position + 2 * hop > static_cast<int>(signal.size()) ? 0 : position + hop;
         const float* const input = signal.data() + position;
-        float* const bins = spectrum.data();
         float* const samples = output.data();
-        bank.analyse(&input, hop, &bins, 0, 0);
-        bank.synthesise(&samples, hop, &bins, 0, 0);
+        bank.take(&input);
+        bank.transform(0, repairedBins, spectrum.data(), power.data());
+        bank.add(0, repairedBins, spectrum.data());
+        bank.giveOnto(&samples);
     });
 }
 

@@ -37,7 +37,6 @@ TEST(Layouts, AllTakeAudioInAnyBlocks)
         Audio whole = speech;
         instance.Run(whole, 2027);
         EXPECT_EQ(BadSample(whole), "");
-        // By more than the roundings of an idle repair.
         EXPECT_GT(LargestError(whole, Delayed(speech, instance.Latency())), 0.01F);
         instance.Settle();
         Audio cut = speech;

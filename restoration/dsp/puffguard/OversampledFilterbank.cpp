@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/puffguard/VectorOps.h"
 
+#include <algorithm>
 #include <bit>
 #include <cassert>
 #include <stdexcept>
@@ -57,7 +58,7 @@ void OversampledFilterbank::configure(float time,
     if (channels != 0) {
         inputTail.configure(channels, windowLength, 0);
         outputTail.configure(channels, windowLength, 0);
-        openHops = 0;
+        openHops.assign(Size(channels), 0);
         MakeBandEdges();
     }
     // Only the number of frames to the window and its length enter; a restart finds its windows
@@ -89,7 +90,7 @@ void OversampledFilterbank::reset() noexcept UTIL_NONBLOCKING
 {
     inputTail.zero();
     outputTail.zero();
-    openHops = 0;
+    std::fill(openHops.begin(), openHops.end(), 0);
 }
 
 void OversampledFilterbank::take(const float* const* input) noexcept UTIL_NONBLOCKING
@@ -141,7 +142,7 @@ void OversampledFilterbank::addFrame(int32_t channel) noexcept UTIL_NONBLOCKING
 {
     Kernels::GetKernels().overlap.multiplyAdd(
         frame.data(), windows.synthesis.data(), outputTail.GetChannel(channel), Size(windowLength));
-    openHops = (windowLength + hop - 1) / hop;
+    openHops[Size(channel)] = (windowLength + hop - 1) / hop;
 }
 
 void OversampledFilterbank::giveOnto(float* const* output) noexcept UTIL_NONBLOCKING
@@ -151,17 +152,23 @@ void OversampledFilterbank::giveOnto(float* const* output) noexcept UTIL_NONBLOC
 
 void OversampledFilterbank::giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING
 {
-    if (openHops == 0) {
-        return;
-    }
+    bool isOpen = false;
     for (int32_t channel = 0; channel < channels; ++channel) {
-        VectorOps::AddInPlace(outputTail.GetChannel(channel), output[channel] + offset, Size(hop));
+        int32_t& hops = openHops[Size(channel)];
+        if (hops > 0) {
+            VectorOps::AddInPlace(
+                outputTail.GetChannel(channel), output[channel] + offset, Size(hop));
+            --hops;
+            isOpen = true;
+        }
+    }
+    if (!isOpen) {
+        return;
     }
     outputTail.consume(hop);
     for (int32_t channel = 0; channel < channels; ++channel) {
         VectorOps::Zero(outputTail.GetChannel(channel) + overlap, Size(hop));
     }
-    --openHops;
 }
 
 void OversampledFilterbank::analyse(const float* const* input,

@@ -59,21 +59,21 @@ public:
     /// before each giveOnto(), at any time before it. A frame that isn't added counts as silence.
     void add(int32_t channel, int32_t binCount, const float* spectrum) noexcept UTIL_NONBLOCKING;
 
-    /// Adds the next H samples a channel onto `output`, which stays as it is, to the bit, where no
-    /// added frame reaches.
+    /// Adds the next H samples a channel onto `output`. A channel stays as it is, to the bit, where
+    /// no frame added to it reaches.
     void giveOnto(float* const* output) noexcept UTIL_NONBLOCKING;
 
-    /// take() and transform() in one: takes `sampleCount` samples a channel, a multiple of H, from
-    /// `inputOffset` on, and writes the frames that they complete, one behind the other from float
-    /// `spectrumOffset` on.
+    /// The whole-stream form of take() and the transform: takes `sampleCount` samples a channel, a
+    /// multiple of H, from `inputOffset` on, and writes the frames that they complete, one behind
+    /// the other from float `spectrumOffset` on.
     void analyse(const float* const* input,
                  int32_t sampleCount,
                  float* const* spectra,
                  int32_t inputOffset,
                  int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
 
-    /// Counterpart of analyse(), add() and giveOnto() in one, called in turn with it for blocks of
-    /// the same length; `output` may be the memory that `input` was.
+    /// Counterpart of analyse(), called in turn with it for blocks of the same length; `output` may
+    /// be the memory that `input` was.
     void synthesise(float* const* output,
                     int32_t sampleCount,
                     const float* const* spectra,
@@ -109,7 +109,7 @@ private:
     WindowPair windows;               // W each
     DataTailCirc inputTail;           // the last W input samples
     DataTailCirc outputTail;          // W output samples that miss frames yet
-    int32_t openHops = 0;             // that the frames added so far reach into
+    std::vector<int32_t> openHops;    // of each channel: that the frames added to it reach into
 };
 
 } // namespace DSP

@@ -4,6 +4,7 @@
 #include "restoration/dsp/puffguard/VectorOps.h"
 
 #include <algorithm>
+#include <cassert>
 #include <stdexcept>
 #include <utility>
 
@@ -136,9 +137,9 @@ void PuffGuard::SizeRings()
     // Bins above those that repairs may reach go out with the input.
     RepairSettings widest = GetRepairSettings();
     widest.frequencyLimit = FrequencyLimits.max;
-    const auto repaired = static_cast<uint32_t>(GetRepairedBinCount(widest));
-    const auto measured = static_cast<uint32_t>(energyLast) + 1;
-    spectrumRing.configure(length, GetChannelCount(), std::max(repaired, measured));
+    const int32_t bins = GetRepairedBinCount(widest);
+    assert(energyLast < bins);
+    spectrumRing.Configure(length, GetChannelCount(), static_cast<uint32_t>(bins));
     // Slots are kept when the history gets shorter, so that it can grow again without the heap.
     const std::size_t slots = std::max<std::size_t>(length, powerRing.size());
     powerRing.resize(slots);
@@ -224,7 +225,7 @@ void PuffGuard::OnReset()
     for (DelayLine& delay : delays) {
         delay.Clear();
     }
-    spectrumRing.zero();
+    spectrumRing.Clear();
     for (DataTail& slot : powerRing) {
         slot.zero();
     }

@@ -123,6 +123,7 @@ private:
     double GetFrameEnergy(uint32_t slot) const noexcept UTIL_NONBLOCKING;
     int64_t GetFrameCentre(int32_t historyIndex) const noexcept UTIL_NONBLOCKING;
     uint32_t GetSlot(int32_t historyIndex) const noexcept UTIL_NONBLOCKING;
+    uint32_t GetLeavingSlot() const noexcept UTIL_NONBLOCKING;
     std::span<const float> GetDetections() const noexcept UTIL_NONBLOCKING;
 
     float sensitivity = 0;

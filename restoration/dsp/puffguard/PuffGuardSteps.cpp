@@ -39,6 +39,8 @@ struct Steps {
     uint32_t count;
     Rest rest;
 
+    constexpr uint32_t GetEnd() const noexcept { return first + count; }
+
     /// Pieces of `pieces` that are done when `step` begins.
     constexpr uint32_t GetDone(uint32_t step, uint32_t pieces) const noexcept
     {
@@ -47,15 +49,36 @@ struct Steps {
     }
 };
 
+/// Which steps have what falls to each channel.
+struct Schedule {
+    Steps transforms;
+    uint32_t detection; // the step of it
+    Steps synthesis;
+};
+
+constexpr Steps TrackerSteps = {2, PitchDetect::PitchDetect::BlockParts, Rest::First};
+constexpr uint32_t SearchStep = 12;
+
 // A channel's transform takes as long as two parts of the tracker's work: with one or two channels
 // no step has both. Two neighbouring steps, a call of 64 frames at 48 kHz, stay below twice the
 // mean, also where a repair is made.
-constexpr Steps TransformSteps = {0, 3, Rest::First};
-constexpr uint32_t DetectionStep = 3;
-constexpr Steps TrackerSteps = {2, PitchDetect::PitchDetect::BlockParts, Rest::First};
-constexpr uint32_t SearchStep = 12;
-constexpr Steps SynthesisSteps = {13, 3, Rest::Last};
-static_assert(TrackerSteps.first + TrackerSteps.count <= SearchStep);
+constexpr Schedule ForTwoChannels = {{0, 3, Rest::First}, 3, {13, 3, Rest::Last}};
+// Transforms are most of the work: all steps share it.
+constexpr Schedule ForMoreChannels = {{0, 11, Rest::First}, 11, {0, StepCount, Rest::Last}};
+
+constexpr bool IsInOrder(const Schedule& schedule)
+{
+    return schedule.transforms.GetEnd() <= schedule.detection && schedule.detection < SearchStep &&
+           schedule.synthesis.GetEnd() <= StepCount;
+}
+
+static_assert(IsInOrder(ForTwoChannels) && IsInOrder(ForMoreChannels));
+static_assert(TrackerSteps.GetEnd() <= SearchStep);
+
+constexpr const Schedule& GetSchedule(uint32_t channels) noexcept
+{
+    return channels <= 2 ? ForTwoChannels : ForMoreChannels;
+}
 
 } // namespace
 
@@ -113,11 +136,12 @@ void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* chan
 void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
 {
     const uint32_t channels = GetChannelCount();
-    const uint32_t end = TransformSteps.GetDone(step + 1, channels);
-    for (uint32_t channel = TransformSteps.GetDone(step, channels); channel < end; ++channel) {
+    const Schedule& schedule = GetSchedule(channels);
+    const uint32_t end = schedule.transforms.GetDone(step + 1, channels);
+    for (uint32_t channel = schedule.transforms.GetDone(step, channels); channel < end; ++channel) {
         Transform(channel);
     }
-    if (step == DetectionStep) {
+    if (step == schedule.detection) {
         Detect();
     }
     constexpr uint32_t Parts = PitchDetect::PitchDetect::BlockParts;
@@ -166,23 +190,31 @@ void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
     powerSlot = (powerSlot + 1) % historyLength;
 }
 
-/// The present step's part of what the hop that is coming in gives out. The slot of the frame that
-/// is made of it holds the one that was given out last.
+/// The present step's part of what the hop that is coming in gives out.
 void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
 {
-    const uint32_t oldest = (spectrumSlot + 1) % historyLength;
-    const uint32_t changedBins = spectrumRing.GetChangedBins(oldest);
+    const uint32_t slot = GetLeavingSlot();
+    const uint32_t changedBins = spectrumRing.GetChangedBins(slot);
     if (changedBins == 0) {
         return;
     }
     const uint32_t channels = GetChannelCount();
-    const uint32_t end = SynthesisSteps.GetDone(step + 1, channels);
-    for (uint32_t channel = SynthesisSteps.GetDone(step, channels); channel < end; ++channel) {
-        if (spectrumRing.GetChange(oldest, channel, change.data())) {
+    const Steps& steps = GetSchedule(channels).synthesis;
+    const uint32_t end = steps.GetDone(step + 1, channels);
+    for (uint32_t channel = steps.GetDone(step, channels); channel < end; ++channel) {
+        if (spectrumRing.GetChange(slot, channel, change.data())) {
             filterbank.add(
                 static_cast<int32_t>(channel), static_cast<int32_t>(changedBins), change.data());
         }
     }
+}
+
+/// Slot of the frame that goes out with the hop that is coming in. The frame before it went out last;
+/// its slot is for the frame that this hop will make.
+uint32_t PuffGuard::GetLeavingSlot() const noexcept UTIL_NONBLOCKING
+{
+    const bool isNewestOpen = hasFrame && step < SearchStep;
+    return (spectrumSlot + (isNewestOpen ? 2 : 1)) % historyLength;
 }
 
 } // namespace DSP::Shared

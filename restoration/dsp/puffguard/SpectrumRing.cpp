@@ -7,9 +7,8 @@
 
 namespace DSP {
 
-void SpectrumRing::configure(uint32_t slots, uint32_t newChannels, uint32_t newBins)
+void SpectrumRing::Configure(uint32_t slots, uint32_t channels, uint32_t newBins)
 {
-    channels = newChannels;
     bins = newBins;
     // Slots are kept when the history gets shorter, so that it can grow again without the heap.
     frames.resize(std::max<std::size_t>(slots, frames.size()));
@@ -20,7 +19,7 @@ void SpectrumRing::configure(uint32_t slots, uint32_t newChannels, uint32_t newB
     }
 }
 
-void SpectrumRing::zero() noexcept UTIL_NONBLOCKING
+void SpectrumRing::Clear() noexcept UTIL_NONBLOCKING
 {
     for (Frame& frame : frames) {
         frame.current.zero();

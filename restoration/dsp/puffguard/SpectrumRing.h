@@ -14,15 +14,15 @@ namespace DSP {
 /// A slot holds one frame: a spectrum a channel, interleaved (re, im) from bin 0 on. Of a frame
 /// that is changed the slot also keeps what it was, so that the change alone can go out.
 ///
-/// Threads: configure() is [setup] and allocates nothing where no size grows; the others are
+/// Threads: Configure() is [setup] and allocates nothing where no size grows; the others are
 /// [process] and don't fail.
 class SpectrumRing {
 public:
     /// Every slot holds silence afterwards.
-    void configure(uint32_t slots, uint32_t newChannels, uint32_t newBins);
+    void Configure(uint32_t slots, uint32_t channels, uint32_t newBins);
 
     /// Silence, unchanged, in every slot.
-    void zero() noexcept UTIL_NONBLOCKING;
+    void Clear() noexcept UTIL_NONBLOCKING;
 
     uint32_t GetBinCount() const noexcept { return bins; }
 
@@ -55,7 +55,6 @@ private:
     };
 
     std::vector<Frame> frames;
-    uint32_t channels = 0;
     uint32_t bins = 0;
 };
 

@@ -10,8 +10,10 @@
 #include <array>
 #include <cmath>
 #include <complex>
+#include <cstring>
 #include <numbers>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -117,6 +119,51 @@ INSTANTIATE_TEST_SUITE_P(Settings,
                                          RoundTrip{DSP::WindowHann, 4, 2},
                                          RoundTrip{DSP::WindowHann, 8, 60},
                                          RoundTrip{DSP::WindowHann, 16, 1, 512}));
+
+TEST(OversampledFilterbank, FramesAddedNowAndThenComeOntoTheirOwnChannelOnly)
+{
+    constexpr int F = 1024;
+    constexpr int H = 128;
+    DSP::FFTPool transforms("Test");
+    DSP::OversampledFilterbank bank(transforms);
+    bank.initialise(2, 8000, H);
+    bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
+    Channels audio = MakeNoise(2, 40 * H);
+    for (std::size_t i = 0; i < audio[1].size(); i += 3) {
+        audio[1][i] = -0.0F; // a sum with 0 would lose the sign
+    }
+    const Channels input = audio;
+    // Bins 0 to 2; above them there is nothing to read.
+    const std::array<float, 6> spectrum = {200, 0, -150, 90, 70, 310};
+    std::vector<double> added(audio[0].size());
+    for (const std::size_t first : {3U, 4U, 20U}) {
+        for (std::size_t n = 0; n < F; ++n) {
+            const double turn = 2 * std::numbers::pi * static_cast<double>(n) / F;
+            const double x = turn + std::numbers::pi / F;
+            const double window = 0.42 - 0.5 * std::cos(x) + 0.08 * std::cos(2 * x);
+            const double sample = 100 - 150 * std::cos(turn) - 90 * std::sin(turn) +
+                                  70 * std::cos(2 * turn) - 310 * std::sin(2 * turn);
+            added[first * H + n] += window * 2 * H / F * sample * 2 / F;
+        }
+    }
+    for (std::size_t hop = 0; hop < 40; ++hop) {
+        if (hop == 3 || hop == 4 || hop == 20) {
+            bank.add(0, 3, spectrum.data());
+        }
+        std::array<float*, 2> pointers = {audio[0].data() + hop * H, audio[1].data() + hop * H};
+        bank.giveOnto(pointers.data());
+    }
+    for (std::size_t i = 0; i < added.size(); ++i) {
+        ASSERT_NEAR(audio[0][i], double{input[0][i]} + added[i], 2e-6) << i;
+    }
+    EXPECT_EQ(std::memcmp(audio[1].data(), input[1].data(), audio[1].size() * sizeof(float)), 0);
+    // Out of every frame's reach: before the first, between the third's end and the last, behind.
+    for (const auto& [begin, end] : {std::pair{0, 3 * H}, {12 * H, 20 * H}, {28 * H, 40 * H}}) {
+        EXPECT_TRUE(
+            std::equal(audio[0].begin() + begin, audio[0].begin() + end, input[0].begin() + begin))
+            << begin;
+    }
+}
 
 TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
 {

@@ -304,6 +304,27 @@ TEST_F(PuffGuardTest, ParametersCountAsTheyAreAtTheEndOfAHop)
     }
 }
 
+TEST_F(PuffGuardTest, RepairLeavesNothingToOneOfANarrowerBand)
+{
+    std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    input.insert(input.end(), input.begin(), input.end());
+    const std::size_t second = input.size() / 2; // from here on the band is narrow
+    const auto run = [&](float firstLimit) {
+        Make(Rate, Mono);
+        Set(PuffGuard::FrequencyLimit, firstLimit);
+        std::vector<float> audio = input;
+        float* channel = audio.data();
+        element->Process(static_cast<uint32_t>(second), &channel);
+        Set(PuffGuard::FrequencyLimit, 100);
+        channel += second;
+        element->Process(static_cast<uint32_t>(audio.size() - second), &channel);
+        EXPECT_GE(GetRepairs().size(), 2U);
+        return std::vector<float>(audio.begin() + static_cast<std::ptrdiff_t>(second + Burst / 2),
+                                  audio.end());
+    };
+    EXPECT_EQ(run(500), run(100));
+}
+
 TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
 {
     // Audio and what it may hide: every hop's values, with a tone that has a pitch.

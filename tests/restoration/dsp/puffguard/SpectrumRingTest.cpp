@@ -29,7 +29,7 @@ void Change(DSP::SpectrumRing& ring, uint32_t slot, uint32_t bins, float amount)
 TEST(SpectrumRing, ChangesOfOneFrameAddUpUntilItIsRenewed)
 {
     DSP::SpectrumRing ring;
-    ring.configure(3, 2, Bins);
+    ring.Configure(3, 2, Bins);
     for (std::size_t i = 0; i < 2 * Bins; ++i) {
         ring.GetSpectrum(1, 1)[i] = static_cast<float>(10 + i);
     }
@@ -53,13 +53,13 @@ TEST(SpectrumRing, ChangesOfOneFrameAddUpUntilItIsRenewed)
 TEST(SpectrumRing, SilenceStandsInEverySlotAfterARestart)
 {
     DSP::SpectrumRing ring;
-    ring.configure(3, 2, Bins);
+    ring.Configure(3, 2, Bins);
     for (const bool isResized : {false, true}) {
         Change(ring, 2, Bins, 7);
         if (isResized) {
-            ring.configure(2, 2, Bins); // keeps the third slot for later
+            ring.Configure(2, 2, Bins); // keeps the third slot for later
         } else {
-            ring.zero();
+            ring.Clear();
         }
         EXPECT_EQ(ring.GetChangedBins(2), 0U);
         EXPECT_EQ(ring.GetSpectrum(2, 1)[1], 0.0F);

@@ -45,6 +45,12 @@ struct Parameter {
     const char* labels = ""; ///< of a choice
 };
 
+/// What a module says of itself.
+struct Description {
+    uint32_t version; ///< as the module's number; FAKE_VERSION is what it is built with
+    std::span<const Parameter> automatable;
+};
+
 inline void List(std::span<const Parameter> parameters, const ParamListRecord& list)
 {
     auto* record = static_cast<ParamInfoRecord*>(list.params);
@@ -62,11 +68,11 @@ inline void List(std::span<const Parameter> parameters, const ParamListRecord& l
 
 /// Does what each of them does at this selector alike, if there is something.
 template <typename Core>
-void Serve(uint32_t selector, std::span<const Parameter> parameters, Core* instance, void* data)
+void Serve(uint32_t selector, const Description& module, Core* instance, void* data)
 {
     switch (selector) {
     case SelectorGetPluginInfo:
-        static_cast<PluginInfoRequest*>(data)->info->versionNumber = FAKE_VERSION;
+        static_cast<PluginInfoRequest*>(data)->info->versionNumber = module.version;
         break;
     case SelectorCreatePlugin: {
         const auto& record = *static_cast<CreateRecord*>(data);
@@ -77,10 +83,10 @@ void Serve(uint32_t selector, std::span<const Parameter> parameters, Core* insta
         delete instance;
         break;
     case SelectorGetAutomatableParamCount:
-        *static_cast<uint32_t*>(data) = static_cast<uint32_t>(parameters.size());
+        *static_cast<uint32_t*>(data) = static_cast<uint32_t>(module.automatable.size());
         break;
     case SelectorGetAutomatableParamList:
-        List(parameters, *static_cast<ParamListRecord*>(data));
+        List(module.automatable, *static_cast<ParamListRecord*>(data));
         break;
     default:
         break;

@@ -18,14 +18,11 @@ inline constexpr std::ptrdiff_t FftFirstGroup = 16;
 
 /// Tables of a real transform of F samples by way of a complex one of length M = F / 2. With
 /// W(n, L) = exp(-2 pi i n / L):
-///  - `first`: for each group of butterflies p the factors W(j (p + i M / 16), M) for inputs i from
-///  0
-///    to 3 and powers j from 1 to 3, by input, then W(j p, M / 4); of each factor the real parts of
-///    all of the group, then the imaginary ones. A group that is not full is filled up with
-///    anything.
-///  - `middle`: for each length L = M / 16, M / 64 ... above 8 and each p below L / 4, pairs (re,
-///  im)
-///    of W(p, L), W(2 p, L), W(3 p, L).
+///  - `first`, for each group of butterflies p: factors W(j (p + i M / 16), M) for i from 0 to 3
+///    and j from 1 to 3, by i; then W(j p, M / 4). Of each factor come the real parts of all of the
+///    group, then the imaginary ones. A group that isn't full is filled up with anything.
+///  - `middle`, for each length L = M / 16, M / 64 ... above 8 and each p below L / 4: pairs of
+///    W(p, L), W(2 p, L), W(3 p, L), each (re, im).
 ///  - `separation`: cos(2 pi k / F) / 2 for k below M / 2, then sin(2 pi k / F) / 2.
 struct FftTables {
     std::ptrdiff_t half; ///< M, a power of two from 64 on

@@ -53,7 +53,7 @@ void InputFilters::Reset() noexcept UTIL_NONBLOCKING
     for (Biquad<double>& section : preciseDc) {
         section.Reset();
     }
-    lowpass.Reset();
+    preciseLowpass.Reset();
     offsetCounter = 0;
 }
 
@@ -61,7 +61,7 @@ void InputFilters::SetLowpass(float cornerHz) noexcept UTIL_NONBLOCKING
 {
     const BiquadCoefficients coefficients = MakeLowpass(static_cast<double>(cornerHz), sampleRate);
     SetSection(Lowpass, coefficients);
-    lowpass.SetCoefficients(coefficients);
+    preciseLowpass.SetCoefficients(coefficients);
 }
 
 void InputFilters::Process(std::span<const float> samples, float* outputs) noexcept UTIL_NONBLOCKING
@@ -92,7 +92,7 @@ void InputFilters::RunPrecisely(std::span<const float> samples,
         for (Biquad<double>& section : preciseDc) {
             x = section.Process(x);
         }
-        outputs[i] = lowpass.Process(static_cast<float>(x) + offset);
+        outputs[i] = preciseLowpass.Process(static_cast<float>(x) + offset);
     }
 }
 

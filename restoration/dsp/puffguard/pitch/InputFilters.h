@@ -44,8 +44,8 @@ private:
     Kernels::Cascade cascade;
     bool isPrecise; // the sections below work instead of the cascade
     std::array<Biquad<double>, 2> preciseDc;
-    Biquad<float> lowpass;
-    uint8_t offsetCounter = 0; // samples, modulo 256
+    Biquad<float> preciseLowpass; // behind them
+    uint8_t offsetCounter = 0;    // samples, modulo 256
 };
 
 } // namespace DSP::Synapse

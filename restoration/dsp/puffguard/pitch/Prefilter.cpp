@@ -3,8 +3,8 @@
 
 #include "restoration/dsp/puffguard/RunningExp.h"
 
-#include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 
 namespace DSP::Synapse {
@@ -59,22 +59,19 @@ void Prefilter::SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING
 std::size_t Prefilter::Process(std::span<const float> samples, float* target) noexcept
     UTIL_NONBLOCKING
 {
-    std::array<float, 256> filtered; // written before it is read
-    Stages s = stages;               // the copy stays in registers
+    std::array<float, MostSamples> filtered; // written before it is read
+    assert(samples.size() <= filtered.size());
+    input.Process(samples, filtered.data());
+    Stages s = stages; // the copy stays in registers
     float* next = target;
-    while (!samples.empty()) {
-        const auto piece = samples.first(std::min(samples.size(), filtered.size()));
-        input.Process(piece, filtered.data());
-        for (const float y : std::span(filtered).first(piece.size())) {
-            s.sum += y;
-            --s.samplesLeft;
-            if (s.samplesLeft == 0) {
-                s.samplesLeft = decimation;
-                *next = s.Decimate();
-                ++next;
-            }
+    for (const float y : std::span(filtered).first(samples.size())) {
+        s.sum += y;
+        --s.samplesLeft;
+        if (s.samplesLeft == 0) {
+            s.samplesLeft = decimation;
+            *next = s.Decimate();
+            ++next;
         }
-        samples = samples.subspan(piece.size());
     }
     stages = s;
     return static_cast<std::size_t>(next - target);

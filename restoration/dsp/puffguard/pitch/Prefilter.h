@@ -17,6 +17,8 @@ namespace DSP::Synapse {
 /// Threads: the constructor is [setup], the rest [process], from one thread at a time.
 class Prefilter {
 public:
+    static constexpr std::size_t MostSamples = 256; ///< of one call of Process()
+
     explicit Prefilter(const AnalysisSizes& sizes);
 
     /// Forgets the signal; settings stay.
@@ -30,9 +32,9 @@ public:
     /// How much of the level is clipped away around 0, 0 to 1.
     void SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING;
 
-    /// Takes the next samples, full scale 1.0. The first one after a reset completes a decimated
-    /// sample, and after it each `decimation`-th one; those are written to `target`, at most as
-    /// many as `samples`. Answers how many.
+    /// Takes the next samples, at most MostSamples, full scale 1.0. The first one after a reset
+    /// completes a decimated sample, and after it each `decimation`-th one; those are written to
+    /// `target`, at most as many as `samples`. Answers how many.
     std::size_t Process(std::span<const float> samples, float* target) noexcept UTIL_NONBLOCKING;
 
 private:

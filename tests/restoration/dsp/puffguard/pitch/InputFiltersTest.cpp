@@ -16,11 +16,12 @@ namespace {
 using DSP::Synapse::Biquad;
 using DSP::Synapse::InputFilters;
 
-/// One section after the other, sample by sample.
+/// One section after the other, sample by sample, with a high-pass in `High`.
+template <typename High>
 std::vector<float> FilterPlainly(const std::vector<float>& samples, double rate)
 {
-    Biquad<float> first;
-    Biquad<float> second;
+    Biquad<High> first;
+    Biquad<High> second;
     Biquad<float> lowpass;
     const double pi = std::acos(-1.0);
     first.SetCoefficients(DSP::Synapse::MakeHighpass(40, rate, 0.5 / std::cos(pi / 8)));
@@ -29,9 +30,31 @@ std::vector<float> FilterPlainly(const std::vector<float>& samples, double rate)
     std::vector<float> outputs;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const float offset = i % 256 < 128 ? 1e-10F : -1e-10F;
-        outputs.push_back(lowpass.Process(second.Process(first.Process(samples[i])) + offset));
+        const High high = second.Process(first.Process(static_cast<High>(samples[i])));
+        outputs.push_back(lowpass.Process(static_cast<float>(high) + offset));
     }
     return outputs;
+}
+
+/// That `filters` give `expected` for `samples`, before and after a reset, in calls of up to
+/// `most`.
+void ExpectOutputs(InputFilters& filters,
+                   const std::vector<float>& samples,
+                   const std::vector<float>& expected,
+                   std::size_t most)
+{
+    for (const bool afterReset : {false, true}) {
+        std::vector<float> outputs(samples.size());
+        std::size_t call = afterReset ? 1 : 0;
+        for (std::size_t at = 0; at < samples.size(); call = call % most + 1) {
+            const auto piece =
+                std::span(samples).subspan(at).first(std::min(call, samples.size() - at));
+            filters.Process(piece, outputs.data() + at);
+            at += piece.size();
+        }
+        EXPECT_EQ(outputs, expected) << most;
+        filters.Reset();
+    }
 }
 
 // Noise and then silence, in which the offset shows; calls of every length up to that of a call.
@@ -41,21 +64,15 @@ TEST(InputFilters, EveryLevelAndCutGivesTheBitsOfThePlainSections)
     std::uniform_real_distribution<float> level(-1, 1);
     std::vector<float> samples(30000);
     std::generate_n(samples.begin(), 2000, [&] { return level(random); });
-    const std::vector<float> expected = FilterPlainly(samples, 44100);
-    for (const DSP::Kernels::Level kernels : Support::GetSupportedLevels()) {
-        for (const std::size_t most : {std::size_t{5}, std::size_t{300}, samples.size()}) {
-            InputFilters filters(44100, DSP::Kernels::GetKernels(kernels).cascade);
-            for (const bool afterReset : {false, true}) {
-                std::vector<float> outputs(samples.size());
-                std::size_t call = afterReset ? 1 : 0;
-                for (std::size_t at = 0; at < samples.size(); call = call % most + 1) {
-                    const auto piece =
-                        std::span(samples).subspan(at).first(std::min(call, samples.size() - at));
-                    filters.Process(piece, outputs.data() + at);
-                    at += piece.size();
-                }
-                EXPECT_EQ(outputs, expected) << static_cast<int>(kernels) << " " << most;
-                filters.Reset();
+    for (const double rate : {44100.0, 768000.0}) {
+        const bool isPrecise = rate > 400000;
+        const std::vector<float> expected =
+            isPrecise ? FilterPlainly<double>(samples, rate) : FilterPlainly<float>(samples, rate);
+        for (const DSP::Kernels::Level kernels : Support::GetSupportedLevels()) {
+            SCOPED_TRACE(static_cast<int>(kernels));
+            for (const std::size_t most : {std::size_t{5}, std::size_t{300}, samples.size()}) {
+                InputFilters filters(rate, DSP::Kernels::GetKernels(kernels).cascade);
+                ExpectOutputs(filters, samples, expected, most);
             }
         }
     }

@@ -194,6 +194,13 @@ TEST(PitchEngine, ResetRepeatsTheFirstRunBitForBit)
         analysis.Run(MakeTone(48000, 1.0, 200), 40);
         analysis.engine.Reset(); // nothing of either pass may show in the next
         EXPECT_EQ(analysis.Run(signal, 40), first);
+        // Nor of a block that was being worked on.
+        analysis.engine.Reset();
+        analysis.engine.Process(std::span(signal).first(512));
+        analysis.engine.EndBlock();
+        analysis.engine.Advance(3);
+        analysis.engine.Reset();
+        EXPECT_EQ(analysis.Run(signal, 40), first);
     }
 }
 

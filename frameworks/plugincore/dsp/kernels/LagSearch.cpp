@@ -197,14 +197,18 @@ void ForBell(const BellTable& table, const Bell& bell, float* weights, Change ch
 {
     const int count = 2 * table.margin + 1;
     float* const start = weights + bell.index - table.margin;
-    const V cosine = Broadcast<L>(bell.cosine);
-    const V sine = Broadcast<L>(bell.sine);
-    for (int i = 0; i < count; i += L) {
-        const V value = Load<L>(table.cosines + i) * cosine + Load<L>(table.sines + i) * sine;
-        const V weight = Load<L>(start + i);
-        const V changed = change(weight, value * 0.5F + 0.5F);
-        Store(start + i, Lanes < count - i ? changed : weight);
+    const V cosine = Broadcast<L>(bell.cosine * 0.5F); // exact: halves of sums are sums of halves
+    const V sine = Broadcast<L>(bell.sine * 0.5F);
+    const auto apply = [&](int i, V weight) noexcept {
+        const V half = Load<L>(table.cosines + i) * cosine + Load<L>(table.sines + i) * sine;
+        return change(weight, half + 0.5F);
+    };
+    int i = 0;
+    for (; i + L <= count; i += L) {
+        Store(start + i, apply(i, Load<L>(start + i)));
     }
+    const V weight = Load<L>(start + i);
+    Store(start + i, Lanes < count - i ? apply(i, weight) : weight);
 }
 
 void Raise(const BellTable& table, const Bell& bell, float slope, float* weights) noexcept

@@ -32,6 +32,7 @@ LagMap::LagMap(const AnalysisSizes& sizes, const Kernels::LagSearchKernels& newK
     , margin(std::max(
           LeastMargin,
           static_cast<int>(std::lround(static_cast<double>(sizes.decimatedRate) * MarginSeconds))))
+    , angleOfLag(std::numbers::pi_v<float> / static_cast<float>(margin))
     , lagCount((maxLag + Kernels::ScoreBlock) / Kernels::ScoreBlock * Kernels::ScoreBlock)
     , lead((margin + Kernels::LagPadding - 1) / Kernels::LagPadding * Kernels::LagPadding)
     , weights(At(lead + lagCount + 2 * margin + Kernels::LagPadding), 1.0F)
@@ -87,26 +88,20 @@ void LagMap::ErasePeak(int found) noexcept UTIL_NONBLOCKING
 /// carry roundings as large.
 Kernels::Bell LagMap::MakeBell(int index, float centre) const noexcept UTIL_NONBLOCKING
 {
-    const float angle = (centre - static_cast<float>(index)) *
-                        (std::numbers::pi_v<float> / static_cast<float>(margin));
+    const float angle = (centre - static_cast<float>(index)) * angleOfLag;
     return {.index = index, .cosine = std::cos(angle), .sine = std::sin(angle)};
-}
-
-void LagMap::Lower(int index, float centre, float depth) noexcept UTIL_NONBLOCKING
-{
-    if (index - margin <= maxLag) {
-        const Kernels::BellTable table{cosines.data(), sines.data(), margin};
-        kernels.lower(table, MakeBell(index, centre), depth, weights.data() + lead);
-    }
 }
 
 void LagMap::Mark(int found, float lag, float clarity) noexcept UTIL_NONBLOCKING
 {
     const Kernels::BellTable table{cosines.data(), sines.data(), margin};
-    kernels.raise(table, MakeBell(found, lag), clarity + 0.5F, weights.data() + lead);
+    float* const atZero = weights.data() + lead;
+    kernels.raise(table, MakeBell(found, lag), clarity + 0.5F, atZero);
     const float depth = std::sqrt(clarity) * PenaltyDepth;
-    Lower(found / 2, lag * 0.5F, depth);
-    Lower(found * 2, lag * 2.0F, depth);
+    kernels.lower(table, MakeBell(found / 2, lag * 0.5F), depth, atZero);
+    if (found * 2 - margin <= maxLag) {
+        kernels.lower(table, MakeBell(found * 2, lag * 2.0F), depth, atZero);
+    }
 }
 
 std::span<const float> LagMap::GetWeights() const noexcept

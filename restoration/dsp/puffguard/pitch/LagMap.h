@@ -46,11 +46,11 @@ public:
 private:
     Kernels::LagScores GetScores() noexcept UTIL_NONBLOCKING;
     Kernels::Bell MakeBell(int index, float centre) const noexcept UTIL_NONBLOCKING;
-    void Lower(int index, float centre, float depth) noexcept UTIL_NONBLOCKING;
 
     const Kernels::LagSearchKernels& kernels;
     int maxLag;
     int margin;              // b
+    float angleOfLag;        // pi / b
     std::ptrdiff_t lagCount; // scored, with some behind the last; a row has room
     Kernels::ScoreTimes times;
     std::ptrdiff_t lead;          // weights before lag 0, b of them or more

@@ -64,19 +64,19 @@ ensure_packages() {
 }
 
 # arm_sysroot FOLDER: the libraries that are linked, for 64-bit ARM, in a folder that no program of
-# this system looks into. It is made once for each list of packages.
+# this system looks into. It is made once for each release and list of packages.
 arm_sysroot() {
     local folder=$1 packages codename
     packages=$(packages_of build | grep -e '-dev$' | paste -sd,)
-    [ "$(cat "$folder/packages" 2>/dev/null)" != "$packages" ] || return 0
-    say "Fetching libraries for ARM"
     codename=$(. /etc/os-release && printf '%s' "$VERSION_CODENAME")
+    [ "$(cat "$folder/packages" 2>/dev/null)" != "$codename $packages" ] || return 0
+    say "Fetching libraries for ARM"
     rm -rf "$folder"
     mkdir -p "$(dirname "$folder")"
     # Nothing of it is installed, so that neither a superuser nor an emulator is needed.
     mmdebstrap --quiet --variant=extract --mode=chrootless --architectures=arm64 \
         --include="$packages" "$codename" "$folder" </dev/null >&2 || return 1
-    printf '%s\n' "$packages" >"$folder/packages"
+    printf '%s\n' "$codename $packages" >"$folder/packages"
 }
 
 # build PRESET FOLDER TARGET...: configures once, then builds what is out of date.

@@ -91,7 +91,7 @@ void PrintFilterbankHop(int sampleRate)
     bank.configure(0.1F, 8, -2, -1);
     std::vector<float> signal = MakeSpeech(1, static_cast<float>(sampleRate), 4)[0];
     std::vector<float> output(static_cast<std::size_t>(bank.GetHop()));
-    const int repairedBins = bank.GetFFTSize() / 18; // up to 2400 Hz
+    const int repairedBins = 2400 * bank.GetFFTSize() / sampleRate; // as many as can be repaired
     std::vector<float> spectrum(2 * static_cast<std::size_t>(repairedBins));
     std::vector<float> power(static_cast<std::size_t>(bank.GetFFTSize() / 2 + 1));
     const int hop = bank.GetHop();

@@ -40,11 +40,11 @@ void Alignment::SplitChannels(std::span<const double> samples, size_t frames)
 void Alignment::DelayInput(std::span<const double> samples)
 {
     double* target = inputs.data();
+    if (delayLine.empty()) {
+        std::copy(samples.begin(), samples.end(), target);
+        return;
+    }
     while (!samples.empty()) {
-        if (delayLine.empty()) {
-            std::copy(samples.begin(), samples.end(), target);
-            return;
-        }
         const size_t count = std::min(samples.size(), delayLine.size() - delayPosition);
         double* const kept = delayLine.data() + delayPosition;
         target = std::copy_n(kept, count, target);

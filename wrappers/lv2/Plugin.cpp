@@ -13,8 +13,7 @@ namespace {
 
 // What a restored state sets on the UI side reaches the audio within the first block, after the
 // ports of that block: the second one sets them for good. Nothing as fine as Wrapper::LastWords is
-// needed. Ports can be read again, no state takes their word from them, and only restoring sets on
-// the UI side here, which hosts do before they run a plug-in.
+// needed: ports can be read again, and no state takes their word from them.
 constexpr uint32_t blocksAfterRestore = 2;
 
 } // namespace

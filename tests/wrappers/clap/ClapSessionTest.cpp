@@ -82,6 +82,8 @@ TEST_F(ClapSessionTest, StreamsThatFailOrLieAreGivenUp)
                                         return static_cast<int64_t>(size);
                                     }};
     EXPECT_FALSE(state->load(plugin->Get(), &endless));
+    EXPECT_FALSE(plugin->Load(Bytes(saved.begin(), saved.end() - 1)));
+    EXPECT_EQ(host.valueRescans, 0U);
     EXPECT_EQ(plugin->Save(), saved);
 }
 

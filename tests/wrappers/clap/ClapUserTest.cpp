@@ -137,7 +137,9 @@ TEST_F(ClapUserTest, AValueThatTheHostHasSetSinceIsNotTakenBack)
 TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
 {
     void* const module = dlopen(USER_MODULE, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(module, nullptr) << dlerror();
     const auto turn = reinterpret_cast<float (*)(float)>(dlsym(module, "TurnUserModule"));
+    ASSERT_NE(turn, nullptr) << dlerror();
     ASSERT_TRUE(plugin->Activate(rate));
     InputEvents events;
     events.AddValue(0, amountId, 64.0);

@@ -21,6 +21,11 @@ TEST(QuantiserTest, RoundsToTheNearestStep)
     // 8 bits: a step is 1/128. 0.3 * 128 = 38.4 and 0.31 * 128 = 39.68.
     EXPECT_EQ(Quantise(8, Quantiser::Dither::Off, {0.3, -0.3, 0.31, -0.31}),
               (std::vector<double>{38.0 / 128, -38.0 / 128, 40.0 / 128, -40.0 / 128}));
+    // Halves go to the even one.
+    EXPECT_EQ(Quantise(8,
+                       Quantiser::Dither::Off,
+                       {0.5 / 128, 1.5 / 128, 2.5 / 128, -0.5 / 128, -1.5 / 128}),
+              (std::vector<double>{0, 2.0 / 128, 2.0 / 128, 0, -2.0 / 128}));
 }
 
 TEST(QuantiserTest, StopsAtFullScaleInsteadOfWrapping)

@@ -11,6 +11,7 @@
 #include <memory>
 #include <numbers>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -191,22 +192,27 @@ TEST_F(PuffGuardTest, WithoutStrengthOrSensitivityEverythingPasses)
     EXPECT_EQ(GetRepairs().size(), found);
 }
 
-TEST_F(PuffGuardTest, SameBurstInBothChannelsIsTheMonoCase)
+TEST_F(PuffGuardTest, SameBurstInAllChannelsIsTheMonoCase)
 {
-    // Channels combine by their largest, not by their sum. Cut with level 1 in both.
+    // Channels combine by their largest, not by their sum.
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);
     Make(Rate, Mono);
     const std::vector<float> mono = Run({input})[0];
     const DetectionRecord one = GetStrongest();
     const std::size_t count = GetRepairs().size();
-    Make(Rate, Stereo);
-    const Channels stereo = Run({input, input});
-    EXPECT_EQ(GetRepairs().size(), 2 * count);
-    const DetectionRecord two = GetStrongest(count);
-    EXPECT_EQ(two.detection, one.detection);
-    EXPECT_DOUBLE_EQ(two.energyBefore, 2 * one.energyBefore);
-    EXPECT_EQ(stereo[0], mono);
-    EXPECT_EQ(stereo[1], mono);
+    std::size_t first = count;
+    for (const auto& [layout, channels] : {std::pair{Stereo, 2U}, {3U, 3U}, {8U, 6U}, {34U, 24U}}) {
+        Make(Rate, layout);
+        const Channels output = Run(Channels(channels, input));
+        EXPECT_EQ(GetRepairs().size(), first + count);
+        const DetectionRecord all = GetStrongest(first);
+        EXPECT_EQ(all.detection, one.detection);
+        EXPECT_NEAR(all.energyBefore, channels * one.energyBefore, 1e-9 * all.energyBefore);
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            EXPECT_EQ(output[channel], mono) << channels << " " << channel;
+        }
+        first += count;
+    }
 }
 
 TEST_F(PuffGuardTest, ChannelBelowTheTargetKeepsItsLevel)

@@ -91,8 +91,9 @@ private:
 
     const Kernels::FftKernels* kernels;
     int order;
-    int half;                         // length of the complex transform, F / 2
-    Util::AlignedVector<float> first; // as Kernels::FftTables tells
+    int half; // length of the complex transform, F / 2
+    // Kernels::FftTables tells what these three hold.
+    Util::AlignedVector<float> first;
     std::vector<float> middle;
     Util::AlignedVector<float> separation;
     std::vector<float> direct; // cosines of one turn in F steps; only of the shortest transforms

@@ -138,8 +138,8 @@ private:
     uint32_t spectrumSlot = 0;               // of the newest frame, or of the next when it is done
     uint32_t powerSlot = 0;                  // the same, in powerRing
     std::vector<DataTail> powerRing;         // slots of power, the largest of all channels
-    Util::AlignedVector<float> change;       // scratch: spectrum of what a repair has changed
-    Util::AlignedVector<float> channelPower; // F / 2 + 1, scratch
+    Util::AlignedVector<float> change;       // scratch: a spectrum of the ring
+    Util::AlignedVector<float> channelPower; // F / 2 + 1, scratch: power of one channel
     std::vector<DelayLine> delays;           // the input of each channel
     NoiseDetector noiseDetector;
     std::vector<float> noiseFloor;

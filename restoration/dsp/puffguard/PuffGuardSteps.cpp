@@ -4,8 +4,8 @@
 // A hop is cut into StepCount steps. Each is taken as soon as its samples are there, and does what
 // falls to it:
 //  - of the hop that was completed last: the spectra, channel by channel; the detection value; the
-//    tracker's part by part, its frames' correlations first and then its runs; with the pitch at
-//    that hop's end, the search and a repair;
+//    tracker's work part by part, first its frames' correlations and then its runs; with the pitch
+//    at that hop's end, the search and a repair;
 //  - of the hop that is coming in: what repairs have changed in the oldest frame is transformed
 //    back, channel by channel;
 //  - the pitch tracker gets the samples.
@@ -56,8 +56,9 @@ struct Schedule {
     Steps synthesis;
 };
 
-constexpr Steps TrackerSteps = {2, PitchDetect::PitchDetect::BlockParts, Rest::First};
+constexpr uint32_t FirstTrackerStep = 2; // from here to the search each step has one part
 constexpr uint32_t SearchStep = 12;
+static_assert(SearchStep - FirstTrackerStep == PitchDetect::PitchDetect::BlockParts);
 
 // A channel's transform takes as long as two parts of the tracker's work: with one or two channels
 // no step has both. Two neighbouring steps, a call of 64 frames at 48 kHz, stay below twice the
@@ -73,7 +74,6 @@ constexpr bool IsInOrder(const Schedule& schedule)
 }
 
 static_assert(IsInOrder(ForTwoChannels) && IsInOrder(ForMoreChannels));
-static_assert(TrackerSteps.GetEnd() <= SearchStep);
 
 constexpr const Schedule& GetSchedule(uint32_t channels) noexcept
 {
@@ -144,9 +144,9 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
     if (step == schedule.detection) {
         Detect();
     }
-    constexpr uint32_t Parts = PitchDetect::PitchDetect::BlockParts;
-    pitchDetect.Advance(static_cast<int>(TrackerSteps.GetDone(step + 1, Parts) -
-                                         TrackerSteps.GetDone(step, Parts)));
+    if (step >= FirstTrackerStep && step < SearchStep) {
+        pitchDetect.Advance(1);
+    }
     if (step == SearchStep) {
         FinishFrame();
     }
@@ -209,8 +209,8 @@ void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
     }
 }
 
-/// Slot of the frame that goes out with the hop that is coming in. The frame before it went out last;
-/// its slot is for the frame that this hop will make.
+/// Slot of the frame that goes out with the hop that is coming in. The frame before it went out
+/// last; its slot is for the frame that this hop will make.
 uint32_t PuffGuard::GetLeavingSlot() const noexcept UTIL_NONBLOCKING
 {
     const bool isNewestOpen = hasFrame && step < SearchStep;

@@ -3,7 +3,18 @@
 #include "tests/frameworks/plugincore/RecorderRig.h"
 
 using namespace RecorderRig;
-using PluginLatencyTest = RecorderTest;
+
+class PluginLatencyTest : public RecorderTest {
+protected:
+    /// Where an impulse at the begin of `length` samples comes out of the dry path.
+    std::ptrdiff_t FindDryDelay(std::size_t length)
+    {
+        Set(Bypass, 1.0F);
+        std::vector<float> samples = Impulse(length);
+        Process(samples);
+        return PeakOf(samples);
+    }
+};
 
 TEST_F(PluginLatencyTest, ReportsALatencyOnceToEachSideWhileNoAudioRuns)
 {
@@ -78,10 +89,7 @@ TEST_F(PluginLatencyTest, FrozenDelayIsToldAndDelaysTheDryPathWhateverTheSum)
     Create();
     Set(Late, 1.0F);
     EXPECT_EQ(plugin->GetLatency(Side::Process), 512U);
-    Set(Bypass, 1.0F);
-    std::vector<float> samples = Impulse(1000);
-    Process(samples);
-    EXPECT_EQ(PeakOf(samples), 512);
+    EXPECT_EQ(FindDryDelay(1000), 512);
 }
 
 TEST_F(PluginLatencyTest, WithoutCompensationTheHostIsToldZero)
@@ -92,10 +100,7 @@ TEST_F(PluginLatencyTest, WithoutCompensationTheHostIsToldZero)
     Set(Late, 1.0F);
     EXPECT_TRUE(calls.empty());
     EXPECT_EQ(plugin->GetLatency(Side::UI), 0U);
-    Set(Bypass, 1.0F);
-    std::vector<float> samples = Impulse(10);
-    Process(samples);
-    EXPECT_EQ(PeakOf(samples), 0);
+    EXPECT_EQ(FindDryDelay(10), 0);
 }
 
 TEST_F(PluginLatencyTest, TakesADelayFromTheSettingsOnlyWhenItCanBeAndIsOnline)

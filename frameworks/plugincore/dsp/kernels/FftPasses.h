@@ -216,9 +216,9 @@ template <int N>
 [[gnu::always_inline]] inline void RunOuterButterfly(SplitArray source,
                                                      Index from,
                                                      Index step,
+                                                     Index input,
                                                      const float* factors,
-                                                     Between<N>& target,
-                                                     Index input) noexcept
+                                                     Between<N>& target) noexcept
 {
     const Four<N> y = Butterfly(Four<N>{source.Get<N>(from),
                                         source.Get<N>(from + step),
@@ -268,9 +268,9 @@ inline void RunTwoPasses(SplitArray source,
                 RunOuterButterfly<N>(source,
                                      from + step * input,
                                      4 * step,
+                                     input,
                                      outer + 6 * (p + count * input),
-                                     between,
-                                     input);
+                                     between);
             }
             for (Index power = 0; power < 4; ++power) {
                 PutInnerButterfly<N, isLast>(between.RunButterfly(power),

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/plugin/LMDSPSet.h"
 
-#include "frameworks/plugincore/preset/PresetDSPSetInterface.h"
-#include "frameworks/plugincore/preset/PresetMetadata.h"
+#include "frameworks/plugincore/preset/file/PresetDSPSetInterface.h"
+#include "frameworks/plugincore/preset/file/PresetMetadata.h"
 #include "restoration/plugin/Global.h"
 
 namespace DSP {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/DSPSet.h"
+#include "frameworks/plugincore/dsp/path/DSPSet.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The one symbol that the module exports.
-#include "frameworks/plugincore/Entry.h"
+#include "frameworks/plugincore/dispatch/Entry.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 
 #if defined(_WIN32)

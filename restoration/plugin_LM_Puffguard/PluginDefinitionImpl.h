@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/PluginDefinition.h"
+#include "frameworks/plugincore/product/PluginDefinition.h"
 
 namespace LMPuffguard {
 

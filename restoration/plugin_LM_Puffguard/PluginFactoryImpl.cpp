@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 
-#include "frameworks/plugincore/Plugin.h"
+#include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/dsp/puffguard/PuffguardElement.h"
 #include "restoration/dsp/puffguard/Transform.h"
 #include "restoration/plugin/Global.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/PluginFactory.h"
+#include "frameworks/plugincore/instance/PluginFactory.h"
 #include "restoration/plugin_LM_Puffguard/PluginDefinitionImpl.h"
 
 namespace LMPuffguard {

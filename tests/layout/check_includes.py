@@ -15,36 +15,53 @@ import tempfile
 from pathlib import Path
 
 UTIL, ENTRY = "frameworks/qobase/util", "frameworks/plugincore/entry"
-DSP, CORE = "frameworks/plugincore/dsp", "frameworks/plugincore"
-KERNELS = "frameworks/plugincore/dsp/kernels"
-FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
-CONTROLLER, PRESET = "frameworks/plugincore/controller", "frameworks/plugincore/preset"
+KERNELS, SIGNAL = "frameworks/plugincore/dsp/kernels", "frameworks/plugincore/dsp/signal"
+ELEMENTS, PATH = "frameworks/plugincore/dsp/elements", "frameworks/plugincore/dsp/path"
+DSP = {KERNELS, SIGNAL, ELEMENTS, PATH}
+CONTROLLER = "frameworks/plugincore/controller"
+PRESET, PRESETS = "frameworks/plugincore/preset/file", "frameworks/plugincore/preset/manager"
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
+DEFINITION, CORE = "frameworks/plugincore/product", "frameworks/plugincore/instance"
+DISPATCH = "frameworks/plugincore/dispatch"
+FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
 PRODUCT = "restoration/plugin_LM_Puffguard"
+COMMAND = "wrappers/cli/"
 LEVEL = "PUFFGUARD_LEVEL" # stands in headers of the kernels that know the level they are compiled for
-EVERYTHING = {UTIL, ENTRY, KERNELS, DSP, CONTROLLER, PRESET, HISTORY, HISTORY_DIALOG, CORE, FAMILY,
-              REPAIR, PRODUCT, "tests/support", "wrappers/cli", "wrappers/common", "wrappers/lv2",
-              "wrappers/clap", "wrappers/vst3"}
 
 # Folder: the folders that its files may include, besides itself. The longest match counts.
 ARROWS = {
     UTIL: set(),
     ENTRY: set(),
     KERNELS: set(),
-    DSP: {KERNELS, ENTRY, UTIL},
-    CONTROLLER: {DSP, UTIL},
-    PRESET: {CONTROLLER, DSP, UTIL},
+    SIGNAL: {KERNELS, UTIL},
+    ELEMENTS: {SIGNAL, UTIL},
+    PATH: {ELEMENTS, SIGNAL, ENTRY, UTIL},
+    CONTROLLER: {ELEMENTS, UTIL},
+    PRESET: {PATH, ELEMENTS, UTIL},
+    PRESETS: {PRESET, UTIL},
     HISTORY: {UTIL},
     HISTORY_DIALOG: {HISTORY, UTIL},
-    CORE: {CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
-    FAMILY: {CORE, CONTROLLER, PRESET, DSP, ENTRY, UTIL},
-    REPAIR: {DSP, KERNELS, ENTRY, UTIL},
-    PRODUCT: {FAMILY, REPAIR, HISTORY_DIALOG, CORE, CONTROLLER, PRESET, HISTORY, DSP, ENTRY, UTIL},
+    DEFINITION: {ENTRY, UTIL},
+    CORE: {DEFINITION, CONTROLLER, PRESETS, PRESET, HISTORY, PATH, ELEMENTS, SIGNAL, ENTRY, UTIL},
+    DISPATCH: {CORE, DEFINITION, ENTRY, UTIL},
+    FAMILY: {PRESET, PATH, ELEMENTS, UTIL},
+    REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
+    PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
-    "wrappers/cli": {"wrappers/common"},
+    COMMAND + "text": set(),
+    COMMAND + "files": {"wrappers/common"},
+    COMMAND + "audio": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
+    COMMAND + "effect": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
+    COMMAND + "report": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
+    COMMAND + "plot": {COMMAND + "files", COMMAND + "report"},
+    COMMAND + "run": {COMMAND + "audio", COMMAND + "effect", COMMAND + "files", COMMAND + "plot",
+                      COMMAND + "report", COMMAND + "text", "wrappers/common"},
     "wrappers/lv2": {"wrappers/common"},
     "wrappers/clap": {"wrappers/common"},
     "wrappers/vst3": {"wrappers/common"},
+}
+EVERYTHING = set(ARROWS) | {"tests/support"}
+ARROWS |= {
     # These act as hosts of the finished module, and know no more than a host does.
     "tests/contract": {ENTRY, "tests/support"},
     "tests/realtime": {ENTRY, UTIL, "tests/contract", "tests/support"}, # UTIL for the names of locks
@@ -62,15 +79,14 @@ PLATFORM = {
     UTIL: {"xmmintrin.h", "emmintrin.h", "unistd.h", "fcntl.h", "pwd.h", "sys/file.h", "sys/random.h",
            "sys/stat.h"},
     CORE: {"dlfcn.h"},
-    REPAIR: {"xmmintrin.h", "emmintrin.h", "arm_neon.h"},
-    DSP: {"xmmintrin.h", "emmintrin.h", "arm_neon.h"},
 }
 # Libraries that a folder's sources may use.
 LIBRARIES = {
     UTIL: ("json/", "zlib.h"),
-    DSP: ("boost/signals2/",),
+    ELEMENTS: ("boost/signals2/",),
     CONTROLLER: ("boost/signals2/",),
-    PRESET: ("boost/signals2/", "pugixml.hpp"),
+    PRESET: ("pugixml.hpp",),
+    PRESETS: ("boost/signals2/",),
     CORE: ("boost/signals2/",),
 }
 C_HEADERS = {name + ".h" for name in (
@@ -151,35 +167,35 @@ GOOD = {
     f"{ENTRY}/F.h": '#include "E.h"\n',
     "tests/contract/T.cpp": '#include "tests/support/S.h"\n',
     "tests/support/S.h": "#include <vector>\n",
-    f"{DSP}/D.h": f'#include "{UTIL}/A.h"\n#include "{ENTRY}/E.h"\n',
-    f"{DSP}/D.cpp": f'#include "{DSP}/D.h"\n// #include "{CORE}/C.h"\n/* \n#include <zlib.h>\n*/\n',
-    f"{CORE}/C.h": f'#include "{DSP}/D.h"\nconst char* u = "http://x"; /*\n#include <zlib.h> */\n',
+    f"{ELEMENTS}/D.h": f'#include "{UTIL}/A.h"\n',
+    f"{ELEMENTS}/D.cpp": f'#include "{ELEMENTS}/D.h"\n// #include "{CORE}/C.h"\n/* \n#include <zlib.h>\n*/\n',
+    f"{CORE}/C.h": f'#include "{ELEMENTS}/D.h"\nconst char* u = "http://x"; /*\n#include <zlib.h> */\n',
     f"{KERNELS}/Set.h": "#include <array>\n",
     f"{KERNELS}/Lanes.h": f'#include "{KERNELS}/Set.h"\nnamespace PUFFGUARD_LEVEL {{}}\n',
     f"{KERNELS}/Set.cpp": f'#include "{KERNELS}/Lanes.h"\n',
-    f"{DSP}/K.cpp": f'#include "{KERNELS}/Set.h"\n',
-    f"{DSP}/L.cpp": "#include <boost/signals2/signal.hpp>\n",
+    f"{SIGNAL}/K.cpp": f'#include "{KERNELS}/Set.h"\n',
+    f"{ELEMENTS}/L.cpp": "#include <boost/signals2/signal.hpp>\n",
     f"{CORE}/C.cpp": "#include <dlfcn.h>\n",
     "wrappers/common/M.h": f'#include "{ENTRY}/E.h"\n',
-    "wrappers/cli/W.cpp": '#include "wrappers/common/M.h"\n#include <sndfile.h>\n',
+    "wrappers/cli/run/W.cpp": '#include "wrappers/common/M.h"\n#include <sndfile.h>\n',
     "tests/a/T.cpp": f'#include "{CORE}/C.h"\n#include <gtest/gtest.h>\n',
 }
 BAD = {
-    f"{DSP}/Up.cpp": f'#include "{CORE}/C.h"\n',
+    f"{ELEMENTS}/Up.cpp": f'#include "{CORE}/C.h"\n',
     f"{UTIL}/Up.h": f'  #  include "{ENTRY}/E.h"\n',
     f"{ENTRY}/Up.h": f'#include "{UTIL}/A.h"\n',
     f"{REPAIR}/Up.cpp": f'#include \\\n"{CORE}/C.h"\n',
-    "wrappers/cli/Deep.cpp": f'#include "{DSP}/D.h"\n',
-    "wrappers/cli/Entry.cpp": f'#include "{ENTRY}/E.h"\n',
-    "wrappers/lv2/Aside.cpp": '#include "wrappers/cli/W.cpp"\n',
+    "wrappers/cli/run/Deep.cpp": f'#include "{ELEMENTS}/D.h"\n',
+    "wrappers/cli/run/Entry.cpp": f'#include "{ENTRY}/E.h"\n',
+    "wrappers/lv2/Aside.cpp": '#include "wrappers/cli/run/W.cpp"\n',
     "wrappers/vst/New.cpp": f'#include "{ENTRY}/E.h"\n',
     "tests/contract/Inside.cpp": f'#include "{CORE}/C.h"\n',
-    f"{DSP}/Level.cpp": f'#include "{KERNELS}/Lanes.h"\n',
-    f"{CORE}/Angle.cpp": f'#include <{DSP}/D.h>\n',
+    f"{SIGNAL}/Level.cpp": f'#include "{KERNELS}/Lanes.h"\n',
+    f"{CORE}/Angle.cpp": f'#include <{ELEMENTS}/D.h>\n',
     f"{CORE}/Relative.cpp": '#include "C.h"\n',
     f"{CORE}/Dots.cpp": f'#include "{CORE}/../plugincore/C.h"\n',
     f"{CORE}/Library.cpp": "#include <sndfile.h>\n",
-    f"{DSP}/Library.h": "#include <boost/signals2/signal.hpp>\n",
+    f"{ELEMENTS}/Library.h": "#include <boost/signals2/signal.hpp>\n",
     f"{CORE}/Platform.h": "#include <dlfcn.h>\n",
     f"{CORE}/Macro.cpp": "#include HEADER\n",
     f"{CORE}/Digraph.cpp": "%:include <zlib.h>\n",

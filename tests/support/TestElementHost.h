@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/ElementHost.h"
-#include "frameworks/plugincore/dsp/FFTPool.h"
-#include "frameworks/plugincore/dsp/MemoryPool.h"
+#include "frameworks/plugincore/dsp/elements/ElementHost.h"
+#include "frameworks/plugincore/dsp/signal/FFTPool.h"
+#include "frameworks/plugincore/dsp/signal/MemoryPool.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 
 #include <functional>

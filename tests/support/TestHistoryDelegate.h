@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
-#include "frameworks/qobase/util/HistoryDelegate.h"
+#include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
 
 #include <algorithm>
 #include <new>

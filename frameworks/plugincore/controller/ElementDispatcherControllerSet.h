@@ -2,8 +2,8 @@
 #pragma once
 
 #include "frameworks/plugincore/controller/ElementDispatcherControllers.h"
-#include "frameworks/plugincore/dsp/ControllerSet.h"
-#include "frameworks/plugincore/dsp/ElementDispatcher.h"
+#include "frameworks/plugincore/dsp/elements/ControllerSet.h"
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 
 #include <map>
 #include <variant>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/controller/ParamStorage.h"
-#include "frameworks/plugincore/dsp/DispatchInfo.h"
+#include "frameworks/plugincore/dsp/elements/DispatchInfo.h"
 
 namespace Controller {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/KeyValueCoding.h"
+#include "frameworks/plugincore/dsp/elements/KeyValueCoding.h"
 
 #include <map>
 

@@ -4,7 +4,7 @@
 #include "frameworks/plugincore/controller/Object.h"
 #include "frameworks/plugincore/controller/ParamStorage.h"
 #include "frameworks/plugincore/controller/Trackable.h"
-#include "frameworks/plugincore/dsp/ElementParam.h"
+#include "frameworks/plugincore/dsp/elements/ElementParam.h"
 
 #include <any>
 #include <functional>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/controller/PersistentRegistrationVisitor.h"
 
-#include "frameworks/plugincore/dsp/ControllerSet.h"
+#include "frameworks/plugincore/dsp/elements/ControllerSet.h"
 
 namespace Controller {
 namespace {

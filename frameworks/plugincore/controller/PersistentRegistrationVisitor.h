@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
-#include "frameworks/plugincore/dsp/Element.h"
+#include "frameworks/plugincore/dsp/elements/Element.h"
 
 namespace Controller {
 

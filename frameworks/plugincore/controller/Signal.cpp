@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/controller/Signal.h"
 
-#include "frameworks/plugincore/dsp/ElementParam.h"
+#include "frameworks/plugincore/dsp/elements/ElementParam.h"
 
 #include <boost/signals2/signal.hpp>
 

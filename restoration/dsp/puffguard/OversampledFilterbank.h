@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/ProcessingPools.h"
+#include "frameworks/plugincore/dsp/signal/ProcessingPools.h"
 #include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "restoration/dsp/puffguard/DataTail.h"

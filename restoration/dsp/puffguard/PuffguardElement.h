@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/ElementDispatcher.h"
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "restoration/dsp/puffguard/DetectionLog.h"
 #include "restoration/dsp/puffguard/PuffGuard.h"
 

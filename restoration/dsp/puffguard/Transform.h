@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/TransformBase.h"
+#include "frameworks/plugincore/dsp/path/TransformBase.h"
 #include "restoration/dsp/puffguard/DetectionLog.h"
 
 #include <memory>

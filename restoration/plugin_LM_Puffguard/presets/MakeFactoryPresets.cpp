@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 // Writes the presets that come with the product into a folder. They hold no times, so that each
 // build writes the same bytes.
-#include "frameworks/plugincore/Plugin.h"
-#include "frameworks/plugincore/preset/LmPresetFile.h"
-#include "frameworks/plugincore/preset/PresetMetadata.h"
+#include "frameworks/plugincore/instance/Plugin.h"
+#include "frameworks/plugincore/preset/file/LmPresetFile.h"
+#include "frameworks/plugincore/preset/file/PresetMetadata.h"
 #include "frameworks/qobase/util/Path.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 

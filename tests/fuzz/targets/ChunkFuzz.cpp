@@ -2,7 +2,7 @@
 // Any bytes as a session's state, and any text in one, given to one live instance: a refused chunk
 // changes nothing, and after a taken one the instance saves a state that it takes again and saves
 // as the same bytes.
-#include "frameworks/plugincore/StateChunk.h"
+#include "frameworks/plugincore/instance/StateChunk.h"
 #include "tests/fuzz/targets/LiveInstance.h"
 #include "tests/fuzz/targets/TargetFolder.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // Any bytes as a compressed preset are refused, or give at most what their length claims.
-#include "frameworks/plugincore/preset/PresetBytes.h"
+#include "frameworks/plugincore/preset/file/PresetBytes.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/Entry.h"
+#include "frameworks/plugincore/dispatch/Entry.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 
 #include <cstdlib>

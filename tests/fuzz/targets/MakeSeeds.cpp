@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // make_seeds FOLDER: what our own writers make, a folder for each target, as its first inputs.
-#include "frameworks/plugincore/StateChunk.h"
+#include "frameworks/plugincore/instance/StateChunk.h"
 #include "frameworks/qobase/util/Compression.h"
 #include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/File.h"

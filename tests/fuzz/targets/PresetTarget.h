@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/preset/LmPresetFile.h"
+#include "frameworks/plugincore/preset/file/LmPresetFile.h"
 
 namespace Fuzz {
 

@@ -4,7 +4,7 @@
 #include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
 #include "frameworks/plugincore/controller/GrabbedParamHandle.h"
 #include "frameworks/plugincore/controller/KeyValueRoot.h"
-#include "frameworks/plugincore/dsp/DSPSet.h"
+#include "frameworks/plugincore/dsp/path/DSPSet.h"
 #include "tests/frameworks/plugincore/controller/TestElement.h"
 #include "tests/support/TestElementHost.h"
 

@@ -2,7 +2,7 @@
 // Expected values come from the theory of the transform, never from a run of the code.
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 
-#include "frameworks/plugincore/dsp/FFTPool.h"
+#include "frameworks/plugincore/dsp/signal/FFTPool.h"
 
 #include <gtest/gtest.h>
 

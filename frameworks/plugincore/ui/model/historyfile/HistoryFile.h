@@ -3,7 +3,7 @@
 
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 #include "frameworks/qobase/util/DataStream.h"
-#include "frameworks/qobase/util/HistoryDelegate.h"
+#include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
 
 /// What tells the forms of the file apart.
 struct HistoryFileForm {

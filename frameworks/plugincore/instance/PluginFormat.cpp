@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: ISC
+// What restarts the signal path of an instance: a new stream format, a reset, a change of the
+// processing state.
+#include "frameworks/plugincore/instance/Plugin.h"
+#include "frameworks/plugincore/instance/PluginThreadMark.h"
+#include "frameworks/plugincore/instance/StreamFormat.h"
+#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+#include "frameworks/qobase/util/DebugTrace.h"
+#include "frameworks/qobase/util/Realtime.h"
+#include "frameworks/qobase/util/ScopedFlag.h"
+
+#include <exception>
+#include <utility>
+
+bool Plugin::IsInSignalPath() const
+{
+    const std::thread::id caller = std::this_thread::get_id();
+    return caller == processThread.load() || caller == latencyThread.load();
+}
+
+void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
+{
+    if (!IsServableRate(newSampleRate) || !IsServableLayout(newChannelConfig)) {
+        return;
+    }
+    if (newSampleRate == sampleRate && newChannelConfig == channelConfig) {
+        return;
+    }
+    // A change within a change is not heard, nor is one that a host callback asks for while this
+    // thread is still inside the signal path that would be rebuilt.
+    if (reconfiguring || IsInSignalPath()) {
+        return;
+    }
+    const Util::ScopedFlag guard(reconfiguring);
+    Reconfigure(newSampleRate, newChannelConfig);
+}
+
+void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
+{
+    const Util::CriticalSectionGuard processGuard(GetThreadController().GetProcessLock());
+    const Util::CriticalSectionGuard uiGuard(GetThreadController().GetUILock());
+    const Util::ScopedFlag suspendedGuard(suspended);
+    const Util::ScopedFlag switchingGuard(switching);
+    processing = false;
+    lastProcessTick = 0;
+    const Util::Bytes state = SaveState();
+    const float formerRate = sampleRate;
+    const uint32_t formerConfig = channelConfig;
+    Editor* closedEditor = nullptr;
+    std::exception_ptr failure;
+    try {
+        StorePersistentParams();
+        transform->BeforeFormatChange();
+        closedEditor = FreeEditorOfElements();
+        TakeFormat(newSampleRate, newChannelConfig);
+        FollowFormat(state);
+    } catch (...) {
+        failure = std::current_exception();
+        ReturnToFormat(formerRate, formerConfig, state);
+    }
+    if (closedEditor != nullptr) {
+        editor = closedEditor;
+        editor->ReopenAfterFormat();
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+// The instance stays as it was when it can't have a new format.
+void Plugin::ReturnToFormat(float formerRate,
+                            uint32_t formerConfig,
+                            const Util::Bytes& state) noexcept
+{
+    try {
+        TakeFormat(formerRate, formerConfig);
+        FollowFormat(state);
+    } catch (...) {
+        // The caller is told of the failure that came first.
+        Util::DebugTrace("The former stream format could not be taken again");
+    }
+}
+
+// The editor when it is this thread's, which is closed then; one of another thread stays open and
+// is put right by the tick.
+Editor* Plugin::FreeEditorOfElements()
+{
+    if (editor == nullptr) {
+        return nullptr;
+    }
+    if (editorThread != std::this_thread::get_id()) {
+        editor->DetachControllers();
+        editorPending = true;
+        return nullptr;
+    }
+    editor->CloseForFormat();
+    editorPending = false; // opened again, it is bound to what is there then
+    return std::exchange(editor, nullptr);
+}
+
+void Plugin::FollowFormat(const Util::Bytes& state)
+{
+    BuildElementParamList();
+    LatencyChanged(DSP::Context::Process);
+    LoadPersistentParams();
+    RestoreState(state);
+    transform->PlanDryDelay();
+    transform->Settle();
+    transform->AfterFormatChange();
+}
+
+Util::Bytes Plugin::SaveState()
+{
+    Util::Bytes state(GetStateSize());
+    if (!GetChunk(state)) {
+        state.clear(); // what is made anew then starts with its defaults
+    }
+    return state;
+}
+
+void Plugin::RestoreState(const Util::Bytes& state)
+{
+    // Elements that live on have kept their values. They are not set again later, by when the host
+    // may have changed them.
+    if (state.empty() || SaveState() == state) {
+        return;
+    }
+    if (editorPending) {
+        pendingChunks.assign(1, state);
+    } else {
+        SetChunk(state, GetDefinition().GetVersionNumber(), DSP::SourceHost);
+    }
+}
+
+void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)
+{
+    sampleRate = newSampleRate;
+    channelConfig = newChannelConfig;
+    channelCount = DSP::GetChannelCount(newChannelConfig);
+    transform->SetFormat(sampleRate, channelConfig);
+}
+
+uint32_t Plugin::ResetProcessing(DSP::Context context)
+{
+    {
+        const Util::ScopedDenormalGuard denormalGuard;
+        const ThreadMark mark(processThread);
+        RunCommands();
+    }
+    // Also the dry lines, so that bypass and repair go on from the same silence.
+    onSettle();
+    UpdateLatency(DSP::Context::Process, Notify::No);
+    UpdateLatency(DSP::Context::UI, Notify::Yes);
+    return GetLatency(context);
+}
+
+void Plugin::TransformReset()
+{
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
+    transform->Reset();
+}
+
+void Plugin::onSettle()
+{
+    const Util::ScopedDenormalGuard denormalGuard;
+    const ThreadMark mark(processThread);
+    transform->Settle();
+}
+
+void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
+{
+    if (active && !hold) {
+        if (context == DSP::Context::Process) {
+            onSettle();
+        } else {
+            const Util::CriticalSectionGuard guard(GetThreadController().GetProcessLock());
+            const Util::ScopedFlag suspendedGuard(suspended);
+            onSettle();
+        }
+    } else if (!active && !hold) {
+        processing = false;
+        lastProcessTick = 0;
+    }
+    transform->ProcessingStateChanged(context, active);
+}

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: ISC
+// Presets of an instance as the host asks for them.
+#include "frameworks/plugincore/instance/Plugin.h"
+#include "frameworks/plugincore/product/PluginInfo.h"
+#include "frameworks/plugincore/preset/file/PresetErrors.h"
+#include "frameworks/plugincore/preset/manager/PresetManager.h"
+#include "frameworks/qobase/util/File.h"
+#include "frameworks/qobase/util/Path.h"
+#include "frameworks/qobase/util/Realtime.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using Preset::PresetEntry;
+using Preset::PresetManager;
+
+bool IsPath(const String& name)
+{
+    return name.Find("/") || name.View().ends_with(".xml");
+}
+
+String GetDefaultPresetFolder(const PluginDefinition& definition)
+{
+    const String pattern = definition.GetPresetFolder();
+    if (!pattern.IsEmpty()) {
+        return Util::Path::ExpandUserFolders(pattern);
+    }
+    const String vendorFolder =
+        Util::Path::Join(Util::Path::GetApplicationDataFolder(), definition.GetVendor());
+    return Util::Path::Join(Util::Path::Join(vendorFolder, definition.GetShortName()),
+                            "Global Presets");
+}
+
+String GetFactoryPresetFolder(const PluginDefinition& definition, const String& modulePath)
+{
+    const String folder = definition.GetFactoryPresetFolder();
+    if (folder.IsEmpty() && modulePath.IsEmpty()) {
+        return {}; // a wrapper that doesn't tell: no presets, rather than those of another folder
+    }
+    return folder.IsEmpty() ? Util::Path::Join(Util::Path::GetFolder(modulePath), "Presets")
+                            : Util::Path::ExpandUserFolders(folder);
+}
+
+String DescribeUnknownName(const String& name, const PresetManager& presets)
+{
+    std::vector<String> known;
+    for (const PresetEntry& entry : presets.GetEntries()) {
+        if (entry.fault.IsEmpty()) {
+            known.push_back(entry.name);
+        }
+    }
+    const String start = IsPath(name) ? "No such file or preset: \"" : "There is no preset \"";
+    const String nearest = Preset::FindNearestName(name, known);
+    const String guess = nearest.IsEmpty() ? String("") : " Did you mean \"" + nearest + "\"?";
+    const String text = start + name + "\"." + guess + " There are: ";
+    const std::size_t left = sizeof PresetRecord::message - 1;
+    return text + Preset::JoinNames(known, left - std::min<std::size_t>(left, text.Length()));
+}
+
+// The text for the user, with what it is about and why.
+String Describe(const String& name, const Util::ErrorVariant& error)
+{
+    const String text = error.GetDescription();
+    String subject = name;
+    String reason;
+    if (error.As<Preset::ManagerError>() != nullptr) {
+        reason = error.GetDetail();
+    } else if (const auto* fault = error.As<Util::File::Error>()) {
+        reason = Preset::GetReason(error);
+        subject = fault->GetArguments().empty() ? name : fault->GetArguments().front();
+    }
+    if (reason.IsEmpty()) {
+        return text;
+    }
+    const bool isTold = subject.IsEmpty() || text.Find(subject);
+    return text + " (" + (isTold ? reason : subject + ": " + reason) + ")";
+}
+
+void Fail(const String& message, PresetRecord& record)
+{
+    record.failed = 1;
+    CopyText(record.message, message);
+}
+
+void List(PresetManager& presets, PresetRecord& record)
+{
+    presets.Refresh();
+    record.count = static_cast<uint32_t>(presets.GetEntries().size());
+}
+
+void Show(const PresetEntry& entry, PresetRecord& record)
+{
+    CopyText(record.presetName, entry.name);
+    CopyText(record.presetComment, entry.GetComment());
+    CopyText(record.path, entry.path);
+    CopyText(record.message, entry.fault.IsEmpty() ? entry.note : entry.fault);
+    record.isReadOnly =
+        entry.group == Preset::PresetGroup::BuiltIn || Preset::IsReadOnly(entry.metadata);
+    switch (entry.group) {
+    case Preset::PresetGroup::BuiltIn:
+        record.group = PresetGroupBuiltIn;
+        break;
+    case Preset::PresetGroup::Factory:
+        record.group = PresetGroupFactory;
+        break;
+    case Preset::PresetGroup::User:
+        record.group = PresetGroupUser;
+        break;
+    }
+}
+
+void ApplyFile(PresetManager& presets, const String& path, PresetRecord& record)
+{
+    if (const auto applied = presets.ApplyFile(path); !applied) {
+        Fail(Describe(path, applied.GetError()), record);
+        return;
+    }
+    CopyText(record.presetName, Util::Path::GetStem(path));
+    CopyText(record.path, path);
+}
+
+// By name; what reads as a path may be a name that was written down for a person, or one with the
+// ending of its file.
+std::optional<PresetEntry> FindNamed(const PresetManager& presets, const String& name)
+{
+    auto entry = presets.Find(name);
+    if (entry || !IsPath(name)) {
+        return entry;
+    }
+    std::string text = name.ToStdString();
+    std::replace(text.begin(), text.end(), '/', '-'); // names of files can't hold it
+    entry = presets.Find(text);
+    return entry ? entry : presets.Find(Util::Path::GetStem(text));
+}
+
+void Apply(PresetManager& presets, const String& name, PresetRecord& record)
+{
+    if (IsPath(name) && Util::File(name).Exists()) {
+        ApplyFile(presets, name, record);
+        return;
+    }
+    presets.Refresh();
+    const auto entry = FindNamed(presets, name);
+    if (!entry) {
+        Fail(DescribeUnknownName(name, presets), record);
+        return;
+    }
+    Show(*entry, record);
+    CopyText(record.message, {});
+    if (const auto applied = presets.Apply(*entry); !applied) {
+        Fail(Describe(name, applied.GetError()), record);
+    }
+}
+
+void Save(PresetManager& presets, const String& name, PresetRecord& record)
+{
+    const String comment = record.comment;
+    const auto existing =
+        record.mayReplace != 0 ? Preset::Existing::Replace : Preset::Existing::Keep;
+    Util::Expected<String> saved = name;
+    if (!IsPath(name)) {
+        saved = presets.Save(name, comment, existing);
+    } else if (const auto written = presets.SaveFile(name, comment, existing); !written) {
+        saved = written.GetError();
+    }
+    if (saved) {
+        CopyText(record.presetName, Util::Path::GetStem(*saved));
+        CopyText(record.path, *saved);
+    } else {
+        Fail(Describe(name, saved.GetError()), record);
+    }
+}
+
+} // namespace
+
+bool Plugin::MakePresets()
+{
+    auto* interface = GetSet().GetPresetInterface();
+    auto* metadata = GetSet().GetPresetMetadata();
+    if (interface == nullptr || metadata == nullptr) {
+        return false;
+    }
+    const PluginDefinition& product = GetDefinition();
+    presets = std::make_unique<PresetManager>(
+        PresetManager::Setup{{product.GetPresetId(),
+                              product.GetStateVersion(),
+                              product.GetVersionNumber(),
+                              product.GetBuildNumber()},
+                             GetDefaultPresetFolder(product),
+                             GetFactoryPresetFolder(product, GetModulePath()),
+                             configFile,
+                             !IsOffline(),
+                             *interface,
+                             *metadata,
+                             [this](const String& /*name*/) {
+                                 CheckLatency(DSP::Context::UI);
+                                 NotifyHistory();
+                                 UserAction(*this).MarkChanged();
+                             }});
+    return true;
+}
+
+uint32_t Plugin::PresetMessage(DSP::Context context, const HostMessageRecord& record)
+{
+    const bool isWhole = record.data != nullptr && record.length >= sizeof(PresetRecord);
+    if (context != DSP::Context::UI || !isWhole || (!presets && !MakePresets())) {
+        return PluginCoreUnsupported;
+    }
+    auto& preset = *static_cast<PresetRecord*>(record.data);
+    const String name = preset.name;
+    preset.failed = 0;
+    CopyText(preset.message, {});
+    switch (preset.op) {
+    case PresetOpList:
+        List(*presets, preset);
+        return PluginCoreSuccess;
+    case PresetOpDescribe:
+        if (preset.index >= presets->GetEntries().size()) {
+            return PluginCoreUnsupported;
+        }
+        Show(presets->GetEntries()[preset.index], preset);
+        return PluginCoreSuccess;
+    case PresetOpApply: {
+        const Util::ScopedDenormalGuard denormalGuard;
+        const UserAction action(*this); // one for all that the preset changes
+        LoadPendingChunks();
+        Apply(*presets, name, preset);
+        return PluginCoreSuccess;
+    }
+    case PresetOpSave:
+        LoadPendingChunks();
+        Save(*presets, name, preset);
+        return PluginCoreSuccess;
+    default:
+        return PluginCoreUnsupported;
+    }
+}

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/preset/file/LegacyPresetFileHandler.h"
+
+#include "frameworks/plugincore/preset/file/PresetErrors.h"
+#include "frameworks/plugincore/preset/file/PresetFileBase.h"
+#include "frameworks/qobase/util/Base64.h"
+#include "frameworks/qobase/util/NumberText.h"
+
+#include <utility>
+
+namespace Preset {
+
+LegacyFamily FindLegacyFamily(const String& type)
+{
+    // The first match decides.
+    static constexpr std::pair<const char*, LegacyFamily> words[] = {
+        {"ChannelOps", LegacyFamily::ChannelOps},
+        {"LMDeclick", LegacyFamily::Declicker},
+        {"LMDecrackle", LegacyFamily::Declicker},
+        {"LMInterpolate", LegacyFamily::Declicker},
+        {"LMDenoiser", LegacyFamily::Denoiser},
+        {"Gain", LegacyFamily::Gain},
+        {"Fade", LegacyFamily::Gain},
+        {"Normalize", LegacyFamily::Gain},
+        {"Deconstruct", LegacyFamily::Deconstruct},
+        {"AdditiveDecomposition", LegacyFamily::Deconstruct},
+    };
+    for (const auto& [word, family] : words) {
+        if (type.Find(word)) {
+            return family;
+        }
+    }
+    return LegacyFamily::Other;
+}
+
+LegacyPresetFileHandlerBase::LegacyPresetFileHandlerBase(PresetFileBase& newFile,
+                                                         Renames newRenames)
+    : file(newFile)
+    , renames(std::move(newRenames))
+{
+}
+
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const XmlNode& root)
+{
+    if (auto result = ReadCategories(root); !result) {
+        return result;
+    }
+    return file.ReadMacroControls(root);
+}
+
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const XmlNode& root)
+{
+    for (const XmlNode& category : root.GetElements()) {
+        if (auto result = ReadCategory(category); !result) {
+            return result;
+        }
+    }
+    return {};
+}
+
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategory(const XmlNode& category)
+{
+    for (const XmlNode& param : category.GetChildren("Param")) {
+        if (!param.IsElement()) {
+            return MakeParseError("Parameter was not a valid XML element.");
+        }
+        ReadParam(param);
+    }
+    for (const XmlNode& extra : category.GetChildren("ExtraBytes")) {
+        if (!extra.IsElement()) {
+            return MakeParseError("Extra bytes was not a valid XML element.");
+        }
+        auto bytes = Util::DecodeBase64(extra.GetAttribute("Data"));
+        if (bytes && HasExtraBytes()) {
+            file.SetExtraBytes(MapElementName(extra.GetAttribute("ElementID")), std::move(*bytes));
+        }
+    }
+    return {};
+}
+
+void LegacyPresetFileHandlerBase::ReadParam(const XmlNode& param)
+{
+    const String element = MapElementName(param.GetAttribute("ElementID"));
+    const String name = param.GetAttribute("ParamID");
+    const String text = param.GetAttribute("Value");
+    if (MapBoolParam(element, name, text == "1")) {
+        return;
+    }
+    const auto number = Util::ParseUInt(text);
+    if (number && MapEnumParam(element, name, *number)) {
+        return;
+    }
+    if (const auto value = Util::ParseFloat(text)) {
+        MapFloatParam(element, name, *value);
+    }
+}
+
+String LegacyPresetFileHandlerBase::MapElementName(const String& name) const
+{
+    const auto found = renames.find(name);
+    return found != renames.end() ? found->second : name;
+}
+
+bool LegacyPresetFileHandlerBase::MapBoolParam(const String& /*element*/,
+                                               const String& /*param*/,
+                                               bool /*value*/)
+{
+    return false;
+}
+
+bool LegacyPresetFileHandlerBase::MapEnumParam(const String& /*element*/,
+                                               const String& /*param*/,
+                                               uint32_t /*value*/)
+{
+    return false;
+}
+
+bool LegacyPresetFileHandlerBase::MapFloatParam(const String& /*element*/,
+                                                const String& /*param*/,
+                                                float /*value*/)
+{
+    return false;
+}
+
+} // namespace Preset

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: ISC
+// The rings of an element and the way of commands through it.
+#include "frameworks/plugincore/dsp/elements/DSPCommandFifo.h"
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+
+#include "tests/support/TestElementHost.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using DSP::DSPCommand;
+using DSP::DSPCommandFifo;
+
+class NullCommand final : public DSPCommand {
+public:
+    bool ProcessThreadStep() override { return false; }
+    bool UIThreadStep() override { return false; }
+};
+
+// Notes its steps as 'P' and 'U', goes on for a number of them, and notes its end as '.'.
+class NotingCommand final : public DSPCommand {
+public:
+    NotingCommand(std::string& newNotes, int newSteps)
+        : notes(newNotes)
+        , steps(newSteps)
+    {
+    }
+    ~NotingCommand() override { notes += '.'; }
+    bool ProcessThreadStep() override { return Step('P'); }
+    bool UIThreadStep() override { return Step('U'); }
+
+private:
+    bool Step(char side)
+    {
+        notes += side;
+        return --steps > 0;
+    }
+
+    std::string& notes;
+    int steps;
+};
+
+class Element final : public DSP::ElementDispatcher {
+public:
+    explicit Element(DSP::ElementHost& owner)
+        : ElementDispatcher({owner, "Test", 48000.0F, 0})
+    {
+        FinaliseParams();
+    }
+};
+
+std::vector<std::unique_ptr<NullCommand>> MakeCommands(std::size_t count)
+{
+    std::vector<std::unique_ptr<NullCommand>> commands(count);
+    for (auto& command : commands) {
+        command = std::make_unique<NullCommand>();
+    }
+    return commands;
+}
+
+} // namespace
+
+TEST(DSPCommandFifo, HoldsOneLessThanItsSlotsAndKeepsTheOrder)
+{
+    DSPCommandFifo fifo("Test", DSPCommandFifo::Growing::No, 8);
+    const auto commands = MakeCommands(8);
+    for (int round = 0; round < 3; ++round) { // the indices wrap in the second round
+        for (int i = 0; i < 7; ++i) {
+            ASSERT_TRUE(fifo.Push(commands[i].get()));
+        }
+        EXPECT_FALSE(fifo.Push(commands[7].get()));
+        for (int i = 0; i < 7; ++i) {
+            ASSERT_EQ(fifo.Pop(), commands[i].get());
+        }
+        EXPECT_EQ(fifo.Pop(), nullptr);
+    }
+}
+
+TEST(DSPCommandFifo, GrowsAtThe512thUnreadCommandAndLosesNone)
+{
+    DSPCommandFifo fifo("Test", DSPCommandFifo::Growing::Yes);
+    const auto commands = MakeCommands(800);
+    for (int i = 0; i < 300; ++i) { // so that the ring wraps before it grows
+        fifo.Push(commands[i].get());
+        fifo.Pop();
+    }
+    for (int i = 0; i < 511; ++i) {
+        fifo.Push(commands[i].get());
+    }
+    EXPECT_EQ(fifo.GetCapacity(), 512U);
+    for (int i = 511; i < 800; ++i) {
+        fifo.Push(commands[i].get());
+    }
+    EXPECT_EQ(fifo.GetCapacity(), 1024U);
+    for (const auto& command : commands) {
+        ASSERT_EQ(fifo.Pop(), command.get());
+    }
+    EXPECT_EQ(fifo.Pop(), nullptr);
+}
+
+TEST(DSPCommandFifo, PassesEverythingOnceBetweenTwoThreads)
+{
+    DSPCommandFifo fifo("Test", DSPCommandFifo::Growing::Yes, 4);
+    const auto commands = MakeCommands(20000);
+    std::thread writer([&] {
+        for (const auto& command : commands) {
+            fifo.Push(command.get());
+        }
+    });
+    for (const auto& command : commands) {
+        DSPCommand* popped = nullptr;
+        while ((popped = fifo.Pop()) == nullptr) {
+            std::this_thread::yield();
+        }
+        ASSERT_EQ(popped, command.get());
+    }
+    writer.join();
+}
+
+TEST(ElementCommands, PassBetweenTheSidesUntilAStepEndsThem)
+{
+    Support::TestElementHost host;
+    host.processing = true; // an audio thread is at work
+    Element element(host);
+    std::string notes;
+    element.PostCommand(new NotingCommand(notes, 3));
+    EXPECT_EQ(notes, "");
+    EXPECT_EQ(host.commandsUnderWay, 1);
+    element.ProcessRegion(0, 0, nullptr); // a block of 0 frames still takes commands in
+    EXPECT_EQ(notes, "P");
+    element.ServiceCommands();
+    EXPECT_EQ(notes, "PU");
+    element.ProcessRegion(0, 0, nullptr);
+    EXPECT_EQ(notes, "PUP"); // ended, but deleted on the UI side only
+    element.ServiceCommands();
+    EXPECT_EQ(notes, "PUP.");
+    EXPECT_EQ(host.commandsUnderWay, 0);
+}
+
+TEST(ElementCommands, RunAtOnceWhileNoAudioRunsAndOlderOnesFirst)
+{
+    Support::TestElementHost host;
+    Element element(host);
+    std::string older;
+    host.processing = true;
+    element.PostCommand(new NotingCommand(older, 1));
+    host.processing = false;
+    std::string newer;
+    element.PostCommand(new NotingCommand(newer, 2));
+    EXPECT_EQ(older, "P");
+    EXPECT_EQ(newer, "PU.");
+    element.ServiceCommands();
+    EXPECT_EQ(older, "P.");
+}
+
+TEST(ElementCommands, AreFinishedByTheIdleTickWhenAudioHasStopped)
+{
+    Support::TestElementHost host;
+    Element element(host);
+    std::string notes;
+    host.processing = true;
+    element.PostCommand(new NotingCommand(notes, 3));
+    host.processing = false;
+    element.ServiceCommands(); // one round of both sides a tick
+    EXPECT_EQ(notes, "PU");
+    element.ServiceCommands();
+    EXPECT_EQ(notes, "PUP.");
+}
+
+TEST(ElementCommands, WhenCancelledHaveNoFurtherUIStep)
+{
+    Support::TestElementHost host;
+    host.processing = true;
+    Element element(host);
+    std::string notes;
+    auto* command = new NotingCommand(notes, 10);
+    element.PostCommand(command);
+    element.ProcessRegion(0, 0, nullptr);
+    command->Cancel();
+    element.ServiceCommands();
+    EXPECT_EQ(notes, "P.");
+}
+
+TEST(ElementCommands, AreDeletedWithTheirElement)
+{
+    Support::TestElementHost host;
+    host.processing = true;
+    std::string notes;
+    {
+        Element element(host);
+        element.PostCommand(new NotingCommand(notes, 9));
+        element.PostCommand(new NotingCommand(notes, 9));
+        element.SetCommandsDisabled(true);
+        element.ProcessRegion(0, 0, nullptr); // disabled: they stay where they are
+        EXPECT_EQ(notes, "");
+    }
+    EXPECT_EQ(notes, "..");
+    EXPECT_EQ(host.commandsUnderWay, 0);
+}

@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: ISC
+// What the host and the editor hear of what the user does, with the product's own elements; and
+// what is a preference of the user in an instance.
+#include "frameworks/plugincore/instance/Plugin.h"
+#include "frameworks/plugincore/controller/GrabbedParamHandle.h"
+#include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <thread>
+
+namespace {
+
+using Controller::BoolParam;
+using Controller::FloatParam;
+using Handle = Controller::GrabbedParamHandle<float>;
+
+// Notes in one line with the host's calls what it is told of parameters.
+class TestEditor final : public Editor {
+public:
+    explicit TestEditor(std::string& newCalls)
+        : calls(newCalls)
+    {
+    }
+    void BeginLoad() override {}
+    void EndLoad() override {}
+    void ParamChanged(const String& element, const String& param) override
+    {
+        calls += "editor " + element.ToStdString() + "." + param.ToStdString() + "; ";
+    }
+    void StateChanged() override {}
+    void CloseForFormat() override { drag.reset(); }
+    void ReopenAfterFormat() override {}
+    void DetachControllers() override {}
+    void AttachControllers() override {}
+
+    std::unique_ptr<Handle> drag; // of a control in this editor
+
+private:
+    std::string& calls;
+};
+
+struct Instance {
+    explicit Instance(const char* options = "")
+    {
+        PluginSetup setup;
+        setup.hostCallback = Answer;
+        setup.hostRefcon = this;
+        setup.sampleRate = 48000.0F;
+        std::strcpy(setup.identity.options, options);
+        plugin = std::make_unique<Plugin>(LMPuffguard::GetPluginFactory(), setup);
+    }
+    ~Instance() { plugin.reset(); } // its timer speaks to the rest
+
+    static uint32_t
+    Answer(uint32_t /*magic*/, uint32_t opcode, uint32_t context, void* refcon, void* data)
+    {
+        auto& calls = static_cast<Instance*>(refcon)->calls;
+        if (opcode == HostOpcodeParamEvent) {
+            const auto& event = *static_cast<const ParamEventRecord*>(data);
+            std::ostringstream text;
+            text << event.kind << " of " << event.index << " at " << event.value << "; ";
+            calls += text.str();
+        } else if (opcode == HostOpcodeDirtyState) {
+            EXPECT_EQ(context, 1U);
+            EXPECT_EQ(data, nullptr);
+            calls += "dirty; ";
+        }
+        return PluginCoreUnsupported;
+    }
+
+    template <typename Param>
+    Param& Get(const char* path)
+    {
+        const std::any found = plugin->GetSet().ValueForKeyPath(path);
+        return *std::any_cast<Param*>(found);
+    }
+    std::string Take() { return std::exchange(calls, {}); }
+
+    std::string calls;
+    std::unique_ptr<Plugin> plugin;
+};
+
+struct GesturesTest : testing::Test {
+    const Support::UserFolders folders;
+    Instance instance;
+    TestEditor editor{instance.calls};
+    Plugin& plugin = *instance.plugin;
+    FloatParam& sensitivity = instance.Get<FloatParam>("PuffGuard.Sensitivity");
+    FloatParam& strength = instance.Get<FloatParam>("PuffGuard.Strength");
+};
+
+TEST_F(GesturesTest, EveryAutomatableParameterIsReportedWithTheEditorFirst)
+{
+    plugin.AttachEditor(&editor);
+    sensitivity.SetValue(10.0F);
+    EXPECT_EQ(instance.Take(),
+              "0 of 0 at 0.5; editor Puffguard.Sensitivity; 1 of 0 at 1; 2 of 0 at 1; dirty; ");
+    strength.SetValue(0.0F);
+    EXPECT_EQ(instance.Take(),
+              "0 of 1 at 0.5; editor Puffguard.Strength; 1 of 1 at 0; 2 of 1 at 0; dirty; ");
+    // The element's own name leads to the same parameter.
+    instance.Get<FloatParam>("Puffguard.Upper Repair Frequency").SetValue(50.0F);
+    EXPECT_NE(instance.Take().find("1 of 2 at 0; 2 of 2 at 0; dirty; "), std::string::npos);
+    instance.Get<BoolParam>("Global.Global Bypass").SetValue(true);
+    EXPECT_EQ(
+        instance.Take(),
+        "0 of 3 at 0; editor Global.Global Bypass; 1 of 3 at 1; 2 of 3 at 1; "); // it is saved
+                                                                                 // nowhere
+    sensitivity.SetValue(10.0F); // a click that changes nothing
+    EXPECT_EQ(instance.Take(), "0 of 0 at 1; 2 of 0 at 1; ");
+}
+
+TEST_F(GesturesTest, OneDragIsOneTouchAndOneActionHoweverOftenItIsHeld)
+{
+    plugin.AttachEditor(&editor);
+    {
+        const Handle drag(sensitivity);
+        const Handle wheel(sensitivity);
+        sensitivity.SetValue(6.0F);
+        {
+            const Handle linked(strength);
+            strength.SetValue(6.0F);
+        }
+        sensitivity.SetValue(7.0F);
+    }
+    EXPECT_EQ(instance.Take(),
+              "0 of 0 at 0.5; editor Puffguard.Sensitivity; 1 of 0 at 0.6; 0 of 1 at 0.5; "
+              "editor Puffguard.Strength; 1 of 1 at 0.6; 2 of 1 at 0.6; "
+              "editor Puffguard.Sensitivity; 1 of 0 at 0.7; 2 of 0 at 0.7; dirty; ");
+}
+
+TEST_F(GesturesTest, WithoutAnEditorThereAreChangesButNoTouches)
+{
+    sensitivity.SetValue(6.0F);
+    EXPECT_EQ(instance.Take(), "1 of 0 at 0.6; dirty; ");
+    plugin.ParamReleased(*plugin.GetSet().GetMainElement(), "Sensitivity"); // never held
+    {
+        const Handle early(sensitivity);
+        plugin.AttachEditor(&editor);
+    }
+    EXPECT_EQ(instance.Take(), ""); // no end of what the host hasn't seen begin
+    {
+        const Handle late(sensitivity);
+        plugin.AttachEditor(nullptr);
+    }
+    EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; 2 of 0 at 0.6; ");
+    // Nor does a new format leave a touch open, though it reports nothing else.
+    plugin.AttachEditor(&editor);
+    editor.drag = std::make_unique<Handle>(sensitivity);
+    plugin.SetStreamFormat(96000.0F, 1);
+    EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; 2 of 0 at 0.6; ");
+}
+
+TEST_F(GesturesTest, TheHostIsNotToldOfItsOwnSets)
+{
+    plugin.AttachEditor(&editor);
+    plugin.SetAutomatableParam(DSP::Context::UI, {0, 0.1F});
+    plugin.SetAutomatableParam(DSP::Context::Process, {1, 0.1F});
+    plugin.GetSet().OnSyncParams();
+    EXPECT_EQ(strength.GetValue(), 1.0F);
+    EXPECT_EQ(instance.Take(), "");
+}
+
+TEST_F(GesturesTest, WhatIsNotAutomatableChangesTheStateOnlyIfItIsSaved)
+{
+    plugin.AttachEditor(&editor);
+    instance.Get<FloatParam>("PuffGuard.Latency Scaling").SetValue(0.5F);
+    EXPECT_EQ(instance.Take(), "editor Puffguard.Latency Scaling; dirty; ");
+    instance.Get<BoolParam>("Global.Meter Enable").SetValue(false);
+    instance.Get<FloatParam>("Global.Selection Feathering").SetValue(7.0F);
+    EXPECT_EQ(instance.Take(), "editor Global.Meter Enable; editor Global.Selection Feathering; ");
+}
+
+TEST_F(GesturesTest, AnActionOfManyChangesIsReportedOnce)
+{
+    {
+        const Plugin::UserAction action(plugin);
+        const Plugin::UserAction within(plugin);
+        sensitivity.SetValue(6.0F);
+        strength.SetValue(6.0F);
+    }
+    EXPECT_EQ(instance.Take(), "1 of 0 at 0.6; 1 of 1 at 0.6; dirty; ");
+    {
+        const Plugin::UserAction action(plugin);
+    }
+    EXPECT_EQ(instance.Take(), "");
+    {
+        Plugin::UserAction action(plugin);
+        action.MarkChanged();
+    }
+    EXPECT_EQ(instance.Take(), "dirty; ");
+}
+
+TEST_F(GesturesTest, PreferencesFollowFromInstanceToInstanceAndThroughANewFormat)
+{
+    Instance second;
+    second.plugin->Initialize(); // from now on it has a tick
+    plugin.SetStreamFormat(96000.0F, 1);
+    instance.Get<BoolParam>("Global.Meter Enable").SetValue(false);
+    EXPECT_FALSE(Instance().Get<BoolParam>("Global.Meter Enable").GetValue());
+    for (bool follows = false; !follows; std::this_thread::yield()) { // the test's limit ends it
+        const Util::CriticalSectionGuard guard(second.plugin->GetThreadController().GetUILock());
+        follows = !second.Get<BoolParam>("Global.Meter Enable").GetValue();
+    }
+    EXPECT_EQ(second.Take(), "");
+}
+
+TEST_F(GesturesTest, AnOfflineInstanceNeitherReadsNorWritesPreferences)
+{
+    instance.Get<BoolParam>("Global.Meter Enable").SetValue(false);
+    Instance offline("Lang:en|Offline");
+    EXPECT_TRUE(offline.Get<BoolParam>("Global.Meter Enable").GetValue());
+    offline.Get<BoolParam>("Global.Animation Enable").SetValue(false);
+    EXPECT_FALSE(plugin.GetConfigFile().HasValue("Params.Global.Bool.Animation Enable"));
+    EXPECT_FALSE(plugin.GetConfigFile().ReadBool("Params.Global.Bool.Meter Enable", true));
+}
+
+} // namespace

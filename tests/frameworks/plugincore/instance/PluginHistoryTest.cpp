@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: ISC
+// The undo history of the product's instances: what comes back, what the host and the editor hear
+// of it, and which files it leaves.
+#include "frameworks/plugincore/instance/Plugin.h"
+
+#include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
+#include "restoration/plugin/Global.h"
+#include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
+#include "restoration/ui/dialog/historyfile/HistoryLogic.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+using Side = DSP::Context; // `Context` is a namespace of its own
+
+class TestEditor final : public Editor {
+public:
+    void BeginLoad() override {}
+    void EndLoad() override {}
+    void ParamChanged(const String& /*elementName*/, const String& /*paramName*/) override {}
+    void StateChanged() override { ++stateChanges; }
+    void CloseForFormat() override {}
+    void ReopenAfterFormat() override {}
+    void DetachControllers() override {}
+    void AttachControllers() override {}
+    int stateChanges = 0;
+};
+
+// Another product, with sessions.
+class SessionDefinition final : public PluginDefinition {
+public:
+    String GetVendor() const override { return "Test"; }
+    String GetShortName() const override { return "Short"; }
+    uint32_t GetMaxBlockFrames() const override { return 8192; }
+    uint32_t GetStateVersion() const override { return 1; }
+    uint32_t GetSessionMode() const override { return mode; }
+    uint32_t mode = 0;
+};
+
+class SessionFactory final : public PluginFactory {
+public:
+    const PluginDefinition& GetDefinition() const override { return definition; }
+    std::unique_ptr<DSP::TransformBase>
+    CreateTransform(DSP::ElementHost& host, float rate, uint32_t layout) const override
+    {
+        return LMPuffguard::GetPluginFactory().CreateTransform(host, rate, layout);
+    }
+    SessionDefinition definition;
+};
+
+class PluginHistoryTest : public testing::Test {
+protected:
+    // Places in the list of automatable parameters.
+    static constexpr uint32_t Sensitivity = 0;
+    static constexpr uint32_t Strength = 1;
+
+    std::unique_ptr<Plugin> Make(const PluginFactory& factory, const char* options = "")
+    {
+        PluginSetup setup;
+        setup.hostCallback = &OnHostCall;
+        setup.hostRefcon = &opcodes;
+        setup.sampleRate = 48000.0F;
+        setup.channelConfig = 0;
+        std::strncpy(setup.identity.options, options, sizeof setup.identity.options - 1);
+        return std::make_unique<Plugin>(factory, setup);
+    }
+    std::unique_ptr<Plugin> Make(const char* options = "")
+    {
+        return Make(LMPuffguard::GetPluginFactory(), options);
+    }
+    static UI::Dialog::HistoryLogic& LogicOf(const Plugin& plugin)
+    {
+        return dynamic_cast<UI::Dialog::HistoryLogic&>(*plugin.GetHistory());
+    }
+    static float Get(const Plugin& plugin)
+    {
+        ParamValueRecord record{Sensitivity, 0};
+        plugin.GetAutomatableParam(Side::UI, record);
+        return record.value;
+    }
+    static void Change(Plugin& plugin, float value)
+    {
+        plugin.SetAutomatableParam(Side::UI, {Sensitivity, value});
+        EXPECT_TRUE(plugin.GetHistory()->AddSnapshot("Sensitivity"));
+    }
+    std::string FileNamed(const std::string& name) const { return user.Home() / ("data/" + name); }
+
+    Support::UserFolders user;
+    std::vector<uint32_t> opcodes; // that the host was called with
+
+private:
+    static uint32_t OnHostCall(
+        uint32_t /*magic*/, uint32_t opcode, uint32_t /*context*/, void* host, void* /*data*/)
+    {
+        static_cast<std::vector<uint32_t>*>(host)->push_back(opcode);
+        return PluginCoreUnsupported;
+    }
+};
+
+TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
+{
+    auto plugin = Make();
+    TestEditor editor;
+    plugin->AttachEditor(&editor);
+    const float before = Get(*plugin);
+    Change(*plugin, 0.25F);
+    plugin->SetAutomatableParam(Side::UI, {Strength, 0.125F});
+    Change(*plugin, 0.75F);
+    opcodes.clear();
+    EXPECT_TRUE(LogicOf(*plugin).StepBack());
+    EXPECT_NEAR(Get(*plugin), 0.25F, 1e-6F);
+    // Both values by themselves, and what the user did as one.
+    EXPECT_EQ(
+        opcodes,
+        (std::vector<uint32_t>{HostOpcodeParamEvent, HostOpcodeParamEvent, HostOpcodeDirtyState}));
+    EXPECT_TRUE(LogicOf(*plugin).StepBack());
+    EXPECT_EQ(Get(*plugin), before);
+    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 3U);
+
+    // The editor was told once, since it hasn't looked yet.
+    EXPECT_EQ(editor.stateChanges, 1);
+    EXPECT_TRUE(plugin->TakeStateChange());
+    EXPECT_FALSE(plugin->TakeStateChange());
+    EXPECT_TRUE(LogicOf(*plugin).StepForward());
+    EXPECT_EQ(editor.stateChanges, 2);
+    plugin->AttachEditor(nullptr);
+    plugin->StateChanged();
+    EXPECT_FALSE(plugin->TakeStateChange());
+}
+
+TEST_F(PluginHistoryTest, TheListReturnsWithTheSession)
+{
+    auto first = Make();
+    TestEditor editor;
+    first->AttachEditor(&editor);
+    Change(*first, 0.25F);
+    ASSERT_TRUE(LogicOf(*first).StoreSlot(2));
+    // A change without a snapshot: what counts for the file is the state that the host saves last.
+    first->SetAutomatableParam(Side::UI, {Sensitivity, 0.123F});
+    Util::Bytes chunk(first->GetStateSize());
+    ASSERT_TRUE(first->GetChunk(chunk));
+    first->Terminate();
+    first.reset();
+    EXPECT_TRUE(std::filesystem::exists(FileNamed("Norvane/LM6Pfgd/QoLM6Pfgd.hst")));
+
+    auto second = Make();
+    ASSERT_TRUE(second->SetChunk(chunk, 1, DSP::SourceHost));
+    second->AttachEditor(&editor);
+    EXPECT_EQ(LogicOf(*second).GetModel().snapshots.size(), 2U);
+    EXPECT_TRUE(LogicOf(*second).RecallSlot(2));
+    EXPECT_NEAR(Get(*second), 0.25F, 1e-6F);
+    second->AttachEditor(nullptr);
+}
+
+TEST_F(PluginHistoryTest, AnInstanceThatIsDestroyedAtOnceKeepsItsList)
+{
+    const std::string folder = FileNamed("Norvane/LM6Pfgd");
+    auto plugin = Make();
+    Change(*plugin, 0.25F);
+    plugin.reset(); // by a host that doesn't end it first
+    EXPECT_TRUE(std::filesystem::exists(folder + "/QoLM6Pfgd.hst"));
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms(0700));
+}
+
+TEST_F(PluginHistoryTest, TheDepthIsTheUsersSetting)
+{
+    auto plugin = Make();
+    const DSP::ElementParamEnum depth(*plugin->GetSet().GetGlobalElement(),
+                                      DSP::Global::Global::HistoryDepthIndex);
+    depth.SetValue(2, Side::UI, DSP::SourceController);
+    for (int i = 0; i < 120; ++i) {
+        Change(*plugin, 0.5F);
+    }
+    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 121U);
+    depth.SetValue(0, Side::UI, DSP::SourceController);
+    Change(*plugin, 0.5F);
+    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 50U);
+}
+
+TEST_F(PluginHistoryTest, ARendererOfFilesLeavesNone)
+{
+    auto plugin = Make("Lang:en|Offline");
+    Change(*plugin, 0.25F);
+    EXPECT_TRUE(LogicOf(*plugin).StepBack());
+    HistoryModel model;
+    EXPECT_TRUE(plugin->SaveHistory(model));
+    plugin->LoadHistory(model);
+    EXPECT_EQ(model.snapshots.size(), 1U);
+    plugin->Terminate();
+    EXPECT_FALSE(std::filesystem::exists(FileNamed("")));
+}
+
+TEST_F(PluginHistoryTest, TheInstancesOwnFileIsNamedByItsSession)
+{
+    SessionFactory factory;
+    for (factory.definition.mode = 0; factory.definition.mode < 3; ++factory.definition.mode) {
+        auto plugin = Make(factory);
+        const String session = Util::FormatUuid(plugin->GetSessionUuid());
+        String path;
+        plugin->GetHistoryFilePath(path);
+        const std::string expected = factory.definition.mode == 0
+                                         ? "QoShort.hst"
+                                         : "QoShort_" + session.ToStdString() + ".hst";
+        EXPECT_EQ(path.ToStdString(), FileNamed("Test/Short/" + expected));
+        EXPECT_TRUE(std::filesystem::is_directory(FileNamed("Test/Short")));
+
+        HistoryModel model;
+        plugin->LoadHistory(model);
+        ASSERT_EQ(model.snapshots.size(), 1U);
+        EXPECT_EQ(model.snapshots[0].label, "<Initial State>");
+        model.slots[1] = 0;
+        ASSERT_TRUE(plugin->SaveHistory(model));
+        HistoryModel loaded;
+        plugin->LoadHistory(loaded);
+        EXPECT_EQ(loaded.snapshots[0].bytes, model.snapshots[0].bytes);
+        EXPECT_EQ(loaded.slots, model.slots);
+    }
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: ISC
+// How the two latencies and the dry path follow the elements and the settings.
+#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+
+using namespace RecorderRig;
+
+class PluginLatencyTest : public RecorderTest {
+protected:
+    /// Where an impulse at the begin of `length` samples comes out of the dry path.
+    std::ptrdiff_t FindDryDelay(std::size_t length)
+    {
+        Set(Bypass, 1.0F);
+        std::vector<float> samples = Impulse(length);
+        Process(samples);
+        return PeakOf(samples);
+    }
+};
+
+TEST_F(PluginLatencyTest, ReportsALatencyOnceToEachSideWhileNoAudioRuns)
+{
+    Create();
+    Set(Late, 0.5F);
+    EXPECT_EQ(calls, (std::vector<Call>{{2, 0, 50}, {2, 1, 50}}));
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
+    Set(Late, 0.5F);
+    EXPECT_EQ(calls.size(), 2U);
+}
+
+TEST_F(PluginLatencyTest, LeavesTheUISidesHalfToTheTickWhileAudioRuns)
+{
+    Create();
+    std::vector<float> samples(64);
+    Process(samples);
+    EXPECT_TRUE(plugin->IsProcessing());
+    Set(Late, 0.25F, Side::Process);
+    EXPECT_EQ(calls, (std::vector<Call>{{2, 0, 25}}));
+    // From the other side: the command waits for the next block, and that tells the process side.
+    Set(Late, 0.75F);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 25U);
+    Process(samples);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 75U);
+    plugin->SetProcessingState(Side::UI, false, false);
+    EXPECT_FALSE(plugin->IsProcessing());
+}
+
+TEST_F(PluginLatencyTest, AddsTheHostsOwnDelayToTheUIFigureOnly)
+{
+    PluginSetup setup;
+    setup.sampleRate = 48000.0F;
+    setup.hostCallback = [](uint32_t, uint32_t opcode, uint32_t, void*, void* data) -> uint32_t {
+        if (opcode == HostOpcodeGetHostDelay) {
+            *static_cast<uint32_t*>(data) = 7;
+            return PluginCoreSuccess;
+        }
+        return PluginCoreUnsupported;
+    };
+    const Plugin withDelay(factory, setup);
+    EXPECT_EQ(withDelay.GetLatency(Side::Process), 0U);
+    EXPECT_EQ(withDelay.GetLatency(Side::UI), 7U);
+}
+
+TEST_F(PluginLatencyTest, BypassDelaysTheInputByTheReportedLatency)
+{
+    Recorder& recorder = Create();
+    Set(Late, 0.4F);
+    for (const bool bypassed : {false, true}) {
+        Set(Bypass, bypassed ? 1.0F : 0.0F);
+        plugin->onSettle();
+        std::vector<float> samples = Impulse(200);
+        Process(samples);
+        EXPECT_EQ(PeakOf(samples), 40) << bypassed;
+    }
+    // While bypassed the element doesn't run, and it starts from its reset state afterwards.
+    const std::size_t before = recorder.chunks.size();
+    const uint32_t resets = recorder.resets;
+    std::vector<float> samples(100, 1.0F);
+    Process(samples);
+    EXPECT_EQ(recorder.chunks.size(), before);
+    Set(Bypass, 0.0F);
+    Process(samples);
+    EXPECT_EQ(recorder.chunks.size(), before + 1);
+    EXPECT_EQ(resets, recorder.resets); // it had heard nothing since: no second reset
+    EXPECT_EQ(samples[39], 0.0F);       // one latency of silence
+}
+
+TEST_F(PluginLatencyTest, FrozenDelayIsToldAndDelaysTheDryPathWhateverTheSum)
+{
+    settings.WriteInt("FrozenSystemDelay", 512); // above the elements' longest
+    Create();
+    Set(Late, 1.0F);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 512U);
+    EXPECT_EQ(FindDryDelay(1000), 512);
+}
+
+TEST_F(PluginLatencyTest, WithoutCompensationTheHostIsToldZero)
+{
+    settings.WriteBool("DelayCompensationEnable", false);
+    settings.WriteInt("FrozenSystemDelay", 5);
+    Create();
+    Set(Late, 1.0F);
+    EXPECT_TRUE(calls.empty());
+    EXPECT_EQ(plugin->GetLatency(Side::UI), 0U);
+    EXPECT_EQ(FindDryDelay(10), 0);
+}
+
+TEST_F(PluginLatencyTest, TakesADelayFromTheSettingsOnlyWhenItCanBeAndIsOnline)
+{
+    settings.WriteInt("FrozenSystemDelay", -3);
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
+    settings.WriteInt("FrozenSystemDelay", 2'000'000'000); // gigabytes of dry lines
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
+    settings.WriteInt("FrozenSystemDelay", 7);
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 7U);
+    options = "Lang:de|Offline";
+    EXPECT_EQ((Create(), plugin->GetLatency(Side::UI)), 0U);
+}

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: ISC
+// The instance with a signal path made for the test: how blocks are cut, when the format changes,
+// and what the host is told.
+#include "frameworks/plugincore/dispatch/Entry.h"
+#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+
+#include <future>
+#include <limits>
+#include <thread>
+
+using namespace RecorderRig;
+using PluginTest = RecorderTest;
+
+TEST_F(PluginTest, CutsALongBlockAndAdvancesThePosition)
+{
+    Recorder& recorder = Create();
+    TransportRecord transport{};
+    transport.position = 999.6;
+    transport.isPositionValid = 1;
+    std::vector<float> samples(20000);
+    Process(samples, &transport);
+    EXPECT_EQ(recorder.chunks, (std::vector<uint32_t>{8192, 8192, 3616}));
+    EXPECT_EQ(recorder.positions, (std::vector<std::optional<int64_t>>{1000, 9192, 17384}));
+    EXPECT_EQ(recorder.processPositions, (std::vector<uint64_t>{0, 8192, 16384}));
+    EXPECT_EQ(transport.position, 999.6); // the caller's record stays
+    EXPECT_FALSE(recorder.wasOnUIThread);
+    EXPECT_TRUE(plugin->IsUIThread());
+
+    Process(samples); // without a transport there is no position
+    EXPECT_EQ(recorder.positions.back(), std::nullopt);
+    plugin->onSettle();
+    Process(samples);
+    EXPECT_EQ(recorder.processPositions.back(), 16384U);
+}
+
+TEST_F(PluginTest, TakesTheLargestChunkFromTheDefinition)
+{
+    factory.definition.maxBlockFrames = 1024;
+    Recorder& recorder = Create();
+    std::vector<float> samples(2100);
+    Process(samples);
+    EXPECT_EQ(recorder.chunks, (std::vector<uint32_t>{1024, 1024, 52}));
+}
+
+TEST_F(PluginTest, ReplacesNonFiniteSamplesBeforeAnyElementSeesThem)
+{
+    Create();
+    std::vector<float> samples{1.0F,
+                               std::numeric_limits<float>::quiet_NaN(),
+                               std::numeric_limits<float>::infinity(),
+                               -std::numeric_limits<float>::infinity(),
+                               1e30F,
+                               -2.0F};
+    Process(samples);
+    EXPECT_EQ(samples, (std::vector<float>{1.0F, 0.0F, 0.0F, 0.0F, 0.0F, -2.0F}));
+}
+
+TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
+{
+    Recorder& recorder = Create();
+    Set(Late, 0.5F);
+    std::vector<float> samples(300, 1.0F);
+    Process(samples);
+    plugin->SetStreamFormat(48000.0F, 1);
+    EXPECT_EQ(&factory.transform->GetRecorder(), &recorder);
+    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
+    Set(Bypass, 1.0F);
+    samples.assign(300, 0.0F);
+    Process(samples); // nothing of the former audio is left in the dry lines
+    EXPECT_EQ(samples, std::vector<float>(300, 0.0F));
+
+    const uint32_t resets = recorder.resets;
+    plugin->SetStreamFormat(48000.0F, 1); // the same
+    plugin->SetStreamFormat(0.0F, 1);
+    plugin->SetStreamFormat(std::numeric_limits<float>::quiet_NaN(), 1);
+    plugin->SetStreamFormat(96000.0F, 35);
+    EXPECT_EQ(recorder.resets, resets);
+    EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
+}
+
+// The host answers a new latency by a new layout while the block of the old one, or the parameter's
+// own callback, is still on the stack.
+TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
+{
+    Recorder& recorder = Create();
+    onLatencyChanged = [this] { plugin->SetStreamFormat(48000.0F, 1); };
+    std::vector<float> samples(64);
+    Process(samples);
+    Set(Late, 0.5F); // waits in the ring
+    Process(samples);
+    EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    plugin->SetProcessingState(Side::UI, false, false);
+    Set(Late, 0.25F); // runs at once
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    onLatencyChanged = nullptr;
+    plugin->SetStreamFormat(48000.0F, 1);
+    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+}
+
+TEST_F(PluginTest, ACallFromWithinTheSignalPathDoesNotWaitForTheUISide)
+{
+    Recorder& recorder = Create();
+    std::promise<void> held;
+    std::promise<void> done;
+    std::thread other([&] {
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        held.set_value();
+        done.get_future().wait();
+    });
+    held.get_future().wait();
+    onLatencyChanged = [this] {
+        StreamFormatRecord record{96000.0F, 1};
+        for (const uint32_t selector : {SelectorSetStreamFormat, SelectorTerminate}) {
+            DispatchEntryCall(factory, PLUGIN_CORE_MAGIC, selector, 0, plugin.get(), &record);
+        }
+    };
+    Set(Late, 0.5F, Side::Process); // ends by the test's time limit when the call waits
+    done.set_value();
+    other.join();
+    EXPECT_FALSE(calls.empty());
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+}
+
+TEST_F(PluginTest, StaysAsItWasWhenANewFormatFails)
+{
+    Recorder& recorder = Create();
+    for (bool Recorder::*refusal : {&Recorder::refusesStereo, &Recorder::refusesStereoLate}) {
+        recorder.*refusal = true;
+        EXPECT_THROW(plugin->SetStreamFormat(96000.0F, 1), std::bad_alloc);
+        EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
+        EXPECT_EQ(recorder.GetChannelCount(), 1U);
+        std::vector<float> samples = Impulse(10);
+        Process(samples);
+        EXPECT_EQ(PeakOf(samples), 0);
+        recorder.*refusal = false;
+    }
+    plugin->SetStreamFormat(96000.0F, 1); // the same request again is heard
+    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+}
+
+TEST_F(PluginTest, FallsBackWhenItIsCreatedForAFormatThatCannotBe)
+{
+    Recorder& recorder = Create(-1.0F, 35);
+    EXPECT_EQ(recorder.GetSampleRate(), 44100.0F);
+    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+}
+
+TEST_F(PluginTest, HostSetsAreNotEchoedOthersAre)
+{
+    Recorder& recorder = Create();
+    Set(Late, 0.5F);
+    calls.clear();
+    recorder.SetFloatValue(0, 25.0F, Side::UI, DSP::SourceController);
+    ASSERT_GE(calls.size(), 2U);
+    EXPECT_EQ(calls[calls.size() - 2], (Call{1, 1, 1})); // kind 1: value changed
+    EXPECT_EQ(calls.back(), (Call{16, 1, 0}));           // and with it the state
+    calls.clear();
+    Set(Late, 0.5F);
+    for (const Call& call : calls) {
+        EXPECT_EQ(call.opcode, static_cast<uint32_t>(HostOpcodeLatencyChanged));
+    }
+}
+
+// The process side has moved on to 0.2; setting the UI side's stale 0.5 again must not be lost.
+TEST_F(PluginTest, SettingAnEqualButStaleValueStillArrives)
+{
+    Create();
+    Set(Late, 0.5F);
+    Set(Late, 0.2F, Side::Process);
+    Set(Late, 0.5F);
+    ParamValueRecord record{Late, 0.0F};
+    plugin->GetAutomatableParam(Side::Process, record);
+    EXPECT_EQ(record.value, 0.5F);
+}
+
+TEST_F(PluginTest, KnowsWhoMayChangeTheSignalPath)
+{
+    Create();
+    EXPECT_TRUE(plugin->MayChangeDSP()); // nothing runs
+    std::thread audio([&] {
+        std::vector<float> samples(10);
+        Process(samples);
+        EXPECT_TRUE(plugin->MayChangeDSP()); // the last to process
+    });
+    audio.join();
+    EXPECT_FALSE(plugin->MayChangeDSP());
+    EXPECT_TRUE(plugin->RecentlyProcessed());
+    plugin->SetProcessingState(Side::UI, false, false);
+    EXPECT_TRUE(plugin->MayChangeDSP());
+}

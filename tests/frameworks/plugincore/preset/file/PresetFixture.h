@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/path/DSPSet.h"
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/plugincore/preset/file/LmPresetFile.h"
+#include "frameworks/plugincore/preset/file/PresetDSPSetInterface.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestElementHost.h"
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace PresetTests {
+
+/// One parameter of each type that presets hold, one that they don't, and bytes.
+class TestElement final : public DSP::ElementDispatcher {
+public:
+    Util::Bytes extraBytes;
+
+    explicit TestElement(DSP::ElementHost& owner)
+        : ElementDispatcher({owner, "Puffguard", 48000.0F, 1})
+    {
+        DSP::ParamRegistration<float> amount;
+        amount.name = "Amount";
+        amount.range = {0.0F, 10.0F};
+        amount.defaultValue = 5.0F;
+        amount.target = &amountValue;
+        amount.info.units = "dB";
+        RegisterFloatParam(0, amount);
+        DSP::EnumRegistration mode;
+        mode.name = "Mode";
+        mode.range = {1, 3};
+        mode.defaultValue = 2;
+        mode.target = &modeValue;
+        RegisterEnumParam(1, mode);
+        DSP::ParamRegistration<bool> isOn;
+        isOn.name = "On";
+        isOn.target = &isOnValue;
+        RegisterBoolParam(2, isOn);
+        DSP::ParamRegistration<float> taste;
+        taste.name = "Taste";
+        taste.range = {0.0F, 1.0F};
+        taste.target = &tasteValue;
+        taste.info.persistence = DSP::Persistence::Persistent;
+        RegisterFloatParam(3, taste);
+        FinaliseParams();
+    }
+
+    bool HasExtraBytes() const override { return true; }
+    uint32_t GetExtraBytesCount() const override
+    {
+        return static_cast<uint32_t>(extraBytes.size());
+    }
+    void WriteExtraBytes(std::span<uint8_t> bytes) const override
+    {
+        std::copy(extraBytes.begin(), extraBytes.end(), bytes.begin());
+    }
+    void ReadExtraBytes(std::span<const uint8_t> bytes) override
+    {
+        extraBytes.assign(bytes.begin(), bytes.end());
+    }
+    void ClearExtraBytes() override { extraBytes.clear(); }
+
+private:
+    float amountValue = 0.0F;
+    uint32_t modeValue = 0;
+    bool isOnValue = false;
+    float tasteValue = 0.0F;
+};
+
+/// Under another spelling than the element's own, and beside one that has nothing for presets.
+class TestSet final : public DSP::DSPSetImpl {
+public:
+    explicit TestSet(DSP::ElementHost& owner)
+        : DSPSetImpl(owner)
+    {
+        BuildElements(48000.0F, 1);
+    }
+
+    void BuildElements(float rateHz, uint32_t layout) override
+    {
+        AddElement("Global", rateHz, layout, [&] {
+            return std::make_shared<DSP::ElementDispatcher>(
+                DSP::ElementImpl::Setup{GetHost(), "Global", rateHz, layout});
+        });
+        AddElement("PuffGuard", rateHz, layout, [&] {
+            auto element = std::make_shared<TestElement>(GetHost());
+            main = element.get();
+            return element;
+        });
+    }
+
+    TestElement* main = nullptr;
+};
+
+/// A set, its interface and a folder; floats by name on the UI side.
+struct Fixture {
+    Support::TemporaryFolder folder;
+    Support::TestElementHost host;
+    TestSet set{host};
+    Preset::PresetDSPSetInterface dsp{set};
+    Preset::ProgramIdentity identity{"LM6Pfgd", 1, 6000, 1210};
+
+    TestElement& Element() { return *set.main; }
+    float Amount() { return Element().GetFloatValue(0, DSP::Context::UI); }
+    void SetAmount(float value)
+    {
+        Element().SetFloatValue(0, value, DSP::Context::UI, DSP::SourceHost);
+    }
+    std::string Write(const std::string& name, const std::string& text) const
+    {
+        const std::string path = folder / name;
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+    static std::string Read(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+/// `text` with the first `from` replaced.
+inline std::string Replaced(std::string text, const std::string& from, const std::string& to)
+{
+    return text.replace(text.find(from), from.size(), to);
+}
+
+/// As the writer makes it of a set at its defaults.
+inline const std::string DefaultFile =
+    R"(<?xml version="1.0" standalone="yes"?>
+<LM6Pfgd PresetVer="1" PluginVer="6000" PluginBuild="1210">
+    <Global Enabled="1" />
+    <Puffguard Enabled="1">
+        <Param ElementID="Puffguard" ParamID="Amount" Value="5" />
+        <Param ElementID="Puffguard" ParamID="Mode" Value="2" />
+        <Param ElementID="Puffguard" ParamID="On" Value="0" />
+    </Puffguard>
+</LM6Pfgd>
+)";
+
+} // namespace PresetTests

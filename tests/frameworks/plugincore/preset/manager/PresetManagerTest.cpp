@@ -1,0 +1,398 @@
+// SPDX-License-Identifier: ISC
+// What the preset dialog does: folders, list, names, applying, removing, importing.
+#include "frameworks/plugincore/preset/manager/PresetManager.h"
+#include "tests/frameworks/plugincore/preset/file/PresetFixture.h"
+
+#include <filesystem>
+
+using namespace Preset;
+using namespace PresetTests;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Manager : testing::Test, Fixture {
+    Support::UserFolders user; // before the settings
+    Util::ConfigFile settings{"SOFTWARE/Test/Presets"};
+    PresetMetadata metadata;
+    std::vector<std::string> loaded;
+    bool keepsSettings = true;
+    std::unique_ptr<PresetManager> manager = Make();
+
+    std::unique_ptr<PresetManager> Make()
+    {
+        return std::make_unique<PresetManager>(
+            PresetManager::Setup{identity,
+                                 folder / "user",
+                                 folder / "factory",
+                                 settings,
+                                 keepsSettings,
+                                 dsp,
+                                 metadata,
+                                 [this](const String& name) { loaded.push_back(name.c_str()); }});
+    }
+    // A file in one of the two folders; "Amount" is 9 in it.
+    std::string
+    Put(const std::string& name, const std::string& from = "", const std::string& to = "")
+    {
+        fs::create_directories((folder / name).substr(0, (folder / name).rfind('/')));
+        return Write(name,
+                     Replaced(Replaced(DefaultFile, "Amount\" Value=\"5\"", "Amount\" Value=\"9\""),
+                              from,
+                              to));
+    }
+    std::string Names()
+    {
+        manager->Refresh();
+        std::string result;
+        for (const PresetEntry& entry : manager->GetEntries()) {
+            result += entry.name.ToStdString() + (entry.fault.IsEmpty() ? "|" : "!|");
+        }
+        return result;
+    }
+    PresetEntry Find(const std::string& name)
+    {
+        manager->Refresh();
+        const auto entry = manager->Find(name);
+        EXPECT_TRUE(entry) << name;
+        return entry.value_or(PresetEntry());
+    }
+};
+
+std::string Text(const Util::Expected<void>& result)
+{
+    return result ? "" : result.GetDescription().ToStdString();
+}
+
+std::string Text(const Util::Expected<String>& result)
+{
+    return result ? "" : result.GetDescription().ToStdString();
+}
+
+constexpr const char* Newer = "Preset was created in a newer, incompatible version";
+constexpr const char* Earlier = "Preset was created in an earlier, incompatible version";
+constexpr const char* Invalid = "Error: invalid preset, please select another.";
+
+} // namespace
+
+TEST_F(Manager, ListsWhatIsThereAndWhatIsWrongWithIt)
+{
+    EXPECT_EQ(Names(), "Factory settings|");
+    EXPECT_FALSE(fs::exists(folder / "user")); // looking makes no folder
+    manager->Open();
+    Put("factory/Strong.xml",
+        "PluginBuild",
+        "ReadOnly=\"1\" Comments=\"Lots &amp; lots\" PluginBuild");
+    Put("user/beta.xml");
+    Put("user/Alpha.XML");
+    Put("user/gamma.xml", "</Puffguard>", "<cut"); // its head is whole
+    Put("user/no preset.txt");
+    Put("user/far.xml", "PluginVer=\"6000\"", "PluginVer=\"7000\"");
+    Put("user/old.xml", "PresetVer=\"1\"", "PresetVer=\"0\"");
+    Put("user/other.xml", "<LM6Pfgd", "<LM6Other");
+    Put("user/bad.xml", "PresetVer=\"1\"", "PresetVer=1");
+    Put("user/long.xml",
+        "PluginBuild",
+        "Comments=\"" + std::string(10'000, 'c') + " > ' <\" PluginBuild");
+    fs::create_directory(folder / "user/folder.xml");
+    fs::create_symlink(folder / "nowhere", folder / "user/gone.xml");
+    EXPECT_EQ(Names(),
+              "Factory settings|Settings before you opened the preset manager|Strong|"
+              "Alpha|bad!|beta|far!|gamma|long|old!|other!|");
+    EXPECT_EQ(Find("bad").fault, Invalid);
+    EXPECT_EQ(Find("far").fault, Newer);
+    EXPECT_EQ(Find("old").fault, Earlier);
+    EXPECT_EQ(Find("other").fault, Invalid);
+    EXPECT_EQ(Find("Strong").GetComment(), "Lots & lots");
+    EXPECT_EQ(Find("long").GetComment().Length(), 10'006U);
+}
+
+TEST_F(Manager, FindsAName)
+{
+    Put("factory/Strong.xml");
+    Put("factory/Soft.xml");
+    Put("user/strong.xml");
+    Put("user/Soft.xml");
+    EXPECT_EQ(Find("Strong").group, PresetGroup::Factory);
+    EXPECT_EQ(Find("Soft").group, PresetGroup::User);
+    EXPECT_EQ(Find("Strong").note, "");
+    std::string notes;
+    for (const PresetEntry& entry : manager->GetEntries()) {
+        notes += entry.note.ToStdString() + "|";
+    }
+    EXPECT_EQ(notes, "|Hidden by your preset of the same name.||||"); // the factory's "Soft"
+    EXPECT_EQ(Find("STRONG").group, PresetGroup::User);
+    EXPECT_EQ(Find("factory settings").group, PresetGroup::BuiltIn);
+    EXPECT_FALSE(manager->Find("Stron"));
+    EXPECT_FALSE(manager->Find(""));
+}
+
+TEST_F(Manager, TakesAFolderThatCanBeOne)
+{
+    const std::string usual = folder / "user/";
+    EXPECT_EQ(manager->GetFolder().Get(), usual);
+    manager->GetFolder().Set(folder / "mine/deep");
+    EXPECT_EQ(manager->GetFolder().Get(), folder / "mine/deep/"); // ends in a separator
+    EXPECT_EQ(settings.ReadString("PresetFolder", ""), folder / "mine/deep");
+    ASSERT_TRUE(manager->Save("one", "", Existing::Replace));
+    EXPECT_TRUE(fs::exists(folder / "mine/deep/one.xml"));
+
+    manager->GetFolder().Set("");
+    EXPECT_EQ(manager->GetFolder().Get(), usual);
+}
+
+// Where the chosen folder can't be, what is saved and imported is listed and found again.
+TEST_F(Manager, KeepsToOneFolder)
+{
+    const std::string source = Put("from/came.xml");
+    Write("file", "in the way");
+    const std::string unusable[] = {folder / "file",
+                                    folder / "file/below/deep",
+                                    "/proc/self/nothing can be made here",
+                                    folder / std::string(300, 'n')};
+    std::string names = "Factory settings|";
+    for (const std::string& chosen : unusable) {
+        manager->GetFolder().Set(chosen);
+        EXPECT_EQ(manager->GetFolder().Get(), folder / "user/") << chosen;
+        fs::remove_all(folder / "user");
+        EXPECT_EQ(Names(), "Factory settings|");
+        EXPECT_EQ(Text(manager->Save("saved", "", Existing::Keep)), "");
+        EXPECT_EQ(Text(manager->Import(source)), "");
+        EXPECT_EQ(Text(manager->Import(source)), "");
+        EXPECT_EQ(Names(), "Factory settings|came|came 2|saved|") << chosen;
+        EXPECT_TRUE(fs::exists(folder / "user/came 2.xml"));
+    }
+}
+
+TEST_F(Manager, TellsOfAFolderThatCannotBeListed)
+{
+    Write("user", "a file in the way");
+    const PresetEntry row = Find(folder / "user/");
+    EXPECT_EQ(row.fault.ToStdString(),
+              "The folder " + folder / "user/" + " cannot be read. (Not a directory)");
+    EXPECT_FALSE(manager->Apply(row));
+    EXPECT_FALSE(manager->Save("one", "", Existing::Replace));
+    fs::remove(folder / "user");
+    EXPECT_EQ(Names(), "Factory settings|");
+}
+
+TEST_F(Manager, ReplacesOnlyWhenTold)
+{
+    const std::string path = Put("user/Mine.xml");
+    const std::string before = Read(path);
+    EXPECT_EQ(Text(manager->Save("Mine", "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Text(manager->Save("MINE", "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Text(manager->SaveFile(path, "", Existing::Keep)),
+              "The preset " + path + " exists already.");
+    EXPECT_EQ(Read(path), before);
+    EXPECT_TRUE(metadata.GetType().IsEmpty());
+    const auto saved = manager->Save("MINE", "", Existing::Replace);
+    ASSERT_TRUE(saved) << Text(saved);
+    EXPECT_EQ(*saved, path); // not a second file beside it
+    EXPECT_NE(Read(path), before);
+    EXPECT_EQ(Names(), "Factory settings|Mine|");
+    // What no list shows is as much in the way.
+    fs::create_symlink(folder / "nowhere", folder / "user/link.xml");
+    EXPECT_EQ(Text(manager->Save("link", "", Existing::Keep)),
+              "The preset " + (folder / "user/link.xml") + " exists already.");
+    fs::create_directory(folder / "user/New Preset.xml");
+    const auto unnamed = manager->Save("", "", Existing::Replace);
+    ASSERT_TRUE(unnamed) << Text(unnamed);
+    EXPECT_EQ(*unnamed, folder / "user/New Preset 2.xml");
+}
+
+TEST_F(Manager, NamesAndComments)
+{
+    Put("user/New Preset.xml");
+    Put("user/Voice.xml");
+    Put("user/Voice 2.xml");
+    Put("factory/Only here.xml");
+    manager->Refresh();
+    EXPECT_EQ(manager->MakeFreeName(""), "New Preset 2");
+    EXPECT_EQ(manager->MakeFreeName("VOICE"), "VOICE 3");
+    EXPECT_EQ(manager->MakeFreeName("Only here"), "Only here");
+    EXPECT_EQ(manager->MakeFreeName("factory SETTINGS"), "factory SETTINGS 2");
+    std::vector<std::string> refused{
+        " ", "   ", ".hidden", "..", "a\nb", "\x7F", "Factory Settings", Texts::FormerSettings};
+    for (const char forbidden : std::string("/\\:*?\"<>|")) {
+        refused.push_back(std::string("a") + forbidden + "b");
+    }
+    for (const std::string& name : refused) {
+        EXPECT_FALSE(manager->Save(name, "", Existing::Replace)) << name;
+    }
+    EXPECT_FALSE(manager->Import(Put("from/.hidden.xml")));
+    EXPECT_FALSE(manager->Import(Put("from/Factory settings.xml")));
+    EXPECT_EQ(Names(), "Factory settings|Only here|New Preset|Voice|Voice 2|");
+    EXPECT_TRUE(CheckName("50 % %1 & 'more'.xml \xC3\xA4"));
+
+    const char* prompt = "[Click here to enter a comment]";
+    EXPECT_EQ(PresetManager::GetShownComment(""), prompt);
+    ASSERT_TRUE(manager->Save("shown", prompt, Existing::Replace));
+    EXPECT_EQ(Read(folder / "user/shown.xml").find("Comments"), std::string::npos);
+    ASSERT_TRUE(manager->Save("said", "%1 said", Existing::Replace));
+    EXPECT_EQ(Find("said").GetComment(), "%1 said");
+    EXPECT_EQ(metadata.GetComment(), "%1 said");
+}
+
+TEST_F(Manager, AppliesAPresetAndRemembersIt)
+{
+    EXPECT_EQ(manager->GetLastActive(), "Default");
+    Put("user/nine.xml");
+    host.gestures.clear();
+    ASSERT_EQ(Text(manager->Apply(Find("nine"))), "");
+    EXPECT_EQ(Amount(), 9.0F);
+    EXPECT_EQ(manager->GetLastActive(), "nine");
+    EXPECT_EQ(loaded, std::vector<std::string>{"nine"});
+    EXPECT_EQ(metadata.GetType(), "LM6Pfgd");
+
+    SetAmount(2.0F);
+    manager->Open();
+    ASSERT_TRUE(manager->Apply(Find("nine")));
+    ASSERT_TRUE(manager->Apply(Find("Settings before you opened the preset manager")));
+    EXPECT_EQ(Amount(), 2.0F);
+    ASSERT_TRUE(manager->Apply(Find("Factory settings")));
+    EXPECT_EQ(Amount(), 5.0F);
+
+    keepsSettings = false;
+    manager = Make();
+    ASSERT_TRUE(manager->Apply(Find("nine")));
+    EXPECT_EQ(manager->GetLastActive(), "Factory settings");
+}
+
+// The value that audio has moved to since is what an application is measured against.
+TEST_F(Manager, SetsAValueThatIsStaleHere)
+{
+    const std::string path = Put("user/nine.xml");
+    SetAmount(9.0F);
+    Element().SetFloatValue(0, 1.0F, DSP::Context::Process, {});
+    ASSERT_TRUE(manager->ApplyFile(path));
+    EXPECT_EQ(Element().GetFloatValue(0, DSP::Context::Process), 9.0F);
+}
+
+TEST_F(Manager, SaysWhyAPresetCannotBeApplied)
+{
+    Put("user/far.xml", "PluginVer=\"6000\"", "PluginVer=\"7000\"");
+    Put("user/old.xml", "PresetVer=\"1\"", "PresetVer=\"0\"");
+    Put("user/cut.xml", "</Puffguard>", "");
+    Put("user/gone.xml");
+    Put("user/next.xml");
+    SetAmount(3.0F);
+    const PresetEntry gone = Find("gone");
+    fs::remove(gone.path.c_str());
+    EXPECT_EQ(Text(manager->Apply(gone)), Invalid);
+    EXPECT_EQ(manager->Apply(gone).GetError().GetDetail(),
+              "Could not open file: No such file or directory");
+    EXPECT_EQ(manager->Apply(Find("far")).GetError().GetDetail(), "written by 7.0, this is 6.0");
+    EXPECT_EQ(manager->Apply(Find("old")).GetError().GetDetail(),
+              "its parameters are of version 0, these of 1");
+    EXPECT_EQ(Text(manager->Apply(Find("far"))), Newer);
+    EXPECT_EQ(Text(manager->Apply(Find("old"))), Earlier);
+    EXPECT_EQ(Text(manager->Apply(Find("cut"))), Invalid);
+    EXPECT_EQ(Amount(), 3.0F);
+    EXPECT_TRUE(loaded.empty());
+    EXPECT_EQ(manager->GetLastActive(), "Default");
+    ASSERT_TRUE(manager->Apply(Find("next")));
+    EXPECT_EQ(Amount(), 9.0F);
+}
+
+TEST_F(Manager, KeepsReadOnlyPresets)
+{
+    const std::string path = Put("user/kept.xml", "PluginBuild", "ReadOnly=\"1\" PluginBuild");
+    const std::string before = Read(path);
+    EXPECT_FALSE(manager->Save("kept", "", Existing::Replace));
+    EXPECT_FALSE(manager->SaveFile(path, "", Existing::Replace));
+    EXPECT_FALSE(manager->Remove(Find("kept")));
+    EXPECT_FALSE(manager->Remove(Find("Factory settings")));
+    EXPECT_EQ(Read(path), before);
+
+    Put("user/%1.xml");
+    const PresetEntry entry = Find("%1");
+    EXPECT_EQ(Texts::RemoveQuestion(entry.name), "Are you sure you want to remove '%1'?");
+    ASSERT_TRUE(manager->Remove(entry));
+    EXPECT_FALSE(manager->Find("%1"));
+    EXPECT_EQ(Text(manager->Remove(entry)), "Error removing preset %1: No such file or directory");
+}
+
+TEST_F(Manager, SaysWhyAFileCannotBeImported)
+{
+    const std::string at = folder / "from/";
+    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+        {"cut.xml", "</Puffguard>", "", "The file " + at + "cut.xml is not a valid preset file."},
+        {"value.xml",
+         "</LM6Pfgd>",
+         "<Sliders><Slider/></Sliders></LM6Pfgd>",
+         "The file " + at + "value.xml is not a valid preset file."},
+        {"lack.xml",
+         "PresetVer=\"1\"",
+         "",
+         "The file " + at + "lack.xml is not a valid preset file."},
+        {"far.xml", "PluginVer=\"6000\"", "PluginVer=\"7000\"", Newer},
+        {"old.xml", "PluginVer=\"6000\"", "PluginVer=\"2000\"", Earlier},
+    };
+    for (const auto& [name, from, to, message] : cases) {
+        EXPECT_EQ(Text(manager->Import(Put("from/" + name, from, to))), message);
+    }
+    std::string other = Replaced(Replaced(DefaultFile, "<LM6Pfgd", "<%1"), "</LM6Pfgd", "</%1");
+    other = Replaced(Replaced(other, "<%1", "<LMOther"), "</%1", "</LMOther");
+    EXPECT_EQ(Text(manager->Import(Write("from/other %2.xml", other))),
+              "The file \"" + at +
+                  "other %2.xml\" is a preset for LMOther, and cannot be used in this plugin.");
+    EXPECT_EQ(Text(manager->Import(Write("from/page.xml", "<?xml version='1.0'?><html/>"))),
+              "The file " + at + "page.xml is not a preset for this plug-in.");
+    EXPECT_EQ(Text(manager->Import(at + "missing.xml")),
+              "The file " + at + "missing.xml cannot be read.");
+
+    Write("user", "a file where the folder should be");
+    EXPECT_EQ(Text(manager->Import(Put("from/good.xml"))),
+              "The file " + (folder / "user/good.xml") + " cannot be written.");
+    EXPECT_EQ(Amount(), 5.0F);
+}
+
+TEST_F(Manager, ImportsUnderAFreeName)
+{
+    Put("user/Voice.xml");
+    const std::string source = Put("from/voice.xml", "Value=\"9\"", "Value=\"8\"");
+    const auto imported = manager->Import(source);
+    ASSERT_TRUE(imported) << Text(imported);
+    EXPECT_EQ(*imported, "voice 2");
+    fs::create_symlink(folder / "nowhere", folder / "user/voice 3.xml");
+    EXPECT_EQ(manager->Import(source).Value(), "voice 4");
+    EXPECT_FALSE(fs::exists(folder / "nowhere"));
+    EXPECT_EQ(Read(folder / "user/voice 2.xml"), Read(source));
+    EXPECT_TRUE(manager->Find("voice 2"));
+    EXPECT_EQ(manager->GetImportFolder(), folder / "from");
+    EXPECT_EQ(Amount(), 5.0F); // it is chosen by the user, not by its coming
+}
+
+TEST_F(Manager, RemembersWhetherItIsShownAtStartup)
+{
+    EXPECT_FALSE(manager->IsShownAtStartup());
+    manager->SetShownAtStartup(true);
+    manager = Make();
+    EXPECT_TRUE(manager->IsShownAtStartup());
+    EXPECT_TRUE(settings.ReadBool("PresetShowAtStartup", false));
+}
+
+TEST(PresetNames, AreGuessedFromWhatIsNearIt)
+{
+    const std::vector<String> names{"Gentle", "Strong", "Low voice", "Live - low latency"};
+    const std::pair<std::string, std::string> cases[] = {{"Stron", "Strong"},
+                                                         {"STORNG", "Strong"},
+                                                         {"low-voice", "Low voice"},
+                                                         {"Live/low latency", "Live - low latency"},
+                                                         {"my own Strong", ""},
+                                                         {"Mine", ""},
+                                                         {"", ""},
+                                                         {std::string(5000, 'x'), ""}};
+    for (const auto& [wanted, nearest] : cases) {
+        EXPECT_EQ(FindNearestName(wanted, names).ToStdString(), nearest) << wanted;
+    }
+    EXPECT_EQ(JoinNames(names, 45), "Gentle, Strong, Low voice, Live - low latency");
+    EXPECT_EQ(JoinNames(names, 44), "Gentle, Strong, Low voice, ...");
+    EXPECT_EQ(JoinNames(names, 29), "Gentle, Strong, ...");
+    EXPECT_EQ(JoinNames(names, 7), "...");
+    EXPECT_EQ(JoinNames({}, 7), "");
+}

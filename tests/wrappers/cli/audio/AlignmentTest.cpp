@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/audio/Alignment.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <random>
+
+namespace {
+
+using Cli::Alignment;
+using Cli::LatencyMode;
+
+/// A stand-in effect: delays each channel by `latency` and multiplies by `gain`.
+class DelayingEffect {
+public:
+    DelayingEffect(size_t channels, uint32_t latency, float newGain)
+        : gain(newGain)
+        , lines(channels, std::deque<float>(latency, 0.0F))
+    {
+    }
+
+    void operator()(float** channels, uint32_t frames)
+    {
+        for (size_t channel = 0; channel < lines.size(); ++channel) {
+            for (uint32_t i = 0; i < frames; ++i) {
+                lines[channel].push_back(channels[channel][i] * gain);
+                channels[channel][i] = lines[channel].front();
+                lines[channel].pop_front();
+            }
+        }
+    }
+
+private:
+    float gain;
+    std::vector<std::deque<float>> lines;
+};
+
+struct Result {
+    std::vector<double> input;
+    std::vector<double> output;
+
+    void Append(const Alignment::Pair& pair)
+    {
+        input.insert(input.end(), pair.input.begin(), pair.input.end());
+        output.insert(output.end(), pair.output.begin(), pair.output.end());
+    }
+};
+
+struct Case {
+    size_t channels;
+    uint32_t latency;
+    size_t frames;
+    size_t block;
+};
+
+std::vector<double> MakeSamples(size_t count)
+{
+    std::mt19937 random(3);
+    std::vector<double> samples(count);
+    // 31 significant bits: more than a float holds.
+    std::generate(samples.begin(), samples.end(), [&] {
+        return (static_cast<double>(random() >> 1U) - 1073741824.0) / 1073741824.0;
+    });
+    return samples;
+}
+
+Result RunThrough(const Case& c, LatencyMode mode, float gain, const std::vector<double>& samples)
+{
+    Alignment alignment(
+        c.channels, c.block, c.latency, mode, DelayingEffect(c.channels, c.latency, gain));
+    Result result;
+    for (size_t begin = 0; begin < samples.size(); begin += c.block * c.channels) {
+        const size_t count = std::min(c.block * c.channels, samples.size() - begin);
+        result.Append(alignment.Push(std::span(samples).subspan(begin, count)));
+    }
+    for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain())
+        result.Append(pair);
+    return result;
+}
+
+class AlignmentOfCase : public testing::TestWithParam<Case> {};
+
+TEST_P(AlignmentOfCase, GivesAnUntouchedSignalBackToTheLastBitAndInLength)
+{
+    const Case c = GetParam();
+    const auto samples = MakeSamples(c.frames * c.channels);
+    const Result result = RunThrough(c, LatencyMode::Trim, 1.0F, samples);
+    EXPECT_EQ(result.output, samples);
+    EXPECT_EQ(result.input, samples);
+}
+
+TEST_P(AlignmentOfCase, PairsEachOutputWithItsInput)
+{
+    const Case c = GetParam();
+    const auto samples = MakeSamples(c.frames * c.channels);
+    const Result result = RunThrough(c, LatencyMode::Trim, 0.5F, samples);
+    ASSERT_EQ(result.output.size(), samples.size());
+    EXPECT_EQ(result.input, samples);
+    for (size_t i = 0; i < samples.size(); ++i) {
+        // A half is exact in a float, so what the effect changed is half the float, exactly.
+        const auto asFloat = static_cast<double>(static_cast<float>(samples[i]));
+        ASSERT_EQ(result.output[i], samples[i] - asFloat / 2) << i;
+    }
+}
+
+TEST_P(AlignmentOfCase, KeepsTheRawStreamWhole)
+{
+    const Case c = GetParam();
+    const auto samples = MakeSamples(c.frames * c.channels);
+    const Result result = RunThrough(c, LatencyMode::Keep, 1.0F, samples);
+    std::vector<double> expected(c.latency * c.channels, 0.0);
+    expected.insert(expected.end(), samples.begin(), samples.end());
+    EXPECT_EQ(result.output, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes,
+                         AlignmentOfCase,
+                         testing::Values(Case{1, 0, 1000, 64},
+                                         Case{1, 1, 1000, 64},
+                                         Case{2, 100, 1000, 64},
+                                         Case{2, 64, 640, 64},
+                                         Case{3, 5000, 10, 7},
+                                         Case{1, 4096, 9999, 1},
+                                         Case{24, 300, 777, 4096}));
+
+} // namespace

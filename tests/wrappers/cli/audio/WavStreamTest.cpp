@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/audio/WavStream.h"
+
+#include "tests/wrappers/cli/support/TestFiles.h"
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileError.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace {
+
+using Cli::WavHead;
+using CliTest::Audio;
+using CliTest::TemporaryFolder;
+
+/// Reads the head of a stream that holds `bytes`.
+WavHead ReadHead(const std::string& bytes)
+{
+    const Cli::FileDescriptor file = Cli::OpenAnonymousFile();
+    EXPECT_EQ(Cli::WriteFully(file.Get(), std::string_view(bytes).substr(12)), 0);
+    ::lseek(file.Get(), 0, SEEK_SET);
+    return Cli::ReadWavHead(file.Get(), bytes.substr(0, 12));
+}
+
+// A head worked out by hand: 16-bit mono at 8000 Hz, `size` bytes of samples.
+std::string HandMadeHead(const std::string& size)
+{
+    using namespace std::string_literals;
+    return "RIFF\x2C\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0data"s +
+           size;
+}
+
+TEST(WavStreamTest, ReadsAHandMadeHead)
+{
+    using namespace std::string_literals;
+    const WavHead head = ReadHead(HandMadeHead("\x08\0\0\0"s) + "12345678");
+    EXPECT_EQ(head.dataBytes, 8);
+    const auto description = Cli::DescribeWavHead(head);
+    EXPECT_EQ(description.info.samplerate, 8000);
+    EXPECT_EQ(description.info.channels, 1);
+    EXPECT_EQ(description.info.format, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+}
+
+TEST(WavStreamTest, TakesPlaceholdersForUnknown)
+{
+    using namespace std::string_literals;
+    for (const auto& size :
+         {"\0\0\0\0"s, "\xFF\xFF\xFF\xFF"s, "\xFF\xFF\xFF\x7F"s, "\0\xF0\xFF\x7F"s})
+        EXPECT_FALSE(ReadHead(HandMadeHead(size)).dataBytes.has_value());
+}
+
+TEST(WavStreamTest, RefusesHeadsThatEndEarlyOrClaimTooMuch)
+{
+    using namespace std::string_literals;
+    const std::string whole = HandMadeHead("\x08\0\0\0"s);
+    for (size_t length = 12; length < whole.size(); ++length)
+        EXPECT_THROW(ReadHead(whole.substr(0, length)), Cli::FileError) << length;
+    EXPECT_THROW(ReadHead(whole.substr(0, 12) + "junk\xF0\xFF\xFF\xFF"s), Cli::FileError);
+}
+
+TEST(WavStreamTest, MadeHeadsArePartOfACompleteFile)
+{
+    // Truth: libsndfile's reading of head and samples put together as a file.
+    const TemporaryFolder folder;
+    for (const int container : {SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64}) {
+        for (const int subtype : {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_FLOAT}) {
+            SF_INFO info = {};
+            info.samplerate = 44100;
+            info.channels = 3;
+            info.format = container | subtype;
+            const int width = subtype == SF_FORMAT_PCM_16 ? 2 : subtype == SF_FORMAT_PCM_24 ? 3 : 4;
+            const std::string samples(static_cast<size_t>(100 * 3 * width), '\0');
+            const std::string path = folder / "made.wav";
+            CliTest::WriteBytes(path, Cli::MakeWavHead(info, {}, 100) + samples);
+            const Audio audio = CliTest::ReadAudio(path);
+            EXPECT_EQ(audio.GetFrames(), 100U);
+            EXPECT_EQ(audio.format, info.format);
+            EXPECT_EQ(audio.sampleRate, 44100);
+            EXPECT_EQ(ReadHead(Cli::MakeWavHead(info, {}, 100)).dataBytes,
+                      static_cast<int64_t>(samples.size()));
+            EXPECT_FALSE(ReadHead(Cli::MakeWavHead(info, {}, std::nullopt)).dataBytes.has_value());
+        }
+    }
+}
+
+} // namespace

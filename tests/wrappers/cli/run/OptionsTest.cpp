@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/run/Options.h"
+#include "wrappers/cli/files/FileError.h"
+
+#include <gtest/gtest.h>
+
+#include <sndfile.h>
+
+namespace {
+
+using Cli::Options;
+
+Options Parse(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "puffguard");
+    std::vector<const char*> pointers;
+    for (const std::string& word : words)
+        pointers.push_back(word.c_str());
+    return std::get<Options>(Cli::ParseOptions(static_cast<int>(words.size()), pointers.data()));
+}
+
+std::string Complaint(const std::vector<std::string>& words)
+{
+    try {
+        Parse(words);
+    } catch (const Cli::UsageError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(OptionsTest, TakesTheEndsOfEachRange)
+{
+    for (const char* value : {"0", "10"}) {
+        EXPECT_TRUE(Parse({"a.wav", "--sensitivity", value}).controls.sensitivity);
+        EXPECT_TRUE(Parse({"a.wav", "--strength", value}).controls.strength);
+    }
+    EXPECT_EQ(Parse({"a.wav", "--upper-frequency=50"}).controls.upperFrequency, 50.0);
+    EXPECT_EQ(Parse({"a.wav", "--upper-frequency=500"}).controls.upperFrequency, 500.0);
+    EXPECT_EQ(Parse({"a.wav", "--latency-scaling", "1"}).controls.latencyScaling, 1.0);
+    EXPECT_EQ(Parse({"a.wav", "--block", "65536"}).block, 65536);
+    EXPECT_FALSE(Parse({"a.wav"}).controls.strength);
+}
+
+TEST(OptionsTest, NamesTheRangeThatAValueLeaves)
+{
+    EXPECT_EQ(Complaint({"a.wav", "--sensitivity", "10.01"}),
+              "--sensitivity 10.01 is outside 0 to 10");
+    EXPECT_EQ(Complaint({"a.wav", "--strength", "-1"}), "--strength -1 is outside 0 to 10");
+    EXPECT_EQ(Complaint({"a.wav", "--upper-frequency", "49"}),
+              "--upper-frequency 49 is outside 50 to 500");
+    EXPECT_EQ(Complaint({"a.wav", "--latency-scaling", "nan"}),
+              "--latency-scaling nan is outside 0 to 1");
+    EXPECT_EQ(Complaint({"a.wav", "--strength", "5x"}), "--strength 5x is outside 0 to 10");
+    EXPECT_EQ(Complaint({"a.wav", "--block", "0"}), "--block 0 is outside 1 to 65536");
+    EXPECT_EQ(Complaint({"a.wav", "--jobs", "0"}), "--jobs 0 is outside 1 to 256");
+}
+
+TEST(OptionsTest, SuggestsWhatAMisspeltWordMayMean)
+{
+    EXPECT_EQ(Complaint({"a.wav", "--sensitvity", "3"}),
+              "unknown option --sensitvity; did you mean --sensitivity?");
+    EXPECT_EQ(Complaint({"a.wav", "--xyzzy"}), "unknown option --xyzzy");
+    EXPECT_NE(Complaint({"a.wav", "--format", "falc"}).find("did you mean flac?"),
+              std::string::npos);
+}
+
+TEST(OptionsTest, RefusesAnEmptyValueAndTakesNamesBehindTwoDashes)
+{
+    EXPECT_EQ(Complaint({"a.wav", "--sensitivity", ""}), "--sensitivity: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "-o", ""}), "--output: the value is empty");
+    EXPECT_EQ(Complaint({"--preset=", "a.wav"}), "--preset: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "--state-in=", "--json"}), "--state-in: the value is empty");
+    EXPECT_EQ(Complaint({"a.wav", "--prest="}), "unknown option --prest; did you mean --preset?");
+    const Options options = Parse({"-f", "--", "-a.wav", "--b.wav", "--preset="});
+    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--b.wav", "--preset="}));
+}
+
+TEST(OptionsTest, RefusesWhatContradictsItself)
+{
+    const std::vector<std::vector<std::string>> cases = {
+        {},
+        {""},
+        {"a.wav", "-o", "b.wav", "--in-place"},
+        {"a.wav", "-o", "b.wav", "--output-dir", "d"},
+        {"a.wav", "b.wav", "-o", "c.wav"},
+        {"-", "-"},
+        {"-", "--in-place"},
+        {"-", "a.wav"},
+        {"-", "--output-dir", "d"},
+        {"-", "-o", "-", "--json"},
+        {"a.wav", "--events", "-", "--json"},
+        {"a.wav", "--in-place", "--format", "flac"},
+        {"a.wav", "--in-place", "--difference"},
+        {"a.wav", "--quiet", "--verbose"},
+        {"a.wav", "b.wav", "--plot", "p.png"},
+        {"a.wav", "b.wav", "--labels", "l.txt"},
+        {"a.wav", "--comment", "text"},
+        {"a.wav", "--save-preset", "-"},
+        {"a.wav", "--save-preset", "b.wav"},
+        {"a.wav", "--save-preset", "d/b.FLAC"},
+        {"a.wav", "--state-out", "-", "--json"},
+        {"-", "--state-in", "-"},
+        {"a.wav", "--list-presets"},
+        {"--list-presets", "--preset", "p"},
+        {"--preset", "p"},
+        {"--state-in", "s"},
+        {"--print-params", "-o", "a.wav"},
+        {"--print-params", "--dry-run"},
+        {"--save-preset", "p.xml", "--plot", "p.png"},
+        {"a.wav", "--sensitivity"}};
+    for (const auto& words : cases)
+        EXPECT_NE(Complaint(words), "") << testing::PrintToString(words);
+    EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "{name}.png"}), "");
+    EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "folder/"}), "");
+    EXPECT_EQ(Complaint({"--list-presets", "--json"}), "");
+    EXPECT_EQ(Complaint({"--state-in", "-", "--state-out", "-"}), "");
+    EXPECT_EQ(Complaint({"--preset", "p", "--save-preset", "q", "--comment", "text"}), "");
+}
+
+TEST(OptionsTest, ReadsRawFormats)
+{
+    const Cli::RawFormat raw = Cli::ParseRawFormat("s24be,44100,2");
+    EXPECT_EQ(raw.format, SF_FORMAT_RAW | SF_FORMAT_PCM_24 | SF_ENDIAN_BIG);
+    EXPECT_EQ(raw.sampleRate, 44100);
+    EXPECT_EQ(raw.channels, 2);
+    EXPECT_EQ(Cli::ParseRawFormat("f32,8000,24").format,
+              SF_FORMAT_RAW | SF_FORMAT_FLOAT | SF_ENDIAN_LITTLE);
+    for (const char* bad : {"",
+                            "s16",
+                            "s16,48000",
+                            "s17,48000,1",
+                            "s16,7999,1",
+                            "s16,192001,1",
+                            "s16,48000,0",
+                            "s16,48000,25",
+                            "s16,48000,1,1",
+                            "s16,48k,1"})
+        EXPECT_THROW(Cli::ParseRawFormat(bad), Cli::UsageError) << bad;
+}
+
+} // namespace

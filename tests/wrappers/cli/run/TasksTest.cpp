@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/run/Tasks.h"
+
+#include "tests/wrappers/cli/support/TestFiles.h"
+#include "wrappers/cli/files/FileError.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Cli::MakeTasks;
+using Cli::Options;
+using CliTest::TemporaryFolder;
+using CliTest::WriteBytes;
+
+/// A folder with recordings, other files, and results of former runs.
+class TasksTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::filesystem::create_directories(folder / "b/c");
+        for (const char* name : {"z.wav",
+                                 "a.flac",
+                                 "notes.txt",
+                                 "a.puffguard.flac",
+                                 "b/two.WAV",
+                                 "b/c/three.ogg",
+                                 "b/noextension"})
+            WriteBytes(folder / name, "x");
+        options.isRecursive = true;
+        options.inputs = {folder.GetPath()};
+    }
+
+    std::vector<std::string> Inputs() const
+    {
+        std::vector<std::string> names;
+        for (const Cli::Task& task : MakeTasks(options))
+            names.push_back(std::filesystem::relative(task.input, folder.GetPath()).string());
+        return names;
+    }
+
+    // Why the one recording can't be done, or the run as a whole.
+    std::string Refusal() const
+    {
+        try {
+            return MakeTasks(options).front().failure;
+        } catch (const Cli::UsageError& error) {
+            return error.what();
+        }
+    }
+
+    TemporaryFolder folder;
+    Options options;
+};
+
+TEST_F(TasksTest, FindsRecordingsInAStableOrderAndNoResults)
+{
+    EXPECT_EQ(Inputs(),
+              (std::vector<std::string>{"a.flac", "b/c/three.ogg", "b/two.WAV", "z.wav"}));
+}
+
+TEST_F(TasksTest, RefusesAFolderThatWasNotAskedFor)
+{
+    options.isRecursive = false;
+    const auto tasks = MakeTasks(options);
+    ASSERT_EQ(tasks.size(), 1U);
+    EXPECT_NE(tasks[0].failure.find("--recursive"), std::string::npos);
+}
+
+TEST_F(TasksTest, KeepsTheTreeInTheOutputFolderAndSkipsThatFolder)
+{
+    options.outputDirectory = folder / "b";
+    EXPECT_EQ(Inputs(), (std::vector<std::string>{"a.flac", "z.wav"}));
+    options.outputDirectory = folder / "out";
+    EXPECT_EQ(MakeTasks(options)[1].output, folder / "out/b/c/three.ogg");
+}
+
+TEST_F(TasksTest, RefusesTheSecondOfTwoResultsWithOneName)
+{
+    options.inputs = {folder / "z.wav", folder / "b/../z.wav"};
+    const auto tasks = MakeTasks(options);
+    EXPECT_EQ(tasks[0].failure, "");
+    EXPECT_NE(tasks[1].failure.find("is already the result of"), std::string::npos);
+}
+
+TEST_F(TasksTest, RefusesARecordingAsItsOwnOutput)
+{
+    options.inputs = {folder / "z.wav"};
+    options.isSingle = true;
+    options.output = folder / "b/../z.wav";
+    EXPECT_NE(MakeTasks(options)[0].failure.find("--in-place"), std::string::npos);
+}
+
+TEST_F(TasksTest, KnowsAFileThatIsStillToComeByAnyNameOfIt)
+{
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.GetPath());
+    options.inputs = {"z.wav"};
+    options.isSingle = true;
+    const std::vector<std::string*> results = {&options.output,
+                                               &options.labels,
+                                               &options.plot,
+                                               &options.events,
+                                               &options.session.savePreset,
+                                               &options.session.stateOut};
+    for (std::string* first : results) {
+        for (std::string* second : results) {
+            if (first == second)
+                continue;
+            *first = "k.xml";
+            *second = "./k.xml";
+            EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
+            *second = folder / "k.xml";
+            EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
+            first->clear();
+            second->clear();
+        }
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST(TaskNamesTest, DefaultOutputStandsBesideTheInput)
+{
+    EXPECT_EQ(Cli::DefaultOutputName("d/talk.wav", ""), "d/talk.puffguard.wav");
+    EXPECT_EQ(Cli::DefaultOutputName("talk.a.wav", "flac"), "talk.a.puffguard.flac");
+    EXPECT_EQ(Cli::DefaultOutputName("noextension", ""), "noextension.puffguard");
+    EXPECT_EQ(Cli::DefaultOutputName("d/\xFF\n.wav", ""), "d/\xFF\n.puffguard.wav");
+}
+
+TEST(TaskNamesTest, ReportsTakeFoldersPatternsAndNames)
+{
+    EXPECT_EQ(Cli::ReportName("p.png", "talk.wav", ".png", false), "p.png");
+    EXPECT_EQ(Cli::ReportName("d", "sub/talk.wav", ".png", true), "d/sub/talk.png");
+    EXPECT_EQ(Cli::ReportName("d/{name}-x.png", "sub/talk.wav", ".png", true), "d/talk-x.png");
+    EXPECT_EQ(Cli::ReportName("d", "-", ".txt", true), "d/stdin.txt");
+}
+
+} // namespace

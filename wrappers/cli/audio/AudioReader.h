@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/audio/AudioFormat.h"
+#include "wrappers/cli/audio/DescriptorIo.h"
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/audio/Metadata.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace Cli {
+
+/// The samples of one input: a file, or standard input or another stream.
+///
+/// Streams are read as they come when they are WAV or raw; other containers need to be gone back
+/// to, so a stream of those is first put into a nameless temporary file.
+class AudioReader {
+public:
+    /// `path` "-" is standard input. `raw` is what standard input, other streams and files ending
+    /// in .raw hold when they carry no head. Throws FileError.
+    AudioReader(const std::string& path, const std::optional<RawFormat>& raw);
+
+    int GetSampleRate() const { return info.samplerate; } ///< Hz
+    int GetChannels() const { return info.channels; }
+
+    /// Complete format word of libsndfile.
+    int GetFormat() const { return info.format; }
+
+    /// Nothing when only the end will tell.
+    std::optional<int64_t> GetFrames() const { return frames; }
+
+    const Metadata& GetMetadata() const { return metadata; }
+
+    /// Fills `target` with frames of interleaved samples, full scale 1.0, and returns the number of
+    /// frames; fewer than fit only at the end. Throws FileError, also when the input ends before
+    /// its head said.
+    size_t Read(std::span<double> target);
+
+private:
+    void OpenFile();
+    void OpenStream(const std::optional<RawFormat>& raw);
+    void OpenWavStream(const std::string& firstBytes);
+    void OpenRaw(const RawFormat& raw, DescriptorIo::Access access, std::optional<int64_t> bytes);
+    void SpoolStream(const std::string& firstBytes);
+
+    FileDescriptor file;
+    std::unique_ptr<DescriptorIo> io;
+    SndFileHandle handle;
+    SF_INFO info = {};
+    std::optional<int64_t> frames;
+    int64_t framesRead = 0;
+    Metadata metadata;
+};
+
+} // namespace Cli

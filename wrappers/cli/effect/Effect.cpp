@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/effect/Effect.h"
+
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/common/Presets.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace Cli {
+
+namespace {
+
+constexpr const char* sensitivity = "PuffGuard.Sensitivity";
+constexpr const char* strength = "PuffGuard.Strength";
+constexpr const char* upperFrequency = "PuffGuard.Upper Repair Frequency";
+constexpr const char* latencyScaling = "PuffGuard.Latency Scaling";
+constexpr const char* bypass = Wrapper::BypassIdentifier;
+
+Wrapper::Preset Usable(Wrapper::Preset preset)
+{
+    if (!preset.problem.empty()) {
+        throw FileError(preset.problem);
+    }
+    return preset;
+}
+
+} // namespace
+
+Effect::Effect(std::shared_ptr<const Wrapper::Module> module,
+               int sampleRate,
+               int channels,
+               const Settings& settings)
+    : instance(MakeInstance(std::move(module), sampleRate, channels))
+    , parameters(*Granted(Wrapper::ElementParameters::Read(*instance)))
+    , detections(*instance)
+{
+    for (const char* name : {sensitivity, strength, upperFrequency, latencyScaling, bypass}) {
+        SetParam(name, parameters.GetList()[FindParam(name)].defaultValue);
+    }
+    if (!settings.state.empty() && !LoadState(settings.state)) {
+        throw ModuleError("the module refuses the settings that it gave itself");
+    }
+    Choose(settings.chosen);
+}
+
+std::unique_ptr<Wrapper::Instance>
+Effect::MakeInstance(std::shared_ptr<const Wrapper::Module> module, int sampleRate, int channels)
+{
+    // What the user has set up for live use must not shift a result.
+    const Wrapper::Setup setup = {Wrapper::Format::Program,
+                                  Wrapper::Use::Files,
+                                  static_cast<double>(sampleRate),
+                                  static_cast<uint32_t>(channels)};
+    const auto keepComplaint = [this](const std::string& text) { complaint = text; };
+    return Granted(Wrapper::Instance::Create(std::move(module), setup, listener, keepComplaint));
+}
+
+// What holds nothing was refused, and the instance has said why.
+template <typename Answer>
+Answer Effect::Granted(Answer answer) const
+{
+    if (!answer) {
+        throw ModuleError(complaint);
+    }
+    return answer;
+}
+
+uint32_t Effect::FindParam(std::string_view identifier) const
+{
+    const std::optional<uint32_t> index = parameters.Find(identifier);
+    if (!index) {
+        throw ModuleError(fmt::format("the module has no parameter \"{}\"", identifier));
+    }
+    return *index;
+}
+
+void Effect::SetParam(std::string_view identifier, std::optional<double> value)
+{
+    if (value) {
+        const uint32_t index = FindParam(identifier);
+        Granted(parameters.Set(index, parameters.GetList()[index].ToNormalised(*value)));
+    }
+}
+
+void Effect::SetAll(float normalised)
+{
+    for (uint32_t index = 0; index < parameters.GetList().size(); ++index) {
+        Granted(parameters.Set(index, normalised));
+    }
+}
+
+double Effect::ReadParam(uint32_t index) const
+{
+    return TidyValue(parameters.GetList()[index], *Granted(parameters.Get(index)));
+}
+
+void Effect::Choose(const ChosenControls& chosen)
+{
+    const auto set = [this](const char* name, std::optional<double> value) {
+        SetParam(name, value);
+        return value ? *value : ReadParam(FindParam(name));
+    };
+    controls.sensitivity = set(sensitivity, chosen.sensitivity);
+    controls.strength = set(strength, chosen.strength);
+    controls.upperFrequency = set(upperFrequency, chosen.upperFrequency);
+    controls.latencyScaling = set(latencyScaling, chosen.latencyScaling);
+    controls.bypass = set(bypass, chosen.bypass ? std::optional(1.0) : std::nullopt) >= 0.5;
+    latency = instance->GetLatency(Wrapper::Side::Process);
+}
+
+std::vector<ParameterValue> Effect::ReadParameters() const
+{
+    std::vector<ParameterValue> values;
+    for (const Wrapper::Parameter& parameter : parameters.GetList()) {
+        values.push_back({parameter, ReadParam(static_cast<uint32_t>(values.size()))});
+    }
+    return values;
+}
+
+bool Effect::LoadState(std::string_view state)
+{
+    return instance->LoadState({reinterpret_cast<const uint8_t*>(state.data()), state.size()});
+}
+
+std::string Effect::SaveState()
+{
+    const std::vector<uint8_t> state = instance->SaveState();
+    Granted(!state.empty());
+    return {state.begin(), state.end()};
+}
+
+Wrapper::Preset Effect::ApplyPreset(const std::string& name)
+{
+    return Usable(*Granted(Wrapper::Presets(*instance).Apply(name)));
+}
+
+std::string
+Effect::SavePreset(const std::string& name, const std::string& comment, Overwrite overwrite)
+{
+    using Replace = Wrapper::Presets::Replace;
+    const auto replace = overwrite == Overwrite::Allow ? Replace::Allow : Replace::Refuse;
+    return Usable(*Granted(Wrapper::Presets(*instance).Save(name, comment, replace))).path;
+}
+
+std::vector<Wrapper::Preset> Effect::ListPresets()
+{
+    return *Granted(Wrapper::Presets(*instance).List());
+}
+
+void Effect::Process(float** channels, uint32_t frames)
+{
+    if (!instance->Process({channels, channels, frames}, std::nullopt)) {
+        throw ModuleError("the module refuses to process");
+    }
+}
+
+void Effect::ReadDetections(std::vector<Wrapper::Detection>& found)
+{
+    Granted(detections.Read(found));
+}
+
+Wrapper::DetectionTotals Effect::ReadTotals() const
+{
+    return *Granted(detections.ReadTotals());
+}
+
+} // namespace Cli

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/files/OutputFile.h"
+
+#include "wrappers/cli/files/FileError.h"
+
+#include <fmt/format.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+
+namespace Cli {
+
+namespace {
+
+constexpr const char* existsText = "exists already; --force overwrites it";
+
+std::string FollowLinks(const std::string& target)
+{
+    std::error_code failure;
+    const auto resolved = std::filesystem::canonical(target, failure);
+    return failure ? target : resolved.string();
+}
+
+std::string HiddenNameBeside(const std::string& target)
+{
+    const std::filesystem::path path(target);
+    std::random_device random;
+    // The target's name isn't part of it: that could already have the greatest length.
+    const auto name = fmt::format(".puffguard-{:08x}{:08x}.tmp", random(), random());
+    return (path.parent_path() / name).string();
+}
+
+} // namespace
+
+void CheckNewFile(const std::string& target, Overwrite overwrite)
+{
+    struct stat status = {};
+    if (::lstat(target.c_str(), &status) != 0) {
+        return;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw FileError("is a directory");
+    }
+    if (overwrite == Overwrite::Refuse) {
+        throw FileError(existsText);
+    }
+    if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        throw FileError("is no regular file");
+    }
+}
+
+OutputFile::OutputFile(const std::string& newTarget, Overwrite newOverwrite)
+    : target(FollowLinks(newTarget))
+    , overwrite(newOverwrite)
+    , isStream(OpenStream(newTarget))
+{
+    if (isStream) {
+        return;
+    }
+    CheckNewFile(target, overwrite);
+    temporary = HiddenNameBeside(target);
+    cleanUp = std::make_unique<ScopedCleanUp>(temporary);
+    file = FileDescriptor(cleanUp->Open(0666));
+    if (!file.IsOpen()) {
+        throw FileError::FromErrno(errno);
+    }
+}
+
+OutputFile::~OutputFile()
+{
+    if (!isStream && !isCommitted) {
+        ::unlink(temporary.c_str());
+    }
+}
+
+bool OutputFile::OpenStream(const std::string& newTarget)
+{
+    struct stat status = {};
+    if (newTarget == "-") {
+        file = FileDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3));
+    } else if (::stat(newTarget.c_str(), &status) == 0 && !S_ISREG(status.st_mode) &&
+               !S_ISDIR(status.st_mode)) {
+        file = FileDescriptor(::open(newTarget.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    } else {
+        return false;
+    }
+    if (!file.IsOpen()) {
+        throw FileError::FromErrno(errno);
+    }
+    return true;
+}
+
+void OutputFile::KeepAttributes() const
+{
+    struct stat status = {};
+    if (::stat(target.c_str(), &status) != 0) {
+        return;
+    }
+    // Giving a file away may be forbidden; the content matters more than its owner. The mode comes
+    // second because a change of owner clears bits of it.
+    if (::fchown(file.Get(), status.st_uid, status.st_gid) != 0) {
+        errno = 0;
+    }
+    ::fchmod(file.Get(), status.st_mode & 07777U);
+}
+
+void OutputFile::Rename() const
+{
+    if (overwrite == Overwrite::Refuse) {
+        if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) ==
+            0) {
+            return;
+        }
+        if (errno == EEXIST) {
+            throw FileError(existsText);
+        }
+        // File systems without that flag: the target's absence was tested at the start.
+        if (errno != EINVAL && errno != ENOSYS) {
+            throw FileError::FromErrno(errno);
+        }
+    }
+    if (::rename(temporary.c_str(), target.c_str()) != 0) {
+        throw FileError::FromErrno(errno);
+    }
+}
+
+void OutputFile::Commit()
+{
+    if (!isStream) {
+        KeepAttributes();
+        // EINVAL: a file system that has nothing to flush.
+        if (::fsync(file.Get()) != 0 && errno != EINVAL) {
+            throw FileError::FromErrno(errno);
+        }
+    }
+    if (!file.Close()) {
+        throw FileError::FromErrno(errno);
+    }
+    if (!isStream) {
+        Rename();
+    }
+    isCommitted = true;
+}
+
+void OutputFile::WriteWhole(std::string_view content)
+{
+    const int failure = WriteFully(GetDescriptor(), content);
+    if (failure != 0) {
+        throw FileError::FromErrno(failure);
+    }
+    Commit();
+}
+
+} // namespace Cli

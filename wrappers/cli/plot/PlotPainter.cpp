@@ -1,0 +1,385 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/plot/PlotPainter.h"
+
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/plot/PlotAxis.h"
+#include "wrappers/cli/plot/PlotDrawing.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Cli {
+
+namespace {
+
+// The picture in pixels.
+constexpr double pictureWidth = 1600;
+constexpr double pictureHeight = 1084;
+constexpr double left = 96;
+constexpr double right = 1466;
+constexpr double width = right - left;
+constexpr double beforeTop = 112;
+constexpr double spectrumHeight = 320;
+constexpr double afterTop = beforeTop + spectrumHeight + 30;
+constexpr double waveTop = afterTop + spectrumHeight + 30;
+constexpr double waveHeight = 170;
+
+constexpr double narrowestSpan = 4; // of a mark, in pixels
+
+constexpr double shownDecibels = 70; // from the loudest to black
+
+constexpr Colour ink = {0.13, 0.15, 0.18};
+constexpr Colour faintInk = {0.42, 0.45, 0.5};
+constexpr Colour gridInk = {0.6, 0.63, 0.68, 0.35};
+constexpr Colour markInk = {0.0, 0.62, 0.68};
+constexpr Colour markFill = {0.25, 0.95, 1.0, 0.16};
+constexpr Colour markEdge = {0.2, 0.8, 0.85, 0.7};
+constexpr Colour beforeInk = {0.93, 0.5, 0.22};
+constexpr Colour afterInk = {0.16, 0.32, 0.55};
+constexpr Colour paper = {1, 1, 1};
+
+double Decibel(float power)
+{
+    return 10.0 * std::log10(std::max(static_cast<double>(power), 1e-20));
+}
+
+cairo_status_t WritePart(void* descriptor, const unsigned char* data, unsigned length)
+{
+    const std::string_view bytes(reinterpret_cast<const char*>(data), length);
+    return WriteFully(*static_cast<int*>(descriptor), bytes) == 0 ? CAIRO_STATUS_SUCCESS
+                                                                  : CAIRO_STATUS_WRITE_ERROR;
+}
+
+} // namespace
+
+PlotPainter::PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& newCaption)
+    : recorder(newRecorder)
+    , caption(newCaption)
+    , duration(std::max(newRecorder.GetDuration(), 1e-3))
+    , surface(cairo_image_surface_create(
+          CAIRO_FORMAT_RGB24, static_cast<int>(pictureWidth), static_cast<int>(pictureHeight)))
+    , context(cairo_create(surface.get()))
+{
+    FindRange();
+    SetColour(context.get(), paper);
+    cairo_paint(context.get());
+    PaintTitle();
+    PaintSpectrogram({beforeTop, spectrumHeight}, recorder.GetBefore());
+    PaintSpectrogram({afterTop, spectrumHeight}, recorder.GetAfter());
+    PaintWave({waveTop, waveHeight});
+    PaintColourBar();
+    PaintLegend();
+}
+
+double PlotPainter::TimeToX(double seconds) const
+{
+    return left + seconds / duration * width;
+}
+
+void PlotPainter::FindRange()
+{
+    float greatest = 0;
+    for (const Spectrogram* spectrogram : {&recorder.GetBefore(), &recorder.GetAfter()}) {
+        for (const SpectrumColumn& column : spectrogram->GetColumns()) {
+            greatest =
+                std::max(greatest, *std::max_element(column.powers.begin(), column.powers.end()));
+        }
+    }
+    // Silence gets a scale too.
+    const double loudest = std::max(Decibel(greatest), -100.0);
+    topDecibel = 10.0 * std::ceil(loudest / 10.0) + 0.0; // the sum makes a 0 of a -0
+    floorDecibel = topDecibel - shownDecibels;
+}
+
+void PlotPainter::PaintTitle()
+{
+    SetColour(context.get(), ink);
+    DrawText(context.get(), left, 42, caption.title, {24, Anchor::Left, true});
+    SetColour(context.get(), faintInk);
+    DrawText(context.get(), left, 70, caption.details, {15, Anchor::Left, false});
+}
+
+void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram)
+{
+    const auto& columns = spectrogram.GetColumns();
+    if (columns.empty()) {
+        return;
+    }
+    const int imageWidth = static_cast<int>(columns.size());
+    const int imageHeight = static_cast<int>(columns.front().powers.size());
+    const std::unique_ptr<cairo_surface_t, FreeSurface> image(
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, imageWidth, imageHeight));
+    cairo_surface_flush(image.get());
+    auto* pixels = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(image.get()));
+    const int stride = cairo_image_surface_get_stride(image.get()) / 4;
+    for (int x = 0; x < imageWidth; ++x) {
+        const auto& powers = columns[static_cast<size_t>(x)].powers;
+        for (int y = 0; y < imageHeight; ++y) {
+            const double level = Decibel(powers[static_cast<size_t>(imageHeight - 1 - y)]);
+            pixels[y * stride + x] = MapPixel((level - floorDecibel) / shownDecibels);
+        }
+    }
+    cairo_surface_mark_dirty(image.get());
+    // Bin 0 is centred on 0 Hz, so half a bin hangs over below; above, the last bin may pass 1 kHz.
+    const double pixelsPerHz = panel.height / spectrogramLimitHz;
+    const double binPixels = spectrogram.GetBinHz() * pixelsPerHz;
+    cairo_save(context.get());
+    cairo_rectangle(context.get(), left, panel.top, width, panel.height);
+    cairo_clip(context.get());
+    cairo_translate(context.get(),
+                    TimeToX(spectrogram.GetStartSeconds()),
+                    panel.top + panel.height - (imageHeight - 0.5) * binPixels);
+    cairo_scale(context.get(), spectrogram.GetColumnSeconds() / duration * width, binPixels);
+    cairo_set_source_surface(context.get(), image.get(), 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(context.get()), CAIRO_FILTER_GOOD);
+    cairo_pattern_set_extend(cairo_get_source(context.get()), CAIRO_EXTEND_PAD);
+    cairo_paint(context.get());
+    cairo_restore(context.get());
+}
+
+void PlotPainter::PaintSpectrogram(const Panel& panel, const Spectrogram& spectrogram)
+{
+    PaintSpectrum(panel, spectrogram);
+    PaintRepairLimit(panel);
+    PaintFrame(panel);
+    PaintFrequencyAxis(panel);
+    PaintTimeAxis(panel, false);
+}
+
+void PlotPainter::PaintFrame(const Panel& panel)
+{
+    SetColour(context.get(), faintInk);
+    cairo_set_line_width(context.get(), 1);
+    cairo_rectangle(context.get(), left - 0.5, panel.top - 0.5, width + 1, panel.height + 1);
+    cairo_stroke(context.get());
+}
+
+void PlotPainter::PaintName(const Panel& panel, const char* name)
+{
+    const TextStyle style = {16, Anchor::Left, true};
+    const double textWidth = TextWidth(context.get(), name, style);
+    SetColour(context.get(), {1, 1, 1, 0.88});
+    cairo_rectangle(context.get(), right - textWidth - 24, panel.top + 8, textWidth + 16, 26);
+    cairo_fill(context.get());
+    SetColour(context.get(), ink);
+    DrawText(context.get(), right - textWidth - 16, panel.top + 26, name, style);
+}
+
+void PlotPainter::PaintFrequencyAxis(const Panel& panel)
+{
+    SetColour(context.get(), ink);
+    for (int hz = 0; hz <= 1000; hz += 200) {
+        const double y = panel.top + panel.height * (1.0 - hz / spectrogramLimitHz);
+        DrawLine(context.get(), left - 6, y, left, y);
+        DrawText(context.get(), left - 11, y + 5, std::to_string(hz), {14, Anchor::Right, false});
+    }
+    DrawUpwardText(context.get(), 34, panel.top + panel.height / 2, "frequency (Hz)", 15);
+}
+
+void PlotPainter::PaintRepairLimit(const Panel& panel)
+{
+    if (caption.repairLimitHz <= 0) {
+        return;
+    }
+    constexpr std::array dashes = {7.0, 6.0};
+    const double y = panel.top + panel.height * (1.0 - caption.repairLimitHz / spectrogramLimitHz);
+    SetColour(context.get(), {1, 1, 1, 0.6});
+    cairo_set_dash(context.get(), dashes.data(), static_cast<int>(dashes.size()), 0);
+    DrawLine(context.get(), left, y, right, y);
+    cairo_set_dash(context.get(), nullptr, 0, 0);
+}
+
+void PlotPainter::PaintTimeAxis(const Panel& panel, bool hasNumbers)
+{
+    const double bottom = panel.top + panel.height;
+    const double step = NiceStep(duration, 14, true);
+    for (int64_t i = 0; static_cast<double>(i) * step <= duration; ++i) {
+        const double seconds = static_cast<double>(i) * step;
+        SetColour(context.get(), ink);
+        DrawLine(context.get(), TimeToX(seconds), bottom, TimeToX(seconds), bottom + 6);
+        if (hasNumbers) {
+            DrawText(context.get(),
+                     TimeToX(seconds),
+                     bottom + 23,
+                     FormatMark(seconds, step),
+                     {14, Anchor::Centre, false});
+        }
+    }
+    if (hasNumbers) {
+        DrawText(context.get(),
+                 left + width / 2,
+                 bottom + 47,
+                 duration >= 60 ? "time (min:s)" : "time (s)",
+                 {15, Anchor::Centre, false});
+    }
+}
+
+void PlotPainter::PaintWave(const Panel& panel)
+{
+    float greatest = 0;
+    for (const WaveColumn& column : recorder.GetWave()) {
+        greatest = std::max({greatest,
+                             -column.leastBefore,
+                             column.greatestBefore,
+                             -column.leastAfter,
+                             column.greatestAfter});
+    }
+    // Some room above the peak; silence gets a scale too.
+    const double scale = std::max(static_cast<double>(greatest) * 1.08, 1e-4);
+    SetColour(context.get(), gridInk);
+    DrawLine(
+        context.get(), left, panel.top + panel.height / 2, right, panel.top + panel.height / 2);
+    PaintWaveSpan(panel, scale, false);
+    PaintWaveSpan(panel, scale, true);
+    PaintFrame(panel);
+    PaintWaveAxis(panel, scale);
+    PaintTimeAxis(panel, true);
+}
+
+void PlotPainter::PaintWaveSpan(const Panel& panel, double scale, bool isAfter)
+{
+    const double middle = panel.top + panel.height / 2;
+    const auto toY = [&](float sample) {
+        return middle - static_cast<double>(sample) / scale * panel.height / 2;
+    };
+    SetColour(context.get(), isAfter ? afterInk : beforeInk);
+    const auto& columns = recorder.GetWave();
+    for (size_t i = 0; i < columns.size(); ++i) {
+        const double begin = TimeToX(static_cast<double>(i) * recorder.GetWaveSeconds());
+        const double end =
+            std::min(right, TimeToX(static_cast<double>(i + 1) * recorder.GetWaveSeconds()));
+        const double top = toY(isAfter ? columns[i].greatestAfter : columns[i].greatestBefore);
+        const double bottom = toY(isAfter ? columns[i].leastAfter : columns[i].leastBefore);
+        // At least a hairline, also where the signal rests.
+        cairo_rectangle(context.get(), begin, top - 0.4, end - begin, bottom - top + 0.8);
+    }
+    cairo_fill(context.get());
+}
+
+void PlotPainter::PaintWaveAxis(const Panel& panel, double scale)
+{
+    const double step = NiceStep(2 * scale, 6, false);
+    SetColour(context.get(), ink);
+    for (double value = -step * std::floor(scale / step); value <= scale; value += step) {
+        const double y = panel.top + panel.height / 2 * (1.0 - value / scale);
+        const double shown = std::abs(value) < step / 2 ? 0.0 : value;
+        DrawLine(context.get(), left - 6, y, left, y);
+        DrawText(context.get(),
+                 left - 11,
+                 y + 5,
+                 fmt::format("{:.4g}", shown),
+                 {14, Anchor::Right, false});
+    }
+    DrawUpwardText(context.get(), 34, panel.top + panel.height / 2, "amplitude", 15);
+}
+
+void PlotPainter::PaintColourBar()
+{
+    constexpr double barLeft = right + 26;
+    constexpr double barWidth = 20;
+    constexpr double barHeight = afterTop + spectrumHeight - beforeTop;
+    for (int y = 0; y < static_cast<int>(barHeight); ++y) {
+        const uint32_t pixel = MapPixel(1.0 - y / barHeight);
+        SetColour(context.get(),
+                  {(pixel >> 16U & 0xFFU) / 255.0,
+                   (pixel >> 8U & 0xFFU) / 255.0,
+                   (pixel & 0xFFU) / 255.0});
+        cairo_rectangle(context.get(), barLeft, beforeTop + y, barWidth, 1);
+        cairo_fill(context.get());
+    }
+    SetColour(context.get(), ink);
+    for (int down = 0; down <= static_cast<int>(shownDecibels); down += 10) {
+        const double y = beforeTop + barHeight * down / shownDecibels;
+        DrawLine(context.get(), barLeft + barWidth, y, barLeft + barWidth + 6, y);
+        DrawText(context.get(),
+                 barLeft + barWidth + 11,
+                 y + 5,
+                 fmt::format("{:.0f}", topDecibel - down),
+                 {14, Anchor::Left, false});
+    }
+    DrawUpwardText(context.get(), pictureWidth - 22, beforeTop + barHeight / 2, "level (dBFS)", 15);
+}
+
+void PlotPainter::PaintLegend()
+{
+    constexpr double y = pictureHeight - 22;
+    double x = left;
+    const auto addEntry = [&](const Colour& colour, const std::string& text) {
+        SetColour(context.get(), colour);
+        cairo_rectangle(context.get(), x, y - 12, 22, 12);
+        cairo_fill(context.get());
+        SetColour(context.get(), ink);
+        DrawText(context.get(), x + 30, y, text, {14, Anchor::Left, false});
+        x += 62 + TextWidth(context.get(), text, {14, Anchor::Left, false});
+    };
+    addEntry(markInk, "prominent plosive, span of its repair");
+    addEntry(beforeInk, "waveform before");
+    addEntry(afterInk, "waveform after");
+    if (caption.repairLimitHz > 0) {
+        SetColour(context.get(), faintInk);
+        DrawText(context.get(),
+                 right,
+                 y,
+                 fmt::format("dashed: repairs reach up to {:g} Hz", caption.repairLimitHz),
+                 {14, Anchor::Right, false});
+    }
+}
+
+void PlotPainter::Mark(const Event& event)
+{
+    const double begin = std::max(left, TimeToX(event.start));
+    const double end = std::min(right, TimeToX(event.end));
+    const double middle = std::clamp(TimeToX(event.time), left, right);
+    // Where a span has no width left to show, lines would only hide the picture.
+    const bool hasSpan = end - begin >= narrowestSpan;
+    const double halfWidth = hasSpan ? 7 : 0.75;
+    for (const Panel& panel : {Panel{beforeTop, spectrumHeight},
+                               Panel{afterTop, spectrumHeight},
+                               Panel{waveTop, waveHeight}}) {
+        if (hasSpan) {
+            MarkSpan(panel, begin, end);
+        }
+        SetColour(context.get(), markInk);
+        cairo_move_to(context.get(), middle - halfWidth, panel.top - 13);
+        cairo_line_to(context.get(), middle + halfWidth, panel.top - 13);
+        cairo_line_to(context.get(), middle + (hasSpan ? 0 : halfWidth), panel.top - 1);
+        cairo_line_to(context.get(), middle - (hasSpan ? 0 : halfWidth), panel.top - 1);
+        cairo_close_path(context.get());
+        cairo_fill(context.get());
+    }
+}
+
+void PlotPainter::MarkSpan(const Panel& panel, double begin, double end)
+{
+    // A tint would change the spectrogram's colours, which are what it is about.
+    if (panel.top == waveTop) {
+        SetColour(context.get(), markFill);
+        cairo_rectangle(context.get(), begin, panel.top, end - begin, panel.height);
+        cairo_fill(context.get());
+    }
+    SetColour(context.get(), markEdge);
+    DrawLine(context.get(), begin, panel.top, begin, panel.top + panel.height);
+    DrawLine(context.get(), end, panel.top, end, panel.top + panel.height);
+}
+
+void PlotPainter::Save(int descriptor)
+{
+    // Over the marks.
+    PaintName({beforeTop, spectrumHeight}, "before");
+    PaintName({afterTop, spectrumHeight}, "after");
+    errno = 0;
+    const cairo_status_t status =
+        cairo_surface_write_to_png_stream(surface.get(), WritePart, &descriptor);
+    if (status == CAIRO_STATUS_WRITE_ERROR && errno != 0) {
+        throw FileError::FromErrno(errno);
+    }
+    if (status != CAIRO_STATUS_SUCCESS) {
+        throw FileError(cairo_status_to_string(status));
+    }
+}
+
+} // namespace Cli

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/report/Events.h"
+#include "wrappers/cli/plot/PlotRecorder.h"
+
+#include <cairo.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Cli {
+
+/// The words around a picture.
+struct PlotCaption {
+    std::string title;
+    std::string details;
+    double repairLimitHz = 0; ///< drawn as a line; 0: none
+};
+
+/// Paints what a PlotRecorder gathered: spectrograms of 0 to 1 kHz before and after, the waveform,
+/// axes, legends, and a mark for each event that it is given.
+class PlotPainter {
+public:
+    PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& newCaption);
+
+    /// Marks an event in all panels.
+    void Mark(const Event& event);
+
+    /// Writes the picture as PNG; the last call. Throws FileError.
+    void Save(int descriptor);
+
+private:
+    struct Panel {
+        double top;
+        double height;
+    };
+    struct FreeSurface {
+        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    };
+    struct FreeContext {
+        void operator()(cairo_t* context) const { cairo_destroy(context); }
+    };
+
+    double TimeToX(double seconds) const;
+    void PaintTitle();
+    void PaintSpectrogram(const Panel& panel, const Spectrogram& spectrogram);
+    void MarkSpan(const Panel& panel, double begin, double end);
+    void PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram);
+    void PaintFrequencyAxis(const Panel& panel);
+    void PaintRepairLimit(const Panel& panel);
+    void PaintWave(const Panel& panel);
+    void PaintWaveSpan(const Panel& panel, double scale, bool isAfter);
+    void PaintWaveAxis(const Panel& panel, double scale);
+    void PaintTimeAxis(const Panel& panel, bool hasNumbers);
+    void PaintColourBar();
+    void PaintLegend();
+    void PaintFrame(const Panel& panel);
+    void PaintName(const Panel& panel, const char* name);
+    void FindRange();
+
+    const PlotRecorder& recorder;
+    PlotCaption caption;
+    double duration;         // seconds, above 0
+    double topDecibel = 0;   // end of the colour map
+    double floorDecibel = 0; // its begin
+    std::unique_ptr<cairo_surface_t, FreeSurface> surface;
+    std::unique_ptr<cairo_t, FreeContext> context;
+};
+
+} // namespace Cli

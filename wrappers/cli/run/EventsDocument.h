@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/effect/Controls.h"
+#include "wrappers/cli/report/Events.h"
+#include "wrappers/cli/run/FileReport.h"
+#include "wrappers/cli/files/OutputFile.h"
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+
+namespace Cli {
+
+/// Collects the repairs of all recordings of a run and writes them as JSON: the object itself for
+/// one recording that was named alone, else an array of such objects in the order of the inputs.
+/// Recordings that failed have no place in it. What is collected lies in a nameless temporary file.
+class EventsDocument {
+public:
+    enum class Form { Object, Array };
+
+    /// Throws FileError when `path` can't be written.
+    EventsDocument(const std::string& path, Overwrite overwrite, Form newForm);
+
+    /// Adds recording `number` of the run. Any thread. Throws FileError.
+    void Add(size_t number,
+             const FileReport& report,
+             const Controls& controls,
+             const EventSpool& spool,
+             const BandAverage& average);
+
+    /// Writes the file, or nothing at all when the one object is missing. Throws FileError.
+    void Finish();
+
+private:
+    struct Place {
+        int64_t offset = 0;
+        int64_t length = 0;
+    };
+
+    void Collect(std::string_view text);
+
+    OutputFile output;
+    Form form;
+    FileDescriptor collected;
+    int64_t collectedLength = 0;
+    std::map<size_t, Place> places;
+    std::mutex mutex;
+};
+
+/// One event as JSON on one line.
+std::string EventJson(const Event& event);
+
+} // namespace Cli

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/report/Console.h"
+#include "wrappers/cli/run/EventsDocument.h"
+#include "wrappers/cli/run/FileReport.h"
+#include "wrappers/cli/effect/Module.h"
+#include "wrappers/cli/run/Options.h"
+#include "wrappers/cli/run/Session.h"
+#include "wrappers/cli/run/Tasks.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace Cli {
+
+/// What all files of a run share.
+struct RunContext {
+    const Options& options;
+    const std::shared_ptr<const Wrapper::Module>& module;
+    const Session& session;
+    Console& console;
+    EventsDocument* events; ///< null when not wanted
+};
+
+/// Takes one recording through an instance of its own and writes what was asked for. Several may
+/// run on different threads. Failures are told in the report, none is thrown.
+FileReport RunFile(const RunContext& context, const Task& task, size_t number);
+
+} // namespace Cli

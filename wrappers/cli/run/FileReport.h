@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/report/Events.h"
+#include "wrappers/cli/run/Session.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Cli {
+
+/// What came of one recording.
+struct FileReport {
+    std::string input;
+    std::string output;  ///< empty when no audio was written
+    std::string preset;  ///< name of the one that was used; empty: none
+    std::string failure; ///< not empty: why it failed; the rest then says nothing
+    int sampleRate = 0;  ///< Hz
+    int channels = 0;
+    int64_t frames = 0;
+    uint32_t latency = 0; ///< samples
+    EventSummary events;
+    uint64_t nonFiniteSamples = 0;
+    uint64_t lostRepairs = 0;
+    double seconds = 0; ///< spent on reading, repairing and writing the audio
+
+    double GetDuration() const
+    {
+        return sampleRate > 0 ? static_cast<double>(frames) / sampleRate : 0.0;
+    }
+
+    /// Seconds of recording a second of work.
+    double GetSpeed() const { return seconds > 0 ? GetDuration() / seconds : 0.0; }
+};
+
+/// One line for a reader: what was found, the strongest and where, how fast.
+std::string SummaryLine(const FileReport& report);
+
+/// All reports, with what the run was set to, as one JSON document.
+std::string SummaryJson(const Session& session, const std::vector<FileReport>& reports);
+
+} // namespace Cli

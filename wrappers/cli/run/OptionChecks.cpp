@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/run/OptionChecks.h"
+
+#include "wrappers/cli/files/FileError.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace Cli {
+
+namespace {
+
+bool IsFolder(const std::string& path)
+{
+    std::error_code failure;
+    return std::filesystem::is_directory(path, failure);
+}
+
+void Refuse(bool condition, const char* reason)
+{
+    if (condition) {
+        throw UsageError(reason);
+    }
+}
+
+void CheckTarget(const Options& options)
+{
+    const int targets = (options.output.empty() ? 0 : 1) +
+                        (options.outputDirectory.empty() ? 0 : 1) + (options.isInPlace ? 1 : 0);
+    Refuse(targets > 1, "-o, --output-dir and --in-place exclude each other");
+    Refuse(!options.output.empty() && !options.isSingle,
+           "-o takes the result of one recording; --output-dir takes many");
+    Refuse(options.isInPlace && options.container.has_value(),
+           "--in-place keeps the container; --format needs another name");
+    Refuse(options.isInPlace && options.wantsDifference,
+           "--in-place --difference would leave nothing of the recording");
+    Refuse(options.isDryRun && options.isInPlace, "--dry-run and --in-place exclude each other");
+}
+
+void CheckStandardInput(const Options& options)
+{
+    const auto uses = std::count(options.inputs.begin(), options.inputs.end(), "-");
+    Refuse(uses > 1, "- can be an input only once");
+    Refuse(uses > 0 && options.isInPlace, "--in-place needs a file, not -");
+    Refuse(uses > 0 && !options.outputDirectory.empty(), "--output-dir needs a name, not -");
+    Refuse(uses > 0 && options.inputs.size() > 1, "- can't be mixed with other inputs");
+}
+
+void CheckReports(const Options& options)
+{
+    const auto users =
+        static_cast<int>(WritesAudioToStandardOutput(options)) +
+        static_cast<int>(options.wantsJson) + static_cast<int>(options.events == "-") +
+        static_cast<int>(options.labels == "-") + static_cast<int>(options.plot == "-") +
+        static_cast<int>(options.session.stateOut == "-");
+    Refuse(
+        users > 1,
+        "only one of audio, --json, --events, --labels, --plot and --state-out can go to stdout");
+    Refuse(options.isQuiet && options.isVerbose, "--quiet and --verbose exclude each other");
+    const auto namesOneFile = [&](const std::string& report) {
+        return !report.empty() && report.find("{name}") == std::string::npos &&
+               !report.ends_with('/') && !IsFolder(report) &&
+               std::filesystem::path(report).has_extension();
+    };
+    Refuse(!options.isSingle && (namesOneFile(options.labels) || options.labels == "-"),
+           "with several recordings --labels takes a folder or a name with {name} in it");
+    Refuse(!options.isSingle && (namesOneFile(options.plot) || options.plot == "-"),
+           "with several recordings --plot takes a folder or a name with {name} in it");
+}
+
+void CheckSession(const Options& options)
+{
+    const SessionOptions& session = options.session;
+    Refuse(!session.comment.empty() && session.savePreset.empty(), "--comment needs --save-preset");
+    Refuse(session.savePreset == "-", "--save-preset needs a file or a name, not -");
+    Refuse(HasNameOfRecording(session.savePreset),
+           "--save-preset: that is the name of a recording; a preset's file ends in .xml");
+    Refuse(session.stateIn == "-" &&
+               std::count(options.inputs.begin(), options.inputs.end(), "-") > 0,
+           "only one of the recording and --state-in can come from stdin");
+}
+
+// What makes or reports on audio has no use without it.
+bool NeedsRecording(const Options& options)
+{
+    return !options.output.empty() || !options.outputDirectory.empty() || options.isInPlace ||
+           options.isDryRun || !options.events.empty() || !options.labels.empty() ||
+           !options.plot.empty();
+}
+
+void CheckTask(const Options& options)
+{
+    const SessionOptions& session = options.session;
+    const bool hasOther = session.printsParams || !session.savePreset.empty() ||
+                          !session.stateOut.empty() || !session.preset.empty() ||
+                          !session.stateIn.empty();
+    Refuse(session.listsPresets && (!options.inputs.empty() || hasOther || NeedsRecording(options)),
+           "--list-presets stands alone, or with --json");
+    Refuse(options.inputs.empty() && (!session.IsTaskInItself() || NeedsRecording(options)),
+           "no input; puffguard --help shows how");
+}
+
+} // namespace
+
+void CheckOptions(Options& options)
+{
+    CheckTask(options);
+    Refuse(std::count(options.inputs.begin(), options.inputs.end(), "") > 0,
+           "an input's name is empty");
+    options.isSingle = options.inputs.size() == 1 && !IsFolder(options.inputs.front());
+    CheckTarget(options);
+    CheckStandardInput(options);
+    CheckReports(options);
+    CheckSession(options);
+    Refuse(options.hasDither && options.isDryRun, "--dither has no use in a --dry-run");
+}
+
+bool WritesAudioToStandardOutput(const Options& options)
+{
+    const bool isDefault =
+        options.output.empty() && options.inputs == std::vector<std::string>{"-"};
+    return !options.isDryRun && (options.output == "-" || isDefault);
+}
+
+bool TakesStandardOutput(const Options& options)
+{
+    return WritesAudioToStandardOutput(options) || options.events == "-" || options.labels == "-" ||
+           options.plot == "-" || options.session.stateOut == "-";
+}
+
+void CheckStandardOutput(const Options& options, bool isTerminal)
+{
+    Refuse(isTerminal && WritesAudioToStandardOutput(options),
+           "audio isn't written to a terminal; name a file with -o or use a pipe");
+    Refuse(isTerminal && options.session.stateOut == "-",
+           "a session isn't written to a terminal; name a file or use a pipe");
+}
+
+} // namespace Cli

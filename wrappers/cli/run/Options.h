@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/audio/AudioFormat.h"
+#include "wrappers/cli/effect/Controls.h"
+#include "wrappers/cli/audio/Limits.h"
+#include "wrappers/cli/files/OutputFile.h"
+#include "wrappers/cli/effect/SessionOptions.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace Cli {
+
+/// What the user asked for, checked in itself.
+struct Options {
+    std::vector<std::string> inputs; ///< files, folders and "-"
+    bool isRecursive = false;
+
+    std::string output;          ///< empty: a name made from the input's
+    std::string outputDirectory; ///< empty: beside the input
+    bool isInPlace = false;
+    Overwrite overwrite = Overwrite::Refuse;
+    std::optional<int> container; ///< major format of libsndfile
+    std::optional<int> subtype;
+    std::optional<RawFormat> raw;
+    bool hasDither = false;
+    bool keepsLatency = false;
+    bool wantsDifference = false;
+    bool isDryRun = false;
+
+    std::string events; ///< empty: none; so are the next two
+    std::string labels;
+    std::string plot;
+
+    ChosenControls controls;
+    SessionOptions session;
+    int block = defaultBlock; ///< frames
+    int jobs = 1;
+
+    bool wantsJson = false;
+    bool isQuiet = false;
+    bool isVerbose = false;
+
+    /// True when one recording was named, so that reports are for it alone.
+    bool isSingle = false;
+};
+
+/// A text to print on standard output instead of any work.
+struct Answer {
+    std::string text;
+};
+
+/// Reads the command line; an Answer for "--help" and "--version". Throws UsageError.
+std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv);
+
+} // namespace Cli

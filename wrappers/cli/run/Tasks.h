@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/run/Options.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Cli {
+
+/// One recording of a run with the names of all that is made of it.
+struct Task {
+    std::string input;
+    std::string output; ///< empty in a dry run
+    std::string labels; ///< empty: not wanted; so is the next
+    std::string plot;
+    std::string failure; ///< not empty: why it can't be begun
+};
+
+/// Finds the recordings that the options name and where their results go, in a stable order: as
+/// named, folders by name. Files that are results of the program already ("NAME.puffguard.EXT") are
+/// left out when a folder is searched.
+std::vector<Task> MakeTasks(const Options& options);
+
+/// "NAME.puffguard.EXT" beside `input`; `extension` (no dot) takes the place of its own, when not
+/// empty.
+std::string DefaultOutputName(const std::string& input, const std::string& extension);
+
+/// Where a report goes: `pattern` with the file's name in place of "{name}"; inside `pattern` when
+/// that is a folder, as NAME + `ending`; else `pattern` itself.
+std::string ReportName(const std::string& pattern,
+                       const std::string& input,
+                       std::string_view ending,
+                       bool isFolder);
+
+} // namespace Cli

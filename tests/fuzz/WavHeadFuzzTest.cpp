@@ -2,8 +2,8 @@
 // Heads of WAV streams with bytes changed at random and cut off anywhere: what comes from a pipe is
 // read by code of our own. Each is read or refused, and no claim of a length is believed.
 #include "tests/fuzz/Rounds.h"
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/audio/WavStream.h"
+#include "wrappers/cli/files/FileError.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
+#include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 
 #include <algorithm>
 #include <new>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/instance/PluginFactory.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/plugincore/instance/PluginFactory.h"
 
 /// Everything that the exported entry does: tests the call, takes the lock of its context, runs the
 /// operation and answers a code of PluginCoreResult. Nothing is thrown across it. The entry itself

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/Plugin.h"
 
-#include "frameworks/plugincore/product/PluginInfo.h"
-#include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+#include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/preset/manager/PresetManager.h"
+#include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/Process.h"
 #include "frameworks/qobase/util/Tick.h"
 

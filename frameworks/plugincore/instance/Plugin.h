@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/controller/PersistentParamsLink.h"
+#include "frameworks/plugincore/dsp/signal/FFTPool.h"
+#include "frameworks/plugincore/dsp/signal/MemoryPool.h"
 #include "frameworks/plugincore/instance/Editor.h"
 #include "frameworks/plugincore/instance/GestureBook.h"
 #include "frameworks/plugincore/instance/HostIdentification.h"
 #include "frameworks/plugincore/instance/PluginFactory.h"
-#include "frameworks/plugincore/controller/PersistentParamsLink.h"
-#include "frameworks/plugincore/dsp/signal/FFTPool.h"
-#include "frameworks/plugincore/dsp/signal/MemoryPool.h"
-#include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
+#include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 #include "frameworks/qobase/util/Timer.h"
 #include "frameworks/qobase/util/Uuid.h"

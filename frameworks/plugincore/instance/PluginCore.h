@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/instance/HostCallback.h"
-#include "frameworks/plugincore/product/PluginDefinition.h"
-#include "frameworks/plugincore/instance/ThreadController.h"
 #include "frameworks/plugincore/dsp/elements/ElementHost.h"
 #include "frameworks/plugincore/dsp/elements/ElementParam.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/plugincore/instance/HostCallback.h"
+#include "frameworks/plugincore/instance/ThreadController.h"
+#include "frameworks/plugincore/product/PluginDefinition.h"
 #include "frameworks/qobase/util/Bytes.h"
 
 #include <optional>

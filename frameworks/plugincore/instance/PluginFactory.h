@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/path/TransformBase.h"
 #include "frameworks/plugincore/instance/Context.h"
 #include "frameworks/plugincore/instance/PluginCore.h"
-#include "frameworks/plugincore/dsp/path/TransformBase.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryManager.h"
 #include "frameworks/qobase/util/DictionaryReader.h"
 #include "frameworks/qobase/util/DictionaryWriter.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 // What restarts the signal path of an instance: a new stream format, a reset, a change of the
 // processing state.
+#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/PluginThreadMark.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
-#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/qobase/util/DebugTrace.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/ScopedFlag.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 // What the user does in an instance, as the host hears of it.
+#include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
 #include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 // Presets of an instance as the host asks for them.
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/plugincore/preset/file/PresetErrors.h"
 #include "frameworks/plugincore/preset/manager/PresetManager.h"
+#include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 #include "frameworks/qobase/util/Realtime.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 // The way of a host's block through an instance.
+#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/PluginThreadMark.h"
-#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/Tick.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 // The state of an instance as a host, a format change and the history keep it: a dictionary,
 // written as text and compressed. Every call builds it anew from what is there.
+#include "frameworks/plugincore/dsp/path/ElementState.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/StateChunk.h"
-#include "frameworks/plugincore/dsp/path/ElementState.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/product/PluginDefinition.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/plugincore/product/PluginDefinition.h"
 
 #include <cstddef>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/signal/DelayLine.h"
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/plugincore/dsp/signal/DelayLine.h"
 #include "frameworks/qobase/util/AlignedVector.h"
 #include "restoration/dsp/puffguard/DataTail.h"
 #include "restoration/dsp/puffguard/DataTail1D.h"

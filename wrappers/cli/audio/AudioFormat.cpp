@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/audio/AudioFormat.h"
 
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/audio/Limits.h"
+#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/text/Text.h"
 
 #include <fmt/format.h>

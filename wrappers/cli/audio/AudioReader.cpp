@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/audio/AudioReader.h"
 
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/audio/Limits.h"
-#include "wrappers/cli/text/Text.h"
 #include "wrappers/cli/audio/WavStream.h"
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/text/Text.h"
 
 #include <fmt/format.h>
 

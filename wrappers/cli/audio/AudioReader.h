@@ -3,8 +3,8 @@
 
 #include "wrappers/cli/audio/AudioFormat.h"
 #include "wrappers/cli/audio/DescriptorIo.h"
-#include "wrappers/cli/files/FileDescriptor.h"
 #include "wrappers/cli/audio/Metadata.h"
+#include "wrappers/cli/files/FileDescriptor.h"
 
 #include <cstdint>
 #include <memory>

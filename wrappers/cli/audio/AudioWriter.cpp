@@ -2,9 +2,9 @@
 #include "wrappers/cli/audio/AudioWriter.h"
 
 #include "wrappers/cli/audio/AudioFormat.h"
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/audio/Quantiser.h"
 #include "wrappers/cli/audio/WavStream.h"
+#include "wrappers/cli/files/FileError.h"
 
 #include <unistd.h>
 

@@ -3,8 +3,8 @@
 
 #include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/effect/Module.h"
-#include "wrappers/cli/files/OutputFile.h"
 #include "wrappers/cli/effect/Parameters.h"
+#include "wrappers/cli/files/OutputFile.h"
 #include "wrappers/common/Detections.h"
 #include "wrappers/common/ElementParameters.h"
 #include "wrappers/common/Instance.h"

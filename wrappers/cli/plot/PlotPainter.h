@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/cli/report/Events.h"
 #include "wrappers/cli/plot/PlotRecorder.h"
+#include "wrappers/cli/report/Events.h"
 
 #include <cairo.h>
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "wrappers/cli/effect/Controls.h"
+#include "wrappers/cli/files/OutputFile.h"
 #include "wrappers/cli/report/Events.h"
 #include "wrappers/cli/run/FileReport.h"
-#include "wrappers/cli/files/OutputFile.h"
 
 #include <cstdint>
 #include <map>

@@ -4,12 +4,12 @@
 #include "wrappers/cli/audio/Alignment.h"
 #include "wrappers/cli/audio/AudioReader.h"
 #include "wrappers/cli/audio/AudioWriter.h"
+#include "wrappers/cli/audio/Quantiser.h"
 #include "wrappers/cli/effect/Effect.h"
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/plot/PlotPainter.h"
 #include "wrappers/cli/report/Labels.h"
 #include "wrappers/cli/run/OutputFormat.h"
-#include "wrappers/cli/plot/PlotPainter.h"
-#include "wrappers/cli/audio/Quantiser.h"
 #include "wrappers/cli/text/Text.h"
 
 #include <fmt/format.h>

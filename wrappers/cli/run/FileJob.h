@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/effect/Module.h"
 #include "wrappers/cli/report/Console.h"
 #include "wrappers/cli/run/EventsDocument.h"
 #include "wrappers/cli/run/FileReport.h"
-#include "wrappers/cli/effect/Module.h"
 #include "wrappers/cli/run/Options.h"
 #include "wrappers/cli/run/Session.h"
 #include "wrappers/cli/run/Tasks.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
-#include "wrappers/cli/run/Batch.h"
 #include "wrappers/cli/files/CleanUp.h"
 #include "wrappers/cli/files/FileDescriptor.h"
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/run/Batch.h"
 #include "wrappers/cli/run/OptionChecks.h"
 
 #include <unistd.h>

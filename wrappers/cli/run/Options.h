@@ -2,10 +2,10 @@
 #pragma once
 
 #include "wrappers/cli/audio/AudioFormat.h"
-#include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/audio/Limits.h"
-#include "wrappers/cli/files/OutputFile.h"
+#include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/effect/SessionOptions.h"
+#include "wrappers/cli/files/OutputFile.h"
 
 #include <optional>
 #include <string>

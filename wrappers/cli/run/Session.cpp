@@ -2,9 +2,9 @@
 #include "wrappers/cli/run/Session.h"
 
 #include "wrappers/cli/effect/Effect.h"
+#include "wrappers/cli/effect/Presets.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/files/OutputFile.h"
-#include "wrappers/cli/effect/Presets.h"
 #include "wrappers/cli/files/StateFile.h"
 #include "wrappers/cli/text/Text.h"
 

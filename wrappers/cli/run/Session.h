@@ -3,8 +3,8 @@
 
 #include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/effect/Module.h"
-#include "wrappers/cli/run/Options.h"
 #include "wrappers/cli/effect/Parameters.h"
+#include "wrappers/cli/run/Options.h"
 #include "wrappers/common/Preset.h"
 
 #include <memory>

@@ -30,8 +30,8 @@ Lv2::PresetValues ReadValues(Wrapper::Instance& instance, const Wrapper::Preset&
     return result;
 }
 
-// The product's own. What the user of the building machine has in store is nobody else's, and the one
-// built in would be "Default" by another name.
+// The product's own. What the user of the building machine has in store is nobody else's, and the
+// one built in would be "Default" by another name.
 std::vector<Lv2::PresetValues> ReadPresets(Wrapper::Instance& instance)
 {
     std::vector<Lv2::PresetValues> presets;

@@ -64,8 +64,9 @@ public:
     /// A static empty record for an unknown name.
     virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
 
-    /// The parameters for the user interface, made at the first call; the set may not be kept longer
-    /// than the element. Throws std::logic_error when it is called while the set is being made. [ui]
+    /// The parameters for the user interface, made at the first call; the set may not be kept
+    /// longer than the element. Throws std::logic_error when it is called while the set is being
+    /// made. [ui]
     virtual std::shared_ptr<Controller::ControllerSet> GetControllerSet() = 0;
 
     /// State beside the parameters that is saved with them as bytes. [ui]

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/elements/DSPCommandFifo.h"
+#include "frameworks/plugincore/dsp/elements/Element.h"
 #include "frameworks/plugincore/dsp/signal/BlockAssembler.h"
 #include "frameworks/plugincore/dsp/signal/BypassFader.h"
-#include "frameworks/plugincore/dsp/elements/DSPCommandFifo.h"
 #include "frameworks/plugincore/dsp/signal/DelayLine.h"
-#include "frameworks/plugincore/dsp/elements/Element.h"
 
 #include <memory>
 #include <vector>

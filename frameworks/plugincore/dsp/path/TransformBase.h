@@ -2,8 +2,8 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/path/DSPSet.h"
-#include "frameworks/plugincore/dsp/signal/DelayLine.h"
 #include "frameworks/plugincore/dsp/path/ParamSet.h"
+#include "frameworks/plugincore/dsp/signal/DelayLine.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "frameworks/qobase/util/CriticalSection.h"
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "frameworks/plugincore/preset/file/LmPresetFile.h"
-#include "frameworks/plugincore/preset/manager/PresetFolder.h"
 #include "frameworks/plugincore/preset/file/PresetMetadata.h"
+#include "frameworks/plugincore/preset/manager/PresetFolder.h"
 #include "frameworks/plugincore/preset/manager/PresetNames.h"
 #include "frameworks/plugincore/preset/manager/PresetTexts.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 // What the host and the editor hear of what the user does, with the product's own elements; and
 // what is a preference of the user in an instance.
-#include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/controller/GrabbedParamHandle.h"
+#include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "tests/support/TemporaryFolder.h"
 

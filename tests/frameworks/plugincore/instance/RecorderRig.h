@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/plugin/LMDSPSet.h"
 #include "tests/support/TemporaryFolder.h"
 

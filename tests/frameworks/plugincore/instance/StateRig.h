@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/StateChunk.h"
-#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "restoration/plugin/LMDSPSet.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/report/Events.h"
-#include "wrappers/cli/run/EventsDocument.h"
 #include "wrappers/cli/report/Labels.h"
+#include "wrappers/cli/run/EventsDocument.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

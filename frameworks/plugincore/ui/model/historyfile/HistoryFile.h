@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 #include "frameworks/qobase/util/DataStream.h"
-#include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
 
 /// What tells the forms of the file apart.
 struct HistoryFileForm {

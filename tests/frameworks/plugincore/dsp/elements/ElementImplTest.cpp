@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "frameworks/plugincore/dsp/signal/BypassFader.h"
 #include "frameworks/plugincore/dsp/signal/DelayLine.h"
-#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 
 #include "tests/support/HeapCount.h"
 #include "tests/support/TestElementHost.h"

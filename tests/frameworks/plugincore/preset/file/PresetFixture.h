@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/path/DSPSet.h"
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/plugincore/dsp/path/DSPSet.h"
 #include "frameworks/plugincore/preset/file/LmPresetFile.h"
 #include "frameworks/plugincore/preset/file/PresetDSPSetInterface.h"
 #include "tests/support/TemporaryFolder.h"

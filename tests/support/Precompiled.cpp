@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: ISC
+// Its precompiled header serves every test program.

@@ -40,7 +40,7 @@ LegacyPresetFileHandlerBase::LegacyPresetFileHandlerBase(PresetFileBase& newFile
 {
 }
 
-Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const XmlNode& root)
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const Util::XmlNode& root)
 {
     if (auto result = ReadCategories(root); !result) {
         return result;
@@ -48,9 +48,9 @@ Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const XmlNode& ro
     return file.ReadMacroControls(root);
 }
 
-Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const XmlNode& root)
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const Util::XmlNode& root)
 {
-    for (const XmlNode& category : root.GetElements()) {
+    for (const Util::XmlNode& category : root.GetElements()) {
         if (auto result = ReadCategory(category); !result) {
             return result;
         }
@@ -58,15 +58,15 @@ Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const XmlNode& 
     return {};
 }
 
-Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategory(const XmlNode& category)
+Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategory(const Util::XmlNode& category)
 {
-    for (const XmlNode& param : category.GetChildren("Param")) {
+    for (const Util::XmlNode& param : category.GetChildren("Param")) {
         if (!param.IsElement()) {
             return MakeParseError("Parameter was not a valid XML element.");
         }
         ReadParam(param);
     }
-    for (const XmlNode& extra : category.GetChildren("ExtraBytes")) {
+    for (const Util::XmlNode& extra : category.GetChildren("ExtraBytes")) {
         if (!extra.IsElement()) {
             return MakeParseError("Extra bytes was not a valid XML element.");
         }
@@ -78,7 +78,7 @@ Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategory(const XmlNode& ca
     return {};
 }
 
-void LegacyPresetFileHandlerBase::ReadParam(const XmlNode& param)
+void LegacyPresetFileHandlerBase::ReadParam(const Util::XmlNode& param)
 {
     const String element = MapElementName(param.GetAttribute("ElementID"));
     const String name = param.GetAttribute("ParamID");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/preset/file/XmlDocument.h"
+#include "frameworks/qobase/util/XmlDocument.h"
 
 #include <cstdint>
 #include <map>
@@ -25,14 +25,14 @@ public:
 
     /// Reads what is below the root: categories, then the macro controls, which have kept their
     /// form. They count as categories too, ones without parameters.
-    virtual Util::Expected<void> ReadDocument(const XmlNode& root);
+    virtual Util::Expected<void> ReadDocument(const Util::XmlNode& root);
     /// Whether parameters of this version can be read.
     virtual bool IsLegacyParamsVersion(uint32_t /*version*/) const { return false; }
     /// Whether files of this type can be read, besides those of the program's own.
     virtual bool AcceptsType(const String& /*type*/) const { return false; }
     /// Whether extra bytes of the older form still mean the same.
     virtual bool HasExtraBytes() const { return true; }
-    virtual Util::Expected<void> ReadCategories(const XmlNode& root);
+    virtual Util::Expected<void> ReadCategories(const Util::XmlNode& root);
     /// Present name of an element.
     virtual String MapElementName(const String& name) const;
     /// Each takes a value under the element's present and the parameter's older name, and says
@@ -47,8 +47,8 @@ protected:
     PresetFileBase& GetFile() { return file; }
 
 private:
-    Util::Expected<void> ReadCategory(const XmlNode& category);
-    void ReadParam(const XmlNode& param);
+    Util::Expected<void> ReadCategory(const Util::XmlNode& category);
+    void ReadParam(const Util::XmlNode& param);
 
     PresetFileBase& file;
     const Renames renames;

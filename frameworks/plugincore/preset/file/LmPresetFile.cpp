@@ -32,7 +32,7 @@ LmPresetFile::LmPresetFile(ProgramIdentity newIdentity,
 {
 }
 
-bool LmPresetFile::IsCurrentFormat(const XmlNode& root)
+bool LmPresetFile::IsCurrentFormat(const Util::XmlNode& root)
 {
     isTypeWrong = !IsTypeValid(root.GetName());
     return PresetFileBase::IsCurrentFormat(root);

@@ -27,7 +27,7 @@ public:
     uint32_t GetPluginVersion() const override { return identity.pluginVersion; }
     uint32_t GetPluginBuild() const override { return identity.pluginBuild; }
     uint32_t GetParamsVersion() const override { return identity.paramsVersion; }
-    bool IsCurrentFormat(const XmlNode& root) override;
+    bool IsCurrentFormat(const Util::XmlNode& root) override;
     bool IsParamsVersionValid(std::optional<uint32_t> version) const override;
     bool IsPluginVersionValid(std::optional<uint32_t> version) const override;
     bool IsTypeValid(const String& type) const override { return type == identity.type; }

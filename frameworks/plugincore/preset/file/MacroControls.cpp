@@ -25,13 +25,13 @@ constexpr ListWords CheckBoxWords{"CheckBoxes",
                                   "CheckBoxes was not a valid XML element.",
                                   "Checkbox was not a valid XML element."};
 
-std::optional<int32_t> ReadId(const XmlNode& node, const char* attribute)
+std::optional<int32_t> ReadId(const Util::XmlNode& node, const char* attribute)
 {
     const auto id = Util::ParseInt(node.GetAttribute(attribute));
     return id && *id >= 0 ? id : std::nullopt;
 }
 
-Util::Expected<SliderRecord> ReadSlider(const XmlNode& node)
+Util::Expected<SliderRecord> ReadSlider(const Util::XmlNode& node)
 {
     SliderRecord slider;
     slider.name = node.GetAttribute("Name");
@@ -64,7 +64,7 @@ Util::Expected<SliderRecord> ReadSlider(const XmlNode& node)
     return slider;
 }
 
-Util::Expected<CheckBoxRecord> ReadCheckBox(const XmlNode& node)
+Util::Expected<CheckBoxRecord> ReadCheckBox(const Util::XmlNode& node)
 {
     CheckBoxRecord checkBox;
     checkBox.name = node.GetAttribute("Name");
@@ -82,9 +82,9 @@ Util::Expected<CheckBoxRecord> ReadCheckBox(const XmlNode& node)
 }
 
 template <typename Record>
-Util::Expected<void> ReadList(const XmlNode& root,
+Util::Expected<void> ReadList(const Util::XmlNode& root,
                               const ListWords& words,
-                              Util::Expected<Record> (*readControl)(const XmlNode&),
+                              Util::Expected<Record> (*readControl)(const Util::XmlNode&),
                               int32_t Record::*id,
                               std::vector<Record>& controls)
 {
@@ -96,7 +96,7 @@ Util::Expected<void> ReadList(const XmlNode& root,
         return MakeParseError(words.listFault);
     }
     std::vector<Record> result;
-    for (const XmlNode& node : lists.front().GetChildren(words.control)) {
+    for (const Util::XmlNode& node : lists.front().GetChildren(words.control)) {
         if (!node.IsElement()) {
             return MakeParseError(words.controlFault);
         }
@@ -117,12 +117,13 @@ Util::Expected<void> ReadList(const XmlNode& root,
 
 } // namespace
 
-Util::Expected<void> ReadSliders(const XmlNode& root, std::vector<SliderRecord>& sliders)
+Util::Expected<void> ReadSliders(const Util::XmlNode& root, std::vector<SliderRecord>& sliders)
 {
     return ReadList(root, SliderWords, ReadSlider, &SliderRecord::sliderId, sliders);
 }
 
-Util::Expected<void> ReadCheckBoxes(const XmlNode& root, std::vector<CheckBoxRecord>& checkBoxes)
+Util::Expected<void> ReadCheckBoxes(const Util::XmlNode& root,
+                                    std::vector<CheckBoxRecord>& checkBoxes)
 {
     return ReadList(root, CheckBoxWords, ReadCheckBox, &CheckBoxRecord::checkboxId, checkBoxes);
 }

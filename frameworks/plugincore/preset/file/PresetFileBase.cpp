@@ -86,9 +86,9 @@ Util::Expected<void> PresetFileBase::ReadCompressed(Util::ByteSpan bytes)
 
 Util::Expected<void> PresetFileBase::ReadPlain(Util::ByteSpan text)
 {
-    XmlDocument document;
+    Util::XmlDocument document;
     if (auto parsed = document.Parse(text, path); !parsed) {
-        return parsed;
+        return MakeParseError(parsed.GetError().GetDescription());
     }
     return ReadDocument(document);
 }
@@ -110,7 +110,7 @@ Util::Expected<bool> PresetFileBase::Write(const String& newPath,
         metadata[MetadataName::LastModified] = Util::GetPresentTimeText();
     }
     Snapshot values = newSnapshot;
-    XmlDocument document;
+    Util::XmlDocument document;
     WriteDocument(document, values);
     const auto stored = Store(newPath, document.GetText(), existing);
     if (!stored || !*stored) {

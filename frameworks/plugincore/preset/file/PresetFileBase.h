@@ -56,17 +56,17 @@ public:
     virtual uint32_t GetPluginBuild() const = 0;
     virtual uint32_t GetParamsVersion() const = 0;
 
-    virtual bool IsCurrentFormat(const XmlNode& root);
+    virtual bool IsCurrentFormat(const Util::XmlNode& root);
     /// Fills an empty document. Values outside their range are clamped, in the snapshot too.
-    virtual void WriteDocument(XmlDocument& document, Snapshot& values);
-    virtual Util::Expected<void> ReadCurrent(const XmlNode& root);
+    virtual void WriteDocument(Util::XmlDocument& document, Snapshot& values);
+    virtual Util::Expected<void> ReadCurrent(const Util::XmlNode& root);
     /// Reads through the legacy handler.
     virtual Util::Expected<void> ReadLegacy(std::optional<uint32_t> version,
                                             std::optional<uint32_t> pluginVersion,
-                                            const XmlNode& root);
+                                            const Util::XmlNode& root);
 
     /// Reads sliders and check boxes into the snapshot.
-    Util::Expected<void> ReadMacroControls(const XmlNode& root);
+    Util::Expected<void> ReadMacroControls(const Util::XmlNode& root);
     /// Stores in the snapshot; a pair that isn't there, or has another type, is ignored.
     virtual void SetBoolValue(const String& element, const String& param, bool value);
     virtual void SetEnumValue(const String& element, const String& param, uint32_t value);
@@ -104,13 +104,13 @@ protected:
 
 private:
     // PresetFileReader.cpp
-    Util::Expected<void> ReadDocument(const XmlDocument& document);
+    Util::Expected<void> ReadDocument(const Util::XmlDocument& document);
     Util::Expected<void> RefuseFormat() const;
-    Util::Expected<void> ReadCategories(const XmlNode& root);
-    Util::Expected<void> ReadCategory(const XmlNode& category);
+    Util::Expected<void> ReadCategories(const Util::XmlNode& root);
+    Util::Expected<void> ReadCategory(const Util::XmlNode& category);
 
     // PresetFileWriter.cpp
-    void WriteCategory(const String& element, ElementSnapshot& values, XmlNode& root);
+    void WriteCategory(const String& element, ElementSnapshot& values, Util::XmlNode& root);
 
     Util::Expected<void> LoadBytes();
     void StorePath(const String& newPath);

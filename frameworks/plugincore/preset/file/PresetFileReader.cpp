@@ -28,7 +28,7 @@ Util::Expected<void> RefusePluginVersion(std::optional<uint32_t> version)
 
 } // namespace
 
-Util::Expected<void> PresetFileBase::ReadDocument(const XmlDocument& document)
+Util::Expected<void> PresetFileBase::ReadDocument(const Util::XmlDocument& document)
 {
     const auto root = document.GetRoot();
     if (!root) {
@@ -67,13 +67,13 @@ Util::Expected<void> PresetFileBase::RefuseFormat() const
     return MakeParseError("Invalid preset file.");
 }
 
-bool PresetFileBase::IsCurrentFormat(const XmlNode& root)
+bool PresetFileBase::IsCurrentFormat(const Util::XmlNode& root)
 {
     return IsParamsVersionValid(head.paramsVersion) && IsPluginVersionValid(head.pluginVersion) &&
            IsTypeValid(root.GetName());
 }
 
-Util::Expected<void> PresetFileBase::ReadCurrent(const XmlNode& root)
+Util::Expected<void> PresetFileBase::ReadCurrent(const Util::XmlNode& root)
 {
     metadata = head.metadata;
     if (auto result = ReadCategories(root); !result) {
@@ -82,7 +82,7 @@ Util::Expected<void> PresetFileBase::ReadCurrent(const XmlNode& root)
     return ReadMacroControls(root);
 }
 
-Util::Expected<void> PresetFileBase::ReadMacroControls(const XmlNode& root)
+Util::Expected<void> PresetFileBase::ReadMacroControls(const Util::XmlNode& root)
 {
     if (auto result = ReadSliders(root, snapshot.sliders); !result) {
         return result;
@@ -92,7 +92,7 @@ Util::Expected<void> PresetFileBase::ReadMacroControls(const XmlNode& root)
 
 Util::Expected<void> PresetFileBase::ReadLegacy(std::optional<uint32_t> version,
                                                 std::optional<uint32_t> pluginVersion,
-                                                const XmlNode& root)
+                                                const Util::XmlNode& root)
 {
     constexpr uint32_t versionsOfMajor = 1000;
     if (!version || !legacyHandler->IsLegacyParamsVersion(*version)) {
@@ -110,7 +110,7 @@ Util::Expected<void> PresetFileBase::ReadLegacy(std::optional<uint32_t> version,
     return {};
 }
 
-Util::Expected<void> PresetFileBase::ReadCategories(const XmlNode& root)
+Util::Expected<void> PresetFileBase::ReadCategories(const Util::XmlNode& root)
 {
     for (auto& [element, values] : snapshot.elements) {
         if (!values.enabled) {
@@ -135,9 +135,9 @@ Util::Expected<void> PresetFileBase::ReadCategories(const XmlNode& root)
     return {};
 }
 
-Util::Expected<void> PresetFileBase::ReadCategory(const XmlNode& category)
+Util::Expected<void> PresetFileBase::ReadCategory(const Util::XmlNode& category)
 {
-    for (const XmlNode& param : category.GetChildren("Param")) {
+    for (const Util::XmlNode& param : category.GetChildren("Param")) {
         if (!param.IsElement()) {
             return MakeParseError("Parameter was not a valid XML element.");
         }
@@ -145,7 +145,7 @@ Util::Expected<void> PresetFileBase::ReadCategory(const XmlNode& category)
                      param.GetAttribute("ParamID"),
                      param.GetAttribute("Value"));
     }
-    for (const XmlNode& extra : category.GetChildren("ExtraBytes")) {
+    for (const Util::XmlNode& extra : category.GetChildren("ExtraBytes")) {
         if (!extra.IsElement()) {
             return MakeParseError("Extra bytes was not a valid XML element.");
         }

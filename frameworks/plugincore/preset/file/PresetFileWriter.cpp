@@ -26,7 +26,7 @@ String ToText(bool value)
 
 enum class Verbose { No, Yes };
 
-void WriteValue(FloatRecord& record, Verbose verbose, XmlNode& node)
+void WriteValue(FloatRecord& record, Verbose verbose, Util::XmlNode& node)
 {
     if (verbose == Verbose::Yes) {
         node.AddAttribute("Units", record.units);
@@ -43,7 +43,7 @@ void WriteValue(FloatRecord& record, Verbose verbose, XmlNode& node)
     node.AddAttribute("Value", Util::FormatFloat(record.value));
 }
 
-void WriteValue(EnumRecord& record, Verbose verbose, XmlNode& node)
+void WriteValue(EnumRecord& record, Verbose verbose, Util::XmlNode& node)
 {
     if (verbose == Verbose::Yes) {
         node.AddAttribute("Min", ToText(record.range.min));
@@ -54,7 +54,7 @@ void WriteValue(EnumRecord& record, Verbose verbose, XmlNode& node)
     node.AddAttribute("Value", ToText(*record.value));
 }
 
-void WriteValue(BoolRecord& record, Verbose /*verbose*/, XmlNode& node)
+void WriteValue(BoolRecord& record, Verbose /*verbose*/, Util::XmlNode& node)
 {
     if (record.checkboxId) {
         node.AddAttribute("CheckboxID", ToText(*record.checkboxId));
@@ -63,14 +63,14 @@ void WriteValue(BoolRecord& record, Verbose /*verbose*/, XmlNode& node)
     node.AddAttribute("Value", ToText(record.value));
 }
 
-void WriteSliders(const std::vector<SliderRecord>& sliders, XmlNode& root)
+void WriteSliders(const std::vector<SliderRecord>& sliders, Util::XmlNode& root)
 {
     if (sliders.empty()) {
         return;
     }
-    XmlNode list = root.AddElement("Sliders");
+    Util::XmlNode list = root.AddElement("Sliders");
     for (const SliderRecord& slider : sliders) {
-        XmlNode node = list.AddElement("Slider");
+        Util::XmlNode node = list.AddElement("Slider");
         node.AddAttribute("Name", slider.name);
         node.AddAttribute("SliderID", ToText(slider.sliderId));
         node.AddAttribute("Min", Util::FormatFloat(slider.min));
@@ -82,14 +82,14 @@ void WriteSliders(const std::vector<SliderRecord>& sliders, XmlNode& root)
     }
 }
 
-void WriteCheckBoxes(const std::vector<CheckBoxRecord>& checkBoxes, XmlNode& root)
+void WriteCheckBoxes(const std::vector<CheckBoxRecord>& checkBoxes, Util::XmlNode& root)
 {
     if (checkBoxes.empty()) {
         return;
     }
-    XmlNode list = root.AddElement("CheckBoxes");
+    Util::XmlNode list = root.AddElement("CheckBoxes");
     for (const CheckBoxRecord& checkBox : checkBoxes) {
-        XmlNode node = list.AddElement("CheckBox");
+        Util::XmlNode node = list.AddElement("CheckBox");
         node.AddAttribute("Name", checkBox.name);
         node.AddAttribute("CheckboxID", ToText(checkBox.checkboxId));
         node.AddAttribute("Value", ToText(checkBox.value));
@@ -98,9 +98,9 @@ void WriteCheckBoxes(const std::vector<CheckBoxRecord>& checkBoxes, XmlNode& roo
 
 } // namespace
 
-void PresetFileBase::WriteDocument(XmlDocument& document, Snapshot& values)
+void PresetFileBase::WriteDocument(Util::XmlDocument& document, Snapshot& values)
 {
-    XmlNode root = document.Start("1.0", GetType());
+    Util::XmlNode root = document.Start("1.0", GetType());
     root.AddAttribute("PresetVer", ToText(GetParamsVersion()));
     root.AddAttribute("PluginVer", ToText(GetPluginVersion()));
     root.AddAttribute("PluginBuild", ToText(GetPluginBuild()));
@@ -117,12 +117,14 @@ void PresetFileBase::WriteDocument(XmlDocument& document, Snapshot& values)
     }
 }
 
-void PresetFileBase::WriteCategory(const String& element, ElementSnapshot& values, XmlNode& root)
+void PresetFileBase::WriteCategory(const String& element,
+                                   ElementSnapshot& values,
+                                   Util::XmlNode& root)
 {
-    XmlNode category = root.AddElement(element);
+    Util::XmlNode category = root.AddElement(element);
     category.AddAttribute("Enabled", ToText(values.enabled));
     for (auto& [key, record] : values.params) {
-        XmlNode node = category.AddElement("Param");
+        Util::XmlNode node = category.AddElement("Param");
         node.AddAttribute("ElementID", key.first);
         node.AddAttribute("ParamID", key.second);
         const bool isVerbose = IsVerbose() || IsAlwaysVerbose(key);
@@ -132,7 +134,7 @@ void PresetFileBase::WriteCategory(const String& element, ElementSnapshot& value
     }
     // What the element has anyway needs no place in the file.
     if (values.extraBytes != dsp.GetExtraBytes(element)) {
-        XmlNode node = category.AddElement("ExtraBytes");
+        Util::XmlNode node = category.AddElement("ExtraBytes");
         node.AddAttribute("ElementID", element);
         node.AddAttribute("Data", Util::EncodeBase64(values.extraBytes));
     }

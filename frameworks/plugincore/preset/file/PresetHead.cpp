@@ -70,9 +70,9 @@ std::optional<std::string> CutHead(std::string_view text)
 
 Util::Expected<PresetHead> ParseHead(Util::ByteSpan text, const String& path)
 {
-    XmlDocument document;
+    Util::XmlDocument document;
     if (auto parsed = document.Parse(text, path); !parsed) {
-        return parsed.GetError();
+        return MakeParseError(parsed.GetError().GetDescription());
     }
     const auto root = document.GetRoot();
     if (!root) {
@@ -114,7 +114,7 @@ bool IsReadOnly(const MetadataMap& metadata)
     return found != metadata.end() && !found->second.IsEmpty() && found->second != "0";
 }
 
-PresetHead GetHead(const XmlDocument& document, const XmlNode& root)
+PresetHead GetHead(const Util::XmlDocument& document, const Util::XmlNode& root)
 {
     PresetHead head;
     head.xmlVersion = document.GetXmlVersion();

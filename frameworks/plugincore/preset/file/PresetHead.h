@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/preset/file/XmlDocument.h"
+#include "frameworks/qobase/util/XmlDocument.h"
 
 #include <cstdint>
 #include <map>
@@ -34,7 +34,7 @@ struct PresetHead {
 };
 
 /// Of a document's root element.
-PresetHead GetHead(const XmlDocument& document, const XmlNode& root);
+PresetHead GetHead(const Util::XmlDocument& document, const Util::XmlNode& root);
 
 /// Of the preset file at `path`. Of a plain file only the bytes up to the end of the root's tag are
 /// looked at, so that a fault behind it goes unseen. [ui]

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
-#include "frameworks/plugincore/preset/file/CleanText.h"
+#include "frameworks/qobase/util/CleanText.h"
 
 #include <string>
 #include <string_view>
 
-namespace Preset {
+namespace Util {
 namespace {
 
 // What the first byte of a character says: how many bytes, and the least number that needs as many
@@ -71,4 +71,4 @@ String CleanText(const String& text)
     return result;
 }
 
-} // namespace Preset
+} // namespace Util

@@ -8,7 +8,12 @@
 #include <optional>
 #include <vector>
 
-namespace Preset {
+namespace Util {
+
+struct XmlErrorKind;
+
+/// A text is no XML document; the detail is "Util::Xml".
+using XmlError = BasicError<XmlErrorKind>;
 
 /// One node of a document: a handle, valid for as long as the document is. Threads: as the
 /// document's.
@@ -49,9 +54,9 @@ public:
     XmlDocument& operator=(const XmlDocument&) = delete;
     ~XmlDocument();
 
-    /// Takes the place of what was there. `path` is for the text of a failure only, which is the
-    /// parser's own. A document that lacks its root passes.
-    Util::Expected<void> Parse(Util::ByteSpan text, const String& path);
+    /// Takes the place of what was there. `path` is for the text of a failure only, an XmlError
+    /// that goes on with the parser's own words. A document that lacks its root passes.
+    Expected<void> Parse(ByteSpan text, const String& path);
     /// The first element on top.
     std::optional<XmlNode> GetRoot() const;
     /// What the XML declaration gives; empty without one.
@@ -59,7 +64,7 @@ public:
 
     /// An empty document with a declaration of this version and a root element.
     XmlNode Start(const String& xmlVersion, const String& rootName);
-    Util::Bytes GetText() const;
+    Bytes GetText() const;
 
 private:
     class Content;
@@ -67,4 +72,4 @@ private:
     std::unique_ptr<Content> content;
 };
 
-} // namespace Preset
+} // namespace Util

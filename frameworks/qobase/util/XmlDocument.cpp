@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: ISC
-#include "frameworks/plugincore/preset/file/XmlDocument.h"
+#include "frameworks/qobase/util/XmlDocument.h"
 
-#include "frameworks/plugincore/preset/file/CleanText.h"
-#include "frameworks/plugincore/preset/file/PresetErrors.h"
+#include "frameworks/qobase/util/CleanText.h"
 
 #include <pugixml.hpp>
 
 #include <string_view>
 
-namespace Preset {
+namespace Util {
 namespace {
 
 pugi::xml_node ToLibrary(void* node)
@@ -23,7 +22,7 @@ std::string_view NameOf(const pugi::xml_node& node)
 
 class BytesWriter final : public pugi::xml_writer {
 public:
-    Util::Bytes bytes;
+    Bytes bytes;
 
     void write(const void* data, size_t size) override
     {
@@ -110,7 +109,7 @@ XmlDocument::XmlDocument()
 
 XmlDocument::~XmlDocument() = default;
 
-Util::Expected<void> XmlDocument::Parse(Util::ByteSpan text, const String& path)
+Expected<void> XmlDocument::Parse(ByteSpan text, const String& path)
 {
     constexpr unsigned everyNode =
         pugi::parse_default | pugi::parse_comments | pugi::parse_pi | pugi::parse_declaration;
@@ -122,7 +121,7 @@ Util::Expected<void> XmlDocument::Parse(Util::ByteSpan text, const String& path)
         return {};
     }
     // Joined, not filled in: a path may hold what looks like a placeholder.
-    return MakeParseError(path + ": " + result.description());
+    return XmlError(path + ": " + result.description(), "Util::Xml");
 }
 
 std::optional<XmlNode> XmlDocument::GetRoot() const
@@ -150,11 +149,11 @@ XmlNode XmlDocument::Start(const String& xmlVersion, const String& rootName)
     return XmlNode(content->document.append_child(rootName.c_str()).internal_object());
 }
 
-Util::Bytes XmlDocument::GetText() const
+Bytes XmlDocument::GetText() const
 {
     BytesWriter writer;
     content->document.save(writer, "    ", pugi::format_default, pugi::encoding_utf8);
     return std::move(writer.bytes);
 }
 
-} // namespace Preset
+} // namespace Util

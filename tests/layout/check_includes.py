@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: ISC
-"""Fails on every #include that no arrow of the architecture allows.
+"""Fails on every #include, and every forward declaration, that no arrow of the architecture allows.
 
     check_includes.py ROOT       reads the project
     check_includes.py --self-test
 
-Below the wrappers, headers use the standard library alone, and sources also what PLATFORM and
-LIBRARIES name; a wrapper may use any library. Project headers are included by their path from the root, in quotes.
+arrows.py holds the arrows. Below the wrappers, headers use the standard library alone, and sources also what PLATFORM and
+LIBRARIES name; a wrapper may use any library. Project headers are included by their path from the
+root, in quotes. A class of another folder may be declared where its header may be included.
 """
 
 import re
@@ -14,81 +15,9 @@ import sys
 import tempfile
 from pathlib import Path
 
-UTIL, ENTRY = "frameworks/qobase/util", "frameworks/plugincore/entry"
-KERNELS, SIGNAL = "frameworks/plugincore/dsp/kernels", "frameworks/plugincore/dsp/signal"
-ELEMENTS, PATH = "frameworks/plugincore/dsp/elements", "frameworks/plugincore/dsp/path"
-DSP = {KERNELS, SIGNAL, ELEMENTS, PATH}
-CONTROLLER = "frameworks/plugincore/controller"
-PRESET, PRESETS = "frameworks/plugincore/preset/file", "frameworks/plugincore/preset/manager"
-HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
-DEFINITION, CORE = "frameworks/plugincore/product", "frameworks/plugincore/instance"
-DISPATCH = "frameworks/plugincore/dispatch"
-FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
-PRODUCT = "restoration/plugin_LM_Puffguard"
-COMMAND = "wrappers/cli/"
-LEVEL = "PUFFGUARD_LEVEL" # stands in headers of the kernels that know the level they are compiled for
+from arrows import (ARROWS, CORE, ELEMENTS, ENTRY, KERNELS, KNOTS, LEVEL, LIBRARIES, PLATFORM,
+                    REPAIR, SIGNAL, UI, UTIL, WITHOUT_LIBRARIES)
 
-# Folder: the folders that its files may include, besides itself. The longest match counts.
-ARROWS = {
-    UTIL: set(),
-    ENTRY: set(),
-    KERNELS: set(),
-    SIGNAL: {KERNELS, UTIL},
-    ELEMENTS: {SIGNAL, UTIL},
-    PATH: {ELEMENTS, SIGNAL, ENTRY, UTIL},
-    CONTROLLER: {ELEMENTS, UTIL},
-    PRESET: {PATH, ELEMENTS, UTIL},
-    PRESETS: {PRESET, UTIL},
-    HISTORY: {UTIL},
-    HISTORY_DIALOG: {HISTORY, UTIL},
-    DEFINITION: {ENTRY, UTIL},
-    CORE: {DEFINITION, CONTROLLER, PRESETS, PRESET, HISTORY, PATH, ELEMENTS, SIGNAL, ENTRY, UTIL},
-    DISPATCH: {CORE, DEFINITION, ENTRY, UTIL},
-    FAMILY: {PRESET, PATH, ELEMENTS, UTIL},
-    REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
-    PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
-    "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
-    COMMAND + "text": set(),
-    COMMAND + "files": {"wrappers/common"},
-    COMMAND + "audio": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
-    COMMAND + "effect": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
-    COMMAND + "report": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
-    COMMAND + "plot": {COMMAND + "files", COMMAND + "report"},
-    COMMAND + "run": {COMMAND + "audio", COMMAND + "effect", COMMAND + "files", COMMAND + "plot",
-                      COMMAND + "report", COMMAND + "text", "wrappers/common"},
-    "wrappers/lv2": {"wrappers/common"},
-    "wrappers/clap": {"wrappers/common"},
-    "wrappers/vst3": {"wrappers/common"},
-}
-EVERYTHING = set(ARROWS) | {"tests/support"}
-ARROWS |= {
-    # These act as hosts of the finished module, and know no more than a host does.
-    "tests/contract": {ENTRY, "tests/support"},
-    "tests/realtime": {ENTRY, UTIL, "tests/contract", "tests/support"}, # UTIL for the names of locks
-    "tests/support": EVERYTHING,
-    # They lend their hosts to the contract, and watch runs of their own.
-    "tests/wrappers": EVERYTHING | {"tests/contract", "tests/realtime"},
-    "tests": EVERYTHING,
-    "bench": EVERYTHING,
-    "tools": EVERYTHING,
-}
-
-WITHOUT_LIBRARIES = ("frameworks/", "restoration/")
-# Operating system and processor headers, for sources only: the seams towards a platform.
-PLATFORM = {
-    UTIL: {"xmmintrin.h", "emmintrin.h", "unistd.h", "fcntl.h", "pwd.h", "sys/file.h", "sys/random.h",
-           "sys/stat.h"},
-    CORE: {"dlfcn.h"},
-}
-# Libraries that a folder's sources may use.
-LIBRARIES = {
-    UTIL: ("json/", "zlib.h"),
-    ELEMENTS: ("boost/signals2/",),
-    CONTROLLER: ("boost/signals2/",),
-    PRESET: ("pugixml.hpp",),
-    PRESETS: ("boost/signals2/",),
-    CORE: ("boost/signals2/",),
-}
 C_HEADERS = {name + ".h" for name in (
     "assert complex ctype errno fenv float inttypes iso646 limits locale math setjmp signal stdalign"
     " stdarg stdatomic stdbool stddef stdint stdio stdlib stdnoreturn string tgmath threads time"
@@ -96,6 +25,9 @@ C_HEADERS = {name + ".h" for name in (
 SOURCE_ENDINGS = {".h", ".hpp", ".inc", ".c", ".cc", ".cpp", ".cxx", ".in"}
 INCLUDE = re.compile(r"^\s*(?:#|%:)\s*(?:include(?:_next)?|import)\b\s*(.*?)\s*$", re.MULTILINE)
 # Strings come first, so that "//" inside one starts no comment.
+# What changes the namespace or declares a class, outside of comments and strings.
+SCOPES = re.compile(r'"(?:\\.|[^"\\\n])*"|\bnamespace\s+([\w:]+)\s*\{|([{}])|'
+                    r'\b(?:class|struct|enum\s+class)\s+(\w+)\s*(?:final\s*)?(:[^;{]*)?([;{])')
 COMMENT = re.compile(r'("(?:\\.|[^"\\\n])*")|//[^\n]*|/\*.*?\*/', re.DOTALL)
 
 
@@ -147,18 +79,47 @@ def fault_of(root, path, target):
     return None
 
 
+def classes(text):
+    """Yields (qualified name, whether it is defined here) of every class in a namespace."""
+    scopes = [] # of each open brace: the namespace it opens, or None
+    for match in SCOPES.finditer(COMMENT.sub(lambda found: found.group(1) or " ", text)):
+        namespace, brace, name, _, end = match.groups()
+        if name and None not in scopes:
+            yield "::".join([*scopes, name]), end == "{"
+        if namespace or brace == "{" or end == "{":
+            scopes.append(namespace)
+        elif brace == "}" and scopes:
+            scopes.pop()
+
+
+def faults_of_declarations(texts):
+    """`texts`: by path. Classes that are declared in a folder which may not include their header."""
+    homes, declared = {}, []
+    for path, text in texts.items():
+        if not path.startswith(WITHOUT_LIBRARIES):
+            continue
+        for name, defined in classes(text):
+            if defined:
+                homes.setdefault(name, set()).add(folder_of(path))
+            else:
+                declared.append((path, name))
+    for path, name in declared:
+        folder = folder_of(path)
+        allowed = {folder} | ARROWS.get(folder, set())
+        if name in homes and not homes[name] & allowed and name not in KNOTS.get(folder, ()):
+            yield f"{path}: no arrow leads from {folder} to {', '.join(homes[name])}: class {name};"
+
+
 def faults(root):
-    result = []
+    texts = {}
     for top in ("frameworks", "restoration", "wrappers", "tests", "bench", "tools"):
         for file in sorted((root / top).rglob("*")):
-            if file.suffix not in SOURCE_ENDINGS or not file.is_file():
-                continue
-            path = file.relative_to(root).as_posix()
-            for target in includes(file.read_text(encoding="utf-8", errors="replace")):
-                fault = fault_of(root, path, target)
-                if fault:
-                    result.append(f"{path}: {fault}")
-    return result
+            if file.suffix in SOURCE_ENDINGS and file.is_file():
+                path = file.relative_to(root).as_posix()
+                texts[path] = file.read_text(encoding="utf-8", errors="replace")
+    result = [f"{path}: {fault}" for path, text in texts.items() for target in includes(text)
+              if (fault := fault_of(root, path, target))]
+    return result + list(faults_of_declarations(texts))
 
 
 GOOD = {
@@ -176,6 +137,10 @@ GOOD = {
     f"{SIGNAL}/K.cpp": f'#include "{KERNELS}/Set.h"\n',
     f"{ELEMENTS}/L.cpp": "#include <boost/signals2/signal.hpp>\n",
     f"{CORE}/C.cpp": "#include <dlfcn.h>\n",
+    f"{CORE}/Declared.h": "namespace Core {\nstruct Declared {};\nclass Upper {\n    class Inner;\n};\n}\n",
+    f"{CORE}/Inner.h": "namespace Core { class Inner { }; }\n",
+    f"{REPAIR}/Same.h": "namespace Repair { class Declared; }\n",
+    f"{UI}native/x11/Window.cpp": "#include <xcb/xcb.h>\n",
     "wrappers/common/M.h": f'#include "{ENTRY}/E.h"\n',
     "wrappers/cli/run/W.cpp": '#include "wrappers/common/M.h"\n#include <sndfile.h>\n',
     "tests/a/T.cpp": f'#include "{CORE}/C.h"\n#include <gtest/gtest.h>\n',
@@ -200,6 +165,9 @@ BAD = {
     f"{CORE}/Macro.cpp": "#include HEADER\n",
     f"{CORE}/Digraph.cpp": "%:include <zlib.h>\n",
     f"{CORE}/String.cpp": 'const char* s = "/*";\n#include <zlib.h>\nconst char* t = "*/";\n',
+    f"{UTIL}/Declares.h": "namespace Core {\nstruct Declared; // of above\n}\n",
+    f"{UI}window/Window.cpp": "#include <xcb/xcb.h>\n",
+    f"{UI}draw/Context.cpp": f'#include "{UI}native/x11/Window.cpp"\n',
     f"{CORE}/Behind.cpp": "/* a */ #include <zlib.h>\n",
 }
 

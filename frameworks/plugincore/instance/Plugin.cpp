@@ -5,7 +5,6 @@
 #include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/preset/manager/PresetManager.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
-#include "frameworks/qobase/util/Process.h"
 #include "frameworks/qobase/util/Tick.h"
 
 #include <algorithm>
@@ -20,36 +19,6 @@ constexpr uint32_t ProcessingHoldMilliseconds = 2500;
 
 constexpr uint32_t IgnoredHostMessage = 0x8070A002;
 constexpr uint32_t EditorTextMessage = 0x800523BC;
-
-// No host delays by more than this, a minute and a half at the highest rate; a dry line that long
-// can still be had.
-constexpr int32_t LongestFrozenDelay = 1 << 24;
-
-String SettingsPath(const String& vendor, const String& identifier)
-{
-    return String("SOFTWARE/%1/%2").arg(vendor).arg(identifier);
-}
-
-String ProductSettingsPath(const PluginDefinition& definition)
-{
-    return definition.GetConfigPath().value_or(
-        SettingsPath(definition.GetVendor(), definition.GetShortName()));
-}
-
-std::unique_ptr<Util::ConfigFile> MakeSharedConfigFile(const PluginDefinition& definition)
-{
-    const String identifier = definition.GetSharedConfigId();
-    return identifier.IsEmpty() ? nullptr
-                                : std::make_unique<Util::ConfigFile>(
-                                      SettingsPath(definition.GetVendor(), identifier));
-}
-
-std::optional<uint32_t> ReadFrozenDelay(const Util::ConfigFile& settings)
-{
-    const int32_t samples = settings.ReadInt("FrozenSystemDelay", -1);
-    const bool isUsable = samples >= 0 && samples <= LongestFrozenDelay;
-    return isUsable ? std::optional<uint32_t>(static_cast<uint32_t>(samples)) : std::nullopt;
-}
 
 uint64_t StackTop()
 {
@@ -66,11 +35,8 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , channelCount(DSP::GetChannelCount(channelConfig))
     , maxBlockFrames(factory.GetDefinition().GetMaxBlockFrames())
     , constructStart(setup.traceAllocations ? StackTop() : 0)
-    , hostIdentity(IdentifyHost(Util::GetExecutablePath()))
-    , configFile(ProductSettingsPath(factory.GetDefinition()))
-    , sharedConfigFile(MakeSharedConfigFile(factory.GetDefinition()))
-    , delayCompensationEnabled(IsOffline() || configFile.ReadBool("DelayCompensationEnable", true))
-    , frozenSystemDelay(IsOffline() ? std::nullopt : ReadFrozenDelay(configFile))
+    , settings(factory.GetDefinition(), IsOffline())
+    , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
     , sessionUuid(Util::MakeUuid())
     , reader(factory.CreateReader())
     , writer(factory.CreateWriter())
@@ -78,21 +44,23 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue(1)
+    , history(factory.GetDefinition(), IsOffline())
 {
     // In the body, so that elements under construction find a null pointer in its place.
     transform = factory.CreateTransform(*this, sampleRate, channelConfig);
+    latency.Attach(*transform);
     // The host has no instance yet that it could be told about.
-    UpdateLatency(DSP::Context::UI, Notify::No);
-    UpdateLatency(DSP::Context::Process, Notify::No);
+    latency.Update(DSP::Context::UI, LatencyReport::Notify::No);
+    latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
     transform->PlanDryDelay();
     BuildElementParamList();
-    history = factory.CreateHistory(*this);
+    history.Adopt(factory.CreateHistory(*this));
     if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
         timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
     }
     if (!IsOffline()) {
         persistentParams = std::make_unique<Controller::PersistentParamsLink>(
-            Controller::PersistentParamsHolder::Share(configFile.GetKeyPath()));
+            Controller::PersistentParamsHolder::Share(settings.GetProductFile().GetKeyPath()));
         LoadPersistentParams();
     }
     reconfiguring = false;
@@ -102,8 +70,8 @@ Plugin::~Plugin()
 {
     suspended = true;
     timer.reset();
-    FlushHistoryAtEnd();
-    history.reset();
+    history.FlushAtEnd(GetThreadController().GetUILock());
+    history.Adopt(nullptr);
     persistentParams.reset();
     presets.reset();
     transform.reset(); // its elements give back the commands that they still hold
@@ -115,10 +83,7 @@ Plugin::~Plugin()
 
 void Plugin::Initialize()
 {
-    WindowHintRecord hint{};
-    if (GetHostCallback().Ask(HostOpcodeGetWindowHint, DSP::Context::Process, &hint)) {
-        hostWindowHint = hint;
-    }
+    hostFacts.AskWindowHint(GetHostCallback());
     initialized = true;
 }
 
@@ -129,7 +94,7 @@ void Plugin::Terminate()
         return; // the end of the instance writes what is left
     }
     const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
-    FlushHistory();
+    history.Flush();
 }
 
 bool Plugin::RecentlyProcessed() const
@@ -166,11 +131,41 @@ uint64_t Plugin::GetProcessPosition() const
 void Plugin::AttachEditor(Editor* newEditor)
 {
     // A new editor finds what a change of format has left to be done already done.
-    editorPending = false;
+    editor.DropPending();
     LoadPendingChunks();
-    editor = newEditor;
-    editorThread = newEditor != nullptr ? std::this_thread::get_id() : std::thread::id();
-    FollowEditor();
+    editor.Attach(newEditor);
+    history.onEditorAttached(editor.IsOpen());
+}
+
+bool Plugin::GetState(uint32_t size, void* buffer)
+{
+    return GetChunk({static_cast<uint8_t*>(buffer), size});
+}
+
+bool Plugin::GetStateForFile(uint32_t size, void* buffer)
+{
+    return GetCompareChunk({static_cast<uint8_t*>(buffer), size});
+}
+
+bool Plugin::SetState(uint32_t size, const void* buffer, uint32_t version)
+{
+    const UserAction action(*this); // one for all that comes back
+    return SetChunk({static_cast<const uint8_t*>(buffer), size}, version, DSP::SourceController);
+}
+
+void Plugin::GetHistoryFilePath(String& path)
+{
+    path = history.MakeFilePath(sessionUuid);
+}
+
+Util::Expected<void> Plugin::SaveHistory(const HistoryModel& model)
+{
+    return history.Save(*this, history.MakeFilePath(sessionUuid), model);
+}
+
+void Plugin::LoadHistory(HistoryModel& model)
+{
+    history.Load(*this, history.MakeFilePath(sessionUuid), model);
 }
 
 void Plugin::CommandPosted(DSP::Element& /*element*/, DSP::DSPCommand& command)
@@ -225,12 +220,6 @@ uint32_t Plugin::ElementCommand(ElementRecord& record)
     }
 }
 
-void Plugin::SetHostTrackValue(uint64_t value)
-{
-    hostTrackValue = value;
-    hasHostTrackValue = true;
-}
-
 void Plugin::Tick()
 {
     if (!initialized || !GetThreadController().GetUILock().TryEnter()) {
@@ -256,7 +245,7 @@ void Plugin::Tick()
         // What counts is what there is now: audio may have started meanwhile and changed a latency,
         // the host may have set a parameter.
         if (notification.opcode == HostOpcodeLatencyChanged) {
-            notification.latency = GetLatencyOf(notification.context).reported;
+            notification.latency = latency.GetReported(notification.context);
         } else if (notification.opcode == HostOpcodeParamEvent) {
             RefreshEvent(notification.event);
         }
@@ -282,29 +271,17 @@ void Plugin::RefreshEvent(ParamEventRecord& event)
 
 void Plugin::RunIdleWork()
 {
-    FinishEditor();
+    if (editor.FinishFormat()) {
+        LoadPendingChunks();
+    }
     if (processDirty.exchange(false)) {
-        NotifyHistory();
+        history.onStateChanged();
     }
     transform->GetSet().OnUIIdle();
     transform->GetSet().OnSyncParams();
     if (persistentParams) {
         persistentParams->ApplyChanges();
     }
-    if (history) {
-        history->onIdle();
-    }
-    CheckLatency(DSP::Context::UI);
-}
-
-void Plugin::FinishEditor()
-{
-    if (!editorPending) {
-        return;
-    }
-    if (editor != nullptr) {
-        editor->AttachControllers();
-    }
-    editorPending = false; // not before: what fails is tried again at the next tick
-    LoadPendingChunks();
+    history.onIdle();
+    latency.Check(DSP::Context::UI);
 }

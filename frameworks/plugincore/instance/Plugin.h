@@ -4,17 +4,18 @@
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
 #include "frameworks/plugincore/dsp/signal/FFTPool.h"
 #include "frameworks/plugincore/dsp/signal/MemoryPool.h"
-#include "frameworks/plugincore/instance/Editor.h"
+#include "frameworks/plugincore/instance/EditorLink.h"
 #include "frameworks/plugincore/instance/GestureBook.h"
-#include "frameworks/plugincore/instance/HostIdentification.h"
+#include "frameworks/plugincore/instance/HistoryKeeper.h"
+#include "frameworks/plugincore/instance/HostFacts.h"
+#include "frameworks/plugincore/instance/LatencyReport.h"
 #include "frameworks/plugincore/instance/PluginFactory.h"
+#include "frameworks/plugincore/instance/PluginSettings.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
-#include "frameworks/qobase/util/ConfigFile.h"
 #include "frameworks/qobase/util/TaskQueue.h"
 #include "frameworks/qobase/util/Timer.h"
 #include "frameworks/qobase/util/Uuid.h"
 
-#include <array>
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -58,7 +59,10 @@ public:
     void ClearDefaultState() override { defaultStateFlag = false; }
     bool IsInSignalPath() const override;
     void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
-    uint32_t GetLatency(DSP::Context context) const override;
+    uint32_t GetLatency(DSP::Context context) const override
+    {
+        return latency.GetWithHostDelay(context);
+    }
     uint32_t ResetProcessing(DSP::Context context) override;
     void SetProcessingState(DSP::Context context, bool active, bool hold) override;
     void onSettle() override;
@@ -76,7 +80,7 @@ public:
     }
     uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) override;
     uint32_t ElementCommand(ElementRecord& record) override;
-    void SetHostTrackValue(uint64_t value) override;
+    void SetHostTrackValue(uint64_t value) override { hostFacts.SetTrackValue(value); }
 
     // DSP::ElementHost
     void ReserveProcessingMemory(std::size_t bytes) override { memoryPool.Reserve(bytes); }
@@ -101,8 +105,11 @@ public:
     uint32_t GetProcessBlockOffset() const override { return processBlockOffset; }
     uint64_t GetProcessPosition() const override;
     std::optional<int64_t> GetTransportPosition() const override;
-    void LatencyChanged(DSP::Context context) override;
-    uint32_t GetProcessingSystemDelaySamples() const override;
+    void LatencyChanged(DSP::Context context) override { latency.onElementChanged(context); }
+    uint32_t GetProcessingSystemDelaySamples() const override
+    {
+        return latency.GetReported(DSP::Context::Process);
+    }
     bool IsUIThread() const override;
     bool MayChangeDSP() const override;
     bool IsReconfiguring() const override { return reconfiguring; }
@@ -123,14 +130,14 @@ public:
     bool SetState(uint32_t size, const void* buffer, uint32_t version) override;
     bool GetStateForFile(uint32_t size, void* buffer) override;
     void GetHistoryFilePath(String& path) override;
-    void StateChanged() override;
+    void StateChanged() override { editor.StateChanged(); }
     Util::Expected<void> SaveHistory(const HistoryModel& model) override;
     void LoadHistory(HistoryModel& model) override;
 
     /// True once after the editor was told by StateChanged(); it isn't told again before. [ui]
-    bool TakeStateChange() { return std::exchange(stateChangePending, false); }
+    bool TakeStateChange() { return editor.TakeStateChange(); }
     /// Null when the product has no history. [ui]
-    HistoryManager* GetHistory() const { return history.get(); }
+    HistoryManager* GetHistory() const { return history.Get(); }
 
     /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
     bool RecentlyProcessed() const;
@@ -138,15 +145,15 @@ public:
     DSP::DSPSet& GetSet() const { return transform->GetSet(); }
     /// The user's settings for this product, also of an offline instance, which looks at them only
     /// for what it is asked to do. [ui]
-    Util::ConfigFile& GetConfigFile() { return configFile; }
+    Util::ConfigFile& GetConfigFile() { return settings.GetProductFile(); }
     /// The settings that products share; null when there are none. [ui]
-    Util::ConfigFile* GetSharedConfigFile() { return sharedConfigFile.get(); }
+    Util::ConfigFile* GetSharedConfigFile() { return settings.GetSharedFile(); }
     const Util::Uuid& GetSessionUuid() const { return sessionUuid; }
 
     /// The open editor, of the calling thread from now on; it stays the caller's. Null: there is
     /// none. Under the UI lock. [ui]
     void AttachEditor(Editor* newEditor);
-    Editor* GetEditor() const { return editor; }
+    Editor* GetEditor() const { return editor.Get(); }
 
     /// Tells the host that the user has changed the instance's state. [ui]
     void NotifyDirty() { GetHostCallback().NotifyDirty(); }
@@ -168,12 +175,6 @@ public:
     };
 
 private:
-    // One side's view of the delay between input and output, in samples.
-    struct Latency {
-        std::atomic<uint32_t> reported{0};
-        std::atomic<uint32_t> raw{0}; // sum over the elements
-        std::atomic<bool> dirty{false};
-    };
     // One row of the flat list of all elements' parameters.
     struct ElementParam {
         String elementName;
@@ -181,20 +182,12 @@ private:
         DSP::Element* element;
         DSP::ParamObject param;
     };
-    enum class Notify { No, Yes };
     class ProcessScope;
-    class ThreadMark;
 
     // Plugin.cpp
     void Tick();
     void RunIdleWork();
-    void FinishEditor();
     void RefreshEvent(ParamEventRecord& event);
-    Latency& GetLatencyOf(DSP::Context context) { return latencies[static_cast<size_t>(context)]; }
-
-    // PluginLatency.cpp
-    void UpdateLatency(DSP::Context context, Notify notify);
-    void CheckLatency(DSP::Context context);
 
     // PluginParams.cpp
     void BuildElementParamList();
@@ -208,12 +201,6 @@ private:
     void ReportParam(uint32_t kind, const DSP::Element& element, const String& name);
     void StorePersistentParams();
     void LoadPersistentParams();
-
-    // PluginHistory.cpp
-    void FollowEditor();
-    void NotifyHistory();
-    void FlushHistory();
-    void FlushHistoryAtEnd() noexcept;
 
     // PluginState.cpp
     Util::Dictionary BuildCommonDictionary() const;
@@ -237,7 +224,6 @@ private:
     void ReturnToFormat(float formerRate, uint32_t formerConfig, const Util::Bytes& state) noexcept;
     Util::Bytes SaveState();
     void RestoreState(const Util::Bytes& state);
-    Editor* FreeEditorOfElements();
 
     // PluginProcess.cpp
     void RunBlock(const ProcessRecord& record);
@@ -250,12 +236,10 @@ private:
     uint32_t channelCount;
     const uint32_t maxBlockFrames;
     const uint64_t constructStart;
-    const HostIdentity hostIdentity;
-    Util::ConfigFile configFile;
-    const std::unique_ptr<Util::ConfigFile> sharedConfigFile;
-    const bool delayCompensationEnabled;
-    const std::optional<uint32_t> frozenSystemDelay; // samples that the host is told at any rate
-    Util::Uuid sessionUuid;                          // UI side
+    HostFacts hostFacts;
+    PluginSettings settings;
+    LatencyReport latency;
+    Util::Uuid sessionUuid; // UI side
     const std::unique_ptr<Util::DictionaryReader> reader;
     const std::unique_ptr<Util::DictionaryWriter> writer;
     const std::unique_ptr<Context::ContextBase> sessionContext;
@@ -269,8 +253,6 @@ private:
     std::atomic<uint32_t> lastProcessTick{0};     // ms; 0 means never
     std::atomic<std::thread::id> processThread{}; // inside the process side now; default: none
     std::atomic<std::thread::id> audioThread{};   // last to run process()
-    std::atomic<std::thread::id> latencyThread{}; // telling the host of a latency now
-    std::array<Latency, 2> latencies;             // by context
     DSP::MemoryPool memoryPool;
     DSP::FFTPool fftPool;
     Util::TaskQueue taskQueue;
@@ -280,19 +262,13 @@ private:
     uint32_t processBlockOffset = 0;
     TransportRecord transportCopy{}; // advanced chunk by chunk
     bool transportCopyValid = false;
-    WindowHintRecord hostWindowHint{};
-    std::atomic<uint64_t> hostTrackValue{0};
-    std::atomic<bool> hasHostTrackValue{false};
-    Editor* editor = nullptr;               // not owned; UI side
-    std::thread::id editorThread{};         // that attached the editor
-    bool editorPending = false;             // its controllers are to be attached again; UI side
+    EditorLink editor;
     std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
     GestureBook gestures;                   // UI side
     std::unique_ptr<DSP::TransformBase> transform;
     std::unique_ptr<Preset::PresetManager> presets; // made at its first use; UI side
     std::unique_ptr<Controller::PersistentParamsLink> persistentParams; // null offline
-    std::unique_ptr<HistoryManager> history;                            // may be null
-    bool stateChangePending = false; // the editor has been told; UI side
+    HistoryKeeper history;
     std::vector<ElementParam> elementParamList;
     std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
 };

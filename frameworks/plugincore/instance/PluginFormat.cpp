@@ -3,8 +3,8 @@
 // processing state.
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/instance/PluginThreadMark.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
+#include "frameworks/plugincore/instance/ThreadMark.h"
 #include "frameworks/qobase/util/DebugTrace.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/ScopedFlag.h"
@@ -15,7 +15,7 @@
 bool Plugin::IsInSignalPath() const
 {
     const std::thread::id caller = std::this_thread::get_id();
-    return caller == processThread.load() || caller == latencyThread.load();
+    return caller == processThread.load() || latency.IsReportingThread();
 }
 
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
@@ -51,17 +51,14 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     try {
         StorePersistentParams();
         transform->BeforeFormatChange();
-        closedEditor = FreeEditorOfElements();
+        closedEditor = editor.FreeOfElements();
         TakeFormat(newSampleRate, newChannelConfig);
         FollowFormat(state);
     } catch (...) {
         failure = std::current_exception();
         ReturnToFormat(formerRate, formerConfig, state);
     }
-    if (closedEditor != nullptr) {
-        editor = closedEditor;
-        editor->ReopenAfterFormat();
-    }
+    editor.Reopen(closedEditor);
     if (failure) {
         std::rethrow_exception(failure);
     }
@@ -79,23 +76,6 @@ void Plugin::ReturnToFormat(float formerRate,
         // The caller is told of the failure that came first.
         Util::DebugTrace("The former stream format could not be taken again");
     }
-}
-
-// The editor when it is this thread's, which is closed then; one of another thread stays open and
-// is put right by the tick.
-Editor* Plugin::FreeEditorOfElements()
-{
-    if (editor == nullptr) {
-        return nullptr;
-    }
-    if (editorThread != std::this_thread::get_id()) {
-        editor->DetachControllers();
-        editorPending = true;
-        return nullptr;
-    }
-    editor->CloseForFormat();
-    editorPending = false; // opened again, it is bound to what is there then
-    return std::exchange(editor, nullptr);
 }
 
 void Plugin::FollowFormat(const Util::Bytes& state)
@@ -125,7 +105,7 @@ void Plugin::RestoreState(const Util::Bytes& state)
     if (state.empty() || SaveState() == state) {
         return;
     }
-    if (editorPending) {
+    if (editor.IsPending()) {
         pendingChunks.assign(1, state);
     } else {
         SetChunk(state, GetDefinition().GetVersionNumber(), DSP::SourceHost);
@@ -149,8 +129,8 @@ uint32_t Plugin::ResetProcessing(DSP::Context context)
     }
     // Also the dry lines, so that bypass and repair go on from the same silence.
     onSettle();
-    UpdateLatency(DSP::Context::Process, Notify::No);
-    UpdateLatency(DSP::Context::UI, Notify::Yes);
+    latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
+    latency.Update(DSP::Context::UI, LatencyReport::Notify::Yes);
     return GetLatency(context);
 }
 

@@ -48,7 +48,7 @@ void Plugin::ReportParam(uint32_t kind, const DSP::Element& element, const Strin
 void Plugin::ParamGrabbed(DSP::Element& element, const String& name)
 {
     // Only an editor has gestures: values that are set by code are no touch of the user's.
-    if (gestures.Grab(element, name, MayReport() && editor != nullptr)) {
+    if (gestures.Grab(element, name, MayReport() && editor.IsOpen())) {
         ReportParam(GestureBegins, element, name);
     }
 }
@@ -71,9 +71,7 @@ void Plugin::ParamChanged(DSP::Element& element, const String& name)
     if (!MayReport()) {
         return;
     }
-    if (editor != nullptr) {
-        editor->ParamChanged(element.GetName(), name);
-    }
+    editor.ParamChanged(element.GetName(), name);
     ReportParam(ValueChanged, element, name);
     // Neither a preference of the user nor what is saved nowhere is part of the host's state.
     const bool isOfSession =

@@ -3,7 +3,7 @@
 // and those of all elements in one flat list.
 #include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/instance/PluginThreadMark.h"
+#include "frameworks/plugincore/instance/ThreadMark.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 void Plugin::BuildElementParamList()
@@ -118,8 +118,8 @@ void Plugin::SetParam(DSP::Element& element,
         LoadPendingChunks();
         element.SyncParams();
         if (set()) {
-            NotifyHistory();
+            history.onStateChanged();
         }
     }
-    CheckLatency(context);
+    latency.Check(context);
 }

@@ -191,13 +191,13 @@ bool Plugin::MakePresets()
                               product.GetBuildNumber()},
                              GetDefaultPresetFolder(product),
                              GetFactoryPresetFolder(product, GetModulePath()),
-                             configFile,
+                             settings.GetProductFile(),
                              !IsOffline(),
                              *interface,
                              *metadata,
                              [this](const String& /*name*/) {
-                                 CheckLatency(DSP::Context::UI);
-                                 NotifyHistory();
+                                 latency.Check(DSP::Context::UI);
+                                 history.onStateChanged();
                                  UserAction(*this).MarkChanged();
                              }});
     return true;

@@ -2,7 +2,7 @@
 // The way of a host's block through an instance.
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/instance/PluginThreadMark.h"
+#include "frameworks/plugincore/instance/ThreadMark.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/Tick.h"
 
@@ -63,7 +63,7 @@ void Plugin::process(const ProcessRecord& record)
     const Util::ScopedDenormalGuard denormalGuard;
     const ThreadMark mark(processThread);
     RunBlock(record);
-    CheckLatency(DSP::Context::Process);
+    latency.Check(DSP::Context::Process);
 }
 
 void Plugin::RunBlock(const ProcessRecord& record)

@@ -35,29 +35,6 @@ bool IsInteger(const Util::DictionaryValue& value, int32_t expected)
     return number != nullptr && *number == static_cast<uint32_t>(expected);
 }
 
-// Tells an editor, which may be none, of the loading of a state.
-class LoadScope {
-public:
-    explicit LoadScope(Editor* newEditor)
-        : editor(newEditor)
-    {
-        if (editor != nullptr) {
-            editor->BeginLoad();
-        }
-    }
-    LoadScope(const LoadScope&) = delete;
-    LoadScope& operator=(const LoadScope&) = delete;
-    ~LoadScope()
-    {
-        if (editor != nullptr) {
-            editor->EndLoad();
-        }
-    }
-
-private:
-    Editor* const editor;
-};
-
 } // namespace
 
 uint32_t Plugin::GetStateSize()
@@ -106,7 +83,7 @@ Util::Dictionary Plugin::BuildStateDictionary() const
 {
     Util::Dictionary result = BuildCommonDictionary();
     result.Set(ContextKey, {sessionContext->SaveContext()});
-    if (hostIdentity.number == ProTools) {
+    if (hostFacts.GetNumber() == ProTools) {
         result.Set(DefaultStateKey, {defaultStateFlag});
     }
     return result;
@@ -126,7 +103,7 @@ bool Plugin::SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource s
         return false;
     }
     LoadPendingChunks(); // the older state: this one may lack a value, or be none at all
-    const LoadScope scope(editor);
+    const EditorLoadScope scope(editor);
     transform->GetSet().BeforeStateChange();
     const bool isLegacy = version < GetDefinition().GetStateVersion();
     const bool succeeded = !isLegacy || transform->LoadLegacyChunk(*text, version);
@@ -134,7 +111,7 @@ bool Plugin::SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource s
         ApplyStateDictionary(*text, source);
     }
     transform->AfterStateLoaded();
-    NotifyHistory();
+    history.onStateChanged();
     return succeeded;
 }
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/instance/Plugin.h"
+#include <atomic>
+#include <thread>
 
-/// Says that this thread is inside the process side, from here to the end of the scope; then what
-/// was said before holds again.
-class Plugin::ThreadMark {
+/// Keeps this thread's id in a mark, from here to the end of the scope; then what stood there
+/// before holds again. [any]
+class ThreadMark {
 public:
     explicit ThreadMark(std::atomic<std::thread::id>& newMark)
         : mark(newMark)

@@ -168,10 +168,6 @@ TEST(DataStream, FaultsNameTheValueAndTheReason)
     full.SetWritesLengthPrefix(false);
     EXPECT_EQ(Raised([&] { full.WriteString("four"); }), "Can't insert string" + reason);
     EXPECT_EQ(full.GetPosition(), 0U);
-}
-
-TEST(DataStream, TheFaultTellsItsPlaceAndItsName)
-{
     const auto text = Util::Exception::DataStreamIO("Improbable").Describe().ToStdString();
     EXPECT_TRUE(text.starts_with("Base:\nImprobable\n")) << text;
     EXPECT_TRUE(text.ends_with("\nDataStreamIO\n")) << text;
@@ -210,23 +206,17 @@ TEST(DataStream, ImprobableLengthsRaiseBeforeAnythingIsRead)
               "Improbable vector length 18446744073709551615");
 }
 
-TEST(DataStream, WritesTextsWithoutTheirLengthWhenTold)
-{
-    MemoryStream stream;
-    EXPECT_TRUE(stream.GetWritesLengthPrefix());
-    stream.SetWritesLengthPrefix(false);
-    stream.WriteString("ab");
-    stream.WriteUInt8Vector(Bytes{9}); // vectors keep theirs
-    EXPECT_EQ(stream.GetBytes(), (Bytes{'a', 'b', 1, 0, 0, 0, 9}));
-}
-
-TEST(DataStream, WritingInTheMiddleReplacesAndGoesOnBehindTheEnd)
+TEST(DataStream, WritesInTheMiddleAndTextsWithoutTheirLengthWhenAsked)
 {
     MemoryStream stream(Bytes{1, 2, 3});
     stream.SetPosition(2);
     stream.WriteUInt16(0x0B0A);
     EXPECT_EQ(stream.GetBytes(), (Bytes{1, 2, 0x0A, 0x0B}));
     EXPECT_TRUE(stream.IsAtEnd());
+    stream.SetWritesLengthPrefix(false);
+    stream.WriteString("ab");
+    stream.WriteUInt8Vector(Bytes{9}); // vectors keep theirs
+    EXPECT_EQ(stream.GetBytes(), (Bytes{1, 2, 0x0A, 0x0B, 'a', 'b', 1, 0, 0, 0, 9}));
 }
 
 TEST(DataStream, LongVectorsAndOddNumbersComeBackBitByBit)

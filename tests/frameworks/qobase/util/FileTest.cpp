@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/qobase/util/File.h"
+#include "frameworks/qobase/util/Path.h"
+#include "tests/support/Child.h"
 #include "tests/support/RefusedCall.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -8,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -21,7 +24,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -111,7 +113,7 @@ TEST(File, FailuresHaveTheirTexts)
     EXPECT_EQ(error->GetArguments()[1], "No such file or directory");
 }
 
-TEST(File, MovesItsPositionByWhatIsReadAndWritten)
+TEST(File, IsWrittenReadAndMovedOverAnother)
 {
     const Support::TemporaryFolder folder;
     File file(folder / "file");
@@ -129,16 +131,11 @@ TEST(File, MovesItsPositionByWhatIsReadAndWritten)
     char read[4] = {};
     ASSERT_TRUE(moved.Read(read, 4));
     EXPECT_EQ(std::string(read, 4), "bXYe");
-}
 
-TEST(File, MovingReplacesATarget)
-{
-    const Support::TemporaryFolder folder;
-    Put(folder / "from", "new");
-    Put(folder / "to", "old");
-    ASSERT_TRUE(File(folder / "from").Move(folder / "to"));
-    EXPECT_EQ(Contents(folder / "to"), "new");
-    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"to"});
+    Put(folder / "target", "replaced");
+    ASSERT_TRUE(File(folder / "file").Move(folder / "target"));
+    EXPECT_EQ(Contents(folder / "target"), "abXYef");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"target"});
 }
 
 TEST(File, NoCallTouchesTheFileBeforeANulByte)
@@ -237,11 +234,11 @@ TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)
     EXPECT_EQ(NamesIn(folder.Path()), before);
     EXPECT_EQ(Contents(folder / "file"), "old");
     EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
-    if (geteuid() == 0)
-        return; // nothing is read-only for an administrator
-    fs::permissions(folder / "file", fs::perms(0444));
-    EXPECT_FALSE(Util::ReplaceWholeFile(folder / "file", BytesOf("new")));
-    EXPECT_EQ(Contents(folder / "file"), "old");
+    if (geteuid() != 0) { // nothing is read-only for an administrator
+        fs::permissions(folder / "file", fs::perms(0444));
+        EXPECT_FALSE(Util::ReplaceWholeFile(folder / "file", BytesOf("new")));
+        EXPECT_EQ(Contents(folder / "file"), "old");
+    }
 }
 
 /// In a child of its own: what comes of `action` when files may have 1000 bytes.
@@ -304,37 +301,35 @@ Util::Bytes Version(uint8_t number)
     return Util::Bytes(1000 * (1 + std::size_t{number}), number);
 }
 
+// Whoever saves anything (presets, settings, histories) saves it by this.
 TEST(ReplaceWholeFile, IsOneWholeVersionWheneverTheWriterIsKilled)
 {
     constexpr int kills = 40;
     const Support::TemporaryFolder folder;
-    const std::string path = folder / "file";
+    const std::string path = folder / "file.xml";
     ASSERT_TRUE(Util::ReplaceWholeFile(path, Version(0)));
     for (int round = 0; round < kills; ++round) {
-        const pid_t child = fork();
-        if (child == 0) {
-            alarm(childSeconds);
-            for (uint8_t number = 1;; ++number)
+        Support::Child child([&] {
+            for (uint8_t number = 1;; ++number) {
                 static_cast<void>(Util::ReplaceWholeFile(path, Version(number)));
-        }
-        ASSERT_GT(child, 0);
+            }
+        });
+        const auto readVersion = [&] {
+            const auto bytes = Util::ReadWholeFile(path);
+            const uint8_t number = bytes && !bytes->empty() ? bytes->front() : 0;
+            EXPECT_TRUE(bytes && *bytes == Version(number));
+            return number;
+        };
         // Other numbers of looks end the child at other places of its loop.
         std::set<uint8_t> seen;
         for (int look = 0; look < round * 10 || seen.size() < 2; ++look) {
-            const auto bytes = Util::ReadWholeFile(path);
-            ASSERT_TRUE(bytes && !bytes->empty());
-            EXPECT_TRUE(*bytes == Version(bytes->front()));
-            ASSERT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "ended by itself";
-            seen.insert(bytes->front());
+            seen.insert(readVersion());
         }
-        kill(child, SIGKILL);
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
-        const auto left = Util::ReadWholeFile(path);
-        ASSERT_TRUE(left && !left->empty());
-        EXPECT_TRUE(*left == Version(left->front()));
+        child.Kill();
+        readVersion();
     }
+    // What was left behind is no file of the kind that is looked for.
+    EXPECT_EQ(Util::Path::ListFiles(folder.Path().string(), ".xml").size(), 1U);
 }
 
 TEST(CreateWholeFile, NeverReplaces)
@@ -361,24 +356,21 @@ TEST(CreateWholeFile, IsDoneByOneOfMany)
         for (int round = 0; round < 20; ++round) {
             const std::string path =
                 folder / ((isRefused ? "link" : "rename") + std::to_string(round));
-            std::vector<pid_t> children;
+            std::deque<Support::Child> children;
             for (uint8_t number = 1; number <= 4; ++number) {
-                children.push_back(fork());
-                if (children.back() == 0) {
-                    alarm(childSeconds);
-                    if (isRefused)
+                children.emplace_back([&] {
+                    if (isRefused) {
                         static_cast<void>(Support::RefuseCall(SYS_renameat2, EINVAL));
+                    }
                     const auto made = Util::CreateWholeFile(path, Version(number));
                     _exit(!made ? 99 : *made ? number : 0);
-                }
+                });
             }
             int maker = 0;
-            for (const pid_t child : children) {
-                int status = 0;
-                ASSERT_EQ(waitpid(child, &status, 0), child);
-                ASSERT_TRUE(WIFEXITED(status));
-                EXPECT_TRUE(maker == 0 || WEXITSTATUS(status) == 0);
-                maker += WEXITSTATUS(status);
+            for (Support::Child& child : children) {
+                const int number = child.Wait();
+                EXPECT_TRUE(maker == 0 || number == 0);
+                maker += number;
             }
             ASSERT_TRUE(maker >= 1 && maker <= 4) << maker;
             EXPECT_TRUE(*Util::ReadWholeFile(path) == Version(static_cast<uint8_t>(maker)));

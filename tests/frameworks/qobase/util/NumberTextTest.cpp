@@ -2,18 +2,19 @@
 #include "frameworks/qobase/util/NumberText.h"
 #include "frameworks/qobase/util/TimeText.h"
 #include "frameworks/qobase/util/Uuid.h"
+#include "tests/support/GermanNumbers.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <locale>
+#include <iomanip>
 #include <random>
 #include <set>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -57,23 +58,13 @@ TEST(NumberText, EveryFloatComesBackBitByBit)
     EXPECT_EQ(Util::FormatFloat(-0.0F), "-0");
 }
 
-struct CommaPoint : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(NumberText, TakesNoNoticeOfTheLocale)
 {
-    const std::string former = std::setlocale(LC_ALL, nullptr);
-    const std::locale formerStreams = std::locale::global(std::locale({}, new CommaPoint));
-    std::setlocale(LC_ALL, "de_DE.UTF-8"); // where it is installed
+    const Support::GermanNumbers german;
     EXPECT_EQ(Util::FormatFloat(1234.5F), "1234.5");
     EXPECT_EQ(Util::ParseFloat("1234.5"), 1234.5F);
     EXPECT_FALSE(Util::ParseFloat("1234,5"));
     EXPECT_EQ(Util::ParseInt("-1234567"), -1234567);
-    std::locale::global(formerStreams);
-    std::setlocale(LC_ALL, former.c_str());
 }
 
 TEST(NumberText, ReadsWholeNumbersWithinTheirRangeOnly)
@@ -106,24 +97,11 @@ TEST(TimeText, IsThePresentTimeInUtc)
     const std::time_t before = std::time(nullptr);
     const String text = Util::GetPresentTimeText();
     const std::time_t after = std::time(nullptr);
-    std::tm parts{};
-    int end = 0;
-    ASSERT_EQ(std::sscanf(text.c_str(),
-                          "%4d-%2d-%2dT%2d:%2d:%2dZ%n",
-                          &parts.tm_year,
-                          &parts.tm_mon,
-                          &parts.tm_mday,
-                          &parts.tm_hour,
-                          &parts.tm_min,
-                          &parts.tm_sec,
-                          &end),
-              6);
-    EXPECT_EQ(end, 20);
     EXPECT_EQ(text.Length(), 20U);
-    parts.tm_year -= 1900;
-    parts.tm_mon -= 1;
-    const std::time_t told = timegm(&parts);
-    EXPECT_TRUE(told >= before && told <= after) << text.c_str();
+    std::tm parts{};
+    std::istringstream(text.ToStdString()) >> std::get_time(&parts, "%Y-%m-%dT%H:%M:%SZ");
+    const std::time_t present = timegm(&parts);
+    EXPECT_TRUE(present >= before && present <= after) << text.c_str();
 }
 
 TEST(Uuid, HasOneTextAndComesBackFromIt)

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/qobase/util/DebugTrace.h"
-#include "frameworks/qobase/util/Process.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/Tick.h"
 
@@ -58,17 +57,6 @@ TEST(Tick, IsNeverZeroAndNeverGoesBack)
     }
 }
 
-TEST(Stopwatch, CountsOnAndStartsAgain)
-{
-    Util::Stopwatch whole;
-    const double first = whole.Stop();
-    Util::Stopwatch part;
-    const double second = part.Stop();
-    EXPECT_GE(first, 0.0);
-    EXPECT_GE(second, 0.0);
-    EXPECT_GE(whole.Stop(), first + second); // the whole span holds both parts
-}
-
 TEST(DebugTrace, GoesToTheSinkUntilItIsTakenAway)
 {
     std::vector<String> texts;
@@ -79,13 +67,6 @@ TEST(DebugTrace, GoesToTheSinkUntilItIsTakenAway)
     Util::SetDebugTraceSink(nullptr);
     ASSERT_EQ(texts.size(), 1U);
     EXPECT_EQ(texts[0], "one");
-}
-
-TEST(Process, NamesThisProgram)
-{
-    const String path = Util::GetExecutablePath();
-    ASSERT_TRUE(path.StartsWith("/"));
-    EXPECT_TRUE(path.Find("qobase_util_test"));
 }
 
 } // namespace

@@ -37,6 +37,10 @@ TEST(String, NullAndEmptyAreAlikeInLengthAndToldApartByComparison)
     EXPECT_TRUE(null == String(static_cast<const char*>(nullptr)));
     EXPECT_FALSE(null < String());
     EXPECT_STREQ(null.c_str(), "");
+    EXPECT_EQ(null + "b", "b");
+    EXPECT_EQ(String("a") + null, "a");
+    EXPECT_TRUE((null + null).IsNull());
+    EXPECT_FALSE((null + "").IsNull());
 }
 
 TEST(String, ComparesUnsignedBytesWhateverTheSignOfChar)
@@ -52,85 +56,59 @@ TEST(String, ComparesUnsignedBytesWhateverTheSignOfChar)
     EXPECT_EQ(map.size(), 3U);
 }
 
-TEST(String, ACopySharesTheBytes)
+TEST(String, ArgFillsTheLowestDigitLeftmostOnceOrIsAppended)
 {
-    const String text("shared");
-    const String copy = text;
-    EXPECT_EQ(copy.Data(), text.Data());
-    EXPECT_EQ(text.Left(100).Data(), text.Data());
-}
-
-TEST(String, KeepsNulBytesInside)
-{
-    const String text(std::string_view("a\0b", 3));
-    EXPECT_EQ(text.Length(), 3U);
-    EXPECT_EQ(text.Find("b"), 2U);
-    EXPECT_EQ((text + "c").Length(), 4U);
-}
-
-TEST(String, ArgFillsTheLowestDigitLeftmostOnce)
-{
-    EXPECT_EQ(String("%2 %1").arg("a").arg("b"), "b a");
-    EXPECT_EQ(String("%1%1").arg("x"), "x%1");
-    EXPECT_EQ(String("%1->%1").arg(5).arg(5), "5->5");
-    EXPECT_EQ(String("%3%0%9").arg("z"), "%3z%9");
-    EXPECT_EQ(String("%10").arg("x"), "x0");
-    EXPECT_EQ(String("%%1").arg("x"), "%x");
-    EXPECT_EQ(String("100% %1 %").arg("x"), "100% x %");
-}
-
-TEST(String, ArgAppendsWhereNoPlaceholderIs)
-{
-    EXPECT_EQ(String("abc").arg("x"), "abcx");
-    EXPECT_EQ(String("50%").arg("1"), "50%1"); // a lone percent sign is no placeholder
+    const struct {
+        const char* pattern;
+        std::vector<const char*> arguments;
+        const char* expected;
+    } rows[] = {
+        {"%2 %1", {"a", "b"}, "b a"},
+        {"%1%1", {"x"}, "x%1"},
+        {"%1->%1", {"5", "5"}, "5->5"},
+        {"%3%0%9", {"z"}, "%3z%9"},
+        {"%10", {"x"}, "x0"},
+        {"%%1", {"x"}, "%x"},
+        {"100% %1 %", {"x"}, "100% x %"},
+        // Without a placeholder; a lone percent sign is none.
+        {"abc", {"x"}, "abcx"},
+        {"50%", {"1"}, "50%1"},
+        {"", {"x"}, "x"},
+        {"%1", {"a", "b", "c"}, "abc"},
+        {"%d", {"x"}, "%dx"},
+        // Also in what was filled in.
+        {"[%1] %2", {"%2", "x"}, "[x] %2"},
+        {"[%1] %2", {"", "x"}, "[] x"},
+    };
+    for (const auto& [pattern, arguments, expected] : rows) {
+        const String unchanged(pattern);
+        String text = unchanged;
+        for (const char* argument : arguments) {
+            text = text.arg(argument);
+        }
+        EXPECT_EQ(text, expected) << pattern;
+        EXPECT_EQ(unchanged, pattern);
+    }
     EXPECT_EQ(String().arg("x"), "x");
-    EXPECT_EQ(String("%1").arg("a").arg("b").arg("c"), "abc");
-    EXPECT_EQ(String("%d").arg("x"), "%dx");
+    EXPECT_EQ(String("[%1]").arg(String()), "[]");
 }
 
-TEST(String, ArgFindsPlaceholdersInWhatWasFilledIn)
-{
-    EXPECT_EQ(String("[%1] %2").arg("%2").arg("x"), "[x] %2");
-    EXPECT_EQ(String("[%1] %2").arg(String()).arg("x"), "[] x");
-}
-
-TEST(String, ArgOnATextLeavesThatTextAsItWas)
+TEST(String, NumbersInAnyBaseAtTheirLimitsAndPaddedBehindTheSign)
 {
     const String pattern("%1");
-    EXPECT_EQ(pattern.arg("x"), "x");
-    EXPECT_EQ(pattern, "%1");
-}
-
-TEST(String, NumbersInBasesTwoToThirtySix)
-{
-    EXPECT_EQ(String("%1").arg(255, 16), "FF");
-    EXPECT_EQ(String("%1").arg(-255, 16), "-FF");
-    EXPECT_EQ(String("%1").arg(5, 2), "101");
-    EXPECT_EQ(String("%1").arg(1295, 36), "ZZ"); // 35 * 36 + 35
-    EXPECT_EQ(String("%1").arg(0), "0");
-    for (const uint32_t base : {0U, 1U, 37U, std::numeric_limits<uint32_t>::max()})
-        EXPECT_EQ(String("%1").arg(120, base), "120") << base;
-}
-
-TEST(String, NumbersAtTheirLimits)
-{
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<int32_t>::min()), "-2147483648");
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<int32_t>::min(), 16), "-80000000");
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<int32_t>::min(), 2),
-              String(std::string("-1") + std::string(31, '0')));
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<uint32_t>::max()), "4294967295");
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<int64_t>::min()), "-9223372036854775808");
-    EXPECT_EQ(String("%1").arg(std::numeric_limits<uint64_t>::max()), "18446744073709551615");
-    EXPECT_EQ(String("%1").arg(int64_t{-1}, 16), "FFFFFFFFFFFFFFFF");
-    EXPECT_EQ(String("%1").arg(int64_t{-10}, 10), "-10");
-}
-
-TEST(String, PaddingFillsWithZerosBehindTheSign)
-{
-    EXPECT_EQ(String("%1").arg(7, 10, 3), "007");
-    EXPECT_EQ(String("%1").arg(-7, 10, 4), "-007");
-    EXPECT_EQ(String("%1").arg(1234, 10, 3), "1234");
-    EXPECT_EQ(String("%1").arg(uint64_t{10}, 16, 2), "0A");
+    EXPECT_EQ(pattern.arg(255, 16), "FF");
+    for (const uint32_t base : {0U, 1U, 37U, std::numeric_limits<uint32_t>::max()}) {
+        EXPECT_EQ(pattern.arg(120, base), "120") << base;
+    }
+    EXPECT_EQ(pattern.arg(std::numeric_limits<uint32_t>::max()), "4294967295");
+    EXPECT_EQ(pattern.arg(std::numeric_limits<int64_t>::min()), "-9223372036854775808");
+    EXPECT_EQ(pattern.arg(std::numeric_limits<uint64_t>::max()), "18446744073709551615");
+    EXPECT_EQ(pattern.arg(int64_t{-1}, 16), "FFFFFFFFFFFFFFFF");
+    EXPECT_EQ(pattern.arg(int64_t{-10}, 10), "-10");
+    EXPECT_EQ(pattern.arg(7, 10, 3), "007");
+    EXPECT_EQ(pattern.arg(-7, 10, 4), "-007");
+    EXPECT_EQ(pattern.arg(1234, 10, 3), "1234");
+    EXPECT_EQ(pattern.arg(uint64_t{10}, 16, 2), "0A");
 }
 
 TEST(String, NumbersReadBackAsTheyWere)
@@ -173,20 +151,12 @@ TEST(String, SubstringsStayInsideTheText)
     EXPECT_EQ(text.Mid(7, 1), "");
     EXPECT_EQ(text.Mid(99, 1), "");
     EXPECT_TRUE(String().Mid(1, 1).IsNull());
-}
-
-TEST(String, LowerCasesAsciiOnly)
-{
-    EXPECT_EQ(String("AZ az [@`{ \xc3\x84").ToLower(), "az az [@`{ \xc3\x84");
-}
-
-TEST(String, StartsWithTakesAnyEmptyPrefix)
-{
-    EXPECT_TRUE(String("Lang:de").StartsWith("Lang:"));
+    EXPECT_EQ(text.Left(100).Data(), text.Data()); // a copy shares the bytes
     EXPECT_FALSE(String("Lang").StartsWith("Lang:"));
     EXPECT_FALSE(String("xLang:").StartsWith("Lang:"));
-    EXPECT_TRUE(String("x").StartsWith(""));
-    EXPECT_TRUE(String().StartsWith(String()));
+    EXPECT_TRUE(text.StartsWith("plo") && text.StartsWith("") && String().StartsWith(String()));
+    EXPECT_EQ(String("AZ az [@`{ \xc3\x84").ToLower(), "az az [@`{ \xc3\x84");
+    EXPECT_EQ(String(std::string_view("a\0b", 3)).Find("b"), 2U); // a NUL is a byte as any
 }
 
 TEST(String, SplitKeepsEmptyParts)
@@ -196,16 +166,6 @@ TEST(String, SplitKeepsEmptyParts)
     EXPECT_EQ(Bytes(String("|a||").Split('|')), (Parts{"", "a", "", ""}));
     EXPECT_EQ(Bytes(String("a").Split('|')), (Parts{"a"}));
     EXPECT_EQ(Bytes(String().Split('|')), (Parts{""}));
-}
-
-TEST(String, ConcatenatesInOrderAndWithNull)
-{
-    EXPECT_EQ(String("a") + "b", "ab");
-    EXPECT_EQ("a" + String("b"), "ab");
-    EXPECT_EQ(String() + "b", "b");
-    EXPECT_EQ(String("a") + String(), "a");
-    EXPECT_TRUE((String() + String()).IsNull());
-    EXPECT_FALSE((String() + "").IsNull());
 }
 
 TEST(String, CopiesAreMadeAndDroppedOnSeveralThreads)

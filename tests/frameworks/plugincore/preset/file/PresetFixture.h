@@ -22,29 +22,20 @@ public:
     explicit TestElement(DSP::ElementHost& owner)
         : ElementDispatcher({owner, "Puffguard", 48000.0F, 1})
     {
-        DSP::ParamRegistration<float> amount;
-        amount.name = "Amount";
-        amount.range = {0.0F, 10.0F};
-        amount.defaultValue = 5.0F;
-        amount.target = &amountValue;
-        amount.info.units = "dB";
-        RegisterFloatParam(0, amount);
-        DSP::EnumRegistration mode;
-        mode.name = "Mode";
-        mode.range = {1, 3};
-        mode.defaultValue = 2;
-        mode.target = &modeValue;
-        RegisterEnumParam(1, mode);
-        DSP::ParamRegistration<bool> isOn;
-        isOn.name = "On";
-        isOn.target = &isOnValue;
-        RegisterBoolParam(2, isOn);
-        DSP::ParamRegistration<float> taste;
-        taste.name = "Taste";
-        taste.range = {0.0F, 1.0F};
-        taste.target = &tasteValue;
-        taste.info.persistence = DSP::Persistence::Persistent;
-        RegisterFloatParam(3, taste);
+        RegisterFloatParam(0,
+                           {.name = "Amount",
+                            .range = {0.0F, 10.0F},
+                            .defaultValue = 5.0F,
+                            .target = &amountValue,
+                            .info = {.units = "dB"}});
+        RegisterEnumParam(
+            1, {{.name = "Mode", .range = {1, 3}, .defaultValue = 2, .target = &modeValue}, {}});
+        RegisterBoolParam(2, {.name = "On", .target = &isOnValue});
+        RegisterFloatParam(3,
+                           {.name = "Taste",
+                            .range = {0.0F, 1.0F},
+                            .target = &tasteValue,
+                            .info = {DSP::Persistence::Persistent, "", false}});
         FinaliseParams();
     }
 

@@ -60,12 +60,8 @@ struct Manager : testing::Test, Fixture {
     }
 };
 
-std::string Text(const Util::Expected<void>& result)
-{
-    return result ? "" : result.GetDescription().ToStdString();
-}
-
-std::string Text(const Util::Expected<String>& result)
+template <typename T>
+std::string Text(const Util::Expected<T>& result)
 {
     return result ? "" : result.GetDescription().ToStdString();
 }
@@ -237,7 +233,7 @@ TEST_F(Manager, NamesAndComments)
     EXPECT_EQ(metadata.GetComment(), "%1 said");
 }
 
-TEST_F(Manager, AppliesAPresetAndRemembersIt)
+TEST_F(Manager, AppliesAPresetAndRemembersItAndWhetherItIsShown)
 {
     EXPECT_EQ(manager->GetLastActive(), "Default");
     Put("user/nine.xml");
@@ -256,8 +252,12 @@ TEST_F(Manager, AppliesAPresetAndRemembersIt)
     ASSERT_TRUE(manager->Apply(Find("Factory settings")));
     EXPECT_EQ(Amount(), 5.0F);
 
+    EXPECT_FALSE(manager->IsShownAtStartup());
+    manager->SetShownAtStartup(true);
+    EXPECT_TRUE(settings.ReadBool("PresetShowAtStartup", false));
     keepsSettings = false;
     manager = Make();
+    EXPECT_TRUE(manager->IsShownAtStartup());
     ASSERT_TRUE(manager->Apply(Find("nine")));
     EXPECT_EQ(manager->GetLastActive(), "Factory settings");
 }
@@ -319,21 +319,21 @@ TEST_F(Manager, KeepsReadOnlyPresets)
 TEST_F(Manager, SaysWhyAFileCannotBeImported)
 {
     const std::string at = folder / "from/";
-    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
-        {"cut.xml", "</Puffguard>", "", "The file " + at + "cut.xml is not a valid preset file."},
-        {"value.xml",
-         "</LM6Pfgd>",
+    const struct {
+        const char* from;
+        const char* to;
+        const std::string message;
+    } cases[] = {
+        {"</Puffguard>", "", "The file " + at + "bad.xml is not a valid preset file."},
+        {"</LM6Pfgd>",
          "<Sliders><Slider/></Sliders></LM6Pfgd>",
-         "The file " + at + "value.xml is not a valid preset file."},
-        {"lack.xml",
-         "PresetVer=\"1\"",
-         "",
-         "The file " + at + "lack.xml is not a valid preset file."},
-        {"far.xml", "PluginVer=\"6000\"", "PluginVer=\"7000\"", Newer},
-        {"old.xml", "PluginVer=\"6000\"", "PluginVer=\"2000\"", Earlier},
+         "The file " + at + "bad.xml is not a valid preset file."},
+        {"PresetVer=\"1\"", "", "The file " + at + "bad.xml is not a valid preset file."},
+        {"PluginVer=\"6000\"", "PluginVer=\"7000\"", Newer},
+        {"PluginVer=\"6000\"", "PluginVer=\"2000\"", Earlier},
     };
-    for (const auto& [name, from, to, message] : cases) {
-        EXPECT_EQ(Text(manager->Import(Put("from/" + name, from, to))), message);
+    for (const auto& [from, to, message] : cases) {
+        EXPECT_EQ(Text(manager->Import(Put("from/bad.xml", from, to))), message);
     }
     std::string other = Replaced(Replaced(DefaultFile, "<LM6Pfgd", "<%1"), "</LM6Pfgd", "</%1");
     other = Replaced(Replaced(other, "<%1", "<LMOther"), "</%1", "</LMOther");
@@ -365,15 +365,6 @@ TEST_F(Manager, ImportsUnderAFreeName)
     EXPECT_TRUE(manager->Find("voice 2"));
     EXPECT_EQ(manager->GetImportFolder(), folder / "from");
     EXPECT_EQ(Amount(), 5.0F); // it is chosen by the user, not by its coming
-}
-
-TEST_F(Manager, RemembersWhetherItIsShownAtStartup)
-{
-    EXPECT_FALSE(manager->IsShownAtStartup());
-    manager->SetShownAtStartup(true);
-    manager = Make();
-    EXPECT_TRUE(manager->IsShownAtStartup());
-    EXPECT_TRUE(settings.ReadBool("PresetShowAtStartup", false));
 }
 
 TEST(PresetNames, AreGuessedFromWhatIsNearIt)

@@ -14,9 +14,6 @@
 
 namespace {
 
-// Gaps in the stream that are shorter than this don't hand the signal path to the UI side.
-constexpr uint32_t ProcessingHoldMilliseconds = 2500;
-
 constexpr uint32_t IgnoredHostMessage = 0x8070A002;
 constexpr uint32_t EditorTextMessage = 0x800523BC;
 
@@ -32,8 +29,6 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , sampleRate(IsServableRate(setup.sampleRate) ? setup.sampleRate : FallbackSampleRate)
     , channelConfig(IsServableLayout(setup.channelConfig) ? setup.channelConfig
                                                           : FallbackChannelConfig)
-    , channelCount(DSP::GetChannelCount(channelConfig))
-    , maxBlockFrames(factory.GetDefinition().GetMaxBlockFrames())
     , constructStart(setup.traceAllocations ? StackTop() : 0)
     , settings(factory.GetDefinition(), IsOffline())
     , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
@@ -44,6 +39,7 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue(1)
+    , blocks(factory.GetDefinition().GetMaxBlockFrames())
     , history(factory.GetDefinition(), IsOffline())
 {
     // In the body, so that elements under construction find a null pointer in its place.
@@ -97,35 +93,13 @@ void Plugin::Terminate()
     history.Flush();
 }
 
-bool Plugin::RecentlyProcessed() const
-{
-    const uint32_t last = lastProcessTick;
-    return last != 0 && Util::GetTickCount() - last < ProcessingHoldMilliseconds;
-}
-
-bool Plugin::IsProcessing() const
-{
-    return processing || RecentlyProcessed();
-}
-
-bool Plugin::IsUIThread() const
-{
-    return processThread.load() != std::this_thread::get_id();
-}
-
 bool Plugin::MayChangeDSP() const
 {
-    const std::thread::id caller = std::this_thread::get_id();
-    if (caller == processThread.load() || caller == audioThread.load()) {
+    if (blocks.IsCallerInside() || blocks.IsAudioThread()) {
         return true;
     }
     const bool exempt = GetFormat() == FormatDPMAudioSuite || GetFormat() == FormatAU;
     return exempt || !IsUIThread() || suspended || reconfiguring || !IsProcessing();
-}
-
-uint64_t Plugin::GetProcessPosition() const
-{
-    return transform->GetSamplesProcessed() + processBlockOffset;
 }
 
 void Plugin::AttachEditor(Editor* newEditor)

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
 #include "frameworks/plugincore/dsp/signal/FFTPool.h"
 #include "frameworks/plugincore/dsp/signal/MemoryPool.h"
+#include "frameworks/plugincore/instance/BlockRunner.h"
 #include "frameworks/plugincore/instance/EditorLink.h"
 #include "frameworks/plugincore/instance/GestureBook.h"
 #include "frameworks/plugincore/instance/HistoryKeeper.h"
@@ -27,9 +28,8 @@ namespace Preset {
 class PresetManager;
 }
 
-/// One instance: owns the signal path, cuts the host's blocks to what the elements take, keeps a
-/// latency for each side and tells the host when they change, and brings everything to a new
-/// stream format.
+/// One instance: owns the signal path, keeps a latency for each side and tells the host when they
+/// change, and brings everything to a new stream format.
 ///
 /// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
 /// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
@@ -93,24 +93,27 @@ public:
     void SetProcessingMemoryMark(std::size_t mark) override { memoryPool.SetMark(mark); }
     void PrepareFFT(uint32_t order) override { fftPool.PrepareFFT(order); }
     DSP::FFTImpl<float>* GetFFT(uint32_t order) override { return fftPool.GetFFT(order); }
-    bool IsProcessing() const override;
+    bool IsProcessing() const override { return blocks.IsProcessing(); }
     Util::CriticalSection& GetProcessLock() override
     {
         return GetThreadController().GetProcessLock();
     }
-    bool IsPositionless() const override { return renderFlagB; }
-    bool GetRenderFlagA() const override { return renderFlagA; }
-    uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
-    void SetProcessBlockOffset(uint32_t frames) override { processBlockOffset = frames; }
-    uint32_t GetProcessBlockOffset() const override { return processBlockOffset; }
+    bool IsPositionless() const override { return blocks.GetRenderFlagB(); }
+    bool GetRenderFlagA() const override { return blocks.GetRenderFlagA(); }
+    uint32_t GetMaxBlockFrames() const override { return blocks.GetMaxFrames(); }
+    void SetProcessBlockOffset(uint32_t frames) override { blocks.SetBlockOffset(frames); }
+    uint32_t GetProcessBlockOffset() const override { return blocks.GetBlockOffset(); }
     uint64_t GetProcessPosition() const override;
-    std::optional<int64_t> GetTransportPosition() const override;
+    std::optional<int64_t> GetTransportPosition() const override
+    {
+        return blocks.GetTransportPosition();
+    }
     void LatencyChanged(DSP::Context context) override { latency.onElementChanged(context); }
     uint32_t GetProcessingSystemDelaySamples() const override
     {
         return latency.GetReported(DSP::Context::Process);
     }
-    bool IsUIThread() const override;
+    bool IsUIThread() const override { return !blocks.IsCallerInside(); }
     bool MayChangeDSP() const override;
     bool IsReconfiguring() const override { return reconfiguring; }
     bool IsSuspended() const override { return suspended; }
@@ -140,7 +143,7 @@ public:
     HistoryManager* GetHistory() const { return history.Get(); }
 
     /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
-    bool RecentlyProcessed() const;
+    bool RecentlyProcessed() const { return blocks.RecentlyProcessed(); }
 
     DSP::DSPSet& GetSet() const { return transform->GetSet(); }
     /// The user's settings for this product, also of an offline instance, which looks at them only
@@ -182,7 +185,6 @@ private:
         DSP::Element* element;
         DSP::ParamObject param;
     };
-    class ProcessScope;
 
     // Plugin.cpp
     void Tick();
@@ -225,16 +227,8 @@ private:
     Util::Bytes SaveState();
     void RestoreState(const Util::Bytes& state);
 
-    // PluginProcess.cpp
-    void RunBlock(const ProcessRecord& record);
-    void RunCommands();
-    void RunChunks(const ProcessRecord& record);
-    void ReplaceUnusable(const ProcessRecord& record) const;
-
     float sampleRate;       // Hz
     uint32_t channelConfig; // layout code
-    uint32_t channelCount;
-    const uint32_t maxBlockFrames;
     const uint64_t constructStart;
     HostFacts hostFacts;
     PluginSettings settings;
@@ -248,20 +242,12 @@ private:
     std::atomic<bool> initialized{false};
     std::atomic<bool> suspended{false};
     std::atomic<bool> switching{false};
-    std::atomic<bool> processing{false};
-    std::atomic<bool> processDirty{false};        // the tick has to finish something
-    std::atomic<uint32_t> lastProcessTick{0};     // ms; 0 means never
-    std::atomic<std::thread::id> processThread{}; // inside the process side now; default: none
-    std::atomic<std::thread::id> audioThread{};   // last to run process()
+    std::atomic<bool> processDirty{false}; // the tick has to finish something
     DSP::MemoryPool memoryPool;
     DSP::FFTPool fftPool;
     Util::TaskQueue taskQueue;
     std::vector<DSP::DSPCommand*> liveCommands; // under way; UI side
-    bool renderFlagA = false;
-    bool renderFlagB = false;
-    uint32_t processBlockOffset = 0;
-    TransportRecord transportCopy{}; // advanced chunk by chunk
-    bool transportCopyValid = false;
+    BlockRunner blocks;                         // before the transform, whose elements ask it
     EditorLink editor;
     std::vector<Util::Bytes> pendingChunks; // states for the tick to load; UI side
     GestureBook gestures;                   // UI side

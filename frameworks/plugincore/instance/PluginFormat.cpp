@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: ISC
-// What restarts the signal path of an instance: a new stream format, a reset, a change of the
-// processing state.
-#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+// A new stream format.
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
-#include "frameworks/plugincore/instance/ThreadMark.h"
 #include "frameworks/qobase/util/DebugTrace.h"
-#include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/ScopedFlag.h"
 
 #include <exception>
@@ -14,8 +10,7 @@
 
 bool Plugin::IsInSignalPath() const
 {
-    const std::thread::id caller = std::this_thread::get_id();
-    return caller == processThread.load() || latency.IsReportingThread();
+    return blocks.IsCallerInside() || latency.IsReportingThread();
 }
 
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
@@ -41,8 +36,7 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     const Util::CriticalSectionGuard uiGuard(GetThreadController().GetUILock());
     const Util::ScopedFlag suspendedGuard(suspended);
     const Util::ScopedFlag switchingGuard(switching);
-    processing = false;
-    lastProcessTick = 0;
+    blocks.ForgetBlocks();
     const Util::Bytes state = SaveState();
     const float formerRate = sampleRate;
     const uint32_t formerConfig = channelConfig;
@@ -116,51 +110,5 @@ void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)
 {
     sampleRate = newSampleRate;
     channelConfig = newChannelConfig;
-    channelCount = DSP::GetChannelCount(newChannelConfig);
     transform->SetFormat(sampleRate, channelConfig);
-}
-
-uint32_t Plugin::ResetProcessing(DSP::Context context)
-{
-    {
-        const Util::ScopedDenormalGuard denormalGuard;
-        const ThreadMark mark(processThread);
-        RunCommands();
-    }
-    // Also the dry lines, so that bypass and repair go on from the same silence.
-    onSettle();
-    latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
-    latency.Update(DSP::Context::UI, LatencyReport::Notify::Yes);
-    return GetLatency(context);
-}
-
-void Plugin::TransformReset()
-{
-    const Util::ScopedDenormalGuard denormalGuard;
-    const ThreadMark mark(processThread);
-    transform->Reset();
-}
-
-void Plugin::onSettle()
-{
-    const Util::ScopedDenormalGuard denormalGuard;
-    const ThreadMark mark(processThread);
-    transform->Settle();
-}
-
-void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
-{
-    if (active && !hold) {
-        if (context == DSP::Context::Process) {
-            onSettle();
-        } else {
-            const Util::CriticalSectionGuard guard(GetThreadController().GetProcessLock());
-            const Util::ScopedFlag suspendedGuard(suspended);
-            onSettle();
-        }
-    } else if (!active && !hold) {
-        processing = false;
-        lastProcessTick = 0;
-    }
-    transform->ProcessingStateChanged(context, active);
 }

@@ -3,7 +3,6 @@
 // and those of all elements in one flat list.
 #include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/instance/Plugin.h"
-#include "frameworks/plugincore/instance/ThreadMark.h"
 #include "frameworks/qobase/util/Realtime.h"
 
 void Plugin::BuildElementParamList()
@@ -109,7 +108,7 @@ void Plugin::SetParam(DSP::Element& element,
         return SetNormalised(param, value, context, DSP::SourceHost);
     };
     if (context == DSP::Context::Process) {
-        const ThreadMark mark(processThread);
+        const BlockRunner::Inside inside(blocks);
         if (set()) {
             processDirty = true;
         }

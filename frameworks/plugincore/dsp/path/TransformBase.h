@@ -49,6 +49,9 @@ public:
     /// Made anew by SetFormat().
     const ParamSetBase& GetParamSet() const { return *paramSet; }
 
+    /// Of the present format. [process]
+    uint32_t GetChannelCount() const { return channelCount; }
+
     /// Works on one chunk of at most the host's largest block, in place. Null channels are skipped.
     /// [process]
     void ProcessChunk(uint32_t frames, float* const* channels);
@@ -107,7 +110,7 @@ private:
     const std::unique_ptr<DSPSet> set;
     const std::string automatableRows;
     std::unique_ptr<const ParamSetBase> paramSet;
-    std::size_t channelCount = 0;
+    uint32_t channelCount = 0;
     std::vector<DelayLine> dryLines;            // a channel each; empty while there is no delay
     std::vector<std::vector<float>> dryBuffers; // [channel][largest chunk]
     bool wasBypassed = false;

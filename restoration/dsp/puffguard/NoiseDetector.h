@@ -16,6 +16,10 @@ namespace DSP {
 /// Nothing is learnt before signal has come in for the first time, and a bin at or below the given
 /// level holds its average: digital silence doesn't drag the floor down.
 ///
+/// Method: minimum statistics after R. Martin, "Noise power spectral density estimation based on
+/// optimal smoothing and minimum statistics", IEEE Trans. Speech and Audio Processing 9(5), 2001,
+/// with a fixed smoothing in place of the optimal one.
+///
 /// Threads: configure() is [setup] and allocates nothing where no size grows; the others are
 /// [process].
 class NoiseDetector {

@@ -11,11 +11,7 @@ namespace DSP {
 
 namespace {
 
-constexpr float LowStartHz = 20;
-constexpr float LowEndHz = 70;
-constexpr float ReferenceStartHz = 200;
-constexpr float ReferenceEndHz = 400;
-constexpr float Tiny = 1e-12F;
+constexpr float Tiny = 1e-12F; // keeps quotients finite in digital silence
 
 float SumOf(const float* values, int32_t first, int32_t last)
 {
@@ -56,11 +52,12 @@ int32_t GetNearestBin(float frequencyHz, int32_t fftSize, float sampleRate) noex
 DetectionBands MakeDetectionBands(int32_t fftSize, float sampleRate) noexcept UTIL_NONBLOCKING
 {
     DetectionBands bands;
-    bands.lowStart = std::max(GetNearestBin(LowStartHz, fftSize, sampleRate), 2);
-    bands.lowEnd = std::max(GetNearestBin(LowEndHz, fftSize, sampleRate), bands.lowStart + 1);
-    bands.referenceStart = GetNearestBin(ReferenceStartHz, fftSize, sampleRate);
+    bands.lowStart = std::max(GetNearestBin(PlosiveBandStartHz, fftSize, sampleRate), 2);
+    bands.lowEnd =
+        std::max(GetNearestBin(PlosiveBandEndHz, fftSize, sampleRate), bands.lowStart + 1);
+    bands.referenceStart = GetNearestBin(ReferenceBandStartHz, fftSize, sampleRate);
     bands.referenceEnd =
-        std::max(GetNearestBin(ReferenceEndHz, fftSize, sampleRate), bands.referenceStart + 2);
+        std::max(GetNearestBin(ReferenceBandEndHz, fftSize, sampleRate), bands.referenceStart + 2);
     // Below 800 Hz of sample rate the bands would run out of the spectrum.
     const int32_t binCount = fftSize / 2 + 1;
     bands.lowEnd = std::min(bands.lowEnd, binCount);
@@ -78,18 +75,18 @@ FrameDetection DetectFrame(const float* power,
     const float low = SumOf(power, bands.lowStart, bands.lowEnd);
     const float noise = SumOf(noiseFloor, bands.lowStart, bands.lowEnd);
     const float reference = SumOf(power, bands.referenceStart, bands.referenceEnd);
-    const float tilt = Ramp(low / (reference + Tiny), 1.0F, 6.0F);
+    const float tilt = Ramp(low / (reference + Tiny), TiltOfVoice, TiltOfAir);
     float whitened = 0;
     for (int32_t k = bands.lowStart; k < bands.lowEnd; ++k) {
         whitened += power[k] / (noiseFloor[k] + Tiny);
     }
     const float mean = ((noise / n) * whitened - low) * 0.5F + low;
-    return {mean * (tilt * 10.0F + 0.7F), noise};
+    return {mean * (tilt * AirWeight + VoiceWeight), noise};
 }
 
 float GetDetectionThreshold(float noise, float sensitivity) noexcept UTIL_NONBLOCKING
 {
-    return (noise * 16.0F * 256.0F) / (sensitivity * sensitivity);
+    return (noise * ThresholdScale * ThresholdSteps) / (sensitivity * sensitivity);
 }
 
 PeakTest
@@ -109,7 +106,7 @@ TestPeak(std::span<const float> history, int32_t centre, int32_t radius, float t
 
 float GetSeverity(float value, float threshold) noexcept UTIL_NONBLOCKING
 {
-    return Ramp(value / (threshold + Tiny), 1.0F, 25.0F);
+    return Ramp(value / (threshold + Tiny), 1.0F, FullSeverity);
 }
 
 RepairRegion FindRepairRegion(std::span<const float> history,

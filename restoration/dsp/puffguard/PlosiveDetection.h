@@ -10,12 +10,35 @@
 /// value in a history whose index 0 is the oldest frame. Single precision, [process].
 namespace DSP {
 
+// Constants of the detection, with their reasons.
+
+/// Where the air of a plosive is: above rumble and direct current, below the voice.
+constexpr float PlosiveBandStartHz = 20;
+constexpr float PlosiveBandEndHz = 70;
+/// What that band is compared with: above the lowest fundamentals' first harmonics, where a voice
+/// is strong and a burst of air is weak.
+constexpr float ReferenceBandStartHz = 200;
+constexpr float ReferenceBandEndHz = 400;
+/// Low over reference energy: up to the first a frame counts as voice, from the second on as air.
+constexpr float TiltOfVoice = 1;
+constexpr float TiltOfAir = 6;
+/// Weight of a frame that is voice, and what air adds to it: voice alone rarely gets over a
+/// threshold that air passes by far, and yet is not lost, since many pops come with a vowel.
+constexpr float VoiceWeight = 0.7F;
+constexpr float AirWeight = 10;
+/// The threshold is noise * ThresholdScale * ThresholdSteps / sensitivity^2: at sensitivity 10 a
+/// value counts that is 41 times the noise floor (16 dB), at 5 one of 164 times (22 dB), at 1 of 36
+/// dB.
+constexpr float ThresholdScale = 16;
+constexpr float ThresholdSteps = 256;
+/// How many times the threshold a value is when the repair is made in full.
+constexpr float FullSeverity = 25;
+
 /// Bin nearest to a frequency, up to the last one of a spectrum of `fftSize` samples. [process]
 int32_t GetNearestBin(float frequencyHz, int32_t fftSize, float sampleRate) noexcept
     UTIL_NONBLOCKING;
 
-/// Bins of the band where plosives are (20 to 70 Hz) and of the band above that they are compared
-/// with (200 to 400 Hz); ends are exclusive.
+/// Bins of the band where plosives are and of the reference band; ends are exclusive.
 struct DetectionBands {
     int32_t lowStart = 0;
     int32_t lowEnd = 0;

@@ -11,10 +11,7 @@ namespace DSP {
 
 namespace {
 
-constexpr float VoicedAboveHz = 20;
-constexpr float UnvoicedHz = 80;
-constexpr float FadeOverLimit = 1.2F;
-constexpr float Tiny = 1e-12F;
+constexpr float Tiny = 1e-12F; // keeps quotients finite where a bin is empty
 
 float FourthRoot(float value)
 {
@@ -68,7 +65,7 @@ EdgeLevels MeasureEdges(const RepairFrames& frames,
     const float sumLeft = SumEdge(frames, region.start, -1, settings.edgeFrames, bin, pitch);
     const float sumRight = SumEdge(frames, region.end, 1, settings.edgeFrames, bin, pitch);
     const auto count = static_cast<float>(settings.edgeFrames + 1);
-    const float g = settings.strengthTerm + 0.001F;
+    const float g = settings.strengthTerm + LeastStrengthTerm;
     return {FourthRoot(sumLeft / count) / g, FourthRoot(sumRight / count) / g};
 }
 
@@ -96,7 +93,7 @@ RepairPitch MakeRepairPitch(float pitchHz, const RepairSettings& settings) noexc
     RepairPitch pitch;
     pitch.pitchHz = pitchHz;
     pitch.isVoiced = pitchHz > VoicedAboveHz;
-    const float fundamentalHz = pitch.isVoiced ? pitchHz : UnvoicedHz;
+    const float fundamentalHz = pitch.isVoiced ? pitchHz : UnvoicedFundamentalHz;
     pitch.fundamentalBin =
         static_cast<float>(settings.fftSize) * fundamentalHz / settings.sampleRate;
     return pitch;
@@ -105,20 +102,20 @@ RepairPitch MakeRepairPitch(float pitchHz, const RepairSettings& settings) noexc
 float GetRepairFade(int32_t bin, int32_t repairedBins) noexcept UTIL_NONBLOCKING
 {
     const auto top = static_cast<float>(repairedBins);
-    return Ramp(static_cast<float>(bin), 0.7F * top, top);
+    return Ramp(static_cast<float>(bin), FadeStart * top, top);
 }
 
 float GetProtection(int32_t bin, const RepairPitch& pitch) noexcept UTIL_NONBLOCKING
 {
     const auto k = static_cast<float>(bin);
     const float f0 = pitch.fundamentalBin;
-    const float belowFundamental = Ramp(k, 0.8F * f0, 0.9F * f0);
+    const float belowFundamental = Ramp(k, ProtectionStart * f0, ProtectionFull * f0);
     if (!pitch.isVoiced) {
         return belowFundamental;
     }
-    const auto distance = std::abs(std::trunc(k - f0 * 1.5F));
-    const float besideValley = Ramp(distance, 0.2F * f0, 0.4F * f0);
-    return std::min(belowFundamental, besideValley * 0.7F + 0.3F);
+    const auto distance = std::abs(std::trunc(k - f0 * ValleyCentre));
+    const float besideValley = Ramp(distance, ValleyInner * f0, ValleyOuter * f0);
+    return std::min(belowFundamental, besideValley * (1.0F - ValleyProtection) + ValleyProtection);
 }
 
 void ReducePower(const RepairFrames& frames,

@@ -12,6 +12,30 @@
 /// each channel's spectrum to the target. Single precision, [process].
 namespace DSP {
 
+// Constants of the reduction, with their reasons.
+
+/// A pitch above this counts as one: the tracker answers lower ones for unvoiced frames.
+constexpr float VoicedAboveHz = 20;
+/// The fundamental that an unvoiced plosive is treated by: that of a deep voice, so that the voice
+/// which follows keeps its body.
+constexpr float UnvoicedFundamentalHz = 80;
+/// The repair works fully up to FadeStart of its top and ends at the top, which lies FadeOverLimit
+/// times the upper frequency high: up to 0.84 and 1.2 of it, so that no edge is heard at the limit.
+constexpr float FadeOverLimit = 1.2F;
+constexpr float FadeStart = 0.7F;
+/// In units of the fundamental's bin: protection begins and is complete just below it, so that the
+/// window's main lobe around the fundamental is inside.
+constexpr float ProtectionStart = 0.8F;
+constexpr float ProtectionFull = 0.9F;
+/// Between the first two harmonics is no voice: protection falls to ValleyProtection within
+/// ValleyInner of the middle and is complete again from ValleyOuter on.
+constexpr float ValleyCentre = 1.5F;
+constexpr float ValleyInner = 0.2F;
+constexpr float ValleyOuter = 0.4F;
+constexpr float ValleyProtection = 0.3F;
+/// Added to the strength's term, which divides: strength 0 then leaves everything as it is.
+constexpr float LeastStrengthTerm = 0.001F;
+
 /// How a repair is to be made.
 struct RepairSettings {
     int32_t fftSize = 0;

@@ -21,6 +21,8 @@ class RunningHanns;
 /// leaves is subtracted, and the rest turns by 2 pi / N. A second pair without subtraction starts
 /// afresh once per window and takes over at its end, which throws away the rounding of the first.
 ///
+/// Method: E. Jacobsen, R. Lyons, "The sliding DFT", IEEE Signal Processing Magazine 20(2), 2003.
+///
 /// Threads: configure() is [setup] and allocates nothing where the length doesn't grow; the others
 /// are [process].
 template <>

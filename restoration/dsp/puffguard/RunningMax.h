@@ -17,6 +17,8 @@ class RunningMaxs;
 /// Largest of the last m values: a tournament tree whose leaves are a ring, log2(m) comparisons a
 /// value whatever the data.
 ///
+/// Method: tree selection, D. E. Knuth, "The Art of Computer Programming", volume 3, section 5.2.3.
+///
 /// Threads: configure() is [setup] and allocates nothing where the length doesn't grow; the others
 /// are [process].
 template <>

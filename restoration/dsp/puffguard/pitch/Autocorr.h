@@ -20,6 +20,11 @@ namespace DSP {
 /// negative values set to 0. From where the fall from lag 0 has ended, every lag loses what it owes
 /// to a peak at half of it, which shows a false pitch one octave below.
 ///
+/// Method: T. Tolonen, M. Karjalainen, "A computationally efficient multipitch analysis model",
+/// IEEE Trans. Speech and Audio Processing 8(6), 2000; the weight by lag after P. Boersma,
+/// "Accurate short-term analysis of the fundamental frequency and the harmonics-to-noise ratio of a
+/// sampled sound", Proc. Institute of Phonetic Sciences Amsterdam 17, 1993.
+///
 /// Magnitudes instead of powers flatten the spectrum, so that a strong formant weighs less against
 /// the harmonics that tell the pitch. Frames go through side by side; each comes to the same bits
 /// as it would alone. The cosine transform takes a transform of half the size, after W. H. Press et

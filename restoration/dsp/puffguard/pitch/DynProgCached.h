@@ -24,6 +24,9 @@ struct Candidate {
 /// all runs since Reset() decides; what is asked is the candidate that it passes through at the
 /// oldest run still kept, so that the answer is `windowRuns - 1` runs late.
 ///
+/// Method: H. Ney, "Dynamic programming algorithm for optimal estimation of speech parameter
+/// contours", IEEE Trans. Systems, Man and Cybernetics 13(3), 1983.
+///
 /// Cached: a new path mostly joins the one before after a few steps back, and the walk ends there.
 class DynProgCached {
 public:

@@ -14,6 +14,9 @@ namespace DSP::Synapse {
 /// What the tracker listens to: the signal without direct current, low-passed, decimated by adding
 /// up, high-passed, and clipped around 0 by a fraction of its level.
 ///
+/// Method: centre clipping after M. M. Sondhi, "New methods of pitch extraction", IEEE Trans. Audio
+/// and Electroacoustics 16(2), 1968.
+///
 /// Threads: the constructor is [setup], the rest [process], from one thread at a time.
 class Prefilter {
 public:

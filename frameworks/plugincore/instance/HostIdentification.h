@@ -10,6 +10,7 @@ struct HostIdentity {
     uint32_t number = 0;
     const char* name = "";
 
+    static constexpr uint32_t ProTools = 2;
     static constexpr uint32_t Unknown = 36;
 };
 

@@ -31,17 +31,17 @@ public:
                   DSP::ElementHost& newHost,
                   HostCallback& newCallback);
 
-    /// The elements that count from now on; before, nothing does. The path outlives the report's
-    /// use. [setup]
-    void Attach(const DSP::TransformBase& newPath) { path = &newPath; }
+    /// The elements that count from now on. Null, as at first: nothing does, since elements are
+    /// being made or destroyed. [setup]
+    void Attach(const DSP::TransformBase* newPath) { path = newPath; }
 
     /// Sums anew for a side, and notifies the host when what it was told no longer holds. [any]
     void Update(DSP::Context context, Notify notify);
     /// The same when a change of the other side has left a mark for this one. [any]
     void Check(DSP::Context context);
     /// An element's latency has changed, seen from that side. The other side's half is done at once
-    /// while nothing is processed, or else at the next tick or block. Elements that are under
-    /// construction are ignored; the sum is taken once all are there. [any]
+    /// while nothing is processed, or else at the next tick or block. Does nothing
+    /// without a path. [any]
     void onElementChanged(DSP::Context context);
 
     /// What the elements of that side's path add up to, in samples, whatever the settings. [any]

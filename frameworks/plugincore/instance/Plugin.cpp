@@ -2,9 +2,10 @@
 #include "frameworks/plugincore/instance/Plugin.h"
 
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+#include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
-#include "frameworks/plugincore/preset/manager/PresetManager.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
+#include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/Tick.h"
 
 #include <algorithm>
@@ -16,6 +17,16 @@ namespace {
 
 constexpr uint32_t IgnoredHostMessage = 0x8070A002;
 constexpr uint32_t EditorTextMessage = 0x800523BC;
+
+uint32_t
+ReadParam(const std::optional<HostParams::Place>& place, DSP::Context context, float& value)
+{
+    if (!place) {
+        return PluginCoreUnsupported;
+    }
+    value = GetNormalised(*place->param, context);
+    return PluginCoreSuccess;
+}
 
 uint64_t StackTop()
 {
@@ -31,34 +42,36 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
                                                           : FallbackChannelConfig)
     , constructStart(setup.traceAllocations ? StackTop() : 0)
     , settings(factory.GetDefinition(), IsOffline())
-    , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
-    , sessionUuid(Util::MakeUuid())
-    , reader(factory.CreateReader())
-    , writer(factory.CreateWriter())
-    , sessionContext(factory.CreateContext())
-    , memoryPool("PluginMemoryPool")
-    , fftPool("PluginFFTPool")
-    , taskQueue(1)
     , blocks(factory.GetDefinition().GetMaxBlockFrames())
+    , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
+    , gestures(GetHostCallback(), editor, params)
+    , transform(factory.CreateTransform(*this, sampleRate, channelConfig))
+    , params(*transform)
+    , preferences(GetSet(), settings.GetProductFile().GetKeyPath(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
+    , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
+    , presets({factory.GetDefinition(),
+               GetModulePath(),
+               settings.GetProductFile(),
+               !IsOffline(),
+               GetSet(),
+               state,
+               gestures,
+               [this] {
+                   latency.Check(DSP::Context::UI);
+                   history.onStateChanged();
+               }})
 {
-    // In the body, so that elements under construction find a null pointer in its place.
-    transform = factory.CreateTransform(*this, sampleRate, channelConfig);
-    latency.Attach(*transform);
+    latency.Attach(transform.get());
     // The host has no instance yet that it could be told about.
     latency.Update(DSP::Context::UI, LatencyReport::Notify::No);
     latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
     transform->PlanDryDelay();
-    BuildElementParamList();
     history.Adopt(factory.CreateHistory(*this));
     if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
         timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
     }
-    if (!IsOffline()) {
-        persistentParams = std::make_unique<Controller::PersistentParamsLink>(
-            Controller::PersistentParamsHolder::Share(settings.GetProductFile().GetKeyPath()));
-        LoadPersistentParams();
-    }
+    preferences.Load();
     reconfiguring = false;
 }
 
@@ -67,14 +80,7 @@ Plugin::~Plugin()
     suspended = true;
     timer.reset();
     history.FlushAtEnd(GetThreadController().GetUILock());
-    history.Adopt(nullptr);
-    persistentParams.reset();
-    presets.reset();
-    transform.reset(); // its elements give back the commands that they still hold
-    // What is left was lost to a full ring.
-    for (DSP::DSPCommand* command : liveCommands) {
-        delete command;
-    }
+    latency.Attach(nullptr);
 }
 
 void Plugin::Initialize()
@@ -106,9 +112,79 @@ void Plugin::AttachEditor(Editor* newEditor)
 {
     // A new editor finds what a change of format has left to be done already done.
     editor.DropPending();
-    LoadPendingChunks();
+    state.LoadPending();
     editor.Attach(newEditor);
     history.onEditorAttached(editor.IsOpen());
+}
+
+uint32_t Plugin::GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const
+{
+    return ReadParam(params.GetAutomatable(record.index), context, record.value);
+}
+
+uint32_t Plugin::SetAutomatableParam(DSP::Context context, const ParamValueRecord& record)
+{
+    return SetParam(params.GetAutomatable(record.index), context, record.value);
+}
+
+uint32_t Plugin::GetElementParam(DSP::Context context, ParamValueRecord& record) const
+{
+    return ReadParam(params.GetElementParam(record.index), context, record.value);
+}
+
+uint32_t Plugin::SetElementParam(DSP::Context context, const ParamValueRecord& record)
+{
+    return SetParam(params.GetElementParam(record.index), context, record.value);
+}
+
+uint32_t
+Plugin::SetParam(const std::optional<HostParams::Place>& place, DSP::Context context, float value)
+{
+    if (!place) {
+        return PluginCoreUnsupported;
+    }
+    // Only around the set: the history and the host have their own arithmetic.
+    const auto set = [&] {
+        const Util::ScopedDenormalGuard denormalGuard;
+        return SetNormalised(*place->param, value, context, DSP::SourceHost);
+    };
+    if (context == DSP::Context::Process) {
+        const BlockRunner::Inside inside(blocks);
+        if (set()) {
+            processDirty = true;
+        }
+    } else {
+        // The process side may have moved on: the comparison is with what it has now.
+        state.LoadPending();
+        place->element->SyncParams();
+        if (set()) {
+            history.onStateChanged();
+        }
+    }
+    latency.Check(context);
+    return PluginCoreSuccess;
+}
+
+bool Plugin::MayReport() const
+{
+    return !switching && !reconfiguring && !state.HasPending();
+}
+
+void Plugin::ParamGrabbed(DSP::Element& element, const String& name)
+{
+    gestures.Grabbed(element, name, MayReport());
+}
+
+void Plugin::ParamReleased(DSP::Element& element, const String& name)
+{
+    gestures.Released(element, name);
+}
+
+void Plugin::ParamChanged(DSP::Element& element, const String& name)
+{
+    if (MayReport()) {
+        gestures.Changed(element, name);
+    }
 }
 
 bool Plugin::GetState(uint32_t size, void* buffer)
@@ -123,37 +199,23 @@ bool Plugin::GetStateForFile(uint32_t size, void* buffer)
 
 bool Plugin::SetState(uint32_t size, const void* buffer, uint32_t version)
 {
-    const UserAction action(*this); // one for all that comes back
+    const GestureReport::UserAction action(gestures); // one for all that comes back
     return SetChunk({static_cast<const uint8_t*>(buffer), size}, version, DSP::SourceController);
 }
 
 void Plugin::GetHistoryFilePath(String& path)
 {
-    path = history.MakeFilePath(sessionUuid);
+    path = history.MakeFilePath(GetSessionUuid());
 }
 
 Util::Expected<void> Plugin::SaveHistory(const HistoryModel& model)
 {
-    return history.Save(*this, history.MakeFilePath(sessionUuid), model);
+    return history.Save(*this, history.MakeFilePath(GetSessionUuid()), model);
 }
 
 void Plugin::LoadHistory(HistoryModel& model)
 {
-    history.Load(*this, history.MakeFilePath(sessionUuid), model);
-}
-
-void Plugin::CommandPosted(DSP::Element& /*element*/, DSP::DSPCommand& command)
-{
-    liveCommands.push_back(&command);
-}
-
-void Plugin::CommandFinished(DSP::Element& /*element*/, DSP::DSPCommand& command)
-{
-    const auto found = std::find(liveCommands.begin(), liveCommands.end(), &command);
-    if (found != liveCommands.end()) {
-        *found = liveCommands.back();
-        liveCommands.pop_back();
-    }
+    history.Load(*this, history.MakeFilePath(GetSessionUuid()), model);
 }
 
 uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& record)
@@ -163,8 +225,13 @@ uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& reco
         return PluginCoreSuccess;
     case EditorTextMessage:
         return PluginCoreNoEditor;
-    case PLUGIN_CORE_MESSAGE_PRESET:
-        return PresetMessage(context, record);
+    case PLUGIN_CORE_MESSAGE_PRESET: {
+        const bool isWhole = record.data != nullptr && record.length >= sizeof(PresetRecord);
+        if (context != DSP::Context::UI || !isWhole) {
+            return PluginCoreUnsupported;
+        }
+        return presets.Answer(*static_cast<PresetRecord*>(record.data));
+    }
     default:
         return PluginCoreUnsupported;
     }
@@ -246,16 +313,14 @@ void Plugin::RefreshEvent(ParamEventRecord& event)
 void Plugin::RunIdleWork()
 {
     if (editor.FinishFormat()) {
-        LoadPendingChunks();
+        state.LoadPending();
     }
     if (processDirty.exchange(false)) {
         history.onStateChanged();
     }
     transform->GetSet().OnUIIdle();
     transform->GetSet().OnSyncParams();
-    if (persistentParams) {
-        persistentParams->ApplyChanges();
-    }
+    preferences.ApplyChanges();
     history.onIdle();
     latency.Check(DSP::Context::UI);
 }

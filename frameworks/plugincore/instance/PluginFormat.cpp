@@ -37,20 +37,20 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
     const Util::ScopedFlag suspendedGuard(suspended);
     const Util::ScopedFlag switchingGuard(switching);
     blocks.ForgetBlocks();
-    const Util::Bytes state = SaveState();
+    const Util::Bytes saved = state.Save();
     const float formerRate = sampleRate;
     const uint32_t formerConfig = channelConfig;
     Editor* closedEditor = nullptr;
     std::exception_ptr failure;
     try {
-        StorePersistentParams();
+        preferences.Store();
         transform->BeforeFormatChange();
         closedEditor = editor.FreeOfElements();
         TakeFormat(newSampleRate, newChannelConfig);
-        FollowFormat(state);
+        FollowFormat(saved);
     } catch (...) {
         failure = std::current_exception();
-        ReturnToFormat(formerRate, formerConfig, state);
+        ReturnToFormat(formerRate, formerConfig, saved);
     }
     editor.Reopen(closedEditor);
     if (failure) {
@@ -61,49 +61,26 @@ void Plugin::Reconfigure(float newSampleRate, uint32_t newChannelConfig)
 // The instance stays as it was when it can't have a new format.
 void Plugin::ReturnToFormat(float formerRate,
                             uint32_t formerConfig,
-                            const Util::Bytes& state) noexcept
+                            const Util::Bytes& saved) noexcept
 {
     try {
         TakeFormat(formerRate, formerConfig);
-        FollowFormat(state);
+        FollowFormat(saved);
     } catch (...) {
         // The caller is told of the failure that came first.
         Util::DebugTrace("The former stream format could not be taken again");
     }
 }
 
-void Plugin::FollowFormat(const Util::Bytes& state)
+void Plugin::FollowFormat(const Util::Bytes& saved)
 {
-    BuildElementParamList();
+    params.Rebuild();
     LatencyChanged(DSP::Context::Process);
-    LoadPersistentParams();
-    RestoreState(state);
+    preferences.Load();
+    state.Restore(saved);
     transform->PlanDryDelay();
     transform->Settle();
     transform->AfterFormatChange();
-}
-
-Util::Bytes Plugin::SaveState()
-{
-    Util::Bytes state(GetStateSize());
-    if (!GetChunk(state)) {
-        state.clear(); // what is made anew then starts with its defaults
-    }
-    return state;
-}
-
-void Plugin::RestoreState(const Util::Bytes& state)
-{
-    // Elements that live on have kept their values. They are not set again later, by when the host
-    // may have changed them.
-    if (state.empty() || SaveState() == state) {
-        return;
-    }
-    if (editor.IsPending()) {
-        pendingChunks.assign(1, state);
-    } else {
-        SetChunk(state, GetDefinition().GetVersionNumber(), DSP::SourceHost);
-    }
 }
 
 void Plugin::TakeFormat(float newSampleRate, uint32_t newChannelConfig)

@@ -180,18 +180,18 @@ TEST_F(GesturesTest, WhatIsNotAutomatableChangesTheStateOnlyIfItIsSaved)
 TEST_F(GesturesTest, AnActionOfManyChangesIsReportedOnce)
 {
     {
-        const Plugin::UserAction action(plugin);
-        const Plugin::UserAction within(plugin);
+        const GestureReport::UserAction action(plugin.GetGestures());
+        const GestureReport::UserAction within(plugin.GetGestures());
         sensitivity.SetValue(6.0F);
         strength.SetValue(6.0F);
     }
     EXPECT_EQ(instance.Take(), "1 of 0 at 0.6; 1 of 1 at 0.6; dirty; ");
     {
-        const Plugin::UserAction action(plugin);
+        const GestureReport::UserAction action(plugin.GetGestures());
     }
     EXPECT_EQ(instance.Take(), "");
     {
-        Plugin::UserAction action(plugin);
+        GestureReport::UserAction action(plugin.GetGestures());
         action.MarkChanged();
     }
     EXPECT_EQ(instance.Take(), "dirty; ");

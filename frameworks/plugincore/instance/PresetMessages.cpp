@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// Presets of an instance as the host asks for them.
-#include "frameworks/plugincore/instance/Plugin.h"
+#include "frameworks/plugincore/instance/PresetMessages.h"
+
 #include "frameworks/plugincore/preset/file/PresetErrors.h"
 #include "frameworks/plugincore/preset/manager/PresetManager.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
@@ -176,63 +176,67 @@ void Save(PresetManager& presets, const String& name, PresetRecord& record)
 
 } // namespace
 
-bool Plugin::MakePresets()
+PresetMessages::PresetMessages(Setup newSetup)
+    : setup(std::move(newSetup))
 {
-    auto* interface = GetSet().GetPresetInterface();
-    auto* metadata = GetSet().GetPresetMetadata();
+}
+
+PresetMessages::~PresetMessages() = default;
+
+bool PresetMessages::MakeManager()
+{
+    auto* interface = setup.set.GetPresetInterface();
+    auto* metadata = setup.set.GetPresetMetadata();
     if (interface == nullptr || metadata == nullptr) {
         return false;
     }
-    const PluginDefinition& product = GetDefinition();
-    presets = std::make_unique<PresetManager>(
+    const PluginDefinition& product = setup.product;
+    manager = std::make_unique<PresetManager>(
         PresetManager::Setup{{product.GetPresetId(),
                               product.GetStateVersion(),
                               product.GetVersionNumber(),
                               product.GetBuildNumber()},
                              GetDefaultPresetFolder(product),
-                             GetFactoryPresetFolder(product, GetModulePath()),
-                             settings.GetProductFile(),
-                             !IsOffline(),
+                             GetFactoryPresetFolder(product, setup.modulePath),
+                             setup.settings,
+                             setup.keepsSettings,
                              *interface,
                              *metadata,
                              [this](const String& /*name*/) {
-                                 latency.Check(DSP::Context::UI);
-                                 history.onStateChanged();
-                                 UserAction(*this).MarkChanged();
+                                 setup.onApplied();
+                                 GestureReport::UserAction(setup.gestures).MarkChanged();
                              }});
     return true;
 }
 
-uint32_t Plugin::PresetMessage(DSP::Context context, const HostMessageRecord& record)
+uint32_t PresetMessages::Answer(PresetRecord& record)
 {
-    const bool isWhole = record.data != nullptr && record.length >= sizeof(PresetRecord);
-    if (context != DSP::Context::UI || !isWhole || (!presets && !MakePresets())) {
+    if (!manager && !MakeManager()) {
         return PluginCoreUnsupported;
     }
-    auto& preset = *static_cast<PresetRecord*>(record.data);
-    const String name = preset.name;
-    preset.failed = 0;
-    CopyText(preset.message, {});
-    switch (preset.op) {
+    const String name = record.name;
+    record.failed = 0;
+    CopyText(record.message, {});
+    switch (record.op) {
     case PresetOpList:
-        List(*presets, preset);
+        List(*manager, record);
         return PluginCoreSuccess;
     case PresetOpDescribe:
-        if (preset.index >= presets->GetEntries().size()) {
+        if (record.index >= manager->GetEntries().size()) {
             return PluginCoreUnsupported;
         }
-        Show(presets->GetEntries()[preset.index], preset);
+        Show(manager->GetEntries()[record.index], record);
         return PluginCoreSuccess;
     case PresetOpApply: {
         const Util::ScopedDenormalGuard denormalGuard;
-        const UserAction action(*this); // one for all that the preset changes
-        LoadPendingChunks();
-        Apply(*presets, name, preset);
+        const GestureReport::UserAction action(setup.gestures); // one for all that changes
+        setup.state.LoadPending();
+        Apply(*manager, name, record);
         return PluginCoreSuccess;
     }
     case PresetOpSave:
-        LoadPendingChunks();
-        Save(*presets, name, preset);
+        setup.state.LoadPending();
+        Save(*manager, name, record);
         return PluginCoreSuccess;
     default:
         return PluginCoreUnsupported;

@@ -5,13 +5,11 @@
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
 #include "frameworks/plugincore/controller/PersistentRegistrationVisitor.h"
 #include "tests/frameworks/plugincore/controller/TestElement.h"
+#include "tests/support/Child.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestElementHost.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <stdexcept>
 #include <thread>
@@ -54,21 +52,15 @@ struct PersistentParamsTest : testing::Test {
 
 TEST_F(PersistentParamsTest, AnotherProcessLeavesItsValuesToTheNext)
 {
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        alarm(60); // its end, whatever happens
+    Support::Child child([] {
         Instance instance;
         instance.Set(33.5F);
         instance.element.SetEnumValue(TestElement::Colour, 3, Side::UI, {});
         instance.element.SetBoolValue(TestElement::Shown, false, Side::UI, {});
         instance.element.SetFloatValue(TestElement::Level, 7.0F, Side::UI, {});  // not persistent
         instance.element.SetBoolValue(TestElement::Active, false, Side::UI, {}); // nor this one
-        _exit(0);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_EQ(status, 0);
+    });
+    ASSERT_EQ(child.Wait(), 0);
 
     std::set<String> names;
     file.GetValueNames(names, "");
@@ -100,6 +92,10 @@ TEST_F(PersistentParamsTest, LiveInstancesFollowAtTheirOwnTickWithoutWritingAgai
     first.link.ApplyChanges();
     EXPECT_EQ(first.Value(), 50.0F);
     EXPECT_EQ(Instance().Value(), 50.0F);
+    // What the process side changes is kept when it is polled.
+    first.element.SetFloatValue(TestElement::Size, 70.0F, Side::Process, DSP::SourceHost);
+    first.element.SyncParams();
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 70.0F);
 }
 
 TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
@@ -151,14 +147,6 @@ TEST_F(PersistentParamsTest, AListenerThatThrowsCostsNoOtherValue)
     // Taking over is done with: what changes here from now on is written.
     second.element.SetEnumValue(TestElement::Colour, 1, Side::UI, DSP::SourceHost);
     EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 1U);
-}
-
-TEST_F(PersistentParamsTest, WhatTheProcessSideChangesIsKeptWhenItIsPolled)
-{
-    Instance instance;
-    instance.element.SetFloatValue(TestElement::Size, 70.0F, Side::Process, DSP::SourceHost);
-    instance.element.SyncParams();
-    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 70.0F);
 }
 
 TEST_F(PersistentParamsTest, ASettingThatCannotBeIsLimitedAndLeftAsItIs)

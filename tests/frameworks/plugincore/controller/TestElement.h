@@ -16,23 +16,19 @@ public:
         : ElementDispatcher({owner, "Test", 48000.0F, 0})
     {
         using DSP::Persistence;
-        DSP::ParamRegistration<float> level;
-        level.name = "Level";
-        level.range = {-10.0F, 10.0F};
-        level.defaultValue = 1.0F;
-        level.target = &values[0];
-        level.info = {Persistence::Session, "dB", true};
-        level.onUIChange = [this](float value) {
-            log.push_back("ui " + std::to_string(static_cast<int>(value)));
-        };
-        RegisterFloatParam(Level, level);
-        DSP::ParamRegistration<float> size;
-        size.name = "Size";
-        size.range = {0.0F, 100.0F};
-        size.defaultValue = 20.0F;
-        size.target = &values[1];
-        size.info.persistence = Persistence::Persistent;
-        RegisterFloatParam(Size, size);
+        RegisterFloatParam(Level,
+                           {.name = "Level",
+                            .range = {-10.0F, 10.0F},
+                            .defaultValue = 1.0F,
+                            .target = &values[0],
+                            .onUIChange = [this](float value) { Note(value); },
+                            .info = {Persistence::Session, "dB", true}});
+        RegisterFloatParam(Size,
+                           {.name = "Size",
+                            .range = {0.0F, 100.0F},
+                            .defaultValue = 20.0F,
+                            .target = &values[1],
+                            .info = {Persistence::Persistent, "", false}});
         RegisterEnum(Mode, "Mode", &modes[0], Persistence::Session);
         RegisterEnum(Colour, "Colour", &modes[1], Persistence::Persistent);
         RegisterSwitch(Active, "Active", &switches[0], Persistence::Transient);
@@ -51,31 +47,22 @@ protected:
     }
 
 private:
-    void RegisterEnum(uint32_t index,
-                      const char* paramName,
-                      uint32_t* target,
-                      DSP::Persistence persistence)
+    void Note(float value) { log.push_back("ui " + std::to_string(static_cast<int>(value))); }
+    void RegisterEnum(uint32_t index, const char* called, uint32_t* target, DSP::Persistence kept)
     {
-        DSP::EnumRegistration registration;
-        registration.name = paramName;
-        registration.range = {1, 3};
-        registration.defaultValue = 2;
-        registration.target = target;
-        registration.labels = {"one", "two", "three"};
-        registration.info.persistence = persistence;
-        RegisterEnumParam(index, registration);
+        RegisterEnumParam(index,
+                          {{.name = called,
+                            .range = {1, 3},
+                            .defaultValue = 2,
+                            .target = target,
+                            .info = {kept, "", false}},
+                           {"one", "two", "three"}});
     }
-    void RegisterSwitch(uint32_t index,
-                        const char* paramName,
-                        bool* target,
-                        DSP::Persistence persistence)
+    void RegisterSwitch(uint32_t index, const char* called, bool* target, DSP::Persistence kept)
     {
-        DSP::ParamRegistration<bool> registration;
-        registration.name = paramName;
-        registration.defaultValue = true;
-        registration.target = target;
-        registration.info.persistence = persistence;
-        RegisterBoolParam(index, registration);
+        RegisterBoolParam(
+            index,
+            {.name = called, .defaultValue = true, .target = target, .info = {kept, "", false}});
     }
 
     float values[2] = {};

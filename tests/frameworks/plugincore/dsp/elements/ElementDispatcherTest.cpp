@@ -24,26 +24,20 @@ public:
     explicit Element(DSP::ElementHost& owner, bool withDuplicate = false)
         : ElementDispatcher({owner, "Test", 48000.0F, 0})
     {
-        DSP::ParamRegistration<bool> muting;
-        muting.name = "Mute";
-        muting.target = &mute;
-        RegisterBoolParam(Mute, muting); // in any order
-        DSP::ParamRegistration<float> gaining;
-        gaining.name = "Gain";
-        gaining.range = {-1.0F, 1.0F};
-        gaining.defaultValue = 0.25F;
-        gaining.target = &gain;
-        gaining.onProcessChange = [this](float value) { Note("p", value); };
-        gaining.onUIChange = [this](float value) { Note("u", value); };
-        gaining.info.units = "dB";
+        RegisterBoolParam(Mute, {.name = "Mute", .target = &mute}); // in any order
+        DSP::ParamRegistration<float> gaining{
+            .name = "Gain",
+            .range = {-1.0F, 1.0F},
+            .defaultValue = 0.25F,
+            .target = &gain,
+            .onProcessChange = [this](float value) { Note("p", value); },
+            .onUIChange = [this](float value) { Note("u", value); },
+            .info = {.units = "dB"}};
         gainHandle = RegisterFloatParam(Gain, gaining);
-        DSP::EnumRegistration choosing;
-        choosing.name = "Mode";
-        choosing.range = {2, 4};
-        choosing.defaultValue = 3;
-        choosing.target = &mode;
-        choosing.labels = {"two", "three", "four"};
-        modeHandle = RegisterEnumParam(Mode, choosing);
+        modeHandle = RegisterEnumParam(
+            Mode,
+            {{.name = "Mode", .range = {2, 4}, .defaultValue = 3, .target = &mode},
+             {"two", "three", "four"}});
         earlyDefault = gainHandle.GetDefault();
         if (withDuplicate) {
             gaining.target = &other;

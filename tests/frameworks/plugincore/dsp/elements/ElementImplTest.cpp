@@ -191,31 +191,14 @@ TEST(Element, KeepsDryHistoryFromThePoolAndNotOnAChild)
     EXPECT_EQ(host.GetProcessingMemoryMark(), 0U);
 }
 
-TEST(DelayLine, DelaysExactlyAndMovesWithinItsRoom)
-{
-    DSP::DelayLine line(8);
-    for (const uint32_t length : {0U, 1U, 5U, 8U}) {
-        line.Clear();
-        line.SetLength(length);
-        std::vector<float> samples(30);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            samples[i] = static_cast<float>(i + 1);
-        }
-        line.Process(samples.data(), samples.data(), 11); // cut anywhere
-        line.Process(samples.data() + 11, samples.data() + 11, 19);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            ASSERT_EQ(samples[i], i < length ? 0.0F : static_cast<float>(i + 1 - length));
-        }
-    }
-}
-
 // Cuts and wraps fall everywhere; a plain shift of the whole signal is the truth.
 TEST(DelayLine, DelaysExactlyHoweverLongTheBlocksAre)
 {
     constexpr uint32_t Frames = 3000;
-    for (const uint32_t length : {0U, 1U, 255U, 600U, 700U}) {
+    DSP::DelayLine line(700);
+    for (const uint32_t length : {0U, 1U, 700U, 255U, 600U}) {
         for (const uint32_t block : {1U, 64U, 257U, 1024U, Frames}) {
-            DSP::DelayLine line(700);
+            line.Clear();
             line.SetLength(length);
             std::vector<float> samples(Frames);
             std::iota(samples.begin(), samples.end(), 1.0F);

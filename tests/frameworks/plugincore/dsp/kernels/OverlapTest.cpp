@@ -1,28 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <random>
 #include <vector>
 
 using namespace DSP::Kernels;
-
-namespace {
-
-std::vector<float> MakeNoise(std::size_t count, unsigned seed)
-{
-    std::minstd_rand random(seed);
-    std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
-    std::vector<float> values(count);
-    for (float& value : values) {
-        value = distribution(random);
-    }
-    return values;
-}
-
-} // namespace
+using Support::MakeNoise;
 
 // Every length around the vectors' and every misalignment, against the plain loop.
 TEST(Overlap, EveryLevelDoesWhatThePlainLoopDoes)

@@ -30,16 +30,9 @@ public:
     {
         RegisterNumber(Gain, "Gain", gain, Persistence::Session);
         RegisterNumber(Elsewhere, "Elsewhere", elsewhere, Persistence::Persistent);
-        DSP::EnumRegistration choosing;
-        choosing.name = "Mode";
-        choosing.range = {0, 3};
-        choosing.defaultValue = 1;
-        choosing.target = &mode;
-        RegisterEnumParam(Mode, choosing);
-        DSP::ParamRegistration<bool> muting;
-        muting.name = "Mute";
-        muting.target = &mute;
-        RegisterBoolParam(Mute, muting);
+        RegisterEnumParam(
+            Mode, {{.name = "Mode", .range = {0, 3}, .defaultValue = 1, .target = &mode}, {}});
+        RegisterBoolParam(Mute, {.name = "Mute", .target = &mute});
         FinaliseParams();
     }
 
@@ -63,14 +56,13 @@ public:
 private:
     void RegisterNumber(uint32_t index, const char* paramName, float& target, Persistence kept)
     {
-        DSP::ParamRegistration<float> registration;
-        registration.name = paramName;
-        registration.range = {-10.0F, 10.0F};
-        registration.defaultValue = 1.0F;
-        registration.target = &target;
-        registration.info.persistence = kept;
-        registration.onUIChange = [this](float) { ++changes; };
-        RegisterFloatParam(index, registration);
+        RegisterFloatParam(index,
+                           {.name = paramName,
+                            .range = {-10.0F, 10.0F},
+                            .defaultValue = 1.0F,
+                            .target = &target,
+                            .onUIChange = [this](float) { ++changes; },
+                            .info = {kept, "", false}});
     }
 
     float gain = 0;

@@ -19,11 +19,7 @@ public:
         : ElementDispatcher({owner, "Own name", rate, layout})
         , isConfigurable(configurable)
     {
-        DSP::ParamRegistration<float> registration;
-        registration.name = "Amount";
-        registration.range = {0.0F, 1.0F};
-        registration.target = &amount;
-        RegisterFloatParam(0, registration);
+        RegisterFloatParam(0, {.name = "Amount", .range = {0.0F, 1.0F}, .target = &amount});
         FinaliseParams();
     }
     bool IsConfigurable() const override { return isConfigurable; }

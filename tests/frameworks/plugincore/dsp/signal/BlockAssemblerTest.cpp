@@ -25,24 +25,37 @@ std::vector<float> Ramp(uint32_t count)
     return samples;
 }
 
-// Sends the samples through in blocks, in place; each frame is negated by the "element".
+Frame MakeBlock(float* const* channels, std::size_t frames)
+{
+    Frame block;
+    block.frames = static_cast<uint32_t>(frames);
+    block.inputs = channels;
+    return block;
+}
+
+// One block; what an "element" does to each frame is `act`.
+template <typename Action>
+void Pass(BlockAssembler& assembler, const Frame& block, Action act, CopyOut copyOut = CopyOut::Yes)
+{
+    assembler.Begin(block);
+    Frame frame;
+    while (assembler.Next(frame)) {
+        act(frame);
+    }
+    assembler.End(copyOut);
+}
+
+// Sends the samples through in blocks, in place; each frame is negated.
 std::vector<float> Negate(BlockAssembler& assembler, std::vector<float> samples, uint32_t block)
 {
-    for (std::size_t done = 0; done < samples.size();) {
-        const auto count = std::min<std::size_t>(block, samples.size() - done);
+    for (std::size_t done = 0; done < samples.size(); done += block) {
         float* channels[] = {samples.data() + done};
-        Frame input;
-        input.frames = static_cast<uint32_t>(count);
-        input.inputs = channels;
-        assembler.Begin(input);
-        Frame frame;
-        while (assembler.Next(frame)) {
+        const std::size_t count = std::min<std::size_t>(block, samples.size() - done);
+        Pass(assembler, MakeBlock(channels, count), [](const Frame& frame) {
             for (uint32_t i = 0; i < frame.frames; ++i) {
                 frame.inputs[0][i] = -frame.inputs[0][i];
             }
-        }
-        assembler.End(CopyOut::Yes);
-        done += count;
+        });
     }
     return samples;
 }
@@ -58,33 +71,21 @@ BlockAssembler MakeAssembler(uint32_t frameSize)
 } // namespace
 
 // The whole purpose in one statement: whatever the cut, the output is the processed input, late by
-// the frame size less one, after that much silence.
+// the frame size less one, after that much silence. Without a frame size blocks pass through.
 TEST(BlockAssembler, DelaysByTheFrameLessOneForAnyCut)
 {
     const std::vector<float> input = Ramp(400);
-    for (const uint32_t frameSize : {1U, 2U, 7U, 32U, 64U, 100U}) {
+    for (const uint32_t frameSize : {0U, 1U, 2U, 7U, 32U, 64U, 100U}) {
         for (const uint32_t block : {1U, 3U, 31U, 32U, 33U, 64U, 100U}) {
             BlockAssembler assembler = MakeAssembler(frameSize);
             const std::vector<float> output = Negate(assembler, input, block);
             const uint32_t latency = assembler.GetLatency();
-            ASSERT_EQ(latency, frameSize - 1);
+            ASSERT_EQ(latency, frameSize == 0 ? 0 : frameSize - 1);
             for (uint32_t i = 0; i < output.size(); ++i) {
                 const float expected = i < latency ? 0.0F : -input[i - latency];
                 ASSERT_EQ(output[i], expected) << frameSize << " " << block << " " << i;
             }
         }
-    }
-}
-
-TEST(BlockAssembler, PassesBlocksThroughWithoutAFrameSize)
-{
-    BlockAssembler assembler(1, 1, 0);
-    assembler.Resize(MaxBlock, 1);
-    const std::vector<float> input = Ramp(250);
-    const std::vector<float> output = Negate(assembler, input, 60);
-    EXPECT_EQ(assembler.GetLatency(), 0U);
-    for (std::size_t i = 0; i < input.size(); ++i) {
-        ASSERT_EQ(output[i], -input[i]);
     }
 }
 
@@ -100,20 +101,15 @@ TEST(BlockAssembler, WritesToSeparateAndSideOutputsWithTheSameDelay)
         auto* in = const_cast<float*>(input.data()) + done;
         float* out = output.data() + done;
         float* sideOut = side.data() + done;
-        Frame block;
-        block.frames = 15;
-        block.inputs = &in;
+        Frame block = MakeBlock(&in, 15);
         block.outputs = &out;
         block.sideOutputs = &sideOut;
-        assembler.Begin(block);
-        Frame frame;
-        while (assembler.Next(frame)) {
+        Pass(assembler, block, [](const Frame& frame) {
             for (uint32_t i = 0; i < frame.frames; ++i) {
                 frame.outputs[0][i] = 2 * frame.inputs[0][i];
                 frame.sideOutputs[0][i] = 3 * frame.inputs[0][i];
             }
-        }
-        assembler.End(CopyOut::Yes);
+        });
     }
     EXPECT_EQ(input, Ramp(90)); // not in place: the caller's input stays
     for (std::size_t i = 7; i < input.size(); ++i) {
@@ -127,15 +123,11 @@ TEST(BlockAssembler, KeepsTheCallersMemoryWithoutCopyOut)
     BlockAssembler assembler = MakeAssembler(4);
     std::vector<float> samples = Ramp(10);
     float* channels[] = {samples.data()};
-    Frame block;
-    block.frames = 10;
-    block.inputs = channels;
-    assembler.Begin(block);
-    Frame frame;
-    while (assembler.Next(frame)) {
-        frame.inputs[0][0] = -1;
-    }
-    assembler.End(CopyOut::No);
+    Pass(
+        assembler,
+        MakeBlock(channels, 10),
+        [](const Frame& frame) { frame.inputs[0][0] = -1; },
+        CopyOut::No);
     EXPECT_EQ(samples, Ramp(10));
 }
 
@@ -147,18 +139,13 @@ TEST(BlockAssembler, TellsEachFrameThePositionsThatFallIntoIt)
         BlockAssembler assembler = MakeAssembler(8);
         std::vector<float> samples(20);
         float* channels[] = {samples.data()};
-        Frame block;
-        block.frames = 20;
-        block.inputs = channels;
+        Frame block = MakeBlock(channels, 20);
         block.inputPosition = input;
         block.outputPosition = output;
-        assembler.Begin(block);
         std::vector<std::pair<std::optional<uint32_t>, std::optional<uint32_t>>> seen;
-        Frame frame;
-        while (assembler.Next(frame)) {
+        Pass(assembler, block, [&](const Frame& frame) {
             seen.emplace_back(frame.inputPosition, frame.outputPosition);
-        }
-        assembler.End(CopyOut::Yes);
+        });
         return seen;
     };
     const auto input = positions(9, std::nullopt);
@@ -182,17 +169,11 @@ TEST(BlockAssembler, CountsInputPositionsFromTheAccumulatorsStart)
     Negate(assembler, Ramp(3), 3);
     std::vector<float> samples(9);
     float* channels[] = {samples.data()};
-    Frame block;
-    block.frames = 9;
-    block.inputs = channels;
+    Frame block = MakeBlock(channels, 9);
     block.inputPosition = 1;
-    assembler.Begin(block);
-    Frame frame;
-    ASSERT_TRUE(assembler.Next(frame));
-    EXPECT_EQ(frame.inputPosition, std::nullopt);
-    ASSERT_TRUE(assembler.Next(frame));
-    EXPECT_EQ(frame.inputPosition, 0U);
-    assembler.End(CopyOut::Yes);
+    std::vector<std::optional<uint32_t>> seen;
+    Pass(assembler, block, [&](const Frame& frame) { seen.push_back(frame.inputPosition); });
+    EXPECT_EQ(seen, (std::vector<std::optional<uint32_t>>{std::nullopt, 0U, std::nullopt}));
 }
 
 TEST(BlockAssembler, ResetStartsAgainWithSilenceInsideAndOutsideABlock)
@@ -205,10 +186,7 @@ TEST(BlockAssembler, ResetStartsAgainWithSilenceInsideAndOutsideABlock)
     // Inside a block what waits is silenced; the block's own input goes on.
     std::vector<float> samples = Ramp(20);
     float* channels[] = {samples.data()};
-    Frame block;
-    block.frames = 20;
-    block.inputs = channels;
-    assembler.Begin(block);
+    assembler.Begin(MakeBlock(channels, 20));
     assembler.Reset();
     Frame frame;
     EXPECT_TRUE(assembler.Next(frame));
@@ -223,17 +201,11 @@ TEST(BlockAssembler, TreatsAMissingChannelAsSilenceAndDoesNotWriteToIt)
     assembler.SetFrameSize(4);
     std::vector<float> left = Ramp(12);
     float* channels[] = {left.data(), nullptr};
-    Frame block;
-    block.frames = 12;
-    block.inputs = channels;
-    assembler.Begin(block);
-    Frame frame;
-    while (assembler.Next(frame)) {
+    Pass(assembler, MakeBlock(channels, 12), [](const Frame& frame) {
         for (uint32_t i = 0; i < frame.frames; ++i) {
             EXPECT_EQ(frame.inputs[1][i], 0.0F);
         }
-    }
-    assembler.End(CopyOut::Yes);
+    });
     EXPECT_EQ(left[3], 1.0F);
     EXPECT_EQ(left[11], 9.0F);
 }
@@ -246,14 +218,7 @@ TEST(BlockAssembler, StaysOffTheHeapWithinItsSizes)
     const Support::HeapCount heap;
     for (int i = 0; i < 500; ++i) {
         float* channels[] = {samples.data()};
-        Frame block;
-        block.frames = 1 + static_cast<uint32_t>(random() % MaxBlock);
-        block.inputs = channels;
-        assembler.Begin(block);
-        Frame frame;
-        while (assembler.Next(frame)) {
-        }
-        assembler.End(CopyOut::Yes);
+        Pass(assembler, MakeBlock(channels, 1 + random() % MaxBlock), [](const Frame&) {});
     }
     assembler.SetFrameSize(32); // smaller than what is there
     assembler.SetFrameSize(64);

@@ -57,6 +57,12 @@ protected:
         instance.state[0] = value;
         ASSERT_TRUE(logic->AddSnapshot(String("%1").arg(uint32_t{value})));
     }
+    void Idle(int ticks)
+    {
+        for (int tick = 0; tick < ticks; ++tick) {
+            logic->onIdle();
+        }
+    }
     Labels Rows() const
     {
         Labels labels;
@@ -152,15 +158,11 @@ TEST_F(HistoryLogicTest, AFullListLosesItsOldestAndSlotsFollow)
     depthIndex = 0; // a smaller depth counts from the next snapshot on
     Add(4);
     EXPECT_EQ(Rows().size(), 50U);
-}
-
-TEST_F(HistoryLogicTest, WithoutALimitNothingIsDropped)
-{
-    depthIndex = 3;
-    for (int i = 0; i < 600; ++i) {
+    depthIndex = 3; // no limit
+    for (int i = 0; i < 550; ++i) {
         Add(1);
     }
-    EXPECT_EQ(Rows().size(), 601U);
+    EXPECT_EQ(Rows().size(), 600U);
 }
 
 TEST_F(HistoryLogicTest, AStateThatCannotBeHadChangesNothing)
@@ -182,22 +184,13 @@ TEST_F(HistoryLogicTest, TheListOutlivesTheInstance)
     ASSERT_TRUE(logic->StoreSlot(3));
     ASSERT_TRUE(logic->AddSnapshot(std::string(200001, 'x'))); // more than a file can hold
     logic->Flush();
+    instance.state.resize(4); // changed since, and no snapshot: the file goes with the state
+    logic->Flush();
     Begin();
     logic->onEditorOpened();
     EXPECT_EQ(Rows(), (Labels{"Initial State", "5", std::string(200000, 'x')}));
     EXPECT_TRUE(logic->RecallSlot(3));
     EXPECT_EQ(instance.state[0], 5);
-}
-
-TEST_F(HistoryLogicTest, TheFileGoesWithTheStateThatItWasWrittenBeside)
-{
-    Add(5);
-    logic->Flush();
-    instance.state.resize(4); // changed since, and no snapshot
-    logic->Flush();
-    Begin();
-    logic->onEditorOpened();
-    EXPECT_EQ(Rows(), (Labels{"Initial State", "5"}));
 }
 
 TEST_F(HistoryLogicTest, AnInstanceWithoutSnapshotsLeavesTheFileToAnother)
@@ -326,15 +319,11 @@ TEST_F(HistoryLogicTest, AResetBeginsAnew)
 TEST_F(HistoryLogicTest, TheFileIsWrittenOnceTheStateRests)
 {
     Add(5);
-    for (int tick = 0; tick < 19; ++tick) {
-        logic->onIdle();
-    }
+    Idle(19);
     logic->onStateChanged();
     logic->onIdle();
     EXPECT_FALSE(HasFile("QoTest.hst"));
-    for (int tick = 0; tick < 19; ++tick) {
-        logic->onIdle();
-    }
+    Idle(19);
     EXPECT_TRUE(HasFile("QoTest.hst"));
     EXPECT_FALSE(HasFile("own.hst"));
 }
@@ -358,9 +347,7 @@ TEST_F(HistoryLogicTest, ASaveThatFailedIsTriedAgainAtTheSamePace)
     instance.path = folder / "none/own.hst";
     Begin();
     Add(5);
-    for (int tick = 0; tick < 20; ++tick) {
-        logic->onIdle();
-    }
+    Idle(20);
     std::filesystem::create_directory(folder / "none");
     for (int tick = 0; tick < 20; ++tick) {
         EXPECT_FALSE(HasFile("none/QoTest.hst")) << tick;

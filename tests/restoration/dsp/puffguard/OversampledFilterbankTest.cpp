@@ -3,6 +3,7 @@
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 
 #include "frameworks/plugincore/dsp/signal/FFTPool.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,6 @@
 #include <complex>
 #include <cstring>
 #include <numbers>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -22,11 +22,9 @@ using Channels = std::vector<std::vector<float>>;
 
 Channels MakeNoise(std::size_t channels, std::size_t count)
 {
-    std::mt19937 generator(1);
-    std::uniform_real_distribution<float> distribution(-1.0F, 1.0F);
-    Channels values(channels, std::vector<float>(count));
-    for (std::vector<float>& channel : values) {
-        std::generate(channel.begin(), channel.end(), [&] { return distribution(generator); });
+    Channels values;
+    for (unsigned channel = 0; channel < channels; ++channel) {
+        values.push_back(Support::MakeNoise(count, channel + 1));
     }
     return values;
 }

@@ -104,79 +104,71 @@ DSP::PeakTest TestMiddle(const std::vector<float>& history, float threshold)
     return DSP::TestPeak(history, Centre, Radius, threshold);
 }
 
-TEST(PeakTest, LargestValueAboveTheThresholdIsAPeak)
+TEST(PeakTest, IsTheLargestOfItsWindowOrALocalOneWhileTheLevelStays)
 {
-    const std::vector<float> history = MakeHistory({1, 4, 30, 100, 50, 2, 3}, 1000);
-    const DSP::PeakTest test = TestMiddle(history, 99);
-    EXPECT_TRUE(test.isPeak); // what lies outside the window doesn't count
+    struct Row {
+        std::array<float, 7> window;
+        float threshold;
+        bool isPeak;
+    };
+    const Row rows[] = {
+        {{1, 4, 30, 100, 50, 2, 3}, 99, true},
+        {{1, 4, 30, 100, 50, 2, 3}, 100, false},    // strictly above
+        {{0, 50, 50, 50, 50, 50, 0}, 10, true},     // every frame of a plateau is one
+        {{101, 0, 0, 100, 0, 0, 0}, 10, false},     // the ends of the window belong to it
+        {{0, 0, 0, 100, 100, 0, 101}, 10, false},   // and no local peak
+        {{120, 9, 100, 100, 99, 9, 20}, 10, true},  // local; 20 three frames later is above 10
+        {{120, 9, 100, 100, 99, 9, 10}, 10, false}, // not above
+        {{120, 9, 101, 100, 99, 9, 20}, 10, false}, // still rising back
+        {{120, 9, 99, 100, 100, 9, 20}, 10, false}, // equal to the right
+        {{1, 1, 1, 100, 1, 1, 1}, Infinity, false}, // thresholds that are no numbers
+        {{1, 1, 1, 100, 1, 1, 1}, std::nanf(""), false},
+        {{0, 0, 0, 0, 0, 0, 0}, 0, false}, // silence
+    };
+    for (const auto& [window, threshold, isPeak] : rows) {
+        EXPECT_EQ(TestMiddle(MakeHistory(window), threshold).isPeak, isPeak)
+            << testing::PrintToString(window) << " " << threshold;
+    }
+    // What lies outside the window doesn't count.
+    const DSP::PeakTest test = TestMiddle(MakeHistory({1, 4, 30, 100, 50, 2, 3}, 1000), 99);
+    EXPECT_TRUE(test.isPeak);
     EXPECT_FALSE(test.isSustained);
     EXPECT_EQ(test.centre, 100.0F);
     EXPECT_EQ(test.maximum, 100.0F);
-    EXPECT_FALSE(TestMiddle(history, 100).isPeak); // strictly above
-    // Every frame of a plateau is one.
-    EXPECT_TRUE(TestMiddle(MakeHistory({0, 50, 50, 50, 50, 50, 0}), 10).isPeak);
-}
-
-TEST(PeakTest, EndsOfTheWindowBelongToIt)
-{
-    EXPECT_FALSE(TestMiddle(MakeHistory({101, 0, 0, 100, 0, 0, 0}), 10).isPeak);
-    // On the right the end also makes a local peak count, so that there must be none.
-    EXPECT_FALSE(TestMiddle(MakeHistory({0, 0, 0, 100, 100, 0, 101}), 10).isPeak);
-}
-
-TEST(PeakTest, LocalPeakCountsWhileTheLevelStays)
-{
-    // 120 stands nearby, but 20 three frames later is still above 10.
-    EXPECT_TRUE(TestMiddle(MakeHistory({120, 9, 100, 100, 99, 9, 20}), 10).isPeak);
     EXPECT_TRUE(TestMiddle(MakeHistory({120, 9, 100, 100, 99, 9, 20}), 10).isSustained);
-    EXPECT_FALSE(TestMiddle(MakeHistory({120, 9, 100, 100, 99, 9, 10}), 10).isPeak); // not above
-    EXPECT_FALSE(
-        TestMiddle(MakeHistory({120, 9, 101, 100, 99, 9, 20}), 10).isPeak); // still rising back
-    EXPECT_FALSE(
-        TestMiddle(MakeHistory({120, 9, 99, 100, 100, 9, 20}), 10).isPeak); // equal to the right
 }
 
-TEST(PeakTest, NothingPassesAThresholdThatIsNoNumber)
-{
-    EXPECT_FALSE(TestMiddle(MakeHistory({1, 1, 1, 100, 1, 1, 1}), Infinity).isPeak);
-    EXPECT_FALSE(TestMiddle(MakeHistory({1, 1, 1, 100, 1, 1, 1}), std::nanf("")).isPeak);
-    EXPECT_FALSE(TestMiddle(MakeHistory({}), 0).isPeak); // silence
-}
-
-std::array<int32_t, 2> FindRegion(const std::vector<float>& history, float threshold, float noise)
-{
-    const DSP::PeakTest peak = TestMiddle(history, threshold);
-    const DSP::RepairRegion region = DSP::FindRepairRegion(history, Centre, Radius, peak, noise);
-    return {region.start, region.end};
-}
-
+// Level: fourth root of 100 * 1 = 3.16, 100 being the peak and 1 the noise.
 TEST(RepairRegion, ReachesFromFootToFoot)
 {
-    // Level: fourth root of 100 * 1 = 3.16. Left: 3 holds 1, 4 holds 4, which exceeds it; down to
-    // its foot at 3. Right: 9 and 8 don't exceed it, so from 7 down: 8, where 3 behind it rises.
-    EXPECT_EQ(FindRegion(MakeHistory({1, 4, 30, 100, 50, 2, 3}), 99, 1),
-              (std::array<int32_t, 2>{3, 8}));
-}
-
-TEST(RepairRegion, StopsWhereTheSlopeRisesAgain)
-{
-    // Left: 3 holds 9, above 3.16, and is the far end itself. Right: 9 holds 1; 8 holds 5, above;
-    // down to 9.
-    EXPECT_EQ(FindRegion(MakeHistory({9, 1, 30, 100, 2, 5, 1}), 99, 1),
-              (std::array<int32_t, 2>{3, 9}));
-    // Nothing above the level beside the peak: the walk ends beside it and slides outwards.
-    EXPECT_EQ(FindRegion(MakeHistory({3, 2, 1, 100, 1, 1, 3}), 99, 1),
-              (std::array<int32_t, 2>{5, 8}));
-}
-
-TEST(RepairRegion, SustainedPeakEndsBeforeTheLowestOfTheNextFrames)
-{
-    // 3 at index 9 is above 2. The first lowest of 50 and 2 is number 1, so the far end is 6 + 1.
-    EXPECT_EQ(FindRegion(MakeHistory({1, 4, 30, 100, 50, 2, 3}), 2, 1),
-              (std::array<int32_t, 2>{3, 7}));
-    // The lowest is the very next frame, number 0: the region ends at the peak, above the level.
-    EXPECT_EQ(FindRegion(MakeHistory({1, 4, 30, 100, 2, 50, 3}), 2, 1),
-              (std::array<int32_t, 2>{3, 6}));
+    struct Row {
+        std::array<float, 7> window;
+        float threshold;
+        std::array<int32_t, 2> region;
+    };
+    const Row rows[] = {
+        // Left: 3 holds 1, 4 holds 4, which exceeds it; down to its foot at 3. Right: 9 and 8 don't
+        // exceed it, so from 7 down: 8, where 3 behind it rises.
+        {{1, 4, 30, 100, 50, 2, 3}, 99, {3, 8}},
+        // Left: 3 holds 9, above 3.16, and is the far end itself. Right: 9 holds 1; 8 holds 5,
+        // above; down to 9.
+        {{9, 1, 30, 100, 2, 5, 1}, 99, {3, 9}},
+        // Nothing above the level beside the peak: the walk ends beside it and slides outwards.
+        {{3, 2, 1, 100, 1, 1, 3}, 99, {5, 8}},
+        // Sustained, as 3 at index 9 is above 2: the first lowest of 50 and 2 is number 1, so the
+        // far end is 6 + 1.
+        {{1, 4, 30, 100, 50, 2, 3}, 2, {3, 7}},
+        // The lowest is the very next frame, number 0: the region ends at the peak, above the
+        // level.
+        {{1, 4, 30, 100, 2, 50, 3}, 2, {3, 6}},
+    };
+    for (const auto& [window, threshold, expected] : rows) {
+        const std::vector<float> history = MakeHistory(window);
+        const DSP::PeakTest peak = TestMiddle(history, threshold);
+        const DSP::RepairRegion region = DSP::FindRepairRegion(history, Centre, Radius, peak, 1);
+        EXPECT_EQ(std::array({region.start, region.end}), expected)
+            << testing::PrintToString(window) << " " << threshold;
+    }
     // A radius of two leaves one frame to search: the region ends at the peak, too.
     const std::vector<float> narrow{0, 0, 0, 4, 30, 100, 50, 20, 0, 0, 0};
     const DSP::PeakTest peak = DSP::TestPeak(narrow, 5, 2, 10);

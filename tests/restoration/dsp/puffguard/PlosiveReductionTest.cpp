@@ -63,21 +63,22 @@ TEST(Protection, UnvoicedStartsBelow80Hz)
 
 TEST(Protection, VoicedFallsBackBetweenTheHarmonics)
 {
-    // f0 at bin 100: rises from 80 to 90; around 150 within 20 bins 0.3, from 40 bins on 1.
-    const DSP::RepairPitch pitch = DSP::MakeRepairPitch(100, MakeSettings(1));
-    EXPECT_EQ(DSP::GetProtection(80, pitch), 0.0F);
-    EXPECT_NEAR(DSP::GetProtection(85, pitch), 0.5F, 1e-5F);
-    EXPECT_NEAR(DSP::GetProtection(90, pitch), 1.0F, 1e-5F);
-    EXPECT_NEAR(DSP::GetProtection(150, pitch), 0.3F, 1e-6F);
-    EXPECT_NEAR(DSP::GetProtection(129, pitch), 0.335F, 1e-5F); // 21 away: 0.05 * 0.7 + 0.3
-    EXPECT_NEAR(DSP::GetProtection(180, pitch), 0.65F, 1e-5F);  // 30 away: 0.5 * 0.7 + 0.3
-    EXPECT_NEAR(DSP::GetProtection(190, pitch), 1.0F, 1e-5F);
-}
-
-TEST(Protection, DistanceToTheValleyIsCutToWholeBins)
-{
-    // f0 at bin 9: valley 13.5, bin 16 is 2.5 away, cut to 2: 0.2 f0 = 1.8, 0.4 f0 = 3.6,
-    // h = 0.2 / 1.8. Uncut it would be 0.7 / 1.8.
+    const auto protect = [](int32_t bin) {
+        // f0 at bin 100: rises from 80 to 90; around 150 within 20 bins 0.3, from 40 bins on 1.
+        return DSP::GetProtection(bin, DSP::MakeRepairPitch(100, MakeSettings(1)));
+    };
+    const std::pair<int32_t, float> expected[] = {{80, 0.0F},
+                                                  {85, 0.5F},
+                                                  {90, 1.0F},
+                                                  {150, 0.3F},
+                                                  {129, 0.335F}, // 21 away: 0.05 * 0.7 + 0.3
+                                                  {180, 0.65F},  // 30 away: 0.5 * 0.7 + 0.3
+                                                  {190, 1.0F}};
+    for (const auto& [bin, protection] : expected) {
+        EXPECT_NEAR(protect(bin), protection, 1e-5F) << bin;
+    }
+    // f0 at bin 9: valley 13.5, bin 16 is 2.5 away, cut to whole bins, 2: 0.2 f0 = 1.8, 0.4 f0 =
+    // 3.6, h = 0.2 / 1.8. Uncut it would be 0.7 / 1.8.
     const DSP::RepairPitch pitch{.pitchHz = 9, .isVoiced = true, .fundamentalBin = 9};
     EXPECT_NEAR(DSP::GetProtection(16, pitch), 0.2F / 1.8F * 0.7F + 0.3F, 1e-5F);
     EXPECT_NEAR(DSP::GetProtection(11, pitch), 0.2F / 1.8F * 0.7F + 0.3F, 1e-5F);
@@ -158,35 +159,35 @@ TEST_F(ReducePowerTest, StrengthMovesTheTargetInTheFourthRootDomain)
     EXPECT_NEAR(frames[0][10], 81 / std::pow(2.001, 4), 1e-3); // the edge belongs to the region
 }
 
-TEST_F(ReducePowerTest, EdgeWithoutPitchIsReadInPlace)
+TEST_F(ReducePowerTest, BinsAreFollowedToTheEdgesByTheirPitch)
 {
-    MakeFrames({10000, 10000, 10000});
-    pitches = {20, 100, 100};
-    frames[0][30] = 16;
-    frames[0][60] = 625;
-    Reduce({0, 2}, 100, 200, 0);
-    EXPECT_NEAR(frames[1][60], 625.0F, 0.05F);
-}
-
-TEST_F(ReducePowerTest, FollowedBinEndsAtTheLastOne)
-{
-    MakeFrames({10000, 10000, 10000});
-    pitches = {1500, 100, 100}; // bin 60 would be at 900
-    frames[0][500] = 16;
-    Reduce({0, 2}, 100, 200, 0);
-    EXPECT_NEAR(frames[1][60], 16.0F, 1e-3F);
-}
-
-TEST_F(ReducePowerTest, FollowedEdgesReadWhatHasBeenRepaired)
-{
-    // Centre 100 Hz, left edge 50 Hz: what the centre shows at bin 60 stands at bin 30 there. Bin
-    // 30 of frame 0 comes down to 16 first, by the right edge; bin 60 then reads that 16.
-    MakeFrames({10000, 10000, 10000});
-    pitches = {50, 100, 100};
-    frames[2][30] = 16;
-    Reduce({0, 2}, 100, 200, 0);
-    EXPECT_NEAR(frames[0][30], 16.0F, 1e-3F);
-    EXPECT_NEAR(frames[1][60], 16.0F, 1e-3F);
+    struct Row {
+        float leftPitch; // of the edge; 100 Hz in the centre and on the right
+        std::vector<std::array<std::size_t, 2>> lowered; // frame and bin that hold 16
+        std::vector<std::array<std::size_t, 2>> expected;
+    };
+    const Row rows[] = {
+        // What the centre shows at bin 60 would stand at bin 12; without a pitch it is at 60.
+        {20, {{0, 60}}, {{1, 60}}},
+        // Bin 60 would be at 900 and ends at the last one.
+        {1500, {{0, 500}}, {{1, 60}}},
+        // Bin 60 stands at bin 30. Bin 30 of frame 0 comes down to 16 first, by the right edge; bin
+        // 60 then reads that 16.
+        {50, {{2, 30}}, {{0, 30}, {1, 60}}},
+    };
+    for (const Row& row : rows) {
+        frames.clear();
+        pointers.clear();
+        MakeFrames({10000, 10000, 10000});
+        pitches = {row.leftPitch, 100, 100};
+        for (const auto& [frame, bin] : row.lowered) {
+            frames[frame][bin] = 16;
+        }
+        Reduce({0, 2}, 100, 200, 0);
+        for (const auto& [frame, bin] : row.expected) {
+            EXPECT_NEAR(frames[frame][bin], 16.0F, 1e-3F) << row.leftPitch << " " << bin;
+        }
+    }
 }
 
 TEST(ApplyGains, BringDownToTheTargetAndNeverUp)

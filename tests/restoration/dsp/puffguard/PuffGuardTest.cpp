@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/PuffGuard.h"
-#include "tests/support/HeapCount.h"
 #include "tests/support/TestElementHost.h"
 
 #include <gtest/gtest.h>
@@ -105,32 +104,6 @@ protected:
     std::unique_ptr<PuffGuard> element;
 };
 
-TEST_F(PuffGuardTest, LatencyIsFrameAndHistory)
-{
-    struct Row {
-        float rate;
-        uint32_t whole;
-        uint32_t least;
-    };
-    // F - 1 + H (N - 1): 4095 + 512 * 20, 4095 + 512 * 24, 8191 + 1024 * 24; at 16 kHz L = 4, M =
-    // 3: 2047 + 256 * 14; at 8 kHz, F = 1024, L = 4, M = 3: 1023 + 128 * 14; at 192 kHz as at 96,
-    // twice. At scaling 0 N is 11.
-    for (const Row& row : {Row{44100, 14335, 9215},
-                           Row{48000, 16383, 9215},
-                           Row{96000, 32767, 18431},
-                           Row{16000, 5631, 4607},
-                           Row{8000, 2815, 2303},
-                           Row{192000, 65535, 36863}}) {
-        Make(row.rate, Mono);
-        EXPECT_EQ(element->GetLatency(Context::UI), row.whole) << row.rate;
-        host.latencyChanges = 0;
-        Set(PuffGuard::LatencyScaling, 0);
-        EXPECT_EQ(element->GetLatency(Context::UI), row.least) << row.rate;
-        EXPECT_EQ(element->GetMaxLatency(), row.whole) << row.rate;
-        EXPECT_EQ(host.latencyChanges, 1);
-    }
-}
-
 TEST_F(PuffGuardTest, BurstIsTakenDownAndTheRestPasses)
 {
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);
@@ -173,23 +146,18 @@ TEST_F(PuffGuardTest, BurstIsTakenDownAndTheRestPasses)
     EXPECT_EQ(rest, 0.0);
 }
 
-TEST_F(PuffGuardTest, WithoutStrengthOrSensitivityEverythingPasses)
+TEST_F(PuffGuardTest, WithoutSensitivityNothingIsFoundAndWithoutStrengthNothingIsTakenDown)
 {
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);
     Make(Rate, Mono);
-    const std::vector<float> silence(40000, 0.0F);
-    EXPECT_EQ(Run({silence})[0], silence);
-    EXPECT_TRUE(GetRepairs().empty());
-    element->Reset();
-    Set(PuffGuard::Strength, 0);
-    EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
-    const std::size_t found = GetRepairs().size();
-    EXPECT_GE(found, 1U); // found, but the target is 120 dB up
-    element->Reset();
-    Set(PuffGuard::Strength, 5);
     Set(PuffGuard::Sensitivity, 0);
     EXPECT_EQ(GetDifference(Run({input})[0], input), 0.0);
-    EXPECT_EQ(GetRepairs().size(), found);
+    EXPECT_TRUE(GetRepairs().empty());
+    element->Reset();
+    Set(PuffGuard::Sensitivity, 5);
+    Set(PuffGuard::Strength, 0);
+    EXPECT_LT(GetDifference(Run({input})[0], input), 1e-6);
+    EXPECT_FALSE(GetRepairs().empty()); // found, but the target is 120 dB up
 }
 
 TEST_F(PuffGuardTest, SameBurstInAllChannelsIsTheMonoCase)
@@ -231,17 +199,6 @@ TEST_F(PuffGuardTest, ChannelBelowTheTargetKeepsItsLevel)
     // A few bins of noise dip below the target's; none of the burst's reduction reaches this
     // channel.
     EXPECT_LT(GetDifference(output[1], quiet), 1e-4);
-}
-
-TEST_F(PuffGuardTest, CutIntoBlocksChangesNoBit)
-{
-    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
-    Make(Rate, Mono);
-    const Channels whole = Run({input}, 4096);
-    for (const std::size_t block : {1U, 17U, 256U, 1000U}) {
-        element->Reset();
-        EXPECT_EQ(Run({input}, block), whole) << block;
-    }
 }
 
 TEST_F(PuffGuardTest, CutsChangeNoBitThoughParametersMoveAndResetsComeInMidHop)
@@ -376,30 +333,6 @@ TEST_F(PuffGuardTest, ResetAndRestartRepeatTheFirstRun)
     EXPECT_TRUE(run() == first);
     EXPECT_EQ(GetRepairs().back().restart, 3U);
     EXPECT_EQ(GetRepairs().back().centre, both.back().centre);
-}
-
-TEST_F(PuffGuardTest, ProcessingAndRestartStayOffTheHeap)
-{
-    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
-    Make(Rate, Mono);
-    std::vector<float> audio = input;
-    float* channel = audio.data();
-    // What the host lends to elements comes from its pool in the product.
-    host.ReserveProcessingMemory(1 << 20);
-    const Support::HeapCount heap;
-    element->Process(static_cast<uint32_t>(2 * Burst / 8), &channel);
-    Set(PuffGuard::LatencyScaling, 0);
-    element->Process(8000, &channel);
-    Set(PuffGuard::LatencyScaling, 1);
-    channel = audio.data() + Burst - 8000;
-    element->Process(8000, &channel);
-    channel = audio.data() + Burst;
-    element->Process(8000, &channel);
-    element->Reset();
-    EXPECT_EQ(heap.GetCount(), 0U);
-    EXPECT_GE(log->GetNextNumber(), 1U); // a repair was among it
-    const std::vector<float> control(3); // the count does see what is allocated
-    EXPECT_EQ(heap.GetCount(), 1U);
 }
 
 TEST_F(PuffGuardTest, RatesFarOutsideAudioAreRefusedOrBorne)

@@ -2,6 +2,7 @@
 #include "restoration/dsp/puffguard/RunningExp.h"
 #include "restoration/dsp/puffguard/RunningHann.h"
 #include "restoration/dsp/puffguard/RunningMax.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
@@ -9,18 +10,10 @@
 #include <cmath>
 #include <deque>
 #include <numbers>
-#include <random>
 
 namespace {
 
-std::vector<float> MakeNoise(std::size_t count, unsigned seed)
-{
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<float> distribution(0.0F, 2.0F);
-    std::vector<float> values(count);
-    std::generate(values.begin(), values.end(), [&] { return distribution(generator); });
-    return values;
-}
+using Support::MakeNoise;
 
 /// The weighted mean as defined, in double: weights 1 - cos(2 pi (i + 1/2) / N) over the last N.
 double WeightedMean(const std::deque<double>& window)
@@ -36,7 +29,7 @@ double WeightedMean(const std::deque<double>& window)
 
 TEST(RunningHann, IsTheWeightedMeanOfTheLastValues)
 {
-    for (const uint32_t halfLength : {1U, 2U, 7U, 64U}) {
+    for (const uint32_t halfLength : {0U, 1U, 2U, 7U, 64U}) {
         DSP::RunningHann<float> average;
         average.configure(halfLength, 1.0F);
         std::deque<double> window(2 * halfLength + 1, 1.0);
@@ -45,18 +38,11 @@ TEST(RunningHann, IsTheWeightedMeanOfTheLastValues)
             window.pop_front();
             window.push_back(value);
             const float result = average.process(value) * average.GetScale();
-            ASSERT_NEAR(result, WeightedMean(window), 2e-5) << halfLength;
+            // A window of one value passes it.
+            const double wanted = halfLength == 0 ? double{value} : WeightedMean(window);
+            ASSERT_NEAR(result, wanted, 2e-5) << halfLength;
             ASSERT_NEAR(average.GetCurrent(), result, 1e-5) << halfLength;
         }
-    }
-}
-
-TEST(RunningHann, WindowOfOneValuePassesIt)
-{
-    DSP::RunningHann<float> average;
-    average.configure(0, 9.0F);
-    for (const float value : {3.0F, -2.0F, 0.0F, 7.5F}) {
-        EXPECT_EQ(average.process(value) * average.GetScale(), value);
     }
 }
 
@@ -112,23 +98,19 @@ TEST(RunningExp, ReachesOneMinusOneOverEInItsTime)
     EXPECT_NEAR(smoother.process(1.0F), 1 - std::exp(-1.0 / 25), 1e-6);
 }
 
-TEST(RunningExp2, RisesAndFallsEachInItsTime)
+TEST(RunningExp2, RisesAndFallsEachInItsTimeAndAtOnceWithout)
 {
     DSP::RunningExp2<float> smoother;
     smoother.configure(10.0, 0.1, 100.0, 1.0F);
     EXPECT_NEAR(smoother.process(2.0F), 2 - std::exp(-1.0 / 1000), 1e-6);
     smoother.reset();
     EXPECT_NEAR(smoother.process(0.0F), std::exp(-1.0 / 10), 1e-6);
-}
 
-TEST(RunningExp2, WithoutTimeItFollowsAtOnceAndSmallStatesAreNothing)
-{
-    DSP::RunningExp2<float> smoother;
     smoother.configure(0.0, -1.0, 100.0, 1.0F);
     EXPECT_EQ(smoother.process(5.0F), 5.0F);
     EXPECT_EQ(smoother.process(0.25F), 0.25F);
     EXPECT_EQ(smoother.process(0.0F), 0.0F);
-    EXPECT_EQ(smoother.process(2e-30F), 2e-30F);
+    EXPECT_EQ(smoother.process(2e-30F), 2e-30F); // smaller states are nothing
     EXPECT_EQ(smoother.process(0.5e-30F), 0.0F);
 }
 

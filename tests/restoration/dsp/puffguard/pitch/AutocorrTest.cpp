@@ -4,13 +4,13 @@
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/puffguard/pitch/FrameHistory.h"
 #include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <random>
 #include <vector>
 
 namespace {
@@ -21,15 +21,6 @@ using std::numbers::pi;
 
 constexpr int MinLag = 4;
 constexpr int Step = 8;
-
-std::vector<float> MakeNoise(std::size_t count, unsigned seed)
-{
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> level(-1, 1);
-    std::vector<float> noise(count);
-    std::generate(noise.begin(), noise.end(), [&] { return level(random); });
-    return noise;
-}
 
 struct Searched {
     std::vector<double> correlation;
@@ -101,7 +92,7 @@ Searched Analyse(const std::vector<float>& frame, int fftSize, int maxLag)
 /// A slowly falling autocorrelation from lag 0 on, as speech has it, under noise.
 std::vector<float> MakeSignal(std::size_t count)
 {
-    std::vector<float> signal = MakeNoise(count, 7);
+    std::vector<float> signal = Support::MakeNoise(count, 7);
     float state = 0;
     for (std::size_t i = 0; i < count; ++i) {
         state = 0.97F * state + signal[i];

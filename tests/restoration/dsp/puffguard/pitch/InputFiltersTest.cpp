@@ -2,12 +2,12 @@
 #include "restoration/dsp/puffguard/pitch/InputFilters.h"
 
 #include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <span>
 #include <vector>
 
@@ -60,10 +60,8 @@ void ExpectOutputs(InputFilters& filters,
 // Noise and then silence, in which the offset shows; calls of every length up to that of a call.
 TEST(InputFilters, EveryLevelAndCutGivesTheBitsOfThePlainSections)
 {
-    std::minstd_rand random(4);
-    std::uniform_real_distribution<float> level(-1, 1);
-    std::vector<float> samples(30000);
-    std::generate_n(samples.begin(), 2000, [&] { return level(random); });
+    std::vector<float> samples = Support::MakeNoise(2000, 4);
+    samples.resize(30000);
     for (const double rate : {44100.0, 768000.0}) {
         const bool isPrecise = rate > 400000;
         const std::vector<float> expected =

@@ -37,10 +37,9 @@ std::vector<float> MakeMixture(double levelOf120, double levelOf190)
 }
 
 /// A tracker without look ahead, so that each run's own choice shows.
-LagTracker MakeTracker(DSP::Kernels::Level level = DSP::Kernels::GetLevel())
+LagTracker MakeTracker()
 {
-    LagTracker tracker(
-        AnalysisSizes::ForRate(48000), 64, DSP::Kernels::GetKernels(level).lagSearch);
+    LagTracker tracker(AnalysisSizes::ForRate(48000), 64);
     tracker.SetDynamicProgramming(false);
     return tracker;
 }
@@ -93,22 +92,6 @@ TEST(LagTracker, ResetForgetsWhatItHasFollowed)
             const double expected = Follow(fresh, mixture, run);
             EXPECT_EQ(Follow(used, mixture, run), expected) << run;
         }
-    }
-}
-
-TEST(LagTracker, EveryLevelFollowsAlike)
-{
-    const std::vector<float> mixture = MakeMixture(0.2, 0.2);
-    const auto follow = [&](DSP::Kernels::Level level) {
-        std::vector<double> pitches;
-        LagTracker tracker = MakeTracker(level);
-        for (std::size_t run = 1; run < 20; ++run) {
-            pitches.push_back(Follow(tracker, mixture, run));
-        }
-        return pitches;
-    };
-    for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
-        EXPECT_EQ(follow(level), follow(DSP::Kernels::Level::Baseline)) << static_cast<int>(level);
     }
 }
 

@@ -52,56 +52,27 @@ float FindPitch(PitchDetect& element, double leftHz, double rightHz)
     return element.GetPitch();
 }
 
-TEST(PitchDetect, ShowsItsParametersByNumberAndName)
-{
-    Support::TestElementHost host;
-    const PitchDetect element({host, 44100, Mono});
-    EXPECT_EQ(element.GetName().ToStdString(), "PitchDetect");
-    EXPECT_EQ(GetInner(element).GetName().ToStdString(), "Synapse");
-    const std::vector<std::string> expected{"Analyze",
-                                            "Bypass",
-                                            "Disable Dynamic Programming",
-                                            "Resampling Quality",
-                                            "Vocal Range",
-                                            "Lowpass Prefilter Frequency",
-                                            "Highpass Prefilter Frequency",
-                                            "Dynamic Programming Patches"};
-    ASSERT_EQ(element.GetParamCount(), expected.size());
-    for (uint32_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(element.GetParamName(i).ToStdString(), expected[i]);
-        EXPECT_TRUE(GetInner(element).FindParamIndex(element.GetParamName(i)).has_value());
-    }
-    EXPECT_EQ(GetInner(element).GetParamCount(), 16U);
-}
-
-TEST(PitchDetect, HandsItsParametersOn)
+TEST(PitchDetect, HandsItsParametersOnAndTheHostItsLatency)
 {
     Support::TestElementHost host;
     PitchDetect element({host, 44100, Mono});
     Inner& inner = GetInner(element);
     EXPECT_EQ(inner.GetEnumValue(Inner::VocalRangeParam, Context::Process), 1U);
     EXPECT_EQ(element.GetFloatValue(PitchDetect::LowpassFrequency, Context::Process), 300.0F);
+    EXPECT_EQ(element.GetLatency(Context::Process), 4492U);
+    const int before = host.latencyChanges;
     Configure(element);
     element.SetFloatValue(PitchDetect::HighpassFrequency, 2000, Context::Process, {});
     EXPECT_TRUE(inner.GetBoolValue(Inner::Analyze, Context::Process));
     EXPECT_EQ(inner.GetEnumValue(Inner::VocalRangeParam, Context::Process), 0U);
     EXPECT_EQ(inner.GetEnumValue(Inner::DynamicProgrammingPatches, Context::Process), 1U);
     EXPECT_EQ(inner.GetFloatValue(Inner::HighpassFrequency, Context::Process), 1000.0F);
-}
 
-TEST(PitchDetect, TellsTheHostWhenItsLatencyChanges)
-{
-    Support::TestElementHost host;
-    PitchDetect element({host, 44100, Mono});
-    EXPECT_EQ(element.GetLatency(Context::Process), 4492U);
-    const int before = host.latencyChanges;
-    Configure(element);
     EXPECT_EQ(element.GetLatency(Context::Process), 4978U);
     EXPECT_EQ(host.latencyChanges, before + 1);
     element.SetBoolValue(PitchDetect::DisableDynamicProgramming, true, Context::Process, {});
     EXPECT_EQ(element.GetLatency(Context::Process), 890U);
-    EXPECT_EQ(host.latencyChanges, before + 2);
-    GetInner(element).SetBoolValue(Inner::LowLatency, true, Context::Process, {});
+    inner.SetBoolValue(Inner::LowLatency, true, Context::Process, {});
     EXPECT_EQ(host.latencyChanges, before + 2); // nothing left to shorten
     EXPECT_EQ(element.GetMaxLatency(), 4978U);
 }

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/controller/GrabbedParamHandle.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
+#include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -48,12 +49,8 @@ private:
 struct Instance {
     explicit Instance(const char* options = "")
     {
-        PluginSetup setup;
-        setup.hostCallback = Answer;
-        setup.hostRefcon = this;
-        setup.sampleRate = 48000.0F;
-        std::strcpy(setup.identity.options, options);
-        plugin = std::make_unique<Plugin>(LMPuffguard::GetPluginFactory(), setup);
+        plugin = std::make_unique<Plugin>(LMPuffguard::GetPluginFactory(),
+                                          MakeSetup(Answer, this, options));
     }
     ~Instance() { plugin.reset(); } // its timer speaks to the rest
 
@@ -155,16 +152,6 @@ TEST_F(GesturesTest, WithoutAnEditorThereAreChangesButNoTouches)
     editor.drag = std::make_unique<Handle>(sensitivity);
     plugin.SetStreamFormat(96000.0F, 1);
     EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; 2 of 0 at 0.6; ");
-}
-
-TEST_F(GesturesTest, TheHostIsNotToldOfItsOwnSets)
-{
-    plugin.AttachEditor(&editor);
-    plugin.SetAutomatableParam(DSP::Context::UI, {0, 0.1F});
-    plugin.SetAutomatableParam(DSP::Context::Process, {1, 0.1F});
-    plugin.GetSet().OnSyncParams();
-    EXPECT_EQ(strength.GetValue(), 1.0F);
-    EXPECT_EQ(instance.Take(), "");
 }
 
 TEST_F(GesturesTest, WhatIsNotAutomatableChangesTheStateOnlyIfItIsSaved)

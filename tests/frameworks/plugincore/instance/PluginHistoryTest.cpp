@@ -7,6 +7,7 @@
 #include "restoration/plugin/Global.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "restoration/ui/dialog/historyfile/HistoryLogic.h"
+#include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -33,16 +34,6 @@ public:
 };
 
 // Another product, with sessions.
-class SessionDefinition final : public PluginDefinition {
-public:
-    String GetVendor() const override { return "Test"; }
-    String GetShortName() const override { return "Short"; }
-    uint32_t GetMaxBlockFrames() const override { return 8192; }
-    uint32_t GetStateVersion() const override { return 1; }
-    uint32_t GetSessionMode() const override { return mode; }
-    uint32_t mode = 0;
-};
-
 class SessionFactory final : public PluginFactory {
 public:
     const PluginDefinition& GetDefinition() const override { return definition; }
@@ -51,7 +42,7 @@ public:
     {
         return LMPuffguard::GetPluginFactory().CreateTransform(host, rate, layout);
     }
-    SessionDefinition definition;
+    TestDefinition definition{"Short"};
 };
 
 class PluginHistoryTest : public testing::Test {
@@ -62,13 +53,7 @@ protected:
 
     std::unique_ptr<Plugin> Make(const PluginFactory& factory, const char* options = "")
     {
-        PluginSetup setup;
-        setup.hostCallback = &OnHostCall;
-        setup.hostRefcon = &opcodes;
-        setup.sampleRate = 48000.0F;
-        setup.channelConfig = 0;
-        std::strncpy(setup.identity.options, options, sizeof setup.identity.options - 1);
-        return std::make_unique<Plugin>(factory, setup);
+        return std::make_unique<Plugin>(factory, MakeSetup(&OnHostCall, &opcodes, options));
     }
     std::unique_ptr<Plugin> Make(const char* options = "")
     {
@@ -173,14 +158,13 @@ TEST_F(PluginHistoryTest, TheDepthIsTheUsersSetting)
     auto plugin = Make();
     const DSP::ElementParamEnum depth(*plugin->GetSet().GetGlobalElement(),
                                       DSP::Global::Global::HistoryDepthIndex);
-    depth.SetValue(2, Side::UI, DSP::SourceController);
-    for (int i = 0; i < 120; ++i) {
-        Change(*plugin, 0.5F);
+    for (const auto& [setting, longest] : {std::pair{2U, 121U}, {0U, 50U}}) {
+        depth.SetValue(setting, Side::UI, DSP::SourceController);
+        for (int i = 0; i < 120; ++i) {
+            Change(*plugin, 0.5F);
+        }
+        EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), longest);
     }
-    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 121U);
-    depth.SetValue(0, Side::UI, DSP::SourceController);
-    Change(*plugin, 0.5F);
-    EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 50U);
 }
 
 TEST_F(PluginHistoryTest, ARendererOfFilesLeavesNone)
@@ -199,14 +183,14 @@ TEST_F(PluginHistoryTest, ARendererOfFilesLeavesNone)
 TEST_F(PluginHistoryTest, TheInstancesOwnFileIsNamedByItsSession)
 {
     SessionFactory factory;
-    for (factory.definition.mode = 0; factory.definition.mode < 3; ++factory.definition.mode) {
+    for (const uint32_t mode : {0U, 1U, 2U}) {
+        factory.definition.sessionMode = mode;
         auto plugin = Make(factory);
         const String session = Util::FormatUuid(plugin->GetSessionUuid());
         String path;
         plugin->GetHistoryFilePath(path);
-        const std::string expected = factory.definition.mode == 0
-                                         ? "QoShort.hst"
-                                         : "QoShort_" + session.ToStdString() + ".hst";
+        const std::string expected =
+            mode == 0 ? "QoShort.hst" : "QoShort_" + session.ToStdString() + ".hst";
         EXPECT_EQ(path.ToStdString(), FileNamed("Test/Short/" + expected));
         EXPECT_TRUE(std::filesystem::is_directory(FileNamed("Test/Short")));
 

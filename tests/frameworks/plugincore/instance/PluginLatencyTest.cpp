@@ -45,16 +45,14 @@ TEST_F(PluginLatencyTest, LeavesTheUISidesHalfToTheTickWhileAudioRuns)
 
 TEST_F(PluginLatencyTest, AddsTheHostsOwnDelayToTheUIFigureOnly)
 {
-    PluginSetup setup;
-    setup.sampleRate = 48000.0F;
-    setup.hostCallback = [](uint32_t, uint32_t opcode, uint32_t, void*, void* data) -> uint32_t {
+    const auto answer = [](uint32_t, uint32_t opcode, uint32_t, void*, void* data) -> uint32_t {
         if (opcode == HostOpcodeGetHostDelay) {
             *static_cast<uint32_t*>(data) = 7;
             return PluginCoreSuccess;
         }
         return PluginCoreUnsupported;
     };
-    const Plugin withDelay(factory, setup);
+    const Plugin withDelay(factory, MakeSetup(answer, nullptr));
     EXPECT_EQ(withDelay.GetLatency(Side::Process), 0U);
     EXPECT_EQ(withDelay.GetLatency(Side::UI), 7U);
 }

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/plugin/LMDSPSet.h"
+#include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -31,16 +32,17 @@ public:
         : ElementDispatcher({owner, "Recorder", rate, layout})
         , line(MaxLate)
     {
-        DSP::ParamRegistration<float> registration;
-        registration.name = "Late";
-        registration.range = {0, MaxLate};
-        registration.target = &late;
-        registration.onProcessChange = [this](float value) {
-            line.SetLength(static_cast<uint32_t>(value));
-            GetHost().LatencyChanged(Side::Process);
-        };
-        registration.onUIChange = [this](float) { GetHost().ParamChanged(*this, "Late"); };
-        RegisterFloatParam(0, registration);
+        RegisterFloatParam(
+            0,
+            {.name = "Late",
+             .range = {0, MaxLate},
+             .target = &late,
+             .onProcessChange =
+                 [this](float value) {
+                     line.SetLength(static_cast<uint32_t>(value));
+                     GetHost().LatencyChanged(Side::Process);
+                 },
+             .onUIChange = [this](float) { GetHost().ParamChanged(*this, "Late"); }});
         FinaliseParams();
     }
 
@@ -106,14 +108,6 @@ public:
     Recorder& GetRecorder() const { return dynamic_cast<Recorder&>(*GetSet().GetMainElement()); }
 };
 
-class Definition final : public PluginDefinition {
-public:
-    String GetVendor() const override { return "Test"; }
-    String GetShortName() const override { return "Plugin"; }
-    uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
-    uint32_t maxBlockFrames = 8192;
-};
-
 class Factory final : public PluginFactory {
 public:
     const PluginDefinition& GetDefinition() const override { return definition; }
@@ -125,7 +119,7 @@ public:
         return made;
     }
 
-    Definition definition;
+    TestDefinition definition{"Plugin"};
     mutable TestTransform* transform = nullptr;
 };
 
@@ -162,12 +156,9 @@ protected:
 
     Recorder& Create(float rate = 48000.0F, uint32_t layout = 0)
     {
-        PluginSetup setup;
-        setup.hostCallback = Answer;
-        setup.hostRefcon = this;
+        PluginSetup setup = MakeSetup(Answer, this, options);
         setup.sampleRate = rate;
         setup.channelConfig = layout;
-        std::strcpy(setup.identity.options, options);
         plugin = std::make_unique<Plugin>(factory, setup);
         plugin->Initialize();
         calls.clear();

@@ -53,33 +53,6 @@ TEST(StateChunk, WritesTheLengthInLittleEndianThenTheStream)
     EXPECT_EQ(TextOf(*body), text);
 }
 
-TEST(StateChunk, FillsOnlyThePlaceThatItIsGiven)
-{
-    const String text(R"({"a":1})");
-    const uint32_t size = StateChunk::GetChunkSizeOfText(text);
-    Bytes whole(size);
-    ASSERT_TRUE(StateChunk::WriteText(text, whole));
-    whole.resize(size + 3, 0xEE); // what lies beyond stays
-    for (uint32_t place = 0; place <= size + 3; ++place) {
-        Bytes buffer(size + 3, 0xEE);
-        EXPECT_EQ(StateChunk::WriteText(text, std::span(buffer).first(place)), place == size);
-        const auto begin = whole.begin();
-        EXPECT_TRUE(std::equal(begin, begin + std::min(place, size), buffer.begin()));
-        EXPECT_EQ(std::count(buffer.begin() + std::min(place, size), buffer.end(), 0xEE),
-                  static_cast<std::ptrdiff_t>(buffer.size() - std::min(place, size)));
-    }
-}
-
-TEST(StateChunk, RefusesEveryTruncation)
-{
-    const String text(std::string(500, 'x') + "{\"Type\":\"Float\"}");
-    Bytes chunk(StateChunk::GetChunkSizeOfText(text));
-    ASSERT_TRUE(StateChunk::WriteText(text, chunk));
-    for (std::size_t length = 0; length < chunk.size(); ++length) {
-        EXPECT_FALSE(StateChunk::ReadText({chunk.data(), length})) << length;
-    }
-}
-
 TEST(StateChunk, TakesNoClaimForAFact)
 {
     EXPECT_FALSE(StateChunk::ReadText({}));
@@ -94,18 +67,4 @@ TEST(StateChunk, TakesNoClaimForAFact)
     const Bytes bomb = Util::Deflate(Bytes((64U << 20) + 1)); // a thousandth of what it becomes
     EXPECT_LT(bomb.size(), 100'000U);
     EXPECT_FALSE(StateChunk::ReadText(WithLength(64U << 20, bomb)));
-}
-
-TEST(StateChunk, RefusesADamagedStream)
-{
-    for (std::size_t place = 0; place < StoredBraces.size(); ++place) {
-        if (place == 2) {
-            continue; // all but three bits of it mean nothing
-        }
-        for (const int bit : {0, 6, 7}) {
-            Bytes damaged = StoredBraces;
-            damaged[place] = static_cast<uint8_t>(damaged[place] ^ 1 << bit);
-            EXPECT_FALSE(StateChunk::ReadText(WithLength(2, damaged))) << place << " " << bit;
-        }
-    }
 }

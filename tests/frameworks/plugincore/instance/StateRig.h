@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/instance/StateChunk.h"
 #include "restoration/plugin/LMDSPSet.h"
+#include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -26,13 +27,13 @@ public:
         : ElementDispatcher({owner, "Box", rate, layout})
         , livesOn(isToLiveOn)
     {
-        DSP::ParamRegistration<float> registration;
-        registration.name = "Gain";
-        registration.range = {0.0F, 10.0F};
-        registration.defaultValue = 1.0F;
-        registration.target = &gain;
-        registration.onUIChange = [this](float) { GetHost().ParamChanged(*this, "Gain"); };
-        RegisterFloatParam(0, registration);
+        RegisterFloatParam(
+            0,
+            {.name = "Gain",
+             .range = {0.0F, 10.0F},
+             .defaultValue = 1.0F,
+             .target = &gain,
+             .onUIChange = [this](float) { GetHost().ParamChanged(*this, "Gain"); }});
         FinaliseParams();
     }
 
@@ -76,19 +77,6 @@ private:
     std::string& events;
 };
 
-class Definition final : public PluginDefinition {
-public:
-    String GetVendor() const override { return "Test"; }
-    String GetShortName() const override { return "State"; }
-    uint32_t GetMaxBlockFrames() const override { return 256; }
-    uint32_t GetStateVersion() const override { return 1; }
-    uint32_t GetVersionNumber() const override { return 6000; }
-    uint32_t GetSessionMode() const override { return sessionMode; }
-    uint32_t GetTimerPeriod() const override { return timerPeriod; }
-    uint32_t sessionMode = 0;
-    uint32_t timerPeriod = 0; // ms
-};
-
 class CountingHistory final : public HistoryManager {
 public:
     explicit CountingHistory(std::string& newEvents)
@@ -118,7 +106,7 @@ public:
         return std::make_unique<CountingHistory>(events);
     }
 
-    Definition definition;
+    TestDefinition definition{"State"};
     bool boxLivesOn = false;
     mutable std::string events;
 };
@@ -163,11 +151,7 @@ struct Fixture : testing::Test {
 
     void Create()
     {
-        PluginSetup setup;
-        setup.hostCallback = Answer;
-        setup.hostRefcon = this;
-        setup.sampleRate = 48000.0F;
-        plugin = std::make_unique<Plugin>(factory, setup);
+        plugin = std::make_unique<Plugin>(factory, MakeSetup(Answer, this));
         plugin->Initialize();
         factory.events.clear();
     }

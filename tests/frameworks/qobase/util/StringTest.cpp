@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdint>
 #include <limits>
 #include <map>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -166,24 +164,6 @@ TEST(String, SplitKeepsEmptyParts)
     EXPECT_EQ(Bytes(String("|a||").Split('|')), (Parts{"", "a", "", ""}));
     EXPECT_EQ(Bytes(String("a").Split('|')), (Parts{"a"}));
     EXPECT_EQ(Bytes(String().Split('|')), (Parts{""}));
-}
-
-TEST(String, CopiesAreMadeAndDroppedOnSeveralThreads)
-{
-    // Sees a counter that isn't atomic, under the thread and address sanitizers.
-    const String text("a text too long to be kept without an allocation of its own");
-    std::array<std::thread, 4> threads;
-    for (auto& thread : threads) {
-        thread = std::thread([&text] {
-            for (int i = 0; i < 1000; ++i) {
-                const String copy = text;
-                ASSERT_EQ(copy.Length(), text.Length());
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_TRUE(text.StartsWith("a text"));
 }
 
 } // namespace

@@ -68,22 +68,6 @@ double LargestDifference(const Channels& output, const Channels& input, int32_t 
     return largest;
 }
 
-TEST(OversampledFilterbank, SizesFollowTheRate)
-{
-    // The least power of two from 0.07 * rate on: 560, 1022, 1029, 3360, 13440, 3.5.
-    const std::array<std::array<int32_t, 2>, 6> rows{
-        {{8000, 1024}, {14600, 1024}, {14700, 2048}, {48000, 4096}, {192000, 16384}, {50, 8}}};
-    for (const auto& [rate, fftSize] : rows) {
-        DSP::FFTPool transforms("Test");
-        DSP::OversampledFilterbank bank(transforms);
-        bank.initialise(1, rate, 512);
-        bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
-        EXPECT_EQ(bank.GetFFTSize(), fftSize);
-        EXPECT_EQ(bank.GetHop(), fftSize / 8);
-        EXPECT_EQ(bank.GetLatency(), fftSize - fftSize / 8);
-    }
-}
-
 struct RoundTrip {
     int32_t kind;
     int32_t overlapFactor;

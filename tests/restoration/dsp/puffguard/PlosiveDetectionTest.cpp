@@ -166,7 +166,7 @@ TEST(RepairRegion, ReachesFromFootToFoot)
         const std::vector<float> history = MakeHistory(window);
         const DSP::PeakTest peak = TestMiddle(history, threshold);
         const DSP::RepairRegion region = DSP::FindRepairRegion(history, Centre, Radius, peak, 1);
-        EXPECT_EQ(std::array({region.start, region.end}), expected)
+        EXPECT_EQ((std::array<int32_t, 2>{region.start, region.end}), expected)
             << testing::PrintToString(window) << " " << threshold;
     }
     // A radius of two leaves one frame to search: the region ends at the peak, too.

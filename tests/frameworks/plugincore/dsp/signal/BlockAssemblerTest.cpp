@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/signal/BlockAssembler.h"
 
-#include "tests/support/HeapCount.h"
-
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 namespace {
@@ -208,19 +205,4 @@ TEST(BlockAssembler, TreatsAMissingChannelAsSilenceAndDoesNotWriteToIt)
     });
     EXPECT_EQ(left[3], 1.0F);
     EXPECT_EQ(left[11], 9.0F);
-}
-
-TEST(BlockAssembler, StaysOffTheHeapWithinItsSizes)
-{
-    BlockAssembler assembler = MakeAssembler(64);
-    std::vector<float> samples(MaxBlock);
-    std::mt19937 random(1);
-    const Support::HeapCount heap;
-    for (int i = 0; i < 500; ++i) {
-        float* channels[] = {samples.data()};
-        Pass(assembler, MakeBlock(channels, 1 + random() % MaxBlock), [](const Frame&) {});
-    }
-    assembler.SetFrameSize(32); // smaller than what is there
-    assembler.SetFrameSize(64);
-    EXPECT_EQ(heap.GetCount(), 0U);
 }

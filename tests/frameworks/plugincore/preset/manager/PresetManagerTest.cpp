@@ -282,14 +282,16 @@ TEST_F(Manager, SaysWhyAPresetCannotBeApplied)
     SetAmount(3.0F);
     const PresetEntry gone = Find("gone");
     fs::remove(gone.path.c_str());
-    EXPECT_EQ(Text(manager->Apply(gone)), Invalid);
-    EXPECT_EQ(manager->Apply(gone).GetError().GetDetail(),
-              "Could not open file: No such file or directory");
-    EXPECT_EQ(manager->Apply(Find("far")).GetError().GetDetail(), "written by 7.0, this is 6.0");
-    EXPECT_EQ(manager->Apply(Find("old")).GetError().GetDetail(),
-              "its parameters are of version 0, these of 1");
-    EXPECT_EQ(Text(manager->Apply(Find("far"))), Newer);
-    EXPECT_EQ(Text(manager->Apply(Find("old"))), Earlier);
+    const std::tuple<PresetEntry, const char*, const char*> cases[] = {
+        {gone, Invalid, "Could not open file: No such file or directory"},
+        {Find("far"), Newer, "written by 7.0, this is 6.0"},
+        {Find("old"), Earlier, "its parameters are of version 0, these of 1"},
+    };
+    for (const auto& [entry, message, detail] : cases) {
+        const auto applied = manager->Apply(entry);
+        EXPECT_EQ(Text(applied), message);
+        EXPECT_EQ(applied.GetError().GetDetail(), detail);
+    }
     EXPECT_EQ(Text(manager->Apply(Find("cut"))), Invalid);
     EXPECT_EQ(Amount(), 3.0F);
     EXPECT_TRUE(loaded.empty());

@@ -59,6 +59,7 @@ TEST(PitchDetect, HandsItsParametersOnAndTheHostItsLatency)
     Inner& inner = GetInner(element);
     EXPECT_EQ(inner.GetEnumValue(Inner::VocalRangeParam, Context::Process), 1U);
     EXPECT_EQ(element.GetFloatValue(PitchDetect::LowpassFrequency, Context::Process), 300.0F);
+    // The waits, 32 * 2 * 64 = 4096, and half a frame: 441 / 4 = 110, * 1.8 = 198, * 2 = 396.
     EXPECT_EQ(element.GetLatency(Context::Process), 4492U);
     const int before = host.latencyChanges;
     Configure(element);
@@ -68,10 +69,11 @@ TEST(PitchDetect, HandsItsParametersOnAndTheHostItsLatency)
     EXPECT_EQ(inner.GetEnumValue(Inner::DynamicProgrammingPatches, Context::Process), 1U);
     EXPECT_EQ(inner.GetFloatValue(Inner::HighpassFrequency, Context::Process), 1000.0F);
 
+    // For the lower voices (980 / 4 * 1.8 = 441) * 2 = 882.
     EXPECT_EQ(element.GetLatency(Context::Process), 4978U);
     EXPECT_EQ(host.latencyChanges, before + 1);
     element.SetBoolValue(PitchDetect::DisableDynamicProgramming, true, Context::Process, {});
-    EXPECT_EQ(element.GetLatency(Context::Process), 890U);
+    EXPECT_EQ(element.GetLatency(Context::Process), 890U); // without a look ahead: 32 / 4 + 882
     inner.SetBoolValue(Inner::LowLatency, true, Context::Process, {});
     EXPECT_EQ(host.latencyChanges, before + 2); // nothing left to shorten
     EXPECT_EQ(element.GetMaxLatency(), 4978U);

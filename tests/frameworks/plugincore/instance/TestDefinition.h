@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/instance/PluginCore.h"
+#include "frameworks/plugincore/product/PluginDefinition.h"
+
+#include <cstring>
+
+/// A product made for tests, which set what they need.
+class TestDefinition final : public PluginDefinition {
+public:
+    explicit TestDefinition(const char* newShortName)
+        : shortName(newShortName)
+    {
+    }
+    String GetVendor() const override { return "Test"; }
+    String GetShortName() const override { return shortName; }
+    uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
+    uint32_t GetStateVersion() const override { return 1; }
+    uint32_t GetVersionNumber() const override { return 6000; }
+    uint32_t GetSessionMode() const override { return sessionMode; }
+    uint32_t GetTimerPeriod() const override { return timerPeriod; }
+
+    uint32_t maxBlockFrames = 8192;
+    uint32_t sessionMode = 0;
+    uint32_t timerPeriod = 0; // ms
+
+private:
+    const String shortName;
+};
+
+/// What creates an instance of 48 kHz and one channel for a host that is called by `callback`.
+inline PluginSetup
+MakeSetup(PluginCoreHostFunction callback, void* refcon, const char* options = "")
+{
+    PluginSetup setup;
+    setup.hostCallback = callback;
+    setup.hostRefcon = refcon;
+    setup.sampleRate = 48000.0F;
+    setup.channelConfig = 0;
+    std::strncpy(setup.identity.options, options, sizeof setup.identity.options - 1);
+    return setup;
+}

@@ -3,6 +3,7 @@
 
 #include "wrappers/common/SessionBytes.h"
 #include "wrappers/common/Text.h"
+#include "wrappers/common/Utf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +87,7 @@ bool Parameters::ToText(uint32_t index, double value, std::span<char> text) cons
     }
     const Wrapper::Parameter& parameter = At(index);
     const std::string whole = parameter.Format(parameter.ToNormalised(value));
-    text[whole.copy(text.data(), text.size() - 1)] = '\0';
+    text[Wrapper::Utf8::Cut(whole, text.size() - 1).copy(text.data(), text.size())] = '\0';
     return true;
 }
 

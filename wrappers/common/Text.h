@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/common/Utf8.h"
+
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -16,12 +19,12 @@ std::string TextOf(const char (&field)[Size])
     return std::string(all.substr(0, all.find('\0')));
 }
 
-/// Writes a text into a field of a record, cut to it and terminated.
-template <std::size_t Size>
-void CopyText(std::string_view text, char (&field)[Size])
+/// Writes a text into a field, which isn't empty: cut between two characters where it is too long,
+/// and terminated; what is left of the field is zero.
+inline void CopyText(std::string_view text, std::span<char> field)
 {
-    const std::size_t length = text.copy(static_cast<char*>(field), Size - 1);
-    std::fill(field + length, field + Size, '\0');
+    const std::size_t length = Utf8::Cut(text, field.size() - 1).copy(field.data(), field.size());
+    std::fill(field.begin() + static_cast<std::ptrdiff_t>(length), field.end(), '\0');
 }
 
 /// Whether two texts are the same but for the case of their ASCII letters.

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/product/PluginInfo.h"
 
-#include <algorithm>
+#include "frameworks/qobase/util/Utf8.h"
+
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 namespace {
 
@@ -92,18 +94,9 @@ void FillValues(const PluginDefinition& definition, PluginInfoRecord& record)
 
 void CopyText(char* field, std::size_t size, const String& text)
 {
-    std::size_t length = std::min<std::size_t>(text.Length(), size - 1);
-    // Bytes 10xxxxxx continue a character: a cut in front of one would leave half of it.
-    const auto continues = [&](std::size_t at) {
-        return (static_cast<uint8_t>(text.Data()[at]) & 0xC0U) == 0x80U;
-    };
-    if (length < text.Length()) {
-        while (length > 0 && continues(length)) {
-            --length;
-        }
-    }
+    const std::string_view whole = Util::Utf8::Cut(text.View(), size - 1);
     std::memset(field, 0, size);
-    std::memcpy(field, text.Data(), length);
+    std::memcpy(field, whole.data(), whole.size());
 }
 
 void FillPluginInfo(const PluginDefinition& definition, PluginInfoRecord& record)

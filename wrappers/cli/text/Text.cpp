@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/text/Text.h"
 
+#include "wrappers/common/Utf8.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -11,36 +13,10 @@ namespace Cli {
 
 namespace {
 
-/// Bytes of the well-formed UTF-8 sequence at the front of `text`, 0 when there is none. Overlong
-/// forms, surrogates and values above U+10FFFF aren't well-formed.
-size_t SequenceLength(std::string_view text)
+bool IsControl(uint32_t code)
 {
-    const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
-    const uint8_t first = byte(0);
-    if (first < 0x80) {
-        return 1;
-    }
-    const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || text.size() < length) {
-        return 0;
-    }
-    for (size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) {
-            return 0;
-        }
-    }
-    const uint8_t second = byte(1);
-    const bool outOfRange = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
-                            (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
-    return outOfRange ? 0 : length;
-}
-
-bool IsControl(std::string_view sequence)
-{
-    const auto first = static_cast<uint8_t>(sequence[0]);
     // U+0080 to U+009F are control characters too and steer some terminals.
-    return first < 0x20 || first == 0x7F ||
-           (first == 0xC2 && static_cast<uint8_t>(sequence[1]) < 0xA0);
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
 }
 
 // Letters that must be changed, added, left out or swapped with their neighbour.
@@ -69,13 +45,13 @@ std::string Printable(std::string_view name)
 {
     std::string result;
     while (!name.empty()) {
-        const size_t length = SequenceLength(name);
-        if (length == 0 || IsControl(name)) {
+        const auto character = Wrapper::Utf8::Decode(name);
+        if (character && !IsControl(character->code)) {
+            result += name.substr(0, character->length);
+            name.remove_prefix(character->length);
+        } else {
             result += fmt::format("\\x{:02X}", static_cast<uint8_t>(name[0]));
             name.remove_prefix(1);
-        } else {
-            result += name.substr(0, length);
-            name.remove_prefix(length);
         }
     }
     return result;
@@ -85,9 +61,7 @@ std::string ToUtf8(std::string_view name)
 {
     std::string result;
     while (!name.empty()) {
-        const size_t length = SequenceLength(name);
-        result += length == 0 ? std::string_view("\xEF\xBF\xBD") : name.substr(0, length);
-        name.remove_prefix(std::max<size_t>(length, 1));
+        Wrapper::Utf8::Append(Wrapper::Utf8::Take(name), result);
     }
     return result;
 }

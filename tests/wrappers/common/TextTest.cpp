@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/common/Text.h"
+
+#include <gtest/gtest.h>
+
+TEST(TextTest, AFieldHoldsWholeCharactersAndIsTerminated)
+{
+    const struct {
+        const char* text;
+        const char* expected;
+    } cases[] = {
+        {"abcde", "abcde"},
+        {"abcdef", "abcde"},
+        {"abcd\xC3\xA9", "abcd"},     // two bytes, of which one would fit
+        {"abc\xE2\x82\xAC", "abc"},   // three, of which two would
+        {"ab\xF0\x9D\x84\x9E", "ab"}, // four, of which three would
+        {"a\xF0\x9D\x84\x9E", "a\xF0\x9D\x84\x9E"},
+        {"", ""},
+    };
+    for (const auto& one : cases) {
+        char field[6] = {'x', 'x', 'x', 'x', 'x', 'x'};
+        Wrapper::CopyText(one.text, field);
+        EXPECT_EQ(Wrapper::TextOf(field), one.expected);
+        EXPECT_EQ(field[5], '\0') << one.text;
+    }
+}

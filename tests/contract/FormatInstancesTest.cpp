@@ -3,6 +3,8 @@
 #include "tests/contract/support/FormatTest.h"
 
 #include <array>
+#include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -38,7 +40,36 @@ TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLife)
     EXPECT_EQ(Difference(Play(*host, speech, 512), Expected(speech, Rate)), "");
 }
 
+TEST_P(FormatInstances, OfRatesThatAreNoneDoNoHarm)
+{
+    for (const double rate : {0.0, -1.0, 1e300, std::nan("")}) {
+        SCOPED_TRACE(rate);
+        auto host = GetParam().make(rate, 1);
+        ASSERT_NE(host, nullptr);
+        host->Activate(rate, LongestBlock);
+        EXPECT_EQ(BadSample(Play(*host, MakeSpeech(Rate, 1), 4096)), "");
+    }
+}
+
 CONTRACT_FORMATS(FormatInstances);
+
+TEST(Formats, WithoutTheirModuleMakeNoInstanceAndALineSaysWhy)
+{
+    for (const char* const module : {"/nowhere/module.so", OTHER_MODULE}) {
+        for (const Format& format : GetFormats()) {
+            if (format.make == MakeEntryHost) {
+                continue; // this is the module
+            }
+            SCOPED_TRACE(testing::Message() << format.name << ", " << module);
+            setenv("PUFFGUARD_MODULE", module, 1);
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(format.make(48000, 2), nullptr);
+            const std::string log = testing::internal::GetCapturedStderr();
+            unsetenv("PUFFGUARD_MODULE");
+            EXPECT_NE(log.find(module), std::string::npos) << log;
+        }
+    }
+}
 
 // Two of each format, one of them at another rate.
 TEST(Formats, SideBySideInOneProcessDoNotHearEachOther)

@@ -50,14 +50,11 @@ TEST_P(FormatLatency, IsThatOfAnImpulseAtAnyRate)
 
 TEST_P(FormatLatency, ReachesTheHostOnceWhenAStateChangesIt)
 {
-    const auto shortest = MakeState([](TestHost::Instance& instance) {
-        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    });
     auto host = Make();
     PlaySilence(*host, 2, 2000);
     const uint32_t before = host->GetLatency();
     const auto reports = host->CountLatencyReports();
-    ASSERT_TRUE(host->Load(host->MakeSession(shortest)));
+    ASSERT_TRUE(host->Load(host->MakeSession(MakeShortestState())));
     const auto isTold = [&] {
         return reports ? host->CountLatencyReports() != reports : host->GetLatency() != before;
     };
@@ -78,13 +75,10 @@ TEST_P(FormatLatency, ReachesTheHostOnceWhenAStateChangesIt)
 
 TEST_P(FormatLatency, IsThatOfAStateThatCameAfterTheLastBlockBeforeARestart)
 {
-    const auto shortest = MakeState([](TestHost::Instance& instance) {
-        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    });
     auto host = Make();
     const uint32_t before = host->GetLatency();
     PlaySilence(*host, 2, 64);
-    ASSERT_TRUE(host->Load(host->MakeSession(shortest)));
+    ASSERT_TRUE(host->Load(host->MakeSession(MakeShortestState())));
     host->Deactivate();
     ASSERT_TRUE(host->Activate(Rate, LongestBlock));
     EXPECT_LT(host->GetLatency(), before);

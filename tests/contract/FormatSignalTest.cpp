@@ -97,6 +97,25 @@ TEST_P(FormatSignal, GoesIntoABypassInStepAmidARepairAndComesBackAsNew)
     EXPECT_EQ(Difference(Play(*host, speech, 500), repaired), "");
 }
 
+TEST_P(FormatSignal, MayShareMemoryCrosswiseOrLackAnOutput)
+{
+    const Audio speech = MakeSpeech(Rate, 2);
+    const Audio expected = Expected(speech, Rate);
+    const auto frames = static_cast<uint32_t>(speech[0].size());
+    auto host = Make();
+    Audio memory = speech;
+    const float* inputs[2] = {memory[0].data(), memory[1].data()};
+    float* crossed[2] = {memory[1].data(), memory[0].data()};
+    host->Process(inputs, crossed, frames);
+    EXPECT_EQ(Difference({memory[1], memory[0]}, expected), "");
+
+    host->Reset();
+    memory = speech;
+    float* right[2] = {nullptr, memory[1].data()};
+    host->Process(inputs, right, frames);
+    EXPECT_EQ(Difference(memory, {speech[0], expected[1]}), "");
+}
+
 TEST_P(FormatSignal, WithAChannelMissingKeepsTheOthers)
 {
     auto host = Make();

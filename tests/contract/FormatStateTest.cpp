@@ -3,6 +3,7 @@
 // refused.
 #include "tests/contract/support/FormatTest.h"
 
+#include <optional>
 #include <random>
 
 namespace {
@@ -71,6 +72,9 @@ TEST_P(FormatState, BringsBackAllValuesHereAndElsewhereAndSavesTheSame)
     auto host = Make();
     auto other = Make(96000.0, 6);
     for (uint32_t round = 0; round < Rounds(50); ++round) {
+        const uint32_t pieces[] = {1, 7, 23, 1'000'003};
+        host->LimitStreams(pieces[round % 4]);
+        other->LimitStreams(pieces[round / 4 % 4]);
         const Values values = MakeValues();
         SetAll(*host, values);
         const Bytes saved = host->Save();
@@ -98,6 +102,52 @@ TEST_P(FormatState, OfAnotherInstanceSoundsTheSameFromItsFirstBlockOn)
     const Audio speech = MakeSpeech(Rate, 2);
     const Audio expected = Expected(speech, Rate, {0.875F, 0.25F, 0.5F});
     EXPECT_EQ(Difference(Play(*second, speech, 512), expected), "");
+}
+
+TEST_P(FormatState, ActsFromTheNextBlockOnAndLaterValuesHaveTheLastWord)
+{
+    const Audio speech = MakeSpeech(Rate, 2);
+    auto donor = Make();
+    donor->SetParameter(TestHost::Strength, 1.0F);
+    PlaySilence(*donor, 2, 64);
+    const Bytes session = donor->Save();
+    for (const std::optional<float> later : {std::optional<float>(), std::optional(0.25F)}) {
+        for (const bool isFlushed : {false, true}) {
+            SCOPED_TRACE(testing::Message() << later.value_or(-1) << ", flushed: " << isFlushed);
+            auto host = Make();
+            host->SetParameter(TestHost::Strength, 0.75F);
+            uint32_t number = 0;
+            const Audio output = Play(*host, speech, [&]() -> uint32_t {
+                if (number++ != 1) {
+                    return number == 1 ? 64 : LongestBlock;
+                }
+                EXPECT_TRUE(host->Load(session));
+                if (later) {
+                    host->SetParameter(TestHost::Strength, *later);
+                }
+                if (isFlushed) {
+                    host->Process(nullptr, nullptr, 0);
+                }
+                return 1; // what waits comes with it
+            });
+            const float strength = later.value_or(1.0F);
+            EXPECT_EQ(Difference(output, Expected(speech, Rate, {.strength = strength})), "");
+            EXPECT_EQ(host->GetParameter(TestHost::Strength), strength);
+        }
+    }
+}
+
+TEST_P(FormatState, ThatIsThereAlreadyLeavesTheSoundAlone)
+{
+    auto host = Make();
+    const Bytes saved = host->Save();
+    const Audio speech = MakeSpeech(Rate, 2);
+    uint32_t number = 0;
+    const Audio output = Play(*host, speech, [&] {
+        EXPECT_TRUE(++number % 10 > 0 || host->Load(saved));
+        return 512U;
+    });
+    EXPECT_EQ(Difference(output, Expected(speech, Rate)), "");
 }
 
 TEST_P(FormatState, ThatIsNoneIsRefusedAndChangesNothing)

@@ -87,9 +87,7 @@ TEST_P(FormatThreads, SetEveryParameterWhileAudioRuns)
 TEST_P(FormatThreads, SaveAndLoadWhileAudioRuns)
 {
     auto host = Make();
-    const auto shortest = host->MakeSession(MakeState([](TestHost::Instance& instance) {
-        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    }));
+    const auto shortest = host->MakeSession(MakeShortestState());
     const auto longest = host->MakeSession(
         MakeState([](TestHost::Instance& instance) { instance.Set(TestHost::Strength, 0.875F); }));
     Storm(*host, Rounds(1000), 3000, Turns::OnePerBlock, [&](uint32_t turn) {

@@ -110,9 +110,7 @@ TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
 {
     ASSERT_NO_FATAL_FAILURE(Make());
-    const auto shortest = host->MakeSession(MakeState([](TestHost::Instance& instance) {
-        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
-    }));
+    const auto shortest = host->MakeSession(MakeShortestState());
     const std::vector<uint8_t> longest = host->Save();
     PlayWatched(500, [&](uint32_t number) {
         if (number % 20 == 10) {

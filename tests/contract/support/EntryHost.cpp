@@ -48,23 +48,21 @@ public:
 
     void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override
     {
+        // The entry works in place, so that inputs are read before anything is written.
+        TestHost::Audio block(channels, std::vector<float>(frames));
         float* pointers[PLUGIN_CORE_MAX_CHANNELS] = {};
         for (uint32_t c = 0; c < channels && outputs != nullptr; ++c) {
-            pointers[c] = outputs[c];
-            if (outputs[c] == nullptr || inputs[c] == outputs[c]) {
-                continue;
-            }
+            pointers[c] = inputs[c] != nullptr || outputs[c] != nullptr ? block[c].data() : nullptr;
             if (inputs[c] != nullptr) {
-                std::memmove(outputs[c], inputs[c], frames * sizeof(float));
-            } else {
-                std::fill_n(outputs[c], frames, 0.0F);
+                std::copy_n(inputs[c], frames, pointers[c]);
             }
         }
-        ProcessRecord record{};
-        record.frames = frames;
-        record.channels = pointers;
-        const AudioCall scope;
-        Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
+        Send(pointers, frames);
+        for (uint32_t c = 0; c < channels && outputs != nullptr; ++c) {
+            if (outputs[c] != nullptr) {
+                std::copy_n(pointers[c], frames, outputs[c]);
+            }
+        }
     }
 
     void Reset() override
@@ -117,6 +115,15 @@ public:
     }
 
 private:
+    void Send(float** block, uint32_t frames)
+    {
+        ProcessRecord record{};
+        record.frames = frames;
+        record.channels = block;
+        const AudioCall scope;
+        Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
+    }
+
     void SetProcessing(int32_t active)
     {
         ProcessingStateRecord record{active, 0};

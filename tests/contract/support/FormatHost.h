@@ -53,6 +53,8 @@ public:
     /// Values that wait for a block don't count.
     virtual std::optional<float> GetParameter(uint32_t index) = 0;
 
+    /// How many bytes a stream moves at most in one call from now on, where the format has streams.
+    virtual void LimitStreams(uint32_t /*bytes*/) {}
     /// Everything that a session of the format keeps; empty when it can't be had.
     virtual std::vector<uint8_t> Save() = 0;
     /// False, and nothing changed, when the bytes are no state. What it brings counts like

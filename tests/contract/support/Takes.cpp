@@ -72,6 +72,13 @@ std::vector<uint8_t> MakeState(const std::function<void(TestHost::Instance&)>& c
     return instance.SaveState();
 }
 
+std::vector<uint8_t> MakeShortestState()
+{
+    return MakeState([](TestHost::Instance& instance) {
+        instance.SetElement(TestHost::ElementLatencyScaling, 0.0F);
+    });
+}
+
 Audio Expected(const Audio& input, double rate, const Controls& controls)
 {
     TestHost::Instance direct(static_cast<float>(rate), static_cast<uint32_t>(input.size()));

@@ -37,6 +37,8 @@ void Settle(FormatHost& host, uint32_t channels);
 
 /// The state of an instance of the module after `change`.
 std::vector<uint8_t> MakeState(const std::function<void(TestHost::Instance&)>& change);
+/// One in which the latency is at its smallest.
+std::vector<uint8_t> MakeShortestState();
 
 /// What the module makes of it in a fresh instance with the values of three controls, normalised.
 struct Controls {

@@ -6,7 +6,6 @@
 #include "tests/wrappers/lv2/support/Lv2Host.h"
 
 #include <gtest/gtest.h>
-#include <lv2/atom/atom.h>
 
 #include <array>
 #include <fstream>
@@ -220,7 +219,6 @@ TEST_F(Lv2DocumentsTest, AudioPortsAreTheSpeakersOfTheirGroup)
 TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
 {
     const std::string manifest = ReadDocument("manifest");
-    Lv2Host::Features features;
     for (const auto& [variant, group, designations] : variants) {
         std::set<std::string> labels;
         for (const std::string& preset : Split(ReadDocument(variant + "-presets"), "#preset_")) {
@@ -239,16 +237,11 @@ TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
             }
             // The state has what no port sets, such as a shorter delay.
             const auto channels = static_cast<uint32_t>(designations.size());
-            Lv2Host::Instance plugin(variant, channels, 48000, &features);
-            plugin.ConnectControls();
-            ASSERT_EQ(plugin.Restore(Lv2Host::Saved{
-                          features.Map(address + "state"),
-                          features.Map(LV2_ATOM__Chunk),
-                          DecodeBase64(Between(preset, address + "state> \"", "\""))}),
-                      LV2_STATE_SUCCESS);
-            Lv2Host::Audio silence(channels, std::vector<float>(64));
-            plugin.Run(silence, 64);
-            EXPECT_EQ(plugin.controls[Lv2Host::Latency], static_cast<float>(module.Latency()));
+            Lv2Host::Plugin plugin(channels, 48000);
+            const auto chunk = DecodeBase64(Between(preset, address + "state> \"", "\""));
+            ASSERT_EQ(plugin.Restore(plugin.MakeSaved(chunk)), LV2_STATE_SUCCESS);
+            Contract::PlaySilence(plugin, channels, 64);
+            EXPECT_EQ(plugin.GetLatency(), module.Latency());
             labels.insert(label);
         }
         EXPECT_EQ(labels, ListProductPresets()) << variant;

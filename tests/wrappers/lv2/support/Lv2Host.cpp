@@ -1,16 +1,29 @@
 // SPDX-License-Identifier: ISC
 #include "tests/wrappers/lv2/support/Lv2Host.h"
 
+#include "tests/contract/support/AudioCall.h"
+#include "tests/support/ModuleHost.h"
+
+#include <lv2/atom/atom.h>
+
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 namespace Lv2Host {
 
 namespace {
+
+// By port, as the bundle's documents say.
+constexpr struct {
+    float minimum; // at the normalised value 0
+    float maximum;
+    float initial;
+} ranges[] = {{0, 10, 5}, {0, 10, 5}, {50, 500, 200}, {1, 0, 1}};
 
 int Log(LV2_Log_Handle handle, LV2_URID, const char* format, va_list arguments)
 {
@@ -28,6 +41,33 @@ LogPlain(LV2_Log_Handle handle, LV2_URID type, const char* format, ...)
     const int length = Log(handle, type, format, arguments);
     va_end(arguments);
     return length;
+}
+
+/// The descriptor of a plug-in; null when the bundle has none.
+const LV2_Descriptor* Find(uint32_t channels)
+{
+    // Bound lazily it would still be complete; RTLD_NOW shows what is missing.
+    static const auto get = [] {
+        void* library = dlopen(PUFFGUARD_BUNDLE "/puffguard.so", RTLD_NOW | RTLD_LOCAL);
+        return reinterpret_cast<LV2_Descriptor_Function>(
+            library != nullptr ? dlsym(library, "lv2_descriptor") : nullptr);
+    }();
+    const std::string name = channels == 1   ? "/mono"
+                             : channels == 2 ? "/stereo"
+                             : channels == 6 ? "/surround51"
+                                             : "/surround71";
+    for (uint32_t i = 0; get != nullptr && get(i) != nullptr; ++i) {
+        if (std::string(get(i)->URI).ends_with(name)) {
+            return get(i);
+        }
+    }
+    return nullptr;
+}
+
+void Append(std::vector<uint8_t>& bytes, float value)
+{
+    const auto* const place = reinterpret_cast<const uint8_t*>(&value);
+    bytes.insert(bytes.end(), place, place + sizeof value);
 }
 
 } // namespace
@@ -54,75 +94,92 @@ uint32_t Features::Map(const std::string& uri)
     return static_cast<uint32_t>(index + 1);
 }
 
-const LV2_Descriptor* Find(const std::string& name)
-{
-    // Bound lazily it would still be complete; RTLD_NOW shows what is missing.
-    static const auto get = [] {
-        void* library = dlopen(PUFFGUARD_BUNDLE "/puffguard.so", RTLD_NOW | RTLD_LOCAL);
-        return reinterpret_cast<LV2_Descriptor_Function>(
-            library != nullptr ? dlsym(library, "lv2_descriptor") : nullptr);
-    }();
-    for (uint32_t i = 0; get != nullptr && get(i) != nullptr; ++i) {
-        if (std::string(get(i)->URI).ends_with("/" + name)) {
-            return get(i);
-        }
-    }
-    return nullptr;
-}
-
-Instance::Instance(const std::string& name,
-                   uint32_t newChannels,
-                   double rate,
-                   Features* newFeatures)
+Plugin::Plugin(uint32_t newChannels, double newRate, Manner manner)
     : channels(newChannels)
-    , descriptor(Find(name))
+    , rate(newRate)
+    , descriptor(Find(newChannels))
     , handle(descriptor != nullptr
                  ? descriptor->instantiate(descriptor,
                                            rate,
                                            PUFFGUARD_BUNDLE "/",
-                                           newFeatures != nullptr ? newFeatures->All() : nullptr)
+                                           manner == Manner::Full ? features.All() : nullptr)
                  : nullptr)
 {
+    for (uint32_t port = 0; port < FirstAudio && handle != nullptr && manner == Manner::Full;
+         ++port) {
+        Connect(port, &controls[port]);
+    }
+    for (uint32_t port = 0; port < wanted.size(); ++port) {
+        wanted[port] = ranges[port].initial;
+    }
 }
 
-Instance::~Instance()
+Plugin::~Plugin()
 {
     if (handle != nullptr) {
         descriptor->cleanup(handle);
     }
 }
 
-void Instance::ConnectAudio(uint32_t channel, float* input, float* output)
+bool Plugin::Activate(double newRate, uint32_t /*longestBlock*/)
 {
-    Connect(FirstAudio + channel, input);
-    Connect(FirstAudio + channels + channel, output);
-}
-
-void Instance::ConnectControls()
-{
-    for (uint32_t port = 0; port < FirstAudio; ++port) {
-        Connect(port, &controls[port]);
+    if (newRate != rate) {
+        return false;
     }
+    descriptor->activate(handle);
+    Run(0); // the latency shows in a port
+    return true;
 }
 
-void Instance::Run(Audio& audio, uint32_t block)
+void Plugin::Process(const float* const* inputs, float* const* outputs, uint32_t frames)
 {
-    const auto frames = static_cast<uint32_t>(audio[0].size());
-    for (uint32_t done = 0; done < frames; done += block) {
-        for (uint32_t c = 0; c < channels; ++c) {
-            ConnectAudio(c, audio[c].data() + done, audio[c].data() + done);
-        }
-        Run(std::min(block, frames - done));
+    for (uint32_t c = 0; c < channels; ++c) {
+        Connect(FirstAudio + c, inputs != nullptr ? const_cast<float*>(inputs[c]) : nullptr);
+        Connect(FirstAudio + channels + c, outputs != nullptr ? outputs[c] : nullptr);
     }
+    Run(frames);
 }
 
-const LV2_State_Interface& Instance::StateInterface() const
+// A port's memory belongs to the audio thread while it runs.
+void Plugin::Run(uint32_t frames)
+{
+    std::copy(wanted.begin(), wanted.end(), controls.begin());
+    {
+        const Contract::AudioCall scope;
+        descriptor->run(handle, frames);
+    }
+    latency = static_cast<uint32_t>(controls[Latency]);
+}
+
+void Plugin::Reset()
+{
+    descriptor->deactivate(handle);
+    descriptor->activate(handle);
+}
+
+void Plugin::SetParameter(uint32_t index, float normalised)
+{
+    const auto& range = ranges[index];
+    wanted[index] = range.minimum + normalised * (range.maximum - range.minimum);
+}
+
+// The plug-in's own value stands in what it saves, in the module's form, where no bypass is.
+std::optional<float> Plugin::GetParameter(uint32_t index)
+{
+    if (index == Enabled) {
+        return std::nullopt;
+    }
+    TestHost::Instance reader(48000.0F, 1);
+    return reader.LoadState(SaveChunk()) ? reader.Value(index) : std::nanf("");
+}
+
+const LV2_State_Interface& Plugin::StateInterface() const
 {
     return *static_cast<const LV2_State_Interface*>(
         descriptor->extension_data(LV2_STATE__interface));
 }
 
-LV2_State_Status Instance::Save(std::optional<Saved>& saved) const
+LV2_State_Status Plugin::Store(std::optional<Saved>& saved) const
 {
     const auto store = [](LV2_State_Handle target,
                           uint32_t key,
@@ -140,7 +197,7 @@ LV2_State_Status Instance::Save(std::optional<Saved>& saved) const
     return StateInterface().save(handle, store, &saved, LV2_STATE_IS_POD, nullptr);
 }
 
-LV2_State_Status Instance::Restore(const std::optional<Saved>& saved)
+LV2_State_Status Plugin::Restore(const std::optional<Saved>& saved)
 {
     const auto retrieve = [](LV2_State_Handle source,
                              uint32_t key,
@@ -160,4 +217,88 @@ LV2_State_Status Instance::Restore(const std::optional<Saved>& saved)
     return StateInterface().restore(handle, retrieve, source, 0, nullptr);
 }
 
+Saved Plugin::MakeSaved(std::span<const uint8_t> chunk)
+{
+    return {features.Map("https://puffguard.example/lv2/state"),
+            features.Map(LV2_ATOM__Chunk),
+            {chunk.begin(), chunk.end()}};
+}
+
+std::vector<uint8_t> Plugin::SaveChunk() const
+{
+    std::optional<Saved> saved;
+    return Store(saved) == LV2_STATE_SUCCESS ? saved->bytes : std::vector<uint8_t>{};
+}
+
+std::vector<uint8_t> Plugin::Save()
+{
+    std::vector<uint8_t> bytes = SaveChunk();
+    for (const float value : wanted) {
+        Append(bytes, value);
+    }
+    return bytes;
+}
+
+bool Plugin::Load(std::span<const uint8_t> bytes)
+{
+    PortValues values{};
+    if (bytes.size() < sizeof values) {
+        return false;
+    }
+    const auto chunk = bytes.first(bytes.size() - sizeof values);
+    if (Restore(MakeSaved(chunk)) != LV2_STATE_SUCCESS) {
+        return false;
+    }
+    std::memcpy(values.data(), bytes.data() + chunk.size(), sizeof values);
+    std::copy(values.begin(), values.end(), wanted.begin());
+    return true;
+}
+
+std::vector<uint8_t> Plugin::MakeSession(std::span<const uint8_t> chunk)
+{
+    std::vector<uint8_t> bytes(chunk.begin(), chunk.end());
+    for (const auto& range : ranges) {
+        Append(bytes, range.initial);
+    }
+    return bytes;
+}
+
 } // namespace Lv2Host
+
+namespace Contract {
+
+namespace {
+
+bool ScanLv2(void* library)
+{
+    const auto get = reinterpret_cast<LV2_Descriptor_Function>(dlsym(library, "lv2_descriptor"));
+    const LV2_Descriptor* last = nullptr;
+    for (uint32_t index = 0; get != nullptr && get(index) != nullptr; ++index) {
+        last = get(index);
+    }
+    LV2_Handle handle =
+        last != nullptr ? last->instantiate(last, 48000, PUFFGUARD_BUNDLE "/", nullptr) : nullptr;
+    if (handle == nullptr) {
+        return false;
+    }
+    last->cleanup(handle);
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<FormatHost> MakeLv2Host(double rate, uint32_t channels)
+{
+    auto host = std::make_unique<Lv2Host::Plugin>(channels, rate);
+    for (const std::string& line : host->features.logged) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+    return *host ? std::move(host) : nullptr;
+}
+
+FormatBinary GetLv2Binary()
+{
+    return {PUFFGUARD_BUNDLE "/puffguard.so", ScanLv2};
+}
+
+} // namespace Contract

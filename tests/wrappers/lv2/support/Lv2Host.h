@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "tests/contract/support/FormatHost.h"
+
 #include <lv2/core/lv2.h>
 #include <lv2/log/log.h>
 #include <lv2/state/state.h>
 #include <lv2/urid/urid.h>
 
-#include <cstdint>
-#include <optional>
+#include <array>
+#include <atomic>
 #include <string>
-#include <utility>
-#include <vector>
 
 /// A small host of the built bundle.
 namespace Lv2Host {
 
-using Audio = std::vector<std::vector<float>>;
-
-/// Indices of ports, as the bundle's documents number them.
+/// Indices of ports, as the bundle's documents number them. The first ones stand in the order of
+/// the module's parameters; "enabled" is the opposite of a bypass.
 enum Port : uint32_t { Sensitivity, Strength, UpperFrequency, Enabled, Latency, FirstAudio };
 
 /// A session's property.
@@ -48,42 +47,55 @@ private:
     const LV2_Feature* all[3];
 };
 
-/// The descriptor of a plug-in by the end of its URI; null when the bundle has none.
-const LV2_Descriptor* Find(const std::string& name);
-
-/// One plug-in from instantiate() to cleanup().
-class Instance {
+/// One plug-in from instantiate() to cleanup(). Values are ports, which are the host's own memory:
+/// it keeps them with the session, behind what the plug-in saves.
+class Plugin final : public Contract::FormatHost {
 public:
-    /// Null features stand for a host that offers none.
-    Instance(const std::string& name, uint32_t newChannels, double rate, Features* newFeatures);
-    ~Instance();
-    Instance(const Instance&) = delete;
-    Instance& operator=(const Instance&) = delete;
+    /// A bare host has no features and connects no control ports.
+    enum class Manner { Full, Bare };
+
+    /// `newChannels` is 1, 2, 6 or 8.
+    Plugin(uint32_t newChannels, double newRate, Manner manner = Manner::Full);
+    ~Plugin() override;
 
     explicit operator bool() const { return handle != nullptr; }
-    uint32_t GetChannels() const { return channels; }
 
     void Connect(uint32_t port, float* data) { descriptor->connect_port(handle, port, data); }
-    void ConnectAudio(uint32_t channel, float* input, float* output);
-    /// Gives all control ports memory with the defaults, and the latency a place.
-    void ConnectControls();
-    void Activate() { descriptor->activate(handle); }
-    void Deactivate() { descriptor->deactivate(handle); }
-    void Run(uint32_t frames) { descriptor->run(handle, frames); }
-    /// Runs everything in place, in blocks of `block` frames.
-    void Run(Audio& audio, uint32_t block);
-
-    LV2_State_Status Save(std::optional<Saved>& saved) const;
+    /// A block with the memory that is connected.
+    void Run(uint32_t frames);
+    LV2_State_Status Store(std::optional<Saved>& saved) const;
     LV2_State_Status Restore(const std::optional<Saved>& saved);
+    /// A property that a plug-in of ours understands.
+    Saved MakeSaved(std::span<const uint8_t> chunk);
 
-    float controls[5] = {5.0F, 5.0F, 200.0F, 1.0F, -1.0F};
+    bool Activate(double newRate, uint32_t longestBlock) override;
+    void Deactivate() override { descriptor->deactivate(handle); }
+    void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override;
+    void Reset() override;
+    uint32_t GetLatency() override { return latency; }
+    std::optional<uint32_t> CountLatencyReports() override { return std::nullopt; }
+    uint32_t CountParameters() override { return Latency; }
+    void SetParameter(uint32_t index, float normalised) override;
+    std::optional<float> GetParameter(uint32_t index) override;
+    std::vector<uint8_t> Save() override;
+    bool Load(std::span<const uint8_t> bytes) override;
+    std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) override;
+
+    Features features;
 
 private:
+    using PortValues = std::array<float, Latency>;
+
+    std::vector<uint8_t> SaveChunk() const;
     const LV2_State_Interface& StateInterface() const;
 
     const uint32_t channels;
+    const double rate;
     const LV2_Descriptor* const descriptor;
-    LV2_Handle handle;
+    const LV2_Handle handle;
+    std::array<float, FirstAudio> controls{}; // what the ports are connected to
+    std::array<std::atomic<float>, Latency> wanted{};
+    std::atomic<uint32_t> latency{0};
 };
 
 } // namespace Lv2Host

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: ISC
+// What the hosts of several formats have alike.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace Contract {
+
+/// Values on their way from the UI thread to the next block, the last one of each parameter. [any]
+class WaitingValues {
+public:
+    void Set(uint32_t index, float normalised)
+    {
+        const std::lock_guard guard(mutex);
+        values[index] = normalised;
+    }
+    std::map<uint32_t, float> Take()
+    {
+        const std::lock_guard guard(mutex);
+        return std::exchange(values, {});
+    }
+
+private:
+    std::mutex mutex;
+    std::map<uint32_t, float> values; // guarded by the mutex
+};
+
+/// A session, as formats keep it that save the bypass themselves, with this state of the module.
+inline std::vector<uint8_t> MakeHeadedSession(std::span<const uint8_t> state)
+{
+    constexpr std::array<uint8_t, 6> head = {'P', 'g', 'S', 's', 1, 0};
+    std::vector<uint8_t> session(head.size() + state.size());
+    std::copy(state.begin(), state.end(), std::copy(head.begin(), head.end(), session.begin()));
+    return session;
+}
+
+} // namespace Contract

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 // What a host learns of the plug-in before audio runs, and calls in an order of its own.
 #include "tests/support/TemporaryFolder.h"
-#include "tests/wrappers/vst3/support/Text16.h"
 #include "tests/wrappers/vst3/support/Vst3Host.h"
 
 #include <gtest/gtest.h>
@@ -15,17 +14,16 @@ using Vst3Host::Held;
 using Vst3Host::Query;
 using Vst3Host::Text16;
 using Vst3Host::TextOf;
+using Vst3Host::Id::bypass;
+using Vst3Host::Id::strength;
+using Vst3Host::Id::upperFrequency;
 
 namespace {
 
 constexpr v3_tuid unknownIid = V3_ID(0x01234567, 0x89ABCDEF, 0x01234567, 0x89ABCDEF);
 
-enum Id : uint32_t { strength = 808038898, frequency = 1867466536, bypass = 63163949 };
-
 class Vst3PluginTest : public testing::Test {
 protected:
-    ~Vst3PluginTest() override { unsetenv("PUFFGUARD_MODULE"); }
-
     Support::UserFolders folders;
 };
 
@@ -61,9 +59,7 @@ TEST_F(Vst3PluginTest, TheFactorySaysTheSameInAllItsVersions)
     EXPECT_EQ(TextOf(third.version), second.version);
     EXPECT_TRUE(v3_tuid_match(first.class_id, second.class_id));
     EXPECT_TRUE(v3_tuid_match(first.class_id, third.class_id));
-    // Sessions hold it.
-    constexpr v3_tuid classId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
-    EXPECT_TRUE(v3_tuid_match(first.class_id, classId));
+    EXPECT_TRUE(v3_tuid_match(first.class_id, Vst3Host::Id::effect));
 }
 
 TEST_F(Vst3PluginTest, TheFactoryDeclinesWhatItDoesNotHave)
@@ -193,11 +189,10 @@ TEST_F(Vst3PluginTest, ThereAreNoOtherBuses)
 TEST_F(Vst3PluginTest, ParametersHaveNumbersForGoodAndOneIsTheBypass)
 {
     Vst3Host::Plugin plugin;
-    // Sessions and automation hold them.
-    std::map<std::string, uint32_t> expected = {{"Sensitivity", 674812114},
-                                                {"Strength", 808038898},
-                                                {"Frequency limit", 1867466536},
-                                                {"Global bypass", 63163949}};
+    std::map<std::string, uint32_t> expected = {{"Sensitivity", Vst3Host::Id::sensitivity},
+                                                {"Strength", strength},
+                                                {"Frequency limit", upperFrequency},
+                                                {"Global bypass", bypass}};
     int bypasses = 0;
     for (const v3_param_info& info : plugin.parameters) {
         const std::string title = TextOf(info.title);
@@ -230,8 +225,8 @@ TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
     } cases[] = {
         {strength, 0.0, 0.0, "0.00"},
         {strength, 0.75, 7.5, "7.50"},
-        {frequency, 0.5, 275.0, "275.0"},
-        {frequency, 1.0, 500.0, "500.0"},
+        {upperFrequency, 0.5, 275.0, "275.0"},
+        {upperFrequency, 1.0, 500.0, "500.0"},
         {bypass, 0.0, 0.0, "off"},
         {bypass, 1.0, 1.0, "on"},
     };
@@ -247,8 +242,8 @@ TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
         EXPECT_NEAR(controller.ToNormalised(id, plain), normalised, 1e-6);
     }
     double value = -1;
-    EXPECT_EQ(controller.GetValueByString(frequency, Text16("60 Hz").data(), &value), V3_OK);
-    EXPECT_NEAR(controller.ToPlain(frequency, value), 60.0, 1e-4);
+    EXPECT_EQ(controller.GetValueByString(upperFrequency, Text16("60 Hz").data(), &value), V3_OK);
+    EXPECT_NEAR(controller.ToPlain(upperFrequency, value), 60.0, 1e-4);
     for (const char* text : {"", "loud", "5 dB"}) {
         EXPECT_NE(controller.GetValueByString(strength, Text16(text).data(), &value), V3_OK);
     }
@@ -336,21 +331,14 @@ TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
     }
 }
 
-TEST_F(Vst3PluginTest, WithoutItsModuleThereIsNoPluginAndTheLogSaysWhy)
+TEST_F(Vst3PluginTest, WithoutItsModuleTheFactoryIsEmpty)
 {
-    for (const char* module : {"/nowhere/module.so", OTHER_MODULE}) {
-        SCOPED_TRACE(module);
-        setenv("PUFFGUARD_MODULE", module, 1);
-        testing::internal::CaptureStderr();
-        const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
-        ASSERT_NE(factory, nullptr);
-        EXPECT_EQ(factory->CountClasses(), 0);
-        constexpr v3_tuid classId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
-        void* object = nullptr;
-        EXPECT_NE(factory->CreateInstance(classId, v3_component_iid, &object), V3_OK);
-        EXPECT_EQ(object, nullptr);
-        const std::string log = testing::internal::GetCapturedStderr();
-        EXPECT_NE(log.find(module), std::string::npos) << log;
-        EXPECT_NE(log.find("no plug-in without"), std::string::npos) << log;
-    }
+    setenv("PUFFGUARD_MODULE", "/nowhere/module.so", 1);
+    const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
+    unsetenv("PUFFGUARD_MODULE");
+    ASSERT_NE(factory, nullptr);
+    EXPECT_EQ(factory->CountClasses(), 0);
+    void* object = nullptr;
+    EXPECT_NE(factory->CreateInstance(Vst3Host::Id::effect, v3_component_iid, &object), V3_OK);
+    EXPECT_EQ(object, nullptr);
 }

@@ -49,7 +49,7 @@ protected:
         }
         std::vector<float> audio(frames, -1.0F);
         float* channels[1] = {audio.data()};
-        plugin->Process(channels, channels, frames, {&changes, nullptr, &transport});
+        plugin->Send(channels, channels, frames, {&changes, nullptr, &transport});
         return frames > 0 ? static_cast<double>(audio.back()) : -1.0;
     }
     void Show(double value) { EXPECT_EQ(plugin->controller->SetValue(id, value), V3_OK); }
@@ -76,13 +76,12 @@ TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
         bool isPlaying;
     } cases[] = {
         {"a value", [this] { Show(ofUi); }, false},
-        {"a session", [&] { EXPECT_EQ(plugin->Load(session), V3_OK); }, false},
-        {"a session while playing", [&] { EXPECT_EQ(plugin->Load(session), V3_OK); }, true},
+        {"a session", [&] { EXPECT_EQ(plugin->LoadComponent(session), V3_OK); }, false},
+        {"a session while playing",
+         [&] { EXPECT_EQ(plugin->LoadComponent(session), V3_OK); },
+         true},
         {"a session for the controller",
-         [&] {
-             Vst3Host::Stream stream(session);
-             EXPECT_EQ(plugin->controller->SetComponentState(&stream), V3_OK);
-         },
+         [&] { EXPECT_EQ(plugin->LoadController(session), V3_OK); },
          false},
         {"the user", [this] { turn(static_cast<float>(ofUi)); }, false},
         {"the user while playing", [this] { turn(static_cast<float>(ofUi)); }, true},
@@ -106,7 +105,7 @@ TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
                 }
                 EXPECT_EQ(Run(), ofHost);
                 EXPECT_EQ(Saved(), ofHost);
-                plugin->Stop();
+                plugin->Deactivate();
             }
         }
     }
@@ -123,7 +122,7 @@ TEST_F(Vst3ValuesTest, APointOfABlockThatRunsWhileTheUiSideSetsIsNotLost)
         *stepIn = nullptr;
         EXPECT_EQ(Run(), ofHost);
         EXPECT_EQ(Run(), ofHost);
-        plugin->Stop();
+        plugin->Deactivate();
     }
 }
 
@@ -150,13 +149,13 @@ TEST_F(Vst3ValuesTest, WhatIsOnlyShownActsWhenTheAudioEnds)
         if (isHeard) {
             EXPECT_EQ(Run({ofHost}), ofHost);
         }
-        plugin->Stop();
+        plugin->Deactivate();
         const double expected = isHeard ? ofHost : ofUi;
         EXPECT_EQ(Saved(), expected);
         plugin->Start();
         Play(false);
         EXPECT_EQ(Run(), expected);
-        plugin->Stop();
+        plugin->Deactivate();
     }
 }
 
@@ -167,9 +166,9 @@ TEST_F(Vst3ValuesTest, ALoadedSessionTakesThePlaceOfWhatIsOnlyShown)
     Play(true);
     Run();
     Show(ofUi);
-    EXPECT_EQ(plugin->Load(session), V3_OK);
+    EXPECT_EQ(plugin->LoadComponent(session), V3_OK);
     EXPECT_EQ(plugin->Save(), session);
-    plugin->Stop();
+    plugin->Deactivate();
     EXPECT_EQ(plugin->Save(), session);
 }
 

@@ -5,7 +5,7 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
+#include <array>
 
 namespace Vst3Host {
 
@@ -15,6 +15,11 @@ template <typename Function>
 Function Symbol(void* library, const char* name)
 {
     return library != nullptr ? reinterpret_cast<Function>(dlsym(library, name)) : nullptr;
+}
+
+std::string BinaryPath()
+{
+    return PUFFGUARD_VST3_BUNDLE "/Contents/" PUFFGUARD_VST3_PROCESSOR "-linux/Puff-guard.so";
 }
 
 void* Library()
@@ -27,27 +32,31 @@ void* Library()
     return library;
 }
 
-} // namespace
-
-uint64_t MaskOf(uint32_t channels)
-{
-    return channels == 1 ? mono : channels == 2 ? stereo : channels == 6 ? surround51 : surround71;
-}
-
-std::string BinaryPath()
-{
-    return PUFFGUARD_VST3_BUNDLE "/Contents/" PUFFGUARD_VST3_PROCESSOR "-linux/Puff-guard.so";
-}
-
-Held<IFactory> GetFactory(void* library)
+Held<IFactory> FactoryOf(void* library)
 {
     const auto get = Symbol<void* (*)()>(library, "GetPluginFactory");
     return Held<IFactory>(get != nullptr ? static_cast<IFactory*>(get()) : nullptr);
 }
 
+} // namespace
+
+std::basic_string<int16_t> Text16(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
+
+std::string TextOf(const int16_t* text)
+{
+    std::string result;
+    for (; *text != 0; ++text) {
+        result += *text > 0 && *text < 0x80 ? static_cast<char>(*text) : '?';
+    }
+    return result;
+}
+
 Held<IFactory> GetFactory()
 {
-    return GetFactory(Library());
+    return FactoryOf(Library());
 }
 
 Held<IComponent> Create(IFactory& factory)
@@ -60,8 +69,36 @@ Held<IComponent> Create(IFactory& factory)
     return Held<IComponent>(static_cast<IComponent*>(object));
 }
 
-Plugin::Plugin(uint32_t newChannels, double rate, Host* host)
+v3_process_context* AnyTransport::Next(uint32_t frames, double rate)
+{
+    const int64_t goneOn = context.project_time_in_samples + frames;
+    switch (engine() % 4) {
+    case 0:
+        return nullptr;
+    case 1:
+        context = {};
+        context.project_time_in_samples = static_cast<int64_t>(engine() % 100'000) - 50'000;
+        break;
+    case 2:
+        context.project_time_in_samples = goneOn;
+        break;
+    default:
+        for (size_t i = 0; i < sizeof context; ++i) {
+            reinterpret_cast<uint8_t*>(&context)[i] = static_cast<uint8_t>(engine());
+        }
+        context.project_time_in_samples /= 2; // to go on from
+    }
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    context.sample_rate = std::array{rate, 0.0, none, -rate}[engine() % 4];
+    context.state = engine() % 4 == 0 ? static_cast<uint32_t>(engine())
+                                      : static_cast<uint32_t>(V3_PROCESS_CTX_PLAYING);
+    return &context;
+}
+
+Plugin::Plugin(uint32_t newChannels, double newRate, std::shared_ptr<Host> newHost)
     : channels(newChannels)
+    , host(std::move(newHost))
+    , rate(newRate)
 {
     const Held<IFactory> factory = GetFactory();
     component = factory ? Create(*factory) : nullptr;
@@ -79,22 +116,26 @@ Plugin::Plugin(uint32_t newChannels, double rate, Host* host)
     for (size_t i = 0; i < parameters.size(); ++i) {
         controller->GetParameterInfo(static_cast<int32_t>(i), &parameters[i]);
     }
-    Arrange(MaskOf(channels), MaskOf(channels));
+    const uint64_t mask = channels == 1   ? mono
+                          : channels == 2 ? stereo
+                          : channels == 6 ? surround51
+                                          : surround71;
+    Arrange(mask, mask);
     Setup(rate);
 }
 
 Plugin::~Plugin()
 {
     if (component != nullptr) {
-        Stop();
+        Deactivate();
         controller->SetComponentHandler(nullptr);
         component->Terminate();
     }
 }
 
-int32_t Plugin::Setup(double rate, int32_t longestBlock)
+int32_t Plugin::Setup(double newRate, int32_t longestBlock)
 {
-    v3_process_setup setup = {V3_REALTIME, V3_SAMPLE_32, longestBlock, rate};
+    v3_process_setup setup = {V3_REALTIME, V3_SAMPLE_32, longestBlock, newRate};
     return processor->SetupProcessing(&setup);
 }
 
@@ -109,16 +150,26 @@ void Plugin::Start()
     processor->SetProcessing(1);
 }
 
-void Plugin::Stop()
+bool Plugin::Activate(double newRate, uint32_t longestBlock)
+{
+    if (Setup(newRate, static_cast<int32_t>(longestBlock)) != V3_OK) {
+        return false;
+    }
+    rate = newRate;
+    Start();
+    return true;
+}
+
+void Plugin::Deactivate()
 {
     processor->SetProcessing(0);
     component->SetActive(0);
 }
 
-int32_t Plugin::Process(const float* const* inputs,
-                        float* const* outputs,
-                        uint32_t frames,
-                        const BlockContext& context)
+int32_t Plugin::Send(const float* const* inputs,
+                     float* const* outputs,
+                     uint32_t frames,
+                     const BlockContext& context)
 {
     const auto count = static_cast<int32_t>(channels);
     v3_audio_bus_buffers input = {count, 0, {const_cast<float**>(inputs)}};
@@ -137,33 +188,98 @@ int32_t Plugin::Process(const float* const* inputs,
     return processor->Process(&data);
 }
 
-int32_t Plugin::Flush(Changes& changes)
+void Plugin::Process(const float* const* inputs, float* const* outputs, uint32_t frames)
 {
-    return Process(nullptr, nullptr, 0, {&changes, nullptr, nullptr});
+    Changes changes;
+    for (const auto& [index, value] : waiting.Take()) {
+        changes.Add(parameters[index].param_id, {{0, static_cast<double>(value)}});
+    }
+    Send(inputs, outputs, frames, {&changes, nullptr, transport.Next(frames, rate)});
 }
 
-void Plugin::Run(Audio& audio, uint32_t block)
+void Plugin::Reset()
 {
-    const auto frames = static_cast<uint32_t>(audio[0].size());
-    std::vector<float*> pointers(audio.size());
-    for (uint32_t done = 0; done < frames; done += block) {
-        for (size_t c = 0; c < audio.size(); ++c) {
-            pointers[c] = audio[c].data() + done;
-        }
-        Process(pointers.data(), pointers.data(), std::min(block, frames - done));
+    for (const uint8_t isProcessing : {uint8_t{0}, uint8_t{1}}) {
+        const Contract::AudioCall scope;
+        processor->SetProcessing(isProcessing);
     }
 }
 
-std::vector<uint8_t> Plugin::Save(int32_t most)
+std::optional<uint32_t> Plugin::CountLatencyReports()
 {
-    Stream stream({}, most);
+    return static_cast<uint32_t>(
+        std::count(host->heard.begin(),
+                   host->heard.end(),
+                   "restart " + std::to_string(V3_RESTART_LATENCY_CHANGED)));
+}
+
+void Plugin::SetParameter(uint32_t index, float normalised)
+{
+    controller->SetValue(parameters[index].param_id, static_cast<double>(normalised));
+    waiting.Set(index, normalised);
+}
+
+std::optional<float> Plugin::GetParameter(uint32_t index)
+{
+    return static_cast<float>(controller->GetValue(parameters[index].param_id));
+}
+
+std::vector<uint8_t> Plugin::Save()
+{
+    Stream stream({}, streamLimit);
     return component->GetState(&stream) == V3_OK ? stream.bytes : std::vector<uint8_t>();
 }
 
-int32_t Plugin::Load(std::span<const uint8_t> bytes, int32_t most)
+int32_t Plugin::LoadComponent(std::span<const uint8_t> bytes)
 {
-    Stream stream({bytes.begin(), bytes.end()}, most);
+    Stream stream({bytes.begin(), bytes.end()}, streamLimit);
     return component->SetState(&stream);
 }
 
+int32_t Plugin::LoadController(std::span<const uint8_t> bytes)
+{
+    Stream stream({bytes.begin(), bytes.end()}, streamLimit);
+    return controller->SetComponentState(&stream);
+}
+
+bool Plugin::Load(std::span<const uint8_t> bytes)
+{
+    if (LoadComponent(bytes) != V3_OK || LoadController(bytes) != V3_OK) {
+        return false;
+    }
+    waiting.Take(); // what came before it
+    return true;
+}
+
 } // namespace Vst3Host
+
+namespace Contract {
+
+namespace {
+
+bool ScanVst3(void* library)
+{
+    const Vst3Host::Held<Vst3Host::IFactory> factory = Vst3Host::FactoryOf(library);
+    if (factory == nullptr || factory->CountClasses() != 1) {
+        return false;
+    }
+    const Vst3Host::Held<Vst3Host::IComponent> component = Vst3Host::Create(*factory);
+    return component != nullptr && component->Initialize(nullptr) == V3_OK &&
+           component->GetBusCount(V3_AUDIO, V3_INPUT) == 1 && component->Terminate() == V3_OK;
+}
+
+} // namespace
+
+std::unique_ptr<FormatHost> MakeVst3Host(double rate, uint32_t channels)
+{
+    auto host =
+        std::make_unique<Vst3Host::Plugin>(channels, rate, std::make_shared<Vst3Host::Host>());
+    return *host ? std::move(host) : nullptr;
+}
+
+FormatBinary GetVst3Binary()
+{
+    return {Vst3Host::BinaryPath(), ScanVst3};
+}
+
+} // namespace Contract

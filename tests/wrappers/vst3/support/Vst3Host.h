@@ -1,27 +1,33 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "tests/contract/support/FormatHost.h"
+#include "tests/contract/support/HostParts.h"
 #include "tests/wrappers/vst3/support/HostObjects.h"
 
-#include <cstdint>
-#include <memory>
-#include <optional>
-#include <span>
-#include <string>
-#include <vector>
+#include <random>
 
 /// A small host of the built bundle.
 namespace Vst3Host {
-
-using Audio = std::vector<std::vector<float>>;
 
 constexpr uint64_t mono = V3_SPEAKER_M;
 constexpr uint64_t stereo = 0x3;
 constexpr uint64_t surround51 = 0x3F;
 constexpr uint64_t surround71 = 0x63F;
 
-/// The mask of so many channels: 1, 2, 6 or 8.
-uint64_t MaskOf(uint32_t channels);
+/// For good: sessions and automation hold them.
+namespace Id {
+constexpr v3_tuid effect = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
+constexpr uint32_t sensitivity = 674812114;
+constexpr uint32_t strength = 808038898;
+constexpr uint32_t upperFrequency = 1867466536;
+constexpr uint32_t bypass = 63163949;
+} // namespace Id
+
+/// ASCII as the format's 16-bit text.
+std::basic_string<int16_t> Text16(const std::string& text);
+/// The other way; what is no ASCII becomes "?".
+std::string TextOf(const int16_t* text);
 
 /// Releases what the plug-in counts.
 struct Releaser {
@@ -39,13 +45,21 @@ Held<T> Query(IUnknown& object, const v3_tuid iid)
     return Held<T>(static_cast<T*>(found));
 }
 
-/// The binary inside the bundle.
-std::string BinaryPath();
-/// What GetPluginFactory() of the library gives; null when it can't be loaded.
+/// What GetPluginFactory() gives; null when the library can't be loaded.
 Held<IFactory> GetFactory();
-Held<IFactory> GetFactory(void* library);
 /// The first class of the factory; null when it declines.
 Held<IComponent> Create(IFactory& factory);
+
+/// A transport that plays on, jumps and loops, stands still, is missing or holds rubbish.
+class AnyTransport {
+public:
+    /// Of the next block; null where there is none.
+    v3_process_context* Next(uint32_t frames, double rate);
+
+private:
+    std::mt19937 engine{1};
+    v3_process_context context = {};
+};
 
 /// What goes with the frames of a block.
 struct BlockContext {
@@ -54,42 +68,65 @@ struct BlockContext {
     v3_process_context* transport = nullptr;
 };
 
-/// One plug-in from its making to its last release.
-class Plugin {
+/// One plug-in from its making to its last release. Values of SetParameter() go to the controller
+/// to be shown, and with the next block to be heard.
+class Plugin final : public Contract::FormatHost {
 public:
-    /// Initializes and sets up; `host` may be null, and is its context and handler.
-    explicit Plugin(uint32_t newChannels = 2, double rate = 48000, Host* host = nullptr);
-    ~Plugin();
-    Plugin(const Plugin&) = delete;
-    Plugin& operator=(const Plugin&) = delete;
+    /// Initializes and sets up. `newChannels` is 1, 2, 6 or 8; `newHost` may be null, and is the
+    /// context and the handler.
+    explicit Plugin(uint32_t newChannels = 2,
+                    double newRate = 48000,
+                    std::shared_ptr<Host> newHost = nullptr);
+    ~Plugin() override;
 
     explicit operator bool() const { return component != nullptr; }
 
-    int32_t Setup(double rate, int32_t longestBlock = 4096);
+    int32_t Setup(double newRate, int32_t longestBlock = 4096);
     int32_t Arrange(uint64_t inputs, uint64_t outputs);
     void Start(); ///< to process
-    void Stop();
 
     /// One block; null channels, or no channels at all, are handed on.
-    int32_t Process(const float* const* inputs,
-                    float* const* outputs,
-                    uint32_t frames,
-                    const BlockContext& context = {});
+    int32_t Send(const float* const* inputs,
+                 float* const* outputs,
+                 uint32_t frames,
+                 const BlockContext& context = {});
     /// 0 frames, without buses.
-    int32_t Flush(Changes& changes);
-    /// Runs everything in place, in blocks of `block` frames.
-    void Run(Audio& audio, uint32_t block);
+    int32_t Flush(Changes& changes) { return Send(nullptr, nullptr, 0, {&changes}); }
+    /// Two of the places that take a session.
+    int32_t LoadComponent(std::span<const uint8_t> bytes);
+    int32_t LoadController(std::span<const uint8_t> bytes);
 
-    /// Empty when the plug-in refuses. Streams move at most `most` bytes a call.
-    std::vector<uint8_t> Save(int32_t most = std::numeric_limits<int32_t>::max());
-    int32_t Load(std::span<const uint8_t> bytes,
-                 int32_t most = std::numeric_limits<int32_t>::max());
+    bool Activate(double newRate, uint32_t longestBlock) override;
+    void Deactivate() override;
+    /// The transport is of no account in the audio.
+    void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override;
+    void Reset() override;
+    uint32_t GetLatency() override { return processor->GetLatencySamples(); }
+    std::optional<uint32_t> CountLatencyReports() override;
+    void Idle() override { host->Tick(); }
+    uint32_t CountParameters() override { return static_cast<uint32_t>(parameters.size()); }
+    void SetParameter(uint32_t index, float normalised) override;
+    std::optional<float> GetParameter(uint32_t index) override;
+    void LimitStreams(uint32_t bytes) override { streamLimit = static_cast<int32_t>(bytes); }
+    std::vector<uint8_t> Save() override;
+    bool Load(std::span<const uint8_t> bytes) override;
+    std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) override
+    {
+        return Contract::MakeHeadedSession(chunk);
+    }
 
     const uint32_t channels;
+    const std::shared_ptr<Host> host;
     Held<IComponent> component;
     Held<IAudioProcessor> processor;
     Held<IEditController> controller;
     std::vector<v3_param_info> parameters;
+
+private:
+    double rate;            // of the audio thread, which doesn't run while it changes
+    AnyTransport transport; // of the audio thread
+    Contract::WaitingValues waiting;
+    int32_t streamLimit = std::numeric_limits<int32_t>::max();
 };
 
 } // namespace Vst3Host

@@ -9,26 +9,9 @@
 #include <set>
 
 using ClapEntryTest = ClapTest;
+using ClapHost::Use;
 
 namespace {
-
-/// Ends the use of the library for as long as the object lives, so that it looks for its module
-/// anew.
-class Unused {
-public:
-    explicit Unused(const char* module)
-    {
-        ClapHost::Entry()->deinit();
-        setenv("PUFFGUARD_MODULE", module, 1);
-    }
-    ~Unused()
-    {
-        unsetenv("PUFFGUARD_MODULE");
-        ClapHost::BeginUse();
-    }
-    Unused(const Unused&) = delete;
-    Unused& operator=(const Unused&) = delete;
-};
 
 /// Another current folder for as long as the object lives.
 class CurrentFolder {
@@ -50,20 +33,13 @@ private:
 /// folder would find there.
 class ClapPlaceTest : public ClapTest {
 protected:
-    void SetUp() override
+    ClapPlaceTest()
     {
-        ClapTest::SetUp();
-        unused.emplace("");
         std::filesystem::create_directory(place);
         std::filesystem::create_directory(decoy);
         std::filesystem::copy(PUFFGUARD_CLAP, place / "puffguard.clap");
         std::filesystem::copy(PUFFGUARD_CLAP, decoy / "puffguard.clap");
         std::filesystem::copy(USER_MODULE, decoy / "LMPuffguard.so");
-    }
-    void TearDown() override
-    {
-        unused.reset();
-        ClapTest::TearDown();
     }
 
     /// Loads the copy by a name that counts from its folder.
@@ -87,13 +63,13 @@ protected:
     const Support::TemporaryFolder folder;
     const std::filesystem::path place = folder.Path() / "place";
     const std::filesystem::path decoy = folder.Path() / "decoy";
-    std::optional<Unused> unused;
 };
 
 } // namespace
 
 TEST_F(ClapEntryTest, AScanFindsOneEffectThatSaysWhatItIs)
 {
+    const Use use;
     const clap_plugin_factory_t* factory = ClapHost::Factory();
     ASSERT_NE(factory, nullptr);
     ASSERT_EQ(factory->get_plugin_count(factory), 1U);
@@ -118,48 +94,44 @@ TEST_F(ClapEntryTest, AScanFindsOneEffectThatSaysWhatItIs)
 
 TEST_F(ClapEntryTest, WhatIsUnknownIsNotMade)
 {
+    const Use use;
     EXPECT_EQ(ClapHost::Entry()->get_factory("clap.other-factory"), nullptr);
     EXPECT_EQ(ClapHost::Entry()->get_factory(nullptr), nullptr);
     const clap_plugin_factory_t* factory = ClapHost::Factory();
     const std::string longer = std::string(ClapHost::pluginId) + ".";
     for (const char* id : {"", "example.puffguard", longer.c_str()}) {
-        EXPECT_EQ(factory->create_plugin(factory, host.Get(), id), nullptr) << id;
+        EXPECT_EQ(factory->create_plugin(factory, host->Get(), id), nullptr) << id;
     }
     EXPECT_EQ(factory->create_plugin(factory, nullptr, ClapHost::pluginId), nullptr);
-    clap_host_t old = *host.Get();
+    clap_host_t old = *host->Get();
     old.clap_version = {0, 26, 0};
     EXPECT_EQ(factory->create_plugin(factory, &old, ClapHost::pluginId), nullptr);
 }
 
 TEST_F(ClapEntryTest, TheLibraryIsInUseUntilItsLastUserEnds)
 {
-    ASSERT_TRUE(ClapHost::BeginUse());
-    ClapHost::Entry()->deinit();
-    EXPECT_NE(ClapHost::Factory(), nullptr);
+    EXPECT_EQ(ClapHost::Factory(), nullptr);
     {
-        const Unused unused("");
-        EXPECT_EQ(ClapHost::Factory(), nullptr);
-        ClapHost::Entry()->deinit(); // one too many
-        EXPECT_EQ(ClapHost::Factory(), nullptr);
+        const Use first;
+        {
+            const Use second;
+        }
+        EXPECT_NE(ClapHost::Factory(), nullptr);
     }
+    EXPECT_EQ(ClapHost::Factory(), nullptr);
+    ClapHost::Entry()->deinit(); // one too many
+    const Use again;
     EXPECT_NE(ClapHost::Factory(), nullptr);
 }
 
-TEST_F(ClapEntryTest, WithoutAModuleOfItsVersionThereIsNoPluginAndALineSaysWhy)
+TEST_F(ClapEntryTest, WithoutItsModuleThereIsNoFactoryAndALineSaysWhy)
 {
-    const struct {
-        const char* module;
-        const char* reason;
-    } cases[] = {{"/nowhere/module.so", "/nowhere/module.so"}, {OTHER_MODULE, "is of version"}};
-    for (const auto& [module, reason] : cases) {
-        const Unused unused(module);
-        testing::internal::CaptureStderr();
-        EXPECT_FALSE(ClapHost::BeginUse());
-        const std::string said = testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(said.starts_with("puffguard.clap: ")) << said;
-        EXPECT_NE(said.find(reason), std::string::npos) << said;
-        EXPECT_EQ(ClapHost::Factory(), nullptr);
-    }
+    const ModuleChoice none("/nowhere/module.so");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Use());
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(said.starts_with("puffguard.clap: ")) << said;
+    EXPECT_EQ(ClapHost::Factory(), nullptr);
 }
 
 TEST_F(ClapPlaceTest, APluginThatWasNamedFromItsFolderLooksForItsModuleThere)
@@ -188,22 +160,20 @@ TEST_F(ClapPlaceTest, APluginThatIsNoLongerWhereItWasLooksNowhere)
 TEST_F(ClapEntryTest, WithoutAnInstanceInitFailsAndTheHostsLogSaysWhy)
 {
     setenv("FAKE_REFUSES", std::to_string(SelectorCreatePlugin).c_str(), 1);
-    const Unused unused(FAKE_MODULE);
-    ASSERT_TRUE(ClapHost::BeginUse());
+    const ModuleChoice fake(FAKE_MODULE);
     {
         const ClapHost::Plugin plugin(host);
         EXPECT_FALSE(plugin);
         ASSERT_NE(plugin.Get(), nullptr);
         EXPECT_EQ(plugin.Get()->get_extension(plugin.Get(), CLAP_EXT_STATE), nullptr);
     }
-    ASSERT_EQ(host.logged.size(), 1U);
-    EXPECT_TRUE(host.logged[0].starts_with("puffguard.clap: ")) << host.logged[0];
+    ASSERT_EQ(host->logged.size(), 1U);
+    EXPECT_TRUE(host->logged[0].starts_with("puffguard.clap: ")) << host->logged[0];
 
-    host.offersExtensions = false;
+    host->offersExtensions = false;
     testing::internal::CaptureStderr();
     EXPECT_FALSE(ClapHost::Plugin(host));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), host.logged[0] + "\n");
-    ClapHost::Entry()->deinit();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), host->logged[0] + "\n");
     unsetenv("FAKE_REFUSES");
 }
 
@@ -236,8 +206,9 @@ TEST_F(ClapEntryTest, WhatIsMissingInACallIsRefused)
 
 TEST_F(ClapEntryTest, NothingIsOfferedBeforeInit)
 {
+    const Use use;
     const clap_plugin_factory_t* factory = ClapHost::Factory();
-    const clap_plugin_t* plugin = factory->create_plugin(factory, host.Get(), ClapHost::pluginId);
+    const clap_plugin_t* plugin = factory->create_plugin(factory, host->Get(), ClapHost::pluginId);
     ASSERT_NE(plugin, nullptr);
     EXPECT_EQ(plugin->get_extension(plugin, CLAP_EXT_PARAMS), nullptr);
     EXPECT_FALSE(plugin->activate(plugin, 48000, 1, 64));

@@ -8,28 +8,6 @@
 using Clap::Gesture;
 using Clap::GestureQueue;
 
-TEST(GestureQueueTest, KeepsTheOrderThroughManyRoundsAndRefusesWhatDoesNotFit)
-{
-    GestureQueue queue;
-    uint32_t pushed = 0;
-    uint32_t popped = 0;
-    for (const size_t count : {size_t{1}, size_t{700}, GestureQueue::Capacity, size_t{3}}) {
-        for (size_t i = 0; i < count; ++i) {
-            ASSERT_TRUE(queue.Push({Gesture::Kind::Change, pushed}));
-            ++pushed;
-        }
-        if (count == GestureQueue::Capacity) {
-            EXPECT_FALSE(queue.Push({}));
-        }
-        while (const auto gesture = queue.Peek()) {
-            EXPECT_EQ(gesture->parameter, popped);
-            queue.Pop();
-            ++popped;
-        }
-        EXPECT_EQ(popped, pushed);
-    }
-}
-
 TEST(GestureQueueTest, LosesNothingOfSeveralThreadsThatItHasTaken)
 {
     constexpr uint32_t producers = 3;

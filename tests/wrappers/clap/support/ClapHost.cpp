@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "tests/wrappers/clap/support/ClapHost.h"
 
+#include <gtest/gtest.h>
+
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <string_view>
 
 namespace ClapHost {
@@ -25,11 +26,6 @@ const clap_plugin_entry_t* Entry()
             library != nullptr ? dlsym(library, "clap_entry") : nullptr);
     }();
     return entry;
-}
-
-bool BeginUse()
-{
-    return Entry() != nullptr && Entry()->init(PUFFGUARD_CLAP);
 }
 
 const clap_plugin_factory_t* Factory()
@@ -67,10 +63,11 @@ Host::Host()
 {
 }
 
-std::vector<std::string> Host::GetFaults() const
+Host::~Host()
 {
-    const std::lock_guard guard(mutex);
-    return faults;
+    for (const std::string& fault : faults) {
+        ADD_FAILURE() << "the plug-in broke a rule: " << fault;
+    }
 }
 
 bool Host::IsMain() const
@@ -78,11 +75,11 @@ bool Host::IsMain() const
     return std::this_thread::get_id() == mainThread && !isAudioThread;
 }
 
-void Host::Check(bool isAllowed, const char* call)
+void Host::Check(bool isAllowed, const char* rule)
 {
     if (!isAllowed || phase == Phase::Creating) {
         const std::lock_guard guard(mutex);
-        faults.emplace_back(call);
+        faults.emplace_back(rule);
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "tests/contract/support/FormatHost.h"
+#include "tests/contract/support/HostParts.h"
 #include "wrappers/clap/Abi.h"
 
 #include <clap/entry.h>
@@ -12,26 +14,45 @@
 #include <clap/plugin-factory.h>
 
 #include <atomic>
-#include <cstdint>
 #include <mutex>
-#include <optional>
-#include <span>
+#include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 /// A small host of the built plug-in that keeps the format's rules of threads and sees to it that
 /// the plug-in keeps them too.
 namespace ClapHost {
 
+using Audio = std::vector<std::vector<float>>;
+
 inline constexpr const char* pluginId = "example.puffguard.puffguard";
 
 /// The built file's entry, loaded at the first call; null when it can't be.
 const clap_plugin_entry_t* Entry();
-/// Its init() with the file's path.
-bool BeginUse();
-/// Its factory, from there on.
+/// Its factory; null when nobody uses the file.
 const clap_plugin_factory_t* Factory();
+
+/// From the entry's init() to its deinit(). False when that fails.
+class Use {
+public:
+    Use()
+        : hasBegun(Entry() != nullptr && Entry()->init(PUFFGUARD_CLAP))
+    {
+    }
+    ~Use()
+    {
+        if (hasBegun) {
+            Entry()->deinit();
+        }
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+    explicit operator bool() const { return hasBegun; }
+
+private:
+    const bool hasBegun;
+};
 
 /// Makes the thread the audio thread for the object's life.
 class AudioScope {
@@ -42,20 +63,21 @@ public:
     AudioScope& operator=(const AudioScope&) = delete;
 };
 
-/// What a plug-in sees of its host.
+/// What a plug-in sees of its host. Rules that it breaks fail the test.
 class Host {
 public:
     enum class Phase { Creating, Inactive, Activating, Active };
 
     Host();
+    ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
     const clap_host_t* Get() const { return &host; }
     /// Makes the thread the main thread, until another one is made it.
     void BecomeMain() { mainThread = std::this_thread::get_id(); }
-    /// Rules that the plug-in has broken so far.
-    std::vector<std::string> GetFaults() const;
+    /// Keeps a rule that is broken unless `isAllowed`.
+    void Check(bool isAllowed, const char* rule);
 
     bool offersExtensions = true;
     std::atomic<Phase> phase{Phase::Inactive};
@@ -73,12 +95,11 @@ public:
 private:
     static Host& Of(const clap_host_t* host) { return *static_cast<Host*>(host->host_data); }
     const void* Find(const char* id);
-    void Check(bool isAllowed, const char* call);
     bool IsMain() const;
 
     std::atomic<std::thread::id> mainThread{std::this_thread::get_id()};
     clap_host_t host;
-    mutable std::mutex mutex;
+    std::mutex mutex;
     std::vector<std::string> faults; // guarded by the mutex
 };
 
@@ -125,15 +146,28 @@ private:
     clap_output_events_t list;
 };
 
+/// A transport that goes on, jumps and loops, stands still, is missing or holds rubbish.
+class AnyTransport {
+public:
+    /// Of the next block; null where there is none. Some bring an event of it, too.
+    const clap_event_transport_t* Next(uint32_t frames, InputEvents& events);
+
+private:
+    std::optional<double> AnyTime();
+
+    std::mt19937 engine{1};
+    clap_event_transport_t transport = InputEvents::MakeTransport(0, 0.0);
+};
+
 /// One plug-in from create_plugin() to destroy(). Whichever thread calls is the main thread for it,
-/// but in calls that belong to audio.
-class Plugin {
+/// but in calls that belong to audio. Values of SetParameter() are events of the next block, or go
+/// in by themselves when it has no frames.
+class Plugin final : public Contract::FormatHost {
 public:
     /// Creates and initialises.
-    explicit Plugin(Host& newHost);
-    ~Plugin();
-    Plugin(const Plugin&) = delete;
-    Plugin& operator=(const Plugin&) = delete;
+    explicit Plugin(std::shared_ptr<Host> newHost = std::make_shared<Host>(),
+                    uint32_t newChannels = 2);
+    ~Plugin() override;
 
     explicit operator bool() const { return isInitialised; }
     const clap_plugin_t* Get() const { return plugin; }
@@ -144,39 +178,53 @@ public:
         return static_cast<const Extension*>(plugin->get_extension(plugin, id));
     }
 
-    bool Activate(double rate);
-    void Deactivate();
-    /// Calls on_main_thread() when the plug-in wants it.
-    void Idle();
     /// In 32 bits; null channels are passed on, null lists mean no port.
-    clap_process_status Process(const float* const* inputs,
-                                float* const* outputs,
-                                uint32_t channels,
-                                uint32_t frames,
-                                const InputEvents* in = nullptr,
-                                const OutputEvents* out = nullptr,
-                                const clap_event_transport_t* transport = nullptr);
-    void Reset();
+    clap_process_status Send(const float* const* inputs,
+                             float* const* outputs,
+                             uint32_t frames,
+                             const InputEvents* in = nullptr,
+                             const OutputEvents* out = nullptr,
+                             const clap_event_transport_t* transport = nullptr);
+    /// All of it in one block.
+    Audio Send(Audio audio, const InputEvents* in = nullptr);
     /// On the thread that the format wants for it.
     void Flush(const InputEvents* in, const OutputEvents* out);
     bool SelectConfig(clap_id id);
 
-    uint32_t GetLatency() const;
-    uint32_t CountParameters() const;
     clap_param_info_t Describe(uint32_t index) const;
     double GetValue(clap_id id) const;
 
-    /// `piece` is the most that one call of a stream gives or takes. Empty when saving fails.
-    std::vector<uint8_t> Save(uint64_t piece = UINT64_MAX) const;
-    bool Load(std::span<const uint8_t> bytes, uint64_t piece = UINT64_MAX);
+    bool Activate(double rate, uint32_t longestBlock = 65536) override;
+    void Deactivate() override;
+    /// The transport is of no account in the audio.
+    void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override;
+    void Reset() override;
+    uint32_t GetLatency() override;
+    std::optional<uint32_t> CountLatencyReports() override { return latencyReports; }
+    /// Calls on_main_thread() when the plug-in wants it.
+    void Idle() override;
+    uint32_t CountParameters() override;
+    void SetParameter(uint32_t index, float normalised) override;
+    std::optional<float> GetParameter(uint32_t index) override;
+    void LimitStreams(uint32_t bytes) override { streamLimit = bytes; }
+    std::vector<uint8_t> Save() override;
+    bool Load(std::span<const uint8_t> bytes) override;
+    std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) override
+    {
+        return Contract::MakeHeadedSession(chunk);
+    }
 
 private:
-    Host& host;
+    const Use use;
+    const std::shared_ptr<Host> host;
+    const uint32_t channels;
     const clap_plugin_t* const plugin;
     bool isInitialised = false;
+    AnyTransport transport; // of the audio thread
+    Contract::WaitingValues waiting;
+    uint32_t streamLimit = UINT32_MAX;
+    uint32_t latencyReports = 0;
+    bool isRestartDue = false;
 };
-
-/// A session of this plug-in that holds a state of the module.
-std::vector<uint8_t> MakeSession(std::span<const uint8_t> state, bool isBypassed = false);
 
 } // namespace ClapHost

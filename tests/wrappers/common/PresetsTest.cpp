@@ -4,44 +4,9 @@
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 #include "tests/wrappers/common/support/ModuleTest.h"
 
-#include <algorithm>
-#include <filesystem>
-
-using Wrapper::Preset;
 using Wrapper::PresetGroup;
 using Wrapper::Presets;
 using PresetsTest = ModuleTest;
-
-TEST_F(PresetsTest, WhatIsSavedIsListedAndBringsTheValuesBack)
-{
-    const auto instance = Create(PUFFGUARD_MODULE);
-    ASSERT_NE(instance, nullptr);
-    Presets presets(*instance);
-    instance->SetParameter(Wrapper::Side::UI, 0, 0.25F);
-    const auto saved = presets.Save("Mine", "my comment", Presets::Replace::Refuse);
-    ASSERT_TRUE(saved);
-    EXPECT_EQ(saved->problem, "");
-    EXPECT_TRUE(std::filesystem::exists(saved->path));
-
-    instance->SetParameter(Wrapper::Side::UI, 0, 1.0F);
-    const auto again = presets.Save("Mine", "another", Presets::Replace::Refuse);
-    ASSERT_TRUE(again);
-    EXPECT_NE(again->problem, "");
-
-    const auto list = presets.List();
-    ASSERT_TRUE(list);
-    const auto mine = std::find_if(
-        list->begin(), list->end(), [](const Preset& preset) { return preset.name == "Mine"; });
-    ASSERT_NE(mine, list->end());
-    EXPECT_EQ(mine->comment, "my comment");
-    EXPECT_EQ(mine->group, PresetGroup::User);
-    EXPECT_EQ(mine->path, saved->path);
-    EXPECT_EQ(list->front().group, PresetGroup::BuiltIn);
-
-    ASSERT_TRUE(instance->ApplyPreset("Mine"));
-    EXPECT_EQ(instance->GetParameter(Wrapper::Side::UI, 0), 0.25F);
-    EXPECT_TRUE(logged.empty());
-}
 
 TEST_F(PresetsTest, FaultsStandWithThePresetOrInTheLog)
 {

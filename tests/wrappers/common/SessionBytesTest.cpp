@@ -3,7 +3,7 @@
 
 #include "tests/wrappers/common/support/ModuleTest.h"
 
-#include <random>
+#include <algorithm>
 
 using Wrapper::Side;
 
@@ -56,15 +56,9 @@ TEST_F(SessionBytesTest, AHeadThatIsDamagedOrStandsBeforeNoiseChangesNothing)
         damaged[at] ^= 0x80U; // of the magic word, the version or the bypass
         EXPECT_FALSE(Wrapper::LoadSession(*instance, damaged)) << at;
     }
-    std::mt19937 engine(1);
-    for (int round = 0; round < 20; ++round) {
-        Bytes noise(1U << 16U);
-        for (uint8_t& byte : noise) {
-            byte = static_cast<uint8_t>(engine());
-        }
-        noise.insert(noise.begin(), other.begin(), other.begin() + 6);
-        EXPECT_FALSE(Wrapper::LoadSession(*instance, noise)) << round;
-    }
+    Bytes noise(1U << 16U, 0xA5);
+    std::copy_n(other.begin(), 6, noise.begin());
+    EXPECT_FALSE(Wrapper::LoadSession(*instance, noise));
     EXPECT_EQ(Save(), before);
     EXPECT_TRUE(Wrapper::LoadSession(*instance, other)) << "undamaged it is one";
     EXPECT_EQ(Save(), other);

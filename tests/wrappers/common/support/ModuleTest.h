@@ -11,30 +11,21 @@
 #include <string>
 #include <vector>
 
-/// Keeps what an instance tells.
-class RecordingListener final : public Wrapper::Listener {
+/// Keeps the latencies that an instance reports to the UI side.
+class LatencyListener final : public Wrapper::Listener {
 public:
     void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override
     {
-        Keep("latency " + std::to_string(static_cast<uint32_t>(side)) + " " +
-             std::to_string(samples));
+        if (side == Wrapper::Side::UI) {
+            latencies.push_back(samples);
+        }
     }
-    void OnGestureBegun(uint32_t index) noexcept override { Keep("begin", index); }
-    void OnParameterChanged(uint32_t index, float value) noexcept override
-    {
-        Keep("change " + std::to_string(value), index);
-    }
-    void OnGestureEnded(uint32_t index) noexcept override { Keep("end", index); }
-    void OnStateChanged() noexcept override { Keep("state"); }
+    void OnGestureBegun(uint32_t /*index*/) noexcept override {}
+    void OnParameterChanged(uint32_t /*index*/, float /*value*/) noexcept override {}
+    void OnGestureEnded(uint32_t /*index*/) noexcept override {}
+    void OnStateChanged() noexcept override {}
 
-    std::vector<std::string> heard;
-
-private:
-    void Keep(const std::string& text) { heard.push_back(text); }
-    void Keep(const std::string& text, uint32_t index)
-    {
-        heard.push_back(text + " of " + std::to_string(index));
-    }
+    std::vector<uint32_t> latencies;
 };
 
 /// Tests that load a module find no settings of the user, and may choose the module.
@@ -69,7 +60,7 @@ protected:
     }
 
     Support::UserFolders folders;
-    RecordingListener listener;
+    LatencyListener listener;
     std::vector<std::string> logged;
     Wrapper::LogFunction log = [this](const std::string& text) { logged.push_back(text); };
 };

@@ -3,7 +3,6 @@
 
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/ParamRecords.h"
-#include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/Realtime.h"
 #include "frameworks/qobase/util/Tick.h"
@@ -37,30 +36,21 @@ uint64_t StackTop()
 
 Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     : PluginCore(factory.GetDefinition(), setup)
-    , sampleRate(IsServableRate(setup.sampleRate) ? setup.sampleRate : FallbackSampleRate)
-    , channelConfig(IsServableLayout(setup.channelConfig) ? setup.channelConfig
-                                                          : FallbackChannelConfig)
+    , PluginElementHost({GetThreadController().GetProcessLock(),
+                         factory.GetDefinition().GetMaxBlockFrames(),
+                         GetFormat() == FormatDPMAudioSuite || GetFormat() == FormatAU})
     , constructStart(setup.traceAllocations ? StackTop() : 0)
     , settings(factory.GetDefinition(), IsOffline())
-    , blocks(factory.GetDefinition().GetMaxBlockFrames())
+    , format(StreamFormat{setup.sampleRate, setup.channelConfig}.WithFallbacks())
     , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
     , gestures(GetHostCallback(), editor, params)
-    , transform(factory.CreateTransform(*this, sampleRate, channelConfig))
+    , transform(factory.CreateTransform(*this, format.sampleRate, format.channelConfig))
     , params(*transform)
     , preferences(GetSet(), settings.GetProductFile().GetKeyPath(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
     , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
-    , presets({factory.GetDefinition(),
-               GetModulePath(),
-               settings.GetProductFile(),
-               !IsOffline(),
-               GetSet(),
-               state,
-               gestures,
-               [this] {
-                   latency.Check(DSP::Context::UI);
-                   history.onStateChanged();
-               }})
+    , presets(MakePresetSetup())
+    , timer(MakeTimerSetup())
 {
     latency.Attach(transform.get());
     // The host has no instance yet that it could be told about.
@@ -68,44 +58,60 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
     transform->PlanDryDelay();
     history.Adopt(factory.CreateHistory(*this));
-    if (const uint32_t period = GetDefinition().GetTimerPeriod()) {
-        timer = std::make_unique<Util::PeriodicTimer>(period, [this] { Tick(); });
-    }
+    timer.Start(GetDefinition().GetTimerPeriod());
     preferences.Load();
-    reconfiguring = false;
+    GetPhase().reconfiguring = false;
 }
 
 Plugin::~Plugin()
 {
-    suspended = true;
-    timer.reset();
+    GetPhase().suspended = true;
+    timer.Stop();
     history.FlushAtEnd(GetThreadController().GetUILock());
     latency.Attach(nullptr);
+}
+
+PresetMessages::Setup Plugin::MakePresetSetup()
+{
+    return {GetDefinition(),
+            GetModulePath(),
+            settings.GetProductFile(),
+            !IsOffline(),
+            GetSet(),
+            state,
+            gestures,
+            [this] {
+                latency.Check(DSP::Context::UI);
+                history.onStateChanged();
+            }};
+}
+
+IdleTimer::Setup Plugin::MakeTimerSetup()
+{
+    return {GetThreadController().GetUILock(),
+            GetHostCallback(),
+            GetPhase().initialized,
+            [this] { RunIdleWork(); },
+            [this](ParamEventRecord& event) {
+                ReadParam(params.GetAutomatable(event.index), DSP::Context::UI, event.value);
+            },
+            [this](DSP::Context context) { return latency.GetReported(context); }};
 }
 
 void Plugin::Initialize()
 {
     hostFacts.AskWindowHint(GetHostCallback());
-    initialized = true;
+    GetPhase().initialized = true;
 }
 
 void Plugin::Terminate()
 {
-    initialized = false;
+    GetPhase().initialized = false;
     if (IsInSignalPath()) {
         return; // the end of the instance writes what is left
     }
     const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
     history.Flush();
-}
-
-bool Plugin::MayChangeDSP() const
-{
-    if (blocks.IsCallerInside() || blocks.IsAudioThread()) {
-        return true;
-    }
-    const bool exempt = GetFormat() == FormatDPMAudioSuite || GetFormat() == FormatAU;
-    return exempt || !IsUIThread() || suspended || reconfiguring || !IsProcessing();
 }
 
 void Plugin::AttachEditor(Editor* newEditor)
@@ -117,6 +123,11 @@ void Plugin::AttachEditor(Editor* newEditor)
     history.onEditorAttached(editor.IsOpen());
 }
 
+void Plugin::GetAutomatableParamList(ParamInfoRecord* records) const
+{
+    params.ListAutomatable(records);
+}
+
 uint32_t Plugin::GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const
 {
     return ReadParam(params.GetAutomatable(record.index), context, record.value);
@@ -125,6 +136,11 @@ uint32_t Plugin::GetAutomatableParam(DSP::Context context, ParamValueRecord& rec
 uint32_t Plugin::SetAutomatableParam(DSP::Context context, const ParamValueRecord& record)
 {
     return SetParam(params.GetAutomatable(record.index), context, record.value);
+}
+
+void Plugin::GetElementParamList(ElementParamInfoRecord* records) const
+{
+    params.ListElementParams(records);
 }
 
 uint32_t Plugin::GetElementParam(DSP::Context context, ParamValueRecord& record) const
@@ -149,9 +165,9 @@ Plugin::SetParam(const std::optional<HostParams::Place>& place, DSP::Context con
         return SetNormalised(*place->param, value, context, DSP::SourceHost);
     };
     if (context == DSP::Context::Process) {
-        const BlockRunner::Inside inside(blocks);
+        const BlockRunner::Inside inside(GetBlocks());
         if (set()) {
-            processDirty = true;
+            MarkProcessDirty();
         }
     } else {
         // The process side may have moved on: the comparison is with what it has now.
@@ -167,7 +183,7 @@ Plugin::SetParam(const std::optional<HostParams::Place>& place, DSP::Context con
 
 bool Plugin::MayReport() const
 {
-    return !switching && !reconfiguring && !state.HasPending();
+    return !GetPhase().switching && !IsReconfiguring() && !state.HasPending();
 }
 
 void Plugin::ParamGrabbed(DSP::Element& element, const String& name)
@@ -185,6 +201,16 @@ void Plugin::ParamChanged(DSP::Element& element, const String& name)
     if (MayReport()) {
         gestures.Changed(element, name);
     }
+}
+
+bool Plugin::SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source)
+{
+    return state.SetChunk(chunk, version, source);
+}
+
+bool Plugin::CompareChunk(Util::ByteSpan chunk, bool& equal)
+{
+    return state.CompareChunk(chunk, equal);
 }
 
 bool Plugin::GetState(uint32_t size, void* buffer)
@@ -216,6 +242,11 @@ Util::Expected<void> Plugin::SaveHistory(const HistoryModel& model)
 void Plugin::LoadHistory(HistoryModel& model)
 {
     history.Load(*this, history.MakeFilePath(GetSessionUuid()), model);
+}
+
+bool Plugin::LoadTransformData(uint32_t size, const void* data)
+{
+    return transform->LoadData(size, data);
 }
 
 uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& record)
@@ -261,61 +292,12 @@ uint32_t Plugin::ElementCommand(ElementRecord& record)
     }
 }
 
-void Plugin::Tick()
-{
-    if (!initialized || !GetThreadController().GetUILock().TryEnter()) {
-        return;
-    }
-    std::vector<HostCallback::Notification> notifications;
-    std::exception_ptr failure;
-    {
-        const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
-        if (!initialized) {
-            return; // the lock came with the end of the instance's work
-        }
-        GetHostCallback().Hold();
-        try {
-            RunIdleWork();
-        } catch (...) {
-            failure = std::current_exception(); // the host still hears of what was done
-        }
-        notifications = GetHostCallback().TakeHeld();
-    }
-    // With the lock free again: the host may answer with calls of its own, on any thread.
-    for (HostCallback::Notification& notification : notifications) {
-        // What counts is what there is now: audio may have started meanwhile and changed a latency,
-        // the host may have set a parameter.
-        if (notification.opcode == HostOpcodeLatencyChanged) {
-            notification.latency = latency.GetReported(notification.context);
-        } else if (notification.opcode == HostOpcodeParamEvent) {
-            RefreshEvent(notification.event);
-        }
-        GetHostCallback().Send(notification);
-    }
-    if (failure) {
-        std::rethrow_exception(failure); // to the timer, which notes it
-    }
-}
-
-void Plugin::RefreshEvent(ParamEventRecord& event)
-{
-    // Whoever has the lock may be at the disk, and all instances share the timer.
-    if (!GetThreadController().GetUILock().TryEnter()) {
-        return;
-    }
-    const std::unique_lock guard(GetThreadController().GetUILock(), std::adopt_lock);
-    ParamValueRecord now{event.index, event.value};
-    if (GetAutomatableParam(DSP::Context::UI, now) == PluginCoreSuccess) {
-        event.value = now.value;
-    }
-}
-
 void Plugin::RunIdleWork()
 {
     if (editor.FinishFormat()) {
         state.LoadPending();
     }
-    if (processDirty.exchange(false)) {
+    if (GetPhase().processDirty.exchange(false)) {
         history.onStateChanged();
     }
     transform->GetSet().OnUIIdle();

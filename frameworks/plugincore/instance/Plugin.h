@@ -1,36 +1,32 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/instance/BlockRunner.h"
 #include "frameworks/plugincore/instance/EditorLink.h"
-#include "frameworks/plugincore/instance/ElementServices.h"
 #include "frameworks/plugincore/instance/GestureReport.h"
 #include "frameworks/plugincore/instance/HistoryKeeper.h"
 #include "frameworks/plugincore/instance/HostFacts.h"
 #include "frameworks/plugincore/instance/HostParams.h"
+#include "frameworks/plugincore/instance/IdleTimer.h"
 #include "frameworks/plugincore/instance/LatencyReport.h"
+#include "frameworks/plugincore/instance/PluginElementHost.h"
 #include "frameworks/plugincore/instance/PluginFactory.h"
 #include "frameworks/plugincore/instance/PluginSettings.h"
 #include "frameworks/plugincore/instance/Preferences.h"
 #include "frameworks/plugincore/instance/PresetMessages.h"
 #include "frameworks/plugincore/instance/StateKeeper.h"
+#include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
-#include "frameworks/qobase/util/Timer.h"
 
-#include <atomic>
 #include <memory>
 #include <optional>
-#include <thread>
-#include <utility>
-#include <vector>
 
-/// One instance: owns the signal path, keeps a latency for each side and tells the host when they
-/// change, and brings everything to a new stream format.
+/// One instance: joins the signal path and what belongs to it, each an object of its own, to what
+/// the entry, the elements and the history call.
 ///
 /// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
 /// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
-/// touch is atomic.
-class Plugin final : public PluginCore, public ElementServices, public Util::HistoryDelegate {
+/// touch is atomic; each part says what it is under.
+class Plugin final : public PluginCore, public PluginElementHost, public Util::HistoryDelegate {
 public:
     Plugin(const PluginFactory& factory, const PluginSetup& setup);
     ~Plugin() override;
@@ -40,37 +36,22 @@ public:
     void Terminate() override;
     uint64_t GetConstructStart() const override { return constructStart; }
     uint32_t GetAutomatableParamCount() const override { return params.GetAutomatableCount(); }
-    void GetAutomatableParamList(ParamInfoRecord* records) const override
-    {
-        params.ListAutomatable(records);
-    }
+    void GetAutomatableParamList(ParamInfoRecord* records) const override;
     uint32_t GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const override;
     uint32_t SetAutomatableParam(DSP::Context context, const ParamValueRecord& record) override;
     uint32_t GetElementParamCount() const override { return params.GetElementParamCount(); }
-    void GetElementParamList(ElementParamInfoRecord* records) const override
-    {
-        params.ListElementParams(records);
-    }
+    void GetElementParamList(ElementParamInfoRecord* records) const override;
     uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const override;
     uint32_t SetElementParam(DSP::Context context, const ParamValueRecord& record) override;
     uint32_t GetStateSize() override { return state.GetSize(); }
     bool GetChunk(std::span<uint8_t> chunk) override { return state.GetChunk(chunk); }
     bool GetCompareChunk(std::span<uint8_t> chunk) override { return state.GetCompareChunk(chunk); }
-    bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) override
-    {
-        return state.SetChunk(chunk, version, source);
-    }
-    bool CompareChunk(Util::ByteSpan chunk, bool& equal) override
-    {
-        return state.CompareChunk(chunk, equal);
-    }
+    bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) override;
+    bool CompareChunk(Util::ByteSpan chunk, bool& equal) override;
     void ClearDefaultState() override { state.ClearDefaultFlag(); }
     bool IsInSignalPath() const override;
     void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
-    uint32_t GetLatency(DSP::Context context) const override
-    {
-        return latency.GetWithHostDelay(context);
-    }
+    uint32_t GetLatency(DSP::Context context) const override;
     uint32_t ResetProcessing(DSP::Context context) override;
     void SetProcessingState(DSP::Context context, bool active, bool hold) override;
     void onSettle() override;
@@ -82,40 +63,15 @@ public:
     void TransformNotify(uint32_t value) override { transform->Notify(value); }
     void TransformReset() override;
     bool TransformRead(TransformReadRecord& record) override { return transform->Read(record); }
-    bool LoadTransformData(uint32_t size, const void* data) override
-    {
-        return transform->LoadData(size, data);
-    }
+    bool LoadTransformData(uint32_t size, const void* data) override;
     uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) override;
     uint32_t ElementCommand(ElementRecord& record) override;
     void SetHostTrackValue(uint64_t value) override { hostFacts.SetTrackValue(value); }
 
-    // DSP::ElementHost
-    bool IsProcessing() const override { return blocks.IsProcessing(); }
-    Util::CriticalSection& GetProcessLock() override
-    {
-        return GetThreadController().GetProcessLock();
-    }
-    bool IsPositionless() const override { return blocks.GetRenderFlagB(); }
-    bool GetRenderFlagA() const override { return blocks.GetRenderFlagA(); }
-    uint32_t GetMaxBlockFrames() const override { return blocks.GetMaxFrames(); }
-    void SetProcessBlockOffset(uint32_t frames) override { blocks.SetBlockOffset(frames); }
-    uint32_t GetProcessBlockOffset() const override { return blocks.GetBlockOffset(); }
+    // DSP::ElementHost, what PluginElementHost leaves
     uint64_t GetProcessPosition() const override;
-    std::optional<int64_t> GetTransportPosition() const override
-    {
-        return blocks.GetTransportPosition();
-    }
     void LatencyChanged(DSP::Context context) override { latency.onElementChanged(context); }
-    uint32_t GetProcessingSystemDelaySamples() const override
-    {
-        return latency.GetReported(DSP::Context::Process);
-    }
-    bool IsUIThread() const override { return !blocks.IsCallerInside(); }
-    bool MayChangeDSP() const override;
-    bool IsReconfiguring() const override { return reconfiguring; }
-    bool IsSuspended() const override { return suspended; }
-    void MarkProcessDirty() override { processDirty = true; }
+    uint32_t GetProcessingSystemDelaySamples() const override;
     void ParamGrabbed(DSP::Element& element, const String& name) override;
     void ParamReleased(DSP::Element& element, const String& name) override;
     void ParamChanged(DSP::Element& element, const String& name) override;
@@ -130,13 +86,10 @@ public:
     Util::Expected<void> SaveHistory(const HistoryModel& model) override;
     void LoadHistory(HistoryModel& model) override;
 
-    /// True once after the editor was told by StateChanged(); it isn't told again before. [ui]
+    /// True once after the editor was notified by StateChanged(), which comes again then. [ui]
     bool TakeStateChange() { return editor.TakeStateChange(); }
     /// Null when the product has no history. [ui]
     HistoryManager* GetHistory() const { return history.Get(); }
-
-    /// IsProcessing() without the present call: a block came in the last 2500 ms. [any]
-    bool RecentlyProcessed() const { return blocks.RecentlyProcessed(); }
 
     DSP::DSPSet& GetSet() const { return transform->GetSet(); }
     /// The user's settings for this product, also of an offline instance, which looks at them only
@@ -150,45 +103,29 @@ public:
     /// none. Under the UI lock. [ui]
     void AttachEditor(Editor* newEditor);
     Editor* GetEditor() const { return editor.Get(); }
-
-    /// What the user does goes through these. [ui]
+    /// For what the user does in one go. [ui]
     GestureReport& GetGestures() { return gestures; }
 
 private:
-    // Plugin.cpp
-    void Tick();
+    IdleTimer::Setup MakeTimerSetup();
+    PresetMessages::Setup MakePresetSetup();
     void RunIdleWork();
-    void RefreshEvent(ParamEventRecord& event);
-
     uint32_t
     SetParam(const std::optional<HostParams::Place>& place, DSP::Context context, float value);
     bool MayReport() const;
 
-    // PluginFormat.cpp
-    void Reconfigure(float newSampleRate, uint32_t newChannelConfig);
-    void TakeFormat(float newSampleRate, uint32_t newChannelConfig);
-    void FollowFormat(const Util::Bytes& saved);
-    void ReturnToFormat(float formerRate, uint32_t formerConfig, const Util::Bytes& saved) noexcept;
-
-    float sampleRate;       // Hz
-    uint32_t channelConfig; // layout code
     const uint64_t constructStart;
     HostFacts hostFacts;
     PluginSettings settings;
-    std::atomic<bool> reconfiguring{true}; // until construction is done, then during a new format
-    std::atomic<bool> initialized{false};
-    std::atomic<bool> suspended{false};
-    std::atomic<bool> switching{false};
-    std::atomic<bool> processDirty{false}; // the tick has to finish something
-    BlockRunner blocks;
+    StreamFormat format;
     LatencyReport latency;
     EditorLink editor;
     GestureReport gestures;
-    const std::unique_ptr<DSP::TransformBase> transform; // may call what stands above it
+    const std::unique_ptr<DSP::TransformBase> transform; // when made, may call what stands above it
     HostParams params;
     Preferences preferences;
     HistoryKeeper history;
     StateKeeper state;
     PresetMessages presets;
-    std::unique_ptr<Util::PeriodicTimer> timer; // last: its end waits for a running tick
+    IdleTimer timer;
 };

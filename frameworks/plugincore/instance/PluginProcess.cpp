@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The process calls of an instance, and what restarts its signal path without a new format.
+// The process calls of an instance, and what restarts its signal path.
+#include "frameworks/plugincore/instance/FormatChange.h"
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/qobase/util/ScopedFlag.h"
 
@@ -15,26 +16,26 @@ void Plugin::afterProcess()
 
 void Plugin::process(const ProcessRecord& record)
 {
-    const BlockRunner::Inside inside(blocks);
-    blocks.Run(*transform, record);
+    const BlockRunner::Inside inside(GetBlocks());
+    GetBlocks().Run(*transform, record);
     latency.Check(DSP::Context::Process);
 }
 
 void Plugin::ProcessSidePass(const SidePassRecord& record)
 {
-    const BlockRunner::Inside inside(blocks);
-    blocks.RunSidePass(*transform, record);
+    const BlockRunner::Inside inside(GetBlocks());
+    GetBlocks().RunSidePass(*transform, record);
 }
 
 uint64_t Plugin::GetProcessPosition() const
 {
-    return transform->GetSamplesProcessed() + blocks.GetBlockOffset();
+    return transform->GetSamplesProcessed() + GetBlocks().GetBlockOffset();
 }
 
 uint32_t Plugin::ResetProcessing(DSP::Context context)
 {
     {
-        const BlockRunner::Inside inside(blocks);
+        const BlockRunner::Inside inside(GetBlocks());
         BlockRunner::RunCommands(*transform);
     }
     // Also the dry lines, so that bypass and repair go on from the same silence.
@@ -46,13 +47,13 @@ uint32_t Plugin::ResetProcessing(DSP::Context context)
 
 void Plugin::TransformReset()
 {
-    const BlockRunner::Inside inside(blocks);
+    const BlockRunner::Inside inside(GetBlocks());
     transform->Reset();
 }
 
 void Plugin::onSettle()
 {
-    const BlockRunner::Inside inside(blocks);
+    const BlockRunner::Inside inside(GetBlocks());
     transform->Settle();
 }
 
@@ -63,11 +64,46 @@ void Plugin::SetProcessingState(DSP::Context context, bool active, bool hold)
             onSettle();
         } else {
             const Util::CriticalSectionGuard guard(GetThreadController().GetProcessLock());
-            const Util::ScopedFlag suspendedGuard(suspended);
+            const Util::ScopedFlag suspendedGuard(GetPhase().suspended);
             onSettle();
         }
     } else if (!active && !hold) {
-        blocks.ForgetBlocks();
+        GetBlocks().ForgetBlocks();
     }
     transform->ProcessingStateChanged(context, active);
+}
+
+uint32_t Plugin::GetLatency(DSP::Context context) const
+{
+    return latency.GetWithHostDelay(context);
+}
+
+uint32_t Plugin::GetProcessingSystemDelaySamples() const
+{
+    return latency.GetReported(DSP::Context::Process);
+}
+
+bool Plugin::IsInSignalPath() const
+{
+    return !IsUIThread() || latency.IsReportingThread();
+}
+
+void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
+{
+    const StreamFormat wanted{newSampleRate, newChannelConfig};
+    if (!wanted.IsServable() || wanted == format) {
+        return;
+    }
+    // A change within a change is ignored, and so is one that a host callback asks for while this
+    // thread is still inside the signal path that would be rebuilt.
+    if (IsReconfiguring() || IsInSignalPath()) {
+        return;
+    }
+    const Util::ScopedFlag reconfiguring(GetPhase().reconfiguring);
+    const Util::CriticalSectionGuard processGuard(GetThreadController().GetProcessLock());
+    const Util::CriticalSectionGuard uiGuard(GetThreadController().GetUILock());
+    const Util::ScopedFlag suspended(GetPhase().suspended);
+    const Util::ScopedFlag switching(GetPhase().switching);
+    GetBlocks().ForgetBlocks();
+    FormatChange({format, *transform, latency, params, preferences, editor, state}).Run(wanted);
 }

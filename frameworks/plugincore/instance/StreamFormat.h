@@ -3,13 +3,18 @@
 
 #include <cstdint>
 
-/// What an instance takes when it is created with a rate or layout that can't be served.
-inline constexpr float FallbackSampleRate = 44100.0F;
-inline constexpr uint32_t FallbackChannelConfig = 0; // the only layout that every host has room for
+/// Rate and layout of the audio that an instance works on. [any]
+struct StreamFormat {
+    float sampleRate;       ///< Hz
+    uint32_t channelConfig; ///< layout code
 
-/// Whether the elements can be built for a rate, in Hz. The bounds lie far outside of what audio
-/// has; they keep a nonsensical number from asking for all memory or for frames of no length.
-bool IsServableRate(float sampleRate) noexcept;
+    bool operator==(const StreamFormat&) const = default;
 
-/// Whether a layout code names at least one channel.
-bool IsServableLayout(uint32_t channelConfig) noexcept;
+    /// Whether the elements can be built for it. The bounds of the rate lie far outside of what
+    /// audio has; they keep a nonsensical number from asking for all memory or for frames of no
+    /// length. The layout has to name at least one channel.
+    bool IsServable() const noexcept;
+    /// What an instance takes that is created for this format: 44100 Hz in place of a rate that
+    /// can't be served, mono in place of such a layout.
+    StreamFormat WithFallbacks() const noexcept;
+};

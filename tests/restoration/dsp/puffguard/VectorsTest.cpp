@@ -85,32 +85,27 @@ Outcome RunElement(const Audio& input, const nlohmann::json& params)
     outcome.output.sampleRate = input.sampleRate;
     const std::size_t hop = element.GetHop();
     // What a hop has shown is known by the end of the next one.
-    const std::size_t total = input.GetFrames() + outcome.latency + hop;
-    std::vector<std::vector<float>> made(input.channels.size());
-    std::vector<std::vector<float>> block(made.size(), std::vector<float>(hop));
+    const std::size_t total = (input.GetFrames() + outcome.latency + 2 * hop - 1) / hop * hop;
+    Audio audio = input;
+    for (std::vector<float>& channel : audio.channels) {
+        channel.resize(total);
+    }
     uint32_t position = 0;
     for (std::size_t done = 0; done < total; done += hop) {
         std::vector<float*> pointers;
-        for (std::size_t channel = 0; channel < block.size(); ++channel) {
-            for (std::size_t i = 0; i < hop; ++i) {
-                const std::size_t at = done + i;
-                block[channel][i] = at < input.GetFrames() ? input.channels[channel][at] : 0.0F;
-            }
-            pointers.push_back(block[channel].data());
+        for (std::vector<float>& channel : audio.channels) {
+            pointers.push_back(channel.data() + done);
         }
         element.Process(static_cast<uint32_t>(hop), pointers.data());
         if (done > 0) {
             outcome.hops.push_back(element.GetLatest());
-        }
-        for (std::size_t channel = 0; channel < block.size(); ++channel) {
-            made[channel].insert(made[channel].end(), block[channel].begin(), block[channel].end());
         }
         DetectionRecord record;
         while (log.Read(position, {&record, 1}) > 0) {
             outcome.repairs.push_back(record);
         }
     }
-    for (const std::vector<float>& channel : made) {
+    for (const std::vector<float>& channel : audio.channels) {
         const auto start = channel.begin() + outcome.latency;
         outcome.output.channels.emplace_back(
             start, start + static_cast<std::ptrdiff_t>(input.GetFrames()));

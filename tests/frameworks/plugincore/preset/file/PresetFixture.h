@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/dsp/path/DSPSet.h"
 #include "frameworks/plugincore/preset/file/LmPresetFile.h"
 #include "frameworks/plugincore/preset/file/PresetDSPSetInterface.h"
+#include "tests/support/SavedElement.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestElementHost.h"
 
@@ -14,52 +15,7 @@
 
 namespace PresetTests {
 
-/// One parameter of each type that presets hold, one that they don't, and bytes.
-class TestElement final : public DSP::ElementDispatcher {
-public:
-    Util::Bytes extraBytes;
-
-    explicit TestElement(DSP::ElementHost& owner)
-        : ElementDispatcher({owner, "Puffguard", 48000.0F, 1})
-    {
-        RegisterFloatParam(0,
-                           {.name = "Amount",
-                            .range = {0.0F, 10.0F},
-                            .defaultValue = 5.0F,
-                            .target = &amountValue,
-                            .info = {.units = "dB"}});
-        RegisterEnumParam(
-            1, {{.name = "Mode", .range = {1, 3}, .defaultValue = 2, .target = &modeValue}, {}});
-        RegisterBoolParam(2, {.name = "On", .target = &isOnValue});
-        RegisterFloatParam(3,
-                           {.name = "Taste",
-                            .range = {0.0F, 1.0F},
-                            .target = &tasteValue,
-                            .info = {DSP::Persistence::Persistent, "", false}});
-        FinaliseParams();
-    }
-
-    bool HasExtraBytes() const override { return true; }
-    uint32_t GetExtraBytesCount() const override
-    {
-        return static_cast<uint32_t>(extraBytes.size());
-    }
-    void WriteExtraBytes(std::span<uint8_t> bytes) const override
-    {
-        std::copy(extraBytes.begin(), extraBytes.end(), bytes.begin());
-    }
-    void ReadExtraBytes(std::span<const uint8_t> bytes) override
-    {
-        extraBytes.assign(bytes.begin(), bytes.end());
-    }
-    void ClearExtraBytes() override { extraBytes.clear(); }
-
-private:
-    float amountValue = 0.0F;
-    uint32_t modeValue = 0;
-    bool isOnValue = false;
-    float tasteValue = 0.0F;
-};
+using TestElement = Support::SavedElement;
 
 /// Under another spelling than the element's own, and beside one that has nothing for presets.
 class TestSet final : public DSP::DSPSetImpl {

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/puffguard/pitch/FrameHistory.h"
 #include "tests/frameworks/plugincore/dsp/kernels/Levels.h"
+#include "tests/support/PlainTransform.h"
 #include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -27,54 +28,28 @@ struct Searched {
     int firstLag = 0;
 };
 
-/// Magnitudes of the windowed frame's transform of `size` samples, by the plain sums.
-std::vector<double> SumMagnitudes(const std::vector<double>& windowed,
-                                  const std::vector<double>& cosines)
-{
-    const std::size_t size = cosines.size();
-    std::vector<double> magnitudes;
-    for (std::size_t bin = 0; bin <= size / 2; ++bin) {
-        double re = 0;
-        double im = 0;
-        for (std::size_t i = 0; i < windowed.size(); ++i) {
-            re += windowed[i] * cosines[bin * i % size];
-            im += windowed[i] * cosines[(bin * i + size / 4) % size];
-        }
-        magnitudes.push_back(std::hypot(re, im));
-    }
-    return magnitudes;
-}
-
-/// The inverse transform of a spectrum that is real.
-double SumCosines(const std::vector<double>& values, const std::vector<double>& cosines, int lag)
-{
-    const std::size_t size = cosines.size();
-    const std::size_t last = values.size() - 1;
-    double sum = values[0] + (lag % 2 == 0 ? values[last] : -values[last]);
-    for (std::size_t j = 1; j < last; ++j) {
-        sum += 2 * values[j] * cosines[j * static_cast<std::size_t>(lag) % size];
-    }
-    return sum / static_cast<double>(size);
-}
-
 /// All that a frame goes through, in double precision.
 Searched Analyse(const std::vector<float>& frame, int fftSize, int maxLag)
 {
     const auto n = static_cast<double>(frame.size());
-    std::vector<double> windowed;
+    const auto size = static_cast<std::size_t>(fftSize);
+    Support::Spectrum windowed;
     for (const float sample : frame) {
         const double position = static_cast<double>(windowed.size()) + 0.5;
-        windowed.push_back(static_cast<double>(sample) * (1 - std::cos(2 * pi * position / n)));
+        windowed.emplace_back(static_cast<double>(sample) * (1 - std::cos(2 * pi * position / n)));
     }
-    std::vector<double> cosines;
-    for (int i = 0; i < fftSize; ++i) {
-        cosines.push_back(std::cos(2 * pi * i / fftSize));
-    }
-    const std::vector<double> magnitudes = SumMagnitudes(windowed, cosines);
+    windowed.resize(size);
+    Support::Spectrum magnitudes = Support::TransformInDouble(windowed);
+    std::transform(magnitudes.begin(), magnitudes.end(), magnitudes.begin(), [](auto bin) {
+        return std::abs(bin);
+    });
+    // Real and even, so that forward and back are the same but for the factor.
+    const Support::Spectrum back = Support::TransformInDouble(magnitudes);
     std::vector<double> r;
     for (int lag = 0; lag <= maxLag; ++lag) {
         const double compensation = (1 - std::cos(lag * 0.5 * pi / n)) * 4 + 1;
-        r.push_back(std::max(SumCosines(magnitudes, cosines, lag) * compensation, 0.0));
+        const double sum = back[static_cast<std::size_t>(lag)].real() / fftSize;
+        r.push_back(std::max(sum * compensation, 0.0));
     }
     const auto at = [&](int lag) -> double& { return r[static_cast<std::size_t>(lag)]; };
     int end = 0;

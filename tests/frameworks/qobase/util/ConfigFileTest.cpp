@@ -181,6 +181,24 @@ TEST_F(ConfigFileTest, ReadsSeeAFileThatSomebodyEdited)
     }
 }
 
+// A clock of coarse steps gives two changes one time: a file that is hardly older than the reading
+// is read again. Whoever is kept waiting for too long in between tries once more.
+TEST_F(ConfigFileTest, ReadsSeeASecondChangeWithinAStepOfTheClock)
+{
+    using Clock = fs::file_time_type::clock;
+    const ConfigFile config(ProductKey);
+    for (auto time = Clock::now() - 1h; Clock::now() - time > 50ms;) {
+        time = Clock::now();
+        Spill(ProductFile(), R"({"x":{"Type":"Int","Value":1}})");
+        fs::last_write_time(ProductFile(), time);
+        EXPECT_EQ(config.ReadInt("x", 0), 1);
+    }
+    const auto time = fs::last_write_time(ProductFile());
+    Spill(ProductFile(), R"({"x":{"Type":"Int","Value":2}})");
+    fs::last_write_time(ProductFile(), time);
+    EXPECT_EQ(config.ReadInt("x", 0), 2);
+}
+
 TEST_F(ConfigFileTest, ChildKeysAreListedAndDeletedWithEverythingBelow)
 {
     ConfigFile config(ProductKey);

@@ -88,7 +88,11 @@ TEST(ConfigProcesses, OneThatHangsWithTheLockHangsNoOther)
     close(ready[0]);
     close(ready[1]);
     ASSERT_EQ(mark, 'y');
+    const auto start = std::chrono::steady_clock::now();
     config.WriteInt("x", 2);
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::seconds(1)) << "the other one may be about to finish";
+    EXPECT_LT(waited, std::chrono::seconds(10)) << "a second, on a machine that is busy";
     EXPECT_EQ(config.ReadInt("x", 0), 1) << "dropped, and reading needs no lock";
     holder.Kill();
     config.WriteInt("x", 3);

@@ -20,6 +20,8 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -32,6 +34,9 @@ namespace fs = std::filesystem;
 using Util::File;
 
 constexpr unsigned childSeconds = 60; // a child that hangs ends itself
+
+std::function<void(int)> onFlush; // sees each call of fsync()
+int flushError = 0;               // that it fails with
 
 Util::Bytes BytesOf(std::string_view text)
 {
@@ -187,6 +192,31 @@ TEST(ReadWholeFile, ReadsAPipeToItsEndOrToTheLimit)
             EXPECT_EQ(*bytes, BytesOf(sent));
         }
     }
+}
+
+TEST(WholeFile, IsOnTheDiskBeforeItHasItsNameAndTheFolderAfterwards)
+{
+    const Support::TemporaryFolder folder;
+    const std::string path = folder / "file";
+    std::vector<std::pair<bool, std::string>> flushes; // of a folder; what the name led to by then
+    onFlush = [&](int descriptor) {
+        struct stat status {};
+        fstat(descriptor, &status);
+        flushes.emplace_back(S_ISDIR(status.st_mode), Contents(path));
+    };
+    const auto made = Util::CreateWholeFile(path, BytesOf("first"));
+    const auto replaced = Util::ReplaceWholeFile(path, BytesOf("second"));
+    onFlush = nullptr;
+    ASSERT_TRUE(made && *made && replaced);
+    const decltype(flushes) expected{
+        {false, ""}, {true, "first"}, {false, "first"}, {true, "second"}};
+    EXPECT_EQ(flushes, expected);
+
+    flushError = EIO;
+    EXPECT_EQ(TextOf(Util::ReplaceWholeFile(path, BytesOf("third"))), "Flush failed");
+    flushError = 0;
+    EXPECT_EQ(Contents(path), "second");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"file"});
 }
 
 TEST(ReplaceWholeFile, KeepsPermissionsAndFollowsLinks)
@@ -379,3 +409,12 @@ TEST(CreateWholeFile, IsDoneByOneOfMany)
 }
 
 } // namespace
+
+// This program's comes before that of the C library.
+extern "C" int fsync(int descriptor)
+{
+    if (onFlush)
+        onFlush(descriptor);
+    errno = flushError;
+    return flushError != 0 ? -1 : static_cast<int>(syscall(SYS_fsync, descriptor));
+}

@@ -277,6 +277,23 @@ TEST_F(PresetFile, SaysWhatIsWrongAndKeepsItsSnapshot)
     }
 }
 
+// What one file switches off isn't looked at in the next, until the snapshot is taken anew.
+TEST_F(PresetFile, ReadsTheCategoriesThatTheSnapshotEnables)
+{
+    const std::string nine = Replaced(DefaultFile, "Amount\" Value=\"5\"", "Amount\" Value=\"9\"");
+    const std::string off = Replaced(nine, "<Puffguard Enabled=\"1\"", "<Puffguard Enabled=\"0\"");
+    const std::string none =
+        Replaced(Replaced(DefaultFile, "<Puffguard", "<Puffgard"), "</Puffguard", "</Puffgard");
+    file.TakeSnapshotFromDSP();
+    ASSERT_TRUE(file.Load(Write("off.xml", off)));
+    EXPECT_TRUE(file.Load(Write("default.xml", DefaultFile)));
+    EXPECT_TRUE(file.Load(Write("none.xml", none)));
+    ASSERT_TRUE(dsp.Apply(file.GetSnapshot()));
+    EXPECT_EQ(Amount(), 9.0F);
+    LoadAndApply(folder / "default.xml");
+    EXPECT_EQ(Amount(), 5.0F);
+}
+
 TEST_F(PresetFile, IsRefusedWhereverItIsCutOff)
 {
     const std::string text = DefaultFile.substr(0, DefaultFile.size() - 1); // without the line end

@@ -241,6 +241,7 @@ TEST_F(Manager, AppliesAPresetAndRemembersItAndWhetherItIsShown)
     ASSERT_EQ(Text(manager->Apply(Find("nine"))), "");
     EXPECT_EQ(Amount(), 9.0F);
     EXPECT_EQ(manager->GetLastActive(), "nine");
+    EXPECT_EQ(settings.ReadString("PresetLastActive", ""), "nine");
     EXPECT_EQ(loaded, std::vector<std::string>{"nine"});
     EXPECT_EQ(metadata.GetType(), "LM6Pfgd");
 
@@ -366,6 +367,7 @@ TEST_F(Manager, ImportsUnderAFreeName)
     EXPECT_EQ(Read(folder / "user/voice 2.xml"), Read(source));
     EXPECT_TRUE(manager->Find("voice 2"));
     EXPECT_EQ(manager->GetImportFolder(), folder / "from");
+    EXPECT_EQ(settings.ReadString("PluginPresets/LastFolder", ""), folder / "from");
     EXPECT_EQ(Amount(), 5.0F); // it is chosen by the user, not by its coming
 }
 

@@ -48,18 +48,18 @@ public:
 
     void Process(const float* const* inputs, float* const* outputs, uint32_t frames) override
     {
-        // The entry works in place, so that inputs are read before anything is written.
-        TestHost::Audio block(channels, std::vector<float>(frames));
+        // The entry works in place: what isn't in place is copied before anything is written.
+        TestHost::Audio copies(channels, std::vector<float>(frames));
         float* pointers[PLUGIN_CORE_MAX_CHANNELS] = {};
         for (uint32_t c = 0; c < channels && outputs != nullptr; ++c) {
-            pointers[c] = inputs[c] != nullptr || outputs[c] != nullptr ? block[c].data() : nullptr;
-            if (inputs[c] != nullptr) {
+            pointers[c] = inputs[c] == outputs[c] ? outputs[c] : copies[c].data();
+            if (inputs[c] != outputs[c] && inputs[c] != nullptr) {
                 std::copy_n(inputs[c], frames, pointers[c]);
             }
         }
         Send(pointers, frames);
         for (uint32_t c = 0; c < channels && outputs != nullptr; ++c) {
-            if (outputs[c] != nullptr) {
+            if (outputs[c] != nullptr && outputs[c] != pointers[c]) {
                 std::copy_n(pointers[c], frames, outputs[c]);
             }
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What goes into a session and comes back, and what the plug-in reports to its host->
+// What goes into a session and comes back, and what the plug-in reports to its host.
 #include "tests/contract/support/Takes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/wrappers/vst3/support/Vst3Host.h"

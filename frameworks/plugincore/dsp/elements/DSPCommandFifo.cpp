@@ -21,6 +21,7 @@ bool DSPCommandFifo::Push(DSPCommand* command)
         // Pairs with the exchange in Pop(): that slot has been read before it is written again.
         if (next != readIndex.load(std::memory_order_acquire)) {
             slots[write] = command;
+            unread.fetch_add(1, std::memory_order_relaxed);
             writeIndex.store(next, std::memory_order_release);
             return true;
         }
@@ -51,6 +52,13 @@ void DSPCommandFifo::Grow()
 
 DSPCommand* DSPCommandFifo::Pop()
 {
+    // Decides only whether to look; what there is, the indices say. The count rises before the
+    // index does and falls after it, so that no command is missed whose push has returned before,
+    // in the order that any lock or atomic sets up between the two threads; one that is just being
+    // pushed waits for the next look.
+    if (unread.load(std::memory_order_relaxed) == 0) {
+        return nullptr;
+    }
     const Util::CriticalSectionGuard guard(readLock);
     const uint32_t read = readIndex.load(std::memory_order_relaxed);
     // Pairs with the store in Push(): the slot's pointer is seen with the index.
@@ -60,6 +68,7 @@ DSPCommand* DSPCommandFifo::Pop()
     DSPCommand* command = slots[read];
     const auto size = static_cast<uint32_t>(slots.size());
     readIndex.store(read + 1 == size ? 0 : read + 1, std::memory_order_release);
+    unread.fetch_sub(1, std::memory_order_relaxed);
     return command;
 }
 

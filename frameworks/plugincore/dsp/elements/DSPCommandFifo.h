@@ -13,7 +13,8 @@ namespace DSP {
 /// Bounded ring of command pointers between the two sides of an element; owns nothing.
 ///
 /// A push and a pop may run at once. The locks serialise writers against writers and readers
-/// against readers; a writer that has to grow the ring holds both for the time of one copy.
+/// against readers; a writer that has to grow the ring holds both for the time of one copy. That
+/// the ring is empty is seen without a lock.
 class DSPCommandFifo {
 public:
     enum class Growing { No, Yes };
@@ -24,7 +25,7 @@ public:
     /// False when the ring is full and may not grow. [process, locks] when it doesn't grow
     bool Push(DSPCommand* command);
 
-    /// Null when the ring is empty. [process, locks]
+    /// Null when the ring is empty. [process, locks] when it isn't
     DSPCommand* Pop();
 
     uint32_t GetCapacity() const noexcept { return static_cast<uint32_t>(slots.size()); }
@@ -38,6 +39,7 @@ private:
     std::vector<DSPCommand*> slots;
     std::atomic<uint32_t> readIndex{0}; // equal indices mean empty
     std::atomic<uint32_t> writeIndex{0};
+    std::atomic<uint32_t> unread{0}; // at least as many as there are between the indices
 };
 
 } // namespace DSP

@@ -85,14 +85,11 @@ void MemoryPool::Free(void* block, std::size_t bytes)
     }
 }
 
-std::size_t MemoryPool::GetMark()
-{
-    const Util::CriticalSectionGuard guard(lock);
-    return used;
-}
-
 void MemoryPool::SetMark(std::size_t mark)
 {
+    if (GetMark() == mark) {
+        return;
+    }
     const Util::CriticalSectionGuard guard(lock);
     used = used > size ? 0 : mark;
 }

@@ -3,13 +3,15 @@
 
 #include "frameworks/qobase/util/CriticalSection.h"
 
+#include <atomic>
 #include <cstddef>
 #include <vector>
 
 namespace DSP {
 
 /// Memory released in stack order: taking from it moves one mark. What doesn't fit comes from the
-/// heap. Takes its lock for each operation. [process, locks] but for Reserve().
+/// heap. Takes its lock for each operation that changes something. [process, locks] but for
+/// Reserve().
 class MemoryPool {
 public:
     explicit MemoryPool(const String& name);
@@ -24,7 +26,9 @@ public:
     /// Gives back a block of the same size as it was taken.
     void Free(void* block, std::size_t bytes);
 
-    std::size_t GetMark();
+    /// Bytes in use. [process]
+    std::size_t GetMark() const noexcept { return used.load(std::memory_order_relaxed); }
+    /// Frees what was taken since the mark; without the lock when that is nothing.
     void SetMark(std::size_t mark);
 
 private:
@@ -34,7 +38,9 @@ private:
     Util::CriticalSection lock;
     std::vector<std::max_align_t> memory;
     std::size_t size = 0; // bytes
-    std::size_t used = 0; // bytes
+    // Bytes. Written under the lock. A mark is read without: it is of use only to who takes from
+    // the pool alone between the two calls, and that one sees its own writes.
+    std::atomic<std::size_t> used{0};
 };
 
 } // namespace DSP

@@ -20,8 +20,6 @@
 // care about cuts.
 #include "restoration/dsp/puffguard/PuffGuard.h"
 
-#include "restoration/dsp/puffguard/VectorOps.h"
-
 #include <algorithm>
 
 namespace DSP::Shared {
@@ -100,7 +98,7 @@ void PuffGuard::OnFrameArriving(uint32_t arrived, float* const* channels)
 /// In samples of the hop.
 uint32_t PuffGuard::GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING
 {
-    return static_cast<uint32_t>(uint64_t{index} * hopSize / StepCount);
+    return static_cast<uint32_t>(uint64_t{index} * sizes.hopSize / StepCount);
 }
 
 void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
@@ -108,20 +106,11 @@ void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
     OnFrameArriving(frames, channels);
     pitchDetect.EndBlock();
     filterbank.take(channels);
-    GiveOut(channels);
-    controls = {sensitivity, strength, frequencyLimit};
+    output.GiveOut(filterbank, channels);
+    controls = values.controls;
     log.CountHop();
     hasFrame = true;
     step = 0;
-}
-
-/// A hop over the one that has come in.
-void PuffGuard::GiveOut(float* const* channels) noexcept UTIL_NONBLOCKING
-{
-    for (std::size_t channel = 0; channel < delays.size(); ++channel) {
-        delays[channel].Process(channels[channel], channels[channel], hopSize);
-    }
-    filterbank.giveOnto(channels);
 }
 
 void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* channels)
@@ -135,14 +124,15 @@ void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* chan
 /// The present step's part of the work on the hop completed last.
 void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
 {
-    const uint32_t channels = GetChannelCount();
+    const uint32_t channels = sizes.channels;
     const Schedule& schedule = GetSchedule(channels);
     const uint32_t end = schedule.transforms.GetDone(step + 1, channels);
     for (uint32_t channel = schedule.transforms.GetDone(step, channels); channel < end; ++channel) {
-        Transform(channel);
+        analysis.Transform(filterbank, channel);
     }
     if (step == schedule.detection) {
-        Detect();
+        analysis.Detect();
+        log.AddEnergy(waiting.GetEnergy(waiting.GetOpenSlot()));
     }
     if (step >= FirstTrackerStep && step < SearchStep) {
         pitchDetect.Advance(1);
@@ -152,60 +142,27 @@ void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
     }
 }
 
-void PuffGuard::Transform(uint32_t channel) noexcept UTIL_NONBLOCKING
-{
-    float* const largest = powerRing[powerSlot].GetChannel(0);
-    float* const power = channel == 0 ? largest : channelPower.data();
-    filterbank.transform(static_cast<int32_t>(channel),
-                         static_cast<int32_t>(spectrumRing.GetBinCount()),
-                         spectrumRing.GetSpectrum(spectrumSlot, channel),
-                         power);
-    if (channel == 0) {
-        spectrumRing.Renew(spectrumSlot);
-    } else {
-        VectorOps::MaximumInPlace(power, largest, binCount);
-    }
-}
-
-void PuffGuard::Detect() noexcept UTIL_NONBLOCKING
-{
-    const float* const power = powerRing[powerSlot].GetChannel(0);
-    noiseDetector.process(power, noiseFloor.data());
-    log.AddEnergy(GetFrameEnergy(spectrumSlot));
-    detection = DetectFrame(power, noiseFloor.data(), bands);
-    detectionHistory.append(&detection.value, 1, 0);
-}
-
 void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
 {
+    const FrameDetection& detection = analysis.GetDetection();
     const float pitch = pitchDetect.GetBlockPitch();
-    pitchHistory.append(&pitch, 1, 0);
+    waiting.AppendPitch(pitch);
     latest = {detection.value, GetDetectionThreshold(detection.noise, controls.sensitivity), pitch};
-
-    SearchPlosive(detection.noise);
-
-    detectionHistory.consume(1);
-    pitchHistory.consume(1);
-    spectrumSlot = (spectrumSlot + 1) % historyLength;
-    powerSlot = (powerSlot + 1) % historyLength;
+    repair.Run(controls, detection.noise);
+    waiting.Advance();
 }
 
 /// The present step's part of what the hop that is coming in gives out.
 void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
 {
     const uint32_t slot = GetLeavingSlot();
-    const uint32_t changedBins = spectrumRing.GetChangedBins(slot);
-    if (changedBins == 0) {
+    if (waiting.GetSpectra().GetChangedBins(slot) == 0) {
         return;
     }
-    const uint32_t channels = GetChannelCount();
-    const Steps& steps = GetSchedule(channels).synthesis;
-    const uint32_t end = steps.GetDone(step + 1, channels);
-    for (uint32_t channel = steps.GetDone(step, channels); channel < end; ++channel) {
-        if (spectrumRing.GetChange(slot, channel, change.data())) {
-            filterbank.add(
-                static_cast<int32_t>(channel), static_cast<int32_t>(changedBins), change.data());
-        }
+    const Steps& steps = GetSchedule(sizes.channels).synthesis;
+    const uint32_t end = steps.GetDone(step + 1, sizes.channels);
+    for (uint32_t channel = steps.GetDone(step, sizes.channels); channel < end; ++channel) {
+        output.Add(filterbank, waiting.GetSpectra(), slot, channel);
     }
 }
 
@@ -214,7 +171,7 @@ void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
 uint32_t PuffGuard::GetLeavingSlot() const noexcept UTIL_NONBLOCKING
 {
     const bool isNewestOpen = hasFrame && step < SearchStep;
-    return (spectrumSlot + (isNewestOpen ? 2 : 1)) % historyLength;
+    return waiting.GetOpenSlot(isNewestOpen ? 2 : 1);
 }
 
 } // namespace DSP::Shared

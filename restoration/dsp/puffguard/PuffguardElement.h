@@ -7,7 +7,8 @@
 
 #include <memory>
 
-// The file's name is not that of the class alone, which differs from PuffGuard's by case only.
+// The file is called after the element, since the class's name differs from that of the repair,
+// Shared::PuffGuard in PuffGuard.h, by case only.
 namespace DSP::Puffguard {
 
 /// The element that the user's controls live on. It owns the repair and forwards everything to it;

@@ -24,6 +24,8 @@ target_include_directories(project_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_link_libraries(project_options INTERFACE Threads::Threads)
 target_compile_options(project_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wdouble-promotion -Wshadow -Wold-style-cast>
+    # Fields and functions name the lock that guards them: util's ThreadAnnotations.h.
+    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety>
     # Products and sums stay two operations everywhere: the same audio on every processor.
     -ffp-contract=off
     # Lets the compiler use the square root instruction; no result changes, errno isn't read.

@@ -13,11 +13,11 @@
 
 // The C library's own names of its heap functions, for the stand-ins to call on.
 extern "C" {
-void* __libc_malloc(std::size_t size);                      // NOLINT
-void* __libc_calloc(std::size_t count, std::size_t size);   // NOLINT
-void* __libc_realloc(void* memory, std::size_t size);       // NOLINT
-void* __libc_memalign(std::size_t align, std::size_t size); // NOLINT
-void __libc_free(void* memory);                             // NOLINT
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t align, std::size_t size);
+void __libc_free(void* memory);
 }
 
 namespace {

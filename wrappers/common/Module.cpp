@@ -76,7 +76,8 @@ std::string Enumerate(const std::vector<std::string>& names)
 
 std::filesystem::path FindModule(const Module::Folders& folders)
 {
-    const char* chosen = std::getenv("PUFFGUARD_MODULE"); // NOLINT(concurrency-mt-unsafe)
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment is never changed
+    const char* chosen = std::getenv("PUFFGUARD_MODULE");
     if (chosen != nullptr && *chosen != '\0') {
         return chosen;
     }

@@ -6,10 +6,10 @@
 extern "C" {
 
 // The sanitizer's own names: its switches, and what it puts in place of the library's functions.
-void __rtsan_disable();                                      // NOLINT(bugprone-reserved-identifier)
-void __rtsan_enable();                                       // NOLINT(bugprone-reserved-identifier)
-int __interceptor_pthread_mutex_lock(pthread_mutex_t* lock); // NOLINT(bugprone-reserved-identifier)
-int __interceptor_pthread_mutex_unlock(pthread_mutex_t*);    // NOLINT(bugprone-reserved-identifier)
+void __rtsan_disable();
+void __rtsan_enable();
+int __interceptor_pthread_mutex_lock(pthread_mutex_t* lock);
+int __interceptor_pthread_mutex_unlock(pthread_mutex_t*);
 
 } // extern "C"
 

@@ -22,8 +22,9 @@ void RunStateCommand(TestHost::Instance& instance, int32_t op, std::vector<uint8
     record.size = static_cast<uint32_t>(chunk.size());
     record.buffer = chunk.data();
     TestHost::Call(SelectorStateCommand, TestHost::UI, instance.Get(), &record);
-    if (op == StateOpGetSize)
+    if (op == StateOpGetSize) {
         chunk.resize(record.size);
+    }
 }
 
 /// Microseconds of one call of `work`.
@@ -33,8 +34,9 @@ double MeasureCall(Work&& work)
     std::vector<double> seconds;
     for (int round = 0; round < Rounds; ++round) {
         seconds.push_back(TimeComputing([&] {
-            for (int call = 0; call < CallsPerRound; ++call)
+            for (int call = 0; call < CallsPerRound; ++call) {
                 work(call);
+            }
         }));
     }
     return Median(seconds) / CallsPerRound * 1e6;
@@ -55,8 +57,9 @@ void PrintStateTimes()
     std::vector<uint8_t> chunks[2];
     for (int i = 0; i < 2; ++i) {
         for (const uint32_t index :
-             {TestHost::Sensitivity, TestHost::Strength, TestHost::UpperFrequency})
+             {TestHost::Sensitivity, TestHost::Strength, TestHost::UpperFrequency}) {
             instance.Set(index, 0.25F + 0.5F * static_cast<float>(i));
+        }
         RunStateCommand(instance, StateOpGetSize, chunks[i]);
         RunStateCommand(instance, StateOpGetChunk, chunks[i]);
     }

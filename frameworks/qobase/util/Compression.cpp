@@ -22,8 +22,9 @@ public:
     Inflater& operator=(const Inflater&) = delete;
     ~Inflater()
     {
-        if (open)
+        if (open) {
             inflateEnd(&stream);
+        }
     }
 
     bool IsOpen() const { return open; }
@@ -40,8 +41,9 @@ Bytes Deflate(ByteSpan bytes)
 {
     uLongf size = compressBound(bytes.size());
     Bytes result(size);
-    if (compress(result.data(), &size, bytes.data(), bytes.size()) != Z_OK)
+    if (compress(result.data(), &size, bytes.data(), bytes.size()) != Z_OK) {
         return {};
+    }
     result.resize(size);
     return result;
 }
@@ -50,8 +52,9 @@ std::optional<Bytes> Inflate(ByteSpan bytes, uint64_t maxBytes)
 {
     constexpr std::size_t MostAtOnce = std::size_t{1} << 30; // the library counts in 32 bits
     Inflater inflater;
-    if (!inflater.IsOpen())
+    if (!inflater.IsOpen()) {
         return std::nullopt;
+    }
     z_stream& stream = inflater.Stream();
 
     Bytes result;
@@ -68,11 +71,13 @@ std::optional<Bytes> Inflate(ByteSpan bytes, uint64_t maxBytes)
         stream.avail_out = static_cast<uInt>(piece.size());
         status = inflate(&stream, Z_NO_FLUSH);
         // No progress means that the stream ends before its end mark.
-        if (status != Z_OK && status != Z_STREAM_END)
+        if (status != Z_OK && status != Z_STREAM_END) {
             return std::nullopt;
+        }
         const std::size_t count = piece.size() - stream.avail_out;
-        if (count > maxBytes - result.size())
+        if (count > maxBytes - result.size()) {
             return std::nullopt;
+        }
         result.insert(result.end(), piece.data(), piece.data() + count);
     }
     return result;

@@ -32,8 +32,9 @@ String CleanPart(const String& part)
     std::string name = part.ToStdString();
     for (char& character : name) {
         if (static_cast<unsigned char>(character) < ' ' ||
-            Forbidden.find(character) != std::string_view::npos)
+            Forbidden.find(character) != std::string_view::npos) {
             character = '_';
+        }
     }
     // Covers "." and ".." as well.
     name.erase(name.find_last_not_of(". ") + 1);
@@ -45,17 +46,21 @@ String FileOf(const String& keyPath)
 {
     std::vector<String> names;
     for (const String& part : keyPath.Split('\\')) {
-        if (const String name = CleanPart(part); !name.IsEmpty())
+        if (const String name = CleanPart(part); !name.IsEmpty()) {
             names.push_back(name);
+        }
     }
     // The head of every path where settings are kept in a registry; means nothing here.
-    if (!names.empty() && names.front() == "SOFTWARE")
+    if (!names.empty() && names.front() == "SOFTWARE") {
         names.erase(names.begin());
-    if (names.empty())
+    }
+    if (names.empty()) {
         return {};
+    }
     String path = Path::GetConfigurationFolder();
-    for (const String& name : names)
+    for (const String& name : names) {
         path = Path::Join(path, name);
+    }
     return path + ".json";
 }
 
@@ -75,8 +80,9 @@ std::optional<Kind> Get(const Dictionary& values, const String& name)
 /// Both number types are one kind of 32 bits.
 std::optional<uint32_t> GetNumber(const Dictionary& values, const String& name)
 {
-    if (const auto number = Get<int32_t>(values, name))
+    if (const auto number = Get<int32_t>(values, name)) {
         return static_cast<uint32_t>(*number);
+    }
     return Get<uint32_t>(values, name);
 }
 
@@ -105,8 +111,9 @@ void ConfigFile::GetValueNames(std::set<String>& names, const String& subPath) c
 {
     names = GetStore(subPath)->Read([](const Dictionary& values) {
         std::set<String> found;
-        for (const auto& [name, value] : values)
+        for (const auto& [name, value] : values) {
             found.insert(name);
+        }
         return found;
     });
 }
@@ -115,17 +122,20 @@ void ConfigFile::GetSubKeys(std::set<String>& names, const String& subPath) cons
 {
     names.clear();
     const String folder = GetStore(subPath)->GetChildFolder();
-    if (folder.IsEmpty())
+    if (folder.IsEmpty()) {
         return;
-    for (const String& path : Path::ListFiles(folder, ".json"))
+    }
+    for (const String& path : Path::ListFiles(folder, ".json")) {
         names.insert(Path::GetStem(path));
+    }
     // A key may have nothing but children.
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder.ToStdString(), error), end;
          !error && entry != end;
          entry.increment(error)) {
-        if (std::error_code ignored; entry->is_directory(ignored))
+        if (std::error_code ignored; entry->is_directory(ignored)) {
             names.insert(String(entry->path().filename().string()));
+        }
     }
 }
 
@@ -143,11 +153,13 @@ void ConfigFile::WriteString(const String& name, const String& text)
 float ConfigFile::ReadFloat(const String& name, float defaultValue) const
 {
     const auto bytes = store->Read([&](const auto& values) { return Get<Bytes>(values, name); });
-    if (!bytes || bytes->size() != sizeof(float))
+    if (!bytes || bytes->size() != sizeof(float)) {
         return defaultValue;
+    }
     uint32_t bits = 0;
-    for (std::size_t i = 0; i < sizeof(float); ++i)
+    for (std::size_t i = 0; i < sizeof(float); ++i) {
         bits |= uint32_t{(*bytes)[i]} << 8 * i;
+    }
     return std::bit_cast<float>(bits);
 }
 
@@ -155,8 +167,9 @@ void ConfigFile::WriteFloat(const String& name, float value)
 {
     const auto bits = std::bit_cast<uint32_t>(value);
     Bytes bytes;
-    for (std::size_t i = 0; i < sizeof(float); ++i)
+    for (std::size_t i = 0; i < sizeof(float); ++i) {
         bytes.push_back(static_cast<uint8_t>(bits >> 8 * i)); // lowest first on every machine
+    }
     Set(name, {std::move(bytes)});
 }
 
@@ -218,12 +231,14 @@ void ConfigFile::DeleteKey(const String& subPath)
         store->Change([](auto& values) { values = {}; });
         return;
     }
-    if (store->GetPath().IsEmpty())
+    if (store->GetPath().IsEmpty()) {
         return; // where this key is none, what is below it is others'
+    }
     const auto child = GetStore(subPath);
     // A path that names no child, such as "..", is no order to delete this key.
-    if (child == store || child->GetChildFolder().IsEmpty())
+    if (child == store || child->GetChildFolder().IsEmpty()) {
         return;
+    }
     child->Remove();
     std::error_code ignored;
     std::filesystem::remove_all(child->GetChildFolder().ToStdString(), ignored);
@@ -233,8 +248,9 @@ bool ConfigFile::Import(const String& text)
 {
     const ImportedSettings imported = ParseSettings(text);
     const bool isWritten = store->Change([&](auto& values) {
-        for (const auto& [name, value] : imported.values)
+        for (const auto& [name, value] : imported.values) {
             values.Set(name, value);
+        }
     });
     return isWritten && imported.isComplete;
 }

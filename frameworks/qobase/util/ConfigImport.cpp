@@ -21,24 +21,28 @@ std::optional<DictionaryValue> ParseText(std::string_view text)
 
 std::optional<DictionaryValue> ParseNumber(std::string_view text)
 {
-    if (const auto number = ParseUInt(String(text)))
+    if (const auto number = ParseUInt(String(text))) {
         return DictionaryValue{*number};
-    if (const auto number = ParseInt(String(text)))
+    }
+    if (const auto number = ParseInt(String(text))) {
         return DictionaryValue{*number};
+    }
     return std::nullopt;
 }
 
 std::optional<DictionaryValue> ParseBinary(std::string_view text)
 {
-    if (text.size() % 2 != 0)
+    if (text.size() % 2 != 0) {
         return std::nullopt;
+    }
     Bytes bytes;
     for (std::size_t i = 0; i < text.size(); i += 2) {
         uint8_t byte = 0;
         const char* end = text.data() + i + 2;
         const auto result = std::from_chars(text.data() + i, end, byte, 16);
-        if (result.ec != std::errc() || result.ptr != end)
+        if (result.ec != std::errc() || result.ptr != end) {
             return std::nullopt;
+        }
         bytes.push_back(byte);
     }
     return DictionaryValue{std::move(bytes)};
@@ -62,11 +66,13 @@ bool ReadLine(std::string_view line, Dictionary& values)
             nameLength = position;
         }
     }
-    if (kind == nullptr)
+    if (kind == nullptr) {
         return false;
+    }
     auto value = kind->parse(line.substr(nameLength + kind->mark.size()));
-    if (!value)
+    if (!value) {
         return false;
+    }
     values.Set(String(line.substr(0, nameLength)), std::move(*value));
     return true;
 }
@@ -78,11 +84,13 @@ ImportedSettings ParseSettings(const String& text)
     ImportedSettings settings;
     for (const String& part : text.Split('\n')) {
         std::string_view line = part.View();
-        if (line.ends_with('\r'))
+        if (line.ends_with('\r')) {
             line.remove_suffix(1);
+        }
         const bool isPassedOver = line.empty() || line.front() == '#' || line.front() == ';';
-        if (!isPassedOver && !ReadLine(line, settings.values))
+        if (!isPassedOver && !ReadLine(line, settings.values)) {
             settings.isComplete = false;
+        }
     }
     return settings;
 }

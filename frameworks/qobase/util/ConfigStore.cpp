@@ -74,8 +74,9 @@ ConfigFile::Store::Store(const String& newPath)
 
 void ConfigFile::Store::Refresh()
 {
-    if (path.IsEmpty() || (isSettled && GetFileIdentity(path) == identity))
+    if (path.IsEmpty() || (isSettled && GetFileIdentity(path) == identity)) {
         return;
+    }
     Load();
 }
 
@@ -86,55 +87,66 @@ void ConfigFile::Store::Load()
     identity = GetFileIdentity(path);
     isSettled = !MayChangeUnseen(identity);
     state = identity.exists ? State::Unreadable : State::Missing;
-    if (!identity.isRegular)
+    if (!identity.isRegular) {
         return;
+    }
     if (identity.size > MaxClaimedBytes) {
         state = State::Damaged;
         return;
     }
     const auto text = ReadWholeFile(path);
-    if (!text)
+    if (!text) {
         return;
+    }
     DictionaryReaderJSON reader;
     auto read = ReadDictionary(reader, *text);
     state = read ? State::Good : State::Damaged;
-    if (read)
+    if (read) {
         values = std::move(*read);
+    }
 }
 
 bool ConfigFile::Store::Change(const std::function<void(Dictionary&)>& change)
 {
     const CriticalSectionGuard guard(section);
-    if (path.IsEmpty() || !MakeFolder())
+    if (path.IsEmpty() || !MakeFolder()) {
         return false;
+    }
     const FileLock lock = Lock();
-    if (!lock.IsHeld())
+    if (!lock.IsHeld()) {
         return false;
+    }
     Load();
-    if (state == State::Unreadable)
+    if (state == State::Unreadable) {
         return false;
+    }
     Dictionary changed = values;
     change(changed);
-    if (changed == values)
+    if (changed == values) {
         return true;
-    if (state == State::Damaged && !SetAside())
+    }
+    if (state == State::Damaged && !SetAside()) {
         return false;
+    }
     return Replace(changed);
 }
 
 void ConfigFile::Store::Remove()
 {
     const CriticalSectionGuard guard(section);
-    if (path.IsEmpty() || !GetFileIdentity(path).exists)
+    if (path.IsEmpty() || !GetFileIdentity(path).exists) {
         return;
+    }
     const FileLock lock = Lock();
-    if (!lock.IsHeld())
+    if (!lock.IsHeld()) {
         return;
+    }
     Load();
-    if (state == State::Damaged)
+    if (state == State::Damaged) {
         SetAside();
-    else if (state == State::Good)
+    } else if (state == State::Good) {
         static_cast<void>(File(path).Remove());
+    }
     isSettled = false;
 }
 

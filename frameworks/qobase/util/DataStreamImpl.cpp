@@ -16,8 +16,9 @@ constexpr uint32_t longestString = 200000; // bytes
 template <typename Result>
 void RaiseFailure(const Result& result)
 {
-    if (!result)
+    if (!result) {
         throw Exception::DataStreamIO(result.GetDescription());
+    }
 }
 
 void RaiseFailure(const Expected<void>& result,
@@ -25,8 +26,9 @@ void RaiseFailure(const Expected<void>& result,
                   uint64_t count,
                   const char* name)
 {
-    if (result)
+    if (result) {
         return;
+    }
     const String what = name == nullptr ? String("%1 bytes").arg(count) : String(name);
     throw Exception::DataStreamIO(String(pattern).arg(what).arg(result.GetDescription()));
 }
@@ -76,8 +78,9 @@ void DataStreamImpl::Insert(const void* buffer, uint64_t count, const char* name
 
 void DataStreamImpl::RefuseLength(uint64_t count, uint64_t most)
 {
-    if (count > most)
+    if (count > most) {
         throw Exception::DataStreamIO(String("Improbable vector length %1").arg(count));
+    }
 }
 
 void DataStreamImpl::WriteCount(uint64_t count)
@@ -89,8 +92,9 @@ void DataStreamImpl::WriteCount(uint64_t count)
 String DataStreamImpl::ReadString()
 {
     const uint32_t count = ReadUInt32();
-    if (count > longestString)
+    if (count > longestString) {
         throw Exception::DataStreamIO(String("Improbable string length %1").arg(count));
+    }
     std::string text(count, '\0');
     Extract(text.data(), count, "string");
     return {std::move(text)};
@@ -108,15 +112,17 @@ std::vector<String> DataStreamImpl::ReadStringVector()
     const uint32_t count = ReadUInt32();
     RefuseLength(count, MaxClaimedBytes / sizeof(String));
     std::vector<String> texts;
-    while (texts.size() < count)
+    while (texts.size() < count) {
         texts.push_back(ReadString());
+    }
     return texts;
 }
 
 void DataStreamImpl::WriteString(const String& text)
 {
-    if (writeLengthPrefix)
+    if (writeLengthPrefix) {
         WriteUInt32(text.Length());
+    }
     Insert(text.Data(), text.Length(), "string");
 }
 
@@ -129,8 +135,9 @@ void DataStreamImpl::WriteBool(bool value)
 void DataStreamImpl::WriteStringVector(std::span<const String> texts)
 {
     WriteCount(texts.size());
-    for (const String& text : texts)
+    for (const String& text : texts) {
         WriteString(text);
+    }
 }
 
 } // namespace Util

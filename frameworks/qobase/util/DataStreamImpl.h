@@ -124,10 +124,11 @@ constexpr const char* DataStreamImpl::NameOf()
     constexpr std::array signedNames{"int8", "int16", "int32", "int64"};
     constexpr std::array unsignedNames{"uint8", "uint16", "uint32", "uint64"};
     constexpr auto place = static_cast<std::size_t>(std::countr_zero(sizeof(T)));
-    if constexpr (std::is_floating_point_v<T>)
+    if constexpr (std::is_floating_point_v<T>) {
         return sizeof(T) == sizeof(float) ? "float" : "double";
-    else
+    } else {
         return std::is_signed_v<T> ? signedNames[place] : unsignedNames[place];
+    }
 }
 
 template <typename T>

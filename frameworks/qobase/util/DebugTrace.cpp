@@ -32,10 +32,11 @@ void DebugTrace(const String& text) noexcept
     try {
         Trace& trace = GetTrace();
         const std::lock_guard lock(trace.mutex);
-        if (trace.sink)
+        if (trace.sink) {
             trace.sink(text);
-        else if (writesByDefault)
+        } else if (writesByDefault) {
             std::fprintf(stderr, "%s\n", text.c_str());
+        }
     } catch (...) {
         // A diagnostic that can't be written must not stop the program, and there is nobody to
         // tell.

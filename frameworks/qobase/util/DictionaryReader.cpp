@@ -35,12 +35,13 @@ private:
 
     void Add(const String& key, DictionaryValue value)
     {
-        if (open.empty())
+        if (open.empty()) {
             root.Set(key, std::move(value));
-        else if (auto* array = std::get_if<DictionaryValue::Array>(&open.back().value.value))
+        } else if (auto* array = std::get_if<DictionaryValue::Array>(&open.back().value.value)) {
             array->push_back(std::move(value));
-        else if (auto* dictionary = std::get_if<Dictionary>(&open.back().value.value))
+        } else if (auto* dictionary = std::get_if<Dictionary>(&open.back().value.value)) {
             dictionary->Set(key, std::move(value));
+        }
     }
     void Close()
     {
@@ -58,8 +59,9 @@ private:
 std::optional<Dictionary> ReadDictionary(DictionaryReader& reader, ByteSpan text)
 {
     TreeBuilder builder;
-    if (!reader.Read(text, builder))
+    if (!reader.Read(text, builder)) {
         return std::nullopt;
+    }
     return builder.TakeRoot();
 }
 

@@ -48,11 +48,13 @@ struct NumberParts {
         const auto point = std::min(text.find('.'), mark);
         whole = text.substr(0, point);
         hasFraction = point < mark;
-        if (hasFraction)
+        if (hasFraction) {
             fraction = text.substr(point + 1, mark - point - 1);
+        }
         hasExponent = mark < text.size();
-        if (hasExponent)
+        if (hasExponent) {
             exponent = text.substr(mark + 1);
+        }
     }
 
     bool IsGood() const
@@ -68,13 +70,16 @@ struct NumberParts {
     {
         double power = 0;
         for (const char digit : exponent) {
-            if (digit >= '0')
+            if (digit >= '0') {
                 power = 10 * power + (digit - '0');
+            }
         }
-        if (exponent.starts_with('-'))
+        if (exponent.starts_with('-')) {
             power = -power;
-        if (whole != "0")
+        }
+        if (whole != "0") {
             return power + static_cast<double>(whole.size()) <= 0;
+        }
         const auto zeros = std::min(fraction.find_first_not_of('0'), fraction.size());
         return power <= static_cast<double>(zeros);
     }
@@ -91,12 +96,14 @@ std::optional<double> ParseNumber(std::string_view text)
 {
     const bool isNegative = text.starts_with('-');
     const NumberParts parts(text.substr(isNegative ? 1 : 0));
-    if (!parts.IsGood())
+    if (!parts.IsGood()) {
         return std::nullopt;
+    }
     double number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (result.ec == std::errc())
+    if (result.ec == std::errc()) {
         return number;
+    }
     return parts.IsSmall() ? std::optional(isNegative ? -0.0 : 0.0) : std::nullopt;
 }
 
@@ -116,15 +123,18 @@ public:
         while (!text.empty()) {
             const char first = text.front();
             std::size_t length = 1;
-            if (first == ',' && ++parts > MostParts)
+            if (first == ',' && ++parts > MostParts) {
                 return false;
-            if (first == '"')
+            }
+            if (first == '"') {
                 length = QuotedLength(text);
+            }
             const bool isNumber = first == '-' || (first >= '0' && first <= '9');
             if (isNumber) {
                 length = std::min(text.find_first_not_of("0123456789+-.eE"), text.size());
-                if (!Add(text.substr(0, length)))
+                if (!Add(text.substr(0, length))) {
                     return false;
+                }
             } else {
                 indexed += text.substr(0, length);
             }
@@ -136,8 +146,9 @@ public:
     const std::string& GetIndexed() const { return indexed; }
     std::optional<double> Find(const Json::Value& value) const
     {
-        if (!value.isUInt() || value.asUInt() >= numbers.size())
+        if (!value.isUInt() || value.asUInt() >= numbers.size()) {
             return std::nullopt;
+        }
         return numbers[value.asUInt()];
     }
 
@@ -145,18 +156,20 @@ private:
     static std::size_t QuotedLength(std::string_view text)
     {
         for (std::size_t i = 1; i < text.size(); ++i) {
-            if (text[i] == '\\')
+            if (text[i] == '\\') {
                 ++i;
-            else if (text[i] == '"')
+            } else if (text[i] == '"') {
                 return i + 1;
+            }
         }
         return text.size();
     }
     bool Add(std::string_view digits)
     {
         const auto number = ParseNumber(digits);
-        if (!number)
+        if (!number) {
             return false;
+        }
         indexed += std::to_string(numbers.size());
         numbers.push_back(*number);
         return true;
@@ -182,11 +195,13 @@ public:
 
     bool WalkDictionary(const Json::Value& object)
     {
-        if (!object.isObject())
+        if (!object.isObject()) {
             return false;
+        }
         for (auto member = object.begin(); member != object.end(); ++member) {
-            if (!WalkPair(String(member.name()), *member))
+            if (!WalkPair(String(member.name()), *member)) {
                 return false;
+            }
         }
         return true;
     }
@@ -194,8 +209,9 @@ public:
 private:
     bool WalkPair(const String& key, const Json::Value& pair)
     {
-        if (!pair.isObject() || !pair.isMember("Type") || !pair.isMember("Value"))
+        if (!pair.isObject() || !pair.isMember("Type") || !pair.isMember("Value")) {
             return false;
+        }
         const Json::Value& type = pair["Type"];
         return type.isString() && WalkValue(key, type.asString(), pair["Value"]);
     }
@@ -213,8 +229,9 @@ private:
             {"Dictionary", &Walker::VisitDictionary},
             {"Array", &Walker::VisitArray}};
         for (const auto& [word, visit] : Types) {
-            if (word == type)
+            if (word == type) {
                 return (this->*visit)(key, value);
+            }
         }
         return false;
     }
@@ -225,35 +242,40 @@ private:
         using Limits = std::numeric_limits<Whole>;
         const auto number = numbers.Find(value);
         if (!number || *number != std::trunc(*number) || *number < Limits::min() ||
-            *number > Limits::max())
+            *number > Limits::max()) {
             return false;
+        }
         (actions.*Action)(key, static_cast<Whole>(*number));
         return true;
     }
     bool VisitFloat(const String& key, const Json::Value& value)
     {
         const auto number = numbers.Find(value);
-        if (number)
+        if (number) {
             actions.OnFloat(key, *number);
+        }
         return number.has_value();
     }
     bool VisitBool(const String& key, const Json::Value& value)
     {
-        if (value.isBool())
+        if (value.isBool()) {
             actions.OnBool(key, value.asBool());
+        }
         return value.isBool();
     }
     bool VisitString(const String& key, const Json::Value& value)
     {
-        if (value.isString())
+        if (value.isString()) {
             actions.OnString(key, TextOf(value));
+        }
         return value.isString();
     }
     bool VisitBytes(const String& key, const Json::Value& value)
     {
         auto bytes = value.isString() ? DecodeBase64(TextOf(value)) : std::nullopt;
-        if (!bytes)
+        if (!bytes) {
             return false;
+        }
         actions.OnBytes(key, std::move(*bytes));
         return true;
     }
@@ -266,12 +288,14 @@ private:
     }
     bool VisitArray(const String& key, const Json::Value& value)
     {
-        if (!value.isArray())
+        if (!value.isArray()) {
             return false;
+        }
         actions.BeginArray(key);
         bool isGood = true;
-        for (auto element = value.begin(); isGood && element != value.end(); ++element)
+        for (auto element = value.begin(); isGood && element != value.end(); ++element) {
             isGood = WalkPair("", *element);
+        }
         actions.EndArray();
         return isGood;
     }
@@ -291,8 +315,9 @@ struct DictionaryReaderJSON::Parser {
     {
         const std::string_view characters(reinterpret_cast<const char*>(text.data()), text.size());
         // The library takes a NUL byte for the end of the text, whatever stands behind it.
-        if (characters.find('\0') != std::string_view::npos || !numbers.Take(characters))
+        if (characters.find('\0') != std::string_view::npos || !numbers.Take(characters)) {
             return false;
+        }
         const std::string& indexed = numbers.GetIndexed();
         try {
             return reader->parse(indexed.data(), indexed.data() + indexed.size(), &root, nullptr);

@@ -31,8 +31,9 @@ struct ValueWriter {
 
 void WriteDictionary(DictionaryWriter& writer, const Dictionary& dictionary)
 {
-    for (const auto& [key, value] : dictionary)
+    for (const auto& [key, value] : dictionary) {
         std::visit(ValueWriter{writer, key}, value.value);
+    }
 }
 
 } // namespace Util

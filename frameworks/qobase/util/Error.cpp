@@ -16,8 +16,9 @@ BasicErrorBase::BasicErrorBase(String newDescription,
 
 std::span<const String> BasicErrorBase::GetArguments() const
 {
-    if (arguments.empty())
+    if (arguments.empty()) {
         return {};
+    }
     return arguments;
 }
 

@@ -39,15 +39,17 @@ File::Error File::MakeError(const String& text, const String& path, int systemEr
 
 Expected<void> File::Result(int systemError, const char* text) const
 {
-    if (systemError == 0)
+    if (systemError == 0) {
         return {};
+    }
     return MakeError(text, path, systemError);
 }
 
 Expected<void> File::Open(Mode mode)
 {
-    if (auto closed = Close(); !closed)
+    if (auto closed = Close(); !closed) {
         return closed;
+    }
     const auto opened = Platform::OpenFile(
         path, mode == Mode::Read ? Platform::Access::Read : Platform::Access::Write);
     descriptor = opened.descriptor;
@@ -56,40 +58,47 @@ Expected<void> File::Open(Mode mode)
 
 Expected<void> File::Read(void* buffer, uint64_t count)
 {
-    if (!IsOpen())
+    if (!IsOpen()) {
         return MakeError(String("Attempt to read %1 bytes when not open").arg(count), path, EBADF);
+    }
     const auto moved = Platform::ReadBytes(descriptor, buffer, count);
-    if (moved.bytes == count)
+    if (moved.bytes == count) {
         return {};
+    }
     const auto text = String("Attempt to read %1 bytes, only read %2 bytes");
     return MakeError(text.arg(count).arg(moved.bytes), path, moved.error);
 }
 
 Expected<void> File::Write(const void* buffer, uint64_t count)
 {
-    if (!IsOpen())
+    if (!IsOpen()) {
         return MakeError(String("Attempt to write %1 bytes when not open").arg(count), path, EBADF);
+    }
     const auto moved = Platform::WriteBytes(descriptor, buffer, count);
-    if (moved.bytes == count)
+    if (moved.bytes == count) {
         return {};
+    }
     const auto text = String("Attempt to write %1 bytes, only wrote %2 bytes");
     return MakeError(text.arg(count).arg(moved.bytes), path, moved.error);
 }
 
 Expected<void> File::Seek(uint64_t position)
 {
-    if (!IsOpen())
+    if (!IsOpen()) {
         return MakeError(String("Attempt to seek to %1 when not open").arg(position), path, EBADF);
+    }
     const int error = Platform::SeekTo(descriptor, position);
-    if (error != 0)
+    if (error != 0) {
         return MakeError(String("Seek to %1 failed").arg(position), path, error);
+    }
     return {};
 }
 
 Expected<void> File::Close()
 {
-    if (!IsOpen())
+    if (!IsOpen()) {
         return {};
+    }
     return Result(Platform::CloseFile(std::exchange(descriptor, Platform::NoFile)), "Close failed");
 }
 
@@ -101,24 +110,27 @@ Expected<void> File::Flush()
 Expected<uint64_t> File::GetSize() const
 {
     const auto status = Platform::GetStatus(descriptor);
-    if (status.error != 0 || status.kind != Platform::Kind::Regular)
+    if (status.error != 0 || status.kind != Platform::Kind::Regular) {
         return MakeError("Could not get the number of bytes remaining", path, status.error);
+    }
     return status.size;
 }
 
 Expected<uint64_t> File::GetPosition() const
 {
     const auto position = Platform::GetPosition(descriptor);
-    if (position.error != 0)
+    if (position.error != 0) {
         return MakeError("Could not get the number of bytes remaining", path, position.error);
+    }
     return position.bytes;
 }
 
 Expected<int64_t> File::GetModificationTime() const
 {
     const auto status = Platform::GetStatus(path);
-    if (status.error != 0)
+    if (status.error != 0) {
         return MakeError("Error getting file time", path, status.error);
+    }
     return status.modificationTime;
 }
 

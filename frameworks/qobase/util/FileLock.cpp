@@ -44,39 +44,47 @@ FileLock::FileLock(const String& path, std::chrono::milliseconds longestWait)
 {
     constexpr std::chrono::microseconds Step(200);
     const auto end = std::chrono::steady_clock::now() + longestWait;
-    while (Try(path) && !isHeld && std::chrono::steady_clock::now() < end)
+    while (Try(path) && !isHeld && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(Step);
+    }
 }
 
 FileLock::~FileLock()
 {
     // Said outright, since a process forked meanwhile would keep the lock with its copy.
-    if (isHeld)
+    if (isHeld) {
         GiveBack(Byte::Lock);
-    if (hasTurn)
+    }
+    if (hasTurn) {
         GiveBack(Byte::Turn);
+    }
     Close();
 }
 
 bool FileLock::Try(const String& path)
 {
-    if (descriptor < 0)
+    if (descriptor < 0) {
         descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (descriptor < 0)
+    }
+    if (descriptor < 0) {
         return errno == EINTR;
+    }
     // Who waits for the lock has the turn, so that its last owner can't be back before.
     int error = hasTurn ? 0 : Take(Byte::Turn);
     hasTurn = error == 0;
-    if (hasTurn)
+    if (hasTurn) {
         error = Take(Byte::Lock);
+    }
     isHeld = HasNoLocks(error);
-    if (error != 0)
+    if (error != 0) {
         return error == EAGAIN || error == EACCES || error == EINTR;
+    }
     GiveBack(Byte::Turn);
     hasTurn = false;
     isHeld = StillHasItsName(descriptor, path.c_str());
-    if (!isHeld)
+    if (!isHeld) {
         Close(); // the lock of a removed file keeps nobody out
+    }
     return true;
 }
 
@@ -94,16 +102,18 @@ void FileLock::GiveBack(Byte byte)
 
 void FileLock::Close()
 {
-    if (descriptor >= 0)
+    if (descriptor >= 0) {
         close(descriptor);
+    }
     descriptor = -1;
 }
 
 FileIdentity GetFileIdentity(const String& path)
 {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0)
+    if (stat(path.c_str(), &status) != 0) {
         return {.exists = errno != ENOENT && errno != ENOTDIR};
+    }
     constexpr int64_t NanosecondsPerSecond = 1'000'000'000;
     return {.exists = true,
             .isRegular = S_ISREG(status.st_mode),

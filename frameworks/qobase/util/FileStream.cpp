@@ -9,8 +9,9 @@ FileStream::FileStream(const String& path, File::Mode mode)
     : DataStreamImpl(file)
     , file(path)
 {
-    if (!file.Open(mode))
+    if (!file.Open(mode)) {
         throw Exception::DataStreamIO(String("Can't open file: %1").arg(path));
+    }
 }
 
 } // namespace Util

@@ -21,10 +21,12 @@ namespace {
 
 bool IsWritable(const DictionaryValue& value)
 {
-    if (const auto* number = std::get_if<double>(&value.value))
+    if (const auto* number = std::get_if<double>(&value.value)) {
         return std::isfinite(*number);
-    if (const auto* array = std::get_if<DictionaryValue::Array>(&value.value))
+    }
+    if (const auto* array = std::get_if<DictionaryValue::Array>(&value.value)) {
         return std::all_of(array->begin(), array->end(), IsWritable);
+    }
     return true;
 }
 
@@ -40,8 +42,9 @@ void AppendQuoted(std::string& text, std::string_view content)
             text += Hexadecimal[byte & 15];
             continue;
         }
-        if (character == '"' || character == '\\')
+        if (character == '"' || character == '\\') {
             text += '\\';
+        }
         text += character;
     }
     text += '"';
@@ -113,8 +116,9 @@ void AppendDictionary(std::string& text, const Dictionary& dictionary, std::stri
     text += '{';
     std::string_view separator;
     for (const auto& [key, value] : dictionary) {
-        if (!IsWritable(value))
+        if (!IsWritable(value)) {
             continue;
+        }
         text += separator;
         separator = ",";
         text += lineBreak;

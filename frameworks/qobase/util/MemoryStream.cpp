@@ -35,8 +35,9 @@ Expected<void> ByteBuffer::Write(const void* buffer, uint64_t count)
 
 Expected<void> ByteBuffer::Seek(uint64_t newPosition)
 {
-    if (newPosition > bytes.size())
+    if (newPosition > bytes.size()) {
         return BasicError<ByteBuffer>(String("Seek to %1 failed").arg(newPosition));
+    }
     position = newPosition;
     return {};
 }

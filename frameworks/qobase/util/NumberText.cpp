@@ -27,8 +27,9 @@ std::optional<T> Parse(std::string_view text)
     T value{};
     const char* const end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, value);
-    if (result.ec != std::errc() || result.ptr != end)
+    if (result.ec != std::errc() || result.ptr != end) {
         return std::nullopt;
+    }
     return value;
 }
 
@@ -39,8 +40,9 @@ String FormatFloat(float value)
     constexpr int usualDigits = 8;
     constexpr int enoughDigits = 9; // tell every float from its neighbours
     String text = FormatWithDigits(value, usualDigits);
-    if (ParseFloat(text) != value)
+    if (ParseFloat(text) != value) {
         text = FormatWithDigits(value, enoughDigits);
+    }
     return text;
 }
 

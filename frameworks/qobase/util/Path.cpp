@@ -22,8 +22,9 @@ constexpr std::string_view anySeparator = "/\\";
 bool IsMalformedNetworkPath(std::string_view path)
 {
     const auto start = path.find_first_not_of(anySeparator);
-    if (std::min(start, path.size()) != 2)
+    if (std::min(start, path.size()) != 2) {
         return false;
+    }
     const auto end = path.find_first_of(anySeparator, 2);
     return path.find_first_not_of(anySeparator, end) == std::string_view::npos;
 }
@@ -33,8 +34,9 @@ Expected<void> MakeOne(const String& path, Visibility visibility)
     const uint32_t permissions = visibility == Visibility::OwnerOnly ? 0700 : 0777;
     const int error = IsDirectory(path) ? 0 : Platform::MakeFolder(path, permissions);
     // Another process may have been faster.
-    if (error == 0 || (error == EEXIST && IsDirectory(path)))
+    if (error == 0 || (error == EEXIST && IsDirectory(path))) {
         return {};
+    }
     return File::MakeError("_wmkdir() failed", path, error);
 }
 
@@ -42,8 +44,9 @@ Expected<void> MakeOne(const String& path, Visibility visibility)
 
 String Join(const String& folder, const String& file)
 {
-    if (folder.IsEmpty())
+    if (folder.IsEmpty()) {
         return file;
+    }
     std::string_view head = folder.View();
     head = head.substr(0, head.find_last_not_of(separator) + 1);
     std::string_view tail = file.View();
@@ -75,24 +78,28 @@ String GetFolder(const String& path)
 {
     const std::string_view view = path.View();
     const auto end = view.rfind(separator);
-    if (end == std::string_view::npos)
+    if (end == std::string_view::npos) {
         return "";
+    }
     return view.substr(0, std::max<std::size_t>(end, 1));
 }
 
 Expected<void> MakeDirectory(const String& path, Recursive recursive, Visibility visibility)
 {
     const std::string_view view = path.View();
-    if (view.empty())
+    if (view.empty()) {
         return File::MakeError("path parsing failed", path, EINVAL);
-    if (IsMalformedNetworkPath(view))
+    }
+    if (IsMalformedNetworkPath(view)) {
         return File::MakeError(
             "Create(true) failed.  Input looks like a malformed UNC path", path, EINVAL);
+    }
     if (recursive == Recursive::Yes) {
         for (auto end = view.find(separator, 1); end != std::string_view::npos;
              end = view.find(separator, end + 1)) {
-            if (auto made = MakeOne(view.substr(0, end), visibility); !made)
+            if (auto made = MakeOne(view.substr(0, end), visibility); !made) {
                 return made;
+            }
         }
     }
     return MakeOne(path, visibility);
@@ -112,11 +119,13 @@ std::vector<String> ListFiles(const String& folder, const String& extension)
     std::filesystem::directory_iterator entry(folder.ToStdString(), error);
     for (; !error && entry != std::filesystem::end(entry); entry.increment(error)) {
         std::error_code unknown; // an entry that vanished is none
-        if (!entry->is_regular_file(unknown))
+        if (!entry->is_regular_file(unknown)) {
             continue;
+        }
         const String name(entry->path().filename().string());
-        if (name.ToLower().View().ends_with(wanted.View()))
+        if (name.ToLower().View().ends_with(wanted.View())) {
             files.push_back(Join(folder, name));
+        }
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -35,8 +35,9 @@ public:
         sigset_t pending;
         sigpending(&pending);
         for (const int signal : {SIGXFSZ, SIGPIPE}) {
-            if (sigismember(&pending, signal) == 1)
+            if (sigismember(&pending, signal) == 1) {
                 sigdelset(&signals, signal); // blocked by the host already, and its to take
+            }
         }
         pthread_sigmask(SIG_BLOCK, &signals, &former);
     }
@@ -67,10 +68,12 @@ template <typename Call>
 int Try(Call call)
 {
     for (;;) {
-        if (call() >= 0)
+        if (call() >= 0) {
             return 0;
-        if (errno != EINTR)
+        }
+        if (errno != EINTR) {
             return errno;
+        }
     }
 }
 
@@ -89,10 +92,12 @@ int FlagsOf(Access access)
 
 Kind KindOf(mode_t mode)
 {
-    if (S_ISREG(mode))
+    if (S_ISREG(mode)) {
         return Kind::Regular;
-    if (S_ISDIR(mode))
+    }
+    if (S_ISDIR(mode)) {
         return Kind::Folder;
+    }
     return S_ISFIFO(mode) ? Kind::Pipe : Kind::Other;
 }
 
@@ -117,8 +122,9 @@ Moved MoveAll(uint64_t count, Move move)
             const uint64_t wanted = std::min(count - moved.bytes, largestTransfer);
             return step = move(moved.bytes, static_cast<size_t>(wanted));
         });
-        if (moved.error != 0 || step == 0)
+        if (moved.error != 0 || step == 0) {
             break;
+        }
         moved.bytes += static_cast<uint64_t>(step);
     }
     return moved;
@@ -128,8 +134,9 @@ Moved MoveAll(uint64_t count, Move move)
 
 Opened OpenFile(const String& path, Access access, uint32_t permissions)
 {
-    if (!IsUsable(path))
+    if (!IsUsable(path)) {
         return {.error = EINVAL};
+    }
     Opened opened;
     opened.error = Try([&] {
         return opened.descriptor =
@@ -166,8 +173,9 @@ Moved WriteBytes(int descriptor, const void* buffer, uint64_t count)
 
 int SeekTo(int descriptor, uint64_t position)
 {
-    if (position > static_cast<uint64_t>(std::numeric_limits<off_t>::max()))
+    if (position > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) {
         return EINVAL;
+    }
     return Try([&] { return lseek(descriptor, static_cast<off_t>(position), SEEK_SET); });
 }
 
@@ -180,8 +188,9 @@ int FlushToDisk(int descriptor)
 Status GetStatus(const String& path)
 {
     struct stat record {};
-    if (!IsUsable(path))
+    if (!IsUsable(path)) {
         return {.error = EINVAL};
+    }
     return stat(path.c_str(), &record) == 0 ? StatusOf(record) : Status{.error = errno};
 }
 
@@ -200,8 +209,9 @@ Position GetPosition(int descriptor)
 
 int CheckWritable(const String& path)
 {
-    if (!IsUsable(path))
+    if (!IsUsable(path)) {
         return EINVAL;
+    }
     return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
@@ -211,8 +221,9 @@ int CopyOwnership(int descriptor, const Status& from)
     // Only an administrator may give files away; anybody else keeps the new one, as an editor does.
     // EINVAL: an owner that this process's user namespace doesn't know.
     if ((own.user != from.user || own.group != from.group) &&
-        fchown(descriptor, from.user, from.group) != 0 && errno != EPERM && errno != EINVAL)
+        fchown(descriptor, from.user, from.group) != 0 && errno != EPERM && errno != EINVAL) {
         return errno;
+    }
     // Some file systems have no permissions to change. The file then stays as it was made.
     static_cast<void>(fchmod(descriptor, from.permissions));
     return 0;
@@ -220,29 +231,35 @@ int CopyOwnership(int descriptor, const Status& from)
 
 int RemoveFile(const String& path)
 {
-    if (!IsUsable(path))
+    if (!IsUsable(path)) {
         return EINVAL;
+    }
     return unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
 int RenameFile(const String& path, const String& target)
 {
-    if (!IsUsable(path) || !IsUsable(target))
+    if (!IsUsable(path) || !IsUsable(target)) {
         return EINVAL;
+    }
     return rename(path.c_str(), target.c_str()) == 0 ? 0 : errno;
 }
 
 int RenameFileToNew(const String& path, const String& target)
 {
-    if (!IsUsable(path) || !IsUsable(target))
+    if (!IsUsable(path) || !IsUsable(target)) {
         return EINVAL;
-    if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
+    }
+    if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
         return 0;
-    if (errno != EINVAL && errno != ENOSYS)
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
         return errno;
+    }
     // Some network file systems don't know the call; a second name is refused in one step as well.
-    if (link(path.c_str(), target.c_str()) != 0)
+    if (link(path.c_str(), target.c_str()) != 0) {
         return errno;
+    }
     return unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
@@ -250,16 +267,18 @@ void FlushFolder(const String& folder)
 {
     const int descriptor =
         IsUsable(folder) ? open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : NoFile;
-    if (descriptor == NoFile)
+    if (descriptor == NoFile) {
         return;
+    }
     FlushToDisk(descriptor);
     CloseFile(descriptor);
 }
 
 int MakeFolder(const String& path, uint32_t permissions)
 {
-    if (!IsUsable(path))
+    if (!IsUsable(path)) {
         return EINVAL;
+    }
     return mkdir(path.c_str(), permissions) == 0 ? 0 : errno;
 }
 
@@ -271,8 +290,9 @@ uint32_t GetProcessNumber()
 uint64_t GetRandomBits()
 {
     uint64_t bits = 0;
-    if (getrandom(&bits, sizeof bits, 0) == sizeof bits)
+    if (getrandom(&bits, sizeof bits, 0) == sizeof bits) {
         return bits;
+    }
     // A kernel without the call: unlike in another process and from one call to the next.
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
@@ -288,8 +308,10 @@ String GetRecordedHome()
     std::vector<char> texts(recordBytes);
     passwd record{};
     passwd* found = nullptr;
-    if (getpwuid_r(geteuid(), &record, texts.data(), texts.size(), &found) != 0 || found == nullptr)
+    if (getpwuid_r(geteuid(), &record, texts.data(), texts.size(), &found) != 0 ||
+        found == nullptr) {
         return {};
+    }
     return {found->pw_dir};
 }
 

@@ -48,8 +48,9 @@ void SerializableDictionaryWriter::BeginDictionary(const String& key)
 
 void SerializableDictionaryWriter::EndDictionary()
 {
-    if (open.size() == 1)
+    if (open.size() == 1) {
         return;
+    }
     Level level = std::move(open.back());
     open.pop_back();
     open.back().dictionary.Set(level.key, {std::move(level.dictionary)});
@@ -63,8 +64,9 @@ void SerializableDictionaryWriter::WriteArray(const String& key,
 
 Dictionary SerializableDictionaryWriter::TakeRoot()
 {
-    while (open.size() > 1)
+    while (open.size() > 1) {
         EndDictionary();
+    }
     return std::exchange(open.back().dictionary, {});
 }
 

@@ -27,8 +27,9 @@ std::optional<std::size_t> FindPlaceholder(std::string_view text) noexcept
 {
     std::optional<std::size_t> best;
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-        if (IsPlaceholder(text, i) && (!best || text[i + 1] < text[*best + 1]))
+        if (IsPlaceholder(text, i) && (!best || text[i + 1] < text[*best + 1])) {
             best = i;
+        }
     }
     return best;
 }
@@ -43,10 +44,12 @@ String NumberText(uint64_t magnitude, Sign sign, uint32_t base, uint32_t padding
         magnitude /= usedBase;
     } while (magnitude != 0);
     const std::size_t signLength = sign == Sign::Negative ? 1 : 0;
-    while (reversed.size() + signLength < padding)
+    while (reversed.size() + signLength < padding) {
         reversed += '0';
-    if (sign == Sign::Negative)
+    }
+    if (sign == Sign::Negative) {
         reversed += '-';
+    }
     std::reverse(reversed.begin(), reversed.end());
     return {std::move(reversed)};
 }
@@ -64,8 +67,9 @@ String SignedText(int64_t number, uint32_t base, uint32_t padding)
 
 String::String(const char* text)
 {
-    if (text != nullptr)
+    if (text != nullptr) {
         content = std::make_shared<const std::string>(text);
+    }
 }
 
 String::String(std::string_view text)
@@ -81,8 +85,9 @@ String::String(std::string text)
 String String::arg(const String& text) const
 {
     const auto place = FindPlaceholder(View());
-    if (!place)
+    if (!place) {
         return *this + text;
+    }
     std::string filled = ToStdString();
     filled.replace(*place, 2, text.View());
     return {std::move(filled)};
@@ -100,8 +105,9 @@ String String::arg(uint32_t number, uint32_t base, uint32_t padding) const
 
 String String::arg(int64_t number, uint32_t base, uint32_t padding) const
 {
-    if (base == hexBase)
+    if (base == hexBase) {
         return arg(static_cast<uint64_t>(number), base, padding);
+    }
     return arg(SignedText(number, base, padding));
 }
 
@@ -117,8 +123,9 @@ uint32_t String::Length() const noexcept
 
 std::optional<uint32_t> String::Find(const String& text, uint32_t start, bool caseSensitive) const
 {
-    if (start >= Length())
+    if (start >= Length()) {
         return std::nullopt;
+    }
     const auto tail = View().substr(start);
     const auto wanted = text.View();
     const auto found = std::search(
@@ -126,8 +133,9 @@ std::optional<uint32_t> String::Find(const String& text, uint32_t start, bool ca
             return caseSensitive ? a == b : LowerAscii(a) == LowerAscii(b);
         });
     // An empty text is found where the search starts, so the end always means that nothing was.
-    if (found == tail.end())
+    if (found == tail.end()) {
         return std::nullopt;
+    }
     return start + static_cast<uint32_t>(found - tail.begin());
 }
 
@@ -138,15 +146,17 @@ String String::Left(uint32_t count) const
 
 String String::Mid(uint32_t start, uint32_t count) const
 {
-    if (IsNull() || (start == 0 && count >= Length()))
+    if (IsNull() || (start == 0 && count >= Length())) {
         return *this;
+    }
     return {View().substr(std::min(start, Length()), count)};
 }
 
 String String::ToLower() const
 {
-    if (IsNull())
+    if (IsNull()) {
         return *this;
+    }
     std::string lowered = ToStdString();
     std::transform(lowered.begin(), lowered.end(), lowered.begin(), LowerAscii);
     return {std::move(lowered)};
@@ -177,10 +187,12 @@ const char* String::c_str() const noexcept
 
 String operator+(const String& left, const String& right)
 {
-    if (right.IsEmpty() && !left.IsNull())
+    if (right.IsEmpty() && !left.IsNull()) {
         return left;
-    if (left.IsNull())
+    }
+    if (left.IsNull()) {
         return right;
+    }
     std::string joined = left.ToStdString();
     joined += right.View();
     return {std::move(joined)};
@@ -193,8 +205,9 @@ bool operator==(const String& left, const String& right) noexcept
 
 std::strong_ordering operator<=>(const String& left, const String& right) noexcept
 {
-    if (left.IsNull() || right.IsNull())
+    if (left.IsNull() || right.IsNull()) {
         return right.IsNull() <=> left.IsNull();
+    }
     // Views compare as the traits of char do: by unsigned bytes.
     return left.View() <=> right.View();
 }

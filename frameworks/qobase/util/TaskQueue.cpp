@@ -32,8 +32,9 @@ TaskQueue::~TaskQueue()
         ending = true;
     }
     posted.notify_all();
-    if (worker.joinable())
+    if (worker.joinable()) {
         worker.join();
+    }
 }
 
 void TaskQueue::Post(Task task)
@@ -45,8 +46,9 @@ void TaskQueue::Post(Task task)
     {
         const std::lock_guard lock(mutex);
         tasks.push_back(std::move(task));
-        if (!worker.joinable())
+        if (!worker.joinable()) {
             worker = std::thread([this] { Run(); });
+        }
     }
     posted.notify_one();
 }
@@ -62,8 +64,9 @@ void TaskQueue::Run()
     std::unique_lock lock(mutex);
     for (;;) {
         posted.wait(lock, [this] { return ending || !tasks.empty(); });
-        if (tasks.empty())
+        if (tasks.empty()) {
             return;
+        }
         Task task = std::move(tasks.front());
         tasks.pop_front();
         busy = true;
@@ -72,8 +75,9 @@ void TaskQueue::Run()
         task = nullptr; // what the task captured dies here, before anyone hears that it is done
         lock.lock();
         busy = false;
-        if (tasks.empty())
+        if (tasks.empty()) {
             idle.notify_all();
+        }
     }
 }
 

@@ -71,13 +71,15 @@ PeriodicTimer::SharedThread::~SharedThread()
         ending = true;
     }
     changed.notify_all();
-    if (!thread.joinable())
+    if (!thread.joinable()) {
         return;
+    }
     // A callback that ends the process gets here on the thread itself.
-    if (thread.get_id() == std::this_thread::get_id())
+    if (thread.get_id() == std::this_thread::get_id()) {
         thread.detach();
-    else
+    } else {
         thread.join();
+    }
 }
 
 bool PeriodicTimer::SharedThread::IsOwnThread(const Lock&) const noexcept
@@ -104,8 +106,9 @@ void PeriodicTimer::SharedThread::Add(const std::shared_ptr<Entry>& timer)
     const std::lock_guard life(lifeMutex);
     const Lock lock(mutex);
     if (!alive) {
-        if (thread.joinable())
+        if (thread.joinable()) {
             thread.join(); // has left its loop for good, and needs no lock on the way out
+        }
         thread = std::thread([this] { Run(); });
         threadId = thread.get_id();
         alive = true;
@@ -120,8 +123,9 @@ void PeriodicTimer::SharedThread::Remove(const std::shared_ptr<Entry>& timer)
         std::erase(entries, timer);
         // From within a callback there is nothing to wait for. The thread ends after it when this
         // was the last timer, and is joined by the next one or by the module's unloading.
-        if (IsOwnThread(lock))
+        if (IsOwnThread(lock)) {
             return;
+        }
         changed.notify_all();
         changed.wait(lock, [&] { return running != timer.get(); });
     }
@@ -135,11 +139,13 @@ void PeriodicTimer::SharedThread::EndWhenUnused()
         Lock lock(mutex);
         // A callback that outlives its own timer may still make a new one, which keeps the thread.
         changed.wait(lock, [this] { return !alive || !entries.empty(); });
-        if (alive)
+        if (alive) {
             return;
+        }
     }
-    if (thread.joinable())
+    if (thread.joinable()) {
         thread.join();
+    }
 }
 
 std::shared_ptr<PeriodicTimer::Entry> PeriodicTimer::SharedThread::WaitForDue(Lock& lock)
@@ -152,8 +158,9 @@ std::shared_ptr<PeriodicTimer::Entry> PeriodicTimer::SharedThread::WaitForDue(Lo
         const auto now = Clock::now();
         if (next->deadline <= now) {
             next->deadline += next->period;
-            if (next->deadline < now)
+            if (next->deadline < now) {
                 next->deadline = now + next->period;
+            }
             return next;
         }
         changed.wait_until(lock, next->deadline);

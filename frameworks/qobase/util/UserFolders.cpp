@@ -17,8 +17,9 @@ String FolderFromEnvironment(const char* variable)
 {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): the environment is not changed while threads run
     const String value(std::getenv(variable));
-    if (!value.StartsWith("/"))
+    if (!value.StartsWith("/")) {
         return {};
+    }
     return value.Left(std::max(1U, static_cast<uint32_t>(value.View().find_last_not_of('/') + 1)));
 }
 
@@ -35,8 +36,9 @@ void SkipBlanks(std::string_view& text)
 
 bool Skip(std::string_view& text, std::string_view prefix)
 {
-    if (!text.starts_with(prefix))
+    if (!text.starts_with(prefix)) {
         return false;
+    }
     text.remove_prefix(prefix.size());
     return true;
 }
@@ -45,26 +47,32 @@ bool Skip(std::string_view& text, std::string_view prefix)
 std::optional<String> ParseDocumentsLine(std::string_view line)
 {
     SkipBlanks(line);
-    if (!Skip(line, "XDG_DOCUMENTS_DIR"))
+    if (!Skip(line, "XDG_DOCUMENTS_DIR")) {
         return {};
+    }
     SkipBlanks(line);
-    if (!Skip(line, "="))
+    if (!Skip(line, "=")) {
         return {};
+    }
     SkipBlanks(line);
-    if (!Skip(line, "\""))
+    if (!Skip(line, "\"")) {
         return {};
+    }
     const bool belowHome = Skip(line, "$HOME");
     std::string folder;
     for (std::size_t i = 0; i < line.size() && line[i] != '"'; ++i) {
-        if (line[i] == '\\' && i + 1 < line.size())
+        if (line[i] == '\\' && i + 1 < line.size()) {
             ++i;
+        }
         folder += line[i];
     }
     folder.erase(folder.find_last_not_of('/') + 1);
-    if (belowHome && folder.empty())
+    if (belowHome && folder.empty()) {
         return GetHomeFolder();
-    if (folder.empty() || folder[0] != '/')
+    }
+    if (folder.empty() || folder[0] != '/') {
         return {};
+    }
     return belowHome ? Join(GetHomeFolder(), folder) : String(folder);
 }
 
@@ -72,8 +80,9 @@ std::optional<String> ParseDocumentsLine(std::string_view line)
 
 String GetHomeFolder()
 {
-    if (String home = FolderFromEnvironment("HOME"); !home.IsEmpty())
+    if (String home = FolderFromEnvironment("HOME"); !home.IsEmpty()) {
         return home;
+    }
     const String recorded = Platform::GetRecordedHome();
     return recorded.StartsWith("/") ? recorded : String("/");
 }
@@ -93,19 +102,22 @@ String GetDocumentsFolder()
     constexpr uint64_t mostBytes = 1ULL << 20;
     String folder = Join(GetHomeFolder(), "Documents");
     const auto file = ReadWholeFile(Join(GetConfigurationFolder(), "user-dirs.dirs"), mostBytes);
-    if (!file)
+    if (!file) {
         return folder;
+    }
     // The file is a list of assignments for a shell, where the last one holds.
-    for (const String& line : String(std::string(file->begin(), file->end())).Split('\n'))
+    for (const String& line : String(std::string(file->begin(), file->end())).Split('\n')) {
         folder = ParseDocumentsLine(line.View()).value_or(folder);
+    }
     return folder;
 }
 
 String ExpandUserFolders(const String& pattern)
 {
     const String documents("%USERDOCS%");
-    if (!pattern.StartsWith(documents))
+    if (!pattern.StartsWith(documents)) {
         return ToNative(pattern);
+    }
     return GetDocumentsFolder() + ToNative(pattern.Mid(documents.Length()));
 }
 

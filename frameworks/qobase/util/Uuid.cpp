@@ -34,8 +34,9 @@ String FormatUuid(const Uuid& uuid)
     constexpr std::string_view digits = "0123456789abcdef";
     std::string text;
     for (const uint8_t byte : uuid) {
-        if (IsHyphenAt(text.size()))
+        if (IsHyphenAt(text.size())) {
             text += '-';
+        }
         text += digits[byte >> 4];
         text += digits[byte & 0x0F];
     }
@@ -45,16 +46,19 @@ String FormatUuid(const Uuid& uuid)
 std::optional<Uuid> ParseUuid(const String& text)
 {
     const std::string_view view = text.View();
-    if (view.size() != textLength)
+    if (view.size() != textLength) {
         return std::nullopt;
+    }
     Uuid uuid{};
     std::size_t position = 0;
     for (uint8_t& byte : uuid) {
-        if (IsHyphenAt(position) && view[position++] != '-')
+        if (IsHyphenAt(position) && view[position++] != '-') {
             return std::nullopt;
+        }
         const char* const end = view.data() + position + 2;
-        if (std::from_chars(view.data() + position, end, byte, 16).ptr != end)
+        if (std::from_chars(view.data() + position, end, byte, 16).ptr != end) {
             return std::nullopt;
+        }
         position += 2;
     }
     return uuid;

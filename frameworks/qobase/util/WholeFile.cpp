@@ -33,40 +33,47 @@ public:
     ~Replacement()
     {
         static_cast<void>(CloseOnce());
-        if (!temporary.IsNull())
+        if (!temporary.IsNull()) {
             Platform::RemoveFile(temporary);
+        }
     }
 
     Expected<void> Make()
     {
         const auto former = Platform::GetStatus(target);
-        if (const int error = CheckFormer(former); error != 0)
+        if (const int error = CheckFormer(former); error != 0) {
             return Failure("Error opening file", error);
+        }
         // Never more open to others than the former file was, not even while it is written.
         const bool isNew = former.error != 0;
         int error = isNew ? OpenUnique(newFilePermissions) : OpenUnique(former.permissions);
-        if (error == 0 && !isNew)
+        if (error == 0 && !isNew) {
             error = Platform::CopyOwnership(descriptor, former);
-        if (error != 0)
+        }
+        if (error != 0) {
             return Failure("Error opening file", error);
+        }
         return {};
     }
 
     Expected<void> Write(ByteSpan bytes)
     {
         const auto moved = Platform::WriteBytes(descriptor, bytes.data(), bytes.size());
-        if (moved.bytes == bytes.size())
+        if (moved.bytes == bytes.size()) {
             return {};
+        }
         const auto text = String("Attempt to write %1 bytes, only wrote %2 bytes");
         return Failure(text.arg(uint64_t{bytes.size()}).arg(moved.bytes), moved.error);
     }
 
     Expected<void> TakePlace()
     {
-        if (auto finished = Finish(); !finished)
+        if (auto finished = Finish(); !finished) {
             return finished;
-        if (const int error = Platform::RenameFile(temporary, target); error != 0)
+        }
+        if (const int error = Platform::RenameFile(temporary, target); error != 0) {
             return Failure("MoveFileEx failed", error);
+        }
         NoteInPlace();
         return {};
     }
@@ -74,13 +81,16 @@ public:
     /// False when somebody has the place.
     Expected<bool> TakeFreePlace()
     {
-        if (auto finished = Finish(); !finished)
+        if (auto finished = Finish(); !finished) {
             return finished.GetError();
+        }
         const int error = Platform::RenameFileToNew(temporary, target);
-        if (error == EEXIST)
+        if (error == EEXIST) {
             return false;
-        if (error != 0)
+        }
+        if (error != 0) {
             return Failure("MoveFileEx failed", error).GetError();
+        }
         NoteInPlace();
         return true;
     }
@@ -89,10 +99,12 @@ private:
     Expected<void> Finish()
     {
         // Without the flush a crash could leave the new name with no contents behind it.
-        if (const int error = Platform::FlushToDisk(descriptor); error != 0)
+        if (const int error = Platform::FlushToDisk(descriptor); error != 0) {
             return Failure("Flush failed", error);
-        if (const int error = CloseOnce(); error != 0)
+        }
+        if (const int error = CloseOnce(); error != 0) {
             return Failure("Close failed", error);
+        }
         return {};
     }
 
@@ -106,10 +118,12 @@ private:
 
     int CheckFormer(const Platform::Status& former) const
     {
-        if (former.error != 0)
+        if (former.error != 0) {
             return former.error == ENOENT ? 0 : former.error;
-        if (former.kind == Platform::Kind::Folder)
+        }
+        if (former.kind == Platform::Kind::Folder) {
             return EISDIR;
+        }
         // Renaming over a device or a pipe would put a plain file in its place.
         return former.kind == Platform::Kind::Regular ? Platform::CheckWritable(target) : EINVAL;
     }
@@ -127,8 +141,9 @@ private:
             const auto opened = Platform::OpenFile(path, Platform::Access::CreateNew, permissions);
             descriptor = opened.descriptor;
             error = opened.error;
-            if (error == 0)
+            if (error == 0) {
                 temporary = path;
+            }
         }
         return error;
     }
@@ -177,8 +192,9 @@ Expected<String> FollowLinks(const String& path)
     for (int i = 0; i < mostLinks; ++i) {
         std::error_code error;
         const auto aim = std::filesystem::read_symlink(place, error);
-        if (error)
+        if (error) {
             return String(place.string()); // no link
+        }
         place = place.parent_path() / aim; // an absolute aim replaces the folder
     }
     return File::MakeError("Error opening file", path, ELOOP);
@@ -202,8 +218,9 @@ ReadToEnd(int descriptor, const String& path, uint64_t statedSize, uint64_t maxB
             const auto text = String("Attempt to read %1 bytes, only read %2 bytes");
             return File::MakeError(text.arg(step).arg(moved.bytes), path, moved.error);
         }
-        if (moved.bytes < step)
+        if (moved.bytes < step) {
             return bytes;
+        }
         step = std::clamp<uint64_t>(bytes.size(), firstStepBytes, largestStepBytes);
     }
     return TooLarge(path, maxBytes);
@@ -217,13 +234,16 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes)
     const auto status = Platform::GetStatus(path);
     const int error =
         status.kind == Platform::Kind::Other && status.error == 0 ? EINVAL : status.error;
-    if (error != 0)
+    if (error != 0) {
         return File::MakeError("Error opening file", path, error);
-    if (status.kind == Platform::Kind::Regular && status.size > maxBytes)
+    }
+    if (status.kind == Platform::Kind::Regular && status.size > maxBytes) {
         return TooLarge(path, maxBytes);
+    }
     const auto opened = Platform::OpenFile(path, Platform::Access::Read);
-    if (opened.error != 0)
+    if (opened.error != 0) {
         return File::MakeError("Error opening file", path, opened.error);
+    }
     const ReadDescriptor owner(opened.descriptor);
     return ReadToEnd(opened.descriptor, path, status.size, maxBytes);
 }
@@ -231,34 +251,41 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes)
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes)
 {
     const auto target = FollowLinks(path);
-    if (!target)
+    if (!target) {
         return target.GetError();
+    }
     Replacement replacement(*target);
-    if (auto made = replacement.Make(); !made)
+    if (auto made = replacement.Make(); !made) {
         return made;
-    if (auto written = replacement.Write(bytes); !written)
+    }
+    if (auto written = replacement.Write(bytes); !written) {
         return written;
+    }
     return replacement.TakePlace();
 }
 
 Expected<bool> CreateWholeFile(const String& path, ByteSpan bytes)
 {
     std::error_code unknown; // what can't be looked at is told by the making
-    if (std::filesystem::exists(std::filesystem::symlink_status(path.ToStdString(), unknown)))
+    if (std::filesystem::exists(std::filesystem::symlink_status(path.ToStdString(), unknown))) {
         return false;
+    }
     Replacement replacement(path);
-    if (auto made = replacement.Make(); !made)
+    if (auto made = replacement.Make(); !made) {
         return made.GetError();
-    if (auto written = replacement.Write(bytes); !written)
+    }
+    if (auto written = replacement.Write(bytes); !written) {
         return written.GetError();
+    }
     return replacement.TakeFreePlace();
 }
 
 Expected<void> SetFileAside(const String& path, const String& wanted)
 {
     String target = wanted;
-    for (uint32_t number = 2; File(target).Exists(); ++number)
+    for (uint32_t number = 2; File(target).Exists(); ++number) {
         target = (wanted + "-%1").arg(number);
+    }
     return File(path).Move(target);
 }
 

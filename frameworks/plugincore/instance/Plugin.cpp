@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/Plugin.h"
 
-#include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/Realtime.h"
-#include "frameworks/qobase/util/Tick.h"
 
-#include <algorithm>
-#include <exception>
-#include <mutex>
-#include <utility>
+#include <iterator>
 
 namespace {
 

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: ISC
+#include "frameworks/plugincore/instance/LatencyReport.h"
+
+#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+#include "tests/support/TestElementHost.h"
+
+using namespace RecorderRig;
+
+TEST(LatencyReportTest, KeepsTheElementsSumWhateverTheHostIsTold)
+{
+    Support::TestElementHost host;
+    HostCallback refusing(nullptr, nullptr);
+    TestTransform path(host, 48000.0F, 0);
+    path.GetRecorder().SetFloatValue(0, 25.0F, Side::UI, DSP::SourceHost);
+    const std::vector<std::pair<LatencyReport::Settings, uint32_t>> cases{
+        {{}, 25}, {{true, 512}, 512}, {{false, 512}, 0}};
+    for (const auto& [settings, told] : cases) {
+        LatencyReport report(settings, host, refusing);
+        report.onElementChanged(Side::Process); // its elements are still under construction
+        EXPECT_EQ(report.GetSum(Side::Process), 0U);
+        report.Attach(&path);
+        report.onElementChanged(Side::Process); // no audio runs, so that both halves are done
+        for (const Side side : {Side::Process, Side::UI}) {
+            EXPECT_EQ(report.GetSum(side), 25U);
+            EXPECT_EQ(report.GetReported(side), told);
+        }
+    }
+}

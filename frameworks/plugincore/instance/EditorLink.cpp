@@ -5,7 +5,6 @@
 
 void EditorLink::Attach(Editor* newEditor)
 {
-    isPending = false;
     isStateChanged = false;
     editor = newEditor;
     thread = newEditor != nullptr ? std::this_thread::get_id() : std::thread::id();

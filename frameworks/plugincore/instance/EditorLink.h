@@ -6,13 +6,13 @@
 #include <thread>
 
 /// The link between an instance and its open editor: whose thread the editor is, and what it still
-/// has to be told. The editor stays its maker's.
+/// has to follow. The editor stays its maker's.
 ///
 /// Threads: all under the UI lock, a change of format under the processing lock as well. [ui]
 class EditorLink {
 public:
-    /// The editor of the calling thread from now on; null: there is none. What was left to be done
-    /// for the former one is dropped.
+    /// The editor of the calling thread from now on; null: there is none. It follows no change of
+    /// state from before.
     void Attach(Editor* newEditor);
     Editor* Get() const { return editor; }
     bool IsOpen() const { return editor != nullptr; }
@@ -46,8 +46,8 @@ private:
     bool isStateChanged = false;
 };
 
-/// From here to the end of the scope a whole state is loaded: its editor, if any, learns of the
-/// begin and the end. [ui]
+/// From here to the end of the scope a whole state is loaded: its editor, if any, is notified
+/// of the begin and the end. [ui]
 class EditorLoadScope {
 public:
     explicit EditorLoadScope(const EditorLink& link);

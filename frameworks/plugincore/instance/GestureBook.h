@@ -15,12 +15,12 @@ class Element;
 /// gestures may be part, is done. Gestures of one parameter may overlap and count as one. [ui]
 class GestureBook {
 public:
-    /// A parameter is held once more. True when the host is to hear of it: that is the first hold,
+    /// A parameter is held once more. True when the host is to be notified: that is the first hold,
     /// and `mayReport`.
     bool Grab(const DSP::Element& element, const String& name, bool mayReport);
 
     struct Ended {
-        bool wasReported = false;  ///< the last hold is gone, and the host has heard of the first
+        bool wasReported = false;  ///< the last hold is gone, and the first was reported
         bool isActionDone = false; ///< nothing goes on any more, and something has changed
     };
     /// One without its Grab() ends nothing.

@@ -13,7 +13,7 @@
 /// long as a thread holds a lock that the wrapper's answer must not meet.
 class HostCallback {
 public:
-    /// Something that the host is to hear.
+    /// Something that the host is to be notified of.
     struct Notification {
         PluginCoreHostOpcode opcode;
         DSP::Context context;

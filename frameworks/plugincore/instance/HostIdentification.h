@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-/// Which program has loaded the module. Some hosts need a difference in behaviour, told by number.
+/// Which program has loaded the module. Some hosts need a difference in behaviour, which goes by
+/// the number.
 struct HostIdentity {
     uint32_t number = 0;
     const char* name = "";

@@ -11,8 +11,8 @@
 #include <thread>
 
 /// The two latencies of an instance, one for each side, and how a change of one reaches the other:
-/// the side that learns of it first does its own half and leaves a mark for the other half, which
-/// is done by whichever side comes next.
+/// the side that it comes from does its own half and leaves a mark for the other half, which is
+/// done by whichever side comes next.
 ///
 /// Threads: a call for a side comes from that side, or from one that knows the other to rest. No
 /// lock of its own: values and marks are atomic, and a mark is exchanged, so that only one side
@@ -21,7 +21,7 @@ class LatencyReport {
 public:
     /// What a host is to be given, whatever the elements say.
     struct Settings {
-        bool isCompensated = true;      ///< false: the host is told of no latency
+        bool isCompensated = true;      ///< false: 0 is reported
         std::optional<uint32_t> frozen; ///< samples, in place of the elements' sum
     };
     enum class Notify { No, Yes };
@@ -35,7 +35,7 @@ public:
     /// being made or destroyed. [setup]
     void Attach(const DSP::TransformBase* newPath) { path = newPath; }
 
-    /// Sums anew for a side, and notifies the host when what it was told no longer holds. [any]
+    /// Sums anew for a side, and notifies the host when what was reported no longer holds. [any]
     void Update(DSP::Context context, Notify notify);
     /// The same when a change of the other side has left a mark for this one. [any]
     void Check(DSP::Context context);
@@ -46,7 +46,7 @@ public:
 
     /// What the elements of that side's path add up to, in samples, whatever the settings. [any]
     uint32_t GetSum(DSP::Context context) const { return GetSide(context).sum; }
-    /// What the host was told, in samples. [any]
+    /// What was reported to the host last, in samples. [any]
     uint32_t GetReported(DSP::Context context) const { return GetSide(context).reported; }
     /// The same as the answer to a host: the UI side's figure includes the host's own delay. Asks
     /// the host. [any]

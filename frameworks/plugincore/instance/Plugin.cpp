@@ -48,7 +48,7 @@ Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
     , timer(MakeTimerSetup())
 {
     latency.Attach(transform.get());
-    // The host has no instance yet that it could be told about.
+    // Without notice: the host has no instance yet.
     latency.Update(DSP::Context::UI, LatencyReport::Notify::No);
     latency.Update(DSP::Context::Process, LatencyReport::Notify::No);
     transform->PlanDryDelay();

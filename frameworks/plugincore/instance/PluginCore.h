@@ -70,14 +70,14 @@ struct PluginCore {
     /// `version` is that of the program that saved the chunk, or of its states; `source` goes with
     /// each changed value. False, and nothing changed, when the chunk can't be read.
     virtual bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source) = 0;
-    /// Whether the chunk's values are those of now. False when that can't be told.
+    /// Whether the chunk's values are those of now. False when they can't be compared.
     virtual bool CompareChunk(Util::ByteSpan chunk, bool& equal) = 0;
     /// The host has saved or loaded: the instance is not as it was created.
     virtual void ClearDefaultState() = 0;
 
     /// Whether the caller is a host callback that runs within the signal path. [any]
     virtual bool IsInSignalPath() const = 0;
-    /// Not heard from within the signal path.
+    /// Ignored from within the signal path.
     virtual void SetStreamFormat(float sampleRate, uint32_t channelConfig) = 0;
     /// Samples.
     virtual uint32_t GetLatency(DSP::Context context) const = 0;

@@ -38,7 +38,8 @@ String GetFactoryPresetFolder(const PluginDefinition& definition, const String& 
 {
     const String folder = definition.GetFactoryPresetFolder();
     if (folder.IsEmpty() && modulePath.IsEmpty()) {
-        return {}; // a wrapper that doesn't tell: no presets, rather than those of another folder
+        return {}; // a wrapper that doesn't state its place: no presets, rather than those of
+                   // another folder
     }
     return folder.IsEmpty() ? Util::Path::Join(Util::Path::GetFolder(modulePath), "Presets")
                             : Util::Path::ExpandUserFolders(folder);
@@ -75,8 +76,8 @@ String Describe(const String& name, const Util::ErrorVariant& error)
     if (reason.IsEmpty()) {
         return text;
     }
-    const bool isTold = subject.IsEmpty() || text.Find(subject);
-    return text + " (" + (isTold ? reason : subject + ": " + reason) + ")";
+    const bool isNamed = subject.IsEmpty() || text.Find(subject);
+    return text + " (" + (isNamed ? reason : subject + ": " + reason) + ")";
 }
 
 void Fail(const String& message, PresetRecord& record)

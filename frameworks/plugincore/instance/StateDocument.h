@@ -8,7 +8,7 @@
 #include <optional>
 
 /// What a saved state of an instance holds, as text: a dictionary of the elements' values, of the
-/// session's context and of what tells sessions apart. Every call builds it anew from what there
+/// session's context and of its identifier. Every call builds it anew from what there
 /// is, or sets what there is by it.
 ///
 /// Threads: all under the UI lock. [ui]
@@ -29,7 +29,8 @@ public:
     /// Text that is no state, or the state of a later program, changes nothing. `source` goes with
     /// each changed value.
     void Apply(Util::ByteSpan text, DSP::ValueSource source);
-    /// Whether the text's values are those of now; empty when that can't be told.
+    /// Whether the text's values are those of now; empty when they
+    /// can't be compared.
     std::optional<bool> IsSame(Util::ByteSpan text) const;
 
     /// The host has saved or loaded: the instance isn't as it was created.

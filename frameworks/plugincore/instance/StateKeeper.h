@@ -14,7 +14,7 @@
 /// Threads: all under the UI lock; Save() and Restore() come with the processing lock as well. [ui]
 class StateKeeper {
 public:
-    /// What a state is loaded into, and who learns of it. All outlive the keeper.
+    /// What a state is loaded into, and who follows it. All outlive the keeper.
     struct Parts {
         DSP::TransformBase& path;
         EditorLink& editor;

@@ -6,7 +6,7 @@
 
 using namespace RecorderRig;
 
-TEST(LatencyReportTest, KeepsTheElementsSumWhateverTheHostIsTold)
+TEST(LatencyReportTest, KeepsTheElementsSumWhateverIsReported)
 {
     Support::TestElementHost host;
     HostCallback refusing(nullptr, nullptr);
@@ -14,7 +14,7 @@ TEST(LatencyReportTest, KeepsTheElementsSumWhateverTheHostIsTold)
     path.GetRecorder().SetFloatValue(0, 25.0F, Side::UI, DSP::SourceHost);
     const std::vector<std::pair<LatencyReport::Settings, uint32_t>> cases{
         {{}, 25}, {{true, 512}, 512}, {{false, 512}, 0}};
-    for (const auto& [settings, told] : cases) {
+    for (const auto& [settings, reported] : cases) {
         LatencyReport report(settings, host, refusing);
         report.onElementChanged(Side::Process); // its elements are still under construction
         EXPECT_EQ(report.GetSum(Side::Process), 0U);
@@ -22,7 +22,7 @@ TEST(LatencyReportTest, KeepsTheElementsSumWhateverTheHostIsTold)
         report.onElementChanged(Side::Process); // no audio runs, so that both halves are done
         for (const Side side : {Side::Process, Side::UI}) {
             EXPECT_EQ(report.GetSum(side), 25U);
-            EXPECT_EQ(report.GetReported(side), told);
+            EXPECT_EQ(report.GetReported(side), reported);
         }
     }
 }

@@ -63,6 +63,11 @@ bool Request(const Instance& instance, EntryKey key, PresetRecord& record, const
 
 } // namespace
 
+bool Presets::IsFile(const std::string& name)
+{
+    return PluginCoreIsPresetPath(name.c_str()) != 0;
+}
+
 std::optional<std::vector<Preset>> Presets::List()
 {
     PresetRecord list = {};

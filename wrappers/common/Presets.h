@@ -26,6 +26,9 @@ public:
     {
     }
 
+    /// Whether this stands for a file and not for the name of a preset, as the module decides it.
+    static bool IsFile(const std::string& name);
+
     /// Looks at the folders anew.
     std::optional<std::vector<Preset>> List();
     /// Sets the instance by a preset's name or file.

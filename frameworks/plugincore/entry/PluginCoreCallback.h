@@ -15,6 +15,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -557,9 +558,8 @@ typedef struct PresetRecord {
     uint32_t index; /**< in of PresetOpDescribe: place in the list made by PresetOpList */
     uint32_t group; /**< out of PresetOpDescribe: PluginCorePresetGroup */
     uint32_t reserved20;
-    /** In: a preset's name, or a file's path: one with "/" or ending in ".xml". PresetOpApply takes
-     * a path without a file for a name, "/" for "-". PresetOpSave without a name makes a new one.
-     */
+    /** In: a preset's name, or a file's path: see PluginCoreIsPresetPath(). PresetOpApply takes a
+     * path without a file for a name, "/" for "-". PresetOpSave without a name makes a new one. */
     const char* name;
     const char* comment;      /**< in of PresetOpSave; null: none */
     char presetName[256];     /**< out; texts are UTF-8, cut to their field and terminated */
@@ -569,6 +569,14 @@ typedef struct PresetRecord {
      * comment, such as a fault of the file, or that another preset hides this one. */
     char message[1024];
 } PresetRecord;
+
+/** Whether the `name` of a PresetRecord is a file's path and not a preset's name: not 0 for what
+ * holds a "/" or ends in ".xml", in small letters. */
+static inline int PluginCoreIsPresetPath(const char* name)
+{
+    const size_t length = strlen(name);
+    return strchr(name, '/') != NULL || (length >= 4 && strcmp(name + length - 4, ".xml") == 0);
+}
 
 /** Sub-operations of PLUGIN_CORE_MESSAGE_PRESET. */
 typedef enum PluginCorePresetOp {

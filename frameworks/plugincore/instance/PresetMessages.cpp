@@ -19,7 +19,7 @@ using Preset::PresetManager;
 
 bool IsPath(const String& name)
 {
-    return name.Find("/") || name.View().ends_with(".xml");
+    return PluginCoreIsPresetPath(name.c_str()) != 0;
 }
 
 String GetDefaultPresetFolder(const PluginDefinition& definition)

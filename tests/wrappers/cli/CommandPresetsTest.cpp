@@ -160,14 +160,19 @@ TEST_F(CommandPresets, BothTargetsAreGoodBeforeEitherIsWritten)
     EXPECT_EQ(ReadBytes(preset), "mine");
 }
 
-TEST_F(CommandPresets, AFileMayEndInLargeLetters)
+TEST_F(CommandPresets, WhatHoldsASlashOrEndsInXmlIsAFile)
 {
-    RunSetup inside;
-    inside.folder = folder.GetPath();
-    Say({"--strength", "7", "--save-preset", "mine.XML"}, inside);
-    EXPECT_TRUE(std::filesystem::exists(folder / "mine.XML"));
-    const std::string table = Say({"--preset", "mine.XML", "--print-params"}, inside);
-    EXPECT_EQ(table, Say({"--strength", "7", "--print-params"}));
+    const RunSetup inside = {.folder = folder.GetPath()};
+    for (const char* name : {"mine.xml", "./mine.XML", "./mine"}) {
+        Say({"--strength", "7", "--save-preset", name}, inside);
+        EXPECT_TRUE(std::filesystem::exists(folder / name)) << name;
+        const std::string table = Say({"--preset", name, "--print-params"}, inside);
+        EXPECT_EQ(table, Say({"--strength", "7", "--print-params"})) << name;
+    }
+    // Anything else is the name of a preset, which is one of the user's own.
+    Say({"--strength", "7", "--save-preset", "new.XML"}, inside);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new.XML"));
+    EXPECT_EQ(Find("new.XML")["from"], "user");
 }
 
 TEST_F(CommandPresets, ALongCommentIsCutVisibly)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 namespace Cli {
 
@@ -26,8 +25,5 @@ struct SessionOptions {
     /// somewhere else than into recordings.
     bool IsWanted() const { return IsTaskInItself() || !preset.empty() || !stateIn.empty(); }
 };
-
-/// True when `preset` stands for a file and not for the name of a preset.
-bool IsPresetFile(std::string_view preset);
 
 } // namespace Cli

@@ -7,6 +7,7 @@
 #include "wrappers/cli/files/OutputFile.h"
 #include "wrappers/cli/files/StateFile.h"
 #include "wrappers/cli/text/Text.h"
+#include "wrappers/common/Presets.h"
 
 #include <fmt/format.h>
 
@@ -68,18 +69,10 @@ void LoadState(Effect& effect, const SharedModule& module, const std::string& pa
     }
 }
 
-// The module knows a file without a folder by ".xml" in small letters alone.
-std::string NameForModule(const std::string& name)
-{
-    const bool isUnknownFile =
-        IsPresetFile(name) && name.find('/') == std::string::npos && !name.ends_with(".xml");
-    return isUnknownFile ? "./" + name : name;
-}
-
 Wrapper::Preset ApplyPreset(Effect& effect, const std::string& name)
 {
     try {
-        return effect.ApplyPreset(NameForModule(name));
+        return effect.ApplyPreset(name);
     } catch (const FileError& error) {
         throw UsageError(Printable(error.what()));
     }
@@ -89,7 +82,7 @@ Wrapper::Preset ApplyPreset(Effect& effect, const std::string& name)
 void CheckPresetTarget(Effect& effect, const Options& options)
 {
     const std::string& target = options.session.savePreset;
-    if (IsPresetFile(target)) {
+    if (Wrapper::Presets::IsFile(target)) {
         Naming(Printable(target), [&] { CheckNewFile(target, options.overwrite); });
         return;
     }
@@ -126,8 +119,8 @@ void Save(Effect& effect, const Options& options, Session& session)
         stateFile = OpenState(options);
     }
     if (!wanted.savePreset.empty()) {
-        session.savedPreset = effect.SavePreset(
-            NameForModule(wanted.savePreset), ToUtf8(wanted.comment), options.overwrite);
+        session.savedPreset =
+            effect.SavePreset(wanted.savePreset, ToUtf8(wanted.comment), options.overwrite);
     }
     if (stateFile) {
         SaveState(effect, wanted.stateOut, *stateFile);

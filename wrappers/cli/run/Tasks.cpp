@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/text/Text.h"
+#include "wrappers/common/Presets.h"
 
 #include <fmt/format.h>
 
@@ -194,8 +195,9 @@ private:
 void ClaimRunFiles(Claims& claims, const Options& options)
 {
     const SessionOptions& session = options.session;
-    const std::string preset = IsPresetFile(session.preset) ? session.preset : "";
-    const std::string savedPreset = IsPresetFile(session.savePreset) ? session.savePreset : "";
+    const std::string preset = Wrapper::Presets::IsFile(session.preset) ? session.preset : "";
+    const std::string savedPreset =
+        Wrapper::Presets::IsFile(session.savePreset) ? session.savePreset : "";
     claims.Protect(preset, "the preset");
     claims.Protect(session.stateIn, "the session");
     const auto claim = [&](const char* option,

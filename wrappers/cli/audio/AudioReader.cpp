@@ -21,16 +21,6 @@ namespace Cli {
 
 namespace {
 
-FileDescriptor OpenForReading(const std::string& path)
-{
-    FileDescriptor file(path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
-                                    : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file.IsOpen()) {
-        throw FileError::FromErrno(errno);
-    }
-    return file;
-}
-
 bool IsSeekable(int descriptor)
 {
     return ::lseek(descriptor, 0, SEEK_CUR) >= 0;
@@ -87,15 +77,15 @@ void CheckLimits(const SF_INFO& info)
 
 } // namespace
 
-AudioReader::AudioReader(const std::string& path, const std::optional<RawFormat>& raw)
-    : file(OpenForReading(path))
+AudioReader::AudioReader(const FileName& name, const std::optional<RawFormat>& raw)
+    : file(OpenForReading(name))
 {
     struct stat status = {};
     if (::fstat(file.Get(), &status) == 0 && S_ISDIR(status.st_mode)) {
         throw FileError("is a directory");
     }
-    const std::string extension = LowerCase(std::filesystem::path(path).extension().string());
-    const bool isRaw = raw && (path == "-" || extension == ".raw");
+    const std::string extension = LowerCase(std::filesystem::path(name.Get()).extension().string());
+    const bool isRaw = raw && (name.IsStream() || extension == ".raw");
     const bool isFile = S_ISREG(status.st_mode) && IsSeekable(file.Get());
     if (isFile && status.st_size == 0) {
         throw FileError("the file is empty");

@@ -5,6 +5,7 @@
 #include "wrappers/cli/audio/DescriptorIo.h"
 #include "wrappers/cli/audio/Metadata.h"
 #include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileName.h"
 
 #include <cstdint>
 #include <memory>
@@ -20,9 +21,9 @@ namespace Cli {
 /// to, so a stream of those is first put into a nameless temporary file.
 class AudioReader {
 public:
-    /// `path` "-" is standard input. `raw` is what standard input, other streams and files ending
-    /// in .raw hold when they carry no head. Throws FileError.
-    AudioReader(const std::string& path, const std::optional<RawFormat>& raw);
+    /// `raw` is what standard input, other streams and files ending in .raw hold when they carry no
+    /// head. Throws FileError.
+    AudioReader(const FileName& name, const std::optional<RawFormat>& raw);
 
     int GetSampleRate() const { return info.samplerate; } ///< Hz
     int GetChannels() const { return info.channels; }

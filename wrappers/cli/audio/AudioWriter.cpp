@@ -25,7 +25,7 @@ bool IsWavContainer(int format)
 } // namespace
 
 AudioWriter::AudioWriter(const Target& target, const Metadata& metadata)
-    : output(target.path, target.overwrite)
+    : output(target.name, target.overwrite)
     , format(target.format)
 {
     info.samplerate = target.sampleRate;

@@ -21,7 +21,7 @@ namespace Cli {
 class AudioWriter {
 public:
     struct Target {
-        std::string path; ///< "-" is standard output
+        FileName name;
         Overwrite overwrite = Overwrite::Refuse;
         int format = 0; ///< complete format word of libsndfile
         int sampleRate = 0;

@@ -34,6 +34,17 @@ bool FileDescriptor::Close()
     return number < 0 || ::close(number) == 0;
 }
 
+FileDescriptor OpenForReading(const FileName& name)
+{
+    FileDescriptor file(name.IsStream()
+                            ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
+                            : ::open(name.Get().c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file.IsOpen()) {
+        throw FileError::FromErrno(errno);
+    }
+    return file;
+}
+
 size_t ReadFully(int descriptor, std::span<char> target, int& failure)
 {
     size_t done = 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/files/FileName.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -39,6 +41,9 @@ public:
 private:
     int descriptor = -1;
 };
+
+/// Opens a file, or standard input for a stream. Throws FileError.
+FileDescriptor OpenForReading(const FileName& name);
 
 /// Reads until `target` is full, the input ends or an error comes, whose number goes to `failure`;
 /// returns the bytes read.

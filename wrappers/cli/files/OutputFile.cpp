@@ -55,8 +55,8 @@ void CheckNewFile(const std::string& target, Overwrite overwrite)
     }
 }
 
-OutputFile::OutputFile(const std::string& newTarget, Overwrite newOverwrite)
-    : target(FollowLinks(newTarget))
+OutputFile::OutputFile(const FileName& newTarget, Overwrite newOverwrite)
+    : target(FollowLinks(newTarget.Get()))
     , overwrite(newOverwrite)
     , isStream(OpenStream(newTarget))
 {
@@ -79,14 +79,14 @@ OutputFile::~OutputFile()
     }
 }
 
-bool OutputFile::OpenStream(const std::string& newTarget)
+bool OutputFile::OpenStream(const FileName& newTarget)
 {
+    const char* const path = newTarget.Get().c_str();
     struct stat status = {};
-    if (newTarget == "-") {
+    if (newTarget.IsStream()) {
         file = FileDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3));
-    } else if (::stat(newTarget.c_str(), &status) == 0 && !S_ISREG(status.st_mode) &&
-               !S_ISDIR(status.st_mode)) {
-        file = FileDescriptor(::open(newTarget.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    } else if (::stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
+        file = FileDescriptor(::open(path, O_WRONLY | O_CLOEXEC | O_NOCTTY));
     } else {
         return false;
     }

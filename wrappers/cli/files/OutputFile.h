@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/files/CleanUp.h"
 #include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileName.h"
 
 #include <memory>
 #include <string>
@@ -22,12 +23,12 @@ void CheckNewFile(const std::string& target, Overwrite overwrite);
 /// it. Without Commit(), and when a signal ends the process, the hidden file is removed. A target
 /// that is a symbolic link is followed; owner and permissions of a replaced file are kept.
 ///
-/// "-" (standard output) and targets that exist and are no regular file, such as a pipe or a
-/// device, take the bytes as they come.
+/// Standard output and targets that exist and are no regular file, such as a pipe or a device, take
+/// the bytes as they come.
 class OutputFile {
 public:
     /// Throws FileError, also when the target exists and `overwrite` is Refuse.
-    OutputFile(const std::string& target, Overwrite overwrite);
+    OutputFile(const FileName& newTarget, Overwrite newOverwrite);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -47,7 +48,7 @@ public:
     void WriteWhole(std::string_view content);
 
 private:
-    bool OpenStream(const std::string& newTarget);
+    bool OpenStream(const FileName& newTarget);
     void KeepAttributes() const;
     void Rename() const;
 

@@ -5,33 +5,17 @@
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/common/SessionBytes.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-
 namespace Cli {
 
 namespace {
 
 constexpr size_t piece = size_t{64} * 1024;
 
-FileDescriptor Open(const std::string& path)
-{
-    FileDescriptor file(path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)
-                                    : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file.IsOpen()) {
-        throw FileError::FromErrno(errno);
-    }
-    return file;
-}
-
 } // namespace
 
-std::string ReadStateFile(const std::string& path)
+std::string ReadStateFile(const FileName& name)
 {
-    const FileDescriptor file = Open(path);
+    const FileDescriptor file = OpenForReading(name);
     std::string bytes;
     size_t count = piece;
     // As far as there is something: a pipe doesn't say how much will come.

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/files/FileName.h"
+
 #include <string>
 
 namespace Cli {
 
-/// The bytes of a saved session; "-" reads standard input. Throws FileError, whose text doesn't
-/// name the file.
-std::string ReadStateFile(const std::string& path);
+/// The bytes of a saved session. Throws FileError, whose text doesn't name the file.
+std::string ReadStateFile(const FileName& name);
 
 } // namespace Cli

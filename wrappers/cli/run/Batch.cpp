@@ -19,11 +19,6 @@ namespace {
 constexpr int allDone = 0;
 constexpr int someFailed = 1;
 
-std::string DisplayName(const std::string& path)
-{
-    return path == "-" ? "stdin" : path;
-}
-
 void WriteText(int descriptor, std::string_view text)
 {
     const int failure = WriteFully(descriptor, text);
@@ -46,17 +41,17 @@ Console::Config ConsoleConfig(const Options& options, size_t files)
 void Tell(Console& console, const FileReport& report)
 {
     if (!report.failure.empty()) {
-        console.Complain(DisplayName(report.input), report.failure);
+        console.Complain(report.input.InputLabel(), report.failure);
         return;
     }
     if (report.nonFiniteSamples > 0) {
-        console.Complain(DisplayName(report.input),
+        console.Complain(report.input.InputLabel(),
                          fmt::format("{} sample{} no finite number; taken for 0",
                                      report.nonFiniteSamples,
                                      report.nonFiniteSamples == 1 ? " was" : "s were"));
     }
     if (report.lostRepairs > 0) {
-        console.Complain(DisplayName(report.input),
+        console.Complain(report.input.InputLabel(),
                          fmt::format("{} repairs were made but are missing from the reports",
                                      report.lostRepairs));
     }
@@ -109,15 +104,15 @@ void TellSaved(Console& console, const Session& session)
     if (!session.savedPreset.empty()) {
         console.Result("preset -> " + Printable(session.savedPreset));
     }
-    if (!session.savedState.empty() && session.savedState != "-") {
-        console.Result("session -> " + Printable(session.savedState));
+    if (!session.savedState.IsEmpty() && !session.savedState.IsStream()) {
+        console.Result("session -> " + Printable(session.savedState.Get()));
     }
 }
 
 // Answers null when no list is wanted.
 std::unique_ptr<EventsDocument> OpenEvents(const Options& options)
 {
-    if (options.events.empty()) {
+    if (options.events.IsEmpty()) {
         return nullptr;
     }
     const auto form = options.isSingle ? EventsDocument::Form::Object : EventsDocument::Form::Array;
@@ -167,12 +162,13 @@ bool RunAll(const Options& options,
                                module->GetProduct().versionText));
     TellSaved(console, session);
     std::unique_ptr<EventsDocument> events;
-    if (!Succeeds(console, options.events, [&] { events = OpenEvents(options); })) {
+    if (!Succeeds(console, options.events.Get(), [&] { events = OpenEvents(options); })) {
         return false;
     }
     const auto reports =
         RunTasks({options, module, session, console, events.get()}, tasks, console);
-    const bool hasEvents = !events || Succeeds(console, options.events, [&] { events->Finish(); });
+    const bool hasEvents =
+        !events || Succeeds(console, options.events.Get(), [&] { events->Finish(); });
     const bool hasSummary = TellSummary(options, session, reports, console);
     return hasEvents && hasSummary && !HasFailure(reports);
 }
@@ -187,7 +183,7 @@ int RunBatch(const Options& options)
     }
     const std::vector<Task> tasks = MakeTasks(options);
     if (tasks.empty() && !options.inputs.empty()) {
-        throw FileError("no recordings in " + Printable(options.inputs.front()));
+        throw FileError("no recordings in " + Printable(options.inputs.front().Get()));
     }
     const auto module = LoadModule();
     const Session session = MakeSession(options, module);

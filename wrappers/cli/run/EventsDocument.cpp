@@ -25,7 +25,7 @@ void WriteText(int descriptor, std::string_view text)
 std::string ObjectHead(const FileReport& report, const Controls& controls)
 {
     nlohmann::ordered_json json;
-    json["file"] = ToUtf8(report.input);
+    json["file"] = ToUtf8(report.input.Get());
     json["sampleRate"] = report.sampleRate;
     json["channels"] = report.channels;
     json["frames"] = report.frames;
@@ -57,8 +57,8 @@ std::string EventJson(const Event& event)
     return json.dump();
 }
 
-EventsDocument::EventsDocument(const std::string& path, Overwrite overwrite, Form newForm)
-    : output(path, overwrite)
+EventsDocument::EventsDocument(const FileName& name, Overwrite overwrite, Form newForm)
+    : output(name, overwrite)
     , form(newForm)
     , collected(OpenAnonymousFile())
 {

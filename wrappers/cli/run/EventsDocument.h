@@ -20,8 +20,8 @@ class EventsDocument {
 public:
     enum class Form { Object, Array };
 
-    /// Throws FileError when `path` can't be written.
-    EventsDocument(const std::string& path, Overwrite overwrite, Form newForm);
+    /// Throws FileError when the file can't be written.
+    EventsDocument(const FileName& name, Overwrite overwrite, Form newForm);
 
     /// Adds recording `number` of the run. Any thread. Throws FileError.
     void Add(size_t number,

@@ -33,9 +33,9 @@ size_t ChunkOf(int block)
     return frames >= least ? frames : least / frames * frames;
 }
 
-void MakeFolderOf(const std::string& path)
+void MakeFolderOf(const FileName& name)
 {
-    const auto folder = std::filesystem::path(path).parent_path();
+    const auto folder = std::filesystem::path(name.Get()).parent_path();
     std::error_code failure;
     if (!folder.empty()) {
         std::filesystem::create_directories(folder, failure);
@@ -46,16 +46,16 @@ void MakeFolderOf(const std::string& path)
 }
 
 // A report that appears together with the audio; the reason of a failure names it.
-std::unique_ptr<OutputFile> OpenReport(const std::string& path, const Options& options)
+std::unique_ptr<OutputFile> OpenReport(const FileName& name, const Options& options)
 {
-    if (path.empty()) {
+    if (name.IsEmpty()) {
         return nullptr;
     }
-    return Naming(path, [&] {
+    return Naming(name.Get(), [&] {
         if (!options.isSingle) {
-            MakeFolderOf(path);
+            MakeFolderOf(name);
         }
-        return std::make_unique<OutputFile>(path, options.overwrite);
+        return std::make_unique<OutputFile>(name, options.overwrite);
     });
 }
 
@@ -101,7 +101,7 @@ public:
         if (plot) {
             recorder = std::make_unique<PlotRecorder>(reader.GetSampleRate(), reader.GetChannels());
         }
-        if (!task.output.empty()) {
+        if (!task.output.IsEmpty()) {
             OpenWriter();
         }
     }
@@ -122,7 +122,7 @@ public:
         report.seconds = elapsed.count();
         WriteReports(report);
         if (writer) {
-            Naming(OutputLabel(), [&] { writer->Finish(); });
+            Naming(task.output.OutputLabel(), [&] { writer->Finish(); });
         }
         CommitReports();
         if (context.events != nullptr) {
@@ -131,8 +131,6 @@ public:
     }
 
 private:
-    // The reason of a failure names the output where that isn't the input.
-    std::string OutputLabel() const { return task.output == "-" ? "standard output" : task.output; }
     void OpenWriter();
     void Describe(FileReport& report) const;
     void ReadAll(FileReport& report);
@@ -172,7 +170,7 @@ void FileJob::OpenWriter()
         {task.input, task.output, reader.GetFormat(), reader.GetSampleRate(), reader.GetChannels()},
         options);
     AudioWriter::Target target;
-    target.path = task.output;
+    target.name = task.output;
     target.overwrite = options.isInPlace ? Overwrite::Allow : options.overwrite;
     target.format = outputFormat;
     target.sampleRate = reader.GetSampleRate();
@@ -184,7 +182,7 @@ void FileJob::OpenWriter()
     if (!options.outputDirectory.empty()) {
         MakeFolderOf(task.output);
     }
-    writer = Naming(OutputLabel(),
+    writer = Naming(task.output.OutputLabel(),
                     [&] { return std::make_unique<AudioWriter>(target, reader.GetMetadata()); });
     if (KindOf(outputFormat) == SampleKind::Integer) {
         quantiser = std::make_unique<Quantiser>(BitsOf(outputFormat),
@@ -204,7 +202,7 @@ void FileJob::Describe(FileReport& report) const
     context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; "
                                        "sensitivity {}, strength {}, up to {} Hz, "
                                        "latency scaling {}{}{}",
-                                       Printable(task.input),
+                                       Printable(task.input.Get()),
                                        FormatName(reader.GetFormat()),
                                        report.sampleRate,
                                        report.channels,
@@ -258,7 +256,7 @@ void FileJob::Emit(const Alignment::Pair& pair)
             pair.output[i] = pair.input[i] - pair.output[i];
         }
     }
-    Naming(OutputLabel(), [&] { writer->Write(pair.output); });
+    Naming(task.output.OutputLabel(), [&] { writer->Write(pair.output); });
 }
 
 void FileJob::Record(const Alignment::Pair& pair)
@@ -285,9 +283,9 @@ std::unique_ptr<PlotPainter> FileJob::MakePainter(const FileReport& report)
     }
     recorder->Finish();
     const Controls& controls = effect.GetControls();
-    const auto name = std::filesystem::path(task.input).filename().string();
+    const auto name = std::filesystem::path(task.input.Get()).filename().string();
     PlotCaption caption;
-    caption.title = task.input == "-" ? "standard input" : ToUtf8(Printable(name));
+    caption.title = task.input.IsStream() ? "standard input" : ToUtf8(Printable(name));
     caption.repairLimitHz = controls.bypass ? 0.0 : controls.upperFrequency;
     caption.details = fmt::format(
         "{} Hz, {} channel{}, {}   \u00B7   sensitivity {:g}, strength {:g}, up to {:g} Hz{}",
@@ -323,12 +321,12 @@ void FileJob::WriteReports(FileReport& report)
             WriteLabel(event);
         }
         context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
-                                           Printable(task.input),
+                                           Printable(task.input.Get()),
                                            FormatClock(event.time),
                                            -event.reduction));
     });
     if (painter) {
-        Naming(task.plot, [&] { painter->Save(plot->GetDescriptor()); });
+        Naming(task.plot.Get(), [&] { painter->Save(plot->GetDescriptor()); });
     }
 }
 
@@ -336,17 +334,17 @@ void FileJob::WriteLabel(const Event& event)
 {
     const int failure = WriteFully(labels->GetDescriptor(), LabelLine(event));
     if (failure != 0) {
-        throw FileError(task.labels + ": " + FileError::FromErrno(failure).what());
+        throw FileError(task.labels.Get() + ": " + FileError::FromErrno(failure).what());
     }
 }
 
 void FileJob::CommitReports()
 {
     if (labels) {
-        Naming(task.labels, [&] { labels->Commit(); });
+        Naming(task.labels.Get(), [&] { labels->Commit(); });
     }
     if (plot) {
-        Naming(task.plot, [&] { plot->Commit(); });
+        Naming(task.plot.Get(), [&] { plot->Commit(); });
     }
 }
 

@@ -61,7 +61,7 @@ nlohmann::ordered_json ToJson(const Session& session)
                           {"file", TextOrNull(session.preset->path)}};
     }
     json["savedPreset"] = TextOrNull(session.savedPreset);
-    json["savedState"] = TextOrNull(session.savedState);
+    json["savedState"] = TextOrNull(session.savedState.Get());
     if (!session.parameters.empty()) {
         json["parameters"] = nlohmann::ordered_json::array();
         for (const ParameterValue& parameter : session.parameters) {
@@ -74,13 +74,13 @@ nlohmann::ordered_json ToJson(const Session& session)
 nlohmann::ordered_json ToJson(const FileReport& report)
 {
     nlohmann::ordered_json json;
-    json["file"] = ToUtf8(report.input);
+    json["file"] = ToUtf8(report.input.Get());
     json["status"] = report.failure.empty() ? "ok" : "failed";
     if (!report.failure.empty()) {
         json["reason"] = ToUtf8(report.failure);
         return json;
     }
-    json["output"] = TextOrNull(report.output);
+    json["output"] = TextOrNull(report.output.Get());
     json["sampleRate"] = report.sampleRate;
     json["channels"] = report.channels;
     json["frames"] = report.frames;
@@ -105,7 +105,7 @@ nlohmann::ordered_json ToJson(const FileReport& report)
 std::string SummaryLine(const FileReport& report)
 {
     std::string line = fmt::format("{}: {}, {}",
-                                   report.input == "-" ? "stdin" : Printable(report.input),
+                                   Printable(report.input.InputLabel()),
                                    Counted(report.events.prominent, "prominent plosive"),
                                    Counted(report.events.repairs, "repair"));
     if (report.events.strongest) {
@@ -118,8 +118,8 @@ std::string SummaryLine(const FileReport& report)
         line += "; preset " + Printable(report.preset);
     }
     line += fmt::format("; {:.0f}x real time", report.GetSpeed());
-    if (!report.output.empty() && report.output != "-") {
-        line += " -> " + Printable(report.output);
+    if (!report.output.IsEmpty() && !report.output.IsStream()) {
+        line += " -> " + Printable(report.output.Get());
     }
     return line;
 }

@@ -12,8 +12,8 @@ namespace Cli {
 
 /// What came of one recording.
 struct FileReport {
-    std::string input;
-    std::string output;  ///< empty when no audio was written
+    FileName input;
+    FileName output;     ///< empty when no audio was written
     std::string preset;  ///< name of the one that was used; empty: none
     std::string failure; ///< not empty: why it failed; the rest then says nothing
     int sampleRate = 0;  ///< Hz

@@ -23,12 +23,35 @@ void Refuse(bool condition, const char* reason)
     }
 }
 
+auto CountStreams(const std::vector<FileName>& names)
+{
+    return std::count_if(
+        names.begin(), names.end(), [](const FileName& name) { return name.IsStream(); });
+}
+
+// Reports and the session, beside audio and summary.
+int CountReportsToStandardOutput(const Options& options)
+{
+    return static_cast<int>(
+        CountStreams({options.events, options.labels, options.plot, options.session.stateOut}));
+}
+
+// A report that the recordings of a run would all write to the same place.
+bool IsForOneRecording(const FileName& report)
+{
+    const std::string& name = report.Get();
+    const bool isFile = !report.IsEmpty() && name.find("{name}") == std::string::npos &&
+                        !name.ends_with('/') && !IsFolder(name) &&
+                        std::filesystem::path(name).has_extension();
+    return isFile || report.IsStream();
+}
+
 void CheckTarget(const Options& options)
 {
-    const int targets = (options.output.empty() ? 0 : 1) +
+    const int targets = (options.output.IsEmpty() ? 0 : 1) +
                         (options.outputDirectory.empty() ? 0 : 1) + (options.isInPlace ? 1 : 0);
     Refuse(targets > 1, "-o, --output-dir and --in-place exclude each other");
-    Refuse(!options.output.empty() && !options.isSingle,
+    Refuse(!options.output.IsEmpty() && !options.isSingle,
            "-o takes the result of one recording; --output-dir takes many");
     Refuse(options.isInPlace && options.container.has_value(),
            "--in-place keeps the container; --format needs another name");
@@ -39,7 +62,7 @@ void CheckTarget(const Options& options)
 
 void CheckStandardInput(const Options& options)
 {
-    const auto uses = std::count(options.inputs.begin(), options.inputs.end(), "-");
+    const auto uses = CountStreams(options.inputs);
     Refuse(uses > 1, "- can be an input only once");
     Refuse(uses > 0 && options.isInPlace, "--in-place needs a file, not -");
     Refuse(uses > 0 && !options.outputDirectory.empty(), "--output-dir needs a name, not -");
@@ -48,52 +71,44 @@ void CheckStandardInput(const Options& options)
 
 void CheckReports(const Options& options)
 {
-    const auto users =
-        static_cast<int>(WritesAudioToStandardOutput(options)) +
-        static_cast<int>(options.wantsJson) + static_cast<int>(options.events == "-") +
-        static_cast<int>(options.labels == "-") + static_cast<int>(options.plot == "-") +
-        static_cast<int>(options.session.stateOut == "-");
+    const auto users = static_cast<int>(WritesAudioToStandardOutput(options)) +
+                       static_cast<int>(options.wantsJson) + CountReportsToStandardOutput(options);
     Refuse(
         users > 1,
         "only one of audio, --json, --events, --labels, --plot and --state-out can go to stdout");
     Refuse(options.isQuiet && options.isVerbose, "--quiet and --verbose exclude each other");
-    const auto namesOneFile = [&](const std::string& report) {
-        return !report.empty() && report.find("{name}") == std::string::npos &&
-               !report.ends_with('/') && !IsFolder(report) &&
-               std::filesystem::path(report).has_extension();
-    };
-    Refuse(!options.isSingle && (namesOneFile(options.labels) || options.labels == "-"),
+    Refuse(!options.isSingle && IsForOneRecording(options.labels),
            "with several recordings --labels takes a folder or a name with {name} in it");
-    Refuse(!options.isSingle && (namesOneFile(options.plot) || options.plot == "-"),
+    Refuse(!options.isSingle && IsForOneRecording(options.plot),
            "with several recordings --plot takes a folder or a name with {name} in it");
 }
 
 void CheckSession(const Options& options)
 {
     const SessionOptions& session = options.session;
-    Refuse(!session.comment.empty() && session.savePreset.empty(), "--comment needs --save-preset");
-    Refuse(session.savePreset == "-", "--save-preset needs a file or a name, not -");
-    Refuse(HasNameOfRecording(session.savePreset),
+    Refuse(!session.comment.empty() && session.savePreset.IsEmpty(),
+           "--comment needs --save-preset");
+    Refuse(session.savePreset.IsStream(), "--save-preset needs a file or a name, not -");
+    Refuse(HasNameOfRecording(session.savePreset.Get()),
            "--save-preset: that is the name of a recording; a preset's file ends in .xml");
-    Refuse(session.stateIn == "-" &&
-               std::count(options.inputs.begin(), options.inputs.end(), "-") > 0,
+    Refuse(session.stateIn.IsStream() && CountStreams(options.inputs) > 0,
            "only one of the recording and --state-in can come from stdin");
 }
 
 // What makes or reports on audio has no use without it.
 bool NeedsRecording(const Options& options)
 {
-    return !options.output.empty() || !options.outputDirectory.empty() || options.isInPlace ||
-           options.isDryRun || !options.events.empty() || !options.labels.empty() ||
-           !options.plot.empty();
+    return !options.output.IsEmpty() || !options.outputDirectory.empty() || options.isInPlace ||
+           options.isDryRun || !options.events.IsEmpty() || !options.labels.IsEmpty() ||
+           !options.plot.IsEmpty();
 }
 
 void CheckTask(const Options& options)
 {
     const SessionOptions& session = options.session;
-    const bool hasOther = session.printsParams || !session.savePreset.empty() ||
-                          !session.stateOut.empty() || !session.preset.empty() ||
-                          !session.stateIn.empty();
+    const bool hasOther = session.printsParams || !session.savePreset.IsEmpty() ||
+                          !session.stateOut.IsEmpty() || !session.preset.empty() ||
+                          !session.stateIn.IsEmpty();
     Refuse(session.listsPresets && (!options.inputs.empty() || hasOther || NeedsRecording(options)),
            "--list-presets stands alone, or with --json");
     Refuse(options.inputs.empty() && (!session.IsTaskInItself() || NeedsRecording(options)),
@@ -105,9 +120,9 @@ void CheckTask(const Options& options)
 void CheckOptions(Options& options)
 {
     CheckTask(options);
-    Refuse(std::count(options.inputs.begin(), options.inputs.end(), "") > 0,
+    Refuse(std::count(options.inputs.begin(), options.inputs.end(), FileName()) > 0,
            "an input's name is empty");
-    options.isSingle = options.inputs.size() == 1 && !IsFolder(options.inputs.front());
+    options.isSingle = options.inputs.size() == 1 && !IsFolder(options.inputs.front().Get());
     CheckTarget(options);
     CheckStandardInput(options);
     CheckReports(options);
@@ -118,21 +133,20 @@ void CheckOptions(Options& options)
 bool WritesAudioToStandardOutput(const Options& options)
 {
     const bool isDefault =
-        options.output.empty() && options.inputs == std::vector<std::string>{"-"};
-    return !options.isDryRun && (options.output == "-" || isDefault);
+        options.output.IsEmpty() && options.inputs.size() == 1 && options.inputs.front().IsStream();
+    return !options.isDryRun && (options.output.IsStream() || isDefault);
 }
 
 bool TakesStandardOutput(const Options& options)
 {
-    return WritesAudioToStandardOutput(options) || options.events == "-" || options.labels == "-" ||
-           options.plot == "-" || options.session.stateOut == "-";
+    return WritesAudioToStandardOutput(options) || CountReportsToStandardOutput(options) > 0;
 }
 
 void CheckStandardOutput(const Options& options, bool isTerminal)
 {
     Refuse(isTerminal && WritesAudioToStandardOutput(options),
            "audio isn't written to a terminal; name a file with -o or use a pipe");
-    Refuse(isTerminal && options.session.stateOut == "-",
+    Refuse(isTerminal && options.session.stateOut.IsStream(),
            "a session isn't written to a terminal; name a file or use a pipe");
 }
 

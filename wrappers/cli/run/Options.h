@@ -5,6 +5,7 @@
 #include "wrappers/cli/audio/Limits.h"
 #include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/effect/SessionOptions.h"
+#include "wrappers/cli/files/FileName.h"
 #include "wrappers/cli/files/OutputFile.h"
 
 #include <optional>
@@ -16,10 +17,10 @@ namespace Cli {
 
 /// What the user asked for, checked in itself.
 struct Options {
-    std::vector<std::string> inputs; ///< files, folders and "-"
+    std::vector<FileName> inputs; ///< folders too
     bool isRecursive = false;
 
-    std::string output;          ///< empty: a name made from the input's
+    FileName output;             ///< empty: a name made from the input's
     std::string outputDirectory; ///< empty: beside the input
     bool isInPlace = false;
     Overwrite overwrite = Overwrite::Refuse;
@@ -31,9 +32,9 @@ struct Options {
     bool wantsDifference = false;
     bool isDryRun = false;
 
-    std::string events; ///< empty: none; so are the next two
-    std::string labels;
-    std::string plot;
+    FileName events; ///< empty: none; so are the next two
+    FileName labels;
+    FileName plot;
 
     ChosenControls controls;
     SessionOptions session;

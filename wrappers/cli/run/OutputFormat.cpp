@@ -13,9 +13,9 @@ namespace Cli {
 
 namespace {
 
-std::string ExtensionOfName(const std::string& name)
+std::string ExtensionOfName(const FileName& name)
 {
-    const std::string extension = LowerCase(std::filesystem::path(name).extension().string());
+    const std::string extension = LowerCase(std::filesystem::path(name.Get()).extension().string());
     return extension.empty() ? extension : extension.substr(1);
 }
 
@@ -44,7 +44,7 @@ std::optional<int> WantedContainer(const FormatQuestion& question, const Options
         return options.container;
     }
     const int own = question.format & SF_FORMAT_TYPEMASK;
-    if (question.output == "-") {
+    if (question.output.IsStream()) {
         return IsWavContainer(own) ? own : SF_FORMAT_WAV;
     }
     // Only a name that the user chose asks for anything; and "wav" may stand on several containers.
@@ -60,7 +60,7 @@ std::optional<int> WantedContainer(const FormatQuestion& question, const Options
 
 int ChooseOutputFormat(const FormatQuestion& question, const Options& options)
 {
-    if (question.output == "-" && options.raw && !options.container) {
+    if (question.output.IsStream() && options.raw && !options.container) {
         return RawOutput(question, *options.raw);
     }
     const auto container = WantedContainer(question, options);

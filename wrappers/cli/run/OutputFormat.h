@@ -9,8 +9,8 @@ namespace Cli {
 
 /// What the choice of a result's format depends on besides the options.
 struct FormatQuestion {
-    std::string input;
-    std::string output; ///< "-" is standard output
+    FileName input;
+    FileName output;
     int format = 0;     ///< of the input
     int sampleRate = 0; ///< Hz
     int channels = 0;

@@ -26,11 +26,6 @@ std::unique_ptr<Effect> MakeEffect(const SharedModule& module)
     return std::make_unique<Effect>(module, 48000, 1, Settings{});
 }
 
-std::string DisplayName(const std::string& path, const char* stream)
-{
-    return path == "-" ? stream : Printable(path);
-}
-
 bool HasSameValue(const ParameterValue& a, const ParameterValue& b)
 {
     return a.value == b.value;
@@ -53,11 +48,10 @@ bool HoldsValues(const SharedModule& module, std::string_view state)
     return false;
 }
 
-void LoadState(Effect& effect, const SharedModule& module, const std::string& path)
+void LoadState(Effect& effect, const SharedModule& module, const FileName& file)
 {
-    const std::string name = DisplayName(path, "stdin");
     try {
-        const std::string state = ReadStateFile(path);
+        const std::string state = ReadStateFile(file);
         if (!effect.LoadState(state)) {
             throw FileError("is not a saved session of Puff-guard");
         }
@@ -65,7 +59,7 @@ void LoadState(Effect& effect, const SharedModule& module, const std::string& pa
             throw FileError("holds no values of Puff-guard");
         }
     } catch (const FileError& error) {
-        throw UsageError(fmt::format("{}: {}", name, error.what()));
+        throw UsageError(fmt::format("{}: {}", Printable(file.InputLabel()), error.what()));
     }
 }
 
@@ -81,7 +75,7 @@ Wrapper::Preset ApplyPreset(Effect& effect, const std::string& name)
 // The module refuses by itself to replace a preset, but knows no way out that could be told.
 void CheckPresetTarget(Effect& effect, const Options& options)
 {
-    const std::string& target = options.session.savePreset;
+    const std::string& target = options.session.savePreset.Get();
     if (Wrapper::Presets::IsFile(target)) {
         Naming(Printable(target), [&] { CheckNewFile(target, options.overwrite); });
         return;
@@ -96,31 +90,31 @@ void CheckPresetTarget(Effect& effect, const Options& options)
 
 std::unique_ptr<OutputFile> OpenState(const Options& options)
 {
-    const std::string& target = options.session.stateOut;
-    return Naming(DisplayName(target, "standard output"),
+    const FileName& target = options.session.stateOut;
+    return Naming(Printable(target.OutputLabel()),
                   [&] { return std::make_unique<OutputFile>(target, options.overwrite); });
 }
 
-void SaveState(Effect& effect, const std::string& target, OutputFile& file)
+void SaveState(Effect& effect, const FileName& target, OutputFile& file)
 {
     const std::string state = effect.SaveState();
-    Naming(DisplayName(target, "standard output"), [&] { file.WriteWhole(state); });
+    Naming(Printable(target.OutputLabel()), [&] { file.WriteWhole(state); });
 }
 
 // Nothing is written before both targets are known to be good.
 void Save(Effect& effect, const Options& options, Session& session)
 {
     const SessionOptions& wanted = options.session;
-    if (!wanted.savePreset.empty()) {
+    if (!wanted.savePreset.IsEmpty()) {
         CheckPresetTarget(effect, options);
     }
     std::unique_ptr<OutputFile> stateFile;
-    if (!wanted.stateOut.empty()) {
+    if (!wanted.stateOut.IsEmpty()) {
         stateFile = OpenState(options);
     }
-    if (!wanted.savePreset.empty()) {
+    if (!wanted.savePreset.IsEmpty()) {
         session.savedPreset =
-            effect.SavePreset(wanted.savePreset, ToUtf8(wanted.comment), options.overwrite);
+            effect.SavePreset(wanted.savePreset.Get(), ToUtf8(wanted.comment), options.overwrite);
     }
     if (stateFile) {
         SaveState(effect, wanted.stateOut, *stateFile);
@@ -138,13 +132,13 @@ Session MakeSession(const Options& options, const SharedModule& module)
         return session;
     }
     const std::unique_ptr<Effect> effect = MakeEffect(module);
-    if (!options.session.stateIn.empty()) {
+    if (!options.session.stateIn.IsEmpty()) {
         LoadState(*effect, module, options.session.stateIn);
     }
     if (!options.session.preset.empty()) {
         session.preset = ApplyPreset(*effect, options.session.preset);
     }
-    if (session.preset || !options.session.stateIn.empty()) {
+    if (session.preset || !options.session.stateIn.IsEmpty()) {
         session.settings.state = effect->SaveState();
     }
     effect->Choose(options.controls);

@@ -19,8 +19,8 @@ struct Session {
     Settings settings;
     std::optional<Wrapper::Preset> preset;  ///< the one that was applied
     std::vector<ParameterValue> parameters; ///< filled when they are to be printed
-    std::string savedPreset;                ///< the file; empty: none; so is the next
-    std::string savedState;
+    std::string savedPreset;                ///< the file; empty: none
+    FileName savedState;
 };
 
 /// Works the settings out on an instance of its own, before any recording is touched: first the

@@ -20,7 +20,7 @@ namespace {
 constexpr std::string_view resultMark = ".puffguard";
 
 struct Found {
-    std::string path;
+    FileName name;
     fs::path relative; // to the folder that was named, for the same tree elsewhere
     std::string failure;
 };
@@ -49,7 +49,7 @@ void SearchFolder(const fs::path& folder,
         entries.push_back(*at);
     }
     if (failure) {
-        found.push_back({folder.string(), {}, FileError::FromErrno(failure.value()).what()});
+        found.push_back({FileName(folder), {}, FileError::FromErrno(failure.value()).what()});
         return;
     }
     std::sort(entries.begin(), entries.end());
@@ -61,7 +61,7 @@ void SearchFolder(const fs::path& folder,
                 SearchFolder(entry.path(), name, options, found);
             }
         } else if (entry.is_regular_file(failure) && IsRecording(entry.path())) {
-            found.push_back({entry.path().string(), name, {}});
+            found.push_back({FileName(entry.path()), name, {}});
         }
     }
 }
@@ -69,14 +69,15 @@ void SearchFolder(const fs::path& folder,
 std::vector<Found> FindRecordings(const Options& options)
 {
     std::vector<Found> found;
-    for (const std::string& input : options.inputs) {
+    for (const FileName& input : options.inputs) {
+        const fs::path path = input.Get();
         std::error_code failure;
-        if (input == "-" || !fs::is_directory(input, failure)) {
-            found.push_back({input, fs::path(input).filename(), {}});
+        if (input.IsStream() || !fs::is_directory(path, failure)) {
+            found.push_back({input, path.filename(), {}});
         } else if (!options.isRecursive) {
             found.push_back({input, {}, "is a folder; --recursive takes the recordings inside"});
         } else {
-            SearchFolder(input, {}, options, found);
+            SearchFolder(path, {}, options, found);
         }
     }
     return found;
@@ -90,60 +91,61 @@ std::string NewExtension(const Options& options)
     return ExtensionOf(*options.container | options.subtype.value_or(0));
 }
 
-std::string OutputName(const Found& found, const Options& options)
+FileName OutputName(const Found& found, const Options& options)
 {
     if (options.isDryRun) {
         return {};
     }
-    if (!options.output.empty()) {
+    if (!options.output.IsEmpty()) {
         return options.output;
     }
-    if (options.isInPlace || found.path == "-") {
-        return found.path;
+    if (options.isInPlace || found.name.IsStream()) {
+        return found.name;
     }
     const std::string extension = NewExtension(options);
     if (options.outputDirectory.empty()) {
-        return DefaultOutputName(found.path, extension);
+        return DefaultOutputName(found.name, extension);
     }
     fs::path name = fs::path(options.outputDirectory) / found.relative;
     if (!extension.empty()) {
         name.replace_extension(extension);
     }
-    return name.string();
+    return FileName(name);
 }
 
-std::string FolderReport(const std::string& pattern,
-                         const Found& found,
-                         std::string_view ending,
-                         const Options& options)
+FileName FolderReport(const FileName& pattern,
+                      const Found& found,
+                      std::string_view ending,
+                      const Options& options)
 {
-    if (pattern.empty() || pattern == "-") {
+    if (pattern.IsEmpty() || pattern.IsStream()) {
         return pattern;
     }
     std::error_code failure;
-    const bool isFolder =
-        !options.isSingle || pattern.ends_with('/') || fs::is_directory(pattern, failure);
+    const bool isFolder = !options.isSingle || pattern.Get().ends_with('/') ||
+                          fs::is_directory(pattern.Get(), failure);
     return ReportName(
-        pattern, options.isSingle ? found.path : found.relative.string(), ending, isFolder);
+        pattern, options.isSingle ? found.name : FileName(found.relative), ending, isFolder);
 }
 
-bool IsSameFile(const std::string& a, const std::string& b)
+bool IsSameFile(const FileName& a, const FileName& b)
 {
     std::error_code failure;
-    return a != "-" && b != "-" && fs::is_regular_file(b, failure) && fs::equivalent(a, b, failure);
+    return !a.IsStream() && !b.IsStream() && fs::is_regular_file(b.Get(), failure) &&
+           fs::equivalent(a.Get(), b.Get(), failure);
 }
 
 // One name for one file, whatever links lead to it; empty for what can be written any number of
 // times, such as a device.
-std::string IdentityOf(const std::string& name)
+std::string IdentityOf(const FileName& name)
 {
     std::error_code failure;
-    const fs::file_status status = fs::status(name, failure);
-    if (name.empty() || name == "-" || (fs::exists(status) && !fs::is_regular_file(status))) {
+    const fs::file_status status = fs::status(name.Get(), failure);
+    if (name.IsEmpty() || name.IsStream() || (fs::exists(status) && !fs::is_regular_file(status))) {
         return {};
     }
     // Absolute first: a relative name whose first part isn't there yet would stay as it was typed.
-    const fs::path absolute = fs::absolute(name, failure);
+    const fs::path absolute = fs::absolute(name.Get(), failure);
     const fs::path identity = fs::weakly_canonical(absolute, failure);
     return failure ? absolute.lexically_normal().string() : identity.string();
 }
@@ -152,25 +154,24 @@ std::string IdentityOf(const std::string& name)
 class Claims {
 public:
     /// Protects a file that is read; `what` it is is told to whoever wants to write it.
-    void Protect(const std::string& name, const char* what)
+    void Protect(const FileName& name, const char* what)
     {
         sources.emplace(IdentityOf(name), what);
     }
 
     /// Claims the file of a report, which isn't given the name of a recording either.
     std::string
-    ClaimReport(const std::string& name, const std::string& owner, const std::string& itself = {})
+    ClaimReport(const FileName& name, const std::string& owner, const FileName& itself = {})
     {
-        if (HasNameOfRecording(name)) {
-            return Printable(name) + " has the name of a recording";
+        if (HasNameOfRecording(name.Get())) {
+            return Printable(name.Get()) + " has the name of a recording";
         }
         return Claim(name, owner, itself);
     }
 
     /// Claims a file to be written; `owner` is told to whoever comes later. Answers why not, or an
     /// empty text. What is read may be replaced only by what comes of `itself`.
-    std::string
-    Claim(const std::string& name, const std::string& owner, const std::string& itself = {})
+    std::string Claim(const FileName& name, const std::string& owner, const FileName& itself = {})
     {
         const std::string identity = IdentityOf(name);
         if (identity.empty()) {
@@ -179,11 +180,11 @@ public:
         const auto source = sources.find(identity);
         if (source != sources.end() && identity != IdentityOf(itself)) {
             return fmt::format("{} is {} of this run; nothing is written over it",
-                               Printable(name),
+                               Printable(name.Get()),
                                source->second);
         }
         const auto [entry, isNew] = takenBy.emplace(identity, owner);
-        return isNew ? std::string() : Printable(name) + " is already " + entry->second;
+        return isNew ? std::string() : Printable(name.Get()) + " is already " + entry->second;
     }
 
 private:
@@ -191,26 +192,28 @@ private:
     std::map<std::string, std::string> takenBy;
 };
 
+// The file that an option names a preset by; empty for a preset's name.
+FileName FileOf(const std::string& preset)
+{
+    return Wrapper::Presets::IsFile(preset) ? FileName(preset) : FileName();
+}
+
 // The files of the run as a whole. A preset or session may be brought up to date in its own file.
 void ClaimRunFiles(Claims& claims, const Options& options)
 {
     const SessionOptions& session = options.session;
-    const std::string preset = Wrapper::Presets::IsFile(session.preset) ? session.preset : "";
-    const std::string savedPreset =
-        Wrapper::Presets::IsFile(session.savePreset) ? session.savePreset : "";
+    const FileName preset = FileOf(session.preset);
     claims.Protect(preset, "the preset");
     claims.Protect(session.stateIn, "the session");
-    const auto claim = [&](const char* option,
-                           const std::string& name,
-                           const char* owner,
-                           const std::string& itself) {
-        const std::string reason = claims.ClaimReport(name, owner, itself);
-        if (!reason.empty()) {
-            throw UsageError(fmt::format("{}: {}", option, reason));
-        }
-    };
+    const auto claim =
+        [&](const char* option, const FileName& name, const char* owner, const FileName& itself) {
+            const std::string reason = claims.ClaimReport(name, owner, itself);
+            if (!reason.empty()) {
+                throw UsageError(fmt::format("{}: {}", option, reason));
+            }
+        };
     claim("--events", options.events, "the list of events", {});
-    claim("--save-preset", savedPreset, "the saved preset", preset);
+    claim("--save-preset", FileOf(session.savePreset.Get()), "the saved preset", preset);
     claim("--state-out", session.stateOut, "the saved session", session.stateIn);
 }
 
@@ -223,12 +226,12 @@ void RefuseClashes(std::vector<Task>& tasks, const Options& options)
     }
     ClaimRunFiles(claims, options);
     for (Task& task : tasks) {
-        const std::string owner = "the result of " + Printable(task.input);
-        const std::string itself = options.isInPlace ? task.input : "";
+        const std::string owner = "the result of " + Printable(task.input.Get());
+        const FileName itself = options.isInPlace ? task.input : FileName();
         if (task.failure.empty()) {
             task.failure = claims.Claim(task.output, owner, itself);
         }
-        for (const std::string* report : {&task.labels, &task.plot}) {
+        for (const FileName* report : {&task.labels, &task.plot}) {
             if (task.failure.empty()) {
                 task.failure = claims.ClaimReport(*report, owner);
             }
@@ -238,30 +241,27 @@ void RefuseClashes(std::vector<Task>& tasks, const Options& options)
 
 } // namespace
 
-std::string DefaultOutputName(const std::string& input, const std::string& extension)
+FileName DefaultOutputName(const FileName& input, const std::string& extension)
 {
-    const fs::path path(input);
+    const fs::path path(input.Get());
     const std::string ending = extension.empty() ? path.extension().string() : "." + extension;
-    return (path.parent_path() / (path.stem().string() + std::string(resultMark) + ending))
-        .string();
+    return FileName(path.parent_path() / (path.stem().string() + std::string(resultMark) + ending));
 }
 
-std::string ReportName(const std::string& pattern,
-                       const std::string& input,
-                       std::string_view ending,
-                       bool isFolder)
+FileName
+ReportName(const FileName& pattern, const FileName& input, std::string_view ending, bool isFolder)
 {
-    const fs::path path(input);
-    const std::string stem = input == "-" ? "stdin" : path.stem().string();
-    const size_t mark = pattern.find("{name}");
+    const fs::path path(input.InputLabel());
+    const std::string stem = path.stem().string();
+    const size_t mark = pattern.Get().find("{name}");
     if (mark != std::string::npos) {
-        return std::string(pattern).replace(mark, 6, stem);
+        return FileName(std::string(pattern.Get()).replace(mark, 6, stem));
     }
     if (!isFolder) {
         return pattern;
     }
     const fs::path below = path.is_absolute() ? fs::path() : path.parent_path();
-    return (fs::path(pattern) / below / (stem + std::string(ending))).string();
+    return FileName(fs::path(pattern.Get()) / below / (stem + std::string(ending)));
 }
 
 std::vector<Task> MakeTasks(const Options& options)
@@ -269,7 +269,7 @@ std::vector<Task> MakeTasks(const Options& options)
     std::vector<Task> tasks;
     for (const Found& found : FindRecordings(options)) {
         Task task;
-        task.input = found.path;
+        task.input = found.name;
         task.failure = found.failure;
         task.output = OutputName(found, options);
         task.labels = FolderReport(options.labels, found, ".txt", options);

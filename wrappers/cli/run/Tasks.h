@@ -11,10 +11,10 @@ namespace Cli {
 
 /// One recording of a run with the names of all that is made of it.
 struct Task {
-    std::string input;
-    std::string output; ///< empty in a dry run
-    std::string labels; ///< empty: not wanted; so is the next
-    std::string plot;
+    FileName input;
+    FileName output; ///< empty in a dry run
+    FileName labels; ///< empty: not wanted; so is the next
+    FileName plot;
     std::string failure; ///< not empty: why it can't be begun
 };
 
@@ -25,13 +25,11 @@ std::vector<Task> MakeTasks(const Options& options);
 
 /// "NAME.puffguard.EXT" beside `input`; `extension` (no dot) takes the place of its own, when not
 /// empty.
-std::string DefaultOutputName(const std::string& input, const std::string& extension);
+FileName DefaultOutputName(const FileName& input, const std::string& extension);
 
 /// Where a report goes: `pattern` with the file's name in place of "{name}"; inside `pattern` when
 /// that is a folder, as NAME + `ending`; else `pattern` itself.
-std::string ReportName(const std::string& pattern,
-                       const std::string& input,
-                       std::string_view ending,
-                       bool isFolder);
+FileName
+ReportName(const FileName& pattern, const FileName& input, std::string_view ending, bool isFolder);
 
 } // namespace Cli

@@ -61,8 +61,9 @@ TEST(OutputFormatTest, FollowsTheNameThatTheUserChose)
     Cli::Options options;
     const int wavex = SF_FORMAT_WAVEX | SF_FORMAT_PCM_16;
     const auto choose = [&](const std::string& output, int format) {
-        options.output = output;
-        return Cli::ChooseOutputFormat({"in.wav", output, format, 48000, 1}, options);
+        options.output = Cli::FileName(output);
+        return Cli::ChooseOutputFormat({Cli::FileName("in.wav"), options.output, format, 48000, 1},
+                                       options);
     };
     EXPECT_EQ(choose("out.flac", wavex), SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
     EXPECT_EQ(choose("out.wav", wavex), wavex);

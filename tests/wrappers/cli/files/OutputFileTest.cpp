@@ -12,6 +12,7 @@
 namespace {
 
 using Cli::FileError;
+using Cli::FileName;
 using Cli::OutputFile;
 using Cli::Overwrite;
 using CliTest::ReadBytes;
@@ -23,7 +24,7 @@ TEST(OutputFileTest, AppearsOnlyWhenItIsCommitted)
 {
     const TemporaryFolder folder;
     {
-        OutputFile file(folder / "a", Overwrite::Refuse);
+        OutputFile file(FileName(folder / "a"), Overwrite::Refuse);
         EXPECT_EQ(Cli::WriteFully(file.GetDescriptor(), "new"), 0);
         EXPECT_FALSE(std::filesystem::exists(folder / "a"));
         file.Commit();
@@ -37,7 +38,7 @@ TEST(OutputFileTest, LeavesNothingWithoutCommit)
     const TemporaryFolder folder;
     WriteBytes(folder / "a", "old");
     {
-        OutputFile file(folder / "a", Overwrite::Allow);
+        OutputFile file(FileName(folder / "a"), Overwrite::Allow);
         EXPECT_EQ(Cli::WriteFully(file.GetDescriptor(), "new"), 0);
     }
     EXPECT_EQ(folder.List(), Names{"a"});
@@ -48,9 +49,9 @@ TEST(OutputFileTest, NeverReplacesUnasked)
 {
     const TemporaryFolder folder;
     WriteBytes(folder / "a", "old");
-    EXPECT_THROW(OutputFile(folder / "a", Overwrite::Refuse), FileError);
+    EXPECT_THROW(OutputFile(FileName(folder / "a"), Overwrite::Refuse), FileError);
     // Also when the file came while the new one was being written.
-    OutputFile file(folder / "b", Overwrite::Refuse);
+    OutputFile file(FileName(folder / "b"), Overwrite::Refuse);
     WriteBytes(folder / "b", "meanwhile");
     EXPECT_THROW(file.Commit(), FileError);
     EXPECT_EQ(ReadBytes(folder / "a"), "old");
@@ -63,7 +64,7 @@ TEST(OutputFileTest, FollowsALinkAndKeepsPermissions)
     WriteBytes(folder / "real", "old");
     ASSERT_EQ(::chmod((folder / "real").c_str(), 0640), 0);
     std::filesystem::create_symlink("real", folder / "link");
-    OutputFile(folder / "link", Overwrite::Allow).WriteWhole("new");
+    OutputFile(FileName(folder / "link"), Overwrite::Allow).WriteWhole("new");
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
     EXPECT_EQ(ReadBytes(folder / "real"), "new");
     struct stat status = {};
@@ -75,10 +76,10 @@ TEST(OutputFileTest, FollowsALinkAndKeepsPermissions)
 TEST(OutputFileTest, TellsOfFoldersAndFullDevices)
 {
     const TemporaryFolder folder;
-    EXPECT_THROW(OutputFile(folder.GetPath(), Overwrite::Allow), FileError);
-    EXPECT_THROW(OutputFile(folder / "no/such/folder", Overwrite::Refuse), FileError);
-    EXPECT_THROW(OutputFile("/dev/full", Overwrite::Refuse).WriteWhole("x"), FileError);
-    OutputFile("/dev/null", Overwrite::Refuse).WriteWhole("x");
+    EXPECT_THROW(OutputFile(FileName(folder.GetPath()), Overwrite::Allow), FileError);
+    EXPECT_THROW(OutputFile(FileName(folder / "no/such/folder"), Overwrite::Refuse), FileError);
+    EXPECT_THROW(OutputFile(FileName("/dev/full"), Overwrite::Refuse).WriteWhole("x"), FileError);
+    OutputFile(FileName("/dev/null"), Overwrite::Refuse).WriteWhole("x");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
@@ -86,7 +87,7 @@ TEST(OutputFileTest, TakesTheLongestName)
 {
     const TemporaryFolder folder;
     const std::string name(255, 'n');
-    OutputFile(folder / name, Overwrite::Refuse).WriteWhole("x");
+    OutputFile(FileName(folder / name), Overwrite::Refuse).WriteWhole("x");
     EXPECT_EQ(folder.List(), Names{name});
 }
 

@@ -73,7 +73,10 @@ TEST(OptionsTest, RefusesAnEmptyValueAndTakesNamesBehindTwoDashes)
     EXPECT_EQ(Complaint({"a.wav", "--state-in=", "--json"}), "--state-in: the value is empty");
     EXPECT_EQ(Complaint({"a.wav", "--prest="}), "unknown option --prest; did you mean --preset?");
     const Options options = Parse({"-f", "--", "-a.wav", "--b.wav", "--preset="});
-    EXPECT_EQ(options.inputs, (std::vector<std::string>{"-a.wav", "--b.wav", "--preset="}));
+    ASSERT_EQ(options.inputs.size(), 3U);
+    EXPECT_EQ(options.inputs[0].Get(), "-a.wav");
+    EXPECT_EQ(options.inputs[1].Get(), "--b.wav");
+    EXPECT_EQ(options.inputs[2].Get(), "--preset=");
 }
 
 TEST(OptionsTest, RefusesWhatContradictsItself)

@@ -8,6 +8,7 @@
 
 namespace {
 
+using Cli::FileName;
 using Cli::MakeTasks;
 using Cli::Options;
 using CliTest::TemporaryFolder;
@@ -28,14 +29,14 @@ protected:
                                  "b/noextension"})
             WriteBytes(folder / name, "x");
         options.isRecursive = true;
-        options.inputs = {folder.GetPath()};
+        options.inputs = {FileName(folder.GetPath())};
     }
 
     std::vector<std::string> Inputs() const
     {
         std::vector<std::string> names;
         for (const Cli::Task& task : MakeTasks(options))
-            names.push_back(std::filesystem::relative(task.input, folder.GetPath()).string());
+            names.push_back(std::filesystem::relative(task.input.Get(), folder.GetPath()).string());
         return names;
     }
 
@@ -72,12 +73,12 @@ TEST_F(TasksTest, KeepsTheTreeInTheOutputFolderAndSkipsThatFolder)
     options.outputDirectory = folder / "b";
     EXPECT_EQ(Inputs(), (std::vector<std::string>{"a.flac", "z.wav"}));
     options.outputDirectory = folder / "out";
-    EXPECT_EQ(MakeTasks(options)[1].output, folder / "out/b/c/three.ogg");
+    EXPECT_EQ(MakeTasks(options)[1].output.Get(), folder / "out/b/c/three.ogg");
 }
 
 TEST_F(TasksTest, RefusesTheSecondOfTwoResultsWithOneName)
 {
-    options.inputs = {folder / "z.wav", folder / "b/../z.wav"};
+    options.inputs = {FileName(folder / "z.wav"), FileName(folder / "b/../z.wav")};
     const auto tasks = MakeTasks(options);
     EXPECT_EQ(tasks[0].failure, "");
     EXPECT_NE(tasks[1].failure.find("is already the result of"), std::string::npos);
@@ -85,9 +86,9 @@ TEST_F(TasksTest, RefusesTheSecondOfTwoResultsWithOneName)
 
 TEST_F(TasksTest, RefusesARecordingAsItsOwnOutput)
 {
-    options.inputs = {folder / "z.wav"};
+    options.inputs = {FileName(folder / "z.wav")};
     options.isSingle = true;
-    options.output = folder / "b/../z.wav";
+    options.output = FileName(folder / "b/../z.wav");
     EXPECT_NE(MakeTasks(options)[0].failure.find("--in-place"), std::string::npos);
 }
 
@@ -95,25 +96,25 @@ TEST_F(TasksTest, KnowsAFileThatIsStillToComeByAnyNameOfIt)
 {
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder.GetPath());
-    options.inputs = {"z.wav"};
+    options.inputs = {FileName("z.wav")};
     options.isSingle = true;
-    const std::vector<std::string*> results = {&options.output,
-                                               &options.labels,
-                                               &options.plot,
-                                               &options.events,
-                                               &options.session.savePreset,
-                                               &options.session.stateOut};
-    for (std::string* first : results) {
-        for (std::string* second : results) {
+    const std::vector<FileName*> results = {&options.output,
+                                            &options.labels,
+                                            &options.plot,
+                                            &options.events,
+                                            &options.session.savePreset,
+                                            &options.session.stateOut};
+    for (FileName* first : results) {
+        for (FileName* second : results) {
             if (first == second)
                 continue;
-            *first = "k.xml";
-            *second = "./k.xml";
+            *first = FileName("k.xml");
+            *second = FileName("./k.xml");
             EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
-            *second = folder / "k.xml";
+            *second = FileName(folder / "k.xml");
             EXPECT_NE(Refusal().find("k.xml is already"), std::string::npos);
-            first->clear();
-            second->clear();
+            *first = {};
+            *second = {};
         }
     }
     std::filesystem::current_path(before);
@@ -121,18 +122,24 @@ TEST_F(TasksTest, KnowsAFileThatIsStillToComeByAnyNameOfIt)
 
 TEST(TaskNamesTest, DefaultOutputStandsBesideTheInput)
 {
-    EXPECT_EQ(Cli::DefaultOutputName("d/talk.wav", ""), "d/talk.puffguard.wav");
-    EXPECT_EQ(Cli::DefaultOutputName("talk.a.wav", "flac"), "talk.a.puffguard.flac");
-    EXPECT_EQ(Cli::DefaultOutputName("noextension", ""), "noextension.puffguard");
-    EXPECT_EQ(Cli::DefaultOutputName("d/\xFF\n.wav", ""), "d/\xFF\n.puffguard.wav");
+    const auto name = [](const char* input, const char* extension) {
+        return Cli::DefaultOutputName(FileName(input), extension).Get();
+    };
+    EXPECT_EQ(name("d/talk.wav", ""), "d/talk.puffguard.wav");
+    EXPECT_EQ(name("talk.a.wav", "flac"), "talk.a.puffguard.flac");
+    EXPECT_EQ(name("noextension", ""), "noextension.puffguard");
+    EXPECT_EQ(name("d/\xFF\n.wav", ""), "d/\xFF\n.puffguard.wav");
 }
 
 TEST(TaskNamesTest, ReportsTakeFoldersPatternsAndNames)
 {
-    EXPECT_EQ(Cli::ReportName("p.png", "talk.wav", ".png", false), "p.png");
-    EXPECT_EQ(Cli::ReportName("d", "sub/talk.wav", ".png", true), "d/sub/talk.png");
-    EXPECT_EQ(Cli::ReportName("d/{name}-x.png", "sub/talk.wav", ".png", true), "d/talk-x.png");
-    EXPECT_EQ(Cli::ReportName("d", "-", ".txt", true), "d/stdin.txt");
+    const auto name = [](const char* pattern, const char* input, bool isFolder) {
+        return Cli::ReportName(FileName(pattern), FileName(input), ".png", isFolder).Get();
+    };
+    EXPECT_EQ(name("p.png", "talk.wav", false), "p.png");
+    EXPECT_EQ(name("d", "sub/talk.wav", true), "d/sub/talk.png");
+    EXPECT_EQ(name("d/{name}-x.png", "sub/talk.wav", true), "d/talk-x.png");
+    EXPECT_EQ(name("d", "-", true), "d/stdin.png");
 }
 
 } // namespace

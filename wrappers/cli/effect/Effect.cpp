@@ -12,12 +12,6 @@ namespace Cli {
 
 namespace {
 
-constexpr const char* sensitivity = "PuffGuard.Sensitivity";
-constexpr const char* strength = "PuffGuard.Strength";
-constexpr const char* upperFrequency = "PuffGuard.Upper Repair Frequency";
-constexpr const char* latencyScaling = "PuffGuard.Latency Scaling";
-constexpr const char* bypass = Wrapper::BypassIdentifier;
-
 Wrapper::Preset Usable(Wrapper::Preset preset)
 {
     if (!preset.problem.empty()) {
@@ -36,9 +30,10 @@ Effect::Effect(std::shared_ptr<const Wrapper::Module> module,
     , parameters(*Granted(Wrapper::ElementParameters::Read(*instance)))
     , detections(*instance)
 {
-    for (const char* name : {sensitivity, strength, upperFrequency, latencyScaling, bypass}) {
-        SetParam(name, parameters.GetList()[FindParam(name)].defaultValue);
+    for (const Control& control : controlTable) {
+        SetToDefault(control.parameter);
     }
+    SetToDefault(Wrapper::BypassIdentifier);
     if (!settings.state.empty() && !LoadState(settings.state)) {
         throw ModuleError("the module refuses the settings that it gave itself");
     }
@@ -76,12 +71,15 @@ uint32_t Effect::FindParam(std::string_view identifier) const
     return *index;
 }
 
-void Effect::SetParam(std::string_view identifier, std::optional<double> value)
+void Effect::SetParam(uint32_t index, double value)
 {
-    if (value) {
-        const uint32_t index = FindParam(identifier);
-        Granted(parameters.Set(index, parameters.GetList()[index].ToNormalised(*value)));
-    }
+    Granted(parameters.Set(index, parameters.GetList()[index].ToNormalised(value)));
+}
+
+void Effect::SetToDefault(std::string_view identifier)
+{
+    const uint32_t index = FindParam(identifier);
+    SetParam(index, parameters.GetList()[index].defaultValue);
 }
 
 void Effect::SetAll(float normalised)
@@ -96,17 +94,22 @@ double Effect::ReadParam(uint32_t index) const
     return TidyValue(parameters.GetList()[index], *Granted(parameters.Get(index)));
 }
 
+double Effect::ChooseOne(std::string_view identifier, std::optional<double> value)
+{
+    const uint32_t index = FindParam(identifier);
+    if (value) {
+        SetParam(index, *value);
+    }
+    return value ? *value : ReadParam(index);
+}
+
 void Effect::Choose(const ChosenControls& chosen)
 {
-    const auto set = [this](const char* name, std::optional<double> value) {
-        SetParam(name, value);
-        return value ? *value : ReadParam(FindParam(name));
-    };
-    controls.sensitivity = set(sensitivity, chosen.sensitivity);
-    controls.strength = set(strength, chosen.strength);
-    controls.upperFrequency = set(upperFrequency, chosen.upperFrequency);
-    controls.latencyScaling = set(latencyScaling, chosen.latencyScaling);
-    controls.bypass = set(bypass, chosen.bypass ? std::optional(1.0) : std::nullopt) >= 0.5;
+    for (size_t i = 0; i < controlTable.size(); ++i) {
+        controls.values[i] = ChooseOne(controlTable[i].parameter, chosen.values[i]);
+    }
+    const auto bypass = chosen.bypass ? std::optional(1.0) : std::nullopt;
+    controls.bypass = ChooseOne(Wrapper::BypassIdentifier, bypass) >= 0.5;
     latency = instance->GetLatency(Wrapper::Side::Process);
 }
 

@@ -88,7 +88,9 @@ private:
     template <typename Answer>
     Answer Granted(Answer answer) const;
     uint32_t FindParam(std::string_view identifier) const;
-    void SetParam(std::string_view identifier, std::optional<double> value);
+    void SetParam(uint32_t index, double value);
+    void SetToDefault(std::string_view identifier);
+    double ChooseOne(std::string_view identifier, std::optional<double> value);
     double ReadParam(uint32_t index) const;
 
     std::string complaint; // what the instance said last

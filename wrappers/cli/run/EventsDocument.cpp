@@ -30,11 +30,11 @@ std::string ObjectHead(const FileReport& report, const Controls& controls)
     json["channels"] = report.channels;
     json["frames"] = report.frames;
     json["latency"] = report.latency;
-    json["parameters"] = {{"sensitivity", controls.sensitivity},
-                          {"strength", controls.strength},
-                          {"upperFrequency", controls.upperFrequency},
-                          {"latencyScaling", controls.latencyScaling},
-                          {"bypass", controls.bypass}};
+    nlohmann::ordered_json& parameters = json["parameters"];
+    for (size_t i = 0; i < controlTable.size(); ++i) {
+        parameters[controlTable[i].member] = controls.values[i];
+    }
+    parameters["bypass"] = controls.bypass;
     std::string text = json.dump(2);
     text.resize(text.rfind('\n'));
     return text;

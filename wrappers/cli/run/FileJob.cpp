@@ -198,21 +198,14 @@ void FileJob::Describe(FileReport& report) const
     report.channels = reader.GetChannels();
     report.latency = effect.GetLatency();
     report.preset = context.session.preset ? context.session.preset->name : "";
-    const Controls& controls = effect.GetControls();
-    context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; "
-                                       "sensitivity {}, strength {}, up to {} Hz, "
-                                       "latency scaling {}{}{}",
+    context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; {}{}",
                                        Printable(task.input.Get()),
                                        FormatName(reader.GetFormat()),
                                        report.sampleRate,
                                        report.channels,
                                        report.channels == 1 ? "" : "s",
                                        report.latency,
-                                       controls.sensitivity,
-                                       controls.strength,
-                                       controls.upperFrequency,
-                                       controls.latencyScaling,
-                                       controls.bypass ? ", bypassed" : "",
+                                       DescribeControls(effect.GetControls()),
                                        writer ? "; writes " + FormatName(outputFormat) : ""));
 }
 
@@ -286,17 +279,13 @@ std::unique_ptr<PlotPainter> FileJob::MakePainter(const FileReport& report)
     const auto name = std::filesystem::path(task.input.Get()).filename().string();
     PlotCaption caption;
     caption.title = task.input.IsStream() ? "standard input" : ToUtf8(Printable(name));
-    caption.repairLimitHz = controls.bypass ? 0.0 : controls.upperFrequency;
-    caption.details = fmt::format(
-        "{} Hz, {} channel{}, {}   \u00B7   sensitivity {:g}, strength {:g}, up to {:g} Hz{}",
-        report.sampleRate,
-        report.channels,
-        report.channels == 1 ? "" : "s",
-        FormatClock(report.GetDuration()),
-        controls.sensitivity,
-        controls.strength,
-        controls.upperFrequency,
-        controls.bypass ? ", bypassed" : "");
+    caption.repairLimitHz = controls.GetRepairLimit();
+    caption.details = fmt::format("{} Hz, {} channel{}, {}   \u00B7   {}",
+                                  report.sampleRate,
+                                  report.channels,
+                                  report.channels == 1 ? "" : "s",
+                                  FormatClock(report.GetDuration()),
+                                  ControlCaption(controls));
     return std::make_unique<PlotPainter>(*recorder, caption);
 }
 

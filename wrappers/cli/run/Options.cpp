@@ -41,10 +41,7 @@ Exit code: 0 all files done, 1 some file failed, 2 the command line can't be mea
 /// Option values as they were typed; what they mean is worked out afterwards, so that one place
 /// words all complaints.
 struct Typed {
-    std::string sensitivity;
-    std::string strength;
-    std::string upperFrequency;
-    std::string latencyScaling;
+    ForEachControl<std::string> controls;
     std::string block;
     std::string jobs;
     std::string container;
@@ -65,15 +62,6 @@ Number ParseNumber(const std::string& text, const char* option, Number least, Nu
         throw UsageError(fmt::format("{} {} is outside {} to {}", option, text, least, most));
     }
     return value;
-}
-
-std::optional<double>
-ParseControl(const std::string& text, const char* option, double least, double most)
-{
-    if (text.empty()) {
-        return std::nullopt;
-    }
-    return ParseNumber<double>(text, option, least, most);
 }
 
 std::optional<int> ParseName(const std::string& name,
@@ -116,14 +104,11 @@ void AddFileOptions(CLI::App& app, Options& options, Typed& typed)
 void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
 {
     app.option_defaults()->group("Repair");
-    app.add_option("--sensitivity", typed.sensitivity, "How readily a burst counts (0 to 10)")
-        ->type_name("0..10");
-    app.add_option("--strength", typed.strength, "How far a burst is taken down (0 to 10)")
-        ->type_name("0..10");
-    app.add_option("--upper-frequency", typed.upperFrequency, "Repair up to this frequency (Hz)")
-        ->type_name("50..500");
-    app.add_option("--latency-scaling", typed.latencyScaling, "1 looks ahead most, 0 least")
-        ->type_name("0..1");
+    for (size_t i = 0; i < controlTable.size(); ++i) {
+        const Control& control = controlTable[i];
+        app.add_option(control.option, typed.controls[i], control.help)
+            ->type_name(fmt::format("{}..{}", control.least, control.most));
+    }
     app.add_flag("--bypass", options.controls.bypass, "Pass everything unchanged");
     app.add_flag("--difference", options.wantsDifference, "Write what is taken away");
     app.add_flag("--keep-latency", options.keepsLatency, "Write the raw, late stream");
@@ -164,11 +149,13 @@ void AddReportOptions(CLI::App& app, Options& options, Typed& typed)
 
 void Interpret(const Typed& typed, Options& options)
 {
-    options.controls.sensitivity = ParseControl(typed.sensitivity, "--sensitivity", 0, 10);
-    options.controls.strength = ParseControl(typed.strength, "--strength", 0, 10);
-    options.controls.upperFrequency =
-        ParseControl(typed.upperFrequency, "--upper-frequency", 50, 500);
-    options.controls.latencyScaling = ParseControl(typed.latencyScaling, "--latency-scaling", 0, 1);
+    for (size_t i = 0; i < controlTable.size(); ++i) {
+        const Control& control = controlTable[i];
+        if (!typed.controls[i].empty()) {
+            options.controls.values[i] =
+                ParseNumber<double>(typed.controls[i], control.option, control.least, control.most);
+        }
+    }
     if (!typed.block.empty()) {
         options.block = ParseNumber<int>(typed.block, "--block", 1, greatestBlock);
     }

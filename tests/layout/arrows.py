@@ -56,7 +56,7 @@ ARROWS = {
     REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
     PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
-    COMMAND + "text": {"wrappers/common"},
+    COMMAND + "text": {"wrappers/common", UTIL}, # UTIL for what needs no linking
     COMMAND + "files": {"wrappers/common"},
     COMMAND + "audio": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
     COMMAND + "effect": {COMMAND + "files", COMMAND + "text", "wrappers/common"},

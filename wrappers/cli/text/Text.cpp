@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/text/Text.h"
 
+#include "frameworks/qobase/util/EditDistance.h"
 #include "wrappers/common/Utf8.h"
 
 #include <fmt/format.h>
@@ -17,26 +18,6 @@ bool IsControl(uint32_t code)
 {
     // U+0080 to U+009F are control characters too and steer some terminals.
     return code < 0x20 || (code >= 0x7F && code < 0xA0);
-}
-
-// Letters that must be changed, added, left out or swapped with their neighbour.
-size_t EditDistance(std::string_view a, std::string_view b)
-{
-    std::vector<std::vector<size_t>> cost(a.size() + 1, std::vector<size_t>(b.size() + 1));
-    for (size_t i = 0; i <= a.size(); ++i) {
-        for (size_t j = 0; j <= b.size(); ++j) {
-            if (i == 0 || j == 0) {
-                cost[i][j] = i + j;
-                continue;
-            }
-            const size_t replaced = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-            cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, replaced});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
-            }
-        }
-    }
-    return cost[a.size()][b.size()];
 }
 
 } // namespace
@@ -92,7 +73,7 @@ std::string NearestWord(std::string_view word, const std::vector<std::string>& c
     // A third of the letters may be wrong; beyond that a suggestion misleads.
     size_t least = word.size() / 3 + 1;
     for (const std::string& candidate : candidates) {
-        const size_t distance = EditDistance(word, candidate);
+        const size_t distance = Util::CountEdits(word, candidate);
         const bool isAbbreviated = word.size() >= 4 && candidate.starts_with(word);
         if (distance < least || (isAbbreviated && nearest.empty())) {
             least = std::min(distance, least);

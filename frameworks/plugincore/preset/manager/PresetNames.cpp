@@ -2,9 +2,9 @@
 #include "frameworks/plugincore/preset/manager/PresetNames.h"
 
 #include "frameworks/plugincore/preset/manager/PresetTexts.h"
+#include "frameworks/qobase/util/EditDistance.h"
 
 #include <algorithm>
-#include <numeric>
 #include <string>
 #include <string_view>
 
@@ -22,22 +22,6 @@ bool IsBuiltIn(const String& name)
     const String folded = name.ToLower();
     return folded == String(Texts::FactorySettings).ToLower() ||
            folded == String(Texts::FormerSettings).ToLower();
-}
-
-// Least number of bytes to put in, take out or change to make one text of the other.
-std::size_t CountEdits(std::string_view from, std::string_view to)
-{
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char c : from) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t i = 0; i < to.size(); ++i) {
-            const std::size_t changed = diagonal + (to[i] == c ? 0 : 1);
-            diagonal = row[i + 1];
-            row[i + 1] = std::min({changed, row[i] + 1, row[i + 1] + 1});
-        }
-    }
-    return row.back();
 }
 
 } // namespace
@@ -75,7 +59,7 @@ String FindNearestName(const String& wanted, const std::vector<String>& names)
         if (folded.Length() > mostBytes || name.Length() > mostBytes) {
             continue;
         }
-        const std::size_t edits = CountEdits(folded.View(), name.ToLower().View());
+        const std::size_t edits = Util::CountEdits(folded.View(), name.ToLower().View());
         if (edits < fewest) {
             fewest = edits;
             nearest = name;

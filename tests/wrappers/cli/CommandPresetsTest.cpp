@@ -16,8 +16,9 @@ using namespace CliTest;
 std::string Pack(const std::string& text)
 {
     std::string session;
-    for (size_t shift = 0; shift < 32; shift += 8)
+    for (size_t shift = 0; shift < 32; shift += 8) {
         session.push_back(static_cast<char>(text.size() >> shift & 0xFFU));
+    }
     const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
     const Util::Bytes packed = Util::Deflate({bytes, text.size()});
     return session.append(packed.begin(), packed.end());
@@ -30,23 +31,11 @@ protected:
     static Json Find(const std::string& name)
     {
         for (Json& entry : List()) {
-            if (entry["name"] == name)
+            if (entry["name"] == name) {
                 return entry;
+            }
         }
         return {};
-    }
-
-    // Ends with this code and one line that holds `reason`, and leaves every file as it was.
-    void ExpectRefusal(const Words& words, int exitCode, const std::string& reason)
-    {
-        SCOPED_TRACE(testing::PrintToString(words));
-        const auto before = folder.List();
-        const Outcome outcome = RunPuffguard(words);
-        EXPECT_EQ(outcome.exitCode, exitCode);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-        EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
-        EXPECT_EQ(folder.List(), before);
     }
 
     const std::string audio = ReadBytes(input);
@@ -77,8 +66,9 @@ TEST_F(CommandPresets, OneOfTheUsersOwnHasANameAndAComment)
     EXPECT_EQ(entry["comment"], comment);
     EXPECT_TRUE(std::filesystem::exists(entry["file"].get<std::string>()));
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
-    for (const char* same : {"Mine", "MINE"})
+    for (const char* same : {"Mine", "MINE"}) {
         ExpectRefusal({"--strength", "1", "--save-preset", same}, 1, "Mine.xml: exists already");
+    }
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
     Say({"--strength", "2.5", "--save-preset", "Mine", "--force"});
     EXPECT_EQ(Value({"--preset", "Mine"}, strength), 2.5);

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: ISC
-#include "tests/wrappers/cli/support/CommandRunner.h"
-#include "tests/wrappers/cli/support/TestFiles.h"
+#include "tests/wrappers/cli/support/CommandFixture.h"
+#include "wrappers/cli/effect/Controls.h"
 
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -13,38 +9,68 @@
 namespace {
 
 using namespace CliTest;
-using Json = nlohmann::json;
-using Names = std::vector<std::string>;
 
-class CommandReports : public testing::Test {
+class CommandReports : public CommandFixture {
 protected:
-    void SetUp() override { WriteAudio(input, MakeSpeech(48000, 2)); }
+    CommandReports()
+        : CommandFixture(MakeSpeech(48000, 2))
+    {
+    }
 
     Json Events() const { return Json::parse(ReadBytes(folder / "e.json")); }
 
-    TemporaryFolder folder;
-    std::string input = folder / "talk.wav";
+    // The strong bursts of MakeSpeech() begin at 0.6, 1.6 and 2.6 s and last 60 ms.
+    static void ExpectEachBurst(const Json& events)
+    {
+        for (const double begin : {0.6, 1.6, 2.6}) {
+            EXPECT_TRUE(std::any_of(events.begin(), events.end(), [&](const Json& event) {
+                return event["prominent"] && event["time"] > begin - 0.04 &&
+                       event["time"] < begin + 0.1;
+            })) << begin;
+        }
+    }
+
+    // A line for each prominent event, in order.
+    static void ExpectLabels(const std::string& labels, const Json& events)
+    {
+        std::istringstream lines(labels);
+        std::string line;
+        size_t faint = 0;
+        for (const Json& event : events) {
+            if (!event["prominent"]) {
+                ++faint;
+                continue;
+            }
+            ASSERT_TRUE(std::getline(lines, line));
+            char* rest = nullptr;
+            EXPECT_NEAR(std::strtod(line.c_str(), &rest), event["start"].get<double>(), 1e-6);
+            ASSERT_EQ(*rest, '\t');
+            EXPECT_NEAR(std::strtod(rest, &rest), event["end"].get<double>(), 1e-6);
+            EXPECT_EQ(*rest, '\t');
+        }
+        EXPECT_FALSE(std::getline(lines, line));
+        EXPECT_GT(faint, 0U);
+    }
 };
 
-TEST_F(CommandReports, EventsHoldTheWholeSchema)
+TEST_F(CommandReports, OfADryRunAgreeAndHoldTheWholeSchema)
 {
-    ASSERT_EQ(
-        RunPuffguard({input, "-n", "--events", folder / "e.json", "--strength", "7.5"}).exitCode,
-        0);
+    const Words all = {"--events", "e.json", "--labels", "l.txt", "--plot", "p.png"};
+    const Outcome outcome = Succeed(Join({"talk.wav", "-n"}, all), {.folder = folder.GetPath()});
+    EXPECT_EQ(folder.List(), (Words{"e.json", "l.txt", "p.png", "talk.wav"}));
+    EXPECT_EQ(ReadBytes(folder / "p.png").substr(0, 4), "\x89PNG");
+    // A pipe shows no progress.
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("prominent plosives, "), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find('\033'), std::string::npos);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1);
     const Json json = Events();
     EXPECT_EQ(json.size(), 7U);
-    EXPECT_EQ(json["file"], input);
+    EXPECT_EQ(json["file"], "talk.wav");
     EXPECT_EQ(json["sampleRate"], 48000);
     EXPECT_EQ(json["channels"], 2);
     EXPECT_EQ(json["frames"], 144000);
     EXPECT_GT(json["latency"], 0);
-    EXPECT_EQ(json["parameters"],
-              Json({{"sensitivity", 5.0},
-                    {"strength", 7.5},
-                    {"upperFrequency", 200.0},
-                    {"latencyScaling", 1.0},
-                    {"bypass", false}}));
-    ASSERT_FALSE(json["events"].empty());
     for (const Json& event : json["events"]) {
         EXPECT_EQ(event.size(), 9U);
         EXPECT_LE(event["start"], event["time"]);
@@ -55,18 +81,35 @@ TEST_F(CommandReports, EventsHoldTheWholeSchema)
         EXPECT_TRUE(event["reduction"].is_number());
         EXPECT_EQ(event["prominent"].get<bool>(), event["removed"] >= 10 * std::log10(0.5));
     }
+    ExpectEachBurst(json["events"]);
+    ExpectLabels(ReadBytes(folder / "l.txt"), json["events"]);
 }
 
-TEST_F(CommandReports, EachBurstIsAProminentEvent)
+TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
 {
-    ASSERT_EQ(RunPuffguard({input, "-n", "--events", folder / "e.json"}).exitCode, 0);
-    const Json json = Events();
-    // MakeSpeech() has its bursts from 0.6, 1.6 and 2.6 s on, 60 ms long.
-    for (const double begin : {0.6, 1.6, 2.6}) {
-        EXPECT_TRUE(std::any_of(json["events"].begin(), json["events"].end(), [&](const Json& e) {
-            return e["prominent"] && e["time"] > begin - 0.04 && e["time"] < begin + 0.1;
-        })) << begin;
+    Words words = {"--print-params", "--json", "--bypass"};
+    Json expected = {{"bypass", true}};
+    for (const Cli::Control& control : Cli::controlTable) {
+        const double value = control.least + (control.most - control.least) / 4;
+        words.insert(words.end(), {control.option, std::to_string(value)});
+        expected[control.member] = value;
     }
+    size_t found = 0;
+    const Json printed = Json::parse(Say(words));
+    for (const Json& parameter : printed["parameters"]) {
+        for (const Cli::Control& control : Cli::controlTable) {
+            if (parameter["name"] == control.parameter) {
+                ++found;
+                EXPECT_EQ(parameter["minimum"], control.least) << control.option;
+                EXPECT_EQ(parameter["maximum"], control.most) << control.option;
+                EXPECT_EQ(parameter["value"], expected[control.member]) << control.option;
+            }
+        }
+    }
+    EXPECT_EQ(found, Cli::controlTable.size());
+    Succeed(Join(words, {input, "-n", "--events", folder / "e.json"}));
+    EXPECT_EQ(Events()["parameters"], expected);
+    EXPECT_TRUE(Events()["events"].empty()) << "in spite of the bypass";
 }
 
 TEST_F(CommandReports, WhatLiesBehindTheEndIsNoEvent)
@@ -76,83 +119,29 @@ TEST_F(CommandReports, WhatLiesBehindTheEndIsNoEvent)
     for (int i = 0; i < 8; ++i) {
         const double seconds = 1.6 + i * 0.0025;
         WriteAudio(folder / "cut.wav", MakeSpeech(48000, 1, seconds));
-        ASSERT_EQ(RunPuffguard({folder / "cut.wav", "-nf", "--events", folder / "e.json"}).exitCode,
-                  0);
+        Succeed({folder / "cut.wav", "-nf", "--events", folder / "e.json"});
         const Json json = Events();
-        for (const Json& event : json["events"])
+        for (const Json& event : json["events"]) {
             EXPECT_LT(event["time"].get<double>(), seconds);
+        }
     }
 }
 
-TEST_F(CommandReports, SeveralRecordingsGiveAnArrayInOrder)
+TEST_F(CommandReports, OfSeveralRecordingsStandInOrderAndAgreeWithTheSummary)
 {
-    WriteAudio(folder / "b.wav", MakeSpeech(16000, 1, 1.0));
-    ASSERT_EQ(RunPuffguard({input,
-                            folder / "missing.wav",
-                            folder / "b.wav",
-                            "-n",
-                            "--events",
-                            folder / "e.json",
-                            "-j2"})
-                  .exitCode,
-              1);
+    const std::string second = folder / "b.wav";
+    WriteAudio(second, MakeSpeech(16000, 1, 1.0));
+    const Outcome outcome = RunPuffguard(
+        {input, folder / "none.wav", second, "-nj2", "--json", "--events", folder / "e.json"});
+    EXPECT_EQ(outcome.exitCode, 1);
     const Json json = Events();
     ASSERT_EQ(json.size(), 2U);
     EXPECT_EQ(json[0]["file"], input);
-    EXPECT_EQ(json[1]["file"], folder / "b.wav");
-}
-
-TEST_F(CommandReports, BypassRepairsNothing)
-{
-    ASSERT_EQ(RunPuffguard({input, "-n", "--bypass", "--events", folder / "e.json"}).exitCode, 0);
-    EXPECT_TRUE(Events()["events"].empty());
-    EXPECT_TRUE(Events()["parameters"]["bypass"].get<bool>());
-}
-
-TEST_F(CommandReports, LabelsShowTheProminentOnes)
-{
-    ASSERT_EQ(
-        RunPuffguard({input, "-n", "--events", folder / "e.json", "--labels", folder / "l.txt"})
-            .exitCode,
-        0);
-    std::istringstream lines(ReadBytes(folder / "l.txt"));
-    std::string line;
-    const Json json = Events();
-    size_t faint = 0;
-    for (const Json& event : json["events"]) {
-        if (!event["prominent"]) {
-            ++faint;
-            continue;
-        }
-        ASSERT_TRUE(std::getline(lines, line));
-        char* rest = nullptr;
-        EXPECT_NEAR(std::strtod(line.c_str(), &rest), event["start"].get<double>(), 1e-6);
-        ASSERT_EQ(*rest, '\t');
-        EXPECT_NEAR(std::strtod(rest, &rest), event["end"].get<double>(), 1e-6);
-        EXPECT_EQ(*rest, '\t');
-    }
-    EXPECT_FALSE(std::getline(lines, line));
-    EXPECT_GT(faint, 0U);
-}
-
-TEST_F(CommandReports, DryRunWritesReportsAndNoAudio)
-{
-    const Outcome outcome = RunPuffguard({input, "-n", "--plot", folder / "p.png"});
-    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
-    EXPECT_EQ(folder.List(), (Names{"p.png", "talk.wav"}));
-    EXPECT_EQ(ReadBytes(folder / "p.png").substr(0, 4), "\x89PNG");
-    EXPECT_NE(outcome.out.find("prominent plosives, "), std::string::npos) << outcome.out;
-}
-
-TEST_F(CommandReports, SummaryJsonAgreesWithTheEvents)
-{
-    const Outcome outcome =
-        RunPuffguard({input, folder / "none.wav", "-n", "--json", "--events", folder / "e.json"});
-    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(json[1]["file"], second);
+    const Json& events = json[0]["events"];
     const Json summary = Json::parse(outcome.out);
-    const Json events = Events()[0]["events"];
     EXPECT_EQ(summary["failed"], 1);
-    ASSERT_EQ(summary["files"].size(), 2U);
+    ASSERT_EQ(summary["files"].size(), 3U);
     const Json& file = summary["files"][0];
     EXPECT_EQ(file["status"], "ok");
     EXPECT_EQ(file["repairs"], events.size());
@@ -170,41 +159,17 @@ TEST_F(CommandReports, SummaryJsonAgreesWithTheEvents)
 
 TEST_F(CommandReports, AFailureLeavesNoReport)
 {
-    Audio audio = MakeSpeech(48000, 1, 20.0);
-    audio.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
-    WriteAudio(folder / "cut.flac", audio);
-    WriteBytes(folder / "cut.flac", ReadBytes(folder / "cut.flac").substr(0, 300'000));
-    const Names before = folder.List();
-    EXPECT_EQ(RunPuffguard({folder / "cut.flac",
-                            "--events",
-                            folder / "e.json",
-                            "--labels",
-                            folder / "l.txt",
-                            "--plot",
-                            folder / "p.png"})
-                  .exitCode,
-              1);
-    EXPECT_EQ(folder.List(), before);
+    const Words reports = {
+        "--events", folder / "e.json", "--labels", folder / "l.txt", "--plot", folder / "p.png"};
+    ExpectRefusal(Join({MakeCutRecording()}, reports), 1, "cut.flac");
 }
 
-TEST_F(CommandReports, QuietSaysNothingAndPipesShowNoProgress)
+TEST_F(CommandReports, QuietSaysNothingAndHelpAndVersionAnswer)
 {
-    const Outcome quiet = RunPuffguard({input, "-n", "-q"});
+    const Outcome quiet = Succeed({input, "-n", "-q"});
     EXPECT_EQ(quiet.out + quiet.err, "");
-    const Outcome plain = RunPuffguard({input, "-n"});
-    EXPECT_EQ(plain.err, "");
-    EXPECT_EQ(plain.out.find('\033'), std::string::npos);
-    EXPECT_EQ(std::count(plain.out.begin(), plain.out.end(), '\n'), 1);
-}
-
-TEST_F(CommandReports, HelpAndVersionAnswer)
-{
-    const Outcome help = RunPuffguard({"--help"});
-    EXPECT_EQ(help.exitCode, 0);
-    EXPECT_NE(help.out.find("Examples:"), std::string::npos);
-    const Outcome version = RunPuffguard({"--version"});
-    EXPECT_EQ(version.exitCode, 0);
-    EXPECT_TRUE(version.out.starts_with("puffguard ")) << version.out;
+    EXPECT_NE(Say({"--help"}).find("Examples:"), std::string::npos);
+    EXPECT_TRUE(Say({"--version"}).starts_with("puffguard "));
 }
 
 } // namespace

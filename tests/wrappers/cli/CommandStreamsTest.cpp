@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: ISC
-#include "tests/wrappers/cli/support/CommandRunner.h"
-#include "tests/wrappers/cli/support/TestFiles.h"
-
-#include <gtest/gtest.h>
+#include "tests/wrappers/cli/support/CommandFixture.h"
 
 #include <cstring>
 
 namespace {
 
 using namespace CliTest;
-using Names = std::vector<std::string>;
 
-class CommandStreams : public testing::Test {
+class CommandStreams : public CommandFixture {
 protected:
     // Makes "talk.EXTENSION" and returns its bytes.
     std::string Make(const std::string& extension, int format, int channels = 2)
@@ -30,7 +26,6 @@ protected:
         return ReadAudio(folder / "decoded");
     }
 
-    TemporaryFolder folder;
     Audio audio;
 };
 
@@ -45,8 +40,7 @@ TEST_F(CommandStreams, WavGoesThroughAPipeBitForBit)
                               SF_FORMAT_ULAW}) {
         for (const int container : {SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64}) {
             const std::string bytes = Make("wav", container | subtype);
-            const Outcome outcome = RunPuffguard({"-", "-o", "-", "--bypass"}, {.input = bytes});
-            ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+            const Outcome outcome = Succeed({"-", "-o", "-", "--bypass"}, {.input = bytes});
             const Audio result = Decode(outcome.out);
             EXPECT_EQ(result.format, audio.format);
             EXPECT_EQ(result.samples, audio.samples) << container << ' ' << subtype;
@@ -57,12 +51,10 @@ TEST_F(CommandStreams, WavGoesThroughAPipeBitForBit)
 TEST_F(CommandStreams, OtherContainersCanBePipedInAndOut)
 {
     const std::string bytes = Make("flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
-    const Outcome wav = RunPuffguard({"-", "--bypass"}, {.input = bytes});
-    ASSERT_EQ(wav.exitCode, 0) << wav.err;
+    const Outcome wav = Succeed({"-", "--bypass"}, {.input = bytes});
     EXPECT_EQ(Decode(wav.out).format, SF_FORMAT_WAV | SF_FORMAT_PCM_24);
     EXPECT_EQ(Decode(wav.out).samples, audio.samples);
-    const Outcome flac = RunPuffguard({"-", "--bypass", "--format", "flac"}, {.input = wav.out});
-    ASSERT_EQ(flac.exitCode, 0) << flac.err;
+    const Outcome flac = Succeed({"-", "--bypass", "--format", "flac"}, {.input = wav.out});
     EXPECT_EQ(Decode(flac.out).format, SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
     EXPECT_EQ(Decode(flac.out).samples, audio.samples);
 }
@@ -70,22 +62,20 @@ TEST_F(CommandStreams, OtherContainersCanBePipedInAndOut)
 TEST_F(CommandStreams, AStreamAndAFileGiveTheSameSamples)
 {
     const std::string bytes = Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    ASSERT_EQ(RunPuffguard({folder / "talk.wav"}).exitCode, 0);
-    const Outcome piped = RunPuffguard({"-"}, {.input = bytes});
-    ASSERT_EQ(piped.exitCode, 0);
+    Succeed({input});
+    const Outcome piped = Succeed({"-"}, {.input = bytes});
     EXPECT_EQ(Decode(piped.out).samples, ReadAudio(folder / "talk.puffguard.wav").samples);
-    const Outcome toFile = RunPuffguard({"-", "-o", folder / "f.flac"}, {.input = bytes});
-    ASSERT_EQ(toFile.exitCode, 0) << toFile.err;
+    const Outcome toFile = Succeed({"-", "-o", folder / "f.flac"}, {.input = bytes});
     EXPECT_EQ(ReadAudio(folder / "f.flac").samples, Decode(piped.out).samples);
 }
 
 TEST_F(CommandStreams, AWavOfUnknownLengthRunsToItsEnd)
 {
     std::string bytes = Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    for (const size_t place : {size_t{4}, bytes.find("data") + 4})
+    for (const size_t place : {size_t{4}, bytes.find("data") + 4}) {
         std::memset(bytes.data() + place, 0xFF, 4);
-    const Outcome outcome = RunPuffguard({"-", "--bypass"}, {.input = bytes});
-    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+    }
+    const Outcome outcome = Succeed({"-", "--bypass"}, {.input = bytes});
     EXPECT_EQ(Decode(outcome.out).samples, audio.samples);
 }
 
@@ -99,32 +89,27 @@ TEST_F(CommandStreams, RawSamplesStayRaw)
         bytes += static_cast<char>(value >> 8);
     }
     const Outcome outcome =
-        RunPuffguard({"-", "-o", "-", "--raw", "s16,48000,2", "--bypass"}, {.input = bytes});
-    ASSERT_EQ(outcome.exitCode, 0) << outcome.err;
+        Succeed({"-", "-o", "-", "--raw", "s16,48000,2", "--bypass"}, {.input = bytes});
     EXPECT_TRUE(outcome.out == bytes);
 }
 
 TEST_F(CommandStreams, AShortOrEmptyOrForeignStreamFails)
 {
     const std::string bytes = Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    for (const std::string& input :
+    for (const std::string& stream :
          {std::string(),
           bytes.substr(0, 30),
           bytes.substr(0, bytes.size() / 2),
           std::string("abc"),
           std::string("not audio, but longer than any head of a file would be")}) {
-        const Outcome outcome = RunPuffguard({"-", "-o", folder / "never.wav"}, {.input = input});
-        EXPECT_EQ(outcome.exitCode, 1) << input.size();
-        EXPECT_NE(outcome.err.find("stdin"), std::string::npos) << outcome.err;
+        ExpectRefusal({"-", "-o", folder / "never.wav"}, 1, "stdin", {.input = stream});
     }
-    EXPECT_FALSE(std::filesystem::exists(folder / "never.wav"));
 }
 
 TEST_F(CommandStreams, StandardOutputCarriesAudioAlone)
 {
     const std::string bytes = Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    const Outcome outcome = RunPuffguard({folder / "talk.wav", "-o", "-"});
-    ASSERT_EQ(outcome.exitCode, 0);
+    const Outcome outcome = Succeed({input, "-o", "-"});
     EXPECT_EQ(outcome.out.size(), bytes.size());
     EXPECT_NE(outcome.err.find("prominent"), std::string::npos) << outcome.err;
 }

@@ -40,12 +40,6 @@ private:
 struct Result {
     std::vector<double> input;
     std::vector<double> output;
-
-    void Append(const Alignment::Pair& pair)
-    {
-        input.insert(input.end(), pair.input.begin(), pair.input.end());
-        output.insert(output.end(), pair.output.begin(), pair.output.end());
-    }
 };
 
 struct Case {
@@ -71,48 +65,41 @@ Result RunThrough(const Case& c, LatencyMode mode, float gain, const std::vector
     Alignment alignment(
         c.channels, c.block, c.latency, mode, DelayingEffect(c.channels, c.latency, gain));
     Result result;
+    const auto append = [&](const Alignment::Pair& pair) {
+        result.input.insert(result.input.end(), pair.input.begin(), pair.input.end());
+        result.output.insert(result.output.end(), pair.output.begin(), pair.output.end());
+    };
     for (size_t begin = 0; begin < samples.size(); begin += c.block * c.channels) {
         const size_t count = std::min(c.block * c.channels, samples.size() - begin);
-        result.Append(alignment.Push(std::span(samples).subspan(begin, count)));
+        append(alignment.Push(std::span(samples).subspan(begin, count)));
     }
-    for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain())
-        result.Append(pair);
+    for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain()) {
+        append(pair);
+    }
     return result;
 }
 
 class AlignmentOfCase : public testing::TestWithParam<Case> {};
 
-TEST_P(AlignmentOfCase, GivesAnUntouchedSignalBackToTheLastBitAndInLength)
+TEST_P(AlignmentOfCase, PairsEachOutputWithItsInputToTheLastBit)
 {
     const Case c = GetParam();
     const auto samples = MakeSamples(c.frames * c.channels);
-    const Result result = RunThrough(c, LatencyMode::Trim, 1.0F, samples);
-    EXPECT_EQ(result.output, samples);
-    EXPECT_EQ(result.input, samples);
-}
-
-TEST_P(AlignmentOfCase, PairsEachOutputWithItsInput)
-{
-    const Case c = GetParam();
-    const auto samples = MakeSamples(c.frames * c.channels);
-    const Result result = RunThrough(c, LatencyMode::Trim, 0.5F, samples);
-    ASSERT_EQ(result.output.size(), samples.size());
-    EXPECT_EQ(result.input, samples);
+    const Result untouched = RunThrough(c, LatencyMode::Trim, 1.0F, samples);
+    EXPECT_EQ(untouched.output, samples);
+    EXPECT_EQ(untouched.input, samples);
+    const Result halved = RunThrough(c, LatencyMode::Trim, 0.5F, samples);
+    ASSERT_EQ(halved.output.size(), samples.size());
+    EXPECT_EQ(halved.input, samples);
     for (size_t i = 0; i < samples.size(); ++i) {
         // A half is exact in a float, so what the effect changed is half the float, exactly.
         const auto asFloat = static_cast<double>(static_cast<float>(samples[i]));
-        ASSERT_EQ(result.output[i], samples[i] - asFloat / 2) << i;
+        ASSERT_EQ(halved.output[i], samples[i] - asFloat / 2) << i;
     }
-}
-
-TEST_P(AlignmentOfCase, KeepsTheRawStreamWhole)
-{
-    const Case c = GetParam();
-    const auto samples = MakeSamples(c.frames * c.channels);
-    const Result result = RunThrough(c, LatencyMode::Keep, 1.0F, samples);
-    std::vector<double> expected(c.latency * c.channels, 0.0);
-    expected.insert(expected.end(), samples.begin(), samples.end());
-    EXPECT_EQ(result.output, expected);
+    // Kept, the latency comes in front, and the whole signal behind it.
+    std::vector<double> late(c.latency * c.channels, 0.0);
+    late.insert(late.end(), samples.begin(), samples.end());
+    EXPECT_EQ(RunThrough(c, LatencyMode::Keep, 1.0F, samples).output, late);
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes,

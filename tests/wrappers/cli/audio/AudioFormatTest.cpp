@@ -12,33 +12,27 @@ namespace {
 
 using Cli::ChangeFormat;
 
-TEST(AudioFormatTest, KeepsWhatNobodyAskedToChange)
+TEST(AudioFormatTest, ReplacesOnlyASubtypeThatTheContainerLacks)
 {
-    const int format = SF_FORMAT_AIFF | SF_FORMAT_PCM_24 | SF_ENDIAN_LITTLE;
-    EXPECT_EQ(ChangeFormat(format, std::nullopt, std::nullopt, 48000, 2), format);
-}
-
-TEST(AudioFormatTest, ReplacesASubtypeThatTheContainerLacks)
-{
-    EXPECT_EQ(ChangeFormat(SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_FLAC, {}, 48000, 1),
-              SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
-    EXPECT_EQ(ChangeFormat(SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SF_FORMAT_WAV, {}, 48000, 1),
-              SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    EXPECT_EQ(ChangeFormat(SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_WAV, {}, 48000, 1),
-              SF_FORMAT_WAV | SF_FORMAT_PCM_U8);
-    EXPECT_EQ(ChangeFormat(SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_WAV, {}, 48000, 1),
-              SF_FORMAT_WAV | SF_FORMAT_PCM_24);
-    EXPECT_EQ(ChangeFormat(SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_OGG, {}, 48000, 1),
-              SF_FORMAT_OGG | SF_FORMAT_VORBIS);
-}
-
-TEST(AudioFormatTest, RefusesWhatWasAskedForAndCannotBe)
-{
-    EXPECT_THROW(
-        ChangeFormat(SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_FLAC, SF_FORMAT_FLOAT, 48000, 1),
-        Cli::FileError);
-    EXPECT_THROW(ChangeFormat(SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_FLAC, {}, 48000, 24),
-                 Cli::FileError);
+    struct Case {
+        int format;
+        std::optional<int> container;
+        int expected;
+    };
+    const int own = SF_FORMAT_AIFF | SF_FORMAT_PCM_24 | SF_ENDIAN_LITTLE;
+    for (const auto& [format, container, expected] :
+         {Case{own, {}, own},
+          Case{SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_FLAC, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+          Case{SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_16},
+          Case{SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_U8},
+          Case{SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_24},
+          Case{
+              SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_OGG, SF_FORMAT_OGG | SF_FORMAT_VORBIS}}) {
+        EXPECT_EQ(ChangeFormat(format, container, std::nullopt, 48000, 1), expected);
+    }
+    const int plain = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    EXPECT_THROW(ChangeFormat(plain, SF_FORMAT_FLAC, SF_FORMAT_FLOAT, 48000, 1), Cli::FileError);
+    EXPECT_THROW(ChangeFormat(plain, SF_FORMAT_FLAC, {}, 48000, 24), Cli::FileError);
 }
 
 TEST(AudioFormatTest, NamesLeadToTheirFormatsAndBack)
@@ -50,8 +44,9 @@ TEST(AudioFormatTest, NamesLeadToTheirFormatsAndBack)
     EXPECT_EQ(Cli::ContainerOfExtension("aif"), SF_FORMAT_AIFF);
     EXPECT_EQ(Cli::ContainerOfExtension(""), std::nullopt);
     EXPECT_EQ(Cli::ContainerOfExtension("wa"), std::nullopt);
-    for (const std::string& name : Cli::ContainerNames())
+    for (const std::string& name : Cli::ContainerNames()) {
         EXPECT_TRUE(Cli::FindContainer(name)) << name;
+    }
     EXPECT_EQ(Cli::ExtensionOf(SF_FORMAT_OGG | SF_FORMAT_OPUS), "opus");
     EXPECT_EQ(Cli::ExtensionOf(SF_FORMAT_OGG | SF_FORMAT_VORBIS), "ogg");
 }

@@ -23,26 +23,20 @@ using Names = std::vector<std::string>;
 TEST(OutputFileTest, AppearsOnlyWhenItIsCommitted)
 {
     const TemporaryFolder folder;
-    {
-        OutputFile file(FileName(folder / "a"), Overwrite::Refuse);
-        EXPECT_EQ(Cli::WriteFully(file.GetDescriptor(), "new"), 0);
-        EXPECT_FALSE(std::filesystem::exists(folder / "a"));
-        file.Commit();
+    const std::string name(255, 'n'); // the longest that there can be
+    WriteBytes(folder / name, "old");
+    for (const bool commits : {false, true}) {
+        {
+            OutputFile file(FileName(folder / name), Overwrite::Allow);
+            EXPECT_EQ(Cli::WriteFully(file.GetDescriptor(), "new"), 0);
+            EXPECT_EQ(ReadBytes(folder / name), "old");
+            if (commits) {
+                file.Commit();
+            }
+        }
+        EXPECT_EQ(folder.List(), Names{name});
+        EXPECT_EQ(ReadBytes(folder / name), commits ? "new" : "old");
     }
-    EXPECT_EQ(folder.List(), Names{"a"});
-    EXPECT_EQ(ReadBytes(folder / "a"), "new");
-}
-
-TEST(OutputFileTest, LeavesNothingWithoutCommit)
-{
-    const TemporaryFolder folder;
-    WriteBytes(folder / "a", "old");
-    {
-        OutputFile file(FileName(folder / "a"), Overwrite::Allow);
-        EXPECT_EQ(Cli::WriteFully(file.GetDescriptor(), "new"), 0);
-    }
-    EXPECT_EQ(folder.List(), Names{"a"});
-    EXPECT_EQ(ReadBytes(folder / "a"), "old");
 }
 
 TEST(OutputFileTest, NeverReplacesUnasked)
@@ -81,14 +75,6 @@ TEST(OutputFileTest, TellsOfFoldersAndFullDevices)
     EXPECT_THROW(OutputFile(FileName("/dev/full"), Overwrite::Refuse).WriteWhole("x"), FileError);
     OutputFile(FileName("/dev/null"), Overwrite::Refuse).WriteWhole("x");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-}
-
-TEST(OutputFileTest, TakesTheLongestName)
-{
-    const TemporaryFolder folder;
-    const std::string name(255, 'n');
-    OutputFile(FileName(folder / name), Overwrite::Refuse).WriteWhole("x");
-    EXPECT_EQ(folder.List(), Names{name});
 }
 
 } // namespace

@@ -27,27 +27,18 @@ Detection MakeDetection()
     return detection;
 }
 
-TEST(EventsTest, TimesAreSamplesOverRate)
-{
-    const Event event = MakeEvent(MakeDetection(), {1.0}, 48000);
-    EXPECT_DOUBLE_EQ(event.time, 2.0);
-    EXPECT_DOUBLE_EQ(event.start, 1.968);
-    EXPECT_DOUBLE_EQ(event.end, 2.032);
-}
-
-TEST(EventsTest, DecibelsAreOfEnergies)
+TEST(EventsTest, TimesAreSamplesOverRateAndDecibelsOfEnergies)
 {
     // Reduction: 10 log10(100 / 1000) = -10. Removed: 900 against an average of 1 in each of nine
     // frames: 10 log10(900 / 9) = 20.
     const Event event = MakeEvent(MakeDetection(), {1.0}, 48000);
+    EXPECT_DOUBLE_EQ(event.time, 2.0);
+    EXPECT_DOUBLE_EQ(event.start, 1.968);
+    EXPECT_DOUBLE_EQ(event.end, 2.032);
     EXPECT_NEAR(event.reduction, -10.0, 1e-12);
     EXPECT_NEAR(event.removed, 20.0, 1e-12);
-    EXPECT_TRUE(event.isProminent);
-}
-
-TEST(EventsTest, HalfOfTheAverageIsProminent)
-{
-    // 900 taken out over nine frames of 200 each is exactly a half.
+    EXPECT_EQ(event.pitch, 125.0);
+    // Prominent is what takes out half of the average: 900 over nine frames of 200 each.
     EXPECT_TRUE(MakeEvent(MakeDetection(), {200.0}, 48000).isProminent);
     EXPECT_FALSE(MakeEvent(MakeDetection(), {200.1}, 48000).isProminent);
 }
@@ -70,7 +61,6 @@ TEST(EventsTest, StaysFiniteWhereThereIsNothing)
 TEST(EventsTest, UnvoicedHasNoPitch)
 {
     Detection detection = MakeDetection();
-    EXPECT_EQ(MakeEvent(detection, {1.0}, 48000).pitch, 125.0);
     detection.pitchHz = 0;
     const auto json = nlohmann::json::parse(Cli::EventJson(MakeEvent(detection, {1.0}, 48000)));
     EXPECT_TRUE(json["pitch"].is_null());
@@ -92,8 +82,9 @@ TEST(EventsTest, SpoolGivesBackWhatItTookInOrder)
     Cli::EventSpool spool;
     for (uint32_t i = 0; i < 1000; i += 8) {
         std::vector<Detection> some(8);
-        for (uint32_t k = 0; k < 8; ++k)
+        for (uint32_t k = 0; k < 8; ++k) {
             some[k].number = i + k;
+        }
         spool.Append(some);
     }
     uint32_t expected = 0;

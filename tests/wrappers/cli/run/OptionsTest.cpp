@@ -15,8 +15,9 @@ Options Parse(std::vector<std::string> words)
 {
     words.insert(words.begin(), "puffguard");
     std::vector<const char*> pointers;
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         pointers.push_back(word.c_str());
+    }
     return std::get<Options>(Cli::ParseOptions(static_cast<int>(words.size()), pointers.data()));
 }
 
@@ -119,8 +120,9 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
         {"--print-params", "--dry-run"},
         {"--save-preset", "p.xml", "--plot", "p.png"},
         {"a.wav", "--sensitivity"}};
-    for (const auto& words : cases)
+    for (const auto& words : cases) {
         EXPECT_NE(Complaint(words), "") << testing::PrintToString(words);
+    }
     EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "{name}.png"}), "");
     EXPECT_EQ(Complaint({"a.wav", "b.wav", "--plot", "folder/"}), "");
     EXPECT_EQ(Complaint({"--list-presets", "--json"}), "");

@@ -83,6 +83,7 @@ TEST_F(ElementControllersTest, WhatTheProcessSideChangesReachesTheListenersByThe
 TEST_F(ElementControllersTest, TakesTextsRangeAndDefaultFromTheElement)
 {
     EXPECT_EQ(Level().GetUnits(), "dB");
+    EXPECT_TRUE(Level().IsLogarithmic());
     EXPECT_EQ(Level().GetRange().min, -10.0F);
     Level().SetValue(2.0F);
     Level().ResetToDefault();
@@ -91,6 +92,8 @@ TEST_F(ElementControllersTest, TakesTextsRangeAndDefaultFromTheElement)
     EXPECT_EQ(mode.GetValueLabel(3), "three");
     EXPECT_TRUE(mode.GetValueLabel(4).IsEmpty());
     EXPECT_EQ(EnumParam(nullptr).GetValueLabel(4), "4"); // a plain one
+    using Place = std::pair<DSP::Element*, String>;
+    EXPECT_EQ(std::any_cast<Place>(mode.GetContext()), Place(element, "Mode"));
 }
 
 TEST_F(ElementControllersTest, AnswersOneObjectANameAndNullForTheWrongType)

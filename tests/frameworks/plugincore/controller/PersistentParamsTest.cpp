@@ -161,6 +161,22 @@ TEST_F(PersistentParamsTest, ASettingThatCannotBeIsLimitedAndLeftAsItIs)
     EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 77U);
 }
 
+TEST_F(PersistentParamsTest, LetsGoOfElementsAndTakesTheNextOnesAtTheSameValues)
+{
+    Instance first;
+    Instance second;
+    second.link.Clear();
+    second.Set(5.0F); // nobody follows any more
+    first.Set(45.0F);
+    second.link.ApplyChanges();
+    EXPECT_EQ(second.Value(), 5.0F);
+    second.link.Load(second.element);
+    EXPECT_EQ(second.Value(), 45.0F);
+    second.Set(46.0F);
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 46.0F);
+}
+
 TEST_F(PersistentParamsTest, RegistrationKeepsItsOrderAndCanDoWithoutControllers)
 {
     Support::TestElementHost host;

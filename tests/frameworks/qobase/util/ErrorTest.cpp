@@ -52,6 +52,7 @@ TEST(ErrorVariant, CopiesAreIndependentAndKeepTheKind)
     const Util::ErrorVariant& alias = second;
     second = alias; // assignment to itself
     EXPECT_EQ(second.GetDescription(), "first");
+    EXPECT_EQ(second.Get().GetArguments().data(), nullptr) << "a span without memory";
 }
 
 TEST(Expected, IsTrueWithAResultAndFalseWithAnError)

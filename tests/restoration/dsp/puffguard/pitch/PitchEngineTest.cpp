@@ -223,4 +223,17 @@ TEST(PitchEngine, PrefiltersAndClippingAreHeard)
               0.0F);
 }
 
+TEST(PitchEngine, WithoutDynamicProgrammingNothingWaits)
+{
+    constexpr double Rate = 44100;
+    Analysis analysis(Rate);
+    analysis.engine.SetDynamicProgramming(false);
+    EXPECT_EQ(analysis.engine.GetLatency(), 890);
+    const std::vector<float> pitches = analysis.Run(MakeTone(Rate, 0.2, 140));
+    const auto voiced =
+        std::find_if(pitches.begin(), pitches.end(), [](float pitchHz) { return pitchHz > 138; });
+    EXPECT_LT(voiced - pitches.begin(), 4410);
+    EXPECT_NEAR(pitches.back(), 140.0F, 140 * Bias);
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/text/Text.h"
 #include "wrappers/cli/text/TextTable.h"
+#include "wrappers/cli/text/Version.h"
 
 #include <nlohmann/json.hpp>
 
@@ -44,7 +45,7 @@ std::string PresetTable(const std::vector<Wrapper::Preset>& presets)
 std::string PresetJson(const std::vector<Wrapper::Preset>& presets)
 {
     nlohmann::ordered_json json;
-    json["version"] = PUFFGUARD_VERSION;
+    json["version"] = GetVersion();
     json["presets"] = nlohmann::ordered_json::array();
     for (const Wrapper::Preset& preset : presets) {
         json["presets"].push_back({{"name", ToUtf8(preset.name)},

@@ -2,6 +2,7 @@
 #include "wrappers/cli/run/FileReport.h"
 
 #include "wrappers/cli/text/Text.h"
+#include "wrappers/cli/text/Version.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -54,7 +55,7 @@ nlohmann::ordered_json ToJson(const ParameterValue& entry)
 nlohmann::ordered_json ToJson(const Session& session)
 {
     nlohmann::ordered_json json;
-    json["version"] = PUFFGUARD_VERSION;
+    json["version"] = GetVersion();
     json["preset"] = nullptr;
     if (session.preset) {
         json["preset"] = {{"name", ToUtf8(session.preset->name)},

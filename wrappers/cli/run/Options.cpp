@@ -4,6 +4,7 @@
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/OptionChecks.h"
 #include "wrappers/cli/text/Text.h"
+#include "wrappers/cli/text/Version.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -254,7 +255,7 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
         throw UsageError(Printable(error.what()));
     }
     if (wantsVersion) {
-        return Answer{"puffguard " PUFFGUARD_VERSION "\n"};
+        return Answer{fmt::format("puffguard {}\n", GetVersion())};
     }
     RefuseUnknown(app);
     Interpret(typed, options);

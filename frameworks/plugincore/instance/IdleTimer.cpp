@@ -2,7 +2,6 @@
 #include "frameworks/plugincore/instance/IdleTimer.h"
 
 #include <exception>
-#include <mutex>
 #include <utility>
 
 IdleTimer::IdleTimer(Setup newSetup)
@@ -25,7 +24,7 @@ void IdleTimer::Tick()
     std::vector<HostCallback::Notification> notifications;
     std::exception_ptr failure;
     {
-        const std::unique_lock guard(setup.uiLock, std::adopt_lock);
+        const Util::CriticalSectionGuard guard(setup.uiLock, std::adopt_lock);
         if (!setup.isActive) {
             return; // the lock came with the end of the instance's work
         }
@@ -55,7 +54,7 @@ void IdleTimer::Refresh(HostCallback::Notification& notification) const
     }
     // Whoever has the lock may be at the disk, and all instances share the timer.
     if (notification.opcode == HostOpcodeParamEvent && setup.uiLock.TryEnter()) {
-        const std::unique_lock guard(setup.uiLock, std::adopt_lock);
+        const Util::CriticalSectionGuard guard(setup.uiLock, std::adopt_lock);
         setup.refreshParam(notification.event);
     }
 }

@@ -87,6 +87,12 @@ public:
     {
         section.Enter();
     }
+    /// Takes over an entry of the caller's, as by TryEnter().
+    CriticalSectionGuard(CriticalSection& newSection, std::adopt_lock_t /*entered*/)
+        UTIL_REQUIRES(newSection)
+        : section(newSection)
+    {
+    }
     CriticalSectionGuard(const CriticalSectionGuard&) = delete;
     CriticalSectionGuard(CriticalSectionGuard&&) = delete;
     CriticalSectionGuard& operator=(const CriticalSectionGuard&) = delete;

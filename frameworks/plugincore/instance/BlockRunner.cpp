@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/BlockRunner.h"
 
+#include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 #include "frameworks/qobase/util/Tick.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 namespace {
 
@@ -87,19 +89,15 @@ void BlockRunner::RunCommands(const DSP::TransformBase& transform)
 
 void BlockRunner::RunChunks(DSP::TransformBase& transform, const ProcessRecord& record)
 {
-    std::array<float*, DSP::MaxChannels> channels{};
-    for (uint32_t done = 0; done < record.frames;) {
-        const uint32_t chunk = std::min(record.frames - done, maxFrames);
-        for (uint32_t channel = 0; channel < transform.GetChannelCount(); ++channel) {
-            float* samples = record.channels[channel];
-            channels[channel] = samples != nullptr ? samples + done : nullptr;
-        }
-        transform.ProcessChunk(chunk, channels.data());
+    std::array<float*, DSP::MaxChannels> pointers{};
+    const std::span<float*> channels = std::span(pointers).first(transform.GetChannelCount());
+    const auto runChunk = [&](uint32_t /*begin*/, uint32_t frames) {
+        transform.ProcessChunk(frames, channels.data());
         if (transport.isPositionValid != 0) {
-            transport.position += chunk;
+            transport.position += frames;
         }
-        done += chunk;
-    }
+    };
+    DSP::RunInPieces(record.frames, maxFrames, record.channels, channels, runChunk);
 }
 
 bool BlockRunner::RecentlyProcessed() const noexcept

@@ -18,6 +18,7 @@
 // Steps go by sample counts alone: however the host cuts its blocks, they follow each other in the
 // same order. Only the tracker's filters may get the samples of several steps at once; they don't
 // care about cuts.
+#include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "restoration/dsp/puffguard/PuffGuard.h"
 
 #include <algorithm>
@@ -115,9 +116,7 @@ void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
 
 void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* channels)
 {
-    for (std::size_t channel = 0; channel < arriving.size(); ++channel) {
-        arriving[channel] = channels[channel] + offset;
-    }
+    PointInto(channels, offset, arriving);
     pitchDetect.Process(frames, arriving.data());
 }
 

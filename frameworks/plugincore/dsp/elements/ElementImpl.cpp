@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/elements/ElementImpl.h"
 
+#include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 
 #include <algorithm>
@@ -309,12 +310,14 @@ void ElementImpl::RunTail(uint32_t region, uint32_t frames, float* const* channe
         SetNextPositions(std::nullopt, std::nullopt);
     }
     host.SetProcessBlockOffset(0);
+    if (tail.GetFrameSize() == 0) {
+        RunPieces(region, frames, channels); // passes through: there is nothing to assemble
+        return;
+    }
     tail.Begin(block);
     BlockAssembler::Frame frame;
     while (tail.Next(frame)) {
-        // Only a block that passes through can be longer than an element expects.
-        const bool passesThrough = tail.GetFrameSize() == 0;
-        RunPieces(region, frame, passesThrough ? host.GetMaxBlockFrames() : frame.frames);
+        ProcessPiece(region, frame.frames, frame.inputs);
     }
     tail.End(UsesRegionCrossfade() ? BlockAssembler::CopyOut::Yes : BlockAssembler::CopyOut::No);
     const BlockAssembler::Frame unfinished = tail.GetUnfinished();
@@ -323,24 +326,16 @@ void ElementImpl::RunTail(uint32_t region, uint32_t frames, float* const* channe
     }
 }
 
-void ElementImpl::RunPieces(uint32_t region,
-                            const BlockAssembler::Frame& frame,
-                            uint32_t maxPieceFrames)
+// Such a block can be longer than the element expects.
+void ElementImpl::RunPieces(uint32_t region, uint32_t frames, float* const* channels)
 {
-    if (frame.frames <= maxPieceFrames) {
-        ProcessPiece(region, frame.frames, frame.inputs);
-        return;
-    }
-    for (uint32_t done = 0; done < frame.frames;) {
-        const uint32_t piece = std::min(frame.frames - done, maxPieceFrames);
-        for (uint32_t channel = 0; channel < channelCount; ++channel) {
-            float* input = frame.inputs[channel];
-            pieceChannels[channel] = input != nullptr ? input + done : nullptr;
+    const auto runPiece = [&](uint32_t begin, uint32_t count) {
+        ProcessPiece(region, count, pieceChannels.data());
+        if (count != frames) {
+            host.SetProcessBlockOffset(begin + count);
         }
-        ProcessPiece(region, piece, pieceChannels.data());
-        done += piece;
-        host.SetProcessBlockOffset(done);
-    }
+    };
+    RunInPieces(frames, host.GetMaxBlockFrames(), channels, pieceChannels, runPiece);
 }
 
 void ElementImpl::ProcessPiece(uint32_t region, uint32_t frames, float* const* channels)

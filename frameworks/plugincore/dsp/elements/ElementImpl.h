@@ -135,7 +135,7 @@ private:
     void
     FillDryBlock(uint32_t region, uint32_t frames, float* const* channels, const DryBlock& dry);
     void RunTail(uint32_t region, uint32_t frames, float* const* channels);
-    void RunPieces(uint32_t region, const BlockAssembler::Frame& frame, uint32_t maxPieceFrames);
+    void RunPieces(uint32_t region, uint32_t frames, float* const* channels);
     void ProcessPiece(uint32_t region, uint32_t frames, float* const* channels);
     void FadeToDry(uint32_t frames, float* const* channels, const DryBlock& dry);
     void SendOrRun(DSPCommand* command);
@@ -151,7 +151,7 @@ private:
     uint32_t channelConfig;
     uint32_t channelCount;
     std::vector<std::unique_ptr<BlockAssembler>> tails; // one a region
-    std::vector<float*> pieceChannels; // a long block's channels, advanced piece by piece
+    std::vector<float*> pieceChannels; // a passing block's channels, advanced piece by piece
     bool initialised = false;          // set by Reset(), cleared by a processed block
     bool commandsDisabled = false;
     int suspendCount = 0;

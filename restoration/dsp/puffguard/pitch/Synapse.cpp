@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/pitch/Synapse.h"
 
+#include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "restoration/dsp/puffguard/VectorOps.h"
 #include "restoration/dsp/puffguard/pitch/ParamRegistrations.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <span>
 
@@ -166,12 +166,11 @@ void Synapse::MixToMono(uint32_t offset, uint32_t frames, float* const* channels
 
 void Synapse::ProcessAudio(uint32_t frames, float* const* channels)
 {
-    const auto most = static_cast<uint32_t>(mono.size());
-    for (uint32_t done = 0; done < frames; done += most) {
-        const uint32_t piece = std::min(frames - done, most);
-        MixToMono(done, piece, channels);
-        engine.Process(std::span(mono).first(piece));
-    }
+    const auto runPiece = [&](uint32_t begin, uint32_t count) {
+        MixToMono(begin, count, channels);
+        engine.Process(std::span(mono).first(count));
+    };
+    RunInPieces(frames, static_cast<uint32_t>(mono.size()), channels, {}, runPiece);
 }
 
 float Synapse::GetPitch() noexcept UTIL_NONBLOCKING

@@ -5,10 +5,23 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <map>
 
 namespace {
 
 using namespace Contract;
+
+/// By name, what lies in the folder Presets beside a binary.
+std::map<std::string, std::string> PresetsBeside(const std::string& binary)
+{
+    std::map<std::string, std::string> presets;
+    const auto folder = std::filesystem::path(binary).parent_path() / "Presets";
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::ifstream stream(entry.path(), std::ios::binary);
+        presets[entry.path().filename()] = {std::istreambuf_iterator<char>(stream), {}};
+    }
+    return presets;
+}
 
 class FormatInstances : public FormatTest {
 protected:
@@ -45,8 +58,12 @@ TEST_P(FormatInstances, ComeAndGoAtAnyPointOfTheirLifeAndLeaveNothingBehind)
         Live(number++);
     }
     const Holdings before;
+    // A format's module lies beside its binary.
+    const auto folder = std::filesystem::path(GetParam().binary).parent_path().string() + "/";
     while (number < Rounds(300)) {
         Live(number++);
+        // Of the entry's, other tests may keep it.
+        ASSERT_TRUE(CountMappings(folder) == 0 || GetParam().make == MakeEntryHost) << number;
     }
     EXPECT_EQ(Holdings(), before);
     auto host = Make();
@@ -63,6 +80,14 @@ TEST_P(FormatInstances, OfRatesThatAreNoneDoNoHarm)
         host->Activate(rate, LongestBlock);
         EXPECT_EQ(BadSample(Play(*host, MakeSpeech(Rate, 1), 4096)), "");
     }
+}
+
+// Each bundle has a module of its own, which looks for them there.
+TEST_P(FormatInstances, HaveTheFactoryPresetsBesideTheirModule)
+{
+    const auto presets = PresetsBeside(PUFFGUARD_MODULE);
+    EXPECT_GE(presets.size(), 6U);
+    EXPECT_EQ(PresetsBeside(GetParam().binary), presets);
 }
 
 CONTRACT_FORMATS(FormatInstances);

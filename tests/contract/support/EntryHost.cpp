@@ -4,12 +4,9 @@
 #include "tests/contract/support/FormatHost.h"
 #include "tests/support/ModuleHost.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <cstring>
 
 namespace Contract {
 
@@ -135,42 +132,11 @@ private:
     TestHost::Instance instance; // last: it calls this object
 };
 
-bool ScanEntry(void* library)
-{
-    auto* const entry =
-        reinterpret_cast<PluginCoreEntryFunction>(dlsym(library, PLUGIN_CORE_ENTRY_NAME));
-    if (entry == nullptr) {
-        return false;
-    }
-    const auto call = [&](uint32_t selector, PluginCore* instance, void* data) {
-        return entry(PLUGIN_CORE_MAGIC, selector, UI, instance, data) == PluginCoreSuccess;
-    };
-    PluginInfoRecord info{};
-    PluginInfoRequest request{};
-    request.info = &info;
-    PluginCore* instance = nullptr;
-    CreateRecord record{};
-    std::strcpy(&record.modulePath[0], PUFFGUARD_MODULE);
-    record.instance = &instance;
-    record.sampleRate = 48000;
-    record.channelConfig = TestHost::LayoutOf(2);
-    return call(SelectorGetPluginInfo, nullptr, &request) &&
-           call(SelectorCreatePlugin, nullptr, &record) && instance != nullptr &&
-           call(SelectorInitialize, instance, nullptr) &&
-           call(SelectorTerminate, instance, nullptr) &&
-           call(SelectorDestroyPlugin, instance, nullptr);
-}
-
 } // namespace
 
 std::unique_ptr<FormatHost> MakeEntryHost(double rate, uint32_t channels)
 {
     return std::make_unique<EntryHost>(rate, channels);
-}
-
-FormatBinary GetEntryBinary()
-{
-    return {PUFFGUARD_MODULE, ScanEntry};
 }
 
 } // namespace Contract

@@ -64,30 +64,17 @@ public:
     virtual std::vector<uint8_t> MakeSession(std::span<const uint8_t> chunk) = 0;
 };
 
-/// What a host finds on the disk.
-struct FormatBinary {
-    std::string path;
-    /// What a scan does with the loaded library: lists its plug-ins, makes an instance of one and
-    /// ends it. False when something is missing.
-    bool (*scan)(void* library);
-};
-
 /// A way into the effect. `make` gives null when there is no such instance; `channels` is 1, 2, 6
-/// or 8.
+/// or 8. The binary is loaded by the first host of it, and unloaded with the last.
 struct Format {
     const char* name;
     std::unique_ptr<FormatHost> (*make)(double rate, uint32_t channels);
-    FormatBinary (*getBinary)();
+    const char* binary;
 };
 
 std::unique_ptr<FormatHost> MakeEntryHost(double rate, uint32_t channels);
 std::unique_ptr<FormatHost> MakeLv2Host(double rate, uint32_t channels);
 std::unique_ptr<FormatHost> MakeClapHost(double rate, uint32_t channels);
 std::unique_ptr<FormatHost> MakeVst3Host(double rate, uint32_t channels);
-
-FormatBinary GetEntryBinary();
-FormatBinary GetLv2Binary();
-FormatBinary GetClapBinary();
-FormatBinary GetVst3Binary();
 
 } // namespace Contract

@@ -11,15 +11,15 @@ const std::vector<Format>& GetFormats()
 {
     static const Support::UserFolders folders;
     static const std::vector<Format> formats = {
-        {"Entry", MakeEntryHost, GetEntryBinary},
+        {"Entry", MakeEntryHost, PUFFGUARD_MODULE},
 #ifdef PUFFGUARD_WITH_LV2
-        {"LV2", MakeLv2Host, GetLv2Binary},
+        {"LV2", MakeLv2Host, PUFFGUARD_LV2},
 #endif
 #ifdef PUFFGUARD_WITH_CLAP
-        {"CLAP", MakeClapHost, GetClapBinary},
+        {"CLAP", MakeClapHost, PUFFGUARD_CLAP},
 #endif
 #ifdef PUFFGUARD_WITH_VST3
-        {"VST3", MakeVst3Host, GetVst3Binary},
+        {"VST3", MakeVst3Host, PUFFGUARD_VST3},
 #endif
     };
     return formats;

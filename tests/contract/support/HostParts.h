@@ -2,6 +2,8 @@
 // What the hosts of several formats have alike.
 #pragma once
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -12,6 +14,34 @@
 #include <vector>
 
 namespace Contract {
+
+/// A binary of a format, in memory as long as the object lives or somebody else keeps it there.
+class Library {
+public:
+    // What it lacks shows at once, and what it brings stays its own.
+    explicit Library(const char* path)
+        : handle(dlopen(path, RTLD_NOW | RTLD_LOCAL))
+    {
+    }
+    ~Library()
+    {
+        if (handle != nullptr) {
+            dlclose(handle);
+        }
+    }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    /// Null when it isn't there.
+    template <typename Pointer>
+    Pointer Find(const char* symbol) const
+    {
+        return handle != nullptr ? reinterpret_cast<Pointer>(dlsym(handle, symbol)) : nullptr;
+    }
+
+private:
+    void* const handle;
+};
 
 /// Values on their way from the UI thread to the next block, the last one of each parameter. [any]
 class WaitingValues {

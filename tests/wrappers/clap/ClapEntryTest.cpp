@@ -70,7 +70,7 @@ protected:
 TEST_F(ClapEntryTest, AScanFindsOneEffectThatSaysWhatItIs)
 {
     const Use use;
-    const clap_plugin_factory_t* factory = ClapHost::Factory();
+    const clap_plugin_factory_t* factory = use.GetFactory();
     ASSERT_NE(factory, nullptr);
     ASSERT_EQ(factory->get_plugin_count(factory), 1U);
     EXPECT_EQ(factory->get_plugin_descriptor(factory, 1), nullptr);
@@ -95,9 +95,9 @@ TEST_F(ClapEntryTest, AScanFindsOneEffectThatSaysWhatItIs)
 TEST_F(ClapEntryTest, WhatIsUnknownIsNotMade)
 {
     const Use use;
-    EXPECT_EQ(ClapHost::Entry()->get_factory("clap.other-factory"), nullptr);
-    EXPECT_EQ(ClapHost::Entry()->get_factory(nullptr), nullptr);
-    const clap_plugin_factory_t* factory = ClapHost::Factory();
+    EXPECT_EQ(use.GetEntry()->get_factory("clap.other-factory"), nullptr);
+    EXPECT_EQ(use.GetEntry()->get_factory(nullptr), nullptr);
+    const clap_plugin_factory_t* factory = use.GetFactory();
     const std::string longer = std::string(ClapHost::pluginId) + ".";
     for (const char* id : {"", "example.puffguard", longer.c_str()}) {
         EXPECT_EQ(factory->create_plugin(factory, host->Get(), id), nullptr) << id;
@@ -110,28 +110,28 @@ TEST_F(ClapEntryTest, WhatIsUnknownIsNotMade)
 
 TEST_F(ClapEntryTest, TheLibraryIsInUseUntilItsLastUserEnds)
 {
-    EXPECT_EQ(ClapHost::Factory(), nullptr);
+    const Use first; // for as long as the file is there
     {
-        const Use first;
-        {
-            const Use second;
-        }
-        EXPECT_NE(ClapHost::Factory(), nullptr);
+        const Use second;
     }
-    EXPECT_EQ(ClapHost::Factory(), nullptr);
-    ClapHost::Entry()->deinit(); // one too many
+    EXPECT_NE(first.GetFactory(), nullptr);
+    first.GetEntry()->deinit();
+    EXPECT_EQ(first.GetFactory(), nullptr);
+    first.GetEntry()->deinit(); // one too many
     const Use again;
-    EXPECT_NE(ClapHost::Factory(), nullptr);
+    EXPECT_NE(again.GetFactory(), nullptr);
+    ASSERT_TRUE(first.GetEntry()->init(PUFFGUARD_CLAP)); // which its end takes back
 }
 
 TEST_F(ClapEntryTest, WithoutItsModuleThereIsNoFactoryAndALineSaysWhy)
 {
     const ModuleChoice none("/nowhere/module.so");
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(Use());
+    const Use use;
     const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(use);
     EXPECT_TRUE(said.starts_with("puffguard.clap: ")) << said;
-    EXPECT_EQ(ClapHost::Factory(), nullptr);
+    EXPECT_EQ(use.GetFactory(), nullptr);
 }
 
 TEST_F(ClapPlaceTest, APluginThatWasNamedFromItsFolderLooksForItsModuleThere)
@@ -207,7 +207,7 @@ TEST_F(ClapEntryTest, WhatIsMissingInACallIsRefused)
 TEST_F(ClapEntryTest, NothingIsOfferedBeforeInit)
 {
     const Use use;
-    const clap_plugin_factory_t* factory = ClapHost::Factory();
+    const clap_plugin_factory_t* factory = use.GetFactory();
     const clap_plugin_t* plugin = factory->create_plugin(factory, host->Get(), ClapHost::pluginId);
     ASSERT_NE(plugin, nullptr);
     EXPECT_EQ(plugin->get_extension(plugin, CLAP_EXT_PARAMS), nullptr);

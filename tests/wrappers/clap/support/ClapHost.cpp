@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-
 #include <string_view>
 
 namespace ClapHost {
@@ -18,19 +16,24 @@ constexpr uint32_t channelFlags =
 
 } // namespace
 
-const clap_plugin_entry_t* Entry()
+Use::Use()
+    : entry(library.Find<const clap_plugin_entry_t*>("clap_entry"))
+    , hasBegun(entry != nullptr && entry->init(PUFFGUARD_CLAP))
 {
-    static const auto* entry = [] {
-        void* library = dlopen(PUFFGUARD_CLAP, RTLD_NOW | RTLD_LOCAL);
-        return static_cast<const clap_plugin_entry_t*>(
-            library != nullptr ? dlsym(library, "clap_entry") : nullptr);
-    }();
-    return entry;
 }
 
-const clap_plugin_factory_t* Factory()
+Use::~Use()
 {
-    return static_cast<const clap_plugin_factory_t*>(Entry()->get_factory(CLAP_PLUGIN_FACTORY_ID));
+    if (hasBegun) {
+        entry->deinit();
+    }
+}
+
+const clap_plugin_factory_t* Use::GetFactory() const
+{
+    const void* const factory =
+        entry != nullptr ? entry->get_factory(CLAP_PLUGIN_FACTORY_ID) : nullptr;
+    return static_cast<const clap_plugin_factory_t*>(factory);
 }
 
 AudioScope::AudioScope()

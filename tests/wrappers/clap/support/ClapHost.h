@@ -27,30 +27,23 @@ using Audio = std::vector<std::vector<float>>;
 
 inline constexpr const char* pluginId = "example.puffguard.puffguard";
 
-/// The built file's entry, loaded at the first call; null when it can't be.
-const clap_plugin_entry_t* Entry();
-/// Its factory; null when nobody uses the file.
-const clap_plugin_factory_t* Factory();
-
-/// From the entry's init() to its deinit(). False when that fails.
+/// From the entry's init() to its deinit(), in a file that is loaded for it.
 class Use {
 public:
-    Use()
-        : hasBegun(Entry() != nullptr && Entry()->init(PUFFGUARD_CLAP))
-    {
-    }
-    ~Use()
-    {
-        if (hasBegun) {
-            Entry()->deinit();
-        }
-    }
+    Use();
+    ~Use();
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
 
+    /// False when init() fails.
     explicit operator bool() const { return hasBegun; }
+    const clap_plugin_entry_t* GetEntry() const { return entry; }
+    /// Null without a factory.
+    const clap_plugin_factory_t* GetFactory() const;
 
 private:
+    const Contract::Library library{PUFFGUARD_CLAP};
+    const clap_plugin_entry_t* const entry;
     const bool hasBegun;
 };
 

@@ -2,8 +2,6 @@
 #include "tests/contract/support/AudioCall.h"
 #include "tests/wrappers/clap/support/ClapHost.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -12,10 +10,10 @@ namespace ClapHost {
 
 namespace {
 
-const clap_plugin_t* Create(Host& host)
+const clap_plugin_t* Create(const Use& use, Host& host)
 {
     host.phase = Host::Phase::Creating;
-    const clap_plugin_factory_t* factory = Factory();
+    const clap_plugin_factory_t* factory = use.GetFactory();
     const clap_plugin_t* plugin =
         factory != nullptr ? factory->create_plugin(factory, host.Get(), pluginId) : nullptr;
     host.phase = Host::Phase::Inactive;
@@ -59,7 +57,7 @@ std::optional<double> AnyTransport::AnyTime()
 Plugin::Plugin(std::shared_ptr<Host> newHost, uint32_t newChannels)
     : host(std::move(newHost))
     , channels(newChannels)
-    , plugin(Create(*host))
+    , plugin(Create(use, *host))
     , isInitialised(plugin != nullptr && plugin->init(plugin))
 {
     if (isInitialised && channels != 2 && !SelectConfig(channels)) {
@@ -275,44 +273,10 @@ bool Plugin::Load(std::span<const uint8_t> bytes)
 
 namespace Contract {
 
-namespace {
-
-bool ScanClap(void* library)
-{
-    const auto* entry = static_cast<const clap_plugin_entry_t*>(dlsym(library, "clap_entry"));
-    if (entry == nullptr || !entry->init(PUFFGUARD_CLAP)) {
-        return false;
-    }
-    const auto* factory =
-        static_cast<const clap_plugin_factory_t*>(entry->get_factory(CLAP_PLUGIN_FACTORY_ID));
-    const clap_plugin_descriptor_t* descriptor =
-        factory != nullptr && factory->get_plugin_count(factory) == 1
-            ? factory->get_plugin_descriptor(factory, 0)
-            : nullptr;
-    bool isDone = false;
-    if (descriptor != nullptr) {
-        ClapHost::Host host;
-        const clap_plugin_t* plugin = factory->create_plugin(factory, host.Get(), descriptor->id);
-        isDone = plugin != nullptr && plugin->init(plugin);
-        if (plugin != nullptr) {
-            plugin->destroy(plugin);
-        }
-    }
-    entry->deinit();
-    return isDone;
-}
-
-} // namespace
-
 std::unique_ptr<FormatHost> MakeClapHost(double /*rate*/, uint32_t channels)
 {
     auto host = std::make_unique<ClapHost::Plugin>(std::make_shared<ClapHost::Host>(), channels);
     return *host ? std::move(host) : nullptr;
-}
-
-FormatBinary GetClapBinary()
-{
-    return {PUFFGUARD_CLAP, ScanClap};
 }
 
 } // namespace Contract

@@ -6,8 +6,6 @@
 
 #include <lv2/atom/atom.h>
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdarg>
@@ -44,14 +42,9 @@ LogPlain(LV2_Log_Handle handle, LV2_URID type, const char* format, ...)
 }
 
 /// The descriptor of a plug-in; null when the bundle has none.
-const LV2_Descriptor* Find(uint32_t channels)
+const LV2_Descriptor* Find(const Contract::Library& library, uint32_t channels)
 {
-    // Bound lazily it would still be complete; RTLD_NOW shows what is missing.
-    static const auto get = [] {
-        void* library = dlopen(PUFFGUARD_BUNDLE "/puffguard.so", RTLD_NOW | RTLD_LOCAL);
-        return reinterpret_cast<LV2_Descriptor_Function>(
-            library != nullptr ? dlsym(library, "lv2_descriptor") : nullptr);
-    }();
+    const auto get = library.Find<LV2_Descriptor_Function>("lv2_descriptor");
     const std::string name = channels == 1   ? "/mono"
                              : channels == 2 ? "/stereo"
                              : channels == 6 ? "/surround51"
@@ -97,7 +90,7 @@ uint32_t Features::Map(const std::string& uri)
 Plugin::Plugin(uint32_t newChannels, double newRate, Manner manner)
     : channels(newChannels)
     , rate(newRate)
-    , descriptor(Find(newChannels))
+    , descriptor(Find(library, newChannels))
     , handle(descriptor != nullptr
                  ? descriptor->instantiate(descriptor,
                                            rate,
@@ -267,26 +260,6 @@ std::vector<uint8_t> Plugin::MakeSession(std::span<const uint8_t> chunk)
 
 namespace Contract {
 
-namespace {
-
-bool ScanLv2(void* library)
-{
-    const auto get = reinterpret_cast<LV2_Descriptor_Function>(dlsym(library, "lv2_descriptor"));
-    const LV2_Descriptor* last = nullptr;
-    for (uint32_t index = 0; get != nullptr && get(index) != nullptr; ++index) {
-        last = get(index);
-    }
-    LV2_Handle handle =
-        last != nullptr ? last->instantiate(last, 48000, PUFFGUARD_BUNDLE "/", nullptr) : nullptr;
-    if (handle == nullptr) {
-        return false;
-    }
-    last->cleanup(handle);
-    return true;
-}
-
-} // namespace
-
 std::unique_ptr<FormatHost> MakeLv2Host(double rate, uint32_t channels)
 {
     auto host = std::make_unique<Lv2Host::Plugin>(channels, rate);
@@ -294,11 +267,6 @@ std::unique_ptr<FormatHost> MakeLv2Host(double rate, uint32_t channels)
         std::fprintf(stderr, "%s\n", line.c_str());
     }
     return *host ? std::move(host) : nullptr;
-}
-
-FormatBinary GetLv2Binary()
-{
-    return {PUFFGUARD_BUNDLE "/puffguard.so", ScanLv2};
 }
 
 } // namespace Contract

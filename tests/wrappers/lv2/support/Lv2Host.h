@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/contract/support/FormatHost.h"
+#include "tests/contract/support/HostParts.h"
 
 #include <lv2/core/lv2.h>
 #include <lv2/log/log.h>
@@ -89,6 +90,7 @@ private:
     std::vector<uint8_t> SaveChunk() const;
     const LV2_State_Interface& StateInterface() const;
 
+    const Contract::Library library{PUFFGUARD_LV2};
     const uint32_t channels;
     const double rate;
     const LV2_Descriptor* const descriptor;

@@ -3,42 +3,9 @@
 
 #include "tests/contract/support/AudioCall.h"
 
-#include <dlfcn.h>
-
 #include <array>
 
 namespace Vst3Host {
-
-namespace {
-
-template <typename Function>
-Function Symbol(void* library, const char* name)
-{
-    return library != nullptr ? reinterpret_cast<Function>(dlsym(library, name)) : nullptr;
-}
-
-std::string BinaryPath()
-{
-    return PUFFGUARD_VST3_BUNDLE "/Contents/" PUFFGUARD_VST3_PROCESSOR "-linux/Puff-guard.so";
-}
-
-void* Library()
-{
-    static void* const library = [] {
-        void* loaded = dlopen(BinaryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
-        const auto enter = Symbol<bool (*)(void*)>(loaded, "ModuleEntry");
-        return enter != nullptr && enter(loaded) ? loaded : nullptr;
-    }();
-    return library;
-}
-
-Held<IFactory> FactoryOf(void* library)
-{
-    const auto get = Symbol<void* (*)()>(library, "GetPluginFactory");
-    return Held<IFactory>(get != nullptr ? static_cast<IFactory*>(get()) : nullptr);
-}
-
-} // namespace
 
 std::basic_string<int16_t> Text16(const std::string& text)
 {
@@ -54,9 +21,16 @@ std::string TextOf(const int16_t* text)
     return result;
 }
 
+Held<IFactory> GetFactory(const Binary& binary)
+{
+    const auto get = binary.Find<void* (*)()>("GetPluginFactory");
+    return Held<IFactory>(get != nullptr ? static_cast<IFactory*>(get()) : nullptr);
+}
+
 Held<IFactory> GetFactory()
 {
-    return FactoryOf(Library());
+    static const Binary binary;
+    return GetFactory(binary);
 }
 
 Held<IComponent> Create(IFactory& factory)
@@ -100,7 +74,7 @@ Plugin::Plugin(uint32_t newChannels, double newRate, std::shared_ptr<Host> newHo
     , host(std::move(newHost))
     , rate(newRate)
 {
-    const Held<IFactory> factory = GetFactory();
+    const Held<IFactory> factory = GetFactory(binary);
     component = factory ? Create(*factory) : nullptr;
     IUnknown* const context = host != nullptr ? host->Get() : nullptr;
     if (component == nullptr || component->Initialize(context) != V3_OK) {
@@ -255,31 +229,11 @@ bool Plugin::Load(std::span<const uint8_t> bytes)
 
 namespace Contract {
 
-namespace {
-
-bool ScanVst3(void* library)
-{
-    const Vst3Host::Held<Vst3Host::IFactory> factory = Vst3Host::FactoryOf(library);
-    if (factory == nullptr || factory->CountClasses() != 1) {
-        return false;
-    }
-    const Vst3Host::Held<Vst3Host::IComponent> component = Vst3Host::Create(*factory);
-    return component != nullptr && component->Initialize(nullptr) == V3_OK &&
-           component->GetBusCount(V3_AUDIO, V3_INPUT) == 1 && component->Terminate() == V3_OK;
-}
-
-} // namespace
-
 std::unique_ptr<FormatHost> MakeVst3Host(double rate, uint32_t channels)
 {
     auto host =
         std::make_unique<Vst3Host::Plugin>(channels, rate, std::make_shared<Vst3Host::Host>());
     return *host ? std::move(host) : nullptr;
-}
-
-FormatBinary GetVst3Binary()
-{
-    return {Vst3Host::BinaryPath(), ScanVst3};
 }
 
 } // namespace Contract

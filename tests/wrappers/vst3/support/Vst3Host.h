@@ -45,7 +45,34 @@ Held<T> Query(IUnknown& object, const v3_tuid iid)
     return Held<T>(static_cast<T*>(found));
 }
 
-/// What GetPluginFactory() gives; null when the library can't be loaded.
+/// The binary of the bundle, between ModuleEntry() and ModuleExit().
+class Binary : public Contract::Library {
+public:
+    Binary()
+        : Library(PUFFGUARD_VST3)
+        , hasEntered(Enter())
+    {
+    }
+    ~Binary()
+    {
+        if (hasEntered) {
+            Find<bool (*)()>("ModuleExit")();
+        }
+    }
+
+private:
+    bool Enter() const
+    {
+        const auto enter = Find<bool (*)(const Binary*)>("ModuleEntry");
+        return enter != nullptr && enter(this);
+    }
+
+    const bool hasEntered;
+};
+
+/// What GetPluginFactory() gives; null when the binary can't be loaded. Without a binary of one's
+/// own, one that stays.
+Held<IFactory> GetFactory(const Binary& binary);
 Held<IFactory> GetFactory();
 /// The first class of the factory; null when it declines.
 Held<IComponent> Create(IFactory& factory);
@@ -115,6 +142,7 @@ public:
         return Contract::MakeHeadedSession(chunk);
     }
 
+    const Binary binary;
     const uint32_t channels;
     const std::shared_ptr<Host> host;
     Held<IComponent> component;

@@ -106,6 +106,8 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
         {"a.wav", "--quiet", "--verbose"},
         {"a.wav", "b.wav", "--plot", "p.png"},
         {"a.wav", "b.wav", "--labels", "l.txt"},
+        {"a.wav", "b.wav", "--plot", "-"},
+        {"a.wav", "b.wav", "--labels", "-"},
         {"a.wav", "--comment", "text"},
         {"a.wav", "--save-preset", "-"},
         {"a.wav", "--save-preset", "b.wav"},

@@ -246,6 +246,8 @@ TEST_F(PresetFile, SaysWhatIsWrongAndKeepsItsSnapshot)
     cases.emplace_back(renamed("LM6Pfgd", "lm6pfgd"), "Invalid preset file type, lm6pfgd");
     cases.emplace_back(renamed("Puffguard", "Puffgard"), "Missing category: Puffguard");
     cases.emplace_back("<?xml version=\"1.0\"?>", "Missing root element.");
+    // Letters that would be a compressed text's, were they not behind a character.
+    cases.emplace_back("<!--hb--><LM6Pfgd/>", "Invalid xml version, . Expected 1.0.");
     cases.emplace_back("", folder / "damaged.xml" + ": No document element found");
     cases.emplace_back("<LM6Pfgd a=1/>",
                        folder / "damaged.xml" + ": Error parsing element attribute");

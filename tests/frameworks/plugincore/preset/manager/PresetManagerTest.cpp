@@ -311,7 +311,7 @@ TEST_F(Manager, KeepsReadOnlyPresets)
     EXPECT_FALSE(manager->Remove(Find("Factory settings")));
     EXPECT_EQ(Read(path), before);
 
-    Put("user/%1.xml");
+    Put("user/%1.xml", "PluginBuild", "ReadOnly=\"0\" PluginBuild");
     const PresetEntry entry = Find("%1");
     EXPECT_EQ(Texts::RemoveQuestion(entry.name), "Are you sure you want to remove '%1'?");
     ASSERT_TRUE(manager->Remove(entry));

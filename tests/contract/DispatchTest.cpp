@@ -21,7 +21,8 @@ enum class Contexts { ProcessOnly, UIOnly, Both, Any };
 enum class Needs { Nothing, Record, RecordAfterContext, Unchecked };
 
 struct Rule {
-    uint32_t selector;
+    uint32_t first; // selector
+    uint32_t last;
     Contexts contexts;
     Needs record;
     uint32_t answer = PluginCoreSuccess; ///< with everything right
@@ -30,48 +31,24 @@ struct Rule {
 /// Names the test of a rule.
 void PrintTo(const Rule& rule, std::ostream* out)
 {
-    *out << "selector " << rule.selector;
+    *out << "selectors " << rule.first << " to " << rule.last;
 }
 
 // Selectors that work on an instance; 7 ends one and has tests of its own.
 constexpr std::array rules{
-    Rule{2, Contexts::Both, Needs::RecordAfterContext},
-    Rule{3, Contexts::Both, Needs::Nothing},
-    Rule{4, Contexts::Both, Needs::Nothing},
-    Rule{5, Contexts::Both, Needs::Nothing},
-    Rule{6, Contexts::Both, Needs::Nothing},
-    Rule{8, Contexts::Both, Needs::Record},
-    Rule{9, Contexts::Both, Needs::Record},
-    Rule{10, Contexts::Both, Needs::Record},
-    Rule{11, Contexts::Both, Needs::Record},
-    Rule{12, Contexts::Both, Needs::Record},
-    Rule{13, Contexts::Both, Needs::Record},
-    Rule{14, Contexts::Both, Needs::Record},
-    Rule{15, Contexts::Both, Needs::Record},
-    Rule{16, Contexts::Both, Needs::Record},
-    Rule{17, Contexts::Both, Needs::Record},
-    Rule{18, Contexts::Both, Needs::Record},
-    Rule{19, Contexts::Both, Needs::Record},
-    Rule{20, Contexts::Both, Needs::Record},
-    Rule{21, Contexts::ProcessOnly, Needs::Nothing},
-    Rule{22, Contexts::ProcessOnly, Needs::Record},
-    Rule{23, Contexts::ProcessOnly, Needs::Record},
-    Rule{24, Contexts::Any, Needs::RecordAfterContext},
-    Rule{25, Contexts::Any, Needs::Unchecked},
-    Rule{26, Contexts::Any, Needs::Nothing},
-    Rule{27, Contexts::Any, Needs::Record},
-    Rule{28, Contexts::UIOnly, Needs::Record},
-    Rule{29, Contexts::UIOnly, Needs::Record},
-    Rule{30, Contexts::UIOnly, Needs::Record},
-    Rule{31, Contexts::UIOnly, Needs::Record},
-    Rule{32, Contexts::UIOnly, Needs::Record},
-    Rule{33, Contexts::Both, Needs::Record},
-    Rule{34, Contexts::Both, Needs::Record},
-    Rule{35, Contexts::Both, Needs::Record, PluginCoreUnsupported},
-    Rule{36, Contexts::Both, Needs::Record, PluginCoreUnsupported},
-    Rule{37, Contexts::Both, Needs::Record},
-    Rule{38, Contexts::Both, Needs::Record},
-    Rule{39, Contexts::Both, Needs::Record},
+    Rule{2, 2, Contexts::Both, Needs::RecordAfterContext},
+    Rule{3, 6, Contexts::Both, Needs::Nothing},
+    Rule{8, 20, Contexts::Both, Needs::Record},
+    Rule{21, 21, Contexts::ProcessOnly, Needs::Nothing},
+    Rule{22, 23, Contexts::ProcessOnly, Needs::Record},
+    Rule{24, 24, Contexts::Any, Needs::RecordAfterContext},
+    Rule{25, 25, Contexts::Any, Needs::Unchecked},
+    Rule{26, 26, Contexts::Any, Needs::Nothing},
+    Rule{27, 27, Contexts::Any, Needs::Record},
+    Rule{28, 32, Contexts::UIOnly, Needs::Record},
+    Rule{33, 34, Contexts::Both, Needs::Record},
+    Rule{35, 36, Contexts::Both, Needs::Record, PluginCoreUnsupported},
+    Rule{37, 39, Contexts::Both, Needs::Record},
 };
 
 bool Allows(Contexts contexts, uint32_t context)
@@ -149,32 +126,34 @@ private:
 
 constexpr std::array<uint32_t, 4> contextsTried{0, 1, 2, 0xFFFFFFFFU};
 
-class Selector : public testing::TestWithParam<Rule> {};
+class Selectors : public testing::TestWithParam<Rule> {};
 
-TEST_P(Selector, AnswersEveryCombinationByItsCode)
+TEST_P(Selectors, AnswerEveryCombinationByTheirCode)
 {
     const Rule& rule = GetParam();
-    for (const uint32_t context : contextsTried) {
-        for (const bool hasInstance : {false, true}) {
-            for (const bool hasRecord : {false, true}) {
-                if (rule.record == Needs::Unchecked && hasInstance && !hasRecord)
-                    continue; // reading a null record is the caller's fault, by contract
-                Instance instance(44100.0F, 1);
-                GoodRecord record(rule.selector);
-                EXPECT_EQ(Call(rule.selector,
-                               context,
-                               hasInstance ? instance.Get() : nullptr,
-                               hasRecord ? record.Get() : nullptr),
-                          Expected(rule, context, hasInstance, hasRecord))
-                    << "context " << context << ", instance " << hasInstance << ", record "
-                    << hasRecord;
-            }
+    for (uint32_t tried = 0; tried < contextsTried.size() * 4; ++tried) {
+        const uint32_t context = contextsTried[tried / 4];
+        const bool hasInstance = tried % 4 / 2 != 0;
+        const bool hasRecord = tried % 2 != 0;
+        if (rule.record == Needs::Unchecked && hasInstance && !hasRecord) {
+            continue; // reading a null record is the caller's fault, by contract
+        }
+        for (uint32_t selector = rule.first; selector <= rule.last; ++selector) {
+            Instance instance(44100.0F, 1);
+            GoodRecord record(selector);
+            EXPECT_EQ(Call(selector,
+                           context,
+                           hasInstance ? instance.Get() : nullptr,
+                           hasRecord ? record.Get() : nullptr),
+                      Expected(rule, context, hasInstance, hasRecord))
+                << selector << ", context " << context << ", instance " << hasInstance
+                << ", record " << hasRecord;
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Entry, Selector, testing::ValuesIn(rules), [](const auto& param) {
-    return std::to_string(param.param.selector);
+INSTANTIATE_TEST_SUITE_P(Entry, Selectors, testing::ValuesIn(rules), [](const auto& param) {
+    return std::to_string(param.param.first) + "to" + std::to_string(param.param.last);
 });
 
 TEST(Entry, TestsTheMagicNumberBeforeAnythingElse)

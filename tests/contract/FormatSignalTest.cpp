@@ -158,24 +158,6 @@ TEST_P(FormatSignal, WithAChannelMissingKeepsTheOthers)
     ExpectLikeNew(*host);
 }
 
-TEST_P(FormatSignal, FromAHostThatNeverActivatesOrSendsNoFramesDoesNoHarm)
-{
-    auto host = GetParam().make(Rate, 2);
-    ASSERT_NE(host, nullptr);
-    host->Process(nullptr, nullptr, 0);
-    const Audio speech = MakeSpeech(Rate, 2, 0.5);
-    EXPECT_EQ(BadSample(Play(*host, speech, 700)), "");
-    host->Deactivate();
-    ASSERT_TRUE(host->Activate(Rate, LongestBlock));
-    for (int i = 0; i < 20; ++i) {
-        host->Process(nullptr, nullptr, 0);
-    }
-    ExpectLikeNew(*host);
-    host->Deactivate();
-    host->Deactivate();
-    Play(*host, speech, 700);
-}
-
 TEST_P(FormatSignal, GoesOnAtAnotherRateWithoutAWordBefore)
 {
     auto host = Make();

@@ -165,7 +165,13 @@ TEST_P(FormatState, ThatIsNoneIsRefusedAndChangesNothing)
     for (int round = 0; round < 3; ++round) {
         EXPECT_TRUE(refusal.IsRefused(MakeNoise(1U << 20U))) << round;
     }
-    Bytes claim = MakeState([](TestHost::Instance&) {});
+    const Bytes state = MakeState([](TestHost::Instance&) {});
+    for (uint32_t round = 0; round < Rounds(300); ++round) {
+        Bytes damaged = state;
+        damaged[4 + engine() % (state.size() - 4)] ^= static_cast<uint8_t>(1U << engine() % 8);
+        EXPECT_TRUE(refusal.IsRefused(host->MakeSession(damaged))) << round;
+    }
+    Bytes claim = state;
     std::fill_n(claim.begin(), 4, uint8_t{0xFF}); // 4 GiB of text
     EXPECT_TRUE(refusal.IsRefused(host->MakeSession(claim)));
 

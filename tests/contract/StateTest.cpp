@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <random>
 #include <vector>
 
 namespace {
@@ -63,29 +62,6 @@ TEST(State, SizeAndChunkBelongTogether)
     EXPECT_EQ(instance.SaveState(), instance.SaveState()) << "the same values give the same bytes";
 }
 
-TEST(State, ADamagedChunkFailsAndChangesNothing)
-{
-    Instance instance(44100.0F, 1);
-    const std::array<float, 3> values{0.1F, 0.9F, 0.3F};
-    SetAll(instance, values);
-    const Chunk good = instance.SaveState();
-    Instance other(44100.0F, 1);
-    const auto before = GetAll(other, UI);
-    const auto refuses = [&](const Chunk& chunk) {
-        return !other.LoadState(chunk) && GetAll(other, UI) == before;
-    };
-    std::mt19937 random(1);
-    for (int round = 0; round < 300; ++round) {
-        Chunk damaged = good;
-        damaged[4 + random() % (good.size() - 4)] ^= static_cast<uint8_t>(1U << random() % 8);
-        EXPECT_TRUE(refuses(damaged)) << round;
-    }
-    EXPECT_TRUE(other.LoadState(good));
-    EXPECT_EQ(GetAll(other, UI), values);
-    for (const HostCall& call : other.Calls())
-        EXPECT_NE(call.opcode, static_cast<uint32_t>(HostOpcodeParamEvent)) << "its own doing";
-}
-
 TEST(State, GoesFromAnyFormatToAnyWhileAudioRuns)
 {
     Instance small(44100.0F, 1);
@@ -107,6 +83,9 @@ TEST(State, GoesFromAnyFormatToAnyWhileAudioRuns)
         EXPECT_TRUE(audio.SawOnlyGoodAudio());
     }
     EXPECT_EQ(GetAll(large, Process), values);
+    for (const HostCall& call : large.Calls()) {
+        EXPECT_NE(call.opcode, static_cast<uint32_t>(HostOpcodeParamEvent)) << "its own doing";
+    }
 }
 
 // Hosts take "equal" for "the session is saved", and rely on hearing it for any chunk of today.

@@ -257,24 +257,4 @@ TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
     EXPECT_EQ(good, threadCount * instancesEach);
 }
 
-TEST(Instances, DoNotHearEachOther)
-{
-    Instance first(44100.0F, 1);
-    Instance second(44100.0F, 1);
-    second.Set(GlobalBypass, 1.0F);
-    EXPECT_EQ(first.Value(GlobalBypass), 0.0F);
-    Audio a = MakeSpeechLike(1, 40'000, 44100.0F);
-    const Audio input = a;
-    Audio b = a;
-    for (uint32_t done = 0; done < 40'000; done += 400) {
-        first.RunBlock(a, done, 400);
-        second.RunBlock(b, done, 400);
-    }
-    Instance alone(44100.0F, 1);
-    Audio expected = input;
-    alone.Run(expected, 400);
-    EXPECT_EQ(a, expected);
-    EXPECT_NE(b, expected);
-}
-
 } // namespace

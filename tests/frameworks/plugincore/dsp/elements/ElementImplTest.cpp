@@ -169,6 +169,12 @@ TEST(Element, FadesToItsInputInTimeWithTheOutput)
     output = RunThrough(element, ones);
     EXPECT_FLOAT_EQ(output[0], 1.1F);
     EXPECT_EQ(output[20], 2.0F);
+    element.active = false;
+    RunThrough(element, {1.0F});
+    element.Reset(); // ends the fade that has begun
+    output = RunThrough(element, ones);
+    EXPECT_EQ(output[3], 0.0F);
+    EXPECT_EQ(output[4], 1.0F);
 }
 
 TEST(Element, KeepsDryHistoryFromThePoolAndNotOnAChild)

@@ -8,6 +8,8 @@
 
 #include "PluginCoreCallback.h" /* so that this header also compiles alone */
 
+#include <stddef.h>
+
 #ifdef __cplusplus
 #define PLUGIN_CORE_ASSERT(condition) static_assert(condition, #condition)
 #else

@@ -1,0 +1,75 @@
+/* SPDX-License-Identifier: ISC
+ *
+ * Records about parameters and what the user does to them. Included by PluginCoreCallback.h.
+ */
+#ifndef PLUGINCORE_ENTRY_PLUGINCOREPARAMS_H
+#define PLUGINCORE_ENTRY_PLUGINCOREPARAMS_H
+
+#include <stdint.h>
+
+/** Kinds of ParamInfoRecord. */
+typedef enum PluginCoreParamType {
+    ParamTypeFloat = 0,
+    ParamTypeBool = 1,
+    ParamTypeEnum = 2
+} PluginCoreParamType;
+
+/** One automatable parameter. */
+typedef struct ParamInfoRecord {
+    char identifier[256]; /**< "element.parameter" */
+    char displayName[1024];
+    char units[1024];
+    char labels[2048];       /**< of an enumeration, separated by tabs */
+    uint32_t type;           /**< PluginCoreParamType */
+    uint32_t flags;          /**< bit 0: logarithmic */
+    uint32_t isAutomatable;  /**< 0 here; see ElementParamInfoRecord */
+    uint32_t isAutomatable2; /**< 0 here */
+    uint32_t reserved;
+    uint32_t automatableIndex; /**< 0 here */
+    float minimum;             /**< in the parameter's own units, as are the next two */
+    float maximum;
+    float defaultValue;
+    uint32_t steps; /**< number of values of a bool or an enumeration, 0 for a float */
+} ParamInfoRecord;
+
+/** One parameter of any element. */
+typedef struct ElementParamInfoRecord {
+    ParamInfoRecord info; /**< with the automatable members filled */
+    uint32_t elementIndex;
+} ElementParamInfoRecord;
+
+/** SelectorGetAutomatableParamList, SelectorGetElementParamList. */
+typedef struct ParamListRecord {
+    uint32_t count; /**< in: must equal the real count */
+    uint32_t reserved;
+    void* params; /**< out: array of `count` records */
+} ParamListRecord;
+
+/** Selectors 10, 11, 14, 15. The value is normalised: 0 to 1, linear over the range. */
+typedef struct ParamValueRecord {
+    uint32_t index;
+    float value;
+} ParamValueRecord;
+
+/** SelectorGetParamAtPoint. */
+typedef struct ParamAtPointRecord {
+    int32_t x;
+    int32_t y;
+    uint32_t index; /**< out */
+    uint32_t found; /**< out */
+} ParamAtPointRecord;
+
+/** HostOpcodeParamEvent. */
+typedef struct ParamEventRecord {
+    uint32_t kind; /**< 0 gesture begins, 1 value changed, 2 gesture ends */
+    uint32_t index;
+    float value; /**< normalised */
+} ParamEventRecord;
+
+/** HostOpcodeAutomationEvent: gestures of several parameters at once. */
+typedef struct AutomationEventRecord {
+    uint8_t gestures[152];
+    uint32_t handled; /**< out: not 0 when the wrapper has dealt with it */
+} AutomationEventRecord;
+
+#endif

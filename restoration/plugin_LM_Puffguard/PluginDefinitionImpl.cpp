@@ -3,6 +3,16 @@
 
 namespace LMPuffguard {
 
+String PluginDefinitionImpl::GetVersionText() const
+{
+    return PUFFGUARD_MODULE_VERSION_TEXT;
+}
+
+uint32_t PluginDefinitionImpl::GetVersionNumber() const
+{
+    return PUFFGUARD_MODULE_VERSION;
+}
+
 bool PluginDefinitionImpl::GetOptionFlag(uint32_t number) const
 {
     switch (number) {

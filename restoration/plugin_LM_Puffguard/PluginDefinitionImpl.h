@@ -21,8 +21,8 @@ public:
         return "%USERDOCS%/Norvane/LM 6 Audio Editor/Presets/Puff-guard";
     }
     String GetPresetId() const override { return "LM6Pfgd"; }
-    String GetVersionText() const override { return "6.00"; }
-    uint32_t GetVersionNumber() const override { return 6000; }
+    String GetVersionText() const override;
+    uint32_t GetVersionNumber() const override;
     uint32_t GetBuildNumber() const override { return 1210; }
     uint32_t GetRevision() const override { return 3589173; }
     uint32_t GetStateVersion() const override { return 1; }

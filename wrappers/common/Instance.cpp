@@ -10,18 +10,23 @@
 
 namespace Wrapper {
 
-namespace {
+static_assert(BlockBuffers::MaxChannels == PLUGIN_CORE_MAX_CHANNELS);
+static_assert(static_cast<uint32_t>(Side::Process) == ContextProcess &&
+              static_cast<uint32_t>(Side::UI) == ContextUI);
 
-constexpr uint32_t uiContext = 1;
-// Hz. The module passes over a format outside these without a word.
-constexpr double lowestRate = 500.0;
-constexpr double highestRate = 1.5e6;
-constexpr double usualRate = 44100.0;
+namespace {
 
 // The plain layouts: their channels have no meaning, whatever the host's order of speakers is.
 uint32_t LayoutOf(uint32_t channels)
 {
-    return channels <= 2 ? channels - 1 : channels + 10;
+    switch (channels) {
+    case 1:
+        return ChannelConfigMono;
+    case 2:
+        return ChannelConfigStereo;
+    default:
+        return ChannelConfigPlain3 + (channels - 3);
+    }
 }
 
 int32_t NumberOf(Format format)
@@ -82,9 +87,10 @@ bool Instance::Start(const Setup& setup)
     CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
     record.instance = &core;
     const bool isServable = CanServe(setup.sampleRate, setup.channels);
-    record.sampleRate = static_cast<float>(isServable ? setup.sampleRate : usualRate);
+    record.sampleRate =
+        isServable ? static_cast<float>(setup.sampleRate) : PLUGIN_CORE_FALLBACK_RATE;
     record.channelConfig = LayoutOf(setup.channels);
-    const uint32_t answer = module->Call(SelectorCreatePlugin, uiContext, nullptr, &record);
+    const uint32_t answer = module->Call(SelectorCreatePlugin, ContextUI, nullptr, &record);
     if (answer != PluginCoreSuccess || core == nullptr) {
         log("the module makes no instance (answer " + std::to_string(answer) + ")");
         return false;
@@ -140,7 +146,7 @@ uint32_t Instance::OnHostCall(uint32_t opcode, uint32_t context, const void* dat
         OnParamEvent(*static_cast<const ParamEventRecord*>(data));
         return PluginCoreSuccess;
     case HostOpcodeLatencyChanged:
-        listener.OnLatencyChanged(context == uiContext ? Side::UI : Side::Process,
+        listener.OnLatencyChanged(context == ContextUI ? Side::UI : Side::Process,
                                   *static_cast<const uint32_t*>(data));
         return PluginCoreSuccess;
     case HostOpcodeDirtyState:
@@ -154,13 +160,13 @@ uint32_t Instance::OnHostCall(uint32_t opcode, uint32_t context, const void* dat
 void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
 {
     switch (event.kind) {
-    case 0:
+    case ParamEventGestureBegins:
         listener.OnGestureBegun(event.index);
         break;
-    case 1:
+    case ParamEventValueChanged:
         listener.OnParameterChanged(event.index, event.value);
         break;
-    case 2:
+    case ParamEventGestureEnds:
         listener.OnGestureEnded(event.index);
         break;
     default:
@@ -168,9 +174,12 @@ void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
     }
 }
 
+// The module passes over a format outside these bounds without a word.
 bool Instance::CanServe(double sampleRate, uint32_t channels)
 {
-    return sampleRate >= lowestRate && sampleRate <= highestRate && channels >= 1 &&
+    constexpr double lowest = PLUGIN_CORE_LOWEST_RATE;
+    constexpr double highest = PLUGIN_CORE_HIGHEST_RATE;
+    return sampleRate >= lowest && sampleRate <= highest && channels >= 1 &&
            channels <= BlockBuffers::MaxChannels;
 }
 

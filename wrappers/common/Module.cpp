@@ -149,7 +149,7 @@ void Module::Describe()
     PluginInfoRecord info = {};
     PluginInfoRequest request = {};
     request.info = &info;
-    if (Call(SelectorGetPluginInfo, 1, nullptr, &request) != PluginCoreSuccess) {
+    if (Call(SelectorGetPluginInfo, ContextUI, nullptr, &request) != PluginCoreSuccess) {
         throw std::runtime_error(path.string() + " doesn't describe itself");
     }
     if (info.versionNumber != PUFFGUARD_MODULE_VERSION) {

@@ -13,8 +13,6 @@ namespace Wrapper {
 
 namespace {
 
-constexpr uint32_t logarithmicFlag = 1;
-
 std::vector<std::string> SplitAtTabs(std::string_view text)
 {
     std::vector<std::string> parts;
@@ -154,7 +152,7 @@ Parameter MakeParameter(const ParamInfoRecord& record)
     parameter.name = WithoutUnit(TextOf(record.displayName), parameter.unit);
     parameter.labels = SplitAtTabs(TextOf(record.labels));
     parameter.kind = KindOf(record.type);
-    parameter.isLogarithmic = (record.flags & logarithmicFlag) != 0;
+    parameter.isLogarithmic = (record.flags & ParamFlagLogarithmic) != 0;
     parameter.minimum = static_cast<double>(record.minimum);
     parameter.maximum = static_cast<double>(record.maximum);
     parameter.defaultValue = static_cast<double>(record.defaultValue);

@@ -30,7 +30,7 @@ enum class Lock {
 };
 
 struct Rule {
-    uint32_t selector;
+    PluginCoreSelector selector;
     Side side;
     Record record;
     Lock lock;
@@ -39,49 +39,63 @@ struct Rule {
 
 namespace H = EntryHandlers;
 
+// Of most: either side brings a record, under its own lock.
+constexpr Rule WithRecord(PluginCoreSelector selector, EntryHandlers::Handler handler)
+{
+    return {selector, Side::Either, Record::Required, Lock::Own, handler};
+}
+
 constexpr std::array<Rule, 38> Rules{{
-    {2, Side::Either, Record::UnderLock, Lock::Own, H::GetAllocationTrace},
-    {3, Side::Either, Record::None, Lock::Own, H::DoNothing},
-    {4, Side::Either, Record::None, Lock::Own, H::DoNothing},
-    {5, Side::Either, Record::None, Lock::Own, H::Initialize},
-    {6, Side::Either, Record::None, Lock::Both, H::Terminate},
-    {7, Side::Any, Record::None, Lock::None, H::DestroyPlugin},
-    {8, Side::Either, Record::Required, Lock::Own, H::GetAutomatableParamCount},
-    {9, Side::Either, Record::Required, Lock::Own, H::GetAutomatableParamList},
-    {10, Side::Either, Record::Required, Lock::Own, H::GetAutomatableParamValue},
-    {11, Side::Either, Record::Required, Lock::Own, H::SetAutomatableParamValue},
-    {12, Side::Either, Record::Required, Lock::Own, H::GetElementParamCount},
-    {13, Side::Either, Record::Required, Lock::Own, H::GetElementParamList},
-    {14, Side::Either, Record::Required, Lock::Own, H::GetElementParamValue},
-    {15, Side::Either, Record::Required, Lock::Own, H::SetElementParamValue},
+    {SelectorGetAllocationTrace, Side::Either, Record::UnderLock, Lock::Own, H::GetAllocationTrace},
+    {SelectorUnassigned3, Side::Either, Record::None, Lock::Own, H::DoNothing},
+    {SelectorUnassigned4, Side::Either, Record::None, Lock::Own, H::DoNothing},
+    {SelectorInitialize, Side::Either, Record::None, Lock::Own, H::Initialize},
+    {SelectorTerminate, Side::Either, Record::None, Lock::Both, H::Terminate},
+    {SelectorDestroyPlugin, Side::Any, Record::None, Lock::None, H::DestroyPlugin},
+    WithRecord(SelectorGetAutomatableParamCount, H::GetAutomatableParamCount),
+    WithRecord(SelectorGetAutomatableParamList, H::GetAutomatableParamList),
+    WithRecord(SelectorGetAutomatableParamValue, H::GetAutomatableParamValue),
+    WithRecord(SelectorSetAutomatableParamValue, H::SetAutomatableParamValue),
+    WithRecord(SelectorGetElementParamCount, H::GetElementParamCount),
+    WithRecord(SelectorGetElementParamList, H::GetElementParamList),
+    WithRecord(SelectorGetElementParamValue, H::GetElementParamValue),
+    WithRecord(SelectorSetElementParamValue, H::SetElementParamValue),
     // Without an editor there is nothing to look under, so that not even the UI lock is asked for.
-    {16, Side::Either, Record::Required, Lock::Own, H::GetParamAtPoint},
-    {17, Side::Either, Record::Required, Lock::Both, H::SetStreamFormat},
-    {18, Side::Either, Record::Required, Lock::Own, H::GetLatency},
-    {19, Side::Either, Record::Required, Lock::ProcessingFirst, H::ResetProcessing},
-    {20, Side::Either, Record::Required, Lock::ProcessingFirst, H::SetProcessingState},
-    {21, Side::Process, Record::None, Lock::Own, H::Settle},
-    {22, Side::Process, Record::Required, Lock::Own, H::Process},
-    {23, Side::Process, Record::Required, Lock::Own, H::ProcessSidePass},
-    {24, Side::Any, Record::UnderLock, Lock::Own, H::TransformQuery},
-    {25, Side::Any, Record::Untested, Lock::Own, H::TransformNotify},
-    {26, Side::Any, Record::None, Lock::ProcessingFirst, H::TransformReset},
-    {27, Side::Any, Record::Required, Lock::Own, H::TransformRead},
-    {28, Side::UI, Record::Required, Lock::Own, H::EditorCommand},
-    {29, Side::UI, Record::Required, Lock::Own, H::EditorKey},
-    {30, Side::UI, Record::Required, Lock::Own, H::EditorMouse},
-    {31, Side::UI, Record::Required, Lock::Own, H::StateCommand},
-    {32, Side::UI, Record::Required, Lock::Own, H::LoadTransformData},
-    {33, Side::Either, Record::Required, Lock::Own, H::ModuleListQuery},
-    {34, Side::Either, Record::Required, Lock::Own, H::GetExtensionCount},
-    {35, Side::Either, Record::Required, Lock::None, H::AnswerUnsupported},
-    {36, Side::Either, Record::Required, Lock::None, H::AnswerUnsupported},
-    {37, Side::Either, Record::Required, Lock::None, H::ElementCommand},
-    {38, Side::Either, Record::Required, Lock::None, H::SetHostTrackValue},
-    {39, Side::Either, Record::Required, Lock::Own, H::HostMessage},
+    WithRecord(SelectorGetParamAtPoint, H::GetParamAtPoint),
+    {SelectorSetStreamFormat, Side::Either, Record::Required, Lock::Both, H::SetStreamFormat},
+    WithRecord(SelectorGetLatency, H::GetLatency),
+    {SelectorResetProcessing,
+     Side::Either,
+     Record::Required,
+     Lock::ProcessingFirst,
+     H::ResetProcessing},
+    {SelectorSetProcessingState,
+     Side::Either,
+     Record::Required,
+     Lock::ProcessingFirst,
+     H::SetProcessingState},
+    {SelectorSettle, Side::Process, Record::None, Lock::Own, H::Settle},
+    {SelectorProcess, Side::Process, Record::Required, Lock::Own, H::Process},
+    {SelectorProcessSidePass, Side::Process, Record::Required, Lock::Own, H::ProcessSidePass},
+    {SelectorTransformQuery, Side::Any, Record::UnderLock, Lock::Own, H::TransformQuery},
+    {SelectorTransformNotify, Side::Any, Record::Untested, Lock::Own, H::TransformNotify},
+    {SelectorTransformReset, Side::Any, Record::None, Lock::ProcessingFirst, H::TransformReset},
+    {SelectorTransformRead, Side::Any, Record::Required, Lock::Own, H::TransformRead},
+    {SelectorEditorCommand, Side::UI, Record::Required, Lock::Own, H::EditorCommand},
+    {SelectorEditorKey, Side::UI, Record::Required, Lock::Own, H::EditorKey},
+    {SelectorEditorMouse, Side::UI, Record::Required, Lock::Own, H::EditorMouse},
+    {SelectorStateCommand, Side::UI, Record::Required, Lock::Own, H::StateCommand},
+    {SelectorLoadTransformData, Side::UI, Record::Required, Lock::Own, H::LoadTransformData},
+    WithRecord(SelectorModuleListQuery, H::ModuleListQuery),
+    WithRecord(SelectorGetExtensionCount, H::GetExtensionCount),
+    {SelectorUnsupported35, Side::Either, Record::Required, Lock::None, H::AnswerUnsupported},
+    {SelectorUnsupported36, Side::Either, Record::Required, Lock::None, H::AnswerUnsupported},
+    {SelectorElementCommand, Side::Either, Record::Required, Lock::None, H::ElementCommand},
+    {SelectorSetHostTrackValue, Side::Either, Record::Required, Lock::None, H::SetHostTrackValue},
+    WithRecord(SelectorHostMessage, H::HostMessage),
 }};
 
-constexpr uint32_t FirstRule = 2;
+constexpr uint32_t FirstRule = SelectorGetAllocationTrace;
 
 constexpr bool RulesStandAtTheirPlace()
 {
@@ -98,11 +112,11 @@ bool Takes(Side side, uint32_t context)
 {
     switch (side) {
     case Side::Either:
-        return context <= 1;
+        return context == ContextProcess || context == ContextUI;
     case Side::Process:
-        return context == 0;
+        return context == ContextProcess;
     case Side::UI:
-        return context == 1;
+        return context == ContextUI;
     default:
         return true;
     }
@@ -187,7 +201,7 @@ private:
 
 uint32_t Run(const Rule& rule, PluginCore& instance, uint32_t context, void* data)
 {
-    const bool isUI = context == 1;
+    const bool isUI = context == ContextUI;
     const auto side = isUI ? DSP::Context::UI : DSP::Context::Process;
     if (rule.lock == Lock::None) {
         return RunLocked(rule, instance, side, data);

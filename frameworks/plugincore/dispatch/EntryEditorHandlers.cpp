@@ -115,19 +115,19 @@ uint32_t ModuleListQuery(PluginCore& /*plugin*/, DSP::Context /*context*/, void*
 {
     auto& record = As<ModuleListRecord>(data);
     switch (record.op) {
-    case 0:
+    case ModuleListOpGetCount:
         record.count = 0;
         return PluginCoreSuccess;
-    case 1:
-    case 2:
+    case ModuleListOpGetFirstValue:
+    case ModuleListOpGetSecondValue:
         return PluginCoreUnsupported; // every index is past the end of an empty list
-    case 3:
+    case ModuleListOpGetContent:
         return record.text == nullptr || record.data == nullptr ? PluginCoreNullRecord
                                                                 : PluginCoreUnsupported;
-    case 4:
+    case ModuleListOpGetTotal:
         record.value = 0;
         return PluginCoreSuccess;
-    case 5:
+    case ModuleListOpGetText:
         if (record.text == nullptr) {
             return PluginCoreNullRecord;
         }

@@ -7,8 +7,8 @@
  * Layout: 64-bit, native byte order, natural alignment. Texts are UTF-8 and NUL-terminated. Bool
  * fields are 0 or 1. Members named `reserved` are written as zero and not read.
  *
- * Threads: context 0 is the processing side, context 1 the UI side. One thread at a time acts for
- * each; both may call at once.
+ * Threads: each call names a side as its context, see PluginCoreContext. One thread at a time acts
+ * for each; both may call at once.
  */
 #ifndef PLUGINCORE_ENTRY_PLUGINCORECALLBACK_H
 #define PLUGINCORE_ENTRY_PLUGINCORECALLBACK_H

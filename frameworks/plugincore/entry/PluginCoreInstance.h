@@ -114,8 +114,8 @@ typedef struct CreateRecord {
     char modulePath[2048];
     PluginIdentity identity;
     PluginCore** instance;  /**< out */
-    float sampleRate;       /**< Hz; what isn't finite and above 0 counts as 44100 */
-    uint32_t channelConfig; /**< 0 mono, 1 stereo, 13 to 34 plain layouts of 3 to 24 channels */
+    float sampleRate;       /**< Hz; one that can't be served counts as PLUGIN_CORE_FALLBACK_RATE */
+    uint32_t channelConfig; /**< PluginCoreChannelConfig, or another code of a layout */
     int32_t flag;           /**< accepted; nothing depends on it */
     int32_t traceAllocations;
 } CreateRecord;
@@ -135,7 +135,7 @@ typedef struct AllocationTraceRecord {
 
 /** SelectorModuleListQuery. */
 typedef struct ModuleListRecord {
-    int32_t op;
+    int32_t op; /**< PluginCoreModuleListOp */
     uint32_t reserved4;
     uint32_t count; /**< out */
     uint32_t index;
@@ -147,6 +147,16 @@ typedef struct ModuleListRecord {
 
 /** Called around each element's reset: begins is 1 before and 0 after it. [process] */
 typedef void (*PluginCoreElementObserver)(void* observerContext, void* element, uint32_t begins);
+
+/** Sub-operations of SelectorModuleListQuery. */
+typedef enum PluginCoreModuleListOp {
+    ModuleListOpGetCount = 0,       /**< into `count` */
+    ModuleListOpGetFirstValue = 1,  /**< of the module at `index`, into `value` */
+    ModuleListOpGetSecondValue = 2, /**< likewise */
+    ModuleListOpGetContent = 3,     /**< of the module at `index`, into `text` and `data` */
+    ModuleListOpGetTotal = 4,       /**< a count, into `value` */
+    ModuleListOpGetText = 5         /**< into `text` */
+} PluginCoreModuleListOp;
 
 /** SelectorElementCommand. */
 typedef struct ElementRecord {

@@ -14,6 +14,11 @@ typedef enum PluginCoreParamType {
     ParamTypeEnum = 2
 } PluginCoreParamType;
 
+/** Bits of ParamInfoRecord.flags. */
+typedef enum PluginCoreParamFlag {
+    ParamFlagLogarithmic = 1 /**< a control for it moves by ratios */
+} PluginCoreParamFlag;
+
 /** One automatable parameter. */
 typedef struct ParamInfoRecord {
     char identifier[256]; /**< "element.parameter" */
@@ -21,7 +26,7 @@ typedef struct ParamInfoRecord {
     char units[1024];
     char labels[2048];       /**< of an enumeration, separated by tabs */
     uint32_t type;           /**< PluginCoreParamType */
-    uint32_t flags;          /**< bit 0: logarithmic */
+    uint32_t flags;          /**< of PluginCoreParamFlag */
     uint32_t isAutomatable;  /**< 0 here; see ElementParamInfoRecord */
     uint32_t isAutomatable2; /**< 0 here */
     uint32_t reserved;
@@ -59,9 +64,16 @@ typedef struct ParamAtPointRecord {
     uint32_t found; /**< out */
 } ParamAtPointRecord;
 
+/** Kinds of ParamEventRecord. */
+typedef enum PluginCoreParamEvent {
+    ParamEventGestureBegins = 0,
+    ParamEventValueChanged = 1,
+    ParamEventGestureEnds = 2
+} PluginCoreParamEvent;
+
 /** HostOpcodeParamEvent. */
 typedef struct ParamEventRecord {
-    uint32_t kind; /**< 0 gesture begins, 1 value changed, 2 gesture ends */
+    uint32_t kind; /**< PluginCoreParamEvent */
     uint32_t index;
     float value; /**< normalised */
 } ParamEventRecord;

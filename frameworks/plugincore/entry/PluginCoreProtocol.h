@@ -36,11 +36,19 @@ typedef enum PluginCoreResult {
     PluginCoreNoEditor = 7     /**< the editor could not be opened, or isn't open */
 } PluginCoreResult;
 
+/** Third argument, in both directions: for which side the call is made. */
+typedef enum PluginCoreContext {
+    ContextProcess = 0, /**< the processing side */
+    ContextUI = 1       /**< the UI side */
+} PluginCoreContext;
+
 /** Second argument of the entry; the comment names the record. */
 typedef enum PluginCoreSelector {
     SelectorGetPluginInfo = 0,             /**< PluginInfoRequest; no instance */
     SelectorCreatePlugin = 1,              /**< CreateRecord; no instance */
     SelectorGetAllocationTrace = 2,        /**< AllocationTraceRecord */
+    SelectorUnassigned3 = 3,               /**< none; does nothing */
+    SelectorUnassigned4 = 4,               /**< none; does nothing */
     SelectorInitialize = 5,                /**< none */
     SelectorTerminate = 6,                 /**< none */
     SelectorDestroyPlugin = 7,             /**< none; no other call may run or follow */
@@ -71,6 +79,8 @@ typedef enum PluginCoreSelector {
     SelectorLoadTransformData = 32,        /**< TransformDataRecord */
     SelectorModuleListQuery = 33,          /**< ModuleListRecord */
     SelectorGetExtensionCount = 34,        /**< uint32_t out, always 0 */
+    SelectorUnsupported35 = 35,            /**< any; answers PluginCoreUnsupported */
+    SelectorUnsupported36 = 36,            /**< any; answers PluginCoreUnsupported */
     SelectorElementCommand = 37,           /**< ElementRecord */
     SelectorSetHostTrackValue = 38,        /**< uint32_t in */
     SelectorHostMessage = 39               /**< HostMessageRecord */

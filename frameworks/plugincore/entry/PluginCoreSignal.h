@@ -7,6 +7,20 @@
 
 #include <stdint.h>
 
+/** Bounds of the sample rates that can be served, in Hz. */
+#define PLUGIN_CORE_LOWEST_RATE 500.0f
+#define PLUGIN_CORE_HIGHEST_RATE 1.5e6f
+/** What an instance takes when it is created with no rate, in Hz. */
+#define PLUGIN_CORE_FALLBACK_RATE 44100.0f
+
+/** Codes of layouts whose channels have no meaning, for any order of speakers. */
+typedef enum PluginCoreChannelConfig {
+    ChannelConfigMono = 0,
+    ChannelConfigStereo = 1,
+    ChannelConfigPlain3 = 13, /**< 3 channels; 14 is of 4 and so on */
+    ChannelConfigPlain24 = 34 /**< PLUGIN_CORE_MAX_CHANNELS channels */
+} PluginCoreChannelConfig;
+
 /** SelectorSetStreamFormat. A rate or a layout that can't be served changes nothing. */
 typedef struct StreamFormatRecord {
     float sampleRate; /**< Hz */

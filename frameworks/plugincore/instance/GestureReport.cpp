@@ -3,15 +3,6 @@
 
 #include "frameworks/plugincore/instance/ParamRecords.h"
 
-namespace {
-
-// Kinds of ParamEventRecord.
-constexpr uint32_t GestureBegins = 0;
-constexpr uint32_t ValueChanged = 1;
-constexpr uint32_t GestureEnds = 2;
-
-} // namespace
-
 GestureReport::GestureReport(HostCallback& newHost,
                              EditorLink& newEditor,
                              const HostParams& newParams)
@@ -21,7 +12,9 @@ GestureReport::GestureReport(HostCallback& newHost,
 {
 }
 
-void GestureReport::ReportToHost(uint32_t kind, const DSP::Element& element, const String& name)
+void GestureReport::ReportToHost(PluginCoreParamEvent kind,
+                                 const DSP::Element& element,
+                                 const String& name)
 {
     if (const auto index = params.FindAutomatable(element, name)) {
         const HostParams::Place place = params.GetAutomatable(*index).value();
@@ -32,7 +25,7 @@ void GestureReport::ReportToHost(uint32_t kind, const DSP::Element& element, con
 void GestureReport::Grabbed(const DSP::Element& element, const String& name, bool mayReport)
 {
     if (book.Grab(element, name, mayReport && editor.IsOpen())) {
-        ReportToHost(GestureBegins, element, name);
+        ReportToHost(ParamEventGestureBegins, element, name);
     }
 }
 
@@ -40,7 +33,7 @@ void GestureReport::Released(const DSP::Element& element, const String& name)
 {
     const GestureBook::Ended ended = book.Release(element, name);
     if (ended.wasReported) {
-        ReportToHost(GestureEnds, element, name);
+        ReportToHost(ParamEventGestureEnds, element, name);
     }
     if (ended.isActionDone) {
         host.NotifyDirty();
@@ -50,7 +43,7 @@ void GestureReport::Released(const DSP::Element& element, const String& name)
 void GestureReport::Changed(const DSP::Element& element, const String& name)
 {
     editor.ParamChanged(element.GetName(), name);
-    ReportToHost(ValueChanged, element, name);
+    ReportToHost(ParamEventValueChanged, element, name);
     // Neither a preference of the user nor what is saved nowhere is part of the host's state.
     const bool isOfSession =
         element.GetParamInfoByName(name).persistence == DSP::Persistence::Session;

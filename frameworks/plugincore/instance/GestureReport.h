@@ -44,7 +44,7 @@ public:
     };
 
 private:
-    void ReportToHost(uint32_t kind, const DSP::Element& element, const String& name);
+    void ReportToHost(PluginCoreParamEvent kind, const DSP::Element& element, const String& name);
 
     HostCallback& host;
     EditorLink& editor;

@@ -10,7 +10,8 @@ namespace {
 // Here the file belongs to one session; other products share it between sessions.
 bool HasSessionFile(const PluginDefinition& definition)
 {
-    return definition.GetSessionMode() == 1 || definition.GetSessionMode() == 2;
+    return definition.GetSessionMode() == SessionMode::OwnHistory ||
+           definition.GetSessionMode() == SessionMode::KeptIdentifier;
 }
 
 } // namespace

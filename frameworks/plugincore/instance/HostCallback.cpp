@@ -3,6 +3,9 @@
 
 #include <utility>
 
+static_assert(static_cast<uint32_t>(DSP::Context::Process) == ContextProcess &&
+              static_cast<uint32_t>(DSP::Context::UI) == ContextUI);
+
 HostCallback::HostCallback(PluginCoreHostFunction newFunction, void* newRefcon)
     : function(newFunction)
     , refcon(newRefcon)

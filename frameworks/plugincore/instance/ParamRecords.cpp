@@ -107,7 +107,7 @@ void FillParamInfo(const DSP::ParamObject& param,
             CopyText(record.identifier, elementName + "." + object->GetName());
             CopyText(record.displayName, displayName);
             CopyText(record.units, info.units);
-            record.flags = info.isLogarithmic ? 1 : 0;
+            record.flags = info.isLogarithmic ? ParamFlagLogarithmic : 0;
             FillType(*object, record);
         },
         param);

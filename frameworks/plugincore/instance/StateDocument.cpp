@@ -11,9 +11,6 @@ namespace {
 constexpr int32_t MajorVersion = 1;
 constexpr int32_t MinorVersion = 1;
 
-// Session modes of a product.
-constexpr uint32_t SessionsHaveIdentifiers = 2;
-
 const String StateKey("DSP State");
 const String ContextKey("Context State");
 const String SessionKey("Session UUID");
@@ -55,7 +52,7 @@ Util::Dictionary StateDocument::Build(Form form) const
 {
     Util::Dictionary result;
     result.Set(StateKey, {DSP::BuildElements(path.GetSet())});
-    if (definition.GetSessionMode() == SessionsHaveIdentifiers) {
+    if (definition.GetSessionMode() == SessionMode::KeptIdentifier) {
         result.Set(SessionKey, {Util::FormatUuid(sessionUuid)});
     }
     result.Set(MajorVersionKey, {MajorVersion});
@@ -102,7 +99,7 @@ void StateDocument::ApplyVersion1(const Util::Dictionary& state, DSP::ValueSourc
     }
     ApplyContext(state);
     if (const String* session = state.Find<String>(SessionKey);
-        session != nullptr && definition.GetSessionMode() == SessionsHaveIdentifiers) {
+        session != nullptr && definition.GetSessionMode() == SessionMode::KeptIdentifier) {
         sessionUuid = Util::ParseUuid(*session).value_or(sessionUuid);
     }
 }

@@ -2,19 +2,18 @@
 #include "frameworks/plugincore/instance/StreamFormat.h"
 
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+#include "frameworks/plugincore/entry/PluginCoreCallback.h"
+
+static_assert(DSP::MaxChannels == PLUGIN_CORE_MAX_CHANNELS);
 
 namespace {
 
-constexpr float LowestRate = 500.0F;
-constexpr float HighestRate = 1.5e6F;
-
-constexpr float FallbackRate = 44100.0F;
-constexpr uint32_t FallbackLayout = 0; // mono, the only one that every host has room for
+constexpr uint32_t FallbackLayout = ChannelConfigMono; // the only one that every host has room for
 
 bool IsServableRate(float sampleRate)
 {
     // Written so that a NaN fails.
-    return sampleRate >= LowestRate && sampleRate <= HighestRate;
+    return sampleRate >= PLUGIN_CORE_LOWEST_RATE && sampleRate <= PLUGIN_CORE_HIGHEST_RATE;
 }
 
 bool IsServableLayout(uint32_t channelConfig)
@@ -31,6 +30,6 @@ bool StreamFormat::IsServable() const noexcept
 
 StreamFormat StreamFormat::WithFallbacks() const noexcept
 {
-    return {IsServableRate(sampleRate) ? sampleRate : FallbackRate,
+    return {IsServableRate(sampleRate) ? sampleRate : PLUGIN_CORE_FALLBACK_RATE,
             IsServableLayout(channelConfig) ? channelConfig : FallbackLayout};
 }

@@ -16,6 +16,13 @@ constexpr uint32_t FourCharacterCode(const char (&text)[5])
     return code;
 }
 
+/// What sets the sessions of a product apart.
+enum class SessionMode : uint32_t {
+    Shared = 0,        ///< nothing: they share one history file
+    OwnHistory = 1,    ///< each instance has a history file of its own
+    KeptIdentifier = 2 ///< likewise, and the state keeps the identifier that names it
+};
+
 /// What a product is: names, identifiers for each plug-in format, versions, sizes. Every operation
 /// is a query without side effect; the defaults are neutral. One object serves the whole module.
 /// Lengths are in pixels. Threads: [any].
@@ -61,7 +68,7 @@ public:
     virtual uint32_t GetDefaultHeight() const { return 0; }
     virtual String GetHelpFile() const { return ""; }
     virtual String GetMorePresetsPath() const { return ""; }
-    virtual uint32_t GetSessionMode() const { return 0; }
+    virtual SessionMode GetSessionMode() const { return SessionMode::Shared; }
     virtual String GetAnalyticsRegistryPath() const { return ""; }
     virtual uint32_t GetAAXProductId() const { return 0; }
     virtual uint32_t GetAAXVersion() const { return 0; }

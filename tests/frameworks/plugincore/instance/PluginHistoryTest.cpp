@@ -183,14 +183,16 @@ TEST_F(PluginHistoryTest, ARendererOfFilesLeavesNone)
 TEST_F(PluginHistoryTest, TheInstancesOwnFileIsNamedByItsSession)
 {
     SessionFactory factory;
-    for (const uint32_t mode : {0U, 1U, 2U}) {
+    for (const SessionMode mode :
+         {SessionMode::Shared, SessionMode::OwnHistory, SessionMode::KeptIdentifier}) {
         factory.definition.sessionMode = mode;
         auto plugin = Make(factory);
         const String session = Util::FormatUuid(plugin->GetSessionUuid());
         String path;
         plugin->GetHistoryFilePath(path);
-        const std::string expected =
-            mode == 0 ? "QoShort.hst" : "QoShort_" + session.ToStdString() + ".hst";
+        const std::string expected = mode == SessionMode::Shared
+                                         ? "QoShort.hst"
+                                         : "QoShort_" + session.ToStdString() + ".hst";
         EXPECT_EQ(path.ToStdString(), FileNamed("Test/Short/" + expected));
         EXPECT_TRUE(std::filesystem::is_directory(FileNamed("Test/Short")));
 

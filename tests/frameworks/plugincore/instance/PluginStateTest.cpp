@@ -146,7 +146,7 @@ TEST_F(PluginStateTest, SessionsCarryAnIdentifierOnlyInTheirOwnMode)
     const auto identifier = [this] { return Util::FormatUuid(plugin->GetSessionUuid()); };
     Create();
     EXPECT_FALSE(TextOf(Save()).Find("Session UUID"));
-    factory.definition.sessionMode = 2;
+    factory.definition.sessionMode = SessionMode::KeptIdentifier;
     Create();
     const String first = identifier();
     const Util::Bytes chunk = Save();

@@ -18,11 +18,11 @@ public:
     uint32_t GetMaxBlockFrames() const override { return maxBlockFrames; }
     uint32_t GetStateVersion() const override { return 1; }
     uint32_t GetVersionNumber() const override { return 6000; }
-    uint32_t GetSessionMode() const override { return sessionMode; }
+    SessionMode GetSessionMode() const override { return sessionMode; }
     uint32_t GetTimerPeriod() const override { return timerPeriod; }
 
     uint32_t maxBlockFrames = 8192;
-    uint32_t sessionMode = 0;
+    SessionMode sessionMode = SessionMode::Shared;
     uint32_t timerPeriod = 0; // ms
 
 private:

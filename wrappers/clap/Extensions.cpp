@@ -145,7 +145,7 @@ bool DescribePort(const clap_plugin_t* plugin,
     Wrapper::CopyText(isInput ? "Input" : "Output", info->name);
     info->flags = CLAP_AUDIO_PORT_IS_MAIN;
     info->channel_count = layout.ChannelCount();
-    info->port_type = layout.portType;
+    info->port_type = GetPortType(layout);
     info->in_place_pair = mainPort;
     return true;
 }
@@ -154,28 +154,28 @@ constexpr clap_plugin_audio_ports_t portsTable = {CountPorts, DescribePort};
 
 uint32_t CountConfigs(const clap_plugin_t* /*plugin*/) noexcept
 {
-    return static_cast<uint32_t>(layouts.size());
+    return static_cast<uint32_t>(Wrapper::Layouts::All.size());
 }
 
 bool DescribeConfig(const clap_plugin_t* /*plugin*/,
                     uint32_t index,
                     Abi::AudioPortsConfig* config) noexcept
 {
-    if (index >= layouts.size() || config == nullptr) {
+    if (index >= Wrapper::Layouts::All.size() || config == nullptr) {
         return false;
     }
-    const Layout& layout = layouts[index];
+    const Layout& layout = *Wrapper::Layouts::All[index];
     *config = {};
-    config->id = layout.id;
+    config->id = GetId(layout);
     Wrapper::CopyText(layout.name, config->name);
     config->inputPortCount = 1;
     config->outputPortCount = 1;
     config->hasMainInput = true;
     config->mainInputChannelCount = layout.ChannelCount();
-    config->mainInputPortType = layout.portType;
+    config->mainInputPortType = GetPortType(layout);
     config->hasMainOutput = true;
     config->mainOutputChannelCount = layout.ChannelCount();
-    config->mainOutputPortType = layout.portType;
+    config->mainOutputPortType = GetPortType(layout);
     return true;
 }
 
@@ -188,8 +188,9 @@ constexpr Abi::PluginAudioPortsConfig configsTable = {CountConfigs, DescribeConf
 
 bool IsMaskSupported(const clap_plugin_t* /*plugin*/, uint64_t mask) noexcept
 {
-    return std::any_of(layouts.begin(), layouts.end(), [mask](const Layout& layout) {
-        return layout.SpeakerMask() == mask;
+    const auto& layouts = Wrapper::Layouts::All;
+    return std::any_of(layouts.begin(), layouts.end(), [mask](const Layout* layout) {
+        return GetSpeakerMask(*layout) == mask;
     });
 }
 
@@ -203,7 +204,7 @@ uint32_t GetChannelMap(const clap_plugin_t* plugin,
     if (port != 0 || map == nullptr || capacity < layout.ChannelCount()) {
         return 0;
     }
-    std::copy(layout.speakers.begin(), layout.speakers.end(), map);
+    std::transform(layout.speakers.begin(), layout.speakers.end(), map, GetNumber);
     return layout.ChannelCount();
 }
 

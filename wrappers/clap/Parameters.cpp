@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/clap/Parameters.h"
 
-#include "wrappers/common/SessionBytes.h"
 #include "wrappers/common/Text.h"
 #include "wrappers/common/Utf8.h"
 
@@ -34,32 +33,13 @@ double NearestValue(const Wrapper::Parameter& parameter, double value) noexcept
 
 } // namespace
 
-clap_id MakeParameterId(std::string_view identifier)
-{
-    // FNV-1a. The top bit stays free: some bridges to other formats keep it for themselves.
-    uint32_t hash = 2166136261U;
-    for (const char letter : identifier) {
-        hash = (hash ^ static_cast<uint8_t>(letter)) * 16777619U;
-    }
-    return hash & 0x7FFFFFFFU;
-}
-
 Parameters::Parameters(Wrapper::Instance& newInstance)
-    : instance(newInstance)
-    , values(instance.GetParameters().size())
-    , words(static_cast<uint32_t>(values.size()))
+    : parameters(newInstance)
+    , values(parameters.Count())
 {
-    for (uint32_t index = 0; index < values.size(); ++index) {
-        ids.push_back(MakeParameterId(At(index).identifier));
+    for (uint32_t index = 0; index < Count(); ++index) {
         values[index] = At(index).defaultValue;
     }
-}
-
-std::optional<uint32_t> Parameters::Find(clap_id id) const noexcept
-{
-    const auto found = std::find(ids.begin(), ids.end(), id);
-    return found != ids.end() ? std::optional(static_cast<uint32_t>(found - ids.begin()))
-                              : std::nullopt;
 }
 
 bool Parameters::Describe(uint32_t index, clap_param_info_t& info) const
@@ -69,8 +49,8 @@ bool Parameters::Describe(uint32_t index, clap_param_info_t& info) const
     }
     const Wrapper::Parameter& parameter = At(index);
     info = {};
-    info.id = ids[index];
-    info.flags = FlagsOf(parameter, index == GetBypass());
+    info.id = GetId(index);
+    info.flags = FlagsOf(parameter, parameters.IsBypass(index));
     Wrapper::CopyText(parameter.name, info.name);
     const std::string_view identifier = parameter.identifier;
     Wrapper::CopyText(identifier.substr(0, identifier.find('.')), info.module);
@@ -103,37 +83,25 @@ void Parameters::Set(Wrapper::Side side, uint32_t index, double value) noexcept
         return;
     }
     const double nearest = NearestValue(At(index), value);
-    const float normalised = At(index).ToNormalised(nearest);
     values[index] = nearest;
-    if (side == Wrapper::Side::Process) {
-        words.Keep(index, normalised);
-        instance.SetParameter(side, index, normalised);
-    } else {
-        words.Drop(index);
-        instance.SetParameter(side, index, normalised);
-        words.MarkUIAhead();
-    }
+    parameters.Set(side, index, At(index).ToNormalised(nearest));
 }
 
 void Parameters::Keep(uint32_t index, float normalised) noexcept
 {
     TakeOver(index, normalised);
-    words.Drop(index);
-    words.MarkUIAhead();
+    parameters.NoteChange(index, normalised);
 }
 
 bool Parameters::Load(std::span<const uint8_t> session)
 {
-    return words.Load(
-        [&] { return Wrapper::LoadSession(instance, session); },
-        [&](uint32_t index) { TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index)); });
+    return parameters.Load(
+        session, [this](uint32_t index, float normalised) { TakeOver(index, normalised); });
 }
 
-void Parameters::Refresh() noexcept
+void Parameters::Refresh()
 {
-    for (uint32_t index = 0; index < Count(); ++index) {
-        TakeOver(index, instance.GetParameter(Wrapper::Side::UI, index));
-    }
+    parameters.ReadAll([this](uint32_t index, float normalised) { TakeOver(index, normalised); });
 }
 
 void Parameters::TakeOver(uint32_t index, float normalised) noexcept
@@ -142,13 +110,6 @@ void Parameters::TakeOver(uint32_t index, float normalised) noexcept
     if (At(index).ToNormalised(values[index]) != normalised) {
         values[index] = NearestValue(At(index), At(index).FromNormalised(normalised));
     }
-}
-
-void Parameters::Restate() noexcept
-{
-    words.Restate([this](uint32_t index, float word) {
-        instance.SetParameter(Wrapper::Side::Process, index, word);
-    });
 }
 
 } // namespace Clap

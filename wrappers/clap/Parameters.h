@@ -2,8 +2,7 @@
 #pragma once
 
 #include "wrappers/clap/Abi.h"
-#include "wrappers/common/Instance.h"
-#include "wrappers/common/LastWords.h"
+#include "wrappers/common/HostParameters.h"
 
 #include <atomic>
 #include <cstdint>
@@ -14,10 +13,6 @@
 
 namespace Clap {
 
-/// The host's number of a parameter. It follows from the identifier, so that it outlives a new
-/// order of the parameters: sessions and automation hold it.
-clap_id MakeParameterId(std::string_view identifier);
-
 /// The parameters of an instance as the host numbers and counts them, in their own units, and the
 /// value that was last set for each, on whichever side.
 class Parameters {
@@ -25,11 +20,13 @@ public:
     /// `newInstance` lives longer.
     explicit Parameters(Wrapper::Instance& newInstance);
 
-    uint32_t Count() const { return static_cast<uint32_t>(ids.size()); }
-    std::optional<uint32_t> Find(clap_id id) const noexcept; ///< [any]
-    clap_id GetId(uint32_t index) const noexcept { return ids[index]; }
+    uint32_t Count() const noexcept { return parameters.Count(); }
+    std::optional<uint32_t> Find(clap_id id) const noexcept ///< [any]
+    {
+        return parameters.Find(id);
+    }
+    clap_id GetId(uint32_t index) const noexcept { return parameters.GetIds()[index]; }
     bool Describe(uint32_t index, clap_param_info_t& info) const;
-    std::optional<uint32_t> GetBypass() const { return instance.GetBypassIndex(); }
 
     // Of an index in range.
     double GetValue(uint32_t index) const noexcept { return values[index].load(); } ///< [any]
@@ -41,27 +38,22 @@ public:
     void Set(Wrapper::Side side, uint32_t index, double value) noexcept;
     /// What the UI side has set by itself. [any]
     void Keep(uint32_t index, float normalised) noexcept;
+    /// Empty when there is none. [main]
+    std::vector<uint8_t> Save() { return parameters.Save(); }
     /// False, and nothing changed, when the bytes are no session. [main]
     bool Load(std::span<const uint8_t> session);
     /// Takes over the instance's values. [main]
-    void Refresh() noexcept;
+    void Refresh();
 
-    /// True when a block has to begin before Restate(), which gives the host the last word again.
-    /// [process]
-    bool MustBeginBlock() noexcept { return words.MustBeginBlock(); }
-    void Restate() noexcept; ///< [process]
+    /// First of all in a block. [process]
+    void BeginBlock(Wrapper::HostBlock& block) noexcept { parameters.BeginBlock(block); }
 
 private:
-    const Wrapper::Parameter& At(uint32_t index) const noexcept
-    {
-        return instance.GetParameters()[index];
-    }
+    const Wrapper::Parameter& At(uint32_t index) const noexcept { return parameters.At(index); }
     void TakeOver(uint32_t index, float normalised) noexcept;
 
-    Wrapper::Instance& instance;
-    std::vector<clap_id> ids;
-    std::vector<std::atomic<double>> values;
-    Wrapper::LastWords words;
+    Wrapper::HostParameters parameters;
+    std::vector<std::atomic<double>> values; // by parameter, in its own unit
 };
 
 } // namespace Clap

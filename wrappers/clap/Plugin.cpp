@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/clap/Plugin.h"
 
-#include "wrappers/common/SessionBytes.h"
-
 #include <utility>
 
 namespace Clap {
@@ -107,9 +105,7 @@ void Plugin::OnMainThread()
 
 std::vector<uint8_t> Plugin::Save()
 {
-    const std::optional<uint32_t> bypass = parameters->GetBypass();
-    const bool isBypassed = bypass && parameters->GetValue(*bypass) >= 0.5;
-    return Wrapper::EncodeSession(isBypassed, instance->SaveState());
+    return parameters->Save();
 }
 
 bool Plugin::Load(std::span<const uint8_t> session)
@@ -133,9 +129,9 @@ bool Plugin::SelectLayout(clap_id id)
     if (isActive) {
         return false;
     }
-    for (const Layout& one : layouts) {
-        if (one.id == id) {
-            layout = &one; // the host looks at the ports by itself when this is done
+    for (const Layout* const one : Wrapper::Layouts::All) {
+        if (GetId(*one) == id) {
+            layout = one; // the host looks at the ports by itself when this is done
             return true;
         }
     }

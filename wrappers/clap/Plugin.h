@@ -5,6 +5,7 @@
 #include "wrappers/clap/Host.h"
 #include "wrappers/clap/Layouts.h"
 #include "wrappers/clap/Parameters.h"
+#include "wrappers/common/HostBlock.h"
 #include "wrappers/common/Instance.h"
 #include "wrappers/common/Realtime.h"
 
@@ -69,8 +70,6 @@ public:
     bool SelectLayout(clap_id id);
 
 private:
-    struct Block;
-
     // From the instance.
     void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override;
     void OnGestureBegun(uint32_t parameter) noexcept override;
@@ -80,8 +79,9 @@ private:
 
     void Tell(const Gesture& gesture) noexcept;
     void SendGestures(const clap_output_events_t* out) noexcept;
-    void RunEvents(const clap_input_events_t* events, Block& block) noexcept;
-    void RunUntil(uint32_t time, Block& block) noexcept;
+    void RunEvents(const clap_input_events_t* events,
+                   Wrapper::Side side,
+                   Wrapper::HostBlock& block) noexcept;
 
     clap_plugin_t functions;
     const std::shared_ptr<const Wrapper::Module> module;
@@ -98,7 +98,7 @@ private:
 
     // Of the main thread; the audio thread reads them while the plug-in is active.
     double rate = 48000;
-    const Layout* layout = &defaultLayout;
+    const Layout* layout = &Wrapper::Layouts::Stereo;
     uint32_t askedLatency = 0; // what the host is to restart for; the told one when nothing
 
     std::unique_ptr<Wrapper::Instance> instance; // last: until its end it tells of changes

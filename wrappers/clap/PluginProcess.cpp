@@ -3,25 +3,20 @@
 #include "wrappers/clap/Plugin.h"
 
 #include <algorithm>
-#include <array>
+#include <optional>
+#include <span>
 
 namespace Clap {
 
 namespace {
 
-using InputChannels = std::array<const float*, Wrapper::BlockBuffers::MaxChannels>;
-using OutputChannels = std::array<float*, Wrapper::BlockBuffers::MaxChannels>;
-
-// The first port's channels; null where there is none of single precision, the only one offered.
-template <typename Channels>
-Channels
-ChannelsOf(const clap_audio_buffer_t* ports, uint32_t portCount, uint32_t channels) noexcept
+// The first port's channels; none where there is none of single precision, the only one offered.
+std::span<float* const> ChannelsOf(const clap_audio_buffer_t* ports, uint32_t portCount) noexcept
 {
-    Channels result{};
-    if (ports != nullptr && portCount > 0 && ports->data32 != nullptr) {
-        std::copy_n(ports->data32, std::min(ports->channel_count, channels), result.begin());
+    if (ports == nullptr || portCount == 0 || ports->data32 == nullptr) {
+        return {};
     }
-    return result;
+    return {ports->data32, ports->channel_count};
 }
 
 // None while the transport stands still: then no sample has a place of its own in it.
@@ -74,17 +69,6 @@ bool Push(const clap_output_events_t& out,
 
 } // namespace
 
-/// What is left to do of a block.
-struct Plugin::Block {
-    InputChannels inputs{};
-    OutputChannels outputs{};
-    uint32_t frames = 0;
-    uint32_t done = 0;
-    std::optional<double> origin; ///< position of the block's first frame
-    Wrapper::Side side = Wrapper::Side::Process;
-    bool isRefused = false;
-};
-
 clap_process_status Plugin::Process(const clap_process_t& process) noexcept WRAPPER_NONBLOCKING
 {
     if (!isActive) {
@@ -94,37 +78,32 @@ clap_process_status Plugin::Process(const clap_process_t& process) noexcept WRAP
         host.TailChanged();
     }
     SendGestures(process.out_events);
-    const uint32_t channels = instance->GetChannels();
-    Block block;
-    block.inputs =
-        ChannelsOf<InputChannels>(process.audio_inputs, process.audio_inputs_count, channels);
-    block.outputs =
-        ChannelsOf<OutputChannels>(process.audio_outputs, process.audio_outputs_count, channels);
-    block.frames = process.frames_count;
+    Wrapper::HostBlock block(*instance,
+                             ChannelsOf(process.audio_inputs, process.audio_inputs_count),
+                             ChannelsOf(process.audio_outputs, process.audio_outputs_count),
+                             process.frames_count);
     if (process.transport != nullptr) {
-        block.origin = PositionIn(*process.transport, rate);
+        block.SetPosition(PositionIn(*process.transport, rate));
     }
-    if (block.frames > 0 && parameters->MustBeginBlock()) {
-        RunUntil(1, block);
-        parameters->Restate();
-    }
-    RunEvents(process.in_events, block);
-    RunUntil(block.frames, block);
+    parameters->BeginBlock(block);
+    RunEvents(process.in_events, Wrapper::Side::Process, block);
+    block.RunUntil(block.GetFrames());
     if (process.audio_outputs != nullptr && process.audio_outputs_count > 0) {
         process.audio_outputs->constant_mask = 0; // the host's memory may still say something else
     }
-    return block.isRefused ? CLAP_PROCESS_ERROR : CLAP_PROCESS_TAIL;
+    return block.IsRefused() ? CLAP_PROCESS_ERROR : CLAP_PROCESS_TAIL;
 }
 
 void Plugin::Flush(const clap_input_events_t* in, const clap_output_events_t* out) noexcept
 {
     SendGestures(out);
-    Block block;
-    block.side = isActive ? Wrapper::Side::Process : Wrapper::Side::UI;
-    RunEvents(in, block);
+    Wrapper::HostBlock block(*instance, {}, {}, 0);
+    RunEvents(in, isActive ? Wrapper::Side::Process : Wrapper::Side::UI, block);
 }
 
-void Plugin::RunEvents(const clap_input_events_t* events, Block& block) noexcept
+void Plugin::RunEvents(const clap_input_events_t* events,
+                       Wrapper::Side side,
+                       Wrapper::HostBlock& block) noexcept
 {
     const uint32_t count = events != nullptr ? events->size(events) : 0;
     for (uint32_t i = 0; i < count; ++i) {
@@ -132,41 +111,23 @@ void Plugin::RunEvents(const clap_input_events_t* events, Block& block) noexcept
         if (event == nullptr || !IsOurs(*event)) {
             continue;
         }
-        RunUntil(std::min(event->time, block.frames), block);
+        const uint32_t time = std::min(event->time, block.GetFrames());
+        block.RunUntil(time);
         if (event->type == CLAP_EVENT_TRANSPORT) {
             const auto& transport = *reinterpret_cast<const clap_event_transport_t*>(event);
-            block.origin = PositionIn(transport, rate);
-            if (block.origin) {
+            std::optional<double> position = PositionIn(transport, rate);
+            if (position) {
                 // Of the event's own place: a UI change may have led the block beyond it.
-                *block.origin -= std::min(event->time, block.frames);
+                *position -= time;
             }
+            block.SetPosition(position);
             continue;
         }
         const auto& change = *reinterpret_cast<const clap_event_param_value_t*>(event);
         if (const std::optional<uint32_t> index = parameters->Find(change.param_id)) {
-            parameters->Set(block.side, *index, change.value);
+            parameters->Set(side, *index, change.value);
         }
     }
-}
-
-void Plugin::RunUntil(uint32_t time, Block& block) noexcept
-{
-    if (time <= block.done) {
-        return; // events at one time, or out of order
-    }
-    InputChannels inputs{};
-    OutputChannels outputs{};
-    for (uint32_t i = 0; i < instance->GetChannels(); ++i) {
-        inputs[i] = block.inputs[i] != nullptr ? block.inputs[i] + block.done : nullptr;
-        outputs[i] = block.outputs[i] != nullptr ? block.outputs[i] + block.done : nullptr;
-    }
-    const std::optional<double> position =
-        block.origin ? std::optional(*block.origin + block.done) : std::nullopt;
-    const uint32_t frames = time - block.done;
-    if (!instance->Process({inputs.data(), outputs.data(), frames}, position)) {
-        block.isRefused = true;
-    }
-    block.done = time;
 }
 
 void Plugin::SendGestures(const clap_output_events_t* out) noexcept

@@ -15,13 +15,13 @@ struct Form {
     uint32_t head;
     uint32_t least;
 };
-constexpr std::array<Form, 4> forms = {{
+constexpr std::array<Form, 4> Forms = {{
     {0x80, 0x00, 0x00},
     {0xE0, 0xC0, 0x80},
     {0xF0, 0xE0, 0x800},
     {0xF8, 0xF0, 0x10000},
 }};
-constexpr uint32_t lastCode = 0x10FFFF;
+constexpr uint32_t LastCode = 0x10FFFF;
 
 uint32_t ByteAt(std::string_view text, std::size_t index)
 {
@@ -31,7 +31,7 @@ uint32_t ByteAt(std::string_view text, std::size_t index)
 bool IsCode(uint32_t code)
 {
     const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    return code <= lastCode && !isSurrogate;
+    return code <= LastCode && !isSurrogate;
 }
 
 // Whether the byte goes on with a character.
@@ -43,10 +43,10 @@ bool Continues(uint32_t byte)
 // Bytes of a character by its first one; 0: none begins so.
 std::size_t LengthFrom(uint32_t first)
 {
-    const auto form = std::find_if(forms.begin(), forms.end(), [first](const Form& one) {
+    const auto form = std::find_if(Forms.begin(), Forms.end(), [first](const Form& one) {
         return (first & one.mask) == one.head;
     });
-    return form != forms.end() ? static_cast<std::size_t>(form - forms.begin()) + 1 : 0;
+    return form != Forms.end() ? static_cast<std::size_t>(form - Forms.begin()) + 1 : 0;
 }
 
 } // namespace
@@ -57,7 +57,7 @@ std::optional<Character> Decode(std::string_view text) noexcept
     if (length == 0 || length > text.size()) {
         return std::nullopt;
     }
-    const Form& form = forms[length - 1];
+    const Form& form = Forms[length - 1];
     uint32_t code = ByteAt(text, 0) & ~form.mask;
     for (std::size_t i = 1; i < length; ++i) {
         if (!Continues(ByteAt(text, i))) {
@@ -80,11 +80,11 @@ void Append(uint32_t code, std::string& text)
 {
     const uint32_t known = IsCode(code) ? code : Replacement;
     std::size_t following = 0;
-    while (following < 3 && known >= forms[following + 1].least) {
+    while (following < 3 && known >= Forms[following + 1].least) {
         ++following;
     }
     const auto shift = static_cast<uint32_t>(6 * following);
-    text += static_cast<char>(forms[following].head | known >> shift);
+    text += static_cast<char>(Forms[following].head | known >> shift);
     for (uint32_t rest = shift; rest > 0; rest -= 6) {
         text += static_cast<char>(0x80U | (known >> (rest - 6) & 0x3FU));
     }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/common/Layouts.h"
+
 #include <array>
 #include <cstdint>
-#include <span>
 
 namespace Lv2 {
 
@@ -14,45 +15,38 @@ struct Channel {
     const char* designation;
 };
 
-/// One plug-in of the bundle.
+constexpr Channel GetChannel(Wrapper::Speaker speaker)
+{
+    switch (speaker) {
+    case Wrapper::Speaker::FrontLeft:
+        return {"left", "Left", "left"};
+    case Wrapper::Speaker::FrontRight:
+        return {"right", "Right", "right"};
+    case Wrapper::Speaker::FrontCentre:
+        return {"center", "Center", "center"};
+    case Wrapper::Speaker::LowFrequency:
+        return {"lfe", "LFE", "lowFrequencyEffects"};
+    case Wrapper::Speaker::BackLeft:
+        return {"rear_left", "Rear Left", "rearLeft"};
+    case Wrapper::Speaker::BackRight:
+        return {"rear_right", "Rear Right", "rearRight"};
+    case Wrapper::Speaker::SideLeft:
+        return {"side_left", "Side Left", "sideLeft"};
+    case Wrapper::Speaker::SideRight:
+        break;
+    }
+    return {"side_right", "Side Right", "sideRight"};
+}
+
+/// One plug-in of the bundle. Its name for people is its layout's, added to the product's.
 struct Variant {
     const char* uri;
     const char* symbol; ///< of its file
-    const char* name;   ///< for people, added to the product's
     const char* group;  ///< class of the groups of its audio ports
-    std::span<const Channel> channels;
+    const Wrapper::Layout* layout;
 
-    constexpr uint32_t ChannelCount() const { return static_cast<uint32_t>(channels.size()); }
+    constexpr uint32_t ChannelCount() const { return layout->ChannelCount(); }
 };
-
-namespace Speakers {
-
-// In the order of wave files, which most hosts map to ports one by one.
-inline constexpr std::array<Channel, 1> mono = {{{"center", "Center", "center"}}};
-inline constexpr std::array<Channel, 2> stereo = {{
-    {"left", "Left", "left"},
-    {"right", "Right", "right"},
-}};
-inline constexpr std::array<Channel, 6> surround51 = {{
-    {"left", "Left", "left"},
-    {"right", "Right", "right"},
-    {"center", "Center", "center"},
-    {"lfe", "LFE", "lowFrequencyEffects"},
-    {"rear_left", "Rear Left", "rearLeft"},
-    {"rear_right", "Rear Right", "rearRight"},
-}};
-inline constexpr std::array<Channel, 8> surround71 = {{
-    {"left", "Left", "left"},
-    {"right", "Right", "right"},
-    {"center", "Center", "center"},
-    {"lfe", "LFE", "lowFrequencyEffects"},
-    {"rear_left", "Rear Left", "rearLeft"},
-    {"rear_right", "Rear Right", "rearRight"},
-    {"side_left", "Side Left", "sideLeft"},
-    {"side_right", "Side Right", "sideRight"},
-}};
-
-} // namespace Speakers
 
 /// Identifiers stay for good: sessions hold them. Nothing is served at that address.
 #define PUFFGUARD_LV2_URI "https://puffguard.example/lv2/"
@@ -60,18 +54,16 @@ inline constexpr std::array<Channel, 8> surround71 = {{
 inline constexpr const char* stateUri = PUFFGUARD_LV2_URI "state";
 
 inline constexpr std::array<Variant, 4> variants = {{
-    {PUFFGUARD_LV2_URI "mono", "mono", "Mono", "MonoGroup", Speakers::mono},
-    {PUFFGUARD_LV2_URI "stereo", "stereo", "Stereo", "StereoGroup", Speakers::stereo},
+    {PUFFGUARD_LV2_URI "mono", "mono", "MonoGroup", &Wrapper::Layouts::Mono},
+    {PUFFGUARD_LV2_URI "stereo", "stereo", "StereoGroup", &Wrapper::Layouts::Stereo},
     {PUFFGUARD_LV2_URI "surround51",
      "surround51",
-     "5.1",
      "FivePointOneGroup",
-     Speakers::surround51},
+     &Wrapper::Layouts::Surround51},
     {PUFFGUARD_LV2_URI "surround71",
      "surround71",
-     "7.1",
      "SevenPointOneGroup",
-     Speakers::surround71},
+     &Wrapper::Layouts::Surround71},
 }};
 
 } // namespace Lv2

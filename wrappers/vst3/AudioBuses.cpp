@@ -42,13 +42,12 @@ void FinishBus(v3_audio_bus_buffers& bus, uint32_t written, uint32_t frames)
 
 // The flags of silent inputs are passed over: those channels hold zeros as well, and a host that
 // leaves a flag standing loses no audio that way.
-void ReadBus(const v3_audio_bus_buffers* buses, int32_t count, std::span<float*> channels) noexcept
+std::span<float* const> FirstBus(const v3_audio_bus_buffers* buses, int32_t count) noexcept
 {
-    std::fill(channels.begin(), channels.end(), nullptr);
-    if (buses != nullptr && count > 0) {
-        const size_t given = std::min<size_t>(ChannelCountOf(buses[0]), channels.size());
-        std::copy_n(buses[0].channel_buffers_32, given, channels.begin());
+    if (buses == nullptr || count <= 0) {
+        return {};
     }
+    return {buses[0].channel_buffers_32, ChannelCountOf(buses[0])};
 }
 
 void FinishOutputs(v3_audio_bus_buffers* buses,

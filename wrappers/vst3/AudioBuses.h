@@ -8,8 +8,8 @@
 
 namespace Vst3 {
 
-/// The memory of the first bus by channel; null where the host gives none. [process]
-void ReadBus(const v3_audio_bus_buffers* buses, int32_t count, std::span<float*> channels) noexcept;
+/// The memory of the first bus by channel, as far as the host gives some. [process]
+std::span<float* const> FirstBus(const v3_audio_bus_buffers* buses, int32_t count) noexcept;
 
 /// Clears the channels that the effect hasn't written, those above `channels` in the first bus and
 /// all of further ones, and says of each channel whether it is silent. [process]

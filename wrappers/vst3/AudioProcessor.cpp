@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/vst3/AudioProcessor.h"
 
+#include "wrappers/common/HostBlock.h"
 #include "wrappers/vst3/AudioBuses.h"
 
 #include <travesty/component.h>
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 namespace Vst3 {
 
@@ -40,8 +40,8 @@ v3_result AudioProcessor::SetBusArrangements(v3_speaker_arrangement* wantedInput
         (outputCount > 0 && wantedOutputs == nullptr)) {
         return V3_INVALID_ARG;
     }
-    const Speakers* const speakers = inputCount > 0 ? FindArrangement(wantedInputs[0]) : nullptr;
-    if (speakers == nullptr || !effect.SetArrangement(*speakers)) {
+    const Arrangement* const wanted = inputCount > 0 ? FindArrangement(wantedInputs[0]) : nullptr;
+    if (wanted == nullptr || !effect.SetArrangement(*wanted)) {
         return V3_FALSE;
     }
     const bool isServed =
@@ -103,7 +103,6 @@ v3_result AudioProcessor::Process(v3_process_data* data) noexcept WRAPPER_NONBLO
     if (data == nullptr || data->nframes < 0 || data->symbolic_sample_size != V3_SAMPLE_32) {
         return V3_INVALID_ARG;
     }
-    effect.BeginBlock(data->ctx == nullptr || (data->ctx->state & V3_PROCESS_CTX_PLAYING) != 0);
     RunBlock(*data);
     ReportParameters(data->output_params);
     return V3_OK;
@@ -112,20 +111,19 @@ v3_result AudioProcessor::Process(v3_process_data* data) noexcept WRAPPER_NONBLO
 void AudioProcessor::RunBlock(const v3_process_data& data) noexcept
 {
     const auto frames = static_cast<uint32_t>(data.nframes);
-    ReadBus(data.inputs, data.num_input_buses, inputs);
-    ReadBus(data.outputs, data.num_output_buses, outputs);
-    queues.Begin(effect.GetIds(), data.input_params);
-    uint32_t done = 0;
-    if (frames > 0 && effect.MustBeginBlock()) {
-        RunPiece(data, 0, 1); // the cut changes nothing in the audio
-        effect.Restate();
-        done = 1;
+    Wrapper::HostBlock block(*effect.GetInstance(),
+                             FirstBus(data.inputs, data.num_input_buses),
+                             FirstBus(data.outputs, data.num_output_buses),
+                             frames);
+    if (data.ctx != nullptr) {
+        block.SetPosition(static_cast<double>(data.ctx->project_time_in_samples));
     }
-    while (done < frames) {
-        HearUntil(done);
-        const uint32_t end = std::min(queues.NextOffset(), frames);
-        RunPiece(data, done, end);
-        done = end;
+    queues.Begin(effect.GetIds(), data.input_params);
+    effect.BeginBlock(block,
+                      data.ctx == nullptr || (data.ctx->state & V3_PROCESS_CTX_PLAYING) != 0);
+    while (block.GetDone() < frames) {
+        HearUntil(block.GetDone());
+        block.RunUntil(std::min(queues.NextOffset(), frames));
     }
     // What a host puts behind the end, and all that it gives with a block of no frames.
     HearUntil(ParameterQueues::LastFrame);
@@ -142,29 +140,13 @@ void AudioProcessor::HearUntil(uint32_t frame) noexcept
     });
 }
 
-void AudioProcessor::RunPiece(const v3_process_data& data, uint32_t begin, uint32_t end) noexcept
-{
-    std::optional<double> position;
-    if (data.ctx != nullptr) {
-        position = static_cast<double>(data.ctx->project_time_in_samples) + begin;
-    }
-    Channels from = inputs;
-    Channels to = outputs;
-    const auto advance = [begin](float* channel) {
-        return channel != nullptr ? channel + begin : nullptr;
-    };
-    std::transform(from.begin(), from.end(), from.begin(), advance);
-    std::transform(to.begin(), to.end(), to.begin(), advance);
-    effect.GetInstance()->Process({from.data(), to.data(), end - begin}, position);
-}
-
 void AudioProcessor::ReportParameters(v3_param_changes** changes) noexcept
 {
     if (changes == nullptr) {
         return;
     }
     const uint32_t untold = effect.TakeUntold();
-    for (uint32_t index = 0; index < effect.GetIds().size(); ++index) {
+    for (uint32_t index = 0; index < effect.CountParameters(); ++index) {
         if ((untold >> index & 1U) == 0) {
             continue;
         }

@@ -8,7 +8,6 @@
 
 #include <travesty/audio_processor.h>
 
-#include <array>
 #include <cstdint>
 
 namespace Vst3 {
@@ -19,8 +18,6 @@ public:
     AudioProcessor(Object& newOwner, Effect& newEffect);
 
 private:
-    using Channels = std::array<float*, Wrapper::BlockBuffers::MaxChannels>;
-
     v3_result SetBusArrangements(v3_speaker_arrangement* inputs,
                                  int32_t inputCount,
                                  v3_speaker_arrangement* outputs,
@@ -37,15 +34,12 @@ private:
 
     void RunBlock(const v3_process_data& data) noexcept;
     void HearUntil(uint32_t frame) noexcept;
-    void RunPiece(const v3_process_data& data, uint32_t begin, uint32_t end) noexcept;
     void ReportParameters(v3_param_changes** changes) noexcept;
 
     static const v3_audio_processor_cpp functions;
 
     Effect& effect;
     ParameterQueues queues;
-    Channels inputs{};  // of the block; null ones are missing
-    Channels outputs{}; // likewise
 };
 
 /// What of the host's clock and transport a block is to hold.

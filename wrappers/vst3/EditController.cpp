@@ -96,7 +96,7 @@ v3_result EditController::GetState(v3_bstream** /*stream*/) noexcept
 
 int32_t EditController::GetParameterCount() noexcept
 {
-    return static_cast<int32_t>(effect.GetIds().size());
+    return static_cast<int32_t>(effect.CountParameters());
 }
 
 v3_result EditController::GetParameterInfo(int32_t index, v3_param_info* info)

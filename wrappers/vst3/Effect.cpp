@@ -2,7 +2,6 @@
 #include "wrappers/vst3/Effect.h"
 
 #include "wrappers/vst3/Log.h"
-#include "wrappers/vst3/ParameterIds.h"
 
 #include <utility>
 
@@ -33,13 +32,10 @@ bool Effect::Start(v3_funknown** context)
     if (instance == nullptr) {
         return false;
     }
-    ids = MakeIds(instance->GetParameters());
-    bypassIndex = instance->GetBypassIndex();
-    values = std::vector<Value>(ids.size());
-    words.emplace(static_cast<uint32_t>(ids.size()));
-    for (uint32_t index = 0; index < ids.size(); ++index) {
-        Show(index, static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index)));
-    }
+    parameters.emplace(*instance);
+    values = std::vector<Value>(parameters->Count());
+    parameters->ReadAll(
+        [this](uint32_t index, float value) { values[index].shown = static_cast<double>(value); });
     isStarted = true;
     host.SetContext(context);
     return true;
@@ -50,8 +46,7 @@ void Effect::Stop()
     host.Disconnect();
     isStarted = false;
     instance.reset(); // waits for a notice that is on its way
-    words.reset();
-    ids.clear();
+    parameters.reset();
     isActive = false;
     isPlaying = false;
     untold = 0;
@@ -60,12 +55,12 @@ void Effect::Stop()
     toldLatency = -1;
 }
 
-bool Effect::SetArrangement(const Speakers& speakers)
+bool Effect::SetArrangement(const Arrangement& newArrangement)
 {
-    if (isActive || !SetFormat(sampleRate, speakers)) {
-        return speakers.mask == arrangement.mask;
+    if (isActive || !SetFormat(sampleRate, newArrangement)) {
+        return newArrangement.mask == arrangement.mask;
     }
-    arrangement = speakers;
+    arrangement = newArrangement;
     return true;
 }
 
@@ -78,10 +73,10 @@ bool Effect::SetRate(double rate)
     return true;
 }
 
-bool Effect::SetFormat(double rate, const Speakers& speakers)
+bool Effect::SetFormat(double rate, const Arrangement& wanted)
 {
-    return instance != nullptr ? instance->SetFormat(rate, speakers.ChannelCount())
-                               : Wrapper::Instance::CanServe(rate, speakers.ChannelCount());
+    return instance != nullptr ? instance->SetFormat(rate, wanted.ChannelCount())
+                               : Wrapper::Instance::CanServe(rate, wanted.ChannelCount());
 }
 
 void Effect::SetActive(bool newActive)

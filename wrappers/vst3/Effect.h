@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/common/HostParameters.h"
 #include "wrappers/common/Instance.h"
-#include "wrappers/common/LastWords.h"
 #include "wrappers/vst3/HostLink.h"
 #include "wrappers/vst3/Speakers.h"
 
@@ -46,19 +46,23 @@ public:
     Wrapper::Instance* GetInstance() const noexcept { return instance.get(); }
 
     /// False, and nothing changed, while active. [ui]
-    bool SetArrangement(const Speakers& speakers);
-    const Speakers& GetArrangement() const noexcept { return arrangement; }
+    bool SetArrangement(const Arrangement& newArrangement);
+    const Arrangement& GetArrangement() const noexcept { return arrangement; }
     /// Hz. False, and nothing changed, for one that is none, or for another one while active. [ui]
     bool SetRate(double rate);
     void SetActive(bool newActive); ///< [ui]
-    /// Of any number of frames; whether the host's transport runs in it. [process]
-    void BeginBlock(bool newPlaying) noexcept;
+    /// Of any number of frames; whether the host's transport runs in it. With an instance.
+    /// [process]
+    void BeginBlock(Wrapper::HostBlock& block, bool newPlaying) noexcept;
 
     /// What the host is told, and remembers. [any]
     uint32_t GetLatency() noexcept;
 
-    v3_param_id GetId(uint32_t index) const noexcept { return ids[index]; }
-    const std::vector<v3_param_id>& GetIds() const noexcept { return ids; }
+    /// 0 without an instance.
+    uint32_t CountParameters() const noexcept { return parameters ? parameters->Count() : 0; }
+    /// By parameter; with an instance.
+    const std::vector<v3_param_id>& GetIds() const noexcept { return parameters->GetIds(); }
+    v3_param_id GetId(uint32_t index) const noexcept { return GetIds()[index]; }
     /// Null when there is none of that id, or no instance.
     const Wrapper::Parameter* FindParameter(v3_param_id id) const noexcept;
     /// As the host's UI side has it; normalised, 0 for an unknown id. [ui]
@@ -66,10 +70,6 @@ public:
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
     /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
-    /// True when a block has to begin before Restate(), which gives the host the last word again.
-    /// With an instance. [process]
-    bool MustBeginBlock() noexcept { return words->MustBeginBlock(); }
-    void Restate() noexcept; ///< [process]
     /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
     /// given once, and LeaveUntold() gives one back. [any]
     uint32_t TakeUntold() noexcept { return untold.exchange(0); }
@@ -95,34 +95,26 @@ private:
 
     std::optional<uint32_t> IndexOf(v3_param_id id) const noexcept;
     bool IsKnown(uint32_t parameter) const noexcept;
-    void Apply(Wrapper::Side side, uint32_t index, double value) noexcept;
-    void NoteBypass(uint32_t index, double value) noexcept;
     void ActOn(uint32_t index, double value) noexcept;
     void ActOnWaiting() noexcept;
-    void Forget(uint32_t index) noexcept;
-    void Show(uint32_t index, double value) noexcept;
-    bool SetFormat(double rate, const Speakers& speakers);
+    bool SetFormat(double rate, const Arrangement& wanted);
     void TellHost() noexcept;
     bool HasNewLatency() const noexcept;
 
     const std::shared_ptr<const Wrapper::Module> module;
-    Speakers arrangement = defaultArrangement;
+    Arrangement arrangement = defaultArrangement;
     double sampleRate = 44100;          // Hz
-    std::atomic<bool> isStarted{false}; // ids and values are there for the instance's notices
+    std::atomic<bool> isStarted{false}; // all is there for the instance's notices
     bool isActive = false;
     std::atomic<bool> isPlaying{false};
-    std::atomic<bool> hasBlockBegun{false};  // since a value has been shown only
-    std::vector<v3_param_id> ids;            // by parameter
-    std::vector<Value> values;               // by parameter
-    std::optional<Wrapper::LastWords> words; // as long as there is an instance
-    std::optional<uint32_t> bypassIndex;
-    // The UI side of the instance learns of the audio side's values somewhat later.
-    std::atomic<bool> isBypassed{false};
-    std::atomic<uint32_t> untold{0};      // see TakeUntold()
-    std::atomic<bool> isDirty{false};     // the host is to be told
-    std::atomic<bool> hasNews{false};     // TellHost() has something to look at
-    std::atomic<int64_t> toldLatency{-1}; // samples; -1: the host hasn't asked
-    bool isTelling = false;               // a call of the host within a call to it
+    std::atomic<bool> hasBlockBegun{false};            // since a value has been shown only
+    std::vector<Value> values;                         // by parameter
+    std::optional<Wrapper::HostParameters> parameters; // as long as there is an instance
+    std::atomic<uint32_t> untold{0};                   // see TakeUntold()
+    std::atomic<bool> isDirty{false};                  // the host is to be told
+    std::atomic<bool> hasNews{false};                  // TellHost() has something to look at
+    std::atomic<int64_t> toldLatency{-1};              // samples; -1: the host hasn't asked
+    bool isTelling = false;                            // a call of the host within a call to it
     HostLink host;
     std::unique_ptr<Wrapper::Instance> instance; // last: it calls this object
 };

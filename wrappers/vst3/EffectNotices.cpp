@@ -15,13 +15,13 @@ void Effect::OnLatencyChanged(Wrapper::Side side, uint32_t /*samples*/) noexcept
 // Notices may come before the list of parameters is there, from the module's own thread.
 bool Effect::IsKnown(uint32_t parameter) const noexcept
 {
-    return isStarted && parameter < ids.size();
+    return isStarted && parameter < parameters->Count();
 }
 
 void Effect::OnGestureBegun(uint32_t parameter) noexcept
 {
     if (IsKnown(parameter) && host.IsUiThread()) {
-        host.BeginEdit(ids[parameter]);
+        host.BeginEdit(GetId(parameter));
     }
 }
 
@@ -30,11 +30,11 @@ void Effect::OnParameterChanged(uint32_t parameter, float normalised) noexcept
     if (!IsKnown(parameter)) {
         return;
     }
-    Forget(parameter);
-    Show(parameter, static_cast<double>(normalised));
-    words->MarkUIAhead();
+    values[parameter].isWaiting = false;
+    values[parameter].shown = static_cast<double>(normalised);
+    parameters->NoteChange(parameter, normalised);
     if (host.IsUiThread() && host.HasHandler()) {
-        host.PerformEdit(ids[parameter], static_cast<double>(normalised));
+        host.PerformEdit(GetId(parameter), static_cast<double>(normalised));
         return;
     }
     LeaveUntold(parameter);
@@ -49,7 +49,7 @@ void Effect::LeaveUntold(uint32_t index) noexcept
 void Effect::OnGestureEnded(uint32_t parameter) noexcept
 {
     if (IsKnown(parameter) && host.IsUiThread()) {
-        host.EndEdit(ids[parameter]);
+        host.EndEdit(GetId(parameter));
     }
 }
 

@@ -2,8 +2,6 @@
 // The values of an effect, and the sessions that keep them.
 #include "wrappers/vst3/Effect.h"
 
-#include "wrappers/common/SessionBytes.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -11,15 +9,13 @@ namespace Vst3 {
 
 std::optional<uint32_t> Effect::IndexOf(v3_param_id id) const noexcept
 {
-    const auto found = std::find(ids.begin(), ids.end(), id);
-    return found != ids.end() ? std::optional(static_cast<uint32_t>(found - ids.begin()))
-                              : std::nullopt;
+    return parameters ? parameters->Find(id) : std::nullopt;
 }
 
 const Wrapper::Parameter* Effect::FindParameter(v3_param_id id) const noexcept
 {
     const std::optional<uint32_t> index = IndexOf(id);
-    return index ? &instance->GetParameters()[*index] : nullptr;
+    return index ? &parameters->At(*index) : nullptr;
 }
 
 double Effect::GetValue(v3_param_id id) noexcept
@@ -47,31 +43,23 @@ bool Effect::SetValue(v3_param_id id, double normalised) noexcept
     return true;
 }
 
-void Effect::BeginBlock(bool newPlaying) noexcept
+void Effect::BeginBlock(Wrapper::HostBlock& block, bool newPlaying) noexcept
 {
     isPlaying = newPlaying;
     hasBlockBegun = true;
+    parameters->BeginBlock(block);
 }
 
 void Effect::HearValue(uint32_t index, double normalised) noexcept
 {
-    words->Keep(index, static_cast<float>(normalised));
     values[index].isWaiting = false;
-    Apply(Wrapper::Side::Process, index, normalised);
-}
-
-void Effect::Restate() noexcept
-{
-    words->Restate([this](uint32_t index, float word) {
-        Apply(Wrapper::Side::Process, index, static_cast<double>(word));
-    });
+    parameters->Set(Wrapper::Side::Process, index, static_cast<float>(normalised));
 }
 
 void Effect::ActOn(uint32_t index, double value) noexcept
 {
-    Forget(index);
-    Apply(Wrapper::Side::UI, index, value);
-    words->MarkUIAhead();
+    values[index].isWaiting = false;
+    parameters->Set(Wrapper::Side::UI, index, static_cast<float>(value));
 }
 
 // No block comes any more that could bring them.
@@ -84,45 +72,18 @@ void Effect::ActOnWaiting() noexcept
     }
 }
 
-void Effect::Forget(uint32_t index) noexcept
-{
-    words->Drop(index);
-    values[index].isWaiting = false;
-}
-
-void Effect::Show(uint32_t index, double value) noexcept
-{
-    values[index].shown = value;
-    NoteBypass(index, value);
-}
-
-void Effect::Apply(Wrapper::Side side, uint32_t index, double value) noexcept
-{
-    instance->SetParameter(side, index, static_cast<float>(value));
-    NoteBypass(index, value);
-}
-
-void Effect::NoteBypass(uint32_t index, double value) noexcept
-{
-    if (bypassIndex == index) {
-        isBypassed = value >= 0.5;
-    }
-}
-
 std::vector<uint8_t> Effect::Save()
 {
     host.MarkUiThread();
     if (instance == nullptr) {
         return {};
     }
-    // For the session's sake only: the audio goes on with the last word, if there is one.
     for (uint32_t index = 0; index < values.size(); ++index) {
         if (values[index].isWaiting && !hasBlockBegun) {
-            Apply(Wrapper::Side::UI, index, values[index].shown);
-            words->MarkUIAhead();
+            parameters->SetForSession(index, static_cast<float>(values[index].shown));
         }
     }
-    return Wrapper::EncodeSession(isBypassed, instance->SaveState());
+    return parameters->Save();
 }
 
 bool Effect::Load(std::span<const uint8_t> session)
@@ -131,12 +92,10 @@ bool Effect::Load(std::span<const uint8_t> session)
     if (instance == nullptr) {
         return false;
     }
-    const bool isLoaded = words->Load(
-        [&] { return Wrapper::LoadSession(*instance, session); },
-        [this](uint32_t index) {
-            values[index].isWaiting = false;
-            Show(index, static_cast<double>(instance->GetParameter(Wrapper::Side::UI, index)));
-        });
+    const bool isLoaded = parameters->Load(session, [this](uint32_t index, float value) {
+        values[index].isWaiting = false;
+        values[index].shown = static_cast<double>(value);
+    });
     TellHost();
     return isLoaded;
 }

@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/common/Layouts.h"
+
 #include <travesty/audio_processor.h>
 
 #include <array>
-#include <bit>
 #include <cstdint>
 
 namespace Vst3 {
 
-/// An arrangement that a bus can have. Channels lie in the order of the bits.
-struct Speakers {
-    v3_speaker_arrangement mask = 0;
-    const char* name = ""; ///< for people
+/// An arrangement that a bus can have. Channels lie in the order of the bits, which is that of the
+/// layout.
+struct Arrangement {
+    v3_speaker_arrangement mask;
+    const Wrapper::Layout* layout;
 
-    constexpr uint32_t ChannelCount() const { return static_cast<uint32_t>(std::popcount(mask)); }
+    constexpr uint32_t ChannelCount() const { return layout->ChannelCount(); }
 };
 
 namespace Masks {
 
-inline constexpr v3_speaker_arrangement mono = V3_SPEAKER_M;
 inline constexpr v3_speaker_arrangement stereo = V3_SPEAKER_L | V3_SPEAKER_R;
 inline constexpr v3_speaker_arrangement surround51 =
     stereo | V3_SPEAKER_C | V3_SPEAKER_LFE | V3_SPEAKER_LS | V3_SPEAKER_RS;
@@ -29,26 +30,27 @@ inline constexpr v3_speaker_arrangement cinema71 = surround51 | V3_SPEAKER_LC | 
 } // namespace Masks
 
 /// All that are served. A single left or centre speaker is mono in hosts that go by the number of
-/// channels, or by a film's layout.
-inline constexpr std::array<Speakers, 7> arrangements = {{
-    {Masks::stereo, "Stereo"},
-    {Masks::mono, "Mono"},
-    {V3_SPEAKER_L, "Mono"},
-    {V3_SPEAKER_C, "Mono"},
-    {Masks::surround51, "5.1"},
-    {Masks::music71, "7.1"},
-    {Masks::cinema71, "7.1 Cinema"},
+/// channels, or by a film's layout; cinemas have two more speakers in front instead of at the
+/// sides.
+inline constexpr std::array<Arrangement, 7> arrangements = {{
+    {Masks::stereo, &Wrapper::Layouts::Stereo},
+    {V3_SPEAKER_M, &Wrapper::Layouts::Mono},
+    {V3_SPEAKER_L, &Wrapper::Layouts::Mono},
+    {V3_SPEAKER_C, &Wrapper::Layouts::Mono},
+    {Masks::surround51, &Wrapper::Layouts::Surround51},
+    {Masks::music71, &Wrapper::Layouts::Surround71},
+    {Masks::cinema71, &Wrapper::Layouts::Surround71},
 }};
 
 /// What a plug-in has before its host says anything else.
-inline constexpr const Speakers& defaultArrangement = arrangements[0];
+inline constexpr const Arrangement& defaultArrangement = arrangements[0];
 
 /// Null when it isn't served.
-constexpr const Speakers* FindArrangement(v3_speaker_arrangement mask)
+constexpr const Arrangement* FindArrangement(v3_speaker_arrangement mask)
 {
-    for (const Speakers& speakers : arrangements) {
-        if (speakers.mask == mask) {
-            return &speakers;
+    for (const Arrangement& arrangement : arrangements) {
+        if (arrangement.mask == mask) {
+            return &arrangement;
         }
     }
     return nullptr;

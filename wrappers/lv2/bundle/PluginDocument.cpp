@@ -109,7 +109,7 @@ std::string LatencyPort(uint32_t index)
 
 std::string AudioPort(const Variant& variant, uint32_t index, uint32_t number, bool isInput)
 {
-    const Channel& channel = variant.channels[number];
+    const Channel channel = GetChannel(variant.layout->speakers[number]);
     const std::string direction = isInput ? "in" : "out";
     return PortHead(isInput ? "lv2:InputPort , lv2:AudioPort" : "lv2:OutputPort , lv2:AudioPort",
                     index,
@@ -141,7 +141,7 @@ std::string Head(const Wrapper::Product& product, const Variant& variant)
 {
     return TurtleUri(variant.uri) + "\n\ta lv2:Plugin , lv2:SpectralPlugin , " +
            "doap:Project ;\n\tdoap:name " +
-           TurtleText(product.displayName + " (" + variant.name + ")") +
+           TurtleText(product.displayName + " (" + variant.layout->name + ")") +
            " ;\n\tdoap:license <https://spdx.org/licenses/ISC> ;\n\tdoap:maintainer [ a "
            "foaf:Organization ; foaf:name " +
            TurtleText(product.vendorLong) + " ] ;\n\tdoap:shortdesc " +

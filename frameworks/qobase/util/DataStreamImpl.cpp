@@ -11,7 +11,7 @@
 namespace Util {
 namespace {
 
-constexpr uint32_t longestString = 200000; // bytes
+constexpr uint32_t LongestString = 200000; // bytes
 
 template <typename Result>
 void RaiseFailure(const Result& result)
@@ -92,7 +92,7 @@ void DataStreamImpl::WriteCount(uint64_t count)
 String DataStreamImpl::ReadString()
 {
     const uint32_t count = ReadUInt32();
-    if (count > longestString) {
+    if (count > LongestString) {
         throw Exception::DataStreamIO(String("Improbable string length %1").arg(count));
     }
     std::string text(count, '\0');

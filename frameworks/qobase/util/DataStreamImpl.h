@@ -93,7 +93,7 @@ protected:
     }
 
 private:
-    static constexpr uint64_t stepBytes = 1ULL << 20; // a vector grows so far ahead of its data
+    static constexpr uint64_t StepBytes = 1ULL << 20; // a vector grows so far ahead of its data
 
     // The one way to read and to write. The name of the value is for the text of a failure; without
     // one it is a run of bytes.
@@ -121,13 +121,13 @@ private:
 template <typename T>
 constexpr const char* DataStreamImpl::NameOf()
 {
-    constexpr std::array signedNames{"int8", "int16", "int32", "int64"};
-    constexpr std::array unsignedNames{"uint8", "uint16", "uint32", "uint64"};
-    constexpr auto place = static_cast<std::size_t>(std::countr_zero(sizeof(T)));
+    constexpr std::array SignedNames{"int8", "int16", "int32", "int64"};
+    constexpr std::array UnsignedNames{"uint8", "uint16", "uint32", "uint64"};
+    constexpr auto Place = static_cast<std::size_t>(std::countr_zero(sizeof(T)));
     if constexpr (std::is_floating_point_v<T>) {
         return sizeof(T) == sizeof(float) ? "float" : "double";
     } else {
-        return std::is_signed_v<T> ? signedNames[place] : unsignedNames[place];
+        return std::is_signed_v<T> ? SignedNames[Place] : UnsignedNames[Place];
     }
 }
 
@@ -146,7 +146,7 @@ std::vector<T> DataStreamImpl::ReadElements(uint64_t count)
     std::vector<T> values;
     while (values.size() < count) {
         const std::size_t before = values.size();
-        const uint64_t step = std::min(count - before, stepBytes / sizeof(T));
+        const uint64_t step = std::min(count - before, StepBytes / sizeof(T));
         values.resize(before + step);
         Extract(values.data() + before, step * sizeof(T));
     }

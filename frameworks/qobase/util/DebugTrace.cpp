@@ -20,9 +20,9 @@ Trace& GetTrace()
 }
 
 #ifdef NDEBUG
-constexpr bool writesByDefault = false;
+constexpr bool WritesByDefault = false;
 #else
-constexpr bool writesByDefault = true;
+constexpr bool WritesByDefault = true;
 #endif
 
 } // namespace
@@ -34,7 +34,7 @@ void DebugTrace(const String& text) noexcept
         const std::lock_guard lock(trace.mutex);
         if (trace.sink) {
             trace.sink(text);
-        } else if (writesByDefault) {
+        } else if (WritesByDefault) {
             std::fprintf(stderr, "%s\n", text.c_str());
         }
     } catch (...) {

@@ -12,8 +12,8 @@ namespace {
 
 String FormatWithDigits(float value, int digits)
 {
-    constexpr std::size_t room = 32; // sign, 9 digits, point, exponent
-    std::array<char, room> text{};
+    constexpr std::size_t Room = 32; // sign, 9 digits, point, exponent
+    std::array<char, Room> text{};
     const char* const end =
         std::to_chars(
             text.data(), text.data() + text.size(), value, std::chars_format::general, digits)
@@ -37,11 +37,11 @@ std::optional<T> Parse(std::string_view text)
 
 String FormatFloat(float value)
 {
-    constexpr int usualDigits = 8;
-    constexpr int enoughDigits = 9; // tell every float from its neighbours
-    String text = FormatWithDigits(value, usualDigits);
+    constexpr int UsualDigits = 8;
+    constexpr int EnoughDigits = 9; // tell every float from its neighbours
+    String text = FormatWithDigits(value, UsualDigits);
     if (ParseFloat(text) != value) {
-        text = FormatWithDigits(value, enoughDigits);
+        text = FormatWithDigits(value, EnoughDigits);
     }
     return text;
 }

@@ -14,19 +14,19 @@
 namespace Util::Path {
 namespace {
 
-constexpr char separator = '/';
-constexpr std::string_view anySeparator = "/\\";
+constexpr char Separator = '/';
+constexpr std::string_view AnySeparator = "/\\";
 
 /// "//server" with nothing that names a share behind it: two separators start a network path, one
 /// or three don't.
 bool IsMalformedNetworkPath(std::string_view path)
 {
-    const auto start = path.find_first_not_of(anySeparator);
+    const auto start = path.find_first_not_of(AnySeparator);
     if (std::min(start, path.size()) != 2) {
         return false;
     }
-    const auto end = path.find_first_of(anySeparator, 2);
-    return path.find_first_not_of(anySeparator, end) == std::string_view::npos;
+    const auto end = path.find_first_of(AnySeparator, 2);
+    return path.find_first_not_of(AnySeparator, end) == std::string_view::npos;
 }
 
 Expected<void> MakeOne(const String& path, Visibility visibility)
@@ -48,23 +48,23 @@ String Join(const String& folder, const String& file)
         return file;
     }
     std::string_view head = folder.View();
-    head = head.substr(0, head.find_last_not_of(separator) + 1);
+    head = head.substr(0, head.find_last_not_of(Separator) + 1);
     std::string_view tail = file.View();
-    tail.remove_prefix(std::min(tail.find_first_not_of(separator), tail.size()));
-    return std::string(head) + separator + std::string(tail);
+    tail.remove_prefix(std::min(tail.find_first_not_of(Separator), tail.size()));
+    return std::string(head) + Separator + std::string(tail);
 }
 
 String ToNative(const String& path)
 {
     std::string native = path.ToStdString();
-    std::replace(native.begin(), native.end(), '\\', separator);
+    std::replace(native.begin(), native.end(), '\\', Separator);
     return {std::move(native)};
 }
 
 String GetFileName(const String& path)
 {
     const std::string_view view = path.View();
-    return view.substr(view.rfind(separator) + 1); // npos + 1 is the start
+    return view.substr(view.rfind(Separator) + 1); // npos + 1 is the start
 }
 
 String GetStem(const String& path)
@@ -77,7 +77,7 @@ String GetStem(const String& path)
 String GetFolder(const String& path)
 {
     const std::string_view view = path.View();
-    const auto end = view.rfind(separator);
+    const auto end = view.rfind(Separator);
     if (end == std::string_view::npos) {
         return "";
     }
@@ -95,8 +95,8 @@ Expected<void> MakeDirectory(const String& path, Recursive recursive, Visibility
             "Create(true) failed.  Input looks like a malformed UNC path", path, EINVAL);
     }
     if (recursive == Recursive::Yes) {
-        for (auto end = view.find(separator, 1); end != std::string_view::npos;
-             end = view.find(separator, end + 1)) {
+        for (auto end = view.find(Separator, 1); end != std::string_view::npos;
+             end = view.find(Separator, end + 1)) {
             if (auto made = MakeOne(view.substr(0, end), visibility); !made) {
                 return made;
             }

@@ -20,8 +20,8 @@
 namespace Util::Platform {
 namespace {
 
-constexpr uint32_t permissionBits = 0777;
-constexpr uint64_t largestTransfer = 1ULL << 30; // one call of the system moves less than 2 GiB
+constexpr uint32_t PermissionBits = 0777;
+constexpr uint64_t LargestTransfer = 1ULL << 30; // one call of the system moves less than 2 GiB
 
 /// Keeps the signals of a failing write (file too large, nobody reads) off this thread, because
 /// they end a process that doesn't expect them. The host's handlers are not touched.
@@ -46,8 +46,8 @@ public:
     ~WriteSignalGuard()
     {
         const int error = errno;
-        constexpr timespec noWait{};
-        while (sigtimedwait(&signals, nullptr, &noWait) > 0) {
+        constexpr timespec NoWait{};
+        while (sigtimedwait(&signals, nullptr, &NoWait) > 0) {
         }
         pthread_sigmask(SIG_SETMASK, &former, nullptr);
         errno = error;
@@ -106,7 +106,7 @@ Status StatusOf(const struct stat& record)
     return {.kind = KindOf(record.st_mode),
             .size = static_cast<uint64_t>(std::max<off_t>(record.st_size, 0)),
             .modificationTime = record.st_mtime,
-            .permissions = record.st_mode & permissionBits,
+            .permissions = record.st_mode & PermissionBits,
             .user = record.st_uid,
             .group = record.st_gid};
 }
@@ -119,7 +119,7 @@ Moved MoveAll(uint64_t count, Move move)
     while (moved.bytes < count) {
         ssize_t step = 0;
         moved.error = Try([&] {
-            const uint64_t wanted = std::min(count - moved.bytes, largestTransfer);
+            const uint64_t wanted = std::min(count - moved.bytes, LargestTransfer);
             return step = move(moved.bytes, static_cast<size_t>(wanted));
         });
         if (moved.error != 0 || step == 0) {
@@ -296,16 +296,16 @@ uint64_t GetRandomBits()
     // A kernel without the call: unlike in another process and from one call to the next.
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    constexpr uint64_t oddMultiplier = 0x9E3779B97F4A7C15; // spreads the low bits over the word
+    constexpr uint64_t OddMultiplier = 0x9E3779B97F4A7C15; // spreads the low bits over the word
     const auto ticks =
         static_cast<uint64_t>(now.tv_sec) * 1000000000 + static_cast<uint64_t>(now.tv_nsec);
-    return (ticks ^ (uint64_t{GetProcessNumber()} << 40)) * oddMultiplier;
+    return (ticks ^ (uint64_t{GetProcessNumber()} << 40)) * OddMultiplier;
 }
 
 String GetRecordedHome()
 {
-    constexpr std::size_t recordBytes = 16384;
-    std::vector<char> texts(recordBytes);
+    constexpr std::size_t RecordBytes = 16384;
+    std::vector<char> texts(RecordBytes);
     passwd record{};
     passwd* found = nullptr;
     if (getpwuid_r(geteuid(), &record, texts.data(), texts.size(), &found) != 0 ||

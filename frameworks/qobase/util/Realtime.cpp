@@ -10,7 +10,7 @@ namespace {
 
 #if defined(__SSE2__)
 
-constexpr uint64_t flushMode = 0x8040; // MXCSR: flush-to-zero is bit 15, denormals-are-zero bit 6
+constexpr uint64_t FlushMode = 0x8040; // MXCSR: flush-to-zero is bit 15, denormals-are-zero bit 6
 
 uint64_t ReadMode() noexcept
 {
@@ -24,7 +24,7 @@ void WriteMode(uint64_t mode) noexcept
 
 #elif defined(__aarch64__)
 
-constexpr uint64_t flushMode = uint64_t{1} << 24; // FPCR.FZ covers both directions
+constexpr uint64_t FlushMode = uint64_t{1} << 24; // FPCR.FZ covers both directions
 
 uint64_t ReadMode() noexcept
 {
@@ -40,7 +40,7 @@ void WriteMode(uint64_t mode) noexcept
 
 #else
 
-constexpr uint64_t flushMode = 0;
+constexpr uint64_t FlushMode = 0;
 
 uint64_t ReadMode() noexcept
 {
@@ -55,7 +55,7 @@ void WriteMode(uint64_t) noexcept {}
 
 ScopedDenormalGuard::ScopedDenormalGuard() noexcept UTIL_NONBLOCKING : savedMode(ReadMode())
 {
-    WriteMode(savedMode | flushMode);
+    WriteMode(savedMode | FlushMode);
 }
 
 ScopedDenormalGuard::~ScopedDenormalGuard()

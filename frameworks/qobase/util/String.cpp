@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr std::string_view digitCharacters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
-constexpr uint32_t hexBase = 16;
+constexpr std::string_view DigitCharacters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr uint32_t HexBase = 16;
 
 enum class Sign { Positive, Negative };
 
@@ -37,10 +37,10 @@ std::optional<std::size_t> FindPlaceholder(std::string_view text) noexcept
 String NumberText(uint64_t magnitude, Sign sign, uint32_t base, uint32_t padding)
 {
     const uint32_t usedBase =
-        base < 2 || base > digitCharacters.size() ? String::DefaultBase : base;
+        base < 2 || base > DigitCharacters.size() ? String::DefaultBase : base;
     std::string reversed;
     do {
-        reversed += digitCharacters[magnitude % usedBase];
+        reversed += DigitCharacters[magnitude % usedBase];
         magnitude /= usedBase;
     } while (magnitude != 0);
     const std::size_t signLength = sign == Sign::Negative ? 1 : 0;
@@ -105,7 +105,7 @@ String String::arg(uint32_t number, uint32_t base, uint32_t padding) const
 
 String String::arg(int64_t number, uint32_t base, uint32_t padding) const
 {
-    if (base == hexBase) {
+    if (base == HexBase) {
         return arg(static_cast<uint64_t>(number), base, padding);
     }
     return arg(SignedText(number, base, padding));

@@ -99,9 +99,9 @@ String GetConfigurationFolder()
 
 String GetDocumentsFolder()
 {
-    constexpr uint64_t mostBytes = 1ULL << 20;
+    constexpr uint64_t MostBytes = 1ULL << 20;
     String folder = Join(GetHomeFolder(), "Documents");
-    const auto file = ReadWholeFile(Join(GetConfigurationFolder(), "user-dirs.dirs"), mostBytes);
+    const auto file = ReadWholeFile(Join(GetConfigurationFolder(), "user-dirs.dirs"), MostBytes);
     if (!file) {
         return folder;
     }

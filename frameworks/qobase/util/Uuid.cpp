@@ -10,7 +10,7 @@
 namespace Util {
 namespace {
 
-constexpr std::size_t textLength = 36;
+constexpr std::size_t TextLength = 36;
 
 bool IsHyphenAt(std::size_t position)
 {
@@ -31,14 +31,14 @@ Uuid MakeUuid()
 
 String FormatUuid(const Uuid& uuid)
 {
-    constexpr std::string_view digits = "0123456789abcdef";
+    constexpr std::string_view Digits = "0123456789abcdef";
     std::string text;
     for (const uint8_t byte : uuid) {
         if (IsHyphenAt(text.size())) {
             text += '-';
         }
-        text += digits[byte >> 4];
-        text += digits[byte & 0x0F];
+        text += Digits[byte >> 4];
+        text += Digits[byte & 0x0F];
     }
     return {std::move(text)};
 }
@@ -46,7 +46,7 @@ String FormatUuid(const Uuid& uuid)
 std::optional<Uuid> ParseUuid(const String& text)
 {
     const std::string_view view = text.View();
-    if (view.size() != textLength) {
+    if (view.size() != TextLength) {
         return std::nullopt;
     }
     Uuid uuid{};

@@ -12,9 +12,9 @@
 namespace Util {
 namespace {
 
-constexpr uint32_t newFilePermissions = 0666; // less what the user's mask takes
-constexpr uint64_t firstStepBytes = 64ULL << 10;
-constexpr uint64_t largestStepBytes = 4ULL << 20;
+constexpr uint32_t NewFilePermissions = 0666; // less what the user's mask takes
+constexpr uint64_t FirstStepBytes = 64ULL << 10;
+constexpr uint64_t LargestStepBytes = 4ULL << 20;
 
 /// A new file beside another one, which is removed unless it took the other one's place.
 ///
@@ -46,7 +46,7 @@ public:
         }
         // Never more open to others than the former file was, not even while it is written.
         const bool isNew = former.error != 0;
-        int error = isNew ? OpenUnique(newFilePermissions) : OpenUnique(former.permissions);
+        int error = isNew ? OpenUnique(NewFilePermissions) : OpenUnique(former.permissions);
         if (error == 0 && !isNew) {
             error = Platform::CopyOwnership(descriptor, former);
         }
@@ -130,9 +130,9 @@ private:
 
     int OpenUnique(uint32_t permissions)
     {
-        constexpr int tries = 16;
+        constexpr int Tries = 16;
         int error = EEXIST;
-        for (int i = 0; i < tries && error == EEXIST; ++i) {
+        for (int i = 0; i < Tries && error == EEXIST; ++i) {
             // Hidden, and short, so that no name is too long only because of it.
             const auto name = String(".%1-%2.tmp")
                                   .arg(Platform::GetProcessNumber())
@@ -187,9 +187,9 @@ File::Error TooLarge(const String& path, uint64_t maxBytes)
 /// Where a chain of symbolic links ends; that place may be without a file.
 Expected<String> FollowLinks(const String& path)
 {
-    constexpr int mostLinks = 40;
+    constexpr int MostLinks = 40;
     std::filesystem::path place(path.ToStdString());
-    for (int i = 0; i < mostLinks; ++i) {
+    for (int i = 0; i < MostLinks; ++i) {
         std::error_code error;
         const auto aim = std::filesystem::read_symlink(place, error);
         if (error) {
@@ -207,7 +207,7 @@ ReadToEnd(int descriptor, const String& path, uint64_t statedSize, uint64_t maxB
 {
     Bytes bytes;
     const uint64_t most = std::min<uint64_t>(maxBytes, bytes.max_size() - 1) + 1;
-    uint64_t step = std::max(statedSize + 1, firstStepBytes); // one more, to meet the end as well
+    uint64_t step = std::max(statedSize + 1, FirstStepBytes); // one more, to meet the end as well
     while (bytes.size() < most) {
         const std::size_t before = bytes.size();
         step = std::min(step, most - before);
@@ -221,7 +221,7 @@ ReadToEnd(int descriptor, const String& path, uint64_t statedSize, uint64_t maxB
         if (moved.bytes < step) {
             return bytes;
         }
-        step = std::clamp<uint64_t>(bytes.size(), firstStepBytes, largestStepBytes);
+        step = std::clamp<uint64_t>(bytes.size(), FirstStepBytes, LargestStepBytes);
     }
     return TooLarge(path, maxBytes);
 }

@@ -111,10 +111,10 @@ XmlDocument::~XmlDocument() = default;
 
 Expected<void> XmlDocument::Parse(ByteSpan text, const String& path)
 {
-    constexpr unsigned everyNode =
+    constexpr unsigned EveryNode =
         pugi::parse_default | pugi::parse_comments | pugi::parse_pi | pugi::parse_declaration;
     const pugi::xml_parse_result result =
-        content->document.load_buffer(text.data(), text.size(), everyNode);
+        content->document.load_buffer(text.data(), text.size(), EveryNode);
     const bool isWithoutRoot = result.status == pugi::status_no_document_element &&
                                !content->document.first_child().empty();
     if (result || isWithoutRoot) {

@@ -51,8 +51,8 @@ Util::DictionaryValue ToValue(uint32_t value)
 // Values that no float holds end at the largest; the parameter's own range is narrower.
 float ToFloat(double value)
 {
-    constexpr auto largest = static_cast<double>(std::numeric_limits<float>::max());
-    return static_cast<float>(std::isnan(value) ? value : std::clamp(value, -largest, largest));
+    constexpr auto Largest = static_cast<double>(std::numeric_limits<float>::max());
+    return static_cast<float>(std::isnan(value) ? value : std::clamp(value, -Largest, Largest));
 }
 
 std::optional<float>

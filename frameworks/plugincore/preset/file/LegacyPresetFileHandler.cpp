@@ -13,7 +13,7 @@ namespace Preset {
 LegacyFamily FindLegacyFamily(const String& type)
 {
     // The first match decides.
-    static constexpr std::pair<const char*, LegacyFamily> words[] = {
+    static constexpr std::pair<const char*, LegacyFamily> Words[] = {
         {"ChannelOps", LegacyFamily::ChannelOps},
         {"LMDeclick", LegacyFamily::Declicker},
         {"LMDecrackle", LegacyFamily::Declicker},
@@ -25,7 +25,7 @@ LegacyFamily FindLegacyFamily(const String& type)
         {"Deconstruct", LegacyFamily::Deconstruct},
         {"AdditiveDecomposition", LegacyFamily::Deconstruct},
     };
-    for (const auto& [word, family] : words) {
+    for (const auto& [word, family] : Words) {
         if (type.Find(word)) {
             return family;
         }

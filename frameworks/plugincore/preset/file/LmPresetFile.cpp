@@ -99,7 +99,7 @@ std::unique_ptr<LegacyPresetFileHandlerBase> LmPresetFile::MakeLegacyHandler(con
 bool LmPresetFile::IsCategoryRequired(const String& element) const
 {
     // Elements that came into the family's sets over time; older presets lack them.
-    static constexpr const char* optionalOnes[] = {"InputLevel",
+    static constexpr const char* OptionalOnes[] = {"InputLevel",
                                                    "OutputLevel",
                                                    "Gain",
                                                    "Global",
@@ -107,7 +107,7 @@ bool LmPresetFile::IsCategoryRequired(const String& element) const
                                                    "DenoiserZLOption",
                                                    "SpectralRepairStreamer",
                                                    "Histogram"};
-    return std::none_of(std::begin(optionalOnes), std::end(optionalOnes), [&](const char* word) {
+    return std::none_of(std::begin(OptionalOnes), std::end(OptionalOnes), [&](const char* word) {
         return element == word;
     });
 }

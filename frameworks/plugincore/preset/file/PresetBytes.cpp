@@ -12,8 +12,8 @@ constexpr std::size_t LengthBytes = 4;
 
 bool IsZlibHeader(uint8_t method, uint8_t flags)
 {
-    constexpr uint32_t checkDivisor = 31;
-    return (method & 0x0FU) == 8 && (uint32_t{method} << 8 | flags) % checkDivisor == 0;
+    constexpr uint32_t CheckDivisor = 31;
+    return (method & 0x0FU) == 8 && (uint32_t{method} << 8 | flags) % CheckDivisor == 0;
 }
 
 bool IsTextByte(uint8_t byte)

@@ -94,12 +94,12 @@ Util::Expected<void> PresetFileBase::ReadLegacy(std::optional<uint32_t> version,
                                                 std::optional<uint32_t> pluginVersion,
                                                 const Util::XmlNode& root)
 {
-    constexpr uint32_t versionsOfMajor = 1000;
+    constexpr uint32_t VersionsOfMajor = 1000;
     if (!version || !legacyHandler->IsLegacyParamsVersion(*version)) {
         return RefuseParamsVersion(version);
     }
     if (!pluginVersion ||
-        *pluginVersion / versionsOfMajor != GetPluginVersion() / versionsOfMajor) {
+        *pluginVersion / VersionsOfMajor != GetPluginVersion() / VersionsOfMajor) {
         return RefusePluginVersion(pluginVersion);
     }
     metadata = head.metadata;

@@ -51,12 +51,12 @@ String FindNearestName(const String& wanted, const std::vector<String>& names)
 {
     // A third of the letters wrong is a slip, more is another name. No name is as long as a text
     // that isn't compared at all.
-    constexpr std::size_t mostBytes = 256;
+    constexpr std::size_t MostBytes = 256;
     const String folded = wanted.ToLower();
     String nearest;
-    std::size_t fewest = std::min<std::size_t>(folded.Length(), mostBytes) / 3 + 1;
+    std::size_t fewest = std::min<std::size_t>(folded.Length(), MostBytes) / 3 + 1;
     for (const String& name : names) {
-        if (folded.Length() > mostBytes || name.Length() > mostBytes) {
+        if (folded.Length() > MostBytes || name.Length() > MostBytes) {
             continue;
         }
         const std::size_t edits = Util::CountEdits(folded.View(), name.ToLower().View());
@@ -70,14 +70,14 @@ String FindNearestName(const String& wanted, const std::vector<String>& names)
 
 String JoinNames(const std::vector<String>& names, std::size_t mostBytes)
 {
-    constexpr std::string_view others = ", ...";
+    constexpr std::string_view Others = ", ...";
     std::string joined;
     for (const String& name : names) {
         const std::string_view comma = joined.empty() ? "" : ", ";
         const bool isLast = &name == &names.back();
-        const std::size_t reserved = isLast ? 0 : others.size();
+        const std::size_t reserved = isLast ? 0 : Others.size();
         if (joined.size() + comma.size() + name.Length() + reserved > mostBytes) {
-            return joined.append(joined.empty() ? others.substr(2) : others);
+            return joined.append(joined.empty() ? Others.substr(2) : Others);
         }
         joined.append(comma).append(name.View());
     }

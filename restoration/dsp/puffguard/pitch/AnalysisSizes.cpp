@@ -45,11 +45,11 @@ int AnalysisSizes::GetLatency(VocalRange range,
                               bool dynamicProgramming,
                               int delayFrames) const noexcept
 {
-    constexpr std::array lowestPitchHz{45.0, 100.0, 170.0};
+    constexpr std::array LowestOfRange{45.0, 100.0, 170.0};
     const auto index =
-        std::min<std::size_t>(static_cast<std::size_t>(range), lowestPitchHz.size() - 1);
+        std::min<std::size_t>(static_cast<std::size_t>(range), LowestOfRange.size() - 1);
     const auto period =
-        static_cast<int>(std::lround(static_cast<double>(sampleRate) / lowestPitchHz[index]));
+        static_cast<int>(std::lround(static_cast<double>(sampleRate) / LowestOfRange[index]));
     const int decimatedPeriod = period / decimation;
     const int frame = static_cast<int>(decimatedPeriod * 1.8);
     const int halfFrame = frame * (decimation / 2);

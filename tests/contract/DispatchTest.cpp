@@ -35,7 +35,7 @@ void PrintTo(const Rule& rule, std::ostream* out)
 }
 
 // Selectors that work on an instance; 7 ends one and has tests of its own.
-constexpr std::array rules{
+constexpr std::array Rules{
     Rule{2, 2, Contexts::Both, Needs::RecordAfterContext},
     Rule{3, 6, Contexts::Both, Needs::Nothing},
     Rule{8, 20, Contexts::Both, Needs::Record},
@@ -124,15 +124,15 @@ private:
     std::vector<ElementParamInfoRecord> params = std::vector<ElementParamInfoRecord>(11);
 };
 
-constexpr std::array<uint32_t, 4> contextsTried{0, 1, 2, 0xFFFFFFFFU};
+constexpr std::array<uint32_t, 4> ContextsTried{0, 1, 2, 0xFFFFFFFFU};
 
 class Selectors : public testing::TestWithParam<Rule> {};
 
 TEST_P(Selectors, AnswerEveryCombinationByTheirCode)
 {
     const Rule& rule = GetParam();
-    for (uint32_t tried = 0; tried < contextsTried.size() * 4; ++tried) {
-        const uint32_t context = contextsTried[tried / 4];
+    for (uint32_t tried = 0; tried < ContextsTried.size() * 4; ++tried) {
+        const uint32_t context = ContextsTried[tried / 4];
         const bool hasInstance = tried % 4 / 2 != 0;
         const bool hasRecord = tried % 2 != 0;
         if (rule.record == Needs::Unchecked && hasInstance && !hasRecord) {
@@ -152,7 +152,7 @@ TEST_P(Selectors, AnswerEveryCombinationByTheirCode)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Entry, Selectors, testing::ValuesIn(rules), [](const auto& param) {
+INSTANTIATE_TEST_SUITE_P(Entry, Selectors, testing::ValuesIn(Rules), [](const auto& param) {
     return std::to_string(param.param.first) + "to" + std::to_string(param.param.last);
 });
 
@@ -169,7 +169,7 @@ TEST(Entry, KnowsNoSelectorAbove39)
     Instance instance(44100.0F, 1);
     GoodRecord record(40);
     for (const uint32_t selector : {40U, 41U, 1000U, 0xFFFFFFFFU}) {
-        for (const uint32_t context : contextsTried) {
+        for (const uint32_t context : ContextsTried) {
             EXPECT_EQ(Call(selector, context, nullptr, nullptr), PluginCoreUnknownSelector);
             EXPECT_EQ(Call(selector, context, instance.Get(), record.Get()),
                       PluginCoreUnknownSelector);
@@ -180,7 +180,7 @@ TEST(Entry, KnowsNoSelectorAbove39)
 TEST(Entry, DescribesAndCreatesInAnyContextWithoutAnInstance)
 {
     auto info = std::make_unique<PluginInfoRecord>();
-    for (const uint32_t context : contextsTried) {
+    for (const uint32_t context : ContextsTried) {
         PluginInfoRequest request{};
         EXPECT_EQ(Call(SelectorGetPluginInfo, context, nullptr, nullptr), PluginCoreNullRecord);
         EXPECT_EQ(Call(SelectorGetPluginInfo, context, nullptr, &request), PluginCoreNullRecord);

@@ -14,7 +14,7 @@ using namespace Contract;
 class FormatAudio : public FormatTest {};
 
 // Those that validators of hosts try.
-constexpr double rates[] = {8000,
+constexpr double Rates[] = {8000,
                             22050,
                             32000,
                             44100,
@@ -30,7 +30,7 @@ constexpr double rates[] = {8000,
                             123456.78,
                             1234567.8};
 
-constexpr uint32_t blocks[] = {
+constexpr uint32_t Blocks[] = {
     1, 10, 17, 64, 256, 1024, 1536, 2027, 4096, 8192, 8193, 16384, 65536};
 
 uint32_t LatencyAt(double rate)
@@ -49,10 +49,10 @@ TEST_P(FormatAudio, IsTheModulesForAnyBlocks)
         const float repaired = LargestError(expected, Delayed(input, LatencyAt(Rate)));
         ASSERT_GT(repaired, 0.01F) << "nothing to tell the repair by";
         ASSERT_EQ(BadSample(expected), "");
-        for (size_t i = 0; i < std::size(blocks); i += IsSanitized ? 5 : 1) {
+        for (size_t i = 0; i < std::size(Blocks); i += IsSanitized ? 5 : 1) {
             auto host = Make(Rate, channels);
-            EXPECT_EQ(Difference(Play(*host, input, blocks[i]), expected), "")
-                << channels << " channels, blocks of " << blocks[i];
+            EXPECT_EQ(Difference(Play(*host, input, Blocks[i]), expected), "")
+                << channels << " channels, blocks of " << Blocks[i];
         }
         std::mt19937 engine(channels);
         auto host = Make(Rate, channels);
@@ -67,12 +67,12 @@ TEST_P(FormatAudio, IsTheModulesForAnyBlocks)
 TEST_P(FormatAudio, IsTheModulesAtAnyRate)
 {
     uint32_t turn = 0;
-    for (const double rate : rates) {
+    for (const double rate : Rates) {
         if (IsSanitized && rate > 200'000) {
             continue; // minutes
         }
         const uint32_t channels = 1 + turn % 2;
-        const uint32_t block = blocks[(2 + turn++) % std::size(blocks)];
+        const uint32_t block = Blocks[(2 + turn++) % std::size(Blocks)];
         const Audio input = MakeSpeech(rate, channels);
         const Audio expected = Expected(input, rate);
         ASSERT_EQ(BadSample(expected), "") << rate;

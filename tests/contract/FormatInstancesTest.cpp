@@ -28,8 +28,8 @@ protected:
     // Some do more than others before they end.
     static void Live(uint32_t number)
     {
-        constexpr uint32_t layouts[] = {1, 2, 6, 8};
-        const uint32_t channels = layouts[number % 4];
+        constexpr uint32_t Layouts[] = {1, 2, 6, 8};
+        const uint32_t channels = Layouts[number % 4];
         const uint32_t stage = number % 5;
         auto host = GetParam().make(Rate, channels);
         ASSERT_NE(host, nullptr) << number;
@@ -113,7 +113,7 @@ TEST(Formats, WithoutTheirModuleMakeNoInstanceAndALineSaysWhy)
 // Two of each format, one of them at another rate.
 TEST(Formats, SideBySideInOneProcessDoNotHearEachOther)
 {
-    constexpr uint32_t block = 480;
+    constexpr uint32_t Block = 480;
     const Audio speech = MakeSpeech(48000, 2);
     struct Member {
         std::unique_ptr<FormatHost> host;
@@ -128,17 +128,17 @@ TEST(Formats, SideBySideInOneProcessDoNotHearEachOther)
             Member member{
                 format.make(rate, 2), rate, {1 - number / 8, number / 8, number / 8}, speech};
             ASSERT_NE(member.host, nullptr) << format.name;
-            ASSERT_TRUE(member.host->Activate(rate, block));
+            ASSERT_TRUE(member.host->Activate(rate, Block));
             member.host->SetParameter(TestHost::Sensitivity, member.controls.sensitivity);
             member.host->SetParameter(TestHost::Strength, member.controls.strength);
             member.host->SetParameter(TestHost::UpperFrequency, member.controls.upperFrequency);
             members.push_back(std::move(member));
         }
     }
-    for (uint32_t done = 0; done < speech[0].size(); done += block) {
+    for (uint32_t done = 0; done < speech[0].size(); done += Block) {
         for (Member& member : members) {
             float* pointers[2] = {member.output[0].data() + done, member.output[1].data() + done};
-            member.host->Process(pointers, pointers, block);
+            member.host->Process(pointers, pointers, Block);
         }
     }
     for (size_t i = 0; i < members.size(); ++i) {

@@ -47,13 +47,13 @@ protected:
 
     static void ExpectWorking(FormatHost& host)
     {
-        constexpr float values[Count] = {0.75F, 0.25F, 0.5F, 0.0F};
+        constexpr float Values[Count] = {0.75F, 0.25F, 0.5F, 0.0F};
         for (uint32_t index = 0; index < Count; ++index) {
-            host.SetParameter(index, values[index]);
+            host.SetParameter(index, Values[index]);
         }
         Settle(host, 2);
         const Audio speech = MakeSpeech(Rate, 2);
-        const Audio expected = Expected(speech, Rate, {values[0], values[1], values[2]});
+        const Audio expected = Expected(speech, Rate, {Values[0], Values[1], Values[2]});
         EXPECT_EQ(Difference(Play(host, speech, 512), expected), "");
     }
 };
@@ -79,10 +79,10 @@ TEST_P(FormatParameters, ComeBackAsTheyWereSet)
 
 TEST_P(FormatParameters, ThatAreNoValuesDoNoHarm)
 {
-    constexpr float inf = std::numeric_limits<float>::infinity();
+    constexpr float Inf = std::numeric_limits<float>::infinity();
     for (const float value : {std::numeric_limits<float>::quiet_NaN(),
-                              inf,
-                              -inf,
+                              Inf,
+                              -Inf,
                               1e38F,
                               -1e38F,
                               -0.001F,

@@ -46,7 +46,7 @@ TEST_P(FormatSignal, OfSilenceIsSilence)
 
 TEST_P(FormatSignal, ThatIsOddStaysAudioAndIsForgottenByAReset)
 {
-    constexpr float inf = std::numeric_limits<float>::infinity();
+    constexpr float Inf = std::numeric_limits<float>::infinity();
     auto host = Make();
     for (const float level : {std::numeric_limits<float>::denorm_min(),
                               1e-39F,
@@ -54,7 +54,7 @@ TEST_P(FormatSignal, ThatIsOddStaysAudioAndIsForgottenByAReset)
                               1e6F,
                               1e30F,
                               std::numeric_limits<float>::max(),
-                              inf,
+                              Inf,
                               std::numeric_limits<float>::quiet_NaN()}) {
         for (const bool isSteady : {true, false}) {
             SCOPED_TRACE(testing::Message() << level << (isSteady ? ", steady" : ", alternating"));
@@ -99,7 +99,7 @@ TEST_P(FormatSignal, GoesIntoABypassInStepAmidARepairAndComesBackAsNew)
 
 TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
 {
-    constexpr int none = -1;
+    constexpr int None = -1;
     // Which memory each of two channels uses.
     const struct {
         const char* name;
@@ -110,8 +110,8 @@ TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
         {"shifted", {0, 1}, {1, 2}},
         {"one input twice", {0, 0}, {0, 1}},
         {"one output twice", {0, 1}, {2, 2}},
-        {"an input missing", {none, 1}, {0, 1}},
-        {"an output missing", {0, 1}, {none, 1}},
+        {"an input missing", {None, 1}, {0, 1}},
+        {"an output missing", {0, 1}, {None, 1}},
     };
     auto host = Make(); // one for all: what is left of one must not show in another
     const Audio speech = MakeSpeech(Rate, 3);
@@ -119,8 +119,8 @@ TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
     for (const auto& [name, inputs, outputs] : wirings) {
         SCOPED_TRACE(name);
         Audio memory = speech;
-        const auto at = [&](int index) { return index == none ? nullptr : memory[index].data(); };
-        const Audio input = {inputs[0] == none ? std::vector<float>(frames) : speech[inputs[0]],
+        const auto at = [&](int index) { return index == None ? nullptr : memory[index].data(); };
+        const Audio input = {inputs[0] == None ? std::vector<float>(frames) : speech[inputs[0]],
                              speech[inputs[1]]};
         const Audio expected = Expected(input, Rate);
         const float* from[2] = {at(inputs[0]), at(inputs[1])};
@@ -128,7 +128,7 @@ TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
         host->Reset();
         host->Process(from, to, frames);
         EXPECT_EQ(memory[outputs[1]], expected[1]) << "the second has the last word";
-        if (outputs[0] != none && outputs[0] != outputs[1]) {
+        if (outputs[0] != None && outputs[0] != outputs[1]) {
             EXPECT_EQ(memory[outputs[0]], expected[0]);
         }
     }

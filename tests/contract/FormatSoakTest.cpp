@@ -19,9 +19,9 @@ namespace {
 using namespace Contract;
 using Clock = std::chrono::steady_clock;
 
-constexpr uint32_t stepsPerSeed = 400;
-constexpr size_t stepsShown = 30;
-constexpr uint32_t seedsByDefault = 3;
+constexpr uint32_t StepsPerSeed = 400;
+constexpr size_t StepsShown = 30;
+constexpr uint32_t SeedsByDefault = 3;
 
 class Soak {
 public:
@@ -71,13 +71,13 @@ public:
     void ExpectWorkingOrder()
     {
         host->Deactivate();
-        ASSERT_TRUE(host->Activate(rate, longestBlock)) << Tell();
+        ASSERT_TRUE(host->Activate(rate, LongestBlock)) << Tell();
         PlaySilence(*host, channels, 64); // values that wait for a block go in before the state
         const auto plain = MakeState([](TestHost::Instance&) {});
         EXPECT_TRUE(host->Load(host->MakeSession(plain))) << Tell();
         PlaySilence(*host, channels, 10'000);
         host->Deactivate();
-        host->Activate(rate, longestBlock);
+        host->Activate(rate, LongestBlock);
         Settle(*host, channels);
         const Audio speech = MakeSpeech(rate, channels);
         EXPECT_EQ(Difference(Play(*host, speech, 512), Expected(speech, rate)), "") << Tell();
@@ -94,7 +94,7 @@ public:
     }
 
 private:
-    static constexpr uint32_t longestBlock = 10'000;
+    static constexpr uint32_t LongestBlock = 10'000;
 
     uint32_t Pick(uint32_t choices) { return static_cast<uint32_t>(engine() % choices); }
 
@@ -102,34 +102,34 @@ private:
     {
         ++count;
         log.push_back(step);
-        if (log.size() > stepsShown) {
+        if (log.size() > StepsShown) {
             log.pop_front();
         }
     }
 
     float OddNumber()
     {
-        constexpr float inf = std::numeric_limits<float>::infinity();
-        constexpr float numbers[] = {
-            std::nanf(""), inf, -inf, 1e38F, -1e10F, -0.0F, 1e-40F, -1.0F, 2.0F};
-        return numbers[Pick(std::size(numbers))];
+        constexpr float Inf = std::numeric_limits<float>::infinity();
+        constexpr float Numbers[] = {
+            std::nanf(""), Inf, -Inf, 1e38F, -1e10F, -0.0F, 1e-40F, -1.0F, 2.0F};
+        return Numbers[Pick(std::size(Numbers))];
     }
 
     void MakeAnother()
     {
-        constexpr uint32_t layouts[] = {1, 2, 6, 8};
-        constexpr double rates[] = {8000, 22050, 44100, 48000, 96000, 12345.678};
-        channels = layouts[Pick(std::size(layouts))];
-        rate = rates[Pick(std::size(rates))];
+        constexpr uint32_t Layouts[] = {1, 2, 6, 8};
+        constexpr double Rates[] = {8000, 22050, 44100, 48000, 96000, 12345.678};
+        channels = Layouts[Pick(std::size(Layouts))];
+        rate = Rates[Pick(std::size(Rates))];
         host = format.make(rate, channels);
-        isActive = Pick(4) > 0 && host->Activate(rate, longestBlock);
+        isActive = Pick(4) > 0 && host->Activate(rate, LongestBlock);
     }
 
     void Activate()
     {
-        constexpr double rates[] = {8000, 44100, 48000, 96000};
-        const double next = rates[Pick(std::size(rates))];
-        if (host->Activate(next, longestBlock)) {
+        constexpr double Rates[] = {8000, 44100, 48000, 96000};
+        const double next = Rates[Pick(std::size(Rates))];
+        if (host->Activate(next, LongestBlock)) {
             rate = next;
             isActive = true;
         }
@@ -167,7 +167,7 @@ private:
 
     void PlayAnything()
     {
-        const uint32_t frames = 1 + (Pick(8) == 0 ? Pick(longestBlock) : Pick(1024));
+        const uint32_t frames = 1 + (Pick(8) == 0 ? Pick(LongestBlock) : Pick(1024));
         const uint32_t block = 1 + Pick(frames);
         Note(std::to_string(frames) + " frames in blocks of " + std::to_string(block));
         Audio audio(channels, std::vector<float>(frames));
@@ -215,13 +215,13 @@ TEST_P(FormatSoak, AnyCallsLeaveItInWorkingOrder)
     const auto end = Clock::now() + std::chrono::seconds(NumberFrom("PUFFGUARD_SOAK_SECONDS", 0));
     const uint32_t first = NumberFrom("PUFFGUARD_SOAK_SEED", 1);
     for (uint32_t seed = first; !HasFailure(); ++seed) {
-        if (seed >= first + Rounds(seedsByDefault) && Clock::now() >= end) {
+        if (seed >= first + Rounds(SeedsByDefault) && Clock::now() >= end) {
             return;
         }
         // A crash tells nothing itself.
         std::fprintf(stderr, "%s, seed %u\n", GetParam().name, seed);
         Soak soak(GetParam(), seed);
-        for (uint32_t step = 0; step < stepsPerSeed && !HasFailure(); ++step) {
+        for (uint32_t step = 0; step < StepsPerSeed && !HasFailure(); ++step) {
             soak.DoStep();
         }
         soak.ExpectWorkingOrder();

@@ -54,13 +54,13 @@ protected:
 
     static void ExpectLast(FormatHost& host)
     {
-        constexpr float values[] = {0.25F, 0.875F, 0.625F, 0.0F};
-        for (uint32_t index = 0; index < std::size(values); ++index) {
-            host.SetParameter(index, values[index]);
+        constexpr float Values[] = {0.25F, 0.875F, 0.625F, 0.0F};
+        for (uint32_t index = 0; index < std::size(Values); ++index) {
+            host.SetParameter(index, Values[index]);
         }
         Settle(host, 2);
         const Audio speech = MakeSpeech(Rate, 2);
-        const Audio expected = Expected(speech, Rate, {values[0], values[1], values[2]});
+        const Audio expected = Expected(speech, Rate, {Values[0], Values[1], Values[2]});
         EXPECT_EQ(Difference(Play(host, speech, 512), expected), "") << "the last word counts";
     }
 };

@@ -10,15 +10,15 @@ using namespace TestHost;
 using namespace Contract;
 
 // Channels by number; 13 to 34 count from 3 up, and 35 has none.
-constexpr uint32_t named[] = {1, 2, 2, 3, 3, 4, 4, 5, 6, 7, 7, 8, 8};
-constexpr uint32_t late[] = {3, 6, 6, 6, 8}; // from 36 on
+constexpr uint32_t Named[] = {1, 2, 2, 3, 3, 4, 4, 5, 6, 7, 7, 8, 8};
+constexpr uint32_t Late[] = {3, 6, 6, 6, 8}; // from 36 on
 
 uint32_t CountChannels(uint32_t layout)
 {
-    if (layout < std::size(named)) {
-        return named[layout];
+    if (layout < std::size(Named)) {
+        return Named[layout];
     }
-    return layout < 35 ? layout - 10 : layout == 35 ? 0 : late[layout - 36];
+    return layout < 35 ? layout - 10 : layout == 35 ? 0 : Late[layout - 36];
 }
 
 } // namespace

@@ -36,15 +36,15 @@ uint32_t Ask(PluginCore* instance, uint32_t selector)
 
 TEST(Order, InstancesEndFromEveryPointOfTheirLife)
 {
-    constexpr std::array<uint32_t, 4> initialize = {0, 1, 2, 1};
-    constexpr std::array<uint32_t, 4> terminate = {0, 0, 1, 2};
+    constexpr std::array<uint32_t, 4> Initialize = {0, 1, 2, 1};
+    constexpr std::array<uint32_t, 4> Terminate = {0, 0, 1, 2};
     for (uint32_t round = 0; round < Rounds(1000); ++round) {
         PluginCore* const instance = Create(1 + round % 2);
         ASSERT_NE(instance, nullptr);
-        for (uint32_t i = 0; i < initialize[round % 4]; ++i) {
+        for (uint32_t i = 0; i < Initialize[round % 4]; ++i) {
             EXPECT_EQ(Ask(instance, SelectorInitialize), PluginCoreSuccess);
         }
-        for (uint32_t i = 0; i < terminate[round % 4]; ++i) {
+        for (uint32_t i = 0; i < Terminate[round % 4]; ++i) {
             EXPECT_EQ(Ask(instance, SelectorTerminate), PluginCoreSuccess);
         }
         EXPECT_EQ(Ask(instance, SelectorDestroyPlugin), PluginCoreSuccess);

@@ -133,13 +133,13 @@ TEST(ParamLists, HoldEveryElementsParametersAndTellWhichAreAutomatable)
     const auto rows =
         ReadList<ElementParamInfoRecord>(instance, SelectorGetElementParamList, count);
     // Position in the automatable list of each row, -1 for none.
-    constexpr std::array<int, 11> automatable{3, -1, -1, -1, -1, -1, -1, 0, 1, 2, -1};
+    constexpr std::array<int, 11> Automatable{3, -1, -1, -1, -1, -1, -1, 0, 1, 2, -1};
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const bool listed = automatable[i] >= 0;
+        const bool listed = Automatable[i] >= 0;
         EXPECT_EQ(rows[i].info.isAutomatable, listed ? 1U : 0U) << i;
         EXPECT_EQ(rows[i].info.isAutomatable2, listed ? 1U : 0U) << i;
         if (listed) {
-            EXPECT_EQ(rows[i].info.automatableIndex, static_cast<uint32_t>(automatable[i])) << i;
+            EXPECT_EQ(rows[i].info.automatableIndex, static_cast<uint32_t>(Automatable[i])) << i;
         }
         EXPECT_EQ(rows[i].elementIndex, i < 7 ? 0U : 1U) << i;
     }

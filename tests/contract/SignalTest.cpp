@@ -99,13 +99,13 @@ TEST(BadSamples, CountAsZeroAndHarmNothingAfterThem)
     const Audio clean = MakeSpeechLike(2, 100'000, Rate);
     Audio holed = clean;
     Audio broken = clean;
-    constexpr float bad[] = {std::numeric_limits<float>::quiet_NaN(),
+    constexpr float Bad[] = {std::numeric_limits<float>::quiet_NaN(),
                              std::numeric_limits<float>::infinity(),
                              -std::numeric_limits<float>::infinity(),
                              std::numeric_limits<float>::signaling_NaN()};
     for (std::size_t i = 0; i < 40; ++i) {
         const std::size_t at = 3000 + 997 * i;
-        broken[i % 2][at] = bad[i % 4];
+        broken[i % 2][at] = Bad[i % 4];
         holed[i % 2][at] = 0.0F;
     }
     Instance plain(Rate, 2);
@@ -134,16 +134,16 @@ TEST(NullPointers, OfChannelsAreAnsweredOrSkipped)
 
 TEST(NullPointers, AMissingFurtherChannelLeavesTheOthersAlone)
 {
-    constexpr uint32_t block = 20'000; // more than one chunk: a null that is advanced is none
+    constexpr uint32_t Block = 20'000; // more than one chunk: a null that is advanced is none
     Instance instance(Rate, 3);
     instance.Set(GlobalBypass, 1.0F);
     const uint32_t latency = instance.Latency();
-    const Audio input = MakeSpeechLike(3, 2 * block, Rate);
+    const Audio input = MakeSpeechLike(3, 2 * Block, Rate);
     Audio audio = input;
-    for (uint32_t done = 0; done < 2 * block; done += block) {
+    for (uint32_t done = 0; done < 2 * Block; done += Block) {
         float* pointers[3] = {audio[0].data() + done, nullptr, audio[2].data() + done};
         ProcessRecord record{};
-        record.frames = block;
+        record.frames = Block;
         record.channels = pointers;
         ASSERT_EQ(Call(SelectorProcess, Process, instance.Get(), &record), PluginCoreSuccess);
     }

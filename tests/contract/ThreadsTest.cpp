@@ -228,8 +228,8 @@ TEST(Storm, OfEverythingThatTheUISideMayCall)
 
 TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
 {
-    constexpr uint32_t threadCount = 8;
-    constexpr uint32_t instancesEach = 25;
+    constexpr uint32_t ThreadCount = 8;
+    constexpr uint32_t InstancesEach = 25;
     const Audio input = MakeSpeechLike(1, 20'000, 16000.0F);
     Audio expected = input;
     {
@@ -238,10 +238,10 @@ TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
     }
     std::atomic<uint32_t> good = 0;
     std::vector<std::thread> threads;
-    for (uint32_t t = 0; t < threadCount; ++t) {
+    for (uint32_t t = 0; t < ThreadCount; ++t) {
         threads.emplace_back([&] {
             std::vector<std::unique_ptr<Instance>> held; // several live at a time
-            for (uint32_t i = 0; i < instancesEach; ++i) {
+            for (uint32_t i = 0; i < InstancesEach; ++i) {
                 held.push_back(std::make_unique<Instance>(16000.0F, 1));
                 Audio audio = input;
                 held.back()->Run(audio, 1000);
@@ -254,7 +254,7 @@ TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
     }
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(good, threadCount * instancesEach);
+    EXPECT_EQ(good, ThreadCount * InstancesEach);
 }
 
 } // namespace

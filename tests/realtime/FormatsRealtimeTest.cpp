@@ -23,9 +23,9 @@ class CallWatch {
 public:
     CallWatch()
     {
-        static constexpr AudioCallWatcher watcher = {[] { watch.emplace(); }, End};
+        static constexpr AudioCallWatcher Watcher = {[] { watch.emplace(); }, End};
         calls = 0;
-        audioCallWatcher = &watcher;
+        audioCallWatcher = &Watcher;
     }
     ~CallWatch() { audioCallWatcher = nullptr; }
     CallWatch(const CallWatch&) = delete;

@@ -10,20 +10,20 @@
 /// Members and threads are as in those for plug-ins of version 1.2.
 namespace Clap::Abi {
 
-inline constexpr char extAudioPortsConfig[] = "clap.audio-ports-config";
-inline constexpr char extLog[] = "clap.log";
-inline constexpr char extRender[] = "clap.render";
-inline constexpr char extTail[] = "clap.tail";
-inline constexpr char extSurround[] = "clap.surround/4";
-inline constexpr char extSurroundDraft[] = "clap.surround.draft/4"; ///< the same, as it began
+inline constexpr char ExtAudioPortsConfig[] = "clap.audio-ports-config";
+inline constexpr char ExtLog[] = "clap.log";
+inline constexpr char ExtRender[] = "clap.render";
+inline constexpr char ExtTail[] = "clap.tail";
+inline constexpr char ExtSurround[] = "clap.surround/4";
+inline constexpr char ExtSurroundDraft[] = "clap.surround.draft/4"; ///< the same, as it began
 
 // Types of ports: one text each, for tables that stand in several files.
-inline constexpr char portMono[] = "mono";
-inline constexpr char portStereo[] = "stereo";
-inline constexpr char portSurround[] = "surround";
+inline constexpr char PortMono[] = "mono";
+inline constexpr char PortStereo[] = "stereo";
+inline constexpr char PortSurround[] = "surround";
 
 /// A stepped parameter whose values have names.
-inline constexpr clap_param_info_flags paramIsEnum = 1U << 16U;
+inline constexpr clap_param_info_flags ParamIsEnum = 1U << 16U;
 
 struct AudioPortsConfig {
     clap_id id;

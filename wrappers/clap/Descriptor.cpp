@@ -10,7 +10,7 @@ namespace Clap {
 
 namespace {
 
-constexpr const char* pluginId = "example.puffguard.puffguard"; // sessions hold it
+constexpr const char* PluginId = "example.puffguard.puffguard"; // sessions hold it
 
 // The format's type of the array isn't constant.
 std::array<const char*, 6> features = {CLAP_PLUGIN_FEATURE_AUDIO_EFFECT,
@@ -27,14 +27,14 @@ Descriptor::Descriptor(std::shared_ptr<const Wrapper::Module> newModule)
 {
     const Wrapper::Product& product = module->GetProduct();
     descriptor.clap_version = CLAP_VERSION;
-    descriptor.id = pluginId;
+    descriptor.id = PluginId;
     descriptor.name = product.displayName.c_str();
     descriptor.vendor = product.vendor.c_str();
     descriptor.url = "";
     descriptor.manual_url = "";
     descriptor.support_url = "";
     descriptor.version = product.versionText.c_str();
-    descriptor.description = Wrapper::shortDescription;
+    descriptor.description = Wrapper::ShortDescription;
     descriptor.features = features.data();
 }
 

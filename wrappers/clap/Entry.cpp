@@ -83,7 +83,7 @@ const clap_plugin_t* CreatePlugin(const clap_plugin_factory_t* /*factory*/,
     return MakePlugin(descriptor->Get(), host, descriptor->GetModule());
 }
 
-constexpr clap_plugin_factory_t factoryTable = {CountPlugins, GetPluginDescriptor, CreatePlugin};
+constexpr clap_plugin_factory_t FactoryTable = {CountPlugins, GetPluginDescriptor, CreatePlugin};
 
 bool Init(const char* /*path*/) noexcept
 {
@@ -98,7 +98,7 @@ void Deinit() noexcept
 const void* GetFactory(const char* id) noexcept
 {
     const bool isKnown = id != nullptr && std::string_view(id) == CLAP_PLUGIN_FACTORY_ID;
-    return isKnown && library.GetDescriptor() != nullptr ? &factoryTable : nullptr;
+    return isKnown && library.GetDescriptor() != nullptr ? &FactoryTable : nullptr;
 }
 
 } // namespace

@@ -18,7 +18,7 @@ namespace Clap {
 namespace {
 
 // Each port has its number in its own direction.
-constexpr clap_id mainPort = 0;
+constexpr clap_id MainPort = 0;
 
 uint32_t CountParameters(const clap_plugin_t* plugin) noexcept
 {
@@ -77,7 +77,7 @@ void Flush(const clap_plugin_t* plugin,
     PluginOf(plugin).Flush(in, out);
 }
 
-constexpr clap_plugin_params_t paramsTable = {
+constexpr clap_plugin_params_t ParamsTable = {
     CountParameters, DescribeParameter, GetValue, ValueToText, TextToValue, Flush};
 
 bool Save(const clap_plugin_t* plugin, const clap_ostream_t* stream) noexcept
@@ -97,21 +97,21 @@ bool Load(const clap_plugin_t* plugin, const clap_istream_t* stream) noexcept
     });
 }
 
-constexpr clap_plugin_state_t stateTable = {Save, Load};
+constexpr clap_plugin_state_t StateTable = {Save, Load};
 
 uint32_t GetLatency(const clap_plugin_t* plugin) noexcept
 {
     return PluginOf(plugin).GetLatency();
 }
 
-constexpr clap_plugin_latency_t latencyTable = {GetLatency};
+constexpr clap_plugin_latency_t LatencyTable = {GetLatency};
 
 uint32_t GetTail(const clap_plugin_t* plugin) noexcept
 {
     return PluginOf(plugin).GetTail();
 }
 
-constexpr Abi::PluginTail tailTable = {GetTail};
+constexpr Abi::PluginTail TailTable = {GetTail};
 
 bool HasHardRealtimeRequirement(const clap_plugin_t* /*plugin*/) noexcept
 {
@@ -124,7 +124,7 @@ bool SetRenderMode(const clap_plugin_t* /*plugin*/, int32_t mode) noexcept
     return mode == Abi::RenderRealtime || mode == Abi::RenderOffline;
 }
 
-constexpr Abi::PluginRender renderTable = {HasHardRealtimeRequirement, SetRenderMode};
+constexpr Abi::PluginRender RenderTable = {HasHardRealtimeRequirement, SetRenderMode};
 
 uint32_t CountPorts(const clap_plugin_t* /*plugin*/, bool /*isInput*/) noexcept
 {
@@ -141,16 +141,16 @@ bool DescribePort(const clap_plugin_t* plugin,
     }
     const Layout& layout = PluginOf(plugin).GetLayout();
     *info = {};
-    info->id = mainPort;
+    info->id = MainPort;
     Wrapper::CopyText(isInput ? "Input" : "Output", info->name);
     info->flags = CLAP_AUDIO_PORT_IS_MAIN;
     info->channel_count = layout.ChannelCount();
     info->port_type = GetPortType(layout);
-    info->in_place_pair = mainPort;
+    info->in_place_pair = MainPort;
     return true;
 }
 
-constexpr clap_plugin_audio_ports_t portsTable = {CountPorts, DescribePort};
+constexpr clap_plugin_audio_ports_t PortsTable = {CountPorts, DescribePort};
 
 uint32_t CountConfigs(const clap_plugin_t* /*plugin*/) noexcept
 {
@@ -184,7 +184,7 @@ bool SelectConfig(const clap_plugin_t* plugin, clap_id id) noexcept
     return PluginOf(plugin).SelectLayout(id);
 }
 
-constexpr Abi::PluginAudioPortsConfig configsTable = {CountConfigs, DescribeConfig, SelectConfig};
+constexpr Abi::PluginAudioPortsConfig ConfigsTable = {CountConfigs, DescribeConfig, SelectConfig};
 
 bool IsMaskSupported(const clap_plugin_t* /*plugin*/, uint64_t mask) noexcept
 {
@@ -208,23 +208,23 @@ uint32_t GetChannelMap(const clap_plugin_t* plugin,
     return layout.ChannelCount();
 }
 
-constexpr Abi::PluginSurround surroundTable = {IsMaskSupported, GetChannelMap};
+constexpr Abi::PluginSurround SurroundTable = {IsMaskSupported, GetChannelMap};
 
 struct Extension {
     std::string_view id;
     const void* table;
 };
 
-constexpr std::array<Extension, 9> extensions = {{
-    {CLAP_EXT_AUDIO_PORTS, &portsTable},
-    {Abi::extAudioPortsConfig, &configsTable},
-    {CLAP_EXT_LATENCY, &latencyTable},
-    {CLAP_EXT_PARAMS, &paramsTable},
-    {Abi::extRender, &renderTable},
-    {CLAP_EXT_STATE, &stateTable},
-    {Abi::extSurround, &surroundTable},
-    {Abi::extSurroundDraft, &surroundTable},
-    {Abi::extTail, &tailTable},
+constexpr std::array<Extension, 9> Extensions = {{
+    {CLAP_EXT_AUDIO_PORTS, &PortsTable},
+    {Abi::ExtAudioPortsConfig, &ConfigsTable},
+    {CLAP_EXT_LATENCY, &LatencyTable},
+    {CLAP_EXT_PARAMS, &ParamsTable},
+    {Abi::ExtRender, &RenderTable},
+    {CLAP_EXT_STATE, &StateTable},
+    {Abi::ExtSurround, &SurroundTable},
+    {Abi::ExtSurroundDraft, &SurroundTable},
+    {Abi::ExtTail, &TailTable},
 }};
 
 } // namespace
@@ -235,8 +235,8 @@ const void* FindExtension(const char* id) noexcept
         return nullptr;
     }
     const auto found = std::find_if(
-        extensions.begin(), extensions.end(), [id](const Extension& one) { return one.id == id; });
-    return found != extensions.end() ? found->table : nullptr;
+        Extensions.begin(), Extensions.end(), [id](const Extension& one) { return one.id == id; });
+    return found != Extensions.end() ? found->table : nullptr;
 }
 
 } // namespace Clap

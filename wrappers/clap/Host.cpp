@@ -19,8 +19,8 @@ void Host::FindExtensions()
     Find(CLAP_EXT_LATENCY, latency);
     Find(CLAP_EXT_PARAMS, params);
     Find(CLAP_EXT_STATE, state);
-    Find(Abi::extLog, log);
-    Find(Abi::extTail, tail);
+    Find(Abi::ExtLog, log);
+    Find(Abi::ExtTail, tail);
 }
 
 void Host::RequestRestart() const noexcept

@@ -20,11 +20,11 @@ constexpr const char* GetPortType(const Layout& layout)
 {
     switch (layout.ChannelCount()) {
     case 1:
-        return Abi::portMono;
+        return Abi::PortMono;
     case 2:
-        return Abi::portStereo;
+        return Abi::PortStereo;
     default:
-        return Abi::portSurround;
+        return Abi::PortSurround;
     }
 }
 

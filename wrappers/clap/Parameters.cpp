@@ -18,7 +18,7 @@ clap_param_info_flags FlagsOf(const Wrapper::Parameter& parameter, bool isBypass
         flags |= CLAP_PARAM_IS_STEPPED;
     }
     if (parameter.kind == Wrapper::Parameter::Kind::Choice) {
-        flags |= Abi::paramIsEnum;
+        flags |= Abi::ParamIsEnum;
     }
     return isBypass ? flags | CLAP_PARAM_IS_BYPASS : flags;
 }

@@ -22,8 +22,8 @@ std::span<float* const> ChannelsOf(const clap_audio_buffer_t* ports, uint32_t po
 // None while the transport stands still: then no sample has a place of its own in it.
 std::optional<double> PositionIn(const clap_event_transport_t& transport, double rate) noexcept
 {
-    constexpr uint32_t wanted = CLAP_TRANSPORT_HAS_SECONDS_TIMELINE | CLAP_TRANSPORT_IS_PLAYING;
-    if ((transport.flags & wanted) != wanted) {
+    constexpr uint32_t Wanted = CLAP_TRANSPORT_HAS_SECONDS_TIMELINE | CLAP_TRANSPORT_IS_PLAYING;
+    if ((transport.flags & Wanted) != Wanted) {
         return std::nullopt;
     }
     return static_cast<double>(transport.song_pos_seconds) /

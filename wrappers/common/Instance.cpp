@@ -177,9 +177,9 @@ void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
 // The module passes over a format outside these bounds without a word.
 bool Instance::CanServe(double sampleRate, uint32_t channels)
 {
-    constexpr double lowest = PLUGIN_CORE_LOWEST_RATE;
-    constexpr double highest = PLUGIN_CORE_HIGHEST_RATE;
-    return sampleRate >= lowest && sampleRate <= highest && channels >= 1 &&
+    constexpr double Lowest = PLUGIN_CORE_LOWEST_RATE;
+    constexpr double Highest = PLUGIN_CORE_HIGHEST_RATE;
+    return sampleRate >= Lowest && sampleRate <= Highest && channels >= 1 &&
            channels <= BlockBuffers::MaxChannels;
 }
 

@@ -10,7 +10,7 @@ namespace Wrapper {
 namespace {
 
 // A value that changes between the two calls changes the size.
-constexpr int saveAttempts = 8;
+constexpr int SaveAttempts = 8;
 
 } // namespace
 
@@ -21,7 +21,7 @@ bool Instance::CallState(StateRecord& record)
 
 std::vector<uint8_t> Instance::SaveState()
 {
-    for (int attempt = 0; attempt < saveAttempts; ++attempt) {
+    for (int attempt = 0; attempt < SaveAttempts; ++attempt) {
         StateRecord record = {};
         record.op = StateOpGetSize;
         if (!CallState(record) || record.size > LongestState) {

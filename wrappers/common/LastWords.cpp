@@ -7,7 +7,7 @@ namespace Wrapper {
 
 namespace {
 
-constexpr float none = std::numeric_limits<float>::quiet_NaN();
+constexpr float None = std::numeric_limits<float>::quiet_NaN();
 
 } // namespace
 
@@ -21,7 +21,7 @@ LastWords::LastWords(uint32_t count)
 
 void LastWords::Drop(uint32_t index) noexcept
 {
-    words[index] = none;
+    words[index] = None;
 }
 
 bool LastWords::Load(const std::function<bool()>& load,
@@ -30,12 +30,12 @@ bool LastWords::Load(const std::function<bool()>& load,
     std::vector<float> former;
     former.reserve(words.size());
     for (std::atomic<float>& word : words) {
-        former.push_back(word.exchange(none));
+        former.push_back(word.exchange(None));
     }
     MarkUIAhead();
     const bool isLoaded = load();
     for (uint32_t index = 0; index < words.size(); ++index) {
-        float word = none;
+        float word = None;
         if (!isLoaded) {
             words[index].compare_exchange_strong(word, former[index]);
         } else if (std::isnan(words[index])) {

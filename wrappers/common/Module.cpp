@@ -18,9 +18,9 @@ namespace Wrapper {
 
 namespace {
 
-constexpr const char* moduleFileName = "LMPuffguard.so";
+constexpr const char* ModuleFileName = "LMPuffguard.so";
 // Inside a bundle; beside the folder of a wrapper; beside the folder of bundles.
-constexpr std::array<std::string_view, 3> places = {".", "../puffguard", "../../puffguard"};
+constexpr std::array<std::string_view, 3> Places = {".", "../puffguard", "../../puffguard"};
 
 // A library's folder as it was when the library was loaded, whatever the current folder is now.
 std::filesystem::path FolderOf(const char* library)
@@ -58,7 +58,7 @@ Module::Folders UsualFolders()
     if (own.empty()) {
         return folders;
     }
-    for (const std::string_view place : places) {
+    for (const std::string_view place : Places) {
         folders.push_back((own / place).lexically_normal());
     }
     return folders;
@@ -88,7 +88,7 @@ std::filesystem::path FindModule(const Module::Folders& folders)
     }
     for (const std::filesystem::path& folder : folders) {
         std::error_code failure;
-        tried.push_back((folder / moduleFileName).string());
+        tried.push_back((folder / ModuleFileName).string());
         if (std::filesystem::exists(tried.back(), failure)) {
             return tried.back();
         }

@@ -54,10 +54,10 @@ bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> word
 
 std::string_view Trim(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\r\n";
-    const size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+    constexpr std::string_view Blanks = " \t\r\n";
+    const size_t begin = std::min(text.find_first_not_of(Blanks), text.size());
     text.remove_prefix(begin);
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
+    return text.substr(0, text.find_last_not_of(Blanks) + 1);
 }
 
 // A thousandth of the range is as fine as a control is set by hand.

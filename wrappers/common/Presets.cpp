@@ -13,9 +13,9 @@ namespace {
 // than a character's greatest length is left is taken for cut.
 std::string CommentOf(const PresetRecord& record)
 {
-    constexpr size_t greatestCharacter = 4;
+    constexpr size_t GreatestCharacter = 4;
     const std::string comment = TextOf(record.presetComment);
-    const bool isCut = comment.size() + greatestCharacter >= sizeof record.presetComment;
+    const bool isCut = comment.size() + GreatestCharacter >= sizeof record.presetComment;
     return isCut ? comment + "..." : comment;
 }
 

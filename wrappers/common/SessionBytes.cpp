@@ -12,15 +12,15 @@ namespace {
 
 // Magic word, version, bypass. A state alone begins with the length of its text, little-endian and
 // at most 64 MiB, and goes on with a zlib stream: its first four bytes are never letters.
-constexpr std::array<uint8_t, 4> magic = {'P', 'g', 'S', 's'};
-constexpr uint8_t currentVersion = 1;
-constexpr size_t versionAt = 4;
-constexpr size_t bypassAt = 5;
+constexpr std::array<uint8_t, 4> Magic = {'P', 'g', 'S', 's'};
+constexpr uint8_t CurrentVersion = 1;
+constexpr size_t VersionAt = 4;
+constexpr size_t BypassAt = 5;
 
 // The lower half of a zlib stream's first byte names its method, of which there is one.
-constexpr size_t streamAt = 4;
-constexpr uint8_t methodMask = 0x0F;
-constexpr uint8_t methodDeflate = 8;
+constexpr size_t StreamAt = 4;
+constexpr uint8_t MethodMask = 0x0F;
+constexpr uint8_t MethodDeflate = 8;
 
 } // namespace
 
@@ -29,9 +29,9 @@ std::vector<uint8_t> EncodeSession(bool isBypassed, std::span<const uint8_t> sta
     if (state.empty()) {
         return {};
     }
-    std::vector<uint8_t> bytes(magic.begin(), magic.end());
+    std::vector<uint8_t> bytes(Magic.begin(), Magic.end());
     bytes.reserve(SessionHeadSize + state.size());
-    bytes.push_back(currentVersion);
+    bytes.push_back(CurrentVersion);
     bytes.push_back(isBypassed ? 1 : 0);
     bytes.insert(bytes.end(), state.begin(), state.end());
     return bytes;
@@ -42,14 +42,14 @@ std::optional<SessionBytes> DecodeSession(std::span<const uint8_t> bytes)
     if (bytes.size() <= SessionHeadSize) {
         return std::nullopt;
     }
-    if (!std::equal(magic.begin(), magic.end(), bytes.begin())) {
-        const bool isState = (bytes[streamAt] & methodMask) == methodDeflate;
+    if (!std::equal(Magic.begin(), Magic.end(), bytes.begin())) {
+        const bool isState = (bytes[StreamAt] & MethodMask) == MethodDeflate;
         return isState ? std::optional(SessionBytes{std::nullopt, bytes}) : std::nullopt;
     }
-    if (bytes[versionAt] != currentVersion || bytes[bypassAt] > 1) {
+    if (bytes[VersionAt] != CurrentVersion || bytes[BypassAt] > 1) {
         return std::nullopt;
     }
-    return SessionBytes{bytes[bypassAt] == 1, bytes.subspan(SessionHeadSize)};
+    return SessionBytes{bytes[BypassAt] == 1, bytes.subspan(SessionHeadSize)};
 }
 
 bool LoadSession(Instance& instance, std::span<const uint8_t> bytes)

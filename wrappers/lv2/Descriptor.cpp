@@ -19,7 +19,7 @@ Plugin& PluginOf(LV2_Handle handle)
 
 const Variant* FindVariant(const char* uri)
 {
-    for (const Variant& variant : variants) {
+    for (const Variant& variant : Variants) {
         if (std::string_view(uri) == variant.uri) {
             return &variant;
         }
@@ -87,15 +87,15 @@ LV2_State_Status Restore(LV2_Handle handle,
 
 const void* ExtensionData(const char* uri) noexcept
 {
-    static constexpr LV2_State_Interface state = {Save, Restore};
-    return std::string_view(uri) == LV2_STATE__interface ? &state : nullptr;
+    static constexpr LV2_State_Interface StateInterface = {Save, Restore};
+    return std::string_view(uri) == LV2_STATE__interface ? &StateInterface : nullptr;
 }
 
 template <std::size_t... Index>
 constexpr std::array<LV2_Descriptor, sizeof...(Index)>
 MakeDescriptors(std::index_sequence<Index...>)
 {
-    return {LV2_Descriptor{variants[Index].uri,
+    return {LV2_Descriptor{Variants[Index].uri,
                            Instantiate,
                            ConnectPort,
                            Activate,
@@ -105,7 +105,7 @@ MakeDescriptors(std::index_sequence<Index...>)
                            ExtensionData}...};
 }
 
-constexpr auto descriptors = MakeDescriptors(std::make_index_sequence<variants.size()>());
+constexpr auto Descriptors = MakeDescriptors(std::make_index_sequence<Variants.size()>());
 
 } // namespace
 
@@ -113,5 +113,5 @@ constexpr auto descriptors = MakeDescriptors(std::make_index_sequence<variants.s
 
 LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(uint32_t index)
 {
-    return index < Lv2::descriptors.size() ? &Lv2::descriptors[index] : nullptr;
+    return index < Lv2::Descriptors.size() ? &Lv2::Descriptors[index] : nullptr;
 }

@@ -14,7 +14,7 @@ namespace {
 // What a restored state sets on the UI side reaches the audio within the first block, after the
 // ports of that block: the second one sets them for good. Nothing as fine as Wrapper::LastWords is
 // needed: ports can be read again, and no state takes their word from them.
-constexpr uint32_t blocksAfterRestore = 2;
+constexpr uint32_t BlocksAfterRestore = 2;
 
 } // namespace
 
@@ -40,7 +40,7 @@ Plugin::Create(const Variant& variant, double sampleRate, const HostFeatures& ho
 
 Plugin::Plugin(const Variant& variant, const HostFeatures& host)
     : channels(variant.ChannelCount())
-    , stateKey(Map(host, stateUri))
+    , stateKey(Map(host, StateUri))
     , chunkType(Map(host, LV2_ATOM__Chunk))
 {
 }
@@ -162,7 +162,7 @@ LV2_State_Status Plugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State
         return LV2_STATE_ERR_UNKNOWN;
     }
     // Ports are what the host shows, so that they have the last word on what they stand for.
-    blocksToForce.store(blocksAfterRestore);
+    blocksToForce.store(BlocksAfterRestore);
     return LV2_STATE_SUCCESS;
 }
 

@@ -51,9 +51,9 @@ struct Variant {
 /// Identifiers stay for good: sessions hold them. Nothing is served at that address.
 #define PUFFGUARD_LV2_URI "https://puffguard.example/lv2/"
 
-inline constexpr const char* stateUri = PUFFGUARD_LV2_URI "state";
+inline constexpr const char* StateUri = PUFFGUARD_LV2_URI "state";
 
-inline constexpr std::array<Variant, 4> variants = {{
+inline constexpr std::array<Variant, 4> Variants = {{
     {PUFFGUARD_LV2_URI "mono", "mono", "MonoGroup", &Wrapper::Layouts::Mono},
     {PUFFGUARD_LV2_URI "stereo", "stereo", "StereoGroup", &Wrapper::Layouts::Stereo},
     {PUFFGUARD_LV2_URI "surround51",

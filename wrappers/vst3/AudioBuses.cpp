@@ -7,7 +7,7 @@ namespace Vst3 {
 
 namespace {
 
-constexpr uint32_t channelsOfBitset = 64;
+constexpr uint32_t ChannelsOfBitset = 64;
 
 uint32_t ChannelCountOf(const v3_audio_bus_buffers& bus)
 {
@@ -32,7 +32,7 @@ void FinishBus(v3_audio_bus_buffers& bus, uint32_t written, uint32_t frames)
         if (channel >= written) {
             std::fill_n(samples, frames, 0.0F);
         }
-        if (channel < channelsOfBitset && IsSilent(samples, frames)) {
+        if (channel < ChannelsOfBitset && IsSilent(samples, frames)) {
             bus.channel_silence_bitset |= uint64_t{1} << channel;
         }
     }

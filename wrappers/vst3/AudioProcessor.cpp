@@ -13,14 +13,14 @@ namespace Vst3 {
 
 const v3_audio_processor_cpp AudioProcessor::functions = {
     unknownTable,
-    {slot<&AudioProcessor::SetBusArrangements>,
-     slot<&AudioProcessor::GetBusArrangement>,
-     slot<&AudioProcessor::CanProcessSampleSize>,
-     slot<&AudioProcessor::GetLatencySamples>,
-     slot<&AudioProcessor::SetupProcessing>,
-     slot<&AudioProcessor::SetProcessing>,
-     slot<&AudioProcessor::Process>,
-     slot<&AudioProcessor::GetTailSamples>},
+    {Slot<&AudioProcessor::SetBusArrangements>,
+     Slot<&AudioProcessor::GetBusArrangement>,
+     Slot<&AudioProcessor::CanProcessSampleSize>,
+     Slot<&AudioProcessor::GetLatencySamples>,
+     Slot<&AudioProcessor::SetupProcessing>,
+     Slot<&AudioProcessor::SetProcessing>,
+     Slot<&AudioProcessor::Process>,
+     Slot<&AudioProcessor::GetTailSamples>},
 };
 
 AudioProcessor::AudioProcessor(Object& newOwner, Effect& newEffect)
@@ -169,7 +169,7 @@ uint32_t AudioProcessor::GetTailSamples() noexcept
 }
 
 const v3_process_context_requirements_cpp ContextRequirements::functions = {
-    unknownTable, {slot<&ContextRequirements::Get>}};
+    unknownTable, {Slot<&ContextRequirements::Get>}};
 
 ContextRequirements::ContextRequirements(Object& newOwner)
     : Interface{&functions, &newOwner}

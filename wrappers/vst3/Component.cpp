@@ -17,16 +17,16 @@ bool IsBus(int32_t media, int32_t direction, int32_t index)
 
 const v3_component_cpp Component::functions = {
     unknownTable,
-    {slot<&Component::Initialize>, slot<&Component::Terminate>},
-    {slot<&Component::GetControllerClassId>,
-     slot<&Component::SetIoMode>,
-     slot<&Component::GetBusCount>,
-     slot<&Component::GetBusInfo>,
-     slot<&Component::GetRoutingInfo>,
-     slot<&Component::ActivateBus>,
-     slot<&Component::SetActive>,
-     slot<&Component::SetState>,
-     slot<&Component::GetState>},
+    {Slot<&Component::Initialize>, Slot<&Component::Terminate>},
+    {Slot<&Component::GetControllerClassId>,
+     Slot<&Component::SetIoMode>,
+     Slot<&Component::GetBusCount>,
+     Slot<&Component::GetBusInfo>,
+     Slot<&Component::GetRoutingInfo>,
+     Slot<&Component::ActivateBus>,
+     Slot<&Component::SetActive>,
+     Slot<&Component::SetState>,
+     Slot<&Component::GetState>},
 };
 
 Component::Component(Object& newOwner, Effect& newEffect)

@@ -13,7 +13,7 @@ namespace Vst3 {
 
 namespace {
 
-constexpr size_t textLength = 128; // of every text that a host takes
+constexpr size_t TextLength = 128; // of every text that a host takes
 
 using Wrapper::Parameter;
 
@@ -44,20 +44,20 @@ std::string TextWithoutUnit(const Parameter& parameter, float normalised)
 
 const v3_edit_controller_cpp EditController::functions = {
     unknownTable,
-    {slot<&EditController::Initialize>, slot<&EditController::Terminate>},
-    {slot<&EditController::SetComponentState>,
-     slot<&EditController::SetState>,
-     slot<&EditController::GetState>,
-     slot<&EditController::GetParameterCount>,
-     slot<&EditController::GetParameterInfo>,
-     slot<&EditController::GetParameterStringForValue>,
-     slot<&EditController::GetParameterValueForString>,
-     slot<&EditController::NormalisedToPlain>,
-     slot<&EditController::PlainToNormalised>,
-     slot<&EditController::GetParameterNormalised>,
-     slot<&EditController::SetParameterNormalised>,
-     slot<&EditController::SetComponentHandler>,
-     slot<&EditController::CreateView>},
+    {Slot<&EditController::Initialize>, Slot<&EditController::Terminate>},
+    {Slot<&EditController::SetComponentState>,
+     Slot<&EditController::SetState>,
+     Slot<&EditController::GetState>,
+     Slot<&EditController::GetParameterCount>,
+     Slot<&EditController::GetParameterInfo>,
+     Slot<&EditController::GetParameterStringForValue>,
+     Slot<&EditController::GetParameterValueForString>,
+     Slot<&EditController::NormalisedToPlain>,
+     Slot<&EditController::PlainToNormalised>,
+     Slot<&EditController::GetParameterNormalised>,
+     Slot<&EditController::SetParameterNormalised>,
+     Slot<&EditController::SetComponentHandler>,
+     Slot<&EditController::CreateView>},
 };
 
 EditController::EditController(Object& newOwner, Effect& newEffect)
@@ -132,7 +132,7 @@ EditController::GetParameterStringForValue(v3_param_id id, double normalised, in
     if (parameter == nullptr || text == nullptr) {
         return V3_INVALID_ARG;
     }
-    CopyUtf16(TextWithoutUnit(*parameter, ToFraction(normalised)), std::span(text, textLength));
+    CopyUtf16(TextWithoutUnit(*parameter, ToFraction(normalised)), std::span(text, TextLength));
     return V3_OK;
 }
 

@@ -102,7 +102,7 @@ private:
     bool HasNewLatency() const noexcept;
 
     const std::shared_ptr<const Wrapper::Module> module;
-    Arrangement arrangement = defaultArrangement;
+    Arrangement arrangement = DefaultArrangement;
     double sampleRate = 44100;          // Hz
     std::atomic<bool> isStarted{false}; // all is there for the instance's notices
     bool isActive = false;

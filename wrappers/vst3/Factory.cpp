@@ -14,34 +14,34 @@ namespace Vst3 {
 namespace {
 
 /// Stays for good: sessions hold it.
-constexpr v3_tuid classId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
+constexpr v3_tuid ClassId = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
 
-constexpr const char* category = "Audio Module Class";
-constexpr const char* subCategories = "Fx|Restoration";
-constexpr const char* formatVersion = "VST 3.7.4"; // whose interfaces these are
-constexpr int32_t manyInstances = 0x7FFFFFFF;
-constexpr int32_t unicodeFlag = 0x10;
+constexpr const char* Category = "Audio Module Class";
+constexpr const char* SubCategories = "Fx|Restoration";
+constexpr const char* FormatVersion = "VST 3.7.4"; // whose interfaces these are
+constexpr int32_t ManyInstances = 0x7FFFFFFF;
+constexpr int32_t UnicodeFlag = 0x10;
 
 /// What stands in the same way in all three records of a class.
 template <typename Info>
 void FillClass(Info& info)
 {
     info = {};
-    std::copy_n(static_cast<const uint8_t*>(classId), sizeof(v3_tuid), info.class_id);
-    info.cardinality = manyInstances;
-    Wrapper::CopyText(category, info.category);
+    std::copy_n(static_cast<const uint8_t*>(ClassId), sizeof(v3_tuid), info.class_id);
+    info.cardinality = ManyInstances;
+    Wrapper::CopyText(Category, info.category);
 }
 
 } // namespace
 
 const v3_plugin_factory_cpp Factory::functions = {
     unknownTable,
-    {slot<&Factory::GetFactoryInfo>,
-     slot<&Factory::CountClasses>,
-     slot<&Factory::GetClassInfo>,
-     slot<&Factory::CreateInstance>},
-    {slot<&Factory::GetClassInfo2>},
-    {slot<&Factory::GetClassInfoUtf16>, slot<&Factory::SetHostContext>},
+    {Slot<&Factory::GetFactoryInfo>,
+     Slot<&Factory::CountClasses>,
+     Slot<&Factory::GetClassInfo>,
+     Slot<&Factory::CreateInstance>},
+    {Slot<&Factory::GetClassInfo2>},
+    {Slot<&Factory::GetClassInfoUtf16>, Slot<&Factory::SetHostContext>},
 };
 
 Factory::Factory()
@@ -67,7 +67,7 @@ v3_result Factory::GetFactoryInfo(v3_factory_info* info)
         return V3_INVALID_ARG;
     }
     *info = {};
-    info->flags = unicodeFlag;
+    info->flags = UnicodeFlag;
     if (module != nullptr) {
         Wrapper::CopyText(module->GetProduct().vendorLong, info->vendor);
     }
@@ -97,10 +97,10 @@ v3_result Factory::GetClassInfo2(int32_t index, v3_class_info_2* info)
     const Wrapper::Product& product = module->GetProduct();
     FillClass(*info);
     Wrapper::CopyText(product.displayName, info->name);
-    Wrapper::CopyText(subCategories, info->sub_categories);
+    Wrapper::CopyText(SubCategories, info->sub_categories);
     Wrapper::CopyText(product.vendorLong, info->vendor);
     Wrapper::CopyText(product.versionText, info->version);
-    Wrapper::CopyText(formatVersion, info->sdk_version);
+    Wrapper::CopyText(FormatVersion, info->sdk_version);
     return V3_OK;
 }
 
@@ -112,10 +112,10 @@ v3_result Factory::GetClassInfoUtf16(int32_t index, v3_class_info_3* info)
     const Wrapper::Product& product = module->GetProduct();
     FillClass(*info);
     CopyUtf16(product.displayName, info->name);
-    Wrapper::CopyText(subCategories, info->sub_categories);
+    Wrapper::CopyText(SubCategories, info->sub_categories);
     CopyUtf16(product.vendorLong, info->vendor);
     CopyUtf16(product.versionText, info->version);
-    CopyUtf16(formatVersion, info->sdk_version);
+    CopyUtf16(FormatVersion, info->sdk_version);
     return V3_OK;
 }
 
@@ -125,7 +125,7 @@ v3_result Factory::CreateInstance(const uint8_t* wantedClass, const uint8_t* iid
         return V3_INVALID_ARG;
     }
     *instance = nullptr;
-    if (!v3_tuid_match(wantedClass, classId)) {
+    if (!v3_tuid_match(wantedClass, ClassId)) {
         return V3_NO_INTERFACE;
     }
     if (module == nullptr) {

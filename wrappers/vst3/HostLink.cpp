@@ -7,7 +7,7 @@ namespace Vst3 {
 
 namespace {
 
-constexpr uint64_t tickMilliseconds = 100;
+constexpr uint64_t TickMilliseconds = 100;
 
 } // namespace
 
@@ -50,7 +50,7 @@ void HostLink::SetHandler(v3_component_handler** newHandler)
 void HostLink::StartTimer(HostReference<v3_run_loop> loop)
 {
     if (loop) {
-        timer->Start(std::move(loop), tickMilliseconds);
+        timer->Start(std::move(loop), TickMilliseconds);
     }
 }
 

@@ -76,6 +76,6 @@ constexpr auto MakeSlot(Result (Class::* /*method*/)(Arguments...))
     };
 }
 template <auto Method>
-inline constexpr auto slot = MakeSlot<Method>(Method);
+inline constexpr auto Slot = MakeSlot<Method>(Method);
 
 } // namespace Vst3

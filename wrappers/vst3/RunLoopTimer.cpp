@@ -16,7 +16,7 @@ v3_timer_handler** HandlerOf(Interface* interface)
 
 } // namespace
 
-const v3_timer_handler_cpp RunLoopTimer::functions = {unknownTable, {slot<&RunLoopTimer::OnTimer>}};
+const v3_timer_handler_cpp RunLoopTimer::functions = {unknownTable, {Slot<&RunLoopTimer::OnTimer>}};
 
 RunLoopTimer::RunLoopTimer(std::function<void()> newOnTick)
     : Interface{&functions, this}

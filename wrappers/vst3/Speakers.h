@@ -21,34 +21,34 @@ struct Arrangement {
 
 namespace Masks {
 
-inline constexpr v3_speaker_arrangement stereo = V3_SPEAKER_L | V3_SPEAKER_R;
-inline constexpr v3_speaker_arrangement surround51 =
-    stereo | V3_SPEAKER_C | V3_SPEAKER_LFE | V3_SPEAKER_LS | V3_SPEAKER_RS;
-inline constexpr v3_speaker_arrangement music71 = surround51 | V3_SPEAKER_SL | V3_SPEAKER_SR;
-inline constexpr v3_speaker_arrangement cinema71 = surround51 | V3_SPEAKER_LC | V3_SPEAKER_RC;
+inline constexpr v3_speaker_arrangement Stereo = V3_SPEAKER_L | V3_SPEAKER_R;
+inline constexpr v3_speaker_arrangement Surround51 =
+    Stereo | V3_SPEAKER_C | V3_SPEAKER_LFE | V3_SPEAKER_LS | V3_SPEAKER_RS;
+inline constexpr v3_speaker_arrangement Music71 = Surround51 | V3_SPEAKER_SL | V3_SPEAKER_SR;
+inline constexpr v3_speaker_arrangement Cinema71 = Surround51 | V3_SPEAKER_LC | V3_SPEAKER_RC;
 
 } // namespace Masks
 
 /// All that are served. A single left or centre speaker is mono in hosts that go by the number of
 /// channels, or by a film's layout; cinemas have two more speakers in front instead of at the
 /// sides.
-inline constexpr std::array<Arrangement, 7> arrangements = {{
-    {Masks::stereo, &Wrapper::Layouts::Stereo},
+inline constexpr std::array<Arrangement, 7> Arrangements = {{
+    {Masks::Stereo, &Wrapper::Layouts::Stereo},
     {V3_SPEAKER_M, &Wrapper::Layouts::Mono},
     {V3_SPEAKER_L, &Wrapper::Layouts::Mono},
     {V3_SPEAKER_C, &Wrapper::Layouts::Mono},
-    {Masks::surround51, &Wrapper::Layouts::Surround51},
-    {Masks::music71, &Wrapper::Layouts::Surround71},
-    {Masks::cinema71, &Wrapper::Layouts::Surround71},
+    {Masks::Surround51, &Wrapper::Layouts::Surround51},
+    {Masks::Music71, &Wrapper::Layouts::Surround71},
+    {Masks::Cinema71, &Wrapper::Layouts::Surround71},
 }};
 
 /// What a plug-in has before its host says anything else.
-inline constexpr const Arrangement& defaultArrangement = arrangements[0];
+inline constexpr const Arrangement& DefaultArrangement = Arrangements[0];
 
 /// Null when it isn't served.
 constexpr const Arrangement* FindArrangement(v3_speaker_arrangement mask)
 {
-    for (const Arrangement& arrangement : arrangements) {
+    for (const Arrangement& arrangement : Arrangements) {
         if (arrangement.mask == mask) {
             return &arrangement;
         }

@@ -11,14 +11,14 @@ namespace Vst3 {
 
 namespace {
 
-constexpr size_t pieceSize = 65536;
+constexpr size_t PieceSize = 65536;
 
 } // namespace
 
 std::vector<uint8_t> ReadAll(v3_bstream** stream)
 {
     std::vector<uint8_t> bytes;
-    std::vector<uint8_t> piece(pieceSize);
+    std::vector<uint8_t> piece(PieceSize);
     while (stream != nullptr) {
         int32_t count = 0;
         // The end is told by no bytes, with an error or without one.
@@ -38,7 +38,7 @@ std::vector<uint8_t> ReadAll(v3_bstream** stream)
 bool WriteAll(v3_bstream** stream, std::span<const uint8_t> bytes)
 {
     while (stream != nullptr && !bytes.empty()) {
-        const size_t wanted = std::min(bytes.size(), pieceSize);
+        const size_t wanted = std::min(bytes.size(), PieceSize);
         int32_t count = 0;
         // The stream doesn't write into them; its type only doesn't say so.
         const v3_result result = v3_cpp_obj(stream)->write(

@@ -65,9 +65,9 @@ private:
 /// A session, as formats keep it that save the bypass themselves, with this state of the module.
 inline std::vector<uint8_t> MakeHeadedSession(std::span<const uint8_t> state)
 {
-    constexpr std::array<uint8_t, 6> head = {'P', 'g', 'S', 's', 1, 0};
-    std::vector<uint8_t> session(head.size() + state.size());
-    std::copy(state.begin(), state.end(), std::copy(head.begin(), head.end(), session.begin()));
+    constexpr std::array<uint8_t, 6> Head = {'P', 'g', 'S', 's', 1, 0};
+    std::vector<uint8_t> session(Head.size() + state.size());
+    std::copy(state.begin(), state.end(), std::copy(Head.begin(), Head.end(), session.begin()));
     return session;
 }
 

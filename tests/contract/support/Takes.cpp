@@ -10,7 +10,7 @@ namespace Contract {
 namespace {
 
 // In a host's memory before a block; no take holds it.
-constexpr float leftover = 1234.5F;
+constexpr float Leftover = 1234.5F;
 
 std::string Place(size_t channel, size_t frame, float sample)
 {
@@ -29,7 +29,7 @@ Audio MakeSpeech(double rate, uint32_t channels, double seconds)
 Audio Play(FormatHost& host, const Audio& input, const std::function<uint32_t()>& nextBlock)
 {
     const auto frames = static_cast<uint32_t>(input[0].size());
-    Audio output(input.size(), std::vector<float>(frames, leftover));
+    Audio output(input.size(), std::vector<float>(frames, Leftover));
     bool isInPlace = false;
     for (uint32_t done = 0; done < frames; isInPlace = !isInPlace) {
         const uint32_t block = std::min(frames - done, nextBlock());

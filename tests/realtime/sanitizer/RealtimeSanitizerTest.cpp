@@ -29,9 +29,9 @@ using Contract::Audio;
 using Contract::Format;
 using Contract::FormatHost;
 
-constexpr double rate = 48000;
-constexpr uint32_t longest = 4096;
-constexpr int exitOfReport = 43; // the sanitizer's own
+constexpr double Rate = 48000;
+constexpr uint32_t Longest = 4096;
+constexpr int ExitOfReport = 43; // the sanitizer's own
 
 /// Runs all of `input` in blocks, with `between` before each.
 void Play(FormatHost& host,
@@ -50,9 +50,9 @@ class RealtimeSanitizer : public testing::TestWithParam<Format> {
 protected:
     void Make(uint32_t channels)
     {
-        host = GetParam().make(rate, channels);
+        host = GetParam().make(Rate, channels);
         ASSERT_NE(host, nullptr);
-        ASSERT_TRUE(host->Activate(rate, longest));
+        ASSERT_TRUE(host->Activate(Rate, Longest));
     }
 
     std::unique_ptr<FormatHost> host;
@@ -62,9 +62,9 @@ TEST_P(RealtimeSanitizer, FindsNothingWhileEveryControlMoves)
 {
     for (const uint32_t channels : {1U, 2U, 6U}) {
         Make(channels);
-        for (const uint32_t block : {1U, 64U, 480U, longest}) {
+        for (const uint32_t block : {1U, 64U, 480U, Longest}) {
             const uint32_t every = block < 64 ? 500 : 1;
-            const Audio input = Contract::MakeSpeech(rate, channels, block < 64 ? 0.1 : 0.8);
+            const Audio input = Contract::MakeSpeech(Rate, channels, block < 64 ? 0.1 : 0.8);
             Play(*host, input, block, [&](uint32_t number) {
                 if (number % every == 0) {
                     const uint32_t step = number / every;
@@ -81,9 +81,9 @@ TEST_P(RealtimeSanitizer, FindsNothingAfterAStateWasLoaded)
     Make(2);
     const std::vector<uint8_t> first = host->Save();
     host->SetParameter(1, 0.125F);
-    Contract::Play(*host, Audio(2, std::vector<float>(longest)), longest);
+    Contract::Play(*host, Audio(2, std::vector<float>(Longest)), Longest);
     const std::vector<uint8_t> second = host->Save();
-    Play(*host, Contract::MakeSpeech(rate, 2), 256, [&](uint32_t number) {
+    Play(*host, Contract::MakeSpeech(Rate, 2), 256, [&](uint32_t number) {
         if (number % 16 == 0) {
             ASSERT_TRUE(host->Load(number % 32 == 0 ? first : second));
         }
@@ -143,9 +143,9 @@ TEST_P(RealtimeSanitizer, WatchesFromTheFirstTouchOfTheHostsMemory)
         host->Process(&input, &output, 64);
         _exit(0);
     };
-    EXPECT_EXIT(run(true), testing::ExitedWithCode(exitOfReport), "mprotect");
+    EXPECT_EXIT(run(true), testing::ExitedWithCode(ExitOfReport), "mprotect");
     if (std::string_view(GetParam().name) != "Entry") {
-        EXPECT_EXIT(run(false), testing::ExitedWithCode(exitOfReport), "mprotect");
+        EXPECT_EXIT(run(false), testing::ExitedWithCode(ExitOfReport), "mprotect");
     }
 }
 
@@ -178,7 +178,7 @@ TEST(RealtimeSanitizerReport, NamesWhatMayWait)
     };
     kept = std::malloc(16);
     for (const auto& [report, commit] : misdeeds) {
-        EXPECT_EXIT(CallWatched(commit), testing::ExitedWithCode(exitOfReport), report);
+        EXPECT_EXIT(CallWatched(commit), testing::ExitedWithCode(ExitOfReport), report);
     }
 }
 
@@ -193,7 +193,7 @@ TEST(RealtimeSanitizerReport, PassesOverNamedLocksButNotOverWhatIsDoneUnderThem)
                     const Util::CriticalSectionGuard guard(section);
                     kept = std::malloc(16);
                 }),
-                testing::ExitedWithCode(exitOfReport),
+                testing::ExitedWithCode(ExitOfReport),
                 "malloc");
 }
 

@@ -30,7 +30,7 @@ Port Describe(const Plugin& plugin, bool isInput)
     EXPECT_TRUE(ports->get(plugin.Get(), 0, !isInput, &other));
     EXPECT_EQ(info.in_place_pair, other.id);
 
-    const auto* surround = plugin.Find<Clap::Abi::PluginSurround>(Clap::Abi::extSurround);
+    const auto* surround = plugin.Find<Clap::Abi::PluginSurround>(Clap::Abi::ExtSurround);
     std::vector<uint8_t> map(info.channel_count, 99);
     EXPECT_EQ(surround->getChannelMap(plugin.Get(), isInput, 0, map.data(), info.channel_count - 1),
               0U);
@@ -83,7 +83,7 @@ TEST_F(ClapAudioTest, EachConfigurationGivesItsPorts)
             EXPECT_EQ(port.type, expected[index].type);
             EXPECT_EQ(port.speakers, expected[index].speakers);
         }
-        ASSERT_TRUE(plugin.Activate(rate));
+        ASSERT_TRUE(plugin.Activate(Rate));
         EXPECT_FALSE(plugin.SelectConfig(config.id)) << "not while active";
         plugin.Deactivate();
     }
@@ -103,7 +103,7 @@ TEST_F(ClapAudioTest, MissingPortsAndChannelsDoNoHarm)
     EXPECT_EQ(plugin.Send(channels, channels, 64), CLAP_PROCESS_ERROR) << "not active";
     EXPECT_EQ(audio, speech);
 
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     EXPECT_EQ(plugin.Send(nullptr, nullptr, 64), CLAP_PROCESS_TAIL);
     // Double precision isn't offered, nor are lists of events required.
     double samples[64] = {};
@@ -115,8 +115,8 @@ TEST_F(ClapAudioTest, MissingPortsAndChannelsDoNoHarm)
 
     plugin.Reset(); // all of the silence above is forgotten
     port = {channels, nullptr, 1, 0, 3};
-    EXPECT_EQ(ProcessInPlace(plugin, port, rate), CLAP_PROCESS_TAIL);
-    EXPECT_EQ(audio[0], Contract::Expected({speech[0], std::vector<float>(rate)}, rate)[0]);
+    EXPECT_EQ(ProcessInPlace(plugin, port, Rate), CLAP_PROCESS_TAIL);
+    EXPECT_EQ(audio[0], Contract::Expected({speech[0], std::vector<float>(Rate)}, Rate)[0]);
     EXPECT_EQ(audio[1], speech[1]) << "one channel of two";
     EXPECT_EQ(port.constant_mask, 0U) << "an output that is never called constant";
 }
@@ -124,11 +124,11 @@ TEST_F(ClapAudioTest, MissingPortsAndChannelsDoNoHarm)
 TEST_F(ClapAudioTest, AfterItsTailThePluginIsSilent)
 {
     Plugin plugin(host);
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     const uint32_t length = plugin.Find<Clap::Abi::PluginTail>("clap.tail")->get(plugin.Get());
     Audio audio = Speech();
     for (auto& channel : audio) {
-        channel.resize(rate + length + rate);
+        channel.resize(Rate + length + Rate);
     }
     const Audio output = Contract::Play(plugin, audio, 512);
     const auto loudest = [&](uint32_t begin, uint32_t end) {
@@ -138,8 +138,8 @@ TEST_F(ClapAudioTest, AfterItsTailThePluginIsSilent)
         }
         return peak;
     };
-    EXPECT_GT(loudest(rate, rate + length), 0.0F) << "sound was still on its way";
-    EXPECT_LT(loudest(rate + length, rate + length + rate), 1e-6F); // -120 dB
+    EXPECT_GT(loudest(Rate, Rate + length), 0.0F) << "sound was still on its way";
+    EXPECT_LT(loudest(Rate + length, Rate + length + Rate), 1e-6F); // -120 dB
 }
 
 TEST_F(ClapAudioTest, RenderingIsOfferedForBothModes)

@@ -77,7 +77,7 @@ TEST_F(ClapEntryTest, AScanFindsOneEffectThatSaysWhatItIs)
     const clap_plugin_descriptor_t* descriptor = factory->get_plugin_descriptor(factory, 0);
     ASSERT_NE(descriptor, nullptr);
     EXPECT_TRUE(clap_version_is_compatible(descriptor->clap_version));
-    EXPECT_STREQ(descriptor->id, ClapHost::pluginId);
+    EXPECT_STREQ(descriptor->id, ClapHost::PluginId);
     for (const char* word :
          {descriptor->name, descriptor->vendor, descriptor->version, descriptor->description}) {
         ASSERT_NE(word, nullptr);
@@ -98,14 +98,14 @@ TEST_F(ClapEntryTest, WhatIsUnknownIsNotMade)
     EXPECT_EQ(use.GetEntry()->get_factory("clap.other-factory"), nullptr);
     EXPECT_EQ(use.GetEntry()->get_factory(nullptr), nullptr);
     const clap_plugin_factory_t* factory = use.GetFactory();
-    const std::string longer = std::string(ClapHost::pluginId) + ".";
+    const std::string longer = std::string(ClapHost::PluginId) + ".";
     for (const char* id : {"", "example.puffguard", longer.c_str()}) {
         EXPECT_EQ(factory->create_plugin(factory, host->Get(), id), nullptr) << id;
     }
-    EXPECT_EQ(factory->create_plugin(factory, nullptr, ClapHost::pluginId), nullptr);
+    EXPECT_EQ(factory->create_plugin(factory, nullptr, ClapHost::PluginId), nullptr);
     clap_host_t old = *host->Get();
     old.clap_version = {0, 26, 0};
-    EXPECT_EQ(factory->create_plugin(factory, &old, ClapHost::pluginId), nullptr);
+    EXPECT_EQ(factory->create_plugin(factory, &old, ClapHost::PluginId), nullptr);
 }
 
 TEST_F(ClapEntryTest, TheLibraryIsInUseUntilItsLastUserEnds)
@@ -198,9 +198,9 @@ TEST_F(ClapEntryTest, WhatIsMissingInACallIsRefused)
     const auto* ports = plugin.Find<clap_plugin_audio_ports_t>(CLAP_EXT_AUDIO_PORTS);
     EXPECT_FALSE(ports->get(self, 0, true, nullptr));
     using namespace Clap::Abi;
-    const auto* configs = plugin.Find<PluginAudioPortsConfig>(extAudioPortsConfig);
+    const auto* configs = plugin.Find<PluginAudioPortsConfig>(ExtAudioPortsConfig);
     EXPECT_FALSE(configs->get(self, 0, nullptr));
-    const auto* surround = plugin.Find<PluginSurround>(extSurround);
+    const auto* surround = plugin.Find<PluginSurround>(ExtSurround);
     EXPECT_EQ(surround->getChannelMap(self, true, 0, nullptr, 8), 0U);
 }
 
@@ -208,7 +208,7 @@ TEST_F(ClapEntryTest, NothingIsOfferedBeforeInit)
 {
     const Use use;
     const clap_plugin_factory_t* factory = use.GetFactory();
-    const clap_plugin_t* plugin = factory->create_plugin(factory, host->Get(), ClapHost::pluginId);
+    const clap_plugin_t* plugin = factory->create_plugin(factory, host->Get(), ClapHost::PluginId);
     ASSERT_NE(plugin, nullptr);
     EXPECT_EQ(plugin->get_extension(plugin, CLAP_EXT_PARAMS), nullptr);
     EXPECT_FALSE(plugin->activate(plugin, 48000, 1, 64));

@@ -85,8 +85,8 @@ TEST_F(ClapPluginTest, AnEventCutsTheBlockAtItsSample)
     for (const uint32_t step : {1000U, 100U, 10U}) {
         // The same changes as events of one block, and before blocks that end where they are.
         Plugin other(host);
-        ASSERT_TRUE(plugin.Activate(rate));
-        ASSERT_TRUE(other.Activate(rate));
+        ASSERT_TRUE(plugin.Activate(Rate));
+        ASSERT_TRUE(other.Activate(Rate));
         InputEvents events;
         uint32_t time = 0;
         const Audio cut = Contract::Play(other, Speech(), [&] {
@@ -115,7 +115,7 @@ TEST_F(ClapPluginTest, FlushedOrProcessedAValueIsTheSame)
             one.Flush(&events, nullptr);
             EXPECT_EQ(one.GetValue(strength), 8.0);
         }
-        ASSERT_TRUE(one.Activate(rate));
+        ASSERT_TRUE(one.Activate(Rate));
         if (way == Way::Flushed) {
             one.Flush(&events, nullptr);
         } else if (way == Way::InABlockOfNone) {
@@ -128,7 +128,7 @@ TEST_F(ClapPluginTest, FlushedOrProcessedAValueIsTheSame)
 
 TEST_F(ClapPluginTest, WhatIsNotMeantForUsChangesNothing)
 {
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     InputEvents events;
     events.AddValue(0, strength, 9.0, 1); // a foreign space
     events.AddValue(
@@ -143,7 +143,7 @@ TEST_F(ClapPluginTest, WhatIsNotMeantForUsChangesNothing)
 TEST_F(ClapPluginTest, TimesOutOfOrderAreBroughtIn)
 {
     const clap_id bypass = plugin.Describe(TestHost::GlobalBypass).id;
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     InputEvents events;
     events.AddValue(40, strength, 3.0);
     events.AddValue(1U << 30U, strength, 9.99); // after the block's end

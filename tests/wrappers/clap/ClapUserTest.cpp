@@ -40,7 +40,7 @@ TEST_F(ClapUserTest, AGestureReachesTheHostWholeByFlushOrBlock)
     plugin.Flush(nullptr, &flushed);
     EXPECT_EQ(flushed.texts, expected);
 
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     Do('g', 0, 51);
     OutputEvents processed;
     plugin.Send(nullptr, nullptr, 64, nullptr, &processed);
@@ -128,7 +128,7 @@ TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
     ASSERT_NE(library, nullptr) << dlerror();
     const auto turn = reinterpret_cast<float (*)(float)>(dlsym(library, "TurnUserModule"));
     ASSERT_NE(turn, nullptr) << dlerror();
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     InputEvents events;
     events.AddValue(0, amountId, 64.0);
     plugin.Send(nullptr, nullptr, 64, &events);
@@ -158,7 +158,7 @@ TEST_F(ClapUserTest, AChangedStateMarksTheSessionOnTheMainThread)
 
 TEST_F(ClapUserTest, ALatencyAsksForOneRestartAndOneThatComesBackForNone)
 {
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     Do('l', 100);
     Do('l', 0);
     plugin.Idle();
@@ -176,11 +176,11 @@ TEST_F(ClapUserTest, ALatencyAsksForOneRestartAndOneThatComesBackForNone)
 
 TEST_F(ClapUserTest, LatencyAndTailStayWhatTheyWereUntilTheRestart)
 {
-    const auto* tail = plugin.Find<Clap::Abi::PluginTail>(Clap::Abi::extTail);
+    const auto* tail = plugin.Find<Clap::Abi::PluginTail>(Clap::Abi::ExtTail);
     const auto read = [&] { return std::pair(plugin.GetLatency(), tail->get(plugin.Get())); };
     using Samples = std::pair<uint32_t, uint32_t>;
     Do('l', 30);
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     EXPECT_EQ(read(), Samples(30, 30));
     plugin.Send(nullptr, nullptr, 64);
     EXPECT_EQ(host->tailChanges, 1U);
@@ -190,7 +190,7 @@ TEST_F(ClapUserTest, LatencyAndTailStayWhatTheyWereUntilTheRestart)
     plugin.Deactivate();
     EXPECT_EQ(read(), Samples(100, 100));
     EXPECT_EQ(host->latencyChanges, 1U);
-    ASSERT_TRUE(plugin.Activate(rate));
+    ASSERT_TRUE(plugin.Activate(Rate));
     EXPECT_EQ(read(), Samples(100, 100));
     EXPECT_EQ(host->latencyChanges, 2U);
     EXPECT_EQ(host->tailChanges, 1U);

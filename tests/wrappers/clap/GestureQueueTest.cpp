@@ -10,14 +10,14 @@ using Clap::GestureQueue;
 
 TEST(GestureQueueTest, LosesNothingOfSeveralThreadsThatItHasTaken)
 {
-    constexpr uint32_t producers = 3;
-    constexpr uint32_t each = 20000;
+    constexpr uint32_t Producers = 3;
+    constexpr uint32_t Each = 20000;
     GestureQueue queue;
     std::vector<std::thread> threads;
-    for (uint32_t number = 0; number < producers; ++number) {
+    for (uint32_t number = 0; number < Producers; ++number) {
         threads.emplace_back([&queue, number] {
-            for (uint32_t i = 0; i < each;) {
-                if (queue.Push({Gesture::Kind::Change, i * producers + number})) {
+            for (uint32_t i = 0; i < Each;) {
+                if (queue.Push({Gesture::Kind::Change, i * Producers + number})) {
                     ++i;
                 } else {
                     std::this_thread::yield();
@@ -25,11 +25,11 @@ TEST(GestureQueueTest, LosesNothingOfSeveralThreadsThatItHasTaken)
             }
         });
     }
-    uint32_t next[producers] = {};
-    for (uint32_t count = 0; count < producers * each;) {
+    uint32_t next[Producers] = {};
+    for (uint32_t count = 0; count < Producers * Each;) {
         if (const auto gesture = queue.Peek()) {
-            const uint32_t number = gesture->parameter % producers;
-            EXPECT_EQ(gesture->parameter / producers, next[number]++);
+            const uint32_t number = gesture->parameter % Producers;
+            EXPECT_EQ(gesture->parameter / Producers, next[number]++);
             queue.Pop();
             ++count;
         } else {

@@ -65,13 +65,13 @@ TEST_F(CommandPresets, OneOfTheUsersOwnHasANameAndAComment)
     EXPECT_EQ(entry["from"], "user");
     EXPECT_EQ(entry["comment"], comment);
     EXPECT_TRUE(std::filesystem::exists(entry["file"].get<std::string>()));
-    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
+    EXPECT_EQ(Value({"--preset", "Mine"}, Strength), 7.5);
     for (const char* same : {"Mine", "MINE"}) {
         ExpectRefusal({"--strength", "1", "--save-preset", same}, 1, "Mine.xml: exists already");
     }
-    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 7.5);
+    EXPECT_EQ(Value({"--preset", "Mine"}, Strength), 7.5);
     Say({"--strength", "2.5", "--save-preset", "Mine", "--force"});
-    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 2.5);
+    EXPECT_EQ(Value({"--preset", "Mine"}, Strength), 2.5);
 }
 
 TEST_F(CommandPresets, ABrokenOneIsListedAndRefused)
@@ -82,7 +82,7 @@ TEST_F(CommandPresets, ABrokenOneIsListedAndRefused)
     WriteBytes(bad, ReadBytes(good).substr(0, 30));
     EXPECT_EQ(Find("Broken")["problem"], "Error: invalid preset, please select another.");
     ExpectRefusal({input, "--preset", "Broken"}, 2, "Broken");
-    EXPECT_EQ(Value({"--preset", "Mine"}, strength), 5.0);
+    EXPECT_EQ(Value({"--preset", "Mine"}, Strength), 5.0);
 }
 
 TEST_F(CommandPresets, WhatCantBeUsedStopsTheRunBeforeItBegins)
@@ -130,7 +130,7 @@ TEST_F(CommandPresets, ASessionOfSomethingElseIsNoSession)
     for (const char* end : {"0", "10"}) {
         const Words all = {"--sensitivity", end, "--strength", end, "--state-out", state, "-f"};
         Say(all);
-        EXPECT_EQ(Value({"--state-in", state}, strength), std::stod(end));
+        EXPECT_EQ(Value({"--state-in", state}, Strength), std::stod(end));
     }
 }
 
@@ -200,7 +200,7 @@ TEST_F(CommandPresets, WhatTheRunReadsIsNotWrittenOverEvenWithForce)
     EXPECT_EQ(ReadBytes(preset) + ReadBytes(state), before);
     // But either may be brought up to date.
     Say({"-f", "--preset", preset, "--strength", "7", "--save-preset", preset});
-    EXPECT_EQ(Value({"--preset", preset}, strength), 7.0);
+    EXPECT_EQ(Value({"--preset", preset}, Strength), 7.0);
 }
 
 TEST_F(CommandPresets, TargetsThatAreNoFiles)

@@ -89,7 +89,7 @@ TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
 {
     Words words = {"--print-params", "--json", "--bypass"};
     Json expected = {{"bypass", true}};
-    for (const Cli::Control& control : Cli::controlTable) {
+    for (const Cli::Control& control : Cli::ControlTable) {
         const double value = control.least + (control.most - control.least) / 4;
         words.insert(words.end(), {control.option, std::to_string(value)});
         expected[control.member] = value;
@@ -97,7 +97,7 @@ TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
     size_t found = 0;
     const Json printed = Json::parse(Say(words));
     for (const Json& parameter : printed["parameters"]) {
-        for (const Cli::Control& control : Cli::controlTable) {
+        for (const Cli::Control& control : Cli::ControlTable) {
             if (parameter["name"] == control.parameter) {
                 ++found;
                 EXPECT_EQ(parameter["minimum"], control.least) << control.option;
@@ -106,7 +106,7 @@ TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
             }
         }
     }
-    EXPECT_EQ(found, Cli::controlTable.size());
+    EXPECT_EQ(found, Cli::ControlTable.size());
     Succeed(Join(words, {input, "-n", "--events", folder / "e.json"}));
     EXPECT_EQ(Events()["parameters"], expected);
     EXPECT_TRUE(Events()["events"].empty()) << "in spite of the bypass";

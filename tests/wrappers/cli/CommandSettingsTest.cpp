@@ -79,10 +79,10 @@ TEST_F(CommandSettings, AnOptionWinsOverThePresetAndThePresetOverTheSession)
     text.erase(begin, text.find('>', begin) + 1 - begin);
     WriteBytes(preset, text);
     const Words all = {"--state-in", state, "--preset", preset, "--upper-frequency", "333"};
-    EXPECT_EQ(Value(all, sensitivity), 1.0);
-    EXPECT_EQ(Value(all, strength), 4.0);
-    EXPECT_EQ(Value(all, upperFrequency), 333.0);
-    EXPECT_EQ(Value(all, latencyScaling), 1.0);
+    EXPECT_EQ(Value(all, Sensitivity), 1.0);
+    EXPECT_EQ(Value(all, Strength), 4.0);
+    EXPECT_EQ(Value(all, UpperFrequency), 333.0);
+    EXPECT_EQ(Value(all, LatencyScaling), 1.0);
     EXPECT_EQ(Repair(all),
               Repair({"--sensitivity", "1", "--strength", "4", "--upper-frequency", "333"}));
 }
@@ -152,9 +152,9 @@ TEST_F(CommandSettings, ThePrintedTableHoldsWhatIsInForce)
         text.erase(std::unique(text.begin(), text.end(), isRun), text.end());
         return text;
     };
-    EXPECT_EQ(squeezed(line(upperFrequency)),
+    EXPECT_EQ(squeezed(line(UpperFrequency)),
               "PuffGuard.Upper Repair Frequency 113.7 50 to 500 200 Hz");
-    EXPECT_EQ(squeezed(line(strength)), "PuffGuard.Strength 8.25 0 to 10 5");
+    EXPECT_EQ(squeezed(line(Strength)), "PuffGuard.Strength 8.25 0 to 10 5");
     EXPECT_EQ(squeezed(line("Global.Global Bypass")), "Global.Global Bypass off off, on off");
     // With a recording, and even when nothing else is to be said.
     EXPECT_EQ(Say(Join({input, "-nq", "--print-params"}, words)), table);

@@ -10,7 +10,7 @@ namespace {
 
 using Offsets = std::vector<uint32_t>;
 
-constexpr int none = -1;
+constexpr int None = -1;
 
 /// Where the pieces of 2500 frames of two channels begin, with the second output in this memory:
 /// 0 and 1 are the inputs, 2 is the first output.
@@ -18,7 +18,7 @@ Offsets CutOf(int second)
 {
     std::vector<std::vector<float>> memory(4, std::vector<float>(2500));
     const float* inputs[2] = {memory[0].data(), memory[1].data()};
-    float* outputs[2] = {memory[2].data(), second == none ? nullptr : memory[second].data()};
+    float* outputs[2] = {memory[2].data(), second == None ? nullptr : memory[second].data()};
     Wrapper::BlockBuffers buffers;
     buffers.SetChannels(2);
     Offsets offsets;
@@ -40,7 +40,7 @@ TEST(BlockBuffersTest, OnlyWhatNeedsACopyIsCut)
     for (const int plain : {1, 3}) {
         EXPECT_EQ(CutOf(plain), Offsets{0});
     }
-    for (const int shared : {0, 2, none}) {
+    for (const int shared : {0, 2, None}) {
         EXPECT_EQ(CutOf(shared), (Offsets{0, 1024, 2048}));
     }
 }

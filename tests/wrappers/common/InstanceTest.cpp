@@ -49,20 +49,20 @@ TEST_F(InstanceTest, AFormatThatCannotBeServedChangesNothing)
 
 TEST_F(InstanceTest, AnImpulseInEachOfManyChannelsComesOutAtTheLatencyUnderBypass)
 {
-    constexpr uint32_t channels = 24;
-    const auto instance = Create(PUFFGUARD_MODULE, channels);
+    constexpr uint32_t Channels = 24;
+    const auto instance = Create(PUFFGUARD_MODULE, Channels);
     ASSERT_NE(instance, nullptr);
     instance->SetParameter(Side::UI, *instance->GetBypassIndex(), 1.0F);
     instance->Activate();
     const uint32_t latency = instance->GetLatency(Side::Process);
-    std::vector<std::vector<float>> audio(channels, std::vector<float>(latency + 100));
+    std::vector<std::vector<float>> audio(Channels, std::vector<float>(latency + 100));
     std::vector<float*> pointers;
-    for (uint32_t c = 0; c < channels; ++c) {
+    for (uint32_t c = 0; c < Channels; ++c) {
         audio[c][c] = 1.0F;
         pointers.push_back(audio[c].data());
     }
     instance->Process({pointers.data(), pointers.data(), latency + 100}, 0.0);
-    for (uint32_t c = 0; c < channels; ++c) {
+    for (uint32_t c = 0; c < Channels; ++c) {
         std::vector<float> expected(latency + 100);
         expected[latency + c] = 1.0F;
         EXPECT_EQ(audio[c], expected) << "channel " << c;
@@ -96,15 +96,15 @@ TEST_F(InstanceTest, FromARefusedPieceOnABlockStaysAsItWas)
 {
     const auto instance = Create(FAKE_MODULE);
     ASSERT_NE(instance, nullptr);
-    constexpr uint32_t piece = Wrapper::BlockBuffers::PieceFrames;
-    std::vector<float> input(3 * piece, 0.25F);
-    input[piece] = 2.0F; // is refused
+    constexpr uint32_t Piece = Wrapper::BlockBuffers::PieceFrames;
+    std::vector<float> input(3 * Piece, 0.25F);
+    input[Piece] = 2.0F; // is refused
     std::vector<float> expected = input;
-    std::fill_n(expected.begin(), piece, -0.25F);
+    std::fill_n(expected.begin(), Piece, -0.25F);
     std::vector<float> output(input.size());
     const float* inputs[2] = {input.data(), input.data()};
     float* outputs[2] = {output.data(), nullptr}; // so that it goes in pieces
-    EXPECT_FALSE(instance->Process({inputs, outputs, 3 * piece}, std::nullopt));
+    EXPECT_FALSE(instance->Process({inputs, outputs, 3 * Piece}, std::nullopt));
     EXPECT_EQ(output, expected);
 }
 

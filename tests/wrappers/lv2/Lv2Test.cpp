@@ -14,21 +14,21 @@ using Lv2Host::Saved;
 
 namespace {
 
-constexpr uint32_t rate = 48000;
+constexpr uint32_t Rate = 48000;
 
 class Lv2Test : public testing::Test {
 protected:
     static void SetUpTestSuite() { ASSERT_NE(TestHost::Entry(), nullptr); }
 
-    const Audio speech = Contract::MakeSpeech(rate, 2);
-    const Audio expected = Contract::Expected(speech, rate);
+    const Audio speech = Contract::MakeSpeech(Rate, 2);
+    const Audio expected = Contract::Expected(speech, Rate);
 };
 
 } // namespace
 
 TEST_F(Lv2Test, AHostThatNeverActivatesOffersNothingAndConnectsNoControlsIsServed)
 {
-    Plugin plugin(2, rate, Plugin::Manner::Bare);
+    Plugin plugin(2, Rate, Plugin::Manner::Bare);
     ASSERT_TRUE(plugin);
     plugin.Run(64); // nothing is connected at all
     plugin.Run(0);
@@ -46,7 +46,7 @@ TEST_F(Lv2Test, AHostThatNeverActivatesOffersNothingAndConnectsNoControlsIsServe
 
 TEST_F(Lv2Test, APortThatHoldsNoNumberIsPassedOver)
 {
-    Plugin plugin(2, rate);
+    Plugin plugin(2, Rate);
     for (uint32_t port = 0; port < Lv2Host::Latency; ++port) {
         plugin.SetParameter(port, std::numeric_limits<float>::quiet_NaN());
     }
@@ -55,7 +55,7 @@ TEST_F(Lv2Test, APortThatHoldsNoNumberIsPassedOver)
 
 TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
 {
-    Plugin plugin(1, rate);
+    Plugin plugin(1, Rate);
     plugin.SetParameter(Lv2Host::Strength, 0.75F);
     plugin.Run(0);
     std::optional<Saved> good;

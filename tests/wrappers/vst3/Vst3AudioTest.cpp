@@ -13,20 +13,20 @@ using Contract::Audio;
 using Vst3Host::Changes;
 using Vst3Host::Plugin;
 using Vst3Host::Point;
-using Vst3Host::Id::bypass;
-using Vst3Host::Id::strength;
+using Vst3Host::Id::Bypass;
+using Vst3Host::Id::Strength;
 
 namespace {
 
-constexpr uint32_t rate = 48000;
+constexpr uint32_t Rate = 48000;
 
 Audio Speech()
 {
-    return Contract::MakeSpeech(rate, 2, 1.0);
+    return Contract::MakeSpeech(Rate, 2, 1.0);
 }
 
 /// What the module makes of speech. Changes happen where the points are, at the ends of blocks.
-Audio Expected(const std::vector<Point>& strengths = {}, float sampleRate = rate)
+Audio Expected(const std::vector<Point>& strengths = {}, float sampleRate = Rate)
 {
     Audio audio = Speech();
     TestHost::Instance direct(sampleRate, 2);
@@ -41,7 +41,7 @@ Audio Expected(const std::vector<Point>& strengths = {}, float sampleRate = rate
         run(static_cast<uint32_t>(point.offset));
         direct.Set(TestHost::Strength, static_cast<float>(point.value), TestHost::Process);
     }
-    run(rate);
+    run(Rate);
     return audio;
 }
 
@@ -72,9 +72,9 @@ TEST_F(Vst3AudioTest, WhileActiveFormatsAreRefusedAndTheAudioGoesOn)
     const Audio output = Contract::Play(plugin, Speech(), [&] {
         if (++number == 40) {
             EXPECT_NE(plugin.Setup(96000), V3_OK);
-            EXPECT_NE(plugin.Arrange(Vst3Host::mono, Vst3Host::mono), V3_OK);
-            EXPECT_EQ(plugin.Setup(rate), V3_OK);
-            EXPECT_EQ(plugin.Arrange(Vst3Host::stereo, Vst3Host::stereo), V3_OK);
+            EXPECT_NE(plugin.Arrange(Vst3Host::Mono, Vst3Host::Mono), V3_OK);
+            EXPECT_EQ(plugin.Setup(Rate), V3_OK);
+            EXPECT_EQ(plugin.Arrange(Vst3Host::Stereo, Vst3Host::Stereo), V3_OK);
             EXPECT_EQ(plugin.component->SetActive(1), V3_OK);
         }
         return 512U;
@@ -90,7 +90,7 @@ TEST_F(Vst3AudioTest, AHostThatSetsUpAndActivatesNothingIsServed)
     float* pointers[2] = {audio[0].data(), audio[1].data()};
     v3_audio_bus_buffers bus = {2, 0, {pointers}};
     v3_process_data data = {};
-    data.nframes = rate;
+    data.nframes = Rate;
     data.num_input_buses = data.num_output_buses = 1;
     data.inputs = data.outputs = &bus;
     const auto processor =
@@ -128,13 +128,13 @@ TEST_F(Vst3AudioTest, PointsCutTheBlockAtTheirSampleWhateverTheirQueuesHold)
         Changes changes;
         changes.missing = 2;
         changes.Add(12345, {{0, 1.0}});
-        changes.Add(bypass, {});
+        changes.Add(Bypass, {});
         for (const std::vector<Point>& points : queues) {
-            changes.Add(strength, points);
+            changes.Add(Strength, points);
         }
         Audio audio = Speech();
         float* pointers[2] = {audio[0].data(), audio[1].data()};
-        EXPECT_EQ(plugin.Send(pointers, pointers, rate, {&changes}), V3_OK);
+        EXPECT_EQ(plugin.Send(pointers, pointers, Rate, {&changes}), V3_OK);
         EXPECT_EQ(audio, Expected(heard));
     }
     for (const std::vector<Point>& half : halves) {
@@ -148,7 +148,7 @@ TEST_F(Vst3AudioTest, ABlockOfNoFramesTakesTheLastPointWithOrWithoutMemory)
         Plugin plugin;
         plugin.Start();
         Changes changes;
-        changes.Add(strength, {{0, 0.25}, {100, 1.0}});
+        changes.Add(Strength, {{0, 0.25}, {100, 1.0}});
         float sample = 0.5F;
         float* pointers[2] = {&sample, &sample};
         float** bus = hasMemory ? pointers : nullptr;
@@ -160,12 +160,12 @@ TEST_F(Vst3AudioTest, ABlockOfNoFramesTakesTheLastPointWithOrWithoutMemory)
     Plugin plugin;
     plugin.Start();
     Changes changes;
-    changes.Add(strength, {{999, 1.0}});
+    changes.Add(Strength, {{999, 1.0}});
     Audio audio = Speech();
     float* pointers[2] = {audio[0].data(), audio[1].data()};
     plugin.Send(pointers, pointers, 100, {&changes});
     float* rest[2] = {audio[0].data() + 100, audio[1].data() + 100};
-    plugin.Send(rest, rest, rate - 100);
+    plugin.Send(rest, rest, Rate - 100);
     EXPECT_EQ(audio, Expected({{100, 1.0}}));
 }
 
@@ -185,7 +185,7 @@ TEST_F(Vst3AudioTest, BlocksThatCannotBeAreRefusedAndLeaveTheMemoryAlone)
     data.symbolic_sample_size = V3_SAMPLE_64;
     EXPECT_NE(plugin.processor->Process(&data), V3_OK);
     EXPECT_EQ(audio, Speech());
-    v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, rate};
+    v3_process_setup doubles = {V3_REALTIME, V3_SAMPLE_64, 64, Rate};
     EXPECT_NE(plugin.processor->SetupProcessing(&doubles), V3_OK);
 }
 
@@ -195,19 +195,19 @@ TEST_F(Vst3AudioTest, BusesMayBeMissingAndNoInputIsSilence)
     const float* inputs[2] = {speech[0].data(), speech[1].data()};
     Plugin plugin;
     plugin.Start();
-    EXPECT_EQ(plugin.Send(inputs, nullptr, rate), V3_OK);
-    EXPECT_EQ(plugin.Send(nullptr, nullptr, rate), V3_OK);
+    EXPECT_EQ(plugin.Send(inputs, nullptr, Rate), V3_OK);
+    EXPECT_EQ(plugin.Send(nullptr, nullptr, Rate), V3_OK);
     plugin.processor->SetProcessing(1);
-    std::vector<float> output(rate, 1.0F);
+    std::vector<float> output(Rate, 1.0F);
     float* outputs[2] = {output.data(), nullptr};
-    EXPECT_EQ(plugin.Send(nullptr, outputs, rate), V3_OK);
-    EXPECT_EQ(output, std::vector<float>(rate));
+    EXPECT_EQ(plugin.Send(nullptr, outputs, Rate), V3_OK);
+    EXPECT_EQ(output, std::vector<float>(Rate));
 }
 
 TEST_F(Vst3AudioTest, SilentOutputsAreMarkedAndOthersAreNot)
 {
     Plugin plugin;
-    plugin.controller->SetValue(bypass, 1.0); // so that silence comes out exactly
+    plugin.controller->SetValue(Bypass, 1.0); // so that silence comes out exactly
     plugin.Start();
     const uint32_t latency = plugin.processor->GetLatencySamples();
     EXPECT_GE(plugin.processor->GetTailSamples(), latency);

@@ -14,13 +14,13 @@ using Vst3Host::Held;
 using Vst3Host::Query;
 using Vst3Host::Text16;
 using Vst3Host::TextOf;
-using Vst3Host::Id::bypass;
-using Vst3Host::Id::strength;
-using Vst3Host::Id::upperFrequency;
+using Vst3Host::Id::Bypass;
+using Vst3Host::Id::Strength;
+using Vst3Host::Id::UpperFrequency;
 
 namespace {
 
-constexpr v3_tuid unknownIid = V3_ID(0x01234567, 0x89ABCDEF, 0x01234567, 0x89ABCDEF);
+constexpr v3_tuid UnknownIid = V3_ID(0x01234567, 0x89ABCDEF, 0x01234567, 0x89ABCDEF);
 
 class Vst3PluginTest : public testing::Test {
 protected:
@@ -59,7 +59,7 @@ TEST_F(Vst3PluginTest, TheFactorySaysTheSameInAllItsVersions)
     EXPECT_EQ(TextOf(third.version), second.version);
     EXPECT_TRUE(v3_tuid_match(first.class_id, second.class_id));
     EXPECT_TRUE(v3_tuid_match(first.class_id, third.class_id));
-    EXPECT_TRUE(v3_tuid_match(first.class_id, Vst3Host::Id::effect));
+    EXPECT_TRUE(v3_tuid_match(first.class_id, Vst3Host::Id::Effect));
 }
 
 TEST_F(Vst3PluginTest, TheFactoryDeclinesWhatItDoesNotHave)
@@ -78,8 +78,8 @@ TEST_F(Vst3PluginTest, TheFactoryDeclinesWhatItDoesNotHave)
     const struct {
         const uint8_t* classId;
         const uint8_t* iid;
-    } cases[] = {{unknownIid, v3_component_iid},
-                 {info.class_id, unknownIid},
+    } cases[] = {{UnknownIid, v3_component_iid},
+                 {info.class_id, UnknownIid},
                  {nullptr, v3_component_iid},
                  {info.class_id, nullptr}};
     for (const auto& [classId, iid] : cases) {
@@ -113,7 +113,7 @@ TEST_F(Vst3PluginTest, EveryInterfaceLeadsToEveryOtherAndTheLastReferenceEndsThe
                       Query<Vst3Host::IUnknown>(*component, to));
         }
         void* object = &object;
-        EXPECT_EQ(start->QueryInterface(unknownIid, &object), V3_NO_INTERFACE);
+        EXPECT_EQ(start->QueryInterface(UnknownIid, &object), V3_NO_INTERFACE);
         EXPECT_EQ(object, nullptr);
         EXPECT_NE(start->QueryInterface(from, nullptr), V3_OK);
     }
@@ -131,17 +131,17 @@ TEST_F(Vst3PluginTest, ThereIsOneBusEachWayWithWhatTheHostArranges)
         uint64_t result;
         int32_t channels;
     } cases[] = {
-        {Vst3Host::mono, Vst3Host::mono, Vst3Host::mono, 1},
+        {Vst3Host::Mono, Vst3Host::Mono, Vst3Host::Mono, 1},
         {V3_SPEAKER_C, V3_SPEAKER_C, V3_SPEAKER_C, 1},
-        {Vst3Host::surround51, Vst3Host::surround51, Vst3Host::surround51, 6},
-        {Vst3Host::surround71, Vst3Host::surround71, Vst3Host::surround71, 8},
+        {Vst3Host::Surround51, Vst3Host::Surround51, Vst3Host::Surround51, 6},
+        {Vst3Host::Surround71, Vst3Host::Surround71, Vst3Host::Surround71, 8},
         {0xFF, 0xFF, 0xFF, 8}, // with speakers between those in front
-        {Vst3Host::stereo, Vst3Host::stereo, Vst3Host::stereo, 2},
+        {Vst3Host::Stereo, Vst3Host::Stereo, Vst3Host::Stereo, 2},
         // What can't be leaves the input's, if that is served, else what there was.
-        {Vst3Host::mono, Vst3Host::stereo, Vst3Host::mono, 1},
-        {0x33, 0x33, Vst3Host::mono, 1},
-        {0, 0, Vst3Host::mono, 1},
-        {~uint64_t{0}, Vst3Host::stereo, Vst3Host::mono, 1},
+        {Vst3Host::Mono, Vst3Host::Stereo, Vst3Host::Mono, 1},
+        {0x33, 0x33, Vst3Host::Mono, 1},
+        {0, 0, Vst3Host::Mono, 1},
+        {~uint64_t{0}, Vst3Host::Stereo, Vst3Host::Mono, 1},
     };
     for (const auto& [inputs, outputs, result, channels] : cases) {
         SCOPED_TRACE(testing::Message() << std::hex << inputs << " to " << outputs);
@@ -161,7 +161,7 @@ TEST_F(Vst3PluginTest, ThereIsOneBusEachWayWithWhatTheHostArranges)
             EXPECT_NE(TextOf(info.bus_name), "");
         }
     }
-    uint64_t two[2] = {Vst3Host::stereo, Vst3Host::stereo};
+    uint64_t two[2] = {Vst3Host::Stereo, Vst3Host::Stereo};
     EXPECT_EQ(plugin.processor->SetBusArrangements(two, 2, two, 1), V3_FALSE);
     EXPECT_EQ(plugin.processor->SetBusArrangements(nullptr, 0, two, 1), V3_FALSE);
     EXPECT_NE(plugin.processor->SetBusArrangements(nullptr, 1, nullptr, 1), V3_OK);
@@ -189,10 +189,10 @@ TEST_F(Vst3PluginTest, ThereAreNoOtherBuses)
 TEST_F(Vst3PluginTest, ParametersHaveNumbersForGoodAndOneIsTheBypass)
 {
     Vst3Host::Plugin plugin;
-    std::map<std::string, uint32_t> expected = {{"Sensitivity", Vst3Host::Id::sensitivity},
-                                                {"Strength", strength},
-                                                {"Frequency limit", upperFrequency},
-                                                {"Global bypass", bypass}};
+    std::map<std::string, uint32_t> expected = {{"Sensitivity", Vst3Host::Id::Sensitivity},
+                                                {"Strength", Strength},
+                                                {"Frequency limit", UpperFrequency},
+                                                {"Global bypass", Bypass}};
     int bypasses = 0;
     for (const v3_param_info& info : plugin.parameters) {
         const std::string title = TextOf(info.title);
@@ -223,12 +223,12 @@ TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
         double plain;
         const char* text;
     } cases[] = {
-        {strength, 0.0, 0.0, "0.00"},
-        {strength, 0.75, 7.5, "7.50"},
-        {upperFrequency, 0.5, 275.0, "275.0"},
-        {upperFrequency, 1.0, 500.0, "500.0"},
-        {bypass, 0.0, 0.0, "off"},
-        {bypass, 1.0, 1.0, "on"},
+        {Strength, 0.0, 0.0, "0.00"},
+        {Strength, 0.75, 7.5, "7.50"},
+        {UpperFrequency, 0.5, 275.0, "275.0"},
+        {UpperFrequency, 1.0, 500.0, "500.0"},
+        {Bypass, 0.0, 0.0, "off"},
+        {Bypass, 1.0, 1.0, "on"},
     };
     for (const auto& [id, normalised, plain, text] : cases) {
         SCOPED_TRACE(testing::Message() << id << ": " << text);
@@ -242,17 +242,17 @@ TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
         EXPECT_NEAR(controller.ToNormalised(id, plain), normalised, 1e-6);
     }
     double value = -1;
-    EXPECT_EQ(controller.GetValueByString(upperFrequency, Text16("60 Hz").data(), &value), V3_OK);
-    EXPECT_NEAR(controller.ToPlain(upperFrequency, value), 60.0, 1e-4);
+    EXPECT_EQ(controller.GetValueByString(UpperFrequency, Text16("60 Hz").data(), &value), V3_OK);
+    EXPECT_NEAR(controller.ToPlain(UpperFrequency, value), 60.0, 1e-4);
     for (const char* text : {"", "loud", "5 dB"}) {
-        EXPECT_NE(controller.GetValueByString(strength, Text16(text).data(), &value), V3_OK);
+        EXPECT_NE(controller.GetValueByString(Strength, Text16(text).data(), &value), V3_OK);
     }
     // A character beyond the first 65536, and halves of one alone.
     for (std::basic_string<int16_t> text :
          {std::basic_string<int16_t>{static_cast<int16_t>(0xD83D), static_cast<int16_t>(0xDE00)},
           std::basic_string<int16_t>{static_cast<int16_t>(0xD83D)},
           std::basic_string<int16_t>{static_cast<int16_t>(0xDE00), '1'}}) {
-        EXPECT_NE(controller.GetValueByString(strength, text.data(), &value), V3_OK);
+        EXPECT_NE(controller.GetValueByString(Strength, text.data(), &value), V3_OK);
     }
 }
 
@@ -263,18 +263,18 @@ TEST_F(Vst3PluginTest, NumbersThatAreNoneAreRefusedOrBroughtIntoTheRange)
     v3_str_128 field = {};
     double value = 0;
     for (const double number : {-1e300, 1e300, std::nan("")}) {
-        EXPECT_EQ(controller.SetValue(strength, number) == V3_OK, !std::isnan(number));
-        EXPECT_EQ(controller.GetStringByValue(strength, number, field), V3_OK);
-        EXPECT_TRUE(std::isfinite(controller.ToPlain(strength, number)));
-        EXPECT_TRUE(std::isfinite(controller.ToNormalised(strength, number)));
+        EXPECT_EQ(controller.SetValue(Strength, number) == V3_OK, !std::isnan(number));
+        EXPECT_EQ(controller.GetStringByValue(Strength, number, field), V3_OK);
+        EXPECT_TRUE(std::isfinite(controller.ToPlain(Strength, number)));
+        EXPECT_TRUE(std::isfinite(controller.ToNormalised(Strength, number)));
     }
-    EXPECT_EQ(controller.SetValue(strength, 0.123456789), V3_OK);
-    EXPECT_EQ(controller.GetValue(strength), 0.123456789) << "finer than the module keeps it";
+    EXPECT_EQ(controller.SetValue(Strength, 0.123456789), V3_OK);
+    EXPECT_EQ(controller.GetValue(Strength), 0.123456789) << "finer than the module keeps it";
     EXPECT_NE(controller.SetValue(1, 0.5), V3_OK);
     EXPECT_EQ(controller.GetValue(1), 0.0);
     EXPECT_NE(controller.GetStringByValue(1, 0.5, field), V3_OK);
     EXPECT_NE(controller.GetValueByString(1, field, &value), V3_OK);
-    EXPECT_NE(controller.GetStringByValue(strength, 0.5, nullptr), V3_OK);
+    EXPECT_NE(controller.GetStringByValue(Strength, 0.5, nullptr), V3_OK);
 }
 
 TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
@@ -296,9 +296,9 @@ TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
         EXPECT_EQ(processor->GetLatencySamples(), 0U);
         EXPECT_EQ(controller->GetParameterCount(), 0);
         EXPECT_NE(controller->GetParameterInfo(0, &info), V3_OK);
-        EXPECT_NE(controller->SetValue(strength, 0.5), V3_OK);
-        EXPECT_NE(controller->GetStringByValue(strength, 0.5, text), V3_OK);
-        EXPECT_NE(controller->GetValueByString(strength, text, &value), V3_OK);
+        EXPECT_NE(controller->SetValue(Strength, 0.5), V3_OK);
+        EXPECT_NE(controller->GetStringByValue(Strength, 0.5, text), V3_OK);
+        EXPECT_NE(controller->GetValueByString(Strength, text, &value), V3_OK);
         EXPECT_NE(controller->SetComponentState(&stream), V3_OK);
         EXPECT_EQ(controller->CreateView("editor"), nullptr);
         EXPECT_EQ(component->Terminate(), V3_OK);
@@ -331,6 +331,6 @@ TEST_F(Vst3PluginTest, WithoutItsModuleTheFactoryIsEmpty)
     ASSERT_NE(factory, nullptr);
     EXPECT_EQ(factory->CountClasses(), 0);
     void* object = nullptr;
-    EXPECT_NE(factory->CreateInstance(Vst3Host::Id::effect, v3_component_iid, &object), V3_OK);
+    EXPECT_NE(factory->CreateInstance(Vst3Host::Id::Effect, v3_component_iid, &object), V3_OK);
     EXPECT_EQ(object, nullptr);
 }

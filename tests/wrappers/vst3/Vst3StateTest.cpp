@@ -12,8 +12,8 @@
 using Vst3Host::Changes;
 using Vst3Host::Host;
 using Vst3Host::Plugin;
-using Vst3Host::Id::bypass;
-using Vst3Host::Id::strength;
+using Vst3Host::Id::Bypass;
+using Vst3Host::Id::Strength;
 
 namespace {
 
@@ -52,17 +52,17 @@ TEST_F(Vst3StateTest, TheBypassThatTheAudioSideHasHeardOfIsSaved)
 {
     for (const double value : {1.0, 0.0}) {
         Plugin plugin;
-        plugin.controller->SetValue(bypass, 1.0 - value);
+        plugin.controller->SetValue(Bypass, 1.0 - value);
         plugin.Start();
         Contract::PlaySilence(plugin, 2, 1024);
         Changes changes;
-        changes.Add(bypass, {{0, value}});
-        changes.Add(strength, {{0, 0.25}});
+        changes.Add(Bypass, {{0, value}});
+        changes.Add(Strength, {{0, 0.25}});
         EXPECT_EQ(plugin.Flush(changes), V3_OK);
         Plugin other;
         ASSERT_TRUE(other.Load(plugin.Save()));
-        EXPECT_EQ(other.controller->GetValue(bypass), value);
-        EXPECT_EQ(other.controller->GetValue(strength), 0.25);
+        EXPECT_EQ(other.controller->GetValue(Bypass), value);
+        EXPECT_EQ(other.controller->GetValue(Strength), 0.25);
     }
 }
 
@@ -91,9 +91,9 @@ TEST_F(Vst3StateTest, WithoutARunLoopANewLatencyIsReportedOnceWhenTheUiThreadCal
     for (int round = 0; round < 100000 && host->heard.empty(); ++round) {
         std::thread audio([&] { Contract::PlaySilence(plugin, 2, 1024); });
         audio.join();
-        plugin.controller->GetValue(strength);
+        plugin.controller->GetValue(Strength);
     }
-    plugin.controller->GetValue(strength);
+    plugin.controller->GetValue(Strength);
     EXPECT_LT(plugin.GetLatency(), former);
     EXPECT_EQ(plugin.CountLatencyReports(), 1U);
     EXPECT_EQ(host->heard.size(), 1U);

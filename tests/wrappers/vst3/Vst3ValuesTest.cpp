@@ -15,9 +15,9 @@ using Vst3Host::Changes;
 
 namespace {
 
-constexpr double first = 0.5; // of a new instance
-constexpr double ofUi = 0.875;
-constexpr double ofHost = 0.125;
+constexpr double First = 0.5; // of a new instance
+constexpr double OfUi = 0.875;
+constexpr double OfHost = 0.125;
 
 class Vst3ValuesTest : public testing::Test {
 protected:
@@ -68,14 +68,14 @@ protected:
 
 TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
 {
-    Show(ofUi);
+    Show(OfUi);
     const std::vector<uint8_t> session = plugin->Save();
     const struct {
         const char* name;
         std::function<void()> set;
         bool isPlaying;
     } cases[] = {
-        {"a value", [this] { Show(ofUi); }, false},
+        {"a value", [this] { Show(OfUi); }, false},
         {"a session", [&] { EXPECT_EQ(plugin->LoadComponent(session), V3_OK); }, false},
         {"a session while playing",
          [&] { EXPECT_EQ(plugin->LoadComponent(session), V3_OK); },
@@ -83,8 +83,8 @@ TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
         {"a session for the controller",
          [&] { EXPECT_EQ(plugin->LoadController(session), V3_OK); },
          false},
-        {"the user", [this] { turn(static_cast<float>(ofUi)); }, false},
-        {"the user while playing", [this] { turn(static_cast<float>(ofUi)); }, true},
+        {"the user", [this] { turn(static_cast<float>(OfUi)); }, false},
+        {"the user while playing", [this] { turn(static_cast<float>(OfUi)); }, true},
     };
     for (const auto& [name, set, isPlaying] : cases) {
         SCOPED_TRACE(name);
@@ -96,15 +96,15 @@ TEST_F(Vst3ValuesTest, APointStaysWhateverTheUiSideHasSetBefore)
                 EXPECT_EQ(Run({0.25}), 0.25);
                 set();
                 EXPECT_EQ(Run({}, 0), -1.0);
-                EXPECT_EQ(Run(), ofUi);
+                EXPECT_EQ(Run(), OfUi);
                 set();
-                Run({ofHost}, frames);
+                Run({OfHost}, frames);
                 if (isRestarted) {
                     plugin->processor->SetProcessing(0);
                     plugin->processor->SetProcessing(1);
                 }
-                EXPECT_EQ(Run(), ofHost);
-                EXPECT_EQ(Saved(), ofHost);
+                EXPECT_EQ(Run(), OfHost);
+                EXPECT_EQ(Saved(), OfHost);
                 plugin->Deactivate();
             }
         }
@@ -117,11 +117,11 @@ TEST_F(Vst3ValuesTest, APointOfABlockThatRunsWhileTheUiSideSetsIsNotLost)
         SCOPED_TRACE(frames);
         plugin->Start();
         Run({0.25});
-        *stepIn = [&] { Run({ofHost}, frames); };
-        Show(ofUi);
+        *stepIn = [&] { Run({OfHost}, frames); };
+        Show(OfUi);
         *stepIn = nullptr;
-        EXPECT_EQ(Run(), ofHost);
-        EXPECT_EQ(Run(), ofHost);
+        EXPECT_EQ(Run(), OfHost);
+        EXPECT_EQ(Run(), OfHost);
         plugin->Deactivate();
     }
 }
@@ -130,11 +130,11 @@ TEST_F(Vst3ValuesTest, WhatIsOnlyShownIsSavedWhereNoBlockHasComeSince)
 {
     plugin->Start();
     Play(true);
-    EXPECT_EQ(Run({ofHost}), ofHost);
-    Show(ofUi);
-    EXPECT_EQ(Saved(), ofUi);
-    EXPECT_EQ(Run(), ofHost) << "the audio is the host's";
-    EXPECT_EQ(Saved(), ofHost);
+    EXPECT_EQ(Run({OfHost}), OfHost);
+    Show(OfUi);
+    EXPECT_EQ(Saved(), OfUi);
+    EXPECT_EQ(Run(), OfHost) << "the audio is the host's";
+    EXPECT_EQ(Saved(), OfHost);
 }
 
 TEST_F(Vst3ValuesTest, WhatIsOnlyShownActsWhenTheAudioEnds)
@@ -144,13 +144,13 @@ TEST_F(Vst3ValuesTest, WhatIsOnlyShownActsWhenTheAudioEnds)
         plugin->Start();
         Play(true);
         Run({0.25});
-        Show(ofUi);
+        Show(OfUi);
         EXPECT_EQ(Run(), 0.25);
         if (isHeard) {
-            EXPECT_EQ(Run({ofHost}), ofHost);
+            EXPECT_EQ(Run({OfHost}), OfHost);
         }
         plugin->Deactivate();
-        const double expected = isHeard ? ofHost : ofUi;
+        const double expected = isHeard ? OfHost : OfUi;
         EXPECT_EQ(Saved(), expected);
         plugin->Start();
         Play(false);
@@ -165,7 +165,7 @@ TEST_F(Vst3ValuesTest, ALoadedSessionTakesThePlaceOfWhatIsOnlyShown)
     plugin->Start();
     Play(true);
     Run();
-    Show(ofUi);
+    Show(OfUi);
     EXPECT_EQ(plugin->LoadComponent(session), V3_OK);
     EXPECT_EQ(plugin->Save(), session);
     plugin->Deactivate();
@@ -174,9 +174,9 @@ TEST_F(Vst3ValuesTest, ALoadedSessionTakesThePlaceOfWhatIsOnlyShown)
 
 TEST_F(Vst3ValuesTest, NothingOutlivesTheInstance)
 {
-    Show(ofUi);
+    Show(OfUi);
     plugin->Start();
-    Run({ofHost}, 0); // waits for a block
+    Run({OfHost}, 0); // waits for a block
     EXPECT_EQ(plugin->component->Terminate(), V3_OK);
     EXPECT_EQ(plugin->component->Initialize(nullptr), V3_OK);
     Show(0.25);
@@ -185,5 +185,5 @@ TEST_F(Vst3ValuesTest, NothingOutlivesTheInstance)
     EXPECT_EQ(plugin->component->Terminate(), V3_OK);
     EXPECT_EQ(plugin->component->Initialize(nullptr), V3_OK);
     plugin->Start();
-    EXPECT_EQ(Run(), first);
+    EXPECT_EQ(Run(), First);
 }

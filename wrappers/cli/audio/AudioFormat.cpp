@@ -24,7 +24,7 @@ struct Container {
     int subtype;            // where the input's own doesn't fit and nothing nearer does
 };
 
-constexpr std::array containers = {
+constexpr std::array Containers = {
     Container{"wav", SF_FORMAT_WAV, "wav wave bwf ", SF_FORMAT_PCM_24},
     Container{"wavex", SF_FORMAT_WAVEX, "wav ", SF_FORMAT_PCM_24},
     Container{"rf64", SF_FORMAT_RF64, "rf64 ", SF_FORMAT_PCM_24},
@@ -50,7 +50,7 @@ struct Subtype {
     int bits;
 };
 
-constexpr std::array subtypes = {
+constexpr std::array Subtypes = {
     Subtype{"pcm_s8", SF_FORMAT_PCM_S8, SampleKind::Integer, 8},
     Subtype{"pcm_u8", SF_FORMAT_PCM_U8, SampleKind::Integer, 8},
     Subtype{"pcm_16", SF_FORMAT_PCM_16, SampleKind::Integer, 16},
@@ -74,10 +74,10 @@ constexpr std::array subtypes = {
 
 const Subtype* FindEntry(int format)
 {
-    const auto* entry = std::find_if(subtypes.begin(), subtypes.end(), [&](const Subtype& s) {
+    const auto* entry = std::find_if(Subtypes.begin(), Subtypes.end(), [&](const Subtype& s) {
         return s.value == (format & SF_FORMAT_SUBMASK);
     });
-    return entry == subtypes.end() ? nullptr : entry;
+    return entry == Subtypes.end() ? nullptr : entry;
 }
 
 bool IsPossible(int format, int sampleRate, int channels)
@@ -94,7 +94,7 @@ std::vector<int> Substitutes(int subtype, int container)
 {
     std::vector<int> result;
     const auto* usual = std::find_if(
-        containers.begin(), containers.end(), [&](const auto& c) { return c.major == container; });
+        Containers.begin(), Containers.end(), [&](const auto& c) { return c.major == container; });
     const bool isEightBit = subtype == SF_FORMAT_PCM_U8 || subtype == SF_FORMAT_PCM_S8;
     if (isEightBit) {
         result = {SF_FORMAT_PCM_U8, SF_FORMAT_PCM_S8, SF_FORMAT_PCM_16};
@@ -112,7 +112,7 @@ std::vector<int> Substitutes(int subtype, int container)
     if (subtype == SF_FORMAT_DOUBLE) {
         result.push_back(SF_FORMAT_FLOAT);
     }
-    if (usual != containers.end()) {
+    if (usual != Containers.end()) {
         result.push_back(usual->subtype);
     }
     result.insert(result.end(), {SF_FORMAT_PCM_24, SF_FORMAT_PCM_16});
@@ -136,7 +136,7 @@ struct RawName {
     int subtype;
 };
 
-constexpr std::array rawNames = {RawName{"s8", SF_FORMAT_PCM_S8},
+constexpr std::array RawNames = {RawName{"s8", SF_FORMAT_PCM_S8},
                                  RawName{"u8", SF_FORMAT_PCM_U8},
                                  RawName{"s16", SF_FORMAT_PCM_16},
                                  RawName{"s24", SF_FORMAT_PCM_24},
@@ -156,7 +156,7 @@ int ParseRawName(std::string_view text)
     if (name.ends_with("be") || name.ends_with("le")) {
         name.resize(name.size() - 2);
     }
-    for (const RawName& raw : rawNames) {
+    for (const RawName& raw : RawNames) {
         if (name == raw.name) {
             return SF_FORMAT_RAW | raw.subtype | endian;
         }
@@ -170,7 +170,7 @@ int ParseRawName(std::string_view text)
 
 std::optional<int> FindContainer(std::string_view name)
 {
-    for (const Container& container : containers) {
+    for (const Container& container : Containers) {
         if (LowerCase(name) == container.name) {
             return container.major;
         }
@@ -181,7 +181,7 @@ std::optional<int> FindContainer(std::string_view name)
 std::optional<int> ContainerOfExtension(std::string_view extension)
 {
     const std::string wanted = LowerCase(extension) + " ";
-    for (const Container& container : containers) {
+    for (const Container& container : Containers) {
         const std::string known = std::string(" ") + container.extensions;
         if (wanted.size() > 1 && known.find(" " + wanted) != std::string::npos) {
             return container.major;
@@ -198,7 +198,7 @@ bool HasNameOfRecording(const std::string& path)
 
 std::string ExtensionOf(int format)
 {
-    for (const Container& container : containers) {
+    for (const Container& container : Containers) {
         const bool isOpus = (format & SF_FORMAT_SUBMASK) == SF_FORMAT_OPUS;
         if (container.major != (format & SF_FORMAT_TYPEMASK) ||
             isOpus != (container.subtype == SF_FORMAT_OPUS)) {
@@ -216,7 +216,7 @@ std::optional<int> FindSubtype(std::string_view name)
         std::erase(text, '_');
         return text;
     };
-    for (const Subtype& subtype : subtypes) {
+    for (const Subtype& subtype : Subtypes) {
         if (plain(LowerCase(name)) == plain(subtype.name)) {
             return subtype.value;
         }
@@ -226,7 +226,7 @@ std::optional<int> FindSubtype(std::string_view name)
 
 std::string ContainerName(int format)
 {
-    for (const Container& container : containers) {
+    for (const Container& container : Containers) {
         if (container.major == (format & SF_FORMAT_TYPEMASK)) {
             return container.name;
         }
@@ -243,8 +243,8 @@ std::string SubtypeName(int format)
 std::vector<std::string> ContainerNames()
 {
     std::vector<std::string> names;
-    names.reserve(containers.size());
-    for (const Container& container : containers) {
+    names.reserve(Containers.size());
+    for (const Container& container : Containers) {
         names.emplace_back(container.name);
     }
     return names;
@@ -253,8 +253,8 @@ std::vector<std::string> ContainerNames()
 std::vector<std::string> SubtypeNames()
 {
     std::vector<std::string> names;
-    names.reserve(subtypes.size());
-    for (const Subtype& subtype : subtypes) {
+    names.reserve(Subtypes.size());
+    for (const Subtype& subtype : Subtypes) {
         names.emplace_back(subtype.name);
     }
     return names;
@@ -335,8 +335,8 @@ RawFormat ParseRawFormat(std::string_view text)
     RawFormat raw;
     raw.format = ParseRawName(text.substr(0, first));
     raw.sampleRate = NumberBehind(
-        text.substr(first + 1, second - first - 1), "rate", leastSampleRate, greatestSampleRate);
-    raw.channels = NumberBehind(text.substr(second + 1), "channel count", 1, greatestChannelCount);
+        text.substr(first + 1, second - first - 1), "rate", LeastSampleRate, GreatestSampleRate);
+    raw.channels = NumberBehind(text.substr(second + 1), "channel count", 1, GreatestChannelCount);
     return raw;
 }
 

@@ -63,15 +63,15 @@ std::string ReadLog(SNDFILE* handle)
 
 void CheckLimits(const SF_INFO& info)
 {
-    if (info.samplerate < leastSampleRate || info.samplerate > greatestSampleRate) {
+    if (info.samplerate < LeastSampleRate || info.samplerate > GreatestSampleRate) {
         throw FileError(fmt::format("its rate of {} Hz is outside {} to {} Hz",
                                     info.samplerate,
-                                    leastSampleRate,
-                                    greatestSampleRate));
+                                    LeastSampleRate,
+                                    GreatestSampleRate));
     }
-    if (info.channels < 1 || info.channels > greatestChannelCount) {
+    if (info.channels < 1 || info.channels > GreatestChannelCount) {
         throw FileError(fmt::format(
-            "its {} channels are more than the {} possible", info.channels, greatestChannelCount));
+            "its {} channels are more than the {} possible", info.channels, GreatestChannelCount));
     }
 }
 

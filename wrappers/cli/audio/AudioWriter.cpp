@@ -13,7 +13,7 @@ namespace Cli {
 namespace {
 
 // What 32 bits can count, less room for chunks behind the samples.
-constexpr int64_t greatestNarrowFile = (int64_t{1} << 32) - (int64_t{1} << 20);
+constexpr int64_t GreatestNarrowFile = (int64_t{1} << 32) - (int64_t{1} << 20);
 
 bool IsWavContainer(int format)
 {
@@ -71,7 +71,7 @@ void AudioWriter::RefuseTooLong() const
     const int container = info.format & SF_FORMAT_TYPEMASK;
     const bool isNarrow = container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX ||
                           container == SF_FORMAT_AIFF || container == SF_FORMAT_AU;
-    if (isNarrow && io->GetPosition() > greatestNarrowFile) {
+    if (isNarrow && io->GetPosition() > GreatestNarrowFile) {
         throw FileError(ContainerName(format) + " can't hold more than 4 GiB; --format rf64 can");
     }
 }

@@ -19,14 +19,14 @@ namespace Cli {
 namespace {
 
 // What a stream of unknown length says of itself; small enough to be added to and doubled.
-constexpr int64_t endlessLength = std::numeric_limits<int64_t>::max() / 4;
+constexpr int64_t EndlessLength = std::numeric_limits<int64_t>::max() / 4;
 
 } // namespace
 
 DescriptorIo::DescriptorIo(int newDescriptor, Access newAccess, std::optional<int64_t> newLength)
     : descriptor(newDescriptor)
     , access(newAccess)
-    , length(newLength.value_or(endlessLength))
+    , length(newLength.value_or(EndlessLength))
 {
     if (access == Access::Seekable) {
         base = std::max<int64_t>(::lseek(descriptor, 0, SEEK_CUR), 0);

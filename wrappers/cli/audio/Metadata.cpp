@@ -12,7 +12,7 @@ namespace {
 
 // Room for the history texts behind the fixed part of a broadcast or cart chunk; libsndfile keeps
 // 16 KiB of them and refuses to take as much.
-constexpr size_t historyRoom = size_t{15} * 1024;
+constexpr size_t HistoryRoom = size_t{15} * 1024;
 
 } // namespace
 
@@ -36,9 +36,9 @@ Metadata Metadata::ReadFrom(SNDFILE* file, int channels)
     result.TakeChunk(file,
                      SFC_GET_BROADCAST_INFO,
                      SFC_SET_BROADCAST_INFO,
-                     sizeof(SF_BROADCAST_INFO) + historyRoom);
+                     sizeof(SF_BROADCAST_INFO) + HistoryRoom);
     result.TakeChunk(
-        file, SFC_GET_CART_INFO, SFC_SET_CART_INFO, sizeof(SF_CART_INFO) + historyRoom);
+        file, SFC_GET_CART_INFO, SFC_SET_CART_INFO, sizeof(SF_CART_INFO) + HistoryRoom);
     result.TakeChunk(file, SFC_GET_INSTRUMENT, SFC_SET_INSTRUMENT, sizeof(SF_INSTRUMENT));
     uint32_t cueCount = 0;
     if (sf_command(file, SFC_GET_CUE_COUNT, &cueCount, sizeof cueCount) == SF_TRUE) {

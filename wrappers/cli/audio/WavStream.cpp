@@ -14,12 +14,12 @@ namespace Cli {
 
 namespace {
 
-constexpr uint32_t unknownSize = 0xFFFFFFFF;
+constexpr uint32_t UnknownSize = 0xFFFFFFFF;
 // More than any sensible head; a claim beyond it is a broken stream.
-constexpr size_t greatestHead = size_t{16} << 20U;
+constexpr size_t GreatestHead = size_t{16} << 20U;
 
-constexpr size_t riffHeadBytes = 12; // "RIFF", size, "WAVE"
-constexpr size_t chunkHeadBytes = 8; // name, size
+constexpr size_t RiffHeadBytes = 12; // "RIFF", size, "WAVE"
+constexpr size_t ChunkHeadBytes = 8; // name, size
 
 // Numbers in a WAV head are little-endian whatever the machine.
 uint64_t GetNumber(std::string_view bytes, size_t offset, size_t size)
@@ -40,7 +40,7 @@ void PutNumber(std::string& bytes, size_t offset, size_t size, uint64_t value)
 
 void Append(std::string& bytes, int descriptor, size_t count)
 {
-    if (count > greatestHead || bytes.size() + count > greatestHead) {
+    if (count > GreatestHead || bytes.size() + count > GreatestHead) {
         throw FileError("damaged: its WAV head claims to be longer than 16 MiB");
     }
     const size_t former = bytes.size();
@@ -59,13 +59,13 @@ bool IsPlaceholder(uint64_t size)
 // Offset of a chunk's head inside a WAV head, or npos.
 size_t FindChunk(std::string_view bytes, std::string_view name)
 {
-    size_t offset = riffHeadBytes;
-    while (offset + chunkHeadBytes <= bytes.size()) {
+    size_t offset = RiffHeadBytes;
+    while (offset + ChunkHeadBytes <= bytes.size()) {
         if (bytes.substr(offset, 4) == name) {
             return offset;
         }
         const uint64_t size = GetNumber(bytes, offset + 4, 4);
-        offset += chunkHeadBytes + size + (size & 1U);
+        offset += ChunkHeadBytes + size + (size & 1U);
     }
     return std::string_view::npos;
 }
@@ -73,16 +73,16 @@ size_t FindChunk(std::string_view bytes, std::string_view name)
 // Sets all sizes of a head: bytes of samples behind it and their number of frames.
 void PutSizes(std::string& head, std::optional<uint64_t> dataBytes, uint64_t frames)
 {
-    const bool fits = dataBytes && head.size() + *dataBytes < unknownSize;
-    PutNumber(head, 4, 4, fits ? head.size() - chunkHeadBytes + *dataBytes : unknownSize);
-    PutNumber(head, head.size() - 4, 4, fits ? *dataBytes : unknownSize);
+    const bool fits = dataBytes && head.size() + *dataBytes < UnknownSize;
+    PutNumber(head, 4, 4, fits ? head.size() - ChunkHeadBytes + *dataBytes : UnknownSize);
+    PutNumber(head, head.size() - 4, 4, fits ? *dataBytes : UnknownSize);
     const size_t fact = FindChunk(head, "fact");
     if (fact != std::string_view::npos) {
-        PutNumber(head, fact + chunkHeadBytes, 4, fits ? frames : unknownSize);
+        PutNumber(head, fact + ChunkHeadBytes, 4, fits ? frames : UnknownSize);
     }
     const size_t wide = FindChunk(head, "ds64");
     if (wide != std::string_view::npos && dataBytes) {
-        PutNumber(head, wide + 8, 8, head.size() - chunkHeadBytes + *dataBytes);
+        PutNumber(head, wide + 8, 8, head.size() - ChunkHeadBytes + *dataBytes);
         PutNumber(head, wide + 16, 8, *dataBytes);
         PutNumber(head, wide + 24, 8, frames);
     }
@@ -104,7 +104,7 @@ FileDescriptor ToAnonymousFile(std::string_view bytes)
 bool IsWav(std::string_view firstBytes)
 {
     const std::string_view kind = firstBytes.substr(0, 4);
-    return firstBytes.size() >= riffHeadBytes && (kind == "RIFF" || kind == "RF64") &&
+    return firstBytes.size() >= RiffHeadBytes && (kind == "RIFF" || kind == "RF64") &&
            firstBytes.substr(8, 4) == "WAVE";
 }
 
@@ -114,11 +114,11 @@ WavHead ReadWavHead(int descriptor, std::string_view firstBytes)
     std::optional<uint64_t> wideDataBytes;
     for (;;) {
         const size_t chunk = head.bytes.size();
-        Append(head.bytes, descriptor, chunkHeadBytes);
+        Append(head.bytes, descriptor, ChunkHeadBytes);
         const std::string name = head.bytes.substr(chunk, 4);
         const uint64_t size = GetNumber(head.bytes, chunk + 4, 4);
         if (name == "data") {
-            if (size == unknownSize && wideDataBytes) {
+            if (size == UnknownSize && wideDataBytes) {
                 head.dataBytes = static_cast<int64_t>(*wideDataBytes);
             } else if (!IsPlaceholder(size)) {
                 head.dataBytes = static_cast<int64_t>(size);
@@ -170,7 +170,7 @@ MakeWavHead(const SF_INFO& info, const Metadata& metadata, std::optional<int64_t
     if (data == std::string_view::npos) {
         throw FileError("libsndfile made no WAV head");
     }
-    head.resize(data + chunkHeadBytes);
+    head.resize(data + ChunkHeadBytes);
     std::optional<uint64_t> dataBytes;
     if (frames) {
         dataBytes = static_cast<uint64_t>(*frames * info.channels * BytesPerSample(info.format));

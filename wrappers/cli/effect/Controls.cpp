@@ -12,8 +12,8 @@ namespace {
 std::string Describe(const Controls& controls, const char* valueFormat, bool isForPicture)
 {
     std::string text;
-    for (size_t i = 0; i < controlTable.size(); ++i) {
-        const Control& control = controlTable[i];
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        const Control& control = ControlTable[i];
         if (control.showsInPictures || !isForPicture) {
             const std::string value = fmt::format(fmt::runtime(valueFormat), controls.values[i]);
             text += text.empty() ? "" : ", ";
@@ -26,7 +26,7 @@ std::string Describe(const Controls& controls, const char* valueFormat, bool isF
 constexpr size_t IndexOf(std::string_view parameter)
 {
     size_t index = 0;
-    while (controlTable.at(index).parameter != parameter) {
+    while (ControlTable.at(index).parameter != parameter) {
         ++index;
     }
     return index;
@@ -36,8 +36,8 @@ constexpr size_t IndexOf(std::string_view parameter)
 
 double Controls::GetRepairLimit() const
 {
-    constexpr size_t upperFrequency = IndexOf(upperFrequencyParameter);
-    return bypass ? 0.0 : values[upperFrequency];
+    constexpr size_t UpperFrequency = IndexOf(UpperFrequencyParameter);
+    return bypass ? 0.0 : values[UpperFrequency];
 }
 
 std::string DescribeControls(const Controls& controls)

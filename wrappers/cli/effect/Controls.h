@@ -21,21 +21,21 @@ struct Control {
     bool showsInPictures; ///< by what it does to the sound; else it's left out of their captions
 };
 
-inline constexpr const char* upperFrequencyParameter = "PuffGuard.Upper Repair Frequency";
+inline constexpr const char* UpperFrequencyParameter = "PuffGuard.Upper Repair Frequency";
 
 // A line for each, as long as it is.
 // clang-format off
-inline constexpr std::array controlTable = {
+inline constexpr std::array ControlTable = {
     Control{"PuffGuard.Sensitivity", "--sensitivity", 0, 10, "How readily a burst counts (0 to 10)", "sensitivity", "sensitivity {}", true},
     Control{"PuffGuard.Strength", "--strength", 0, 10, "How far a burst is taken down (0 to 10)", "strength", "strength {}", true},
-    Control{upperFrequencyParameter, "--upper-frequency", 50, 500, "Repair up to this frequency (Hz)", "upperFrequency", "up to {} Hz", true},
+    Control{UpperFrequencyParameter, "--upper-frequency", 50, 500, "Repair up to this frequency (Hz)", "upperFrequency", "up to {} Hz", true},
     Control{"PuffGuard.Latency Scaling", "--latency-scaling", 0, 1, "1 looks ahead most, 0 least", "latencyScaling", "latency scaling {}", false},
 };
 // clang-format on
 
 /// One of something for each control, in the order of the table.
 template <typename Value>
-using ForEachControl = std::array<Value, controlTable.size()>;
+using ForEachControl = std::array<Value, ControlTable.size()>;
 
 /// What the controls stand at, in their own units.
 struct Controls {

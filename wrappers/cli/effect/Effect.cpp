@@ -30,7 +30,7 @@ Effect::Effect(std::shared_ptr<const Wrapper::Module> module,
     , parameters(*Granted(Wrapper::ElementParameters::Read(*instance)))
     , detections(*instance)
 {
-    for (const Control& control : controlTable) {
+    for (const Control& control : ControlTable) {
         SetToDefault(control.parameter);
     }
     SetToDefault(Wrapper::BypassIdentifier);
@@ -105,8 +105,8 @@ double Effect::ChooseOne(std::string_view identifier, std::optional<double> valu
 
 void Effect::Choose(const ChosenControls& chosen)
 {
-    for (size_t i = 0; i < controlTable.size(); ++i) {
-        controls.values[i] = ChooseOne(controlTable[i].parameter, chosen.values[i]);
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        controls.values[i] = ChooseOne(ControlTable[i].parameter, chosen.values[i]);
     }
     const auto bypass = chosen.bypass ? std::optional(1.0) : std::nullopt;
     controls.bypass = ChooseOne(Wrapper::BypassIdentifier, bypass) >= 0.5;

@@ -17,7 +17,7 @@ namespace Cli {
 
 namespace {
 
-constexpr std::array endingSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr std::array EndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 enum class SlotState : int { Free, Claimed, Opening, Open };
 
@@ -67,7 +67,7 @@ sigset_t EndingSignalSet()
 {
     sigset_t set;
     ::sigemptyset(&set);
-    for (const int number : endingSignals) {
+    for (const int number : EndingSignals) {
         ::sigaddset(&set, number);
     }
     return set;
@@ -92,7 +92,7 @@ void InstallCleanUpOnSignals()
     std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action = {};
     action.sa_handler = RemoveFilesAndEnd;
-    for (const int number : endingSignals) {
+    for (const int number : EndingSignals) {
         struct sigaction former = {};
         ::sigaction(number, nullptr, &former);
         if (former.sa_handler != SIG_IGN) {

@@ -18,7 +18,7 @@ namespace Cli {
 
 namespace {
 
-constexpr const char* existsText = "exists already; --force overwrites it";
+constexpr const char* ExistsText = "exists already; --force overwrites it";
 
 std::string FollowLinks(const std::string& target)
 {
@@ -48,7 +48,7 @@ void CheckNewFile(const std::string& target, Overwrite overwrite)
         throw FileError("is a directory");
     }
     if (overwrite == Overwrite::Refuse) {
-        throw FileError(existsText);
+        throw FileError(ExistsText);
     }
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         throw FileError("is no regular file");
@@ -118,7 +118,7 @@ void OutputFile::Rename() const
             return;
         }
         if (errno == EEXIST) {
-            throw FileError(existsText);
+            throw FileError(ExistsText);
         }
         // File systems without that flag: the target's absence was tested at the start.
         if (errno != EINVAL && errno != ENOSYS) {

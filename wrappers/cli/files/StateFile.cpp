@@ -9,7 +9,7 @@ namespace Cli {
 
 namespace {
 
-constexpr size_t piece = size_t{64} * 1024;
+constexpr size_t Piece = size_t{64} * 1024;
 
 } // namespace
 
@@ -17,15 +17,15 @@ std::string ReadStateFile(const FileName& name)
 {
     const FileDescriptor file = OpenForReading(name);
     std::string bytes;
-    size_t count = piece;
+    size_t count = Piece;
     // As far as there is something: a pipe doesn't say how much will come.
-    while (count == piece) {
+    while (count == Piece) {
         const size_t size = bytes.size();
         if (size > Wrapper::LongestSession) {
             throw FileError("is too large for a saved session");
         }
-        bytes.resize(size + piece);
-        count = ReadFully(file.Get(), {bytes.data() + size, piece});
+        bytes.resize(size + Piece);
+        count = ReadFully(file.Get(), {bytes.data() + size, Piece});
         bytes.resize(size + count);
     }
     return bytes;

@@ -10,10 +10,10 @@ namespace Cli {
 
 double NiceStep(double range, int most, bool isTime)
 {
-    constexpr std::array timeSteps = {60.0, 120.0, 300.0, 600.0, 1200.0, 1800.0, 3600.0, 7200.0};
+    constexpr std::array TimeSteps = {60.0, 120.0, 300.0, 600.0, 1200.0, 1800.0, 3600.0, 7200.0};
     const double least = range / most;
     if (isTime && least > 30.0) {
-        for (const double step : timeSteps) {
+        for (const double step : TimeSteps) {
             if (step >= least) {
                 return step;
             }

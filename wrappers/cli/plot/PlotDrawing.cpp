@@ -20,7 +20,7 @@ void SelectFont(cairo_t* context, const TextStyle& style)
 }
 
 // Black to pale yellow with lightness rising evenly.
-constexpr std::array<std::array<double, 3>, 9> mapStops = {{{0, 0, 4},
+constexpr std::array<std::array<double, 3>, 9> MapStops = {{{0, 0, 4},
                                                             {28, 16, 68},
                                                             {79, 18, 123},
                                                             {129, 37, 129},
@@ -66,12 +66,12 @@ void DrawUpwardText(cairo_t* context, double x, double y, const std::string& tex
 
 uint32_t MapPixel(double level)
 {
-    const double place = std::clamp(level, 0.0, 1.0) * static_cast<double>(mapStops.size() - 1);
-    const size_t first = std::min(static_cast<size_t>(place), mapStops.size() - 2);
+    const double place = std::clamp(level, 0.0, 1.0) * static_cast<double>(MapStops.size() - 1);
+    const size_t first = std::min(static_cast<size_t>(place), MapStops.size() - 2);
     const double share = place - static_cast<double>(first);
     uint32_t pixel = 0xFF;
     for (size_t part = 0; part < 3; ++part) {
-        const double value = std::lerp(mapStops[first][part], mapStops[first + 1][part], share);
+        const double value = std::lerp(MapStops[first][part], MapStops[first + 1][part], share);
         pixel = pixel << 8U | static_cast<uint32_t>(std::lround(value));
     }
     return pixel;

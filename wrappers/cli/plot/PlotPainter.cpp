@@ -17,30 +17,30 @@ namespace Cli {
 namespace {
 
 // The picture in pixels.
-constexpr double pictureWidth = 1600;
-constexpr double pictureHeight = 1084;
-constexpr double left = 96;
-constexpr double right = 1466;
-constexpr double width = right - left;
-constexpr double beforeTop = 112;
-constexpr double spectrumHeight = 320;
-constexpr double afterTop = beforeTop + spectrumHeight + 30;
-constexpr double waveTop = afterTop + spectrumHeight + 30;
-constexpr double waveHeight = 170;
+constexpr double PictureWidth = 1600;
+constexpr double PictureHeight = 1084;
+constexpr double PlotLeft = 96;
+constexpr double PlotRight = 1466;
+constexpr double Width = PlotRight - PlotLeft;
+constexpr double BeforeTop = 112;
+constexpr double SpectrumHeight = 320;
+constexpr double AfterTop = BeforeTop + SpectrumHeight + 30;
+constexpr double WaveTop = AfterTop + SpectrumHeight + 30;
+constexpr double WaveHeight = 170;
 
-constexpr double narrowestSpan = 4; // of a mark, in pixels
+constexpr double NarrowestSpan = 4; // of a mark, in pixels
 
-constexpr double shownDecibels = 70; // from the loudest to black
+constexpr double ShownDecibels = 70; // from the loudest to black
 
-constexpr Colour ink = {0.13, 0.15, 0.18};
-constexpr Colour faintInk = {0.42, 0.45, 0.5};
-constexpr Colour gridInk = {0.6, 0.63, 0.68, 0.35};
-constexpr Colour markInk = {0.0, 0.62, 0.68};
-constexpr Colour markFill = {0.25, 0.95, 1.0, 0.16};
-constexpr Colour markEdge = {0.2, 0.8, 0.85, 0.7};
-constexpr Colour beforeInk = {0.93, 0.5, 0.22};
-constexpr Colour afterInk = {0.16, 0.32, 0.55};
-constexpr Colour paper = {1, 1, 1};
+constexpr Colour Ink = {0.13, 0.15, 0.18};
+constexpr Colour FaintInk = {0.42, 0.45, 0.5};
+constexpr Colour GridInk = {0.6, 0.63, 0.68, 0.35};
+constexpr Colour MarkInk = {0.0, 0.62, 0.68};
+constexpr Colour MarkFill = {0.25, 0.95, 1.0, 0.16};
+constexpr Colour MarkEdge = {0.2, 0.8, 0.85, 0.7};
+constexpr Colour BeforeInk = {0.93, 0.5, 0.22};
+constexpr Colour AfterInk = {0.16, 0.32, 0.55};
+constexpr Colour Paper = {1, 1, 1};
 
 double Decibel(float power)
 {
@@ -61,23 +61,23 @@ PlotPainter::PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& new
     , caption(newCaption)
     , duration(std::max(newRecorder.GetDuration(), 1e-3))
     , surface(cairo_image_surface_create(
-          CAIRO_FORMAT_RGB24, static_cast<int>(pictureWidth), static_cast<int>(pictureHeight)))
+          CAIRO_FORMAT_RGB24, static_cast<int>(PictureWidth), static_cast<int>(PictureHeight)))
     , context(cairo_create(surface.get()))
 {
     FindRange();
-    SetColour(context.get(), paper);
+    SetColour(context.get(), Paper);
     cairo_paint(context.get());
     PaintTitle();
-    PaintSpectrogram({beforeTop, spectrumHeight}, recorder.GetBefore());
-    PaintSpectrogram({afterTop, spectrumHeight}, recorder.GetAfter());
-    PaintWave({waveTop, waveHeight});
+    PaintSpectrogram({BeforeTop, SpectrumHeight}, recorder.GetBefore());
+    PaintSpectrogram({AfterTop, SpectrumHeight}, recorder.GetAfter());
+    PaintWave({WaveTop, WaveHeight});
     PaintColourBar();
     PaintLegend();
 }
 
 double PlotPainter::TimeToX(double seconds) const
 {
-    return left + seconds / duration * width;
+    return PlotLeft + seconds / duration * Width;
 }
 
 void PlotPainter::FindRange()
@@ -92,15 +92,15 @@ void PlotPainter::FindRange()
     // Silence gets a scale too.
     const double loudest = std::max(Decibel(greatest), -100.0);
     topDecibel = 10.0 * std::ceil(loudest / 10.0) + 0.0; // the sum makes a 0 of a -0
-    floorDecibel = topDecibel - shownDecibels;
+    floorDecibel = topDecibel - ShownDecibels;
 }
 
 void PlotPainter::PaintTitle()
 {
-    SetColour(context.get(), ink);
-    DrawText(context.get(), left, 42, caption.title, {24, Anchor::Left, true});
-    SetColour(context.get(), faintInk);
-    DrawText(context.get(), left, 70, caption.details, {15, Anchor::Left, false});
+    SetColour(context.get(), Ink);
+    DrawText(context.get(), PlotLeft, 42, caption.title, {24, Anchor::Left, true});
+    SetColour(context.get(), FaintInk);
+    DrawText(context.get(), PlotLeft, 70, caption.details, {15, Anchor::Left, false});
 }
 
 void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram)
@@ -120,20 +120,20 @@ void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogr
         const auto& powers = columns[static_cast<size_t>(x)].powers;
         for (int y = 0; y < imageHeight; ++y) {
             const double level = Decibel(powers[static_cast<size_t>(imageHeight - 1 - y)]);
-            pixels[y * stride + x] = MapPixel((level - floorDecibel) / shownDecibels);
+            pixels[y * stride + x] = MapPixel((level - floorDecibel) / ShownDecibels);
         }
     }
     cairo_surface_mark_dirty(image.get());
     // Bin 0 is centred on 0 Hz, so half a bin hangs over below; above, the last bin may pass 1 kHz.
-    const double pixelsPerHz = panel.height / spectrogramLimitHz;
+    const double pixelsPerHz = panel.height / SpectrogramLimitHz;
     const double binPixels = spectrogram.GetBinHz() * pixelsPerHz;
     cairo_save(context.get());
-    cairo_rectangle(context.get(), left, panel.top, width, panel.height);
+    cairo_rectangle(context.get(), PlotLeft, panel.top, Width, panel.height);
     cairo_clip(context.get());
     cairo_translate(context.get(),
                     TimeToX(spectrogram.GetStartSeconds()),
                     panel.top + panel.height - (imageHeight - 0.5) * binPixels);
-    cairo_scale(context.get(), spectrogram.GetColumnSeconds() / duration * width, binPixels);
+    cairo_scale(context.get(), spectrogram.GetColumnSeconds() / duration * Width, binPixels);
     cairo_set_source_surface(context.get(), image.get(), 0, 0);
     cairo_pattern_set_filter(cairo_get_source(context.get()), CAIRO_FILTER_GOOD);
     cairo_pattern_set_extend(cairo_get_source(context.get()), CAIRO_EXTEND_PAD);
@@ -152,9 +152,9 @@ void PlotPainter::PaintSpectrogram(const Panel& panel, const Spectrogram& spectr
 
 void PlotPainter::PaintFrame(const Panel& panel)
 {
-    SetColour(context.get(), faintInk);
+    SetColour(context.get(), FaintInk);
     cairo_set_line_width(context.get(), 1);
-    cairo_rectangle(context.get(), left - 0.5, panel.top - 0.5, width + 1, panel.height + 1);
+    cairo_rectangle(context.get(), PlotLeft - 0.5, panel.top - 0.5, Width + 1, panel.height + 1);
     cairo_stroke(context.get());
 }
 
@@ -163,19 +163,20 @@ void PlotPainter::PaintName(const Panel& panel, const char* name)
     const TextStyle style = {16, Anchor::Left, true};
     const double textWidth = TextWidth(context.get(), name, style);
     SetColour(context.get(), {1, 1, 1, 0.88});
-    cairo_rectangle(context.get(), right - textWidth - 24, panel.top + 8, textWidth + 16, 26);
+    cairo_rectangle(context.get(), PlotRight - textWidth - 24, panel.top + 8, textWidth + 16, 26);
     cairo_fill(context.get());
-    SetColour(context.get(), ink);
-    DrawText(context.get(), right - textWidth - 16, panel.top + 26, name, style);
+    SetColour(context.get(), Ink);
+    DrawText(context.get(), PlotRight - textWidth - 16, panel.top + 26, name, style);
 }
 
 void PlotPainter::PaintFrequencyAxis(const Panel& panel)
 {
-    SetColour(context.get(), ink);
+    SetColour(context.get(), Ink);
     for (int hz = 0; hz <= 1000; hz += 200) {
-        const double y = panel.top + panel.height * (1.0 - hz / spectrogramLimitHz);
-        DrawLine(context.get(), left - 6, y, left, y);
-        DrawText(context.get(), left - 11, y + 5, std::to_string(hz), {14, Anchor::Right, false});
+        const double y = panel.top + panel.height * (1.0 - hz / SpectrogramLimitHz);
+        DrawLine(context.get(), PlotLeft - 6, y, PlotLeft, y);
+        DrawText(
+            context.get(), PlotLeft - 11, y + 5, std::to_string(hz), {14, Anchor::Right, false});
     }
     DrawUpwardText(context.get(), 34, panel.top + panel.height / 2, "frequency (Hz)", 15);
 }
@@ -185,11 +186,11 @@ void PlotPainter::PaintRepairLimit(const Panel& panel)
     if (caption.repairLimitHz <= 0) {
         return;
     }
-    constexpr std::array dashes = {7.0, 6.0};
-    const double y = panel.top + panel.height * (1.0 - caption.repairLimitHz / spectrogramLimitHz);
+    constexpr std::array Dashes = {7.0, 6.0};
+    const double y = panel.top + panel.height * (1.0 - caption.repairLimitHz / SpectrogramLimitHz);
     SetColour(context.get(), {1, 1, 1, 0.6});
-    cairo_set_dash(context.get(), dashes.data(), static_cast<int>(dashes.size()), 0);
-    DrawLine(context.get(), left, y, right, y);
+    cairo_set_dash(context.get(), Dashes.data(), static_cast<int>(Dashes.size()), 0);
+    DrawLine(context.get(), PlotLeft, y, PlotRight, y);
     cairo_set_dash(context.get(), nullptr, 0, 0);
 }
 
@@ -199,7 +200,7 @@ void PlotPainter::PaintTimeAxis(const Panel& panel, bool hasNumbers)
     const double step = NiceStep(duration, 14, true);
     for (int64_t i = 0; static_cast<double>(i) * step <= duration; ++i) {
         const double seconds = static_cast<double>(i) * step;
-        SetColour(context.get(), ink);
+        SetColour(context.get(), Ink);
         DrawLine(context.get(), TimeToX(seconds), bottom, TimeToX(seconds), bottom + 6);
         if (hasNumbers) {
             DrawText(context.get(),
@@ -211,7 +212,7 @@ void PlotPainter::PaintTimeAxis(const Panel& panel, bool hasNumbers)
     }
     if (hasNumbers) {
         DrawText(context.get(),
-                 left + width / 2,
+                 PlotLeft + Width / 2,
                  bottom + 47,
                  duration >= 60 ? "time (min:s)" : "time (s)",
                  {15, Anchor::Centre, false});
@@ -230,9 +231,12 @@ void PlotPainter::PaintWave(const Panel& panel)
     }
     // Some room above the peak; silence gets a scale too.
     const double scale = std::max(static_cast<double>(greatest) * 1.08, 1e-4);
-    SetColour(context.get(), gridInk);
-    DrawLine(
-        context.get(), left, panel.top + panel.height / 2, right, panel.top + panel.height / 2);
+    SetColour(context.get(), GridInk);
+    DrawLine(context.get(),
+             PlotLeft,
+             panel.top + panel.height / 2,
+             PlotRight,
+             panel.top + panel.height / 2);
     PaintWaveSpan(panel, scale, false);
     PaintWaveSpan(panel, scale, true);
     PaintFrame(panel);
@@ -246,12 +250,12 @@ void PlotPainter::PaintWaveSpan(const Panel& panel, double scale, bool isAfter)
     const auto toY = [&](float sample) {
         return middle - static_cast<double>(sample) / scale * panel.height / 2;
     };
-    SetColour(context.get(), isAfter ? afterInk : beforeInk);
+    SetColour(context.get(), isAfter ? AfterInk : BeforeInk);
     const auto& columns = recorder.GetWave();
     for (size_t i = 0; i < columns.size(); ++i) {
         const double begin = TimeToX(static_cast<double>(i) * recorder.GetWaveSeconds());
         const double end =
-            std::min(right, TimeToX(static_cast<double>(i + 1) * recorder.GetWaveSeconds()));
+            std::min(PlotRight, TimeToX(static_cast<double>(i + 1) * recorder.GetWaveSeconds()));
         const double top = toY(isAfter ? columns[i].greatestAfter : columns[i].greatestBefore);
         const double bottom = toY(isAfter ? columns[i].leastAfter : columns[i].leastBefore);
         // At least a hairline, also where the signal rests.
@@ -263,13 +267,13 @@ void PlotPainter::PaintWaveSpan(const Panel& panel, double scale, bool isAfter)
 void PlotPainter::PaintWaveAxis(const Panel& panel, double scale)
 {
     const double step = NiceStep(2 * scale, 6, false);
-    SetColour(context.get(), ink);
+    SetColour(context.get(), Ink);
     for (double value = -step * std::floor(scale / step); value <= scale; value += step) {
         const double y = panel.top + panel.height / 2 * (1.0 - value / scale);
         const double shown = std::abs(value) < step / 2 ? 0.0 : value;
-        DrawLine(context.get(), left - 6, y, left, y);
+        DrawLine(context.get(), PlotLeft - 6, y, PlotLeft, y);
         DrawText(context.get(),
-                 left - 11,
+                 PlotLeft - 11,
                  y + 5,
                  fmt::format("{:.4g}", shown),
                  {14, Anchor::Right, false});
@@ -279,51 +283,51 @@ void PlotPainter::PaintWaveAxis(const Panel& panel, double scale)
 
 void PlotPainter::PaintColourBar()
 {
-    constexpr double barLeft = right + 26;
-    constexpr double barWidth = 20;
-    constexpr double barHeight = afterTop + spectrumHeight - beforeTop;
-    for (int y = 0; y < static_cast<int>(barHeight); ++y) {
-        const uint32_t pixel = MapPixel(1.0 - y / barHeight);
+    constexpr double BarLeft = PlotRight + 26;
+    constexpr double BarWidth = 20;
+    constexpr double BarHeight = AfterTop + SpectrumHeight - BeforeTop;
+    for (int y = 0; y < static_cast<int>(BarHeight); ++y) {
+        const uint32_t pixel = MapPixel(1.0 - y / BarHeight);
         SetColour(context.get(),
                   {(pixel >> 16U & 0xFFU) / 255.0,
                    (pixel >> 8U & 0xFFU) / 255.0,
                    (pixel & 0xFFU) / 255.0});
-        cairo_rectangle(context.get(), barLeft, beforeTop + y, barWidth, 1);
+        cairo_rectangle(context.get(), BarLeft, BeforeTop + y, BarWidth, 1);
         cairo_fill(context.get());
     }
-    SetColour(context.get(), ink);
-    for (int down = 0; down <= static_cast<int>(shownDecibels); down += 10) {
-        const double y = beforeTop + barHeight * down / shownDecibels;
-        DrawLine(context.get(), barLeft + barWidth, y, barLeft + barWidth + 6, y);
+    SetColour(context.get(), Ink);
+    for (int down = 0; down <= static_cast<int>(ShownDecibels); down += 10) {
+        const double y = BeforeTop + BarHeight * down / ShownDecibels;
+        DrawLine(context.get(), BarLeft + BarWidth, y, BarLeft + BarWidth + 6, y);
         DrawText(context.get(),
-                 barLeft + barWidth + 11,
+                 BarLeft + BarWidth + 11,
                  y + 5,
                  fmt::format("{:.0f}", topDecibel - down),
                  {14, Anchor::Left, false});
     }
-    DrawUpwardText(context.get(), pictureWidth - 22, beforeTop + barHeight / 2, "level (dBFS)", 15);
+    DrawUpwardText(context.get(), PictureWidth - 22, BeforeTop + BarHeight / 2, "level (dBFS)", 15);
 }
 
 void PlotPainter::PaintLegend()
 {
-    constexpr double y = pictureHeight - 22;
-    double x = left;
+    constexpr double Baseline = PictureHeight - 22;
+    double x = PlotLeft;
     const auto addEntry = [&](const Colour& colour, const std::string& text) {
         SetColour(context.get(), colour);
-        cairo_rectangle(context.get(), x, y - 12, 22, 12);
+        cairo_rectangle(context.get(), x, Baseline - 12, 22, 12);
         cairo_fill(context.get());
-        SetColour(context.get(), ink);
-        DrawText(context.get(), x + 30, y, text, {14, Anchor::Left, false});
+        SetColour(context.get(), Ink);
+        DrawText(context.get(), x + 30, Baseline, text, {14, Anchor::Left, false});
         x += 62 + TextWidth(context.get(), text, {14, Anchor::Left, false});
     };
-    addEntry(markInk, "prominent plosive, span of its repair");
-    addEntry(beforeInk, "waveform before");
-    addEntry(afterInk, "waveform after");
+    addEntry(MarkInk, "prominent plosive, span of its repair");
+    addEntry(BeforeInk, "waveform before");
+    addEntry(AfterInk, "waveform after");
     if (caption.repairLimitHz > 0) {
-        SetColour(context.get(), faintInk);
+        SetColour(context.get(), FaintInk);
         DrawText(context.get(),
-                 right,
-                 y,
+                 PlotRight,
+                 Baseline,
                  fmt::format("dashed: repairs reach up to {:g} Hz", caption.repairLimitHz),
                  {14, Anchor::Right, false});
     }
@@ -331,19 +335,19 @@ void PlotPainter::PaintLegend()
 
 void PlotPainter::Mark(const Event& event)
 {
-    const double begin = std::max(left, TimeToX(event.start));
-    const double end = std::min(right, TimeToX(event.end));
-    const double middle = std::clamp(TimeToX(event.time), left, right);
+    const double begin = std::max(PlotLeft, TimeToX(event.start));
+    const double end = std::min(PlotRight, TimeToX(event.end));
+    const double middle = std::clamp(TimeToX(event.time), PlotLeft, PlotRight);
     // Where a span has no width left to show, lines would only hide the picture.
-    const bool hasSpan = end - begin >= narrowestSpan;
+    const bool hasSpan = end - begin >= NarrowestSpan;
     const double halfWidth = hasSpan ? 7 : 0.75;
-    for (const Panel& panel : {Panel{beforeTop, spectrumHeight},
-                               Panel{afterTop, spectrumHeight},
-                               Panel{waveTop, waveHeight}}) {
+    for (const Panel& panel : {Panel{BeforeTop, SpectrumHeight},
+                               Panel{AfterTop, SpectrumHeight},
+                               Panel{WaveTop, WaveHeight}}) {
         if (hasSpan) {
             MarkSpan(panel, begin, end);
         }
-        SetColour(context.get(), markInk);
+        SetColour(context.get(), MarkInk);
         cairo_move_to(context.get(), middle - halfWidth, panel.top - 13);
         cairo_line_to(context.get(), middle + halfWidth, panel.top - 13);
         cairo_line_to(context.get(), middle + (hasSpan ? 0 : halfWidth), panel.top - 1);
@@ -356,12 +360,12 @@ void PlotPainter::Mark(const Event& event)
 void PlotPainter::MarkSpan(const Panel& panel, double begin, double end)
 {
     // A tint would change the spectrogram's colours, which are what it is about.
-    if (panel.top == waveTop) {
-        SetColour(context.get(), markFill);
+    if (panel.top == WaveTop) {
+        SetColour(context.get(), MarkFill);
         cairo_rectangle(context.get(), begin, panel.top, end - begin, panel.height);
         cairo_fill(context.get());
     }
-    SetColour(context.get(), markEdge);
+    SetColour(context.get(), MarkEdge);
     DrawLine(context.get(), begin, panel.top, begin, panel.top + panel.height);
     DrawLine(context.get(), end, panel.top, end, panel.top + panel.height);
 }
@@ -369,8 +373,8 @@ void PlotPainter::MarkSpan(const Panel& panel, double begin, double end)
 void PlotPainter::Save(int descriptor)
 {
     // Over the marks.
-    PaintName({beforeTop, spectrumHeight}, "before");
-    PaintName({afterTop, spectrumHeight}, "after");
+    PaintName({BeforeTop, SpectrumHeight}, "before");
+    PaintName({AfterTop, SpectrumHeight}, "after");
     errno = 0;
     const cairo_status_t status =
         cairo_surface_write_to_png_stream(surface.get(), WritePart, &descriptor);

@@ -7,8 +7,8 @@ namespace Cli {
 
 namespace {
 
-constexpr double waveColumnSeconds = 0.001;
-constexpr size_t greatestWaveColumnCount = 2800;
+constexpr double WaveColumnSeconds = 0.001;
+constexpr size_t GreatestWaveColumnCount = 2800;
 
 float Average(const double* samples, size_t count)
 {
@@ -34,8 +34,8 @@ PlotRecorder::PlotRecorder(int newSampleRate, int newChannels)
     , channels(static_cast<size_t>(newChannels))
     , before(newSampleRate)
     , after(newSampleRate)
-    , waveStep(static_cast<size_t>(std::lround(newSampleRate * waveColumnSeconds)))
-    , wave(greatestWaveColumnCount)
+    , waveStep(static_cast<size_t>(std::lround(newSampleRate * WaveColumnSeconds)))
+    , wave(GreatestWaveColumnCount)
 {
 }
 

@@ -10,20 +10,20 @@ namespace Cli {
 
 namespace {
 
-constexpr double reducedRateAtLeast = 4000.0; // Hz
-constexpr double windowSeconds = 0.045;
-constexpr double hopSeconds = 0.005;
-constexpr size_t greatestColumnCount = 1600;
+constexpr double ReducedRateAtLeast = 4000.0; // Hz
+constexpr double WindowSeconds = 0.045;
+constexpr double HopSeconds = 0.005;
+constexpr size_t GreatestColumnCount = 1600;
 
 // Reduced samples on each side of the low-pass. What folds below 1 kHz lies above
 // reducedRate - 1 kHz, at least 3 kHz, where this length is far down.
-constexpr size_t filterReach = 6;
+constexpr size_t FilterReach = 6;
 
 // Blackman-windowed sinc with its edge at half the reduced rate and gain 1 at 0 Hz.
 std::vector<float> MakeLowPass(size_t factor)
 {
-    const auto reach = static_cast<double>(filterReach * factor);
-    std::vector<double> taps(2 * filterReach * factor + 1);
+    const auto reach = static_cast<double>(FilterReach * factor);
+    std::vector<double> taps(2 * FilterReach * factor + 1);
     for (size_t i = 0; i < taps.size(); ++i) {
         const double t = static_cast<double>(i) - reach;
         const double x = std::numbers::pi * t / static_cast<double>(factor);
@@ -72,20 +72,20 @@ void SpectrumColumn::Fold(const SpectrumColumn& other)
 }
 
 Spectrogram::Spectrogram(int sampleRate)
-    : factor(static_cast<size_t>(std::max(1.0, sampleRate / reducedRateAtLeast)))
+    : factor(static_cast<size_t>(std::max(1.0, sampleRate / ReducedRateAtLeast)))
     , reducedRate(static_cast<double>(sampleRate) / static_cast<double>(factor))
     , filter(MakeLowPass(factor))
     , recent(2 * filter.size())
-    , toSkip(filterReach)
-    , window(MakeWindow(2 * static_cast<size_t>(std::lround(windowSeconds * reducedRate / 2))))
+    , toSkip(FilterReach)
+    , window(MakeWindow(2 * static_cast<size_t>(std::lround(WindowSeconds * reducedRate / 2))))
     , frame(window.size())
-    , hop(static_cast<size_t>(std::lround(hopSeconds * reducedRate)))
+    , hop(static_cast<size_t>(std::lround(HopSeconds * reducedRate)))
     , untilAnalysis(window.size() / 2)
     , fftInput(TransformLength(window.size()))
     , fftOutput(fftInput.size() / 2 + 1)
     , plan(kiss_fftr_alloc(static_cast<int>(fftInput.size()), 0, nullptr, nullptr))
-    , binCount(static_cast<size_t>(std::ceil(spectrogramLimitHz / GetBinHz())) + 1)
-    , columns(greatestColumnCount)
+    , binCount(static_cast<size_t>(std::ceil(SpectrogramLimitHz / GetBinHz())) + 1)
+    , columns(GreatestColumnCount)
 {
 }
 
@@ -147,7 +147,7 @@ void Spectrogram::Analyse()
 
 void Spectrogram::Finish()
 {
-    const size_t missing = (filterReach + window.size() / 2) * factor;
+    const size_t missing = (FilterReach + window.size() / 2) * factor;
     for (size_t i = 0; i < missing; ++i) {
         Add(0.0F);
     }

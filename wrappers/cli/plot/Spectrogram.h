@@ -12,7 +12,7 @@
 namespace Cli {
 
 /// Upper edge of all that a spectrogram shows.
-inline constexpr double spectrogramLimitHz = 1000.0;
+inline constexpr double SpectrogramLimitHz = 1000.0;
 
 /// Powers at one moment, by frequency; full scale sine 1.0.
 struct SpectrumColumn {

@@ -18,7 +18,7 @@ namespace Cli {
 
 namespace {
 
-constexpr auto tickPeriod = std::chrono::milliseconds(100);
+constexpr auto TickPeriod = std::chrono::milliseconds(100);
 
 bool AllowsColour()
 {
@@ -180,7 +180,7 @@ void Console::EraseBar()
 void Console::Tick()
 {
     std::unique_lock lock(mutex);
-    while (!wake.wait_for(lock, tickPeriod, [this] { return isEnding; })) {
+    while (!wake.wait_for(lock, TickPeriod, [this] { return isEnding; })) {
         DrawBar();
     }
 }

@@ -16,7 +16,7 @@ namespace {
 
 double Decibel(double energyRatio)
 {
-    return energyRatio > 0 ? std::max(10.0 * std::log10(energyRatio), leastDecibel) : leastDecibel;
+    return energyRatio > 0 ? std::max(10.0 * std::log10(energyRatio), LeastDecibel) : LeastDecibel;
 }
 
 } // namespace

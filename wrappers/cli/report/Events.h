@@ -30,7 +30,7 @@ struct BandAverage {
 };
 
 /// Least value of the decibel members of Event; stands for "nothing".
-inline constexpr double leastDecibel = -200.0;
+inline constexpr double LeastDecibel = -200.0;
 
 /// Mean energy of the analysed frames.
 BandAverage AverageOf(const Wrapper::DetectionTotals& totals);

@@ -16,8 +16,8 @@ namespace Cli {
 
 namespace {
 
-constexpr int allDone = 0;
-constexpr int someFailed = 1;
+constexpr int AllDone = 0;
+constexpr int SomeFailed = 1;
 
 void WriteText(int descriptor, std::string_view text)
 {
@@ -179,7 +179,7 @@ int RunBatch(const Options& options)
 {
     if (options.session.listsPresets) {
         WriteText(1, ListPresets(LoadModule(), options.wantsJson));
-        return allDone;
+        return AllDone;
     }
     const std::vector<Task> tasks = MakeTasks(options);
     if (tasks.empty() && !options.inputs.empty()) {
@@ -187,7 +187,7 @@ int RunBatch(const Options& options)
     }
     const auto module = LoadModule();
     const Session session = MakeSession(options, module);
-    return RunAll(options, module, session, tasks) ? allDone : someFailed;
+    return RunAll(options, module, session, tasks) ? AllDone : SomeFailed;
 }
 
 } // namespace Cli

@@ -11,7 +11,7 @@ namespace Cli {
 namespace {
 
 // A piece of text that is worth a system call.
-constexpr size_t enough = size_t{64} * 1024;
+constexpr size_t Enough = size_t{64} * 1024;
 
 void WriteText(int descriptor, std::string_view text)
 {
@@ -31,8 +31,8 @@ std::string ObjectHead(const FileReport& report, const Controls& controls)
     json["frames"] = report.frames;
     json["latency"] = report.latency;
     nlohmann::ordered_json& parameters = json["parameters"];
-    for (size_t i = 0; i < controlTable.size(); ++i) {
-        parameters[controlTable[i].member] = controls.values[i];
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        parameters[ControlTable[i].member] = controls.values[i];
     }
     parameters["bypass"] = controls.bypass;
     std::string text = json.dump(2);
@@ -83,7 +83,7 @@ void EventsDocument::Add(size_t number,
     spool.ForEach([&](const Wrapper::Detection& detection) {
         text += separator + EventJson(MakeEvent(detection, average, report.sampleRate));
         separator = ",\n    ";
-        if (text.size() > enough) {
+        if (text.size() > Enough) {
             Collect(text);
             text.clear();
         }

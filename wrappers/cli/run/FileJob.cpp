@@ -29,7 +29,7 @@ namespace {
 size_t ChunkOf(int block)
 {
     const auto frames = static_cast<size_t>(block);
-    const size_t least = defaultBlock;
+    const size_t least = DefaultBlock;
     return frames >= least ? frames : least / frames * frames;
 }
 

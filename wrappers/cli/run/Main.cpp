@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int failed = 1;
-constexpr int badUsage = 2;
+constexpr int Failed = 1;
+constexpr int BadUsage = 2;
 
 int Complain(const std::exception& error, int exitCode)
 {
@@ -45,8 +45,8 @@ int main(int argc, char** argv)
     try {
         return Run(argc, argv);
     } catch (const Cli::UsageError& error) {
-        return Complain(error, badUsage);
+        return Complain(error, BadUsage);
     } catch (const std::exception& error) {
-        return Complain(error, failed);
+        return Complain(error, Failed);
     }
 }

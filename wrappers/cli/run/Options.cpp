@@ -19,7 +19,7 @@ namespace Cli {
 
 namespace {
 
-constexpr const char* examples = R"(Examples:
+constexpr const char* ExampleText = R"(Examples:
   puffguard talk.wav                        repairs into talk.puffguard.wav
   puffguard talk.wav -o clean.flac          another name and container
   puffguard *.wav --output-dir clean        many files, all cores
@@ -105,8 +105,8 @@ void AddFileOptions(CLI::App& app, Options& options, Typed& typed)
 void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
 {
     app.option_defaults()->group("Repair");
-    for (size_t i = 0; i < controlTable.size(); ++i) {
-        const Control& control = controlTable[i];
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        const Control& control = ControlTable[i];
         app.add_option(control.option, typed.controls[i], control.help)
             ->type_name(fmt::format("{}..{}", control.least, control.most));
     }
@@ -150,15 +150,15 @@ void AddReportOptions(CLI::App& app, Options& options, Typed& typed)
 
 void Interpret(const Typed& typed, Options& options)
 {
-    for (size_t i = 0; i < controlTable.size(); ++i) {
-        const Control& control = controlTable[i];
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        const Control& control = ControlTable[i];
         if (!typed.controls[i].empty()) {
             options.controls.values[i] =
                 ParseNumber<double>(typed.controls[i], control.option, control.least, control.most);
         }
     }
     if (!typed.block.empty()) {
-        options.block = ParseNumber<int>(typed.block, "--block", 1, greatestBlock);
+        options.block = ParseNumber<int>(typed.block, "--block", 1, GreatestBlock);
     }
     options.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     if (!typed.jobs.empty()) {
@@ -234,7 +234,7 @@ std::variant<Options, Answer> ParseOptions(int argc, const char* const* argv)
                  "them down.\nWithout -o, --output-dir or --in-place the result of NAME.EXT is "
                  "NAME.puffguard.EXT beside it.",
                  "puffguard");
-    app.footer(examples);
+    app.footer(ExampleText);
     app.allow_extras();
     app.option_defaults()->take_last();
     Options options;

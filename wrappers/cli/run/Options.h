@@ -38,7 +38,7 @@ struct Options {
 
     ChosenControls controls;
     SessionOptions session;
-    int block = defaultBlock; ///< frames
+    int block = DefaultBlock; ///< frames
     int jobs = 1;
 
     bool wantsJson = false;

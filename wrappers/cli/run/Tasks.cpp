@@ -17,7 +17,7 @@ namespace Cli {
 
 namespace {
 
-constexpr std::string_view resultMark = ".puffguard";
+constexpr std::string_view ResultMark = ".puffguard";
 
 struct Found {
     FileName name;
@@ -27,7 +27,7 @@ struct Found {
 
 bool IsRecording(const fs::path& path)
 {
-    return HasNameOfRecording(path.string()) && !path.stem().string().ends_with(resultMark);
+    return HasNameOfRecording(path.string()) && !path.stem().string().ends_with(ResultMark);
 }
 
 bool IsSameFolder(const fs::path& a, const std::string& b)
@@ -245,7 +245,7 @@ FileName DefaultOutputName(const FileName& input, const std::string& extension)
 {
     const fs::path path(input.Get());
     const std::string ending = extension.empty() ? path.extension().string() : "." + extension;
-    return FileName(path.parent_path() / (path.stem().string() + std::string(resultMark) + ending));
+    return FileName(path.parent_path() / (path.stem().string() + std::string(ResultMark) + ending));
 }
 
 FileName

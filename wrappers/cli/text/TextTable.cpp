@@ -12,7 +12,7 @@ namespace {
 
 using Wrapper::Utf8::CountCharacters;
 
-constexpr size_t gap = 2;
+constexpr size_t Gap = 2;
 
 } // namespace
 
@@ -36,7 +36,7 @@ std::string TextTable::Format() const
     for (const Row& row : rows) {
         std::string line;
         for (size_t i = 0; i < row.size(); ++i) {
-            line += row[i] + std::string(widths[i] - CountCharacters(row[i]) + gap, ' ');
+            line += row[i] + std::string(widths[i] - CountCharacters(row[i]) + Gap, ' ');
         }
         line.resize(line.find_last_not_of(' ') + 1);
         text += line + "\n";

@@ -79,7 +79,7 @@ void WriteBundle(const std::filesystem::path& folder, const std::string& binary)
     const std::vector<Lv2::PresetValues> presets = ReadPresets(*instance);
 
     std::string manifest = Lv2::TurtlePrefixes();
-    for (const Lv2::Variant& variant : Lv2::variants) {
+    for (const Lv2::Variant& variant : Lv2::Variants) {
         manifest += ManifestEntry(variant, binary) + Lv2::PresetList(presets, variant);
         const std::string symbol = variant.symbol;
         Write(folder / (symbol + ".ttl"), Lv2::PluginDocument(description, variant));

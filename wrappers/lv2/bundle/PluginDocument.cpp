@@ -10,7 +10,7 @@ namespace Lv2 {
 namespace {
 
 // 6.00 is 6000.
-constexpr uint32_t minorUnit = 1000;
+constexpr uint32_t MinorUnit = 1000;
 
 std::string GroupUri(const Variant& variant, const char* direction)
 {
@@ -145,10 +145,10 @@ std::string Head(const Wrapper::Product& product, const Variant& variant)
            " ;\n\tdoap:license <https://spdx.org/licenses/ISC> ;\n\tdoap:maintainer [ a "
            "foaf:Organization ; foaf:name " +
            TurtleText(product.vendorLong) + " ] ;\n\tdoap:shortdesc " +
-           TurtleText(Wrapper::shortDescription) + " ;\n\trdfs:comment " +
-           TurtleText(Wrapper::longDescription) + " ;\n\tlv2:minorVersion " +
-           std::to_string(product.versionNumber / minorUnit) + " ;\n\tlv2:microVersion " +
-           std::to_string(product.versionNumber % minorUnit) +
+           TurtleText(Wrapper::ShortDescription) + " ;\n\trdfs:comment " +
+           TurtleText(Wrapper::LongDescription) + " ;\n\tlv2:minorVersion " +
+           std::to_string(product.versionNumber / MinorUnit) + " ;\n\tlv2:microVersion " +
+           std::to_string(product.versionNumber % MinorUnit) +
            " ;\n\tlv2:optionalFeature lv2:hardRTCapable , urid:map , log:log , "
            "state:threadSafeRestore ;\n\tlv2:extensionData state:interface ;\n";
 }
@@ -156,7 +156,7 @@ std::string Head(const Wrapper::Product& product, const Variant& variant)
 // Readers that check documents want to know every property.
 std::string StateProperty()
 {
-    return TurtleUri(stateUri) + "\n\ta rdf:Property ;\n\trdfs:label \"State\" ;\n\trdfs:domain "
+    return TurtleUri(StateUri) + "\n\ta rdf:Property ;\n\trdfs:label \"State\" ;\n\trdfs:domain "
                                  "state:State ;\n\trdfs:range xsd:base64Binary .\n\n";
 }
 

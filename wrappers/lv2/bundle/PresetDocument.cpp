@@ -52,7 +52,7 @@ std::string PresetDocument(const Description& description,
         text += PresetHead(variant, preset) +
                 (preset.comment.empty() ? "" : " ;\n\trdfs:comment " + TurtleText(preset.comment)) +
                 " ;\n\tlv2:port" + PresetPorts(description, preset) + " ;\n\tstate:state [\n\t\t" +
-                TurtleUri(stateUri) + " " + TurtleBytes(preset.state) + "\n\t] .\n\n";
+                TurtleUri(StateUri) + " " + TurtleBytes(preset.state) + "\n\t] .\n\n";
     }
     return text;
 }

@@ -77,14 +77,14 @@ std::string TurtleNumber(double value)
 
 std::string TurtleBytes(std::span<const uint8_t> bytes)
 {
-    constexpr std::string_view digits =
+    constexpr std::string_view Digits =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text = "\"";
     for (size_t i = 0; i < bytes.size(); i += 3) {
         const auto byte = [&](size_t at) { return at < bytes.size() ? bytes[at] : 0U; };
         const uint32_t word = byte(i) << 16U | byte(i + 1) << 8U | byte(i + 2);
         for (uint32_t digit = 0; digit < 4; ++digit) {
-            text += i + digit <= bytes.size() ? digits[word >> (18U - 6U * digit) & 63U] : '=';
+            text += i + digit <= bytes.size() ? Digits[word >> (18U - 6U * digit) & 63U] : '=';
         }
     }
     return text + "\"^^xsd:base64Binary";

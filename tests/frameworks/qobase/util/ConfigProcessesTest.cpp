@@ -48,10 +48,10 @@ void WriteMany(const char* prefix, int32_t count)
 TEST(ConfigProcesses, AndTheirThreadsLoseNoWriteOfEachOther)
 {
     const Support::UserFolders folders;
-    constexpr int32_t count = 100;
+    constexpr int32_t Count = 100;
     const auto writeTwice = [](const char* one, const char* other) {
-        std::thread thread([&] { WriteMany(one, count); });
-        WriteMany(other, count);
+        std::thread thread([&] { WriteMany(one, Count); });
+        WriteMany(other, Count);
         thread.join();
     };
     Child first([&] { writeTwice("a", "b"); });
@@ -60,7 +60,7 @@ TEST(ConfigProcesses, AndTheirThreadsLoseNoWriteOfEachOther)
     EXPECT_EQ(second.Wait(), 0);
     const ConfigFile config(Key);
     for (const char* const prefix : {"a", "b", "c", "d"}) {
-        for (int32_t i = 0; i < count; ++i) {
+        for (int32_t i = 0; i < Count; ++i) {
             EXPECT_EQ(config.ReadInt(Name(prefix, i), -1), i);
         }
     }

@@ -191,15 +191,15 @@ TEST(DataStream, ImprobableLengthsRaiseBeforeAnythingIsRead)
         claims.SetPosition(0);
         return Bytes(claims.GetBytes());
     };
-    constexpr uint32_t most = 64U << 20;
-    MemoryStream bytes(claim(most + 1));
+    constexpr uint32_t Most = 64U << 20;
+    MemoryStream bytes(claim(Most + 1));
     EXPECT_EQ(Raised([&] { bytes.ReadUInt8Vector(); }), "Improbable vector length 67108865");
-    MemoryStream doubles(claim(most / 8 + 1));
+    MemoryStream doubles(claim(Most / 8 + 1));
     EXPECT_EQ(Raised([&] { doubles.ReadDoubleVector(); }), "Improbable vector length 8388609");
     MemoryStream texts(claim(0xFFFFFFFF));
     EXPECT_EQ(Raised([&] { texts.ReadStringVector(); }), "Improbable vector length 4294967295");
     // A length that can be believed, and no data: no more is made room for than one step.
-    MemoryStream none(claim(most));
+    MemoryStream none(claim(Most));
     EXPECT_EQ(Raised([&] { none.ReadUInt8Vector(); }),
               "Can't extract 1048576 bytes: Attempt to read 1048576 bytes, only read 0 bytes");
     EXPECT_EQ(Raised([&] { none.ReadBytes(~uint64_t{0}); }),

@@ -33,7 +33,7 @@ namespace {
 namespace fs = std::filesystem;
 using Util::File;
 
-constexpr unsigned childSeconds = 60; // a child that hangs ends itself
+constexpr unsigned ChildSeconds = 60; // a child that hangs ends itself
 
 std::function<void(int)> onFlush; // sees each call of fsync()
 int flushError = 0;               // that it fails with
@@ -274,7 +274,7 @@ TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)
 /// In a child of its own: what comes of `action` when files may have 1000 bytes.
 void RunWithSmallFiles(const std::function<Util::Expected<void>()>& action)
 {
-    alarm(childSeconds);
+    alarm(ChildSeconds);
     const rlimit limit{1000, 1000};
     setrlimit(RLIMIT_FSIZE, &limit);
     const auto result = action();
@@ -313,7 +313,7 @@ TEST(FileDeathTest, AFileSystemWithoutOwnersOrPermissionsIsWrittenToAllTheSame)
         ASSERT_EQ(chown((folder / "file").c_str(), 12345, 12345), 0); // or no owner is to be kept
     }
     const auto replace = [&] {
-        alarm(childSeconds);
+        alarm(ChildSeconds);
         umask(0);
         const bool isRefused =
             Support::RefuseCall(SYS_fchown, EINVAL) && Support::RefuseCall(SYS_fchmod, EPERM);
@@ -334,11 +334,11 @@ Util::Bytes Version(uint8_t number)
 // Whoever saves anything (presets, settings, histories) saves it by this.
 TEST(ReplaceWholeFile, IsOneWholeVersionWheneverTheWriterIsKilled)
 {
-    constexpr int kills = 40;
+    constexpr int Kills = 40;
     const Support::TemporaryFolder folder;
     const std::string path = folder / "file.xml";
     ASSERT_TRUE(Util::ReplaceWholeFile(path, Version(0)));
-    for (int round = 0; round < kills; ++round) {
+    for (int round = 0; round < Kills; ++round) {
         Support::Child child([&] {
             for (uint8_t number = 1;; ++number) {
                 static_cast<void>(Util::ReplaceWholeFile(path, Version(number)));

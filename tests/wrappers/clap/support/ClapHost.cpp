@@ -11,7 +11,7 @@ namespace {
 
 thread_local bool isAudioThread = false;
 
-constexpr uint32_t channelFlags =
+constexpr uint32_t ChannelFlags =
     CLAP_AUDIO_PORTS_RESCAN_CHANNEL_COUNT | CLAP_AUDIO_PORTS_RESCAN_PORT_TYPE;
 
 } // namespace
@@ -88,15 +88,15 @@ void Host::Check(bool isAllowed, const char* rule)
 
 const void* Host::Find(const char* id)
 {
-    static constexpr clap_host_latency_t latency = {[](const clap_host_t* self) {
+    static constexpr clap_host_latency_t Latency = {[](const clap_host_t* self) {
         Of(self).Check(Of(self).IsMain() && Of(self).phase == Phase::Activating, "latency changed");
         ++Of(self).latencyChanges;
     }};
-    static constexpr Clap::Abi::HostTail tail = {[](const clap_host_t* self) {
+    static constexpr Clap::Abi::HostTail Tail = {[](const clap_host_t* self) {
         Of(self).Check(isAudioThread && Of(self).phase == Phase::Active, "tail changed");
         ++Of(self).tailChanges;
     }};
-    static constexpr clap_host_params_t params = {
+    static constexpr clap_host_params_t Params = {
         [](const clap_host_t* self, clap_param_rescan_flags flags) {
             Of(self).Check(Of(self).IsMain() && flags == CLAP_PARAM_RESCAN_VALUES, "params rescan");
             ++Of(self).valueRescans;
@@ -108,25 +108,25 @@ const void* Host::Find(const char* id)
             Of(self).Check(!isAudioThread, "request_flush");
             ++Of(self).flushes;
         }};
-    static constexpr clap_host_state_t state = {[](const clap_host_t* self) {
+    static constexpr clap_host_state_t State = {[](const clap_host_t* self) {
         Of(self).Check(Of(self).IsMain(), "mark_dirty");
         ++Of(self).dirtyMarks;
     }};
-    static constexpr clap_host_audio_ports_t ports = {
+    static constexpr clap_host_audio_ports_t Ports = {
         [](const clap_host_t* self, uint32_t flag) {
             Of(self).Check(Of(self).IsMain(), "is_rescan_flag_supported");
-            return (flag & channelFlags) != 0;
+            return (flag & ChannelFlags) != 0;
         },
         [](const clap_host_t* self, uint32_t flags) {
             Of(self).Check(Of(self).IsMain() && Of(self).phase == Phase::Inactive &&
-                               (flags & ~channelFlags) == 0,
+                               (flags & ~ChannelFlags) == 0,
                            "ports rescan");
             ++Of(self).portRescans;
         }};
-    static constexpr clap_host_thread_check_t threads = {
+    static constexpr clap_host_thread_check_t Threads = {
         [](const clap_host_t* self) { return Of(self).IsMain(); },
         [](const clap_host_t*) { return isAudioThread; }};
-    static constexpr Clap::Abi::HostLog log = {
+    static constexpr Clap::Abi::HostLog Log = {
         [](const clap_host_t* self, int32_t, const char* text) {
             const std::lock_guard guard(Of(self).mutex);
             Of(self).logged.emplace_back(text);
@@ -134,13 +134,13 @@ const void* Host::Find(const char* id)
     const struct {
         std::string_view id;
         const void* table;
-    } tables[] = {{CLAP_EXT_AUDIO_PORTS, &ports},
-                  {CLAP_EXT_LATENCY, &latency},
-                  {CLAP_EXT_PARAMS, &params},
-                  {CLAP_EXT_STATE, &state},
-                  {CLAP_EXT_THREAD_CHECK, &threads},
-                  {Clap::Abi::extLog, &log},
-                  {Clap::Abi::extTail, &tail}};
+    } tables[] = {{CLAP_EXT_AUDIO_PORTS, &Ports},
+                  {CLAP_EXT_LATENCY, &Latency},
+                  {CLAP_EXT_PARAMS, &Params},
+                  {CLAP_EXT_STATE, &State},
+                  {CLAP_EXT_THREAD_CHECK, &Threads},
+                  {Clap::Abi::ExtLog, &Log},
+                  {Clap::Abi::ExtTail, &Tail}};
     Check(true, "get_extension");
     for (const auto& [name, table] : tables) {
         if (offersExtensions && name == id) {

@@ -25,7 +25,7 @@ namespace ClapHost {
 
 using Audio = std::vector<std::vector<float>>;
 
-inline constexpr const char* pluginId = "example.puffguard.puffguard";
+inline constexpr const char* PluginId = "example.puffguard.puffguard";
 
 /// From the entry's init() to its deinit(), in a file that is loaded for it.
 class Use {

@@ -15,7 +15,7 @@ const clap_plugin_t* Create(const Use& use, Host& host)
     host.phase = Host::Phase::Creating;
     const clap_plugin_factory_t* factory = use.GetFactory();
     const clap_plugin_t* plugin =
-        factory != nullptr ? factory->create_plugin(factory, host.Get(), pluginId) : nullptr;
+        factory != nullptr ? factory->create_plugin(factory, host.Get(), PluginId) : nullptr;
     host.phase = Host::Phase::Inactive;
     return plugin;
 }
@@ -193,7 +193,7 @@ void Plugin::Flush(const InputEvents* in, const OutputEvents* out)
 bool Plugin::SelectConfig(clap_id id)
 {
     host->BecomeMain();
-    const auto* configs = Find<Clap::Abi::PluginAudioPortsConfig>(Clap::Abi::extAudioPortsConfig);
+    const auto* configs = Find<Clap::Abi::PluginAudioPortsConfig>(Clap::Abi::ExtAudioPortsConfig);
     return configs->select(plugin, id);
 }
 

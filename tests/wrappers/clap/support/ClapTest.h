@@ -21,15 +21,15 @@ public:
 /// Tests find no settings of the user, and fail when the plug-in breaks a rule of threads.
 class ClapTest : public testing::Test {
 protected:
-    static constexpr uint32_t rate = 48000;
+    static constexpr uint32_t Rate = 48000;
 
     /// One second.
-    static TestHost::Audio Speech() { return Contract::MakeSpeech(rate, 2, 1.0); }
+    static TestHost::Audio Speech() { return Contract::MakeSpeech(Rate, 2, 1.0); }
 
     /// What the module makes of speech at `strength`, 0 to 10.
     static TestHost::Audio Expected(float strength = 5.0F)
     {
-        return Contract::Expected(Speech(), rate, {.strength = strength / 10});
+        return Contract::Expected(Speech(), Rate, {.strength = strength / 10});
     }
 
     Support::UserFolders folders;

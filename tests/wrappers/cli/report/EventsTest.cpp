@@ -48,14 +48,14 @@ TEST(EventsTest, StaysFiniteWhereThereIsNothing)
     Detection silent = MakeDetection();
     silent.energyBefore = silent.energyAfter = 0;
     EXPECT_EQ(MakeEvent(silent, {1.0}, 48000).reduction, 0.0);
-    EXPECT_EQ(MakeEvent(silent, {1.0}, 48000).removed, Cli::leastDecibel);
+    EXPECT_EQ(MakeEvent(silent, {1.0}, 48000).removed, Cli::LeastDecibel);
     Detection erased = MakeDetection();
     erased.energyAfter = 0;
-    EXPECT_EQ(MakeEvent(erased, {1.0}, 48000).reduction, Cli::leastDecibel);
+    EXPECT_EQ(MakeEvent(erased, {1.0}, 48000).reduction, Cli::LeastDecibel);
     Detection empty = MakeDetection();
     empty.frames = 0;
-    EXPECT_EQ(MakeEvent(empty, {1.0}, 48000).removed, Cli::leastDecibel);
-    EXPECT_EQ(MakeEvent(MakeDetection(), Cli::AverageOf({}), 48000).removed, Cli::leastDecibel);
+    EXPECT_EQ(MakeEvent(empty, {1.0}, 48000).removed, Cli::LeastDecibel);
+    EXPECT_EQ(MakeEvent(MakeDetection(), Cli::AverageOf({}), 48000).removed, Cli::LeastDecibel);
 }
 
 TEST(EventsTest, UnvoicedHasNoPitch)

@@ -33,11 +33,11 @@ std::string Complaint(const std::vector<std::string>& words)
 
 TEST(OptionsTest, TakesEachControlUpToTheEndsOfItsRange)
 {
-    for (size_t i = 0; i < Cli::controlTable.size(); ++i) {
-        const Cli::Control& control = Cli::controlTable[i];
+    for (size_t i = 0; i < Cli::ControlTable.size(); ++i) {
+        const Cli::Control& control = Cli::ControlTable[i];
         for (const double end : {control.least, control.most}) {
             const auto chosen = Parse({"a.wav", control.option, fmt::format("{}", end)}).controls;
-            for (size_t other = 0; other < Cli::controlTable.size(); ++other) {
+            for (size_t other = 0; other < Cli::ControlTable.size(); ++other) {
                 EXPECT_EQ(chosen.values[other], other == i ? std::optional(end) : std::nullopt);
             }
         }

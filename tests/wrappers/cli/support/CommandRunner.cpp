@@ -22,8 +22,8 @@ namespace CliTest {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr auto limit = std::chrono::minutes(2);
-constexpr int nobody = 65534;
+constexpr auto Limit = std::chrono::minutes(2);
+constexpr int Nobody = 65534;
 
 struct Pipe {
     int read = -1;
@@ -86,7 +86,7 @@ public:
     void Converse(std::string_view input, Outcome& outcome, bool keepOpen)
     {
         ::fcntl(in.write, F_SETFL, O_NONBLOCK);
-        const auto end = Clock::now() + limit;
+        const auto end = Clock::now() + Limit;
         while ((out.read >= 0 || err.read >= 0) && Clock::now() < end) {
             std::array<pollfd, 3> watched = {{{input.empty() ? -1 : in.write, POLLOUT, 0},
                                               {out.read, POLLIN, 0},
@@ -105,7 +105,7 @@ public:
 
     void Wait(Outcome& outcome)
     {
-        const auto end = Clock::now() + limit;
+        const auto end = Clock::now() + Limit;
         int status = 0;
         pid_t done = 0;
         while ((done = ::waitpid(id, &status, WNOHANG)) == 0 && Clock::now() < end)
@@ -141,7 +141,7 @@ private:
             "LSAN_OPTIONS", "suppressions=" PUFFGUARD_LEAK_SUPPRESSIONS ":print_suppressions=0", 0);
         for (const std::string& variable : setup.environment)
             ::putenv(const_cast<char*>(variable.c_str()));
-        if (setup.asNobody && (::setgid(nobody) != 0 || ::setuid(nobody) != 0))
+        if (setup.asNobody && (::setgid(Nobody) != 0 || ::setuid(Nobody) != 0))
             ::_exit(121);
         ::execv(words[0], words);
         ::_exit(122);
@@ -202,7 +202,7 @@ Outcome InterruptPuffguard(const std::vector<std::string>& arguments,
     ::signal(SIGPIPE, SIG_IGN);
     Outcome outcome;
     Child child(arguments, {});
-    const auto end = Clock::now() + limit;
+    const auto end = Clock::now() + Limit;
     std::thread feeder([&] { child.Converse(input, outcome, true); });
     while (!HasHiddenFile(folder) && !child.HasEnded() && Clock::now() < end)
         ::usleep(1000);

@@ -35,9 +35,9 @@ protected:
     const std::string state = folder / "session.bin";
 };
 
-inline constexpr const char* sensitivity = "PuffGuard.Sensitivity";
-inline constexpr const char* strength = "PuffGuard.Strength";
-inline constexpr const char* upperFrequency = "PuffGuard.Upper Repair Frequency";
-inline constexpr const char* latencyScaling = "PuffGuard.Latency Scaling";
+inline constexpr const char* Sensitivity = "PuffGuard.Sensitivity";
+inline constexpr const char* Strength = "PuffGuard.Strength";
+inline constexpr const char* UpperFrequency = "PuffGuard.Upper Repair Frequency";
+inline constexpr const char* LatencyScaling = "PuffGuard.Latency Scaling";
 
 } // namespace CliTest

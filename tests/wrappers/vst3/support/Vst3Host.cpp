@@ -62,8 +62,8 @@ v3_process_context* AnyTransport::Next(uint32_t frames, double rate)
         }
         context.project_time_in_samples /= 2; // to go on from
     }
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
-    context.sample_rate = std::array{rate, 0.0, none, -rate}[engine() % 4];
+    constexpr double None = std::numeric_limits<double>::quiet_NaN();
+    context.sample_rate = std::array{rate, 0.0, None, -rate}[engine() % 4];
     context.state = engine() % 4 == 0 ? static_cast<uint32_t>(engine())
                                       : static_cast<uint32_t>(V3_PROCESS_CTX_PLAYING);
     return &context;
@@ -90,10 +90,10 @@ Plugin::Plugin(uint32_t newChannels, double newRate, std::shared_ptr<Host> newHo
     for (size_t i = 0; i < parameters.size(); ++i) {
         controller->GetParameterInfo(static_cast<int32_t>(i), &parameters[i]);
     }
-    const uint64_t mask = channels == 1   ? mono
-                          : channels == 2 ? stereo
-                          : channels == 6 ? surround51
-                                          : surround71;
+    const uint64_t mask = channels == 1   ? Mono
+                          : channels == 2 ? Stereo
+                          : channels == 6 ? Surround51
+                                          : Surround71;
     Arrange(mask, mask);
     Setup(rate);
 }

@@ -10,18 +10,18 @@
 /// A small host of the built bundle.
 namespace Vst3Host {
 
-constexpr uint64_t mono = V3_SPEAKER_M;
-constexpr uint64_t stereo = 0x3;
-constexpr uint64_t surround51 = 0x3F;
-constexpr uint64_t surround71 = 0x63F;
+constexpr uint64_t Mono = V3_SPEAKER_M;
+constexpr uint64_t Stereo = 0x3;
+constexpr uint64_t Surround51 = 0x3F;
+constexpr uint64_t Surround71 = 0x63F;
 
 /// For good: sessions and automation hold them.
 namespace Id {
-constexpr v3_tuid effect = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
-constexpr uint32_t sensitivity = 674812114;
-constexpr uint32_t strength = 808038898;
-constexpr uint32_t upperFrequency = 1867466536;
-constexpr uint32_t bypass = 63163949;
+constexpr v3_tuid Effect = V3_ID(0xEA92480B, 0x276D315D, 0xD76F5F30, 0xA7891AE4);
+constexpr uint32_t Sensitivity = 674812114;
+constexpr uint32_t Strength = 808038898;
+constexpr uint32_t UpperFrequency = 1867466536;
+constexpr uint32_t Bypass = 63163949;
 } // namespace Id
 
 /// ASCII as the format's 16-bit text.

@@ -68,14 +68,18 @@ bool Allows(Contexts contexts, uint32_t context)
 
 uint32_t Expected(const Rule& rule, uint32_t context, bool hasInstance, bool hasRecord)
 {
-    if (!hasInstance)
+    if (!hasInstance) {
         return PluginCoreNullInstance;
-    if (!hasRecord && rule.record == Needs::Record)
+    }
+    if (!hasRecord && rule.record == Needs::Record) {
         return PluginCoreNullRecord;
-    if (!Allows(rule.contexts, context))
+    }
+    if (!Allows(rule.contexts, context)) {
         return PluginCoreWrongContext;
-    if (!hasRecord && rule.record == Needs::RecordAfterContext)
+    }
+    if (!hasRecord && rule.record == Needs::RecordAfterContext) {
         return PluginCoreNullRecord;
+    }
     return rule.answer;
 }
 
@@ -159,8 +163,9 @@ INSTANTIATE_TEST_SUITE_P(Entry, Selectors, testing::ValuesIn(Rules), [](const au
 TEST(Entry, TestsTheMagicNumberBeforeAnythingElse)
 {
     for (const uint32_t magic : {0U, 1076U, 1078U, 0xFFFFFFFFU}) {
-        for (uint32_t selector = 0; selector < 42; ++selector)
+        for (uint32_t selector = 0; selector < 42; ++selector) {
             EXPECT_EQ(Entry()(magic, selector, 7, nullptr, nullptr), PluginCoreWrongMagic);
+        }
     }
 }
 

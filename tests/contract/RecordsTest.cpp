@@ -89,10 +89,12 @@ TEST(PluginInfo, IsTheProductsToTheByte)
     ASSERT_EQ(Call(SelectorGetPluginInfo, UI, nullptr, &request), PluginCoreSuccess);
     EXPECT_EQ(request.identity.options[1023], '\0');
     EXPECT_EQ(request.identity.options[1022], 'x');
-    for (std::size_t i = 0; i < expected.bytes.size(); ++i)
+    for (std::size_t i = 0; i < expected.bytes.size(); ++i) {
         ASSERT_EQ(written[i], expected.bytes[i]) << "offset " << i;
-    for (std::size_t i = expected.bytes.size(); i < written.size(); ++i)
+    }
+    for (std::size_t i = expected.bytes.size(); i < written.size(); ++i) {
         ASSERT_EQ(written[i], 0xAA) << "behind the record, offset " << i;
+    }
 }
 
 template <typename Row>

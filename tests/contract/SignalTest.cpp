@@ -24,8 +24,9 @@ constexpr float Rate = 44100.0F;
 uint32_t LatencyInTheory(double sampleRate, double scaling)
 {
     double frame = 8;
-    while (frame < 0.07 * sampleRate)
+    while (frame < 0.07 * sampleRate) {
         frame *= 2;
+    }
     const double hop = frame / 8;
     const double peak = std::max(2.0, std::round(sampleRate * scaling * 0.07 / hop));
     const double edge = std::max(3.0, std::round(sampleRate * scaling * 0.05 / hop));
@@ -148,8 +149,9 @@ TEST(NullPointers, AMissingFurtherChannelLeavesTheOthersAlone)
         ASSERT_EQ(Call(SelectorProcess, Process, instance.Get(), &record), PluginCoreSuccess);
     }
     EXPECT_EQ(audio[1], input[1]);
-    for (const std::size_t c : {0U, 2U})
+    for (const std::size_t c : {0U, 2U}) {
         EXPECT_EQ(Difference({audio[c]}, Delayed({input[c]}, latency)), "") << "channel " << c;
+    }
 }
 
 } // namespace

@@ -32,8 +32,9 @@ constexpr std::array<uint32_t, 3> Saved{Sensitivity, Strength, UpperFrequency};
 
 void SetAll(Instance& instance, const std::array<float, 3>& values)
 {
-    for (const uint32_t index : Saved)
+    for (const uint32_t index : Saved) {
         instance.Set(index, values[index]);
+    }
 }
 
 std::array<float, 3> GetAll(Instance& instance, uint32_t context)
@@ -54,8 +55,9 @@ TEST(State, SizeAndChunkBelongTogether)
             Chunk buffer(size + 8, 0xEE);
             const StateRecord record = Command(instance, op, buffer.data(), place);
             EXPECT_EQ(record.failed, place == size ? 0 : 1) << op << " " << place;
-            for (std::size_t i = std::min(place, size); i < buffer.size(); ++i)
+            for (std::size_t i = std::min(place, size); i < buffer.size(); ++i) {
                 ASSERT_EQ(buffer[i], 0xEE) << op << " " << place << " " << i;
+            }
         }
         EXPECT_EQ(Command(instance, op, nullptr, size).failed, 1);
     }

@@ -138,8 +138,9 @@ TEST(FormatChange, ToTheSameFormatForgetsNothing)
     Instance second(44100.0F, 1);
     uint32_t blocks = 0;
     second.Run(parts, [&] {
-        if (++blocks == 50)
+        if (++blocks == 50) {
             second.SetFormat(44100.0F, 0);
+        }
         return 600U;
     });
     EXPECT_EQ(parts, whole);
@@ -158,8 +159,9 @@ TEST(Storm, OfParametersFromBothThreads)
 {
     Instance instance(44100.0F, 2);
     const auto setAll = [&instance](std::mt19937& engine, uint32_t context) {
-        for (const uint32_t index : {Sensitivity, Strength, UpperFrequency, GlobalBypass})
+        for (const uint32_t index : {Sensitivity, Strength, UpperFrequency, GlobalBypass}) {
             instance.Set(index, static_cast<float>(engine() % 1001) / 1000.0F, context);
+        }
     };
     std::atomic<bool> ending = false;
     std::thread audio([&] {
@@ -245,15 +247,18 @@ TEST(Instances, TwoHundredComeAndGoOnSeveralThreads)
                 held.push_back(std::make_unique<Instance>(16000.0F, 1));
                 Audio audio = input;
                 held.back()->Run(audio, 1000);
-                if (audio == expected)
+                if (audio == expected) {
                     ++good;
-                if (held.size() == 5)
+                }
+                if (held.size() == 5) {
                     held.erase(held.begin(), held.begin() + 4);
+                }
             }
         });
     }
-    for (auto& thread : threads)
+    for (auto& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(good, ThreadCount * InstancesEach);
 }
 

@@ -35,10 +35,11 @@ void ExpectClean(const Probe::Report& report, const std::string& where)
     EXPECT_EQ(report.systemCalls, 0U) << where << ": system call " << report.systemCall;
     for (std::size_t i = 0; i < report.lockCount; ++i) {
         const void* lock = report.locks[i];
-        if (!IsRecursive(lock))
+        if (!IsRecursive(lock)) {
             ADD_FAILURE() << where << ": a plain lock";
-        else
+        } else {
             EXPECT_TRUE(IsStated(NameOf(lock))) << where << ": \"" << NameOf(lock) << '"';
+        }
     }
 }
 

@@ -24,27 +24,28 @@ void* kept = nullptr;
 extern "C" __attribute__((visibility("default"))) bool Misbehave(const char* name)
 {
     const std::string_view what = name;
-    if (what == "malloc")
+    if (what == "malloc") {
         kept = std::malloc(16);
-    else if (what == "free")
+    } else if (what == "free") {
         std::free(std::exchange(kept, nullptr));
-    else if (what == "new")
+    } else if (what == "new") {
         kept = ::operator new(16);
-    else if (what == "delete")
+    } else if (what == "delete") {
         ::operator delete(std::exchange(kept, nullptr));
-    else if (what == "aligned new")
+    } else if (what == "aligned new") {
         kept = ::operator new (64, std::align_val_t{64});
-    else if (what == "lock")
+    } else if (what == "lock") {
         const std::lock_guard guard(plainMutex);
-    else if (what == "try lock")
+    } else if (what == "try lock") {
         const std::unique_lock attempt(plainMutex, std::try_to_lock);
-    else if (what == "notify")
+    } else if (what == "notify") {
         plainCondition.notify_one();
-    else if (what == "yield")
+    } else if (what == "yield") {
         std::this_thread::yield();
-    else if (what == "write")
+    } else if (what == "write") {
         return ::write(-1, "", 0) == -1;
-    else if (what != "nothing")
+    } else if (what != "nothing") {
         return false;
+    }
     return true;
 }

@@ -29,25 +29,29 @@ thread_local volatile char dispatch = 0;
 
 void CountHeap() noexcept
 {
-    if (current != nullptr)
+    if (current != nullptr) {
         ++current->heapCalls;
+    }
 }
 
 void CountWait() noexcept
 {
-    if (current != nullptr)
+    if (current != nullptr) {
         ++current->waits;
+    }
 }
 
 void CountLock(const void* lock) noexcept
 {
-    if (current == nullptr)
+    if (current == nullptr) {
         return;
+    }
     ++current->lockCalls;
     const auto end = current->locks.begin() + static_cast<std::ptrdiff_t>(current->lockCount);
     if (std::find(current->locks.begin(), end, lock) == end &&
-        current->lockCount < Probe::Report::MaxLocks)
+        current->lockCount < Probe::Report::MaxLocks) {
         current->locks[current->lockCount++] = lock;
+    }
 }
 
 /// Lets this thread's system calls pass while it lives: the slow path of a lock makes some.
@@ -97,8 +101,9 @@ bool StartReporting() noexcept
     struct sigaction action {};
     action.sa_sigaction = &OnSystemCall;
     action.sa_flags = SA_SIGINFO;
-    if (sigaction(SIGSYS, &action, nullptr) != 0)
+    if (sigaction(SIGSYS, &action, nullptr) != 0) {
         return false;
+    }
     return prctl(PR_SET_SYSCALL_USER_DISPATCH, PR_SYS_DISPATCH_ON, 0, 0, &dispatch) == 0;
 }
 

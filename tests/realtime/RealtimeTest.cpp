@@ -33,8 +33,9 @@ uint32_t RunWatched(Instance& instance,
     const auto frames = static_cast<uint32_t>(audio[0].size());
     uint32_t number = 0;
     for (uint32_t done = 0; done < frames && !testing::Test::HasFailure(); ++number) {
-        if (between)
+        if (between) {
             between(number);
+        }
         const uint32_t count = std::min(block, frames - done);
         Probe::Watch watch;
         instance.RunBlock(audio, done, count);
@@ -68,8 +69,9 @@ Probe::Report WatchMisbehaviour(const char* name)
 
 TEST(Probe, SeesEachUseOfTheHeapInALoadedModule)
 {
-    for (const char* what : {"malloc", "free", "new", "delete", "aligned new", "delete"})
+    for (const char* what : {"malloc", "free", "new", "delete", "aligned new", "delete"}) {
         EXPECT_EQ(WatchMisbehaviour(what).heapCalls, 1U) << what;
+    }
 }
 
 TEST(Probe, SeesLocksAndTellsThePlainFromTheNamed)
@@ -94,10 +96,12 @@ TEST(Probe, SeesLocksAndTellsThePlainFromTheNamed)
 
 TEST(Probe, SeesSystemCalls)
 {
-    if (!Probe::CanSeeSystemCalls())
+    if (!Probe::CanSeeSystemCalls()) {
         GTEST_SKIP() << "this kernel doesn't report system calls of a thread";
-    for (const char* what : {"yield", "write"})
+    }
+    for (const char* what : {"yield", "write"}) {
         EXPECT_EQ(WatchMisbehaviour(what).systemCalls, 1U) << what;
+    }
 }
 
 TEST(Probe, SeesNothingWhereNothingIs)

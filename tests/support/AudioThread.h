@@ -32,8 +32,9 @@ public:
     void WaitForBlocks(uint32_t count) const
     {
         const uint32_t wanted = blocks + count;
-        while (blocks < wanted)
+        while (blocks < wanted) {
             std::this_thread::yield();
+        }
     }
 
 private:
@@ -44,16 +45,19 @@ private:
         std::mt19937 engine(3);
         while (!ending) {
             for (auto& channel : audio) {
-                for (float& sample : channel)
+                for (float& sample : channel) {
                     sample = static_cast<float>(engine() % 1000) / 1000.0F - 0.5F;
+                }
             }
             const auto frames = static_cast<uint32_t>(1 + engine() % 3000);
-            if (instance.RunBlock(audio, 0, frames) != PluginCoreSuccess)
+            if (instance.RunBlock(audio, 0, frames) != PluginCoreSuccess) {
                 good = false;
+            }
             for (const auto& channel : audio) {
                 for (const float sample : channel) {
-                    if (!std::isfinite(sample) || std::abs(sample) > 8.0F)
+                    if (!std::isfinite(sample) || std::abs(sample) > 8.0F) {
                         good = false;
+                    }
                 }
             }
             ++blocks;

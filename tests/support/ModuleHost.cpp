@@ -75,19 +75,23 @@ Instance::~Instance()
 uint32_t
 Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data)
 {
-    if (magic != PLUGIN_CORE_MAGIC)
+    if (magic != PLUGIN_CORE_MAGIC) {
         return PluginCoreWrongMagic;
+    }
     HostCall call{opcode, context, 0};
-    if (data != nullptr)
+    if (data != nullptr) {
         std::memcpy(&call.word, data, sizeof call.word);
+    }
     auto& self = *static_cast<Instance*>(refcon);
     {
         const SpinGuard guard(self.callsBusy);
-        if (self.callCount < self.calls.size())
+        if (self.callCount < self.calls.size()) {
             self.calls[self.callCount++] = call;
+        }
     }
-    if (self.onHostCall)
+    if (self.onHostCall) {
         self.onHostCall(call);
+    }
     return opcode == HostOpcodeLatencyChanged ? 0 : 1;
 }
 
@@ -174,8 +178,9 @@ uint32_t Instance::Detections()
 uint32_t Instance::RunBlock(Audio& audio, uint32_t begin, uint32_t frames)
 {
     float* pointers[PLUGIN_CORE_MAX_CHANNELS] = {};
-    for (std::size_t c = 0; c < audio.size(); ++c)
+    for (std::size_t c = 0; c < audio.size(); ++c) {
         pointers[c] = audio[c].data() + begin;
+    }
     ProcessRecord record{};
     record.frames = frames;
     record.channels = pointers;

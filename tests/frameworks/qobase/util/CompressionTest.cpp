@@ -26,8 +26,9 @@ Bytes Noise(std::size_t count)
 {
     std::mt19937 random(2);
     Bytes bytes(count);
-    for (uint8_t& byte : bytes)
+    for (uint8_t& byte : bytes) {
         byte = static_cast<uint8_t>(random());
+    }
     return bytes;
 }
 
@@ -71,8 +72,9 @@ TEST(Compression, ReadsForeignStreamsAndItsOwn)
 
 TEST(Compression, RefusesDamagedStreams)
 {
-    for (std::size_t length = 0; length < Foreign.size(); ++length)
+    for (std::size_t length = 0; length < Foreign.size(); ++length) {
         EXPECT_FALSE(Util::Inflate({Foreign.data(), length})) << length;
+    }
     // The stream ends in a checksum of 32 bits, so that no single bit may go wrong unseen. The
     // three bits that only pad the deflated part to whole bytes carry nothing.
     std::size_t unseen = 0;
@@ -80,8 +82,9 @@ TEST(Compression, RefusesDamagedStreams)
         Bytes damaged = Foreign;
         damaged[bit / 8] ^= static_cast<uint8_t>(1U << bit % 8);
         const auto result = Util::Inflate(damaged);
-        if (result)
+        if (result) {
             ++unseen;
+        }
         EXPECT_TRUE(!result || *result == BytesOf(Plain)) << bit;
     }
     EXPECT_LE(unseen, 7U);

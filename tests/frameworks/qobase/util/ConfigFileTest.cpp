@@ -46,8 +46,9 @@ protected:
     {
         std::vector<fs::path> paths;
         for (const auto& entry : fs::directory_iterator(Configuration() / "Norvane")) {
-            if (entry.path().filename().string().starts_with("LM6Pfgd.json.corrupt-"))
+            if (entry.path().filename().string().starts_with("LM6Pfgd.json.corrupt-")) {
                 paths.push_back(entry.path());
+            }
         }
         return paths;
     }
@@ -149,8 +150,9 @@ TEST_F(ConfigFileTest, AnotherKindGivesTheDefaultAndNumbersAreOneKind)
     EXPECT_EQ(config.ReadInt("number", 0), 2);
     EXPECT_TRUE(config.ReadBool("number", false));
     EXPECT_EQ(config.ReadFloat("four", 0), 1.5F);
-    for (const char* name : {"text", "number", "three", "five", "none"})
+    for (const char* name : {"text", "number", "three", "five", "none"}) {
         EXPECT_EQ(config.ReadFloat(name, -7.5F), -7.5F) << name;
+    }
     for (const char* name : {"text", "four", "none"}) {
         EXPECT_EQ(config.ReadInt(name, -7), -7) << name;
         EXPECT_TRUE(config.ReadBool(name, true)) << name;
@@ -211,8 +213,9 @@ TEST_F(ConfigFileTest, ChildKeysAreListedAndDeletedWithEverythingBelow)
     EXPECT_EQ(SubKeys(config), (std::set<String>{"Child", "Empty"}));
     EXPECT_EQ(SubKeys(config, "Empty"), std::set<String>{"Deep"});
     EXPECT_EQ(ValueNames(config, "Empty/Deep"), std::set<String>{"y"});
-    for (const char* noChild : {"..", "/", ".", "../LM6Pfgd"})
+    for (const char* noChild : {"..", "/", ".", "../LM6Pfgd"}) {
         config.DeleteKey(noChild);
+    }
     EXPECT_EQ(SubKeys(config).size(), 2U);
     config.DeleteKey("Empty");
     config.DeleteKey("Child");
@@ -239,8 +242,9 @@ TEST_F(ConfigFileTest, DamagedFilesAreSetAsideByTheFirstWriteAndNeverLost)
         EXPECT_EQ(config.ReadString("y", "none"), content.substr(0, 1).c_str());
     }
     std::multiset<std::string> kept;
-    for (const fs::path& path : SetAside())
+    for (const fs::path& path : SetAside()) {
         kept.insert(Slurp(path));
+    }
     EXPECT_EQ(kept, std::multiset<std::string>(contents.begin(), contents.end()));
 }
 

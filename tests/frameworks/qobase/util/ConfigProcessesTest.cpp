@@ -39,9 +39,9 @@ void WriteMany(const char* prefix, int32_t count)
     for (int32_t i = 0; i < count; ++i) {
         // A machine under load may make a write wait so long that it is dropped; none is lost
         // afterwards.
-        do
+        do {
             config.WriteInt(Name(prefix, i), i);
-        while (!config.HasValue(Name(prefix, i)));
+        } while (!config.HasValue(Name(prefix, i)));
     }
 }
 
@@ -80,8 +80,9 @@ TEST(ConfigProcesses, OneThatHangsWithTheLockHangsNoOther)
     Child holder([&] {
         const Util::FileLock lock(lockPath, std::chrono::seconds(60));
         const char mark = lock.IsHeld() ? 'y' : 'n';
-        if (write(ready[1], &mark, 1) == 1)
+        if (write(ready[1], &mark, 1) == 1) {
             pause();
+        }
     });
     char mark = 0;
     ASSERT_EQ(read(ready[0], &mark, 1), 1);
@@ -126,9 +127,9 @@ TEST(FileLock, GivesBackItsTurnAlsoWhenItWaitedInVain)
     });
     const int probe = open(path.c_str(), O_RDWR | O_CLOEXEC);
     struct flock turn {};
-    do
+    do {
         turn = {.l_type = F_WRLCK, .l_whence = SEEK_SET, .l_start = 1, .l_len = 1, .l_pid = 0};
-    while (!isOver && fcntl(probe, F_OFD_GETLK, &turn) == 0 && turn.l_type == F_UNLCK);
+    } while (!isOver && fcntl(probe, F_OFD_GETLK, &turn) == 0 && turn.l_type == F_UNLCK);
     // A copy of the process keeps all that isn't given back outright.
     const Child copy([] { pause(); });
     waiter.join();
@@ -169,14 +170,16 @@ TEST(FileLock, OfAFileRemovedWhileItIsWaitedForIsNoLock)
         }
         std::filesystem::remove(folder / "lock");
         std::optional<Util::FileLock> present;
-        if (isTakenAnew)
+        if (isTakenAnew) {
             present.emplace(path, std::chrono::milliseconds(0));
+        }
         former.reset();
         waiter.join();
-        if (isTakenAnew)
+        if (isTakenAnew) {
             EXPECT_FALSE(isTaken && present->IsHeld());
-        else
+        } else {
             EXPECT_TRUE(isTaken);
+        }
     }
 }
 

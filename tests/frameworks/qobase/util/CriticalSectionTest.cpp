@@ -13,8 +13,9 @@ bool OthersCanEnter(Util::CriticalSection& section)
 {
     return std::async(std::launch::async,
                       [&section] {
-                          if (!section.TryEnter())
+                          if (!section.TryEnter()) {
                               return false;
+                          }
                           section.Leave();
                           return true;
                       })

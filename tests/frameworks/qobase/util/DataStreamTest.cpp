@@ -223,8 +223,9 @@ TEST(DataStream, LongVectorsAndOddNumbersComeBackBitByBit)
 {
     std::mt19937 random(2);
     std::vector<float> numbers(700000); // more than two steps
-    for (float& number : numbers)
+    for (float& number : numbers) {
         number = std::bit_cast<float>(static_cast<uint32_t>(random())); // also not-a-numbers
+    }
     MemoryStream stream;
     stream.WriteFloatVector(numbers);
     stream.SetPosition(0);

@@ -94,8 +94,9 @@ TEST(Dictionary, EveryValueGoesThroughTextUnchanged)
     Array floats;
     for (int i = 0; i < 20000; ++i) {
         const auto value = std::bit_cast<float>(static_cast<uint32_t>(random()));
-        if (std::isfinite(value))
+        if (std::isfinite(value)) {
             floats.push_back({static_cast<double>(value)});
+        }
     }
     Dictionary numbers;
     numbers.Set("floats", {floats});
@@ -174,13 +175,15 @@ TEST(Dictionary, OneBadMemberFailsTheWholeText)
             std::string(R"({"a":{"Type":"Bool","Value":true},"b":)") + member + "}";
         EXPECT_EQ(Read(text).has_value(), isGood) << text;
     }
-    for (const char* text : {"", " ", "null", "7", "[]", "\"{}\"", "{}x", "{} 1", "{a}", "\xff"})
+    for (const char* text : {"", " ", "null", "7", "[]", "\"{}\"", "{}x", "{} 1", "{a}", "\xff"}) {
         EXPECT_FALSE(Read(text)) << text;
+    }
     EXPECT_TRUE(Read(" {\r\n\t} \n"));
     using namespace std::string_view_literals;
     for (const auto text :
-         {"{}\0"sv, "{}\0x"sv, "\0{}"sv, "{\"a\0\":{\"Type\":\"UInt\",\"Value\":1}}"sv})
+         {"{}\0"sv, "{}\0x"sv, "\0{}"sv, "{\"a\0\":{\"Type\":\"UInt\",\"Value\":1}}"sv}) {
         EXPECT_FALSE(Read(text)) << text;
+    }
 }
 
 TEST(Dictionary, ANumberTooSmallForItsTypeIsZeroAndOneTooLargeIsRefused)
@@ -215,8 +218,9 @@ TEST(Dictionary, ANumberTooSmallForItsTypeIsZeroAndOneTooLargeIsRefused)
 TEST(Dictionary, DamagedTextIsRefusedOrReadButNeverHarmful)
 {
     const std::string text = Write(MakeTree());
-    for (std::size_t length = 0; length < text.size(); ++length)
+    for (std::size_t length = 0; length < text.size(); ++length) {
         EXPECT_FALSE(Read(std::string_view(text).substr(0, length))) << length;
+    }
     for (std::size_t i = 0; i < text.size(); ++i) {
         for (const char character : {'"', '\\', '{', ']', ',', '9', '-', '\0', '\xff'}) {
             std::string damaged = text;
@@ -233,18 +237,21 @@ TEST(Dictionary, DepthAndNumberOfPartsAreBounded)
     Util::DictionaryReaderJSON reader;
     for (const auto& [depth, isGood] : {std::pair(119, true), {130, false}, {100000, false}}) {
         std::string text;
-        for (int i = 0; i < depth; ++i)
+        for (int i = 0; i < depth; ++i) {
             text += R"({"a":{"Type":"Dictionary","Value":)";
+        }
         text += "{}";
-        for (int i = 0; i < depth; ++i)
+        for (int i = 0; i < depth; ++i) {
             text += "}}";
+        }
         const Util::ByteSpan bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
         EXPECT_EQ(Util::ReadDictionary(reader, bytes).has_value(), isGood) << depth;
     }
     EXPECT_FALSE(Read(std::string(1000000, '[')));
     std::string many = R"({"a":{"Type":"Bool","Value":true,"More":[0)";
-    for (int i = 0; i < 1100000; ++i)
+    for (int i = 0; i < 1100000; ++i) {
         many += ",0";
+    }
     EXPECT_FALSE(Read(many + "]}}"));
 }
 

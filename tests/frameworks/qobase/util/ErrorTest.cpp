@@ -18,15 +18,17 @@ using ParseError = Util::BasicError<ParseKind>;
 
 Util::Expected<int> ReadDigit(char character)
 {
-    if (character < '0' || character > '9')
+    if (character < '0' || character > '9') {
         return ParseError(String("\"%1\" is no digit").arg(String(std::string(1, character))));
+    }
     return character - '0';
 }
 
 Util::Expected<std::unique_ptr<int>> MakeOwned(bool succeeds)
 {
-    if (!succeeds)
+    if (!succeeds) {
         return FileError("no memory");
+    }
     return std::make_unique<int>(7);
 }
 

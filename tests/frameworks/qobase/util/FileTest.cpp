@@ -57,8 +57,9 @@ std::string Contents(const std::string& path)
 std::set<std::string> NamesIn(const fs::path& folder)
 {
     std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder))
+    for (const auto& entry : fs::directory_iterator(folder)) {
         names.insert(entry.path().filename().string());
+    }
     return names;
 }
 
@@ -106,8 +107,9 @@ TEST(File, FailuresHaveTheirTexts)
          "Seek to 18446744073709551615 failed"},
         {TextOf(open.Move(folder / "none/target")), "MoveFileEx failed"},
     };
-    for (const auto& [text, wanted] : expected)
+    for (const auto& [text, wanted] : expected) {
         EXPECT_EQ(text, wanted);
+    }
 
     const auto failure = closed.Open(File::Mode::Read);
     const auto* const error = failure.GetError().As<File::Error>();
@@ -168,8 +170,9 @@ TEST(ReadWholeFile, TakesWhatComesUpToTheLimit)
     EXPECT_TRUE(Util::ReadWholeFile(folder / "empty", 0)->empty());
     // States a size of 0, and has contents.
     EXPECT_GT(Util::ReadWholeFile("/proc/self/status")->size(), 100U);
-    for (const char* const refused : {"/", "/dev/zero", "/none/file", ""})
+    for (const char* const refused : {"/", "/dev/zero", "/none/file", ""}) {
         EXPECT_EQ(TextOf(Util::ReadWholeFile(refused)), "Error opening file") << refused;
+    }
 }
 
 TEST(ReadWholeFile, ReadsAPipeToItsEndOrToTheLimit)
@@ -182,8 +185,9 @@ TEST(ReadWholeFile, ReadsAPipeToItsEndOrToTheLimit)
         // The writer is left alone with a broken pipe when the limit is met, and lives on.
         std::thread writer([&] {
             File file(pipe);
-            if (file.Open(File::Mode::Write))
+            if (file.Open(File::Mode::Write)) {
                 static_cast<void>(file.Write(sent.data(), sent.size()));
+            }
         });
         const auto bytes = Util::ReadWholeFile(pipe, limit);
         writer.join();
@@ -413,8 +417,9 @@ TEST(CreateWholeFile, IsDoneByOneOfMany)
 // This program's comes before that of the C library.
 extern "C" int fsync(int descriptor)
 {
-    if (onFlush)
+    if (onFlush) {
         onFlush(descriptor);
+    }
     errno = flushError;
     return flushError != 0 ? -1 : static_cast<int>(syscall(SYS_fsync, descriptor));
 }

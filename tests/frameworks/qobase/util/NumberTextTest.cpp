@@ -33,8 +33,9 @@ std::string Expected(float value)
 {
     char text[64];
     std::snprintf(text, sizeof text, "%.8g", static_cast<double>(value));
-    if (std::strtof(text, nullptr) != value)
+    if (std::strtof(text, nullptr) != value) {
         std::snprintf(text, sizeof text, "%.9g", static_cast<double>(value));
+    }
     return text;
 }
 
@@ -79,8 +80,9 @@ TEST(NumberText, ReadsWholeNumbersWithinTheirRangeOnly)
     }
     EXPECT_FALSE(Util::ParseFloat(String()));
     EXPECT_FALSE(Util::ParseFloat(std::string("1\0", 2)));
-    for (const char* const text : {"16777217", "1e-45", ".5", "3.4028235e38", "0.1", "1E3"})
+    for (const char* const text : {"16777217", "1e-45", ".5", "3.4028235e38", "0.1", "1E3"}) {
         EXPECT_EQ(Util::ParseFloat(text), std::strtof(text, nullptr)) << text;
+    }
 
     EXPECT_EQ(Util::ParseUInt("4294967295"), 4294967295U);
     EXPECT_EQ(Util::ParseInt("-2147483648"), -2147483647 - 1);
@@ -119,15 +121,17 @@ TEST(Uuid, HasOneTextAndComesBackFromIt)
                                     "00112233-4455-6677-0899-aabbccddeefg",
                                     "00112233-4455-6677-0899-aabbccddee-1",
                                     "{0112233-4455-6677-0899-aabbccddeef}",
-                                    "00112233-4455-6677 0899-aabbccddeeff"})
+                                    "00112233-4455-6677 0899-aabbccddeeff"}) {
         EXPECT_FALSE(Util::ParseUuid(wrong)) << wrong;
+    }
 }
 
 TEST(Uuid, IsRandomAndSaysSo)
 {
     std::set<Util::Uuid> made;
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         made.insert(Util::MakeUuid());
+    }
     EXPECT_EQ(made.size(), 100U);
     for (const auto& uuid : made) {
         EXPECT_EQ(uuid[6] >> 4, 4);

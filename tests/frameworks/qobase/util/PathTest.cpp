@@ -34,8 +34,9 @@ TEST(Path, JoinsWithOneSeparator)
         {"", "/b", "/b"},
         {"a", "", "a/"},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(Path::Join(row.folder, row.file), row.joined);
+    }
 }
 
 TEST(Path, TakesPathsApart)
@@ -66,8 +67,9 @@ TEST(Path, TakesPathsApart)
 std::string MakeText(const std::string& path, Path::Recursive recursive)
 {
     const auto result = Path::MakeDirectory(path, recursive);
-    if (!result && result.GetError().As<Util::File::Error>() == nullptr)
+    if (!result && result.GetError().As<Util::File::Error>() == nullptr) {
         return "not a file's error";
+    }
     return result ? "success" : result.GetDescription().ToStdString();
 }
 
@@ -104,10 +106,12 @@ TEST(Path, MakesFoldersOrTellsWhyNot)
         {"//" + place, Yes, "success"}, // three separators
         {"/" + place + "/e", Yes, "success"},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(MakeText(row.path, row.recursive), row.text) << row.path;
-    for (const char* const made : {"a/b/c", "a/b/d", "s/t/u", "e"})
+    }
+    for (const char* const made : {"a/b/c", "a/b/d", "s/t/u", "e"}) {
         EXPECT_TRUE(Path::IsDirectory(folder / made)) << made;
+    }
     EXPECT_FALSE(Path::IsDirectory(folder / "file"));
     EXPECT_FALSE(Path::IsDirectory(folder / "cut"));
 }
@@ -115,14 +119,16 @@ TEST(Path, MakesFoldersOrTellsWhyNot)
 TEST(Path, ListsFilesOfOneExtensionInByteOrder)
 {
     const Support::TemporaryFolder folder;
-    for (const char* const name : {"b.xml", "B.XML", "a.Xml", "\xc3\xa4.xml", "c.txt", "xml"})
+    for (const char* const name : {"b.xml", "B.XML", "a.Xml", "\xc3\xa4.xml", "c.txt", "xml"}) {
         std::ofstream(folder / name) << "x";
+    }
     fs::create_directory(folder / "folder.xml");
     fs::create_symlink("b.xml", folder / "link.xml");
     fs::create_symlink("none", folder / "dangling.xml");
     std::vector<String> expected;
-    for (const char* const name : {"B.XML", "a.Xml", "b.xml", "link.xml", "\xc3\xa4.xml"})
+    for (const char* const name : {"B.XML", "a.Xml", "b.xml", "link.xml", "\xc3\xa4.xml"}) {
         expected.emplace_back(folder / name);
+    }
     EXPECT_EQ(Path::ListFiles(folder.Path().string(), ".xml"), expected);
     EXPECT_TRUE(Path::ListFiles(folder / "none", ".xml").empty());
     EXPECT_TRUE(Path::ListFiles(folder / "b.xml", ".xml").empty());

@@ -16,8 +16,9 @@ std::vector<std::string> Bytes(const std::vector<String>& texts)
 {
     std::vector<std::string> bytes;
     bytes.reserve(texts.size());
-    for (const String& text : texts)
+    for (const String& text : texts) {
         bytes.push_back(text.ToStdString());
+    }
     return bytes;
 }
 

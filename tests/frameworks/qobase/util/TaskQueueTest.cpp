@@ -28,8 +28,9 @@ TEST(TaskQueue, RunsEverythingInOrderOnOneOtherThread)
     }
     queue.WaitUntilIdle();
     ASSERT_EQ(order.size(), 500U);
-    for (int i = 0; i < 500; ++i)
+    for (int i = 0; i < 500; ++i) {
         EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+    }
     EXPECT_EQ(threads.size(), 1U);
     EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
 }
@@ -41,8 +42,9 @@ TEST(TaskQueue, TheDestructorFinishesWhatWasPosted)
     {
         Util::TaskQueue queue(1);
         queue.Post([opened = gate.get_future().share()] { opened.wait(); });
-        for (int i = 0; i < 10; ++i)
+        for (int i = 0; i < 10; ++i) {
             queue.Post([&done] { ++done; });
+        }
         EXPECT_EQ(done, 0); // all ten stand behind the gate
         gate.set_value();
     }
@@ -57,8 +59,9 @@ TEST(TaskQueue, IsIdleOnlyWhenTheLastTaskHasReturned)
         bool done = false;
         queue.Post([&] {
             started.set_value();
-            for (int i = 0; i < 1000; ++i) // time enough for a wait that is too short to return
+            for (int i = 0; i < 1000; ++i) { // time enough for a wait that is too short to return
                 std::this_thread::yield();
+            }
             done = true;
         });
         started.get_future().wait();

@@ -88,10 +88,12 @@ TEST(PeriodicTimer, TheDestructorWaitsForItsRunningCallback)
         std::atomic<int> finished = 0;
         std::optional<Util::PeriodicTimer> timer;
         timer.emplace(Period, [&] {
-            if (++calls == 1)
+            if (++calls == 1) {
                 entered.set_value();
-            for (int i = 0; i < 1000; ++i) // time enough for a destructor that doesn't wait
+            }
+            for (int i = 0; i < 1000; ++i) { // time enough for a destructor that doesn't wait
                 std::this_thread::yield();
+            }
             ++finished;
         });
         entered.get_future().wait();
@@ -106,8 +108,9 @@ TEST(PeriodicTimer, ABusyTimerDoesNotHoldUpTheEndOfAnother)
     std::promise<void> gate;
     std::atomic<bool> first = true;
     const Util::PeriodicTimer busy(Period, [&, opened = gate.get_future().share()] {
-        if (first.exchange(false))
+        if (first.exchange(false)) {
             entered.set_value();
+        }
         opened.wait();
     });
     entered.get_future().wait();

@@ -39,8 +39,9 @@ TEST(QuantiserTest, KeepsWhatIsOnAStepAlready)
 {
     for (const int bits : {8, 16, 20, 24, 32}) {
         std::vector<double> samples;
-        for (int k = -128; k < 128; ++k)
+        for (int k = -128; k < 128; ++k) {
             samples.push_back(k / 128.0 + (bits > 8 ? std::ldexp(1.0, 1 - bits) : 0.0));
+        }
         EXPECT_EQ(Quantise(bits, Quantiser::Dither::Off, samples), samples) << bits;
     }
 }

@@ -47,16 +47,18 @@ TEST(WavStreamTest, TakesPlaceholdersForUnknown)
 {
     using namespace std::string_literals;
     for (const auto& size :
-         {"\0\0\0\0"s, "\xFF\xFF\xFF\xFF"s, "\xFF\xFF\xFF\x7F"s, "\0\xF0\xFF\x7F"s})
+         {"\0\0\0\0"s, "\xFF\xFF\xFF\xFF"s, "\xFF\xFF\xFF\x7F"s, "\0\xF0\xFF\x7F"s}) {
         EXPECT_FALSE(ReadHead(HandMadeHead(size)).dataBytes.has_value());
+    }
 }
 
 TEST(WavStreamTest, RefusesHeadsThatEndEarlyOrClaimTooMuch)
 {
     using namespace std::string_literals;
     const std::string whole = HandMadeHead("\x08\0\0\0"s);
-    for (size_t length = 12; length < whole.size(); ++length)
+    for (size_t length = 12; length < whole.size(); ++length) {
         EXPECT_THROW(ReadHead(whole.substr(0, length)), Cli::FileError) << length;
+    }
     EXPECT_THROW(ReadHead(whole.substr(0, 12) + "junk\xF0\xFF\xFF\xFF"s), Cli::FileError);
 }
 

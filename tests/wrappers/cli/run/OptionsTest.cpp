@@ -149,8 +149,9 @@ TEST(OptionsTest, ReadsRawFormats)
                             "s16,48000,0",
                             "s16,48000,25",
                             "s16,48000,1,1",
-                            "s16,48k,1"})
+                            "s16,48k,1"}) {
         EXPECT_THROW(Cli::ParseRawFormat(bad), Cli::UsageError) << bad;
+    }
 }
 
 } // namespace

@@ -46,8 +46,9 @@ struct Pipe {
 
     static void Close(int& end)
     {
-        if (end >= 0)
+        if (end >= 0) {
             ::close(end);
+        }
         end = -1;
     }
 };
@@ -64,20 +65,23 @@ public:
         const char* const built = PUFFGUARD_COMMAND;
         const char* const program = setup.program.empty() ? built : setup.program.c_str();
         std::vector<char*> words = {const_cast<char*>(program)};
-        for (const std::string& argument : arguments)
+        for (const std::string& argument : arguments) {
             words.push_back(const_cast<char*>(argument.c_str()));
+        }
         words.push_back(nullptr);
         id = ::fork();
-        if (id == 0)
+        if (id == 0) {
             Become(words.data(), setup);
+        }
         Pipe::Close(in.read);
         Pipe::Close(out.write);
         Pipe::Close(err.write);
     }
     ~Child()
     {
-        if (id > 0)
+        if (id > 0) {
             ::kill(id, SIGKILL);
+        }
     }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
@@ -92,14 +96,18 @@ public:
                                               {out.read, POLLIN, 0},
                                               {err.read, POLLIN, 0}}};
             ::poll(watched.data(), watched.size(), 100);
-            if (watched[0].revents != 0)
+            if (watched[0].revents != 0) {
                 Feed(input);
-            if (input.empty() && !keepOpen)
+            }
+            if (input.empty() && !keepOpen) {
                 Pipe::Close(in.write);
-            if (watched[1].revents != 0)
+            }
+            if (watched[1].revents != 0) {
                 Drain(out.read, outcome.out);
-            if (watched[2].revents != 0)
+            }
+            if (watched[2].revents != 0) {
                 Drain(err.read, outcome.err);
+            }
         }
     }
 
@@ -108,8 +116,9 @@ public:
         const auto end = Clock::now() + Limit;
         int status = 0;
         pid_t done = 0;
-        while ((done = ::waitpid(id, &status, WNOHANG)) == 0 && Clock::now() < end)
+        while ((done = ::waitpid(id, &status, WNOHANG)) == 0 && Clock::now() < end) {
             ::usleep(1000);
+        }
         ASSERT_EQ(done, id) << "the command doesn't come to an end";
         id = -1;
         outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -131,18 +140,22 @@ private:
         ::dup2(in.read, STDIN_FILENO);
         ::dup2(out.write, STDOUT_FILENO);
         ::dup2(err.write, STDERR_FILENO);
-        if (!setup.outTo.empty())
+        if (!setup.outTo.empty()) {
             ::dup2(::open(setup.outTo.c_str(), O_WRONLY), STDOUT_FILENO);
+        }
         ::signal(SIGPIPE, SIG_DFL);
-        if (!setup.folder.empty() && ::chdir(setup.folder.c_str()) != 0)
+        if (!setup.folder.empty() && ::chdir(setup.folder.c_str()) != 0) {
             ::_exit(120);
+        }
         // Read only by a command that is built to look for leaks.
         ::setenv(
             "LSAN_OPTIONS", "suppressions=" PUFFGUARD_LEAK_SUPPRESSIONS ":print_suppressions=0", 0);
-        for (const std::string& variable : setup.environment)
+        for (const std::string& variable : setup.environment) {
             ::putenv(const_cast<char*>(variable.c_str()));
-        if (setup.asNobody && (::setgid(Nobody) != 0 || ::setuid(Nobody) != 0))
+        }
+        if (setup.asNobody && (::setgid(Nobody) != 0 || ::setuid(Nobody) != 0)) {
             ::_exit(121);
+        }
         ::execv(words[0], words);
         ::_exit(122);
     }
@@ -150,20 +163,22 @@ private:
     void Feed(std::string_view& input)
     {
         const ssize_t count = ::write(in.write, input.data(), input.size());
-        if (count > 0)
+        if (count > 0) {
             input.remove_prefix(static_cast<size_t>(count));
-        else if (errno != EAGAIN)
+        } else if (errno != EAGAIN) {
             input = {}; // it reads no further
+        }
     }
 
     static void Drain(int& end, std::string& target)
     {
         std::array<char, 65536> buffer = {};
         const ssize_t count = ::read(end, buffer.data(), buffer.size());
-        if (count > 0)
+        if (count > 0) {
             target.append(buffer.data(), static_cast<size_t>(count));
-        else
+        } else {
             Pipe::Close(end);
+        }
     }
 
     Pipe in;
@@ -175,8 +190,9 @@ private:
 bool HasHiddenFile(const std::string& folder)
 {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().filename().string().starts_with('.'))
+        if (entry.path().filename().string().starts_with('.')) {
             return true;
+        }
     }
     return false;
 }
@@ -204,8 +220,9 @@ Outcome InterruptPuffguard(const std::vector<std::string>& arguments,
     Child child(arguments, {});
     const auto end = Clock::now() + Limit;
     std::thread feeder([&] { child.Converse(input, outcome, true); });
-    while (!HasHiddenFile(folder) && !child.HasEnded() && Clock::now() < end)
+    while (!HasHiddenFile(folder) && !child.HasEnded() && Clock::now() < end) {
         ::usleep(1000);
+    }
     child.Send(signalNumber);
     feeder.join();
     child.Wait(outcome);

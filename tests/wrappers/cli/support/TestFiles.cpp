@@ -20,8 +20,9 @@ TemporaryFolder::TemporaryFolder()
 std::vector<std::string> TemporaryFolder::List() const
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Path()))
+    for (const auto& entry : std::filesystem::directory_iterator(Path())) {
         names.push_back(entry.path().filename().string());
+    }
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -32,8 +33,9 @@ namespace {
 double BurstAt(double t)
 {
     const double sinceBurst = t - std::floor(t);
-    if (sinceBurst >= 0.06)
+    if (sinceBurst >= 0.06) {
         return 0.0;
+    }
     return std::sin(2 * std::numbers::pi * 40 * sinceBurst) *
            std::sin(std::numbers::pi * sinceBurst / 0.06);
 }
@@ -52,11 +54,13 @@ Audio MakeSpeech(int sampleRate, int channels, double seconds)
         const double noise = (static_cast<double>(random()) / 4294967296.0 - 0.5) * 0.004;
         const double word = std::max(0.0, std::sin(2 * std::numbers::pi * 1.6 * t));
         double buzz = 0;
-        for (int k = 1; k < 12; ++k)
+        for (int k = 1; k < 12; ++k) {
             buzz += std::sin(2 * std::numbers::pi * 130 * k * t) / k;
+        }
         const double burst = BurstAt(t - 0.6) + 0.03 * BurstAt(t - 0.3);
-        for (int channel = 0; channel < channels; ++channel)
+        for (int channel = 0; channel < channels; ++channel) {
             audio.samples.push_back(noise + word * 0.08 * buzz + 0.5 * burst / (1 + channel));
+        }
     }
     return audio;
 }
@@ -81,8 +85,9 @@ Audio ReadAudio(const std::string& path)
     SF_INFO info = {};
     SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
     EXPECT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
-    if (file == nullptr)
+    if (file == nullptr) {
         return audio;
+    }
     audio.sampleRate = info.samplerate;
     audio.channels = info.channels;
     audio.format = info.format;

@@ -46,8 +46,9 @@ TEST(ProgressTest, ShowsShareSpeedAndRemainingTime)
     EXPECT_EQ(Cli::FormatProgress(0.25, 200, 10, 44),
               "[=====               ]  25 %  20x  0:30 left");
     EXPECT_EQ(Cli::FormatProgress(std::nullopt, 200, 10, 60), "3:20 done, 20x real time");
-    for (size_t width = 1; width < 100; ++width)
+    for (size_t width = 1; width < 100; ++width) {
         EXPECT_LE(Cli::FormatProgress(0.5, 200, 10, width).size(), width);
+    }
 }
 
 } // namespace

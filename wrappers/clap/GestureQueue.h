@@ -10,7 +10,7 @@
 namespace Clap {
 
 /// What the user does in the editor, on its way to the host. A change goes without its value: the
-/// host is told the one that is there by then.
+/// host gets the one that is there by then.
 struct Gesture {
     enum class Kind : uint32_t { Begin, Change, End };
 

@@ -45,7 +45,7 @@ private:
     const Abi::HostTail* tail = nullptr;
 };
 
-/// For what there is no host to tell. [any]
+/// Without a host to report to. [any]
 void LogToStandardError(const std::string& text);
 
 } // namespace Clap

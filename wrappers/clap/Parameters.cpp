@@ -23,8 +23,9 @@ clap_param_info_flags FlagsOf(const Wrapper::Parameter& parameter, bool isBypass
     return isBypass ? flags | CLAP_PARAM_IS_BYPASS : flags;
 }
 
-// What is in range, and whole where it has to be. The format says that a value of steps is cut, but
-// one that comes back from a normalised number, here or in a host, may lie just below its step.
+// What is in range, and whole where it has to be. The format's rule is that a value of steps is
+// cut, but one that comes back from a normalised number, here or in a host, may lie just below its
+// step.
 double NearestValue(const Wrapper::Parameter& parameter, double value) noexcept
 {
     const double inside = std::clamp(value, parameter.minimum, parameter.maximum);

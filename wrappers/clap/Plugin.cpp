@@ -31,7 +31,7 @@ bool Plugin::Init()
     }
     parameters = std::make_unique<Parameters>(*instance);
     gestures.emplace(parameters->Count());
-    isReady = true; // changes are heard from here on, so that no value is missed
+    isReady = true; // changes are noticed from here on, so that no value is missed
     parameters->Refresh();
     toldLatency = GetLatency();
     askedLatency = toldLatency;
@@ -47,7 +47,7 @@ bool Plugin::Activate(double newRate)
     if (!Wrapper::Instance::CanServe(newRate, channels)) {
         return false;
     }
-    Deactivate(); // whoever still processes is told so from here on
+    Deactivate(); // whoever still processes gets an error from here on
     const bool isOther = newRate != rate || channels != instance->GetChannels();
     if (isOther && !instance->SetFormat(newRate, channels)) {
         return false;
@@ -57,7 +57,7 @@ bool Plugin::Activate(double newRate)
     const uint32_t latency = instance->GetLatency(Wrapper::Side::UI);
     askedLatency = latency;
     const bool isNew = toldLatency.exchange(latency) != latency;
-    isTailNew = isTailNew || isNew; // of which the audio thread tells
+    isTailNew = isTailNew || isNew; // which the audio thread reports
     isActive = true;
     // Older hosts allow this while the plug-in isn't active, newer ones while it is being
     // activated.

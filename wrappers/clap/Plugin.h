@@ -99,9 +99,9 @@ private:
     // Of the main thread; the audio thread reads them while the plug-in is active.
     double rate = 48000;
     const Layout* layout = &Wrapper::Layouts::Stereo;
-    uint32_t askedLatency = 0; // what the host is to restart for; the told one when nothing
+    uint32_t askedLatency = 0; // what the host is to restart for; the reported one when nothing
 
-    std::unique_ptr<Wrapper::Instance> instance; // last: until its end it tells of changes
+    std::unique_ptr<Wrapper::Instance> instance; // last: until its end it notifies of changes
 };
 
 } // namespace Clap

@@ -89,7 +89,7 @@ clap_process_status Plugin::Process(const clap_process_t& process) noexcept WRAP
     RunEvents(process.in_events, Wrapper::Side::Process, block);
     block.RunUntil(block.GetFrames());
     if (process.audio_outputs != nullptr && process.audio_outputs_count > 0) {
-        process.audio_outputs->constant_mask = 0; // the host's memory may still say something else
+        process.audio_outputs->constant_mask = 0; // the host's memory may still hold something else
     }
     return block.IsRefused() ? CLAP_PROCESS_ERROR : CLAP_PROCESS_TAIL;
 }

@@ -42,13 +42,13 @@ public:
     explicit Detections(const Instance& newInstance);
 
     /// Appends the repairs made since the last call to `detections`, oldest first. False, after a
-    /// line in the log, when the module doesn't tell them.
+    /// line in the log, when the module doesn't give them.
     bool Read(std::vector<Detection>& detections);
 
     /// Repairs that were overwritten before they could be read.
     uint64_t GetLost() const { return lost; }
 
-    /// None, after a line in the log, when the module doesn't tell them.
+    /// None, after a line in the log, when the module doesn't give them.
     std::optional<DetectionTotals> ReadTotals() const;
 
 private:

@@ -118,7 +118,7 @@ public:
     {
         return Call(selector, side, data);
     }
-    /// The same from the UI side. When it's refused, the log is told that the module refuses to
+    /// The same from the UI side. When it's refused, the log notes that the module refuses to
     /// `purpose`. [ui]
     bool Request(EntryKey, uint32_t selector, void* data, const char* purpose) const
     {

@@ -9,10 +9,10 @@ namespace Wrapper {
 /// from the UI reaches the audio with the next block.
 enum class Side : uint32_t { Process = 0, UI = 1 };
 
-/// What an instance tells its wrapper. Calls come from within a call of the instance, on the same
-/// thread, or from the module's own timer thread; they neither wait for another thread nor throw,
-/// nor end the instance. The first may come before Instance::Create() returns, the last while the
-/// instance is destroyed.
+/// Notifications of an instance to its wrapper. Calls come from within a call of the instance, on
+/// the same thread, or from the module's own timer thread; they neither wait for another thread nor
+/// throw, nor end the instance. The first may come before Instance::Create() returns, the last
+/// while the instance is destroyed.
 class Listener {
 public:
     /// The latency that `side` sees is `samples` now. May come during processing. [any]

@@ -13,7 +13,7 @@ struct PluginCore;
 
 namespace Wrapper {
 
-/// What the module says of the product.
+/// The module's description of the product.
 struct Product {
     std::string vendor;
     std::string vendorLong;

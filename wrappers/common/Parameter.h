@@ -37,11 +37,11 @@ struct Parameter {
     /// "150.0 Hz", "on", or the label; the same in every locale.
     std::string Format(float normalised) const;
     /// What Format() writes, and what people type: the unit may be left out, case doesn't matter,
-    /// numbers outside the range are brought into it. None when the text says no value.
+    /// numbers outside the range are brought into it. None when the text is no value.
     std::optional<float> Parse(std::string_view text) const;
 };
 
-/// What the module says of a parameter.
+/// The module's description of a parameter.
 Parameter MakeParameter(const ParamInfoRecord& record);
 
 } // namespace Wrapper

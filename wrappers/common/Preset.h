@@ -11,7 +11,7 @@ enum class PresetGroup { BuiltIn, Factory, User };
 /// An entry of the list of presets, or a preset that has been applied or saved.
 struct Preset {
     std::string name;
-    std::string comment; ///< ends with "..." where it's too long to be told whole
+    std::string comment; ///< ends with "..." where it's too long to be shown whole
     PresetGroup group = PresetGroup::BuiltIn;
     std::string path;    ///< empty for one that is no file
     std::string problem; ///< empty, or why it can't be used or wasn't saved

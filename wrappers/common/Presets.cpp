@@ -43,7 +43,7 @@ Preset MakePreset(const PresetRecord& record)
     return preset;
 }
 
-// Of an operation, unlike an entry of the list, a message is a fault only if the record says so.
+// Of an operation, unlike an entry of the list, a message is a fault only if the record has failed.
 Preset MakeResult(const PresetRecord& record)
 {
     Preset preset = MakePreset(record);

@@ -33,7 +33,7 @@ public:
     std::optional<std::vector<Preset>> List();
     /// Sets the instance by a preset's name or file.
     std::optional<Preset> Apply(const std::string& name);
-    /// Writes what the instance is set to, under a name or into a file; `path` tells where.
+    /// Writes what the instance is set to, under a name or into a file; `path` is where.
     std::optional<Preset>
     Save(const std::string& name, const std::string& comment, Replace replace);
 

@@ -3,7 +3,7 @@
 
 namespace Wrapper {
 
-// What hosts tell their users of the plug-in, in every format; its names are the module's.
+// What hosts show their users of the plug-in, in every format; its names are the module's.
 inline constexpr const char* ShortDescription = "Takes plosives out of speech";
 inline constexpr const char* LongDescription =
     "Finds the bursts of air of \"p\" and \"b\" sounds in speech and takes them down to what the "

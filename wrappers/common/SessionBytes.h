@@ -21,7 +21,7 @@ inline constexpr size_t LongestSession = SessionHeadSize + LongestState;
 /// What a session keeps of an instance in a format whose hosts leave the bypass to the plug-in: the
 /// instance's state holds none. The state lies in the bytes that it was read from.
 struct SessionBytes {
-    std::optional<bool> isBypassed; ///< none: the bytes don't say
+    std::optional<bool> isBypassed; ///< none: not in the bytes
     std::span<const uint8_t> state; ///< as of Instance::SaveState()
 };
 
@@ -29,7 +29,8 @@ struct SessionBytes {
 std::vector<uint8_t> EncodeSession(bool isBypassed, std::span<const uint8_t> state);
 
 /// What EncodeSession() gives, or a state alone, as the command saves it in a file. None for bytes
-/// that are neither by their first few; whether a state is one tells Instance::LoadState(). [any]
+/// that are neither by their first few; whether a state is one shows in Instance::LoadState().
+/// [any]
 std::optional<SessionBytes> DecodeSession(std::span<const uint8_t> bytes);
 
 /// Brings back what the bytes keep. False, and nothing changed, when they keep nothing. [ui]

@@ -5,7 +5,7 @@
 
 namespace Wrapper {
 
-/// For a wrapper that has nobody to tell, such as one without controls.
+/// For a wrapper that reports to nobody, such as one without controls.
 class SilentListener final : public Listener {
 public:
     void OnLatencyChanged(Side /*side*/, uint32_t /*samples*/) noexcept override {}

@@ -39,7 +39,7 @@ private:
     Plugin(const Variant& variant, const HostFeatures& host);
 
     // Values come by ports, there is no editor, and Run() reports the latency with every block: so
-    // the host has nothing to hear.
+    // there is nothing to report to the host.
     void OnLatencyChanged(Wrapper::Side, uint32_t) noexcept override {}
     void OnGestureBegun(uint32_t) noexcept override {}
     void OnParameterChanged(uint32_t, float) noexcept override {}

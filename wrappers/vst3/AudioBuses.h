@@ -12,7 +12,7 @@ namespace Vst3 {
 std::span<float* const> FirstBus(const v3_audio_bus_buffers* buses, int32_t count) noexcept;
 
 /// Clears the channels that the effect hasn't written, those above `channels` in the first bus and
-/// all of further ones, and says of each channel whether it is silent. [process]
+/// all of further ones, and marks each channel that is silent. [process]
 void FinishOutputs(v3_audio_bus_buffers* buses,
                    int32_t count,
                    uint32_t channels,

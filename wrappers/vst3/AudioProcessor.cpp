@@ -82,7 +82,7 @@ v3_result AudioProcessor::SetupProcessing(v3_process_setup* setup)
     return isServed ? V3_OK : V3_FALSE;
 }
 
-// Hosts switch processing off and on again where the audio before shall not be heard any more.
+// Hosts switch processing off and on again where the audio before shall not sound any more.
 v3_result AudioProcessor::SetProcessing(v3_bool state) noexcept
 {
     Wrapper::Instance* const instance = effect.GetInstance();

@@ -84,7 +84,7 @@ v3_result Component::GetRoutingInfo(v3_routing_info* /*input*/,
     return V3_NOT_IMPLEMENTED;
 }
 
-// A bus that is switched off comes without memory, which each block says for itself.
+// A bus that is switched off comes without memory, which shows anew in each block.
 v3_result
 Component::ActivateBus(int32_t media, int32_t direction, int32_t index, v3_bool /*state*/) noexcept
 {

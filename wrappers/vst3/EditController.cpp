@@ -77,7 +77,7 @@ v3_result EditController::Terminate()
     return V3_OK;
 }
 
-// A host that has given the state to the component says the same again, which does no harm.
+// A host that has given the state to the component gives the same again, which does no harm.
 v3_result EditController::SetComponentState(v3_bstream** stream)
 {
     return effect.Load(ReadAll(stream)) ? V3_OK : V3_FALSE;

@@ -18,17 +18,18 @@
 namespace Vst3 {
 
 /// What the interfaces of one plug-in share: the instance from initialize to terminate, its format,
-/// its values as the host's UI side has them, and what the host is to be told.
+/// its values as the host's UI side has them, and what is to be reported to the host.
 ///
 /// Values have two ways in. Those of the audio side come with the blocks and act there; the host
 /// sends them to the UI side as well, later, to be shown. So while its transport runs the UI side
 /// only shows them: acted on, they would overtake the audio's, and a render would come out
 /// otherwise each time. While it stands, and while nothing is active, they act. What is only shown
-/// and never heard of acts when the audio ends, and is saved where no block has come since.
+/// and never comes with a block acts when the audio ends, and is saved where no block has come
+/// since.
 ///
-/// A new latency is told from the UI thread only: hosts stop and start the audio from within that
-/// call. What comes up elsewhere waits for a timer in the host's run loop and, where a host has
-/// none, for its next call about a state or a value.
+/// A new latency is reported from the UI thread only: hosts stop and start the audio from within
+/// that call. What comes up elsewhere waits for a timer in the host's run loop and, where a host
+/// has none, for its next call about a state or a value.
 class Effect final : private Wrapper::Listener {
 public:
     explicit Effect(std::shared_ptr<const Wrapper::Module> newModule);
@@ -55,7 +56,7 @@ public:
     /// [process]
     void BeginBlock(Wrapper::HostBlock& block, bool newPlaying) noexcept;
 
-    /// What the host is told, and remembers. [any]
+    /// The latency as reported, which the host remembers. [any]
     uint32_t GetLatency() noexcept;
 
     /// 0 without an instance.
@@ -70,8 +71,8 @@ public:
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
     /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
-    /// Parameters, one a bit, that the user has changed and the host could not be told of; each is
-    /// given once, and LeaveUntold() gives one back. [any]
+    /// Parameters, one a bit, that the user has changed and could not be reported to the host; each
+    /// is given once, and LeaveUntold() gives one back. [any]
     uint32_t TakeUntold() noexcept { return untold.exchange(0); }
     void LeaveUntold(uint32_t index) noexcept;
     double GetShown(uint32_t index) const noexcept { return values[index].shown; } ///< [any]
@@ -84,7 +85,7 @@ public:
 private:
     struct Value {
         std::atomic<double> shown{0};       // as the host's UI side has it
-        std::atomic<bool> isWaiting{false}; // shown, but the audio side hasn't heard of it
+        std::atomic<bool> isWaiting{false}; // shown, but not yet in force on the audio side
     };
 
     void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override;
@@ -111,7 +112,7 @@ private:
     std::vector<Value> values;                         // by parameter
     std::optional<Wrapper::HostParameters> parameters; // as long as there is an instance
     std::atomic<uint32_t> untold{0};                   // see TakeUntold()
-    std::atomic<bool> isDirty{false};                  // the host is to be told
+    std::atomic<bool> isDirty{false};                  // to be reported to the host
     std::atomic<bool> hasNews{false};                  // TellHost() has something to look at
     std::atomic<int64_t> toldLatency{-1};              // samples; -1: the host hasn't asked
     bool isTelling = false;                            // a call of the host within a call to it

@@ -81,7 +81,7 @@ void Effect::TellHost() noexcept
     }
     if (HasNewLatency()) {
         flags |= V3_RESTART_LATENCY_CHANGED;
-        GetLatency(); // told once, even to a host that doesn't look at it
+        GetLatency(); // reported once, even to a host that doesn't look at it
     }
     if (flags != 0) {
         host.Restart(flags);

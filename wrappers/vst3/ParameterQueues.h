@@ -14,7 +14,7 @@ namespace Vst3 {
 /// many points as it takes, and the effect looks at its values once in many samples only.
 class ParameterQueues {
 public:
-    /// Of a block; further ones aren't heard.
+    /// Of a block; further ones are ignored.
     static constexpr uint32_t MaxQueues = 32;
     static constexpr uint32_t None = ~uint32_t{0};
     static constexpr uint32_t LastFrame = None - 1;

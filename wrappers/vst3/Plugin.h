@@ -17,7 +17,7 @@ namespace Vst3 {
 /// Two objects, which the format wants to be able to run in two processes, would have to send each
 /// other what they share here: one instance of the module, which has the texts, the state and the
 /// editor. Every host takes a plug-in of one object, since it is how the simpler ones are made;
-/// only that it can be split is not said of the class.
+/// only that it can be split is not part of the class.
 class Plugin final : public Object {
 public:
     explicit Plugin(std::shared_ptr<const Wrapper::Module> module);

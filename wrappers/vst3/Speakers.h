@@ -42,7 +42,7 @@ inline constexpr std::array<Arrangement, 7> Arrangements = {{
     {Masks::Cinema71, &Wrapper::Layouts::Surround71},
 }};
 
-/// What a plug-in has before its host says anything else.
+/// What a plug-in has before its host chooses.
 inline constexpr const Arrangement& DefaultArrangement = Arrangements[0];
 
 /// Null when it isn't served.

@@ -39,7 +39,7 @@ public:
     template <typename T>
     void Set(const String& key, T value, const PersistentParamsLink& from);
 
-    /// A link is told of changes from Attach() to Detach().
+    /// A link is notified of changes from Attach() to Detach().
     void Attach(PersistentParamsLink& link);
     void Detach(PersistentParamsLink& link);
 

@@ -11,7 +11,7 @@ namespace Controller {
 
 /// Keeps the persistent parameters of one instance's elements and the user's preferences equal. A
 /// change in this instance is written at once; one in another instance waits in a queue for the
-/// instance's own tick. [ui] unless said otherwise
+/// instance's own tick. [ui] unless stated otherwise
 class PersistentParamsLink {
 public:
     explicit PersistentParamsLink(std::shared_ptr<PersistentParamsHolder> newHolder);

@@ -92,7 +92,7 @@ typedef enum PluginCoreSelector {
  */
 typedef enum PluginCoreHostOpcode {
     HostOpcodeParamEvent = 1,           /**< ParamEventRecord */
-    HostOpcodeLatencyChanged = 2,       /**< uint32_t, samples; the context tells whose latency */
+    HostOpcodeLatencyChanged = 2,       /**< uint32_t, samples; the context is whose latency */
     HostOpcodeReloadEditor = 3,         /**< none */
     HostOpcodeUICodeEnd = 4,            /**< none */
     HostOpcodeUICodeBegin = 5,          /**< none */
@@ -113,10 +113,10 @@ typedef uint32_t (*PluginCoreEntryFunction)(
 /**
  * What the wrapper lends: (magic, opcode, context, refcon, record). It is called from within a call
  * of the entry, or from the module's own timer thread, and answers without waiting for another
- * thread. The context says what a message is about, not which thread brings it: a change of the
+ * thread. The context is what a message is about, not which thread brings it: a change of the
  * processing side's latency may come from the UI side while no audio runs. The callback may call
  * the entry again on the same thread; a new stream format that it asks for from inside a process
- * call or a change of latency is not heard.
+ * call or a change of latency is ignored.
  */
 typedef uint32_t (*PluginCoreHostFunction)(
     uint32_t magic, uint32_t opcode, uint32_t context, void* hostRefcon, void* data);

@@ -33,7 +33,7 @@ typedef enum PluginCoreStateOp {
     StateOpGetCompareChunk = 1, /**< the chunk without what is no difference to a user */
     StateOpGetChunk = 2,        /**< the chunk; fails unless `size` is its size exactly */
     StateOpSetChunk = 3, /**< loads; fails for what is no chunk, but a later one is passed over */
-    StateOpCompareChunk = 4 /**< tells differences of older chunks only; others are equal */
+    StateOpCompareChunk = 4 /**< finds differences of older chunks only; others are equal */
 } PluginCoreStateOp;
 
 /** SelectorHostMessage. */
@@ -48,12 +48,12 @@ typedef struct HostMessageRecord {
 
 /**
  * One operation on presets. A call that carries it answers PluginCoreSuccess whenever the operation
- * is known and the record is large enough; `failed` tells how the operation went. An instance whose
+ * is known and the record is large enough; `failed` is how the operation went. An instance whose
  * operation failed is as it was.
  */
 typedef struct PresetRecord {
     int32_t op;
-    uint8_t failed;     /**< out: 1 when the operation failed; `message` says why */
+    uint8_t failed;     /**< out: 1 when the operation failed; `message` is the reason */
     uint8_t isReadOnly; /**< out of PresetOpDescribe: not to be overwritten or removed */
     uint8_t
         mayReplace; /**< in of PresetOpSave: 1 puts the preset in the place of one that is there */
@@ -87,7 +87,7 @@ typedef enum PluginCorePresetOp {
     PresetOpList = 0,     /**< looks at the folders anew and counts */
     PresetOpDescribe = 1, /**< name, group, comment and path of one entry of that list */
     PresetOpApply = 2,    /**< sets the instance's values by the preset `name`; names it */
-    PresetOpSave = 3      /**< writes the instance's values to `name`; tells the path */
+    PresetOpSave = 3      /**< writes the instance's values to `name`; returns the path */
 } PluginCorePresetOp;
 
 /** Where a preset of the list comes from. */

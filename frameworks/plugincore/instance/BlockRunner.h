@@ -14,7 +14,7 @@
 /// The way of a host's blocks through the signal path of an instance, and what of a block can be
 /// asked while it is under way.
 ///
-/// Threads: blocks come from the process side, under the processing lock. What says whether and
+/// Threads: blocks come from the process side, under the processing lock. What shows whether and
 /// where it is at work is atomic.
 class BlockRunner {
 public:

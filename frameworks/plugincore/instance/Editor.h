@@ -16,7 +16,7 @@ public:
     virtual void BeginLoad() = 0;
     virtual void EndLoad() = 0;
 
-    /// A value has changed by something else than the plug-in host; the host hears of it next.
+    /// A value has changed by something else than the plug-in host; the host is notified next.
     virtual void ParamChanged(const String& elementName, const String& paramName) = 0;
     /// The state has moved away from what the history holds; at most once until it is taken.
     virtual void StateChanged() = 0;

@@ -19,7 +19,7 @@
 /// does the work. The host is notified under the lock of the caller.
 class LatencyReport {
 public:
-    /// What a host is to be given, whatever the elements say.
+    /// What a host is to be given, whatever the elements' sum is.
     struct Settings {
         bool isCompensated = true;      ///< false: 0 is reported
         std::optional<uint32_t> frozen; ///< samples, in place of the elements' sum

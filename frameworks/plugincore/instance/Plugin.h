@@ -25,7 +25,7 @@
 ///
 /// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
 /// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
-/// touch is atomic; each part says what it is under.
+/// touch is atomic; each part names its lock.
 class Plugin final : public PluginCore, public PluginElementHost, public Util::HistoryDelegate {
 public:
     Plugin(const PluginFactory& factory, const PluginSetup& setup);

@@ -23,7 +23,7 @@ public:
     /// All that is referred to outlives the messages.
     struct Setup {
         const PluginDefinition& product;
-        String modulePath; ///< empty when the wrapper doesn't say
+        String modulePath; ///< empty when the wrapper gives none
         Util::ConfigFile& settings;
         bool keepsSettings; ///< false: settings are looked at, never changed
         DSP::DSPSet& set;

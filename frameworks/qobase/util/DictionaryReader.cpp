@@ -8,7 +8,7 @@ namespace Util {
 
 namespace {
 
-/// Puts a tree together from what it is told.
+/// Puts a tree together from what its visitor calls bring.
 class TreeBuilder final : public DictionaryActions {
 public:
     void OnUInt(const String& key, uint32_t value) override { Add(key, {value}); }

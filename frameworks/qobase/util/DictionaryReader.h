@@ -29,7 +29,7 @@ public:
 class DictionaryReader {
 public:
     virtual ~DictionaryReader() = default;
-    /// False when the text is not of this form; what the visitor was told until then is to be
+    /// False when the text is not of this form; what the visitor received until then is to be
     /// dropped.
     virtual bool Read(ByteSpan text, DictionaryActions& actions) = 0;
     virtual void Reset() = 0;

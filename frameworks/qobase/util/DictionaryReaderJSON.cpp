@@ -109,7 +109,7 @@ std::optional<double> ParseNumber(std::string_view text)
 
 /// The text with each number replaced by its index in `numbers`.
 ///
-/// The library reads numbers as the process's locale says, and a host may have set any; so it gets
+/// The library reads numbers by the process's locale, and a host may have set any; so it gets
 /// to see whole numbers only, which it reads alike everywhere.
 class NumberTable {
 public:

@@ -20,7 +20,7 @@ public:
     /// What failed and why, for a person.
     [[nodiscard]] virtual String GetDescription() const = 0;
     [[nodiscard]] virtual uint32_t GetCategoryFlag() const = 0;
-    /// More than the description says; may be null.
+    /// More than the description holds; may be null.
     [[nodiscard]] virtual String GetDetail() const = 0;
     /// The values that the description was built from; they live as long as the error.
     [[nodiscard]] virtual std::span<const String> GetArguments() const = 0;
@@ -55,7 +55,7 @@ private:
     std::vector<String> arguments;
 };
 
-/// Errors of one kind: `Kind` is any type and serves to tell them apart.
+/// Errors of one kind: `Kind` is any type and serves to distinguish them.
 template <typename Kind>
 class BasicError final : public BasicErrorBase {
 public:

@@ -22,7 +22,7 @@ String GetStem(const String& path);
 String GetFolder(const String& path);
 
 enum class Recursive { No, Yes };
-/// Who may look into a folder that is made: whom the user's mask says, or nobody else.
+/// Who may look into a folder that is made: whoever the user's mask allows, or nobody else.
 enum class Visibility { AsMaskSays, OwnerOnly };
 /// Makes a folder, with the ones above it when asked. A folder that is there is a success, and
 /// stays as it is. Fails as a File::Error.
@@ -40,7 +40,7 @@ std::vector<String> ListFiles(const String& folder, const String& extension);
 String GetHomeFolder();            ///< $HOME, else as the system's records have it
 String GetApplicationDataFolder(); ///< $XDG_DATA_HOME or ~/.local/share
 String GetConfigurationFolder();   ///< $XDG_CONFIG_HOME or ~/.config
-String GetDocumentsFolder();       ///< as xdg-user-dir DOCUMENTS says, or ~/Documents
+String GetDocumentsFolder();       ///< the DOCUMENTS of xdg-user-dir, or ~/Documents
 /// "%USERDOCS%" at the start of a pattern filled in, separators of the rest made native.
 String ExpandUserFolders(const String& pattern);
 

@@ -18,7 +18,7 @@
 /// looks at the encoding.
 ///
 /// A default-constructed text is *null*: it has length 0 and behaves as an empty text everywhere,
-/// but it is told apart by `==` and sorts before every other text, the empty one included. Compare
+/// but it differs by `==` and sorts before every other text, the empty one included. Compare
 /// lengths, or ask IsEmpty(), where the difference doesn't matter.
 ///
 /// Threads: [any]; one object is not assigned while another thread reads it. Texts allocate, so

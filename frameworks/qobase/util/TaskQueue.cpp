@@ -72,7 +72,7 @@ void TaskQueue::Run()
         busy = true;
         lock.unlock();
         RunGuarded(task);
-        task = nullptr; // what the task captured dies here, before anyone hears that it is done
+        task = nullptr; // what the task captured dies here, before it counts as done
         lock.lock();
         busy = false;
         if (tasks.empty()) {

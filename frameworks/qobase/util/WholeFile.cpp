@@ -20,7 +20,8 @@ constexpr uint64_t LargestStepBytes = 4ULL << 20;
 ///
 /// A process that is killed meanwhile leaves the new file behind, hidden and small. Nobody clears
 /// these away: the folder may be shared between machines, where another one's processes can't be
-/// told from dead ones, and may be any of the user's, too large to be listed at each write.
+/// distinguished from dead ones, and may be any of the user's, too large to be listed at each
+/// write.
 class Replacement {
 public:
     /// `target` is no symbolic link.
@@ -266,7 +267,7 @@ Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes)
 
 Expected<bool> CreateWholeFile(const String& path, ByteSpan bytes)
 {
-    std::error_code unknown; // what can't be looked at is told by the making
+    std::error_code unknown; // what can't be looked at fails when it is made
     if (std::filesystem::exists(std::filesystem::symlink_status(path.ToStdString(), unknown))) {
         return false;
     }

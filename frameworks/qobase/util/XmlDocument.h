@@ -20,7 +20,7 @@ using XmlError = BasicError<XmlErrorKind>;
 class XmlNode {
 public:
     bool IsElement() const;
-    /// Of an element its name, of a comment or a text what it says.
+    /// Of an element its name, of a comment or a text its content.
     String GetName() const;
     /// Empty when there is no attribute of this name.
     String GetAttribute(const char* name) const;

@@ -78,7 +78,7 @@ void PuffGuard::initialise()
     SetUpFilterbank();
     const RepairSizes longest = sizes.WithHistory(1.0F);
     sizes = sizes.WithHistory(values.latencyScaling);
-    // Numbers by themselves: the host reads them after it has been told.
+    // Numbers by themselves: the host reads them once it is notified.
     latency.samples.store(sizes.GetLatency(), std::memory_order_relaxed);
     latency.maxSamples.store(longest.GetLatency(), std::memory_order_relaxed);
     SetUpPitch();

@@ -43,7 +43,7 @@ bool Transform::ReadDetections(TransformReadRecord& record) const
     }
     auto* target = static_cast<DetectionRecord*>(record.buffer);
     record.count = log->Read(record.position, {target, record.capacity});
-    // Numbers wrap, so that the distance tells; a reader that is ahead waits.
+    // Numbers wrap, so that the distance decides; a reader that is ahead waits.
     const auto waiting = static_cast<int32_t>(log->GetNextNumber() - record.position);
     record.flag = waiting > 0 ? 1 : 0;
     return true;

@@ -9,7 +9,7 @@
 
 /// Plain loops over arrays of floats, written so that the compiler can turn them into vector code.
 ///
-/// Counts are floats unless the text says otherwise; a count of 0 does nothing. Arrays don't
+/// Counts are floats unless stated otherwise; a count of 0 does nothing. Arrays don't
 /// overlap unless the text allows it. All are [process].
 namespace DSP::VectorOps {
 

@@ -98,7 +98,7 @@ int main(int argc, char** argv)
         std::fputs("usage: make-factory-presets FOLDER\n", stderr);
         return 2;
     }
-    // An instance that the settings of whoever builds have no say in; it hosts the elements.
+    // An instance that ignores the settings of whoever builds; it hosts the elements.
     const PluginFactory& factory = LMPuffguard::GetPluginFactory();
     PluginSetup setup;
     setup.sampleRate = 48000.0F;

@@ -58,7 +58,7 @@ int ChangeFormat(int format,
                  int channels);
 
 /// Reads "FORMAT,RATE,CHANNELS", FORMAT being s8, u8, s16, s24, s32, f32, f64, ulaw or alaw, the
-/// wider ones with "le" (taken when nothing is said) or "be" behind it. Throws UsageError.
+/// wider ones with "le" (the default) or "be" behind it. Throws UsageError.
 RawFormat ParseRawFormat(std::string_view text);
 
 } // namespace Cli

@@ -32,7 +32,7 @@ bool IsPlaceholderSize(int64_t size)
     return size >= 0x7FFFE000 && (size <= 0x7FFFFFFF || (size >= 0xFFFFE000 && size <= 0xFFFFFFFF));
 }
 
-// libsndfile reads what is there of a file that was cut off and tells of it in its log only:
+// libsndfile reads what is there of a file that was cut off and mentions it in its log only:
 // "data : 192000 (should be 95978)". WAV, AIFF and AU name the samples' chunk, W64 and RF64 the
 // whole file.
 bool LogTellsTruncation(const std::string& log)

@@ -31,14 +31,14 @@ public:
     /// Complete format word of libsndfile.
     int GetFormat() const { return info.format; }
 
-    /// Nothing when only the end will tell.
+    /// Nothing when only the end will show it.
     std::optional<int64_t> GetFrames() const { return frames; }
 
     const Metadata& GetMetadata() const { return metadata; }
 
     /// Fills `target` with frames of interleaved samples, full scale 1.0, and returns the number of
     /// frames; fewer than fit only at the end. Throws FileError, also when the input ends before
-    /// its head said.
+    /// its head states.
     size_t Read(std::span<double> target);
 
 private:

@@ -18,7 +18,7 @@ namespace Cli {
 
 namespace {
 
-// What a stream of unknown length says of itself; small enough to be added to and doubled.
+// The size in the head of a stream of unknown length; small enough to be added to and doubled.
 constexpr int64_t EndlessLength = std::numeric_limits<int64_t>::max() / 4;
 
 } // namespace

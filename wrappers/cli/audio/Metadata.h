@@ -9,7 +9,7 @@
 
 namespace Cli {
 
-/// What an audio file says beside its samples: texts, the broadcast and cart chunks, cue points,
+/// What an audio file holds beside its samples: texts, the broadcast and cart chunks, cue points,
 /// the instrument and the meaning of the channels.
 class Metadata {
 public:

@@ -26,7 +26,7 @@ bool IsWav(std::string_view firstBytes);
 /// FileError.
 WavHead ReadWavHead(int descriptor, std::string_view firstBytes);
 
-/// What a head tells of the format and beside the samples. Throws FileError.
+/// What a head holds of the format and beside the samples. Throws FileError.
 struct WavDescription {
     SF_INFO info = {};
     Metadata metadata;
@@ -34,7 +34,7 @@ struct WavDescription {
 WavDescription DescribeWavHead(const WavHead& head);
 
 /// The head of a stream in the format of `info` (a WAV container). Without `frames`, or with more
-/// than its fields can hold, the sizes say "until the end". Throws FileError.
+/// than its fields can hold, the sizes stand for "until the end". Throws FileError.
 std::string
 MakeWavHead(const SF_INFO& info, const Metadata& metadata, std::optional<int64_t> frames);
 

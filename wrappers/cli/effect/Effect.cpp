@@ -52,7 +52,7 @@ Effect::MakeInstance(std::shared_ptr<const Wrapper::Module> module, int sampleRa
     return Granted(Wrapper::Instance::Create(std::move(module), setup, listener, keepComplaint));
 }
 
-// What holds nothing was refused, and the instance has said why.
+// What holds nothing was refused, and the instance has logged why.
 template <typename Answer>
 Answer Effect::Granted(Answer answer) const
 {

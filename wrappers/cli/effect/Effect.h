@@ -93,7 +93,7 @@ private:
     double ChooseOne(std::string_view identifier, std::optional<double> value);
     double ReadParam(uint32_t index) const;
 
-    std::string complaint; // what the instance said last
+    std::string complaint; // the instance's last message
     Wrapper::SilentListener listener;
     std::unique_ptr<Wrapper::Instance> instance;
     Wrapper::ElementParameters parameters;

@@ -14,7 +14,7 @@ Wrapper::Module::Folders UsualFolders()
     std::error_code failure;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", failure);
     if (!executable.is_absolute()) {
-        return {}; // places that can't be told aren't those below the current folder
+        return {}; // unknown places aren't those below the current folder
     }
     const auto prefix = executable.parent_path().parent_path();
     Wrapper::Module::Folders folders = {prefix / PUFFGUARD_LIBRARY_FOLDER / "puffguard"};

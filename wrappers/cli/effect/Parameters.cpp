@@ -16,7 +16,7 @@ namespace {
 using Kind = Wrapper::Parameter::Kind;
 
 // The way through a normalised float costs up to 3e-8 of the range, and the float in the module as
-// much of the value: what is below a millionth of the range says nothing.
+// much of the value: what is below a millionth of the range means nothing.
 double Tidy(double value, double range)
 {
     const double digits = std::floor(std::log10(range));

@@ -34,7 +34,7 @@ public:
     /// Gives up ownership.
     int Release();
 
-    /// Closes now; true when the system had no complaint. Some file systems tell of a full disk
+    /// Closes now; true when the system had no complaint. Some file systems report a full disk
     /// only here.
     bool Close();
 

@@ -29,7 +29,7 @@ auto Naming(const std::string& name, Work work)
     }
 }
 
-/// A command line that can't be meant: reported with exit code 2 before any file is touched.
+/// A command line that makes no sense: reported with exit code 2 before any file is touched.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

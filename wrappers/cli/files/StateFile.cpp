@@ -18,7 +18,7 @@ std::string ReadStateFile(const FileName& name)
     const FileDescriptor file = OpenForReading(name);
     std::string bytes;
     size_t count = Piece;
-    // As far as there is something: a pipe doesn't say how much will come.
+    // As far as there is something: a pipe doesn't show how much will come.
     while (count == Piece) {
         const size_t size = bytes.size();
         if (size > Wrapper::LongestSession) {

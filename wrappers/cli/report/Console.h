@@ -14,7 +14,7 @@
 
 namespace Cli {
 
-/// Everything the program says to a reader: result lines, complaints, and a progress bar while
+/// Everything the program prints for a reader: result lines, complaints, and a progress bar while
 /// standard error is a terminal. Calls may come from any thread; lines never mix.
 class Console {
 public:

@@ -61,7 +61,7 @@ private:
     uint64_t count = 0;
 };
 
-/// What the summary tells of a recording.
+/// What the summary holds of a recording.
 struct EventSummary {
     uint64_t repairs = 0;
     uint64_t prominent = 0;

@@ -117,7 +117,7 @@ public:
         }
         SpoolDetections(report.frames);
         report.lostRepairs = effect.GetLostDetections();
-        // The picture takes a time of its own, which says nothing of the repair's speed.
+        // The picture takes a time of its own, which is no part of the repair's speed.
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         report.seconds = elapsed.count();
         WriteReports(report);

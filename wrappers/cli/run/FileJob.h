@@ -24,7 +24,7 @@ struct RunContext {
 };
 
 /// Takes one recording through an instance of its own and writes what was asked for. Several may
-/// run on different threads. Failures are told in the report, none is thrown.
+/// run on different threads. Failures stand in the report, none is thrown.
 FileReport RunFile(const RunContext& context, const Task& task, size_t number);
 
 } // namespace Cli

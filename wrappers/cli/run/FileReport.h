@@ -15,7 +15,7 @@ struct FileReport {
     FileName input;
     FileName output;     ///< empty when no audio was written
     std::string preset;  ///< name of the one that was used; empty: none
-    std::string failure; ///< not empty: why it failed; the rest then says nothing
+    std::string failure; ///< not empty: why it failed; the rest then means nothing
     int sampleRate = 0;  ///< Hz
     int channels = 0;
     int64_t frames = 0;

@@ -37,7 +37,7 @@ constexpr const char* ExampleText = R"(Examples:
                                             in a pipe
   puffguard - -o - --raw s16,48000,2        samples without a head
 
-Exit code: 0 all files done, 1 some file failed, 2 the command line can't be meant.)";
+Exit code: 0 all files done, 1 some file failed, 2 the command line is not valid.)";
 
 /// Option values as they were typed; what they mean is worked out afterwards, so that one place
 /// words all complaints.
@@ -215,7 +215,7 @@ void RefuseEmptyValues(CLI::App& app, std::span<const char* const> words)
 void RefuseUnknown(const CLI::App& app)
 {
     std::vector<std::string> unknown = app.remaining();
-    std::erase(unknown, "--"); // only says that inputs follow
+    std::erase(unknown, "--"); // only marks that inputs follow
     if (unknown.empty()) {
         return;
     }

@@ -72,7 +72,7 @@ Wrapper::Preset ApplyPreset(Effect& effect, const std::string& name)
     }
 }
 
-// The module refuses by itself to replace a preset, but knows no way out that could be told.
+// The module refuses by itself to replace a preset, but knows no way out that a message could name.
 void CheckPresetTarget(Effect& effect, const Options& options)
 {
     const std::string& target = options.session.savePreset.Get();

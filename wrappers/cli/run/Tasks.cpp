@@ -153,7 +153,8 @@ std::string IdentityOf(const FileName& name)
 /// Who has claimed which file of a run, so that nothing of it replaces anything else of it.
 class Claims {
 public:
-    /// Protects a file that is read; `what` it is is told to whoever wants to write it.
+    /// Protects a file that is read; `what` it is stands in the message to whoever wants to write
+    /// it.
     void Protect(const FileName& name, const char* what)
     {
         sources.emplace(IdentityOf(name), what);
@@ -169,8 +170,8 @@ public:
         return Claim(name, owner, itself);
     }
 
-    /// Claims a file to be written; `owner` is told to whoever comes later. Answers why not, or an
-    /// empty text. What is read may be replaced only by what comes of `itself`.
+    /// Claims a file to be written; `owner` stands in the message to whoever comes later. Answers
+    /// why not, or an empty text. What is read may be replaced only by what comes of `itself`.
     std::string Claim(const FileName& name, const std::string& owner, const FileName& itself = {})
     {
         const std::string identity = IdentityOf(name);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Writes the bundle's documents from what the module says of itself: run once at build time.
+// Writes the bundle's documents from the module's description of itself: run once at build time.
 #include "wrappers/common/Instance.h"
 #include "wrappers/common/SilentListener.h"
 #include "wrappers/lv2/bundle/PluginDocument.h"

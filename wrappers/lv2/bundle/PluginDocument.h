@@ -11,7 +11,7 @@
 
 namespace Lv2 {
 
-/// What the module says of itself, as far as the documents tell it.
+/// The module's description of itself, as far as the documents hold it.
 struct Description {
     Wrapper::Product product;
     std::vector<Wrapper::Parameter> parameters;

@@ -18,7 +18,7 @@ struct PresetValues {
     std::vector<uint8_t> state; ///< holds also what has no port
 };
 
-/// What the bundle's list says of the presets of one plug-in.
+/// What the bundle's list holds of the presets of one plug-in.
 std::string PresetList(std::span<const PresetValues> presets, const Variant& variant);
 
 /// The file that the list points to: the presets of one plug-in. A bypass belongs to no preset.

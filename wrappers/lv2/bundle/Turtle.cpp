@@ -66,7 +66,7 @@ std::string TurtleText(std::string_view text)
 std::string TurtleNumber(double value)
 {
     std::array<char, 64> text{};
-    // A port is a float: its shortest text says all.
+    // A port is a float: its shortest text holds all of it.
     const auto end = std::to_chars(text.data(),
                                    text.data() + text.size(),
                                    static_cast<float>(value),

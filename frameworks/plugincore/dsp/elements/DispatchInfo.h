@@ -53,8 +53,8 @@ public:
     explicit DispatchInfo(Config newConfig);
     ~DispatchInfo() override;
 
-    /// Clamps, tells the observers, then sets the value of that side if it differs. Comparison is
-    /// exact. A NaN changes nothing. True when the value changed.
+    /// Clamps, notifies the observers, then sets the value of that side if it differs. Comparison
+    /// is exact. A NaN changes nothing. True when the value changed.
     bool SetValue(T value, Context thread, ValueSource source);
     T GetValue(Context thread) const;
 

@@ -36,7 +36,7 @@ public:
     /// For the parent only.
     virtual void SetParent(Element* newParent) = 0;
 
-    /// Whether SetFormat() is heard.
+    /// Whether SetFormat() has an effect.
     virtual bool IsConfigurable() const = 0;
     /// Rate in Hz and layout code. Under the process lock. [setup]
     virtual void SetFormat(float newSampleRate, uint32_t newChannelConfig) = 0;
@@ -72,7 +72,7 @@ public:
     /// State beside the parameters that is saved with them as bytes. [ui]
     virtual bool HasExtraBytes() const = 0;
     virtual uint32_t GetExtraBytesCount() const = 0;
-    /// Fills bytes to be saved; as many as GetExtraBytesSize() says.
+    /// Fills bytes to be saved; as many as GetExtraBytesSize() returns.
     virtual void WriteExtraBytes(std::span<uint8_t> bytes) const = 0;
     /// GetExtraBytesCount(), but 0 while there are none.
     virtual uint32_t GetExtraBytesSize() const = 0;

@@ -57,7 +57,7 @@ public:
     /// An element's latency has changed, seen from `context`. [any]
     virtual void LatencyChanged(Context context) = 0;
 
-    /// Delay that the dry signal must have, in samples: what the host is told. [process]
+    /// Delay that the dry signal must have, in samples: the latency that the host gets. [process]
     virtual uint32_t GetProcessingSystemDelaySamples() const = 0;
 
     /// False on the thread that is inside the process side. [any]
@@ -77,7 +77,7 @@ public:
     virtual void CommandPosted(Element& element, DSPCommand& command) = 0;
     virtual void CommandFinished(Element& element, DSPCommand& command) = 0;
 
-    /// Gestures and changes that the plug-in host's automation wants to hear of. [ui]
+    /// Gestures and changes for the plug-in host's automation. [ui]
     virtual void ParamGrabbed(Element& element, const String& name) = 0;
     virtual void ParamReleased(Element& element, const String& name) = 0;
     virtual void ParamChanged(Element& element, const String& name) = 0;

@@ -16,7 +16,7 @@ namespace DSP {
 /// dry signal that a bypassed element fades to. A concrete element overrides the few protected
 /// hooks at the end.
 ///
-/// Threads: as Element says. Everything that touches the signal runs under the host's process lock.
+/// Threads: as for Element. Everything that touches the signal runs under the host's process lock.
 class ElementImpl : public Element {
 public:
     struct Setup {
@@ -75,7 +75,7 @@ public:
     /// While set, waiting commands stay where they are. [process]
     void SetCommandsDisabled(bool disabled) { commandsDisabled = disabled; }
 
-    /// Sample positions that the next block's frames are told; empty after each block. [process]
+    /// Sample positions of the next block's frames; empty after each block. [process]
     void SetNextPositions(std::optional<uint32_t> input, std::optional<uint32_t> output);
 
     ElementHost& GetHost() const { return host; }
@@ -107,11 +107,11 @@ protected:
     virtual void OnFormatChanged() {}
     /// Whether the tail's samples go to the caller.
     virtual bool UsesRegionCrossfade() const { return true; }
-    /// Whether a block is processed at all, and counts as heard since the last reset.
+    /// Whether a block is processed at all, and counts as one since the last reset.
     virtual bool ProcessesBlocks() const { return true; }
     /// Whether ProcessRegion() leaves the commands alone.
     virtual bool DefersCommands() const { return false; }
-    /// After a round of polling; `any` tells whether a value had changed. [ui]
+    /// After a round of polling; `any`: whether a value had changed. [ui]
     virtual void OnParamsChanged(bool /*any*/) {}
     virtual void OnUIIdle() {}
     virtual void OnCommandsProcessed() {}

@@ -39,7 +39,7 @@ struct ParamInfo {
 using ValueSource = std::optional<int32_t>;
 /// A controller, an undo step, a stored value.
 inline constexpr int32_t SourceController = 0;
-/// The plug-in host: it isn't told of its own change.
+/// The plug-in host: it isn't notified of its own change.
 inline constexpr int32_t SourceHost = 1;
 
 /// One parameter of an element. The process side and the UI side each have a value; the element

@@ -10,7 +10,7 @@
 
 namespace DSP::Kernels {
 
-/// The kernels of one level, by the header that tells what they do.
+/// The kernels of one level, by the header that describes what they do.
 struct KernelSet {
     const CascadeKernels& cascade;
     const CorrelationKernels& correlation;

@@ -18,7 +18,7 @@ class PresetMetadataBase;
 namespace DSP {
 
 /// The elements of an instance, as the rest of the program sees them. By key, an element is its
-/// controller set, as a `KeyValueCoding*`. [ui] unless said otherwise
+/// controller set, as a `KeyValueCoding*`. [ui] unless stated otherwise
 class DSPSetBase : public Controller::KeyValueCoding {
 public:
     /// Elements by name, in name order.

@@ -20,7 +20,7 @@ public:
     }
 
     const String& GetElementName() const { return elementName; }
-    /// Of the parameter table that the values were saved from; empty when that isn't told.
+    /// Of the parameter table that the values were saved from; empty when that isn't known.
     const std::optional<int32_t>& GetParamVersion() const { return paramVersion; }
     void SetParamVersion(int32_t version) { paramVersion = version; }
 

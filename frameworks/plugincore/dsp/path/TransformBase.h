@@ -17,7 +17,7 @@
 namespace DSP {
 
 /// The signal path of an instance: owns the set, sends each chunk through the product's element,
-/// and keeps a copy of the input, late by what the host is told, for bypass.
+/// and keeps a copy of the input, late by the reported latency, for bypass.
 ///
 /// The operations that a product may answer and this one doesn't are empty here.
 class TransformBase {

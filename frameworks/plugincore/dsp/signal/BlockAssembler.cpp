@@ -248,7 +248,7 @@ void BlockAssembler::DeliverMade(CopyOut copyOut, uint32_t done) noexcept
                 const auto first = sideMade[channel].begin();
                 pending.assign(first + rest, first + consumed);
             } else {
-                pending.assign(consumed - rest, 0.0F); // nobody listens: keep the count
+                pending.assign(consumed - rest, 0.0F); // without a processor: keep the count
             }
         }
     }

@@ -54,7 +54,7 @@ FFTImpl<float>::FFTImpl(int newOrder, const Kernels::FftKernels& newKernels)
     work.resize(At(Kernels::GetFftWorkSize(half)));
 }
 
-// Kernels::FftTables tells how factors lie.
+// Kernels::FftTables describes how factors lie.
 void FFTImpl<float>::MakeFirstFactors()
 {
     const Index butterflies = half / Kernels::FftFirstRadix;

@@ -92,7 +92,7 @@ private:
     const Kernels::FftKernels* kernels;
     int order;
     int half; // length of the complex transform, F / 2
-    // Kernels::FftTables tells what these three hold.
+    // Kernels::FftTables describes what these three hold.
     Util::AlignedVector<float> first;
     std::vector<float> middle;
     Util::AlignedVector<float> separation;

@@ -74,7 +74,7 @@ void MemoryPool::Free(void* block, std::size_t bytes)
         return;
     }
     // Only a block from the heap can be larger than all that is in use. It stays allocated: the
-    // price of telling the two apart by the mark alone.
+    // price of distinguishing the two by the mark alone.
     if (taken > used) {
         return;
     }

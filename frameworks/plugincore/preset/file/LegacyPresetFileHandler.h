@@ -11,7 +11,7 @@ namespace Preset {
 class PresetFileBase;
 
 /// Reads a preset of an older form into the snapshot of a preset file. This one accepts no older
-/// form; a subclass says which it knows, and what its names and values have become. [ui]
+/// form; a subclass states which it knows, and what its names and values have become. [ui]
 class LegacyPresetFileHandlerBase {
 public:
     /// Older names of elements with their present ones; others are kept.
@@ -35,7 +35,7 @@ public:
     virtual Util::Expected<void> ReadCategories(const Util::XmlNode& root);
     /// Present name of an element.
     virtual String MapElementName(const String& name) const;
-    /// Each takes a value under the element's present and the parameter's older name, and says
+    /// Each takes a value under the element's present and the parameter's older name, and returns
     /// whether it knows the parameter as one of this type. What none knows is dropped.
     virtual bool MapBoolParam(const String& element, const String& param, bool value);
     virtual bool MapEnumParam(const String& element, const String& param, uint32_t value);

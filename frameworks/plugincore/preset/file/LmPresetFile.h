@@ -5,7 +5,7 @@
 
 namespace Preset {
 
-/// What a program says of itself in its presets.
+/// How a program identifies itself in its presets.
 struct ProgramIdentity {
     String type; ///< the root element's name
     uint32_t paramsVersion = 0;
@@ -36,7 +36,7 @@ public:
     /// another one.
     bool IsTypeWrong() const { return isTypeWrong; }
     /// Which of the two is the later, for a head of this program's type. Same: can be read. Empty
-    /// when the head doesn't say.
+    /// when the head has none.
     std::optional<VersionMatch> CompareVersion(const PresetHead& headRead) const;
     /// For a person, of a head that is newer or earlier: its version and the program's.
     String DescribeVersions(const PresetHead& headRead) const;

@@ -18,8 +18,8 @@ bool IsCompressedPreset(Util::ByteSpan bytes);
 /// The XML of a compressed file's bytes. The length is the most that inflating may give.
 Util::Expected<Util::Bytes> InflatePreset(Util::ByteSpan bytes);
 
-/// Everything in the file, which is MaxTextBytes at most. The text of a failure tells opening and
-/// reading apart.
+/// Everything in the file, which is MaxTextBytes at most. The text of a failure distinguishes
+/// opening and reading apart.
 Util::Expected<Util::Bytes> ReadPresetBytes(const String& path);
 
 /// The XML of the file, whichever form it has.

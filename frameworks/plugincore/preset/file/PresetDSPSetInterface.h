@@ -7,7 +7,7 @@
 namespace Preset {
 
 /// The elements of a set. Values are set as a control of the user interface would, so that the
-/// plug-in host hears of them. [ui]
+/// plug-in host is notified of them. [ui]
 class PresetDSPSetInterface final : public PresetDSPInterfaceBase {
 public:
     /// The set outlives the interface.

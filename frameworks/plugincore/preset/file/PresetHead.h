@@ -24,7 +24,7 @@ using MetadataMap = std::map<String, String>;
 /// Any text but none and "0" counts.
 bool IsReadOnly(const MetadataMap& metadata);
 
-/// What a preset says of itself, apart from its values.
+/// What a preset's head holds: everything but its values.
 struct PresetHead {
     String xmlVersion; ///< of the XML declaration
     String type;       ///< the root's name

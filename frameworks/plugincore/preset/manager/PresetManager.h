@@ -25,7 +25,7 @@ struct PresetEntry {
     PresetGroup group = PresetGroup::User;
     MetadataMap metadata;
     String fault; ///< shown in place of the comment; empty for a preset that looks usable
-    String note;  ///< what else a list says of it; may be empty
+    String note;  ///< what else a list shows of it; may be empty
 
     String GetComment() const;
 };

@@ -7,7 +7,7 @@ namespace Preset {
 
 struct ManagerErrorKind;
 
-/// What the preset manager tells the user; the detail says why, where that is known.
+/// The messages of the preset manager; the detail is the reason, where that is known.
 using ManagerError = Util::BasicError<ManagerErrorKind>;
 
 /// Why a file can't be used as a preset.

@@ -26,7 +26,7 @@ namespace DSP {
 /// sampled sound", Proc. Institute of Phonetic Sciences Amsterdam 17, 1993.
 ///
 /// Magnitudes instead of powers flatten the spectrum, so that a strong formant weighs less against
-/// the harmonics that tell the pitch. Frames go through side by side; each comes to the same bits
+/// the harmonics that show the pitch. Frames go through side by side; each comes to the same bits
 /// as it would alone. The cosine transform takes a transform of half the size, after W. H. Press et
 /// al., "Numerical Recipes", chapter on sine and cosine transforms.
 ///
@@ -38,7 +38,7 @@ public:
     static constexpr int Parts = Kernels::CorrelationParts; ///< that their work comes in
 
     /// Makes tables and buffers. `maxLag` from 32 to 20000, `minLag` from 1 to `maxLag`. The
-    /// kernels are those that the processor runs best unless a test says others. [setup]
+    /// kernels are those that the processor runs best unless a test passes others. [setup]
     Autocorr(int minLag,
              int maxLag,
              const Kernels::CorrelationKernels& newKernels = Kernels::GetKernels().correlation);

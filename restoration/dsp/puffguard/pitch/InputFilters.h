@@ -20,7 +20,7 @@ namespace DSP::Synapse {
 class InputFilters {
 public:
     /// `newSampleRate` in Hz, 4000 to 1.8 million. The kernels are those that the processor runs
-    /// best unless a test says others.
+    /// best unless a test passes others.
     explicit InputFilters(
         double newSampleRate,
         const Kernels::CascadeKernels& newKernels = Kernels::GetKernels().cascade);

@@ -17,11 +17,11 @@ namespace DSP::Synapse {
 /// back to 1 within some 60 ms of the tracker's time.
 class LagMap {
 public:
-    /// The kernels are those that the processor runs best unless a test says others. [setup]
+    /// The kernels are those that the processor runs best unless a test passes others. [setup]
     explicit LagMap(const AnalysisSizes& sizes,
                     const Kernels::LagSearchKernels& newKernels = Kernels::GetKernels().lagSearch);
 
-    /// All weights 1, and nothing heard. [process]
+    /// All weights 1, and no input so far. [process]
     void Reset() noexcept UTIL_NONBLOCKING;
 
     /// Takes the correlation of the next run by lag, none negative, a row of

@@ -17,13 +17,13 @@ namespace DSP::Synapse {
 ///
 /// Each run finds a few candidate lags in the frame's autocorrelation, weighted by what earlier
 /// runs have found; dynamic programming picks the smoothest way through the candidates of the last
-/// `delayFrames` + 1 runs, and the voicing gate tells voiced from unvoiced.
+/// `delayFrames` + 1 runs, and the voicing gate separates voiced from unvoiced.
 ///
 /// Threads: the constructor is [setup], the rest [process], from one thread at a time.
 class LagTracker {
 public:
     /// `newDelayFrames` in runs: how far dynamic programming looks ahead. The kernels are those
-    /// that the processor runs best unless a test says others.
+    /// that the processor runs best unless a test passes others.
     LagTracker(const AnalysisSizes& sizes,
                int newDelayFrames,
                const Kernels::LagSearchKernels& newKernels = Kernels::GetKernels().lagSearch);

@@ -24,7 +24,7 @@ public:
     /// Forgets the signal; settings stay.
     void Reset() noexcept UTIL_NONBLOCKING;
 
-    /// What the tracker listens to; for its settings.
+    /// The tracker's input filters; for their settings.
     Prefilter& GetPrefilter() noexcept UTIL_NONBLOCKING { return prefilter; }
     /// Off: less latency, a rougher track.
     void SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING;

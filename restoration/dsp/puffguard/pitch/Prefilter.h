@@ -11,7 +11,7 @@
 
 namespace DSP::Synapse {
 
-/// What the tracker listens to: the signal without direct current, low-passed, decimated by adding
+/// The tracker's input: the signal without direct current, low-passed, decimated by adding
 /// up, high-passed, and clipped around 0 by a fraction of its level.
 ///
 /// Method: centre clipping after M. M. Sondhi, "New methods of pitch extraction", IEEE Trans. Audio

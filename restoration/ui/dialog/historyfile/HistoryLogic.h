@@ -12,7 +12,7 @@ namespace UI::Dialog {
 /// The form of the file that a dialog's history is kept in.
 extern const HistoryFileForm DialogHistoryForm;
 
-/// Shows the list of a history. It is told, and doesn't answer by a call.
+/// Shows the list of a history. It is notified, and doesn't answer by a call.
 class HistoryView {
 public:
     virtual ~HistoryView() = default;

@@ -5,7 +5,7 @@
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 #include "frameworks/qobase/util/DataStream.h"
 
-/// What tells the forms of the file apart.
+/// What distinguishes the forms of the file.
 struct HistoryFileForm {
     uint32_t magic;           ///< the file's first word
     bool hasTotalSize;        ///< the header ends in the size of the state at the time of writing
@@ -20,7 +20,7 @@ extern const HistoryFileForm FrameworkHistoryForm;
 /// The state of now; empty when it can't be had.
 std::optional<Snapshot> TakeSnapshot(Util::HistoryDelegate& delegate, const String& label);
 
-/// Keeps an undo history in a file. All numbers little-endian, 32 bits unless said otherwise:
+/// Keeps an undo history in a file. All numbers little-endian, 32 bits unless stated otherwise:
 ///
 ///     magic, state version [, size of the state]
 ///     81232, length of the state (32 or 64 bits), the state, length of the label, the label

@@ -41,6 +41,10 @@ TEST(WavStreamTest, ReadsAHandMadeHead)
     EXPECT_EQ(description.info.samplerate, 8000);
     EXPECT_EQ(description.info.channels, 1);
     EXPECT_EQ(description.info.format, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    // A chunk of odd length has a byte behind it that doesn't count.
+    std::string odd = HandMadeHead("\x08\0\0\0"s);
+    odd.insert(odd.size() - 8, "note\x01\0\0\0n\0"s);
+    EXPECT_EQ(ReadHead(odd).dataBytes, 8);
 }
 
 TEST(WavStreamTest, TakesPlaceholdersForUnknown)

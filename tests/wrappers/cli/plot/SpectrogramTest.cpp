@@ -100,14 +100,14 @@ TEST(SpectrogramTest, StaysBoundedAndKeepsABurstVisible)
 TEST(PlotRecorderTest, WaveHoldsTheExtremesOfTheAverageOfChannels)
 {
     Cli::PlotRecorder recorder(8000, 2);
-    std::vector<double> before(2 * 80, 0.0);
-    std::vector<double> after(2 * 80, 0.0);
+    std::vector<double> before(2 * 84, 0.0); // ten columns and a half
+    std::vector<double> after(2 * 84, 0.0);
     before[2 * 20] = 1.0; // left only: the average is a half; 20 of 8 frames a column is column 2
     after[2 * 20] = after[2 * 20 + 1] = -0.25;
     recorder.Add(before, after);
     recorder.Finish();
-    ASSERT_EQ(recorder.GetWave().size(), 10U);
-    EXPECT_DOUBLE_EQ(recorder.GetDuration(), 0.01);
+    ASSERT_EQ(recorder.GetWave().size(), 11U);
+    EXPECT_DOUBLE_EQ(recorder.GetDuration(), 0.0105);
     EXPECT_EQ(recorder.GetWave()[2].greatestBefore, 0.5F);
     EXPECT_EQ(recorder.GetWave()[2].leastAfter, -0.25F);
     EXPECT_EQ(recorder.GetWave()[3].greatestBefore, 0.0F);

@@ -38,6 +38,7 @@ TEST(TextTest, SuggestsOnlyWhatIsNear)
     EXPECT_EQ(Cli::NearestWord("--strenght", words), "--strength");
     EXPECT_EQ(Cli::NearestWord("--sens", words), "--sensitivity");
     EXPECT_EQ(Cli::NearestWord("--volume", words), "");
+    EXPECT_EQ(Cli::NearestWord("-wva", {"-wav"}), "-wav"); // one slip, where two are too many
 }
 
 TEST(ProgressTest, ShowsShareSpeedAndRemainingTime)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/qobase/util/Bytes.h"
 
 #include <algorithm>
 

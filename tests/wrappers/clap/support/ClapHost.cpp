@@ -17,7 +17,8 @@ constexpr uint32_t ChannelFlags =
 } // namespace
 
 Use::Use()
-    : entry(library.Find<const clap_plugin_entry_t*>("clap_entry"))
+    : library(PUFFGUARD_CLAP)
+    , entry(library.Find<const clap_plugin_entry_t*>("clap_entry"))
     , hasBegun(entry != nullptr && entry->init(PUFFGUARD_CLAP))
 {
 }

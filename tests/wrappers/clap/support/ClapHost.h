@@ -42,7 +42,7 @@ public:
     const clap_plugin_factory_t* GetFactory() const;
 
 private:
-    const Contract::Library library{PUFFGUARD_CLAP};
+    const Contract::Library library;
     const clap_plugin_entry_t* const entry;
     const bool hasBegun;
 };

@@ -88,7 +88,8 @@ uint32_t Features::Map(const std::string& uri)
 }
 
 Plugin::Plugin(uint32_t newChannels, double newRate, Manner manner)
-    : channels(newChannels)
+    : library(PUFFGUARD_LV2)
+    , channels(newChannels)
     , rate(newRate)
     , descriptor(Find(library, newChannels))
     , handle(descriptor != nullptr

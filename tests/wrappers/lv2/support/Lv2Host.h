@@ -90,7 +90,7 @@ private:
     std::vector<uint8_t> SaveChunk() const;
     const LV2_State_Interface& StateInterface() const;
 
-    const Contract::Library library{PUFFGUARD_LV2};
+    const Contract::Library library;
     const uint32_t channels;
     const double rate;
     const LV2_Descriptor* const descriptor;

@@ -21,6 +21,12 @@ std::string TextOf(const int16_t* text)
     return result;
 }
 
+Binary::Binary()
+    : Library(PUFFGUARD_VST3)
+    , hasEntered(Enter())
+{
+}
+
 Held<IFactory> GetFactory(const Binary& binary)
 {
     const auto get = binary.Find<void* (*)()>("GetPluginFactory");

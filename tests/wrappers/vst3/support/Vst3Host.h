@@ -48,11 +48,7 @@ Held<T> Query(IUnknown& object, const v3_tuid iid)
 /// The binary of the bundle, between ModuleEntry() and ModuleExit().
 class Binary : public Contract::Library {
 public:
-    Binary()
-        : Library(PUFFGUARD_VST3)
-        , hasEntered(Enter())
-    {
-    }
+    Binary();
     ~Binary()
     {
         if (hasEntered) {

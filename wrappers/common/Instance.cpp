@@ -177,8 +177,8 @@ void Instance::OnParamEvent(const ParamEventRecord& event) noexcept
 // The module passes over a format outside these bounds without a word.
 bool Instance::CanServe(double sampleRate, uint32_t channels)
 {
-    constexpr double Lowest = PLUGIN_CORE_LOWEST_RATE;
-    constexpr double Highest = PLUGIN_CORE_HIGHEST_RATE;
+    constexpr auto Lowest = static_cast<double>(PLUGIN_CORE_LOWEST_RATE);
+    constexpr auto Highest = static_cast<double>(PLUGIN_CORE_HIGHEST_RATE);
     return sampleRate >= Lowest && sampleRate <= Highest && channels >= 1 &&
            channels <= BlockBuffers::MaxChannels;
 }

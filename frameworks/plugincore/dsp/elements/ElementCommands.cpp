@@ -3,9 +3,9 @@
 // side, until a step answers false or it is cancelled; the UI side deletes it, so that the process
 // side never frees memory.
 #include "frameworks/plugincore/dsp/elements/ElementImpl.h"
+#include "frameworks/qobase/util/CriticalSection.h"
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace DSP {
@@ -29,7 +29,7 @@ void ElementImpl::SendOrRun(DSPCommand* command)
         processFifo.Push(command);
         return;
     }
-    const std::unique_lock guard(host.GetProcessLock(), std::adopt_lock);
+    const Util::CriticalSectionGuard guard(host.GetProcessLock(), std::adopt_lock);
     ProcessCommands(); // older ones first
     RunDirectly(command);
 }
@@ -100,7 +100,7 @@ void ElementImpl::ServiceWithoutAudio()
     if (host.IsProcessing() || !host.GetProcessLock().TryEnter()) {
         return;
     }
-    const std::unique_lock guard(host.GetProcessLock(), std::adopt_lock);
+    const Util::CriticalSectionGuard guard(host.GetProcessLock(), std::adopt_lock);
     std::vector<DSPCommand*> goingOn;
     while (DSPCommand* command = processFifo.Pop()) {
         if (command->IsActive() && !command->ProcessThreadStep()) {

@@ -110,8 +110,8 @@ private:
     float OddNumber()
     {
         constexpr float Inf = std::numeric_limits<float>::infinity();
-        constexpr float Numbers[] = {
-            std::nanf(""), Inf, -Inf, 1e38F, -1e10F, -0.0F, 1e-40F, -1.0F, 2.0F};
+        constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
+        constexpr float Numbers[] = {NaN, Inf, -Inf, 1e38F, -1e10F, -0.0F, 1e-40F, -1.0F, 2.0F};
         return Numbers[Pick(std::size(Numbers))];
     }
 

@@ -84,8 +84,8 @@ ARROWS |= {
 WITHOUT_LIBRARIES = ("frameworks/", "restoration/")
 # Operating system and processor headers, for sources only: the seams towards a platform.
 PLATFORM = {
-    UTIL: {"xmmintrin.h", "emmintrin.h", "unistd.h", "fcntl.h", "pwd.h", "sys/file.h", "sys/random.h",
-           "sys/stat.h"},
+    UTIL: {"xmmintrin.h", "emmintrin.h", "dlfcn.h", "fcntl.h", "pthread.h", "pwd.h", "sched.h",
+           "sys/file.h", "sys/random.h", "sys/resource.h", "sys/stat.h", "unistd.h"},
     CORE: {"dlfcn.h"},
     UI + "native/x11": {"sys/ipc.h", "sys/shm.h", "poll.h", "unistd.h"},
 }

@@ -90,7 +90,7 @@ private:
     Util::CriticalSection lock{"Process"};
     DSP::MemoryPool memory{"Test Memory"};
     DSP::FFTPool transforms{"Test Transforms"};
-    Util::TaskQueue tasks{0};
+    Util::TaskQueue tasks{"Test Tasks", 0};
 };
 
 } // namespace Support

@@ -11,7 +11,7 @@ PluginElementHost::PluginElementHost(const Setup& setup)
     , mayAlwaysChangeDSP(setup.mayAlwaysChangeDSP)
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
-    , taskQueue(1)
+    , taskQueue("Plugin Tasks", 1)
     , blocks(setup.maxBlockFrames)
 {
 }

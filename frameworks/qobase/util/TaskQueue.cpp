@@ -8,7 +8,7 @@
 namespace Util {
 namespace {
 
-/// An exception that left a thread's first function would end the host's process.
+/// One task that fails is no reason to leave out the next.
 void RunGuarded(const TaskQueue::Task& task) noexcept
 {
     try {
@@ -20,64 +20,72 @@ void RunGuarded(const TaskQueue::Task& task) noexcept
 
 } // namespace
 
-TaskQueue::TaskQueue(unsigned workers)
+TaskQueue::TaskQueue(const String& name, unsigned workers)
     : runsOnCaller(workers == 0)
+    , lock(String("%1 Critical Section").arg(name))
+    , worker(name, *this)
 {
 }
 
 TaskQueue::~TaskQueue()
 {
     {
-        const std::lock_guard lock(mutex);
+        const CriticalSectionGuard guard(lock);
         ending = true;
     }
-    posted.notify_all();
-    if (worker.joinable()) {
-        worker.join();
-    }
+    changed.notify_all();
+    worker.Wait();
 }
 
-void TaskQueue::Post(Task task)
+bool TaskQueue::Post(Task task)
 {
     if (runsOnCaller) {
         RunGuarded(task);
-        return;
+        return true;
     }
-    {
-        const std::lock_guard lock(mutex);
-        tasks.push_back(std::move(task));
-        if (!worker.joinable()) {
-            worker = std::thread([this] { Run(); });
-        }
+    const CriticalSectionGuard guard(lock);
+    hasWorker = hasWorker || worker.Start();
+    if (!hasWorker) {
+        return false;
     }
-    posted.notify_one();
+    tasks.push_back(std::move(task));
+    changed.notify_all();
+    return true;
 }
 
 void TaskQueue::WaitUntilIdle()
 {
-    std::unique_lock lock(mutex);
-    idle.wait(lock, [this] { return tasks.empty() && !busy; });
+    const CriticalSectionGuard guard(lock);
+    while (busy || !tasks.empty()) {
+        changed.wait(lock);
+    }
 }
 
-void TaskQueue::Run()
+void TaskQueue::Worker::Run(const std::stop_token& /*stop*/)
 {
-    std::unique_lock lock(mutex);
+    queue.RunTasks(); // ends when the queue does
+}
+
+void TaskQueue::RunTasks()
+{
     for (;;) {
-        posted.wait(lock, [this] { return ending || !tasks.empty(); });
-        if (tasks.empty()) {
-            return;
+        Task task;
+        {
+            const CriticalSectionGuard guard(lock);
+            busy = false;
+            changed.notify_all();
+            while (tasks.empty() && !ending) {
+                changed.wait(lock);
+            }
+            if (tasks.empty()) {
+                return;
+            }
+            task = std::move(tasks.front());
+            tasks.pop_front();
+            busy = true;
         }
-        Task task = std::move(tasks.front());
-        tasks.pop_front();
-        busy = true;
-        lock.unlock();
         RunGuarded(task);
-        task = nullptr; // what the task captured dies here, before it counts as done
-        lock.lock();
-        busy = false;
-        if (tasks.empty()) {
-            idle.notify_all();
-        }
+        // What the task captured dies here, before it counts as done and outside the lock.
     }
 }
 

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: ISC
+// A process that ends while instances live: children do so on purpose, each in another way.
+#include "tests/support/Child.h"
+#include "tests/support/ModuleHost.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <thread>
+
+namespace {
+
+using namespace TestHost;
+
+#ifdef PUFFGUARD_SANITIZED
+constexpr unsigned LimitSeconds = 20; // a sanitizer's report at the end takes most of it
+#else
+constexpr unsigned LimitSeconds = 1;
+#endif
+
+/// Audio has run, and the instance's tick is on its way.
+void RunAudio(Instance& instance)
+{
+    Audio audio = MakeSpeechLike(1, 4096, 44100.0F);
+    instance.Run(audio, 512);
+}
+
+/// From here on the kernel counts, and ends what takes longer.
+[[noreturn]] void EndProcess()
+{
+    alarm(LimitSeconds);
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): ending beside other threads is what is tested
+}
+
+TEST(EndOfProcess, WithALiveInstance)
+{
+    Support::Child child([] {
+        RunAudio(*new Instance(44100.0F, 1));
+        EndProcess();
+    });
+    EXPECT_EQ(child.Wait(), 0);
+}
+
+TEST(EndOfProcess, WhenAnExitHandlerUnloadsTheModule)
+{
+    Support::Child child([] {
+        RunAudio(*new Instance(44100.0F, 1));
+        std::atexit([] {
+            void* module = dlopen(PUFFGUARD_MODULE, RTLD_NOW | RTLD_NOLOAD);
+            dlclose(module);
+            dlclose(module); // the host's own reference
+            usleep(300'000); // time enough for a tick into what is gone
+        });
+        EndProcess();
+    });
+    EXPECT_EQ(child.Wait(), 0);
+}
+
+TEST(EndOfProcess, WhenTheInstanceIsDestroyedAfterTheModulesOwnObjects)
+{
+    Support::Child child([] {
+        static std::unique_ptr<Instance> instance; // older than any object of the module
+        instance = std::make_unique<Instance>(44100.0F, 1);
+        RunAudio(*instance);
+        EndProcess();
+    });
+    EXPECT_EQ(child.Wait(), 0);
+}
+
+TEST(EndOfProcess, WhileTheHostNeverReturnsFromATick)
+{
+    Support::Child child([] {
+        auto& instance = *new Instance(44100.0F, 1);
+        auto& entered = *new std::promise<void>;
+        instance.onHostCall = [&entered, main = std::this_thread::get_id()](const HostCall& call) {
+            if (call.opcode == HostOpcodeLatencyChanged && std::this_thread::get_id() != main) {
+                entered.set_value();
+                for (;;) {
+                    pause();
+                }
+            }
+        };
+        RunAudio(instance);
+        instance.SetElement(ElementLatencyScaling, 0.0F, Process); // the tick notifies the UI side
+        entered.get_future().wait();
+        EndProcess();
+    });
+    EXPECT_EQ(child.Wait(), 0);
+}
+
+} // namespace

@@ -19,17 +19,19 @@
 class BlockRunner {
 public:
     /// `newMaxFrames` is the largest chunk that elements see, in frames.
-    explicit BlockRunner(uint32_t newMaxFrames)
-        : maxFrames(newMaxFrames)
+    /// The lock outlives the runner.
+    BlockRunner(const Util::CriticalSection& newProcessLock, uint32_t newMaxFrames)
+        : processLock(newProcessLock)
+        , maxFrames(newMaxFrames)
     {
     }
 
     /// From here to the end of the scope this thread is inside the process side, with its
-    /// arithmetic free of denormal numbers. [process]
+    /// arithmetic free of denormal numbers. Under the processing lock. [process]
     class Inside {
     public:
         explicit Inside(BlockRunner& runner) noexcept
-            : mark(runner.processThread)
+            : mark(runner.processThread, runner.processLock)
         {
         }
 
@@ -75,6 +77,7 @@ private:
     }
     void RunChunks(DSP::TransformBase& transform, const ProcessRecord& record);
 
+    const Util::CriticalSection& processLock;
     const uint32_t maxFrames;
     std::atomic<bool> processing{false};
     std::atomic<uint32_t> lastProcessTick{0};     // ms; 0 means never

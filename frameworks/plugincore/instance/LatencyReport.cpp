@@ -55,7 +55,7 @@ void LatencyReport::onElementChanged(DSP::Context context)
     if (path == nullptr) {
         return;
     }
-    const ThreadMark mark(thread);
+    const ThreadMark mark(thread, host.GetProcessLock());
     const DSP::Context other = Other(context);
     GetSide(other).dirty = true;
     Update(context, Notify::Yes);

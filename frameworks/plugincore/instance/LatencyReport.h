@@ -41,7 +41,7 @@ public:
     void Check(DSP::Context context);
     /// An element's latency has changed, seen from that side. The other side's half is done at once
     /// while nothing is processed, or else at the next tick or block. Does nothing
-    /// without a path. [any]
+    /// without a path. Under the processing lock, from whichever side. [process]
     void onElementChanged(DSP::Context context);
 
     /// What the elements of that side's path add up to, in samples, whatever the settings. [any]

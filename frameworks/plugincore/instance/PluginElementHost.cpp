@@ -12,7 +12,7 @@ PluginElementHost::PluginElementHost(const Setup& setup)
     , memoryPool("PluginMemoryPool")
     , fftPool("PluginFFTPool")
     , taskQueue("Plugin Tasks", 1)
-    , blocks(setup.maxBlockFrames)
+    , blocks(setup.processLock, setup.maxBlockFrames)
 {
 }
 

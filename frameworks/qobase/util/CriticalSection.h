@@ -62,14 +62,15 @@ public:
 
     [[nodiscard]] const String& GetName() const noexcept { return name; }
 
-private:
-    // Only a thread itself writes its own id, and takes it out again before it unlocks: whatever
-    // another thread's store looks like from here, the answer is right.
-    bool IsOwnedByCaller() const noexcept
+    /// Whether the calling thread has entered and not yet left; for assertions. [any]
+    [[nodiscard]] bool IsOwnedByCaller() const noexcept
     {
+        // Only a thread itself writes its own id, and takes it out again before it unlocks:
+        // whatever another thread's store looks like from here, the answer is right.
         return owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
     }
 
+private:
     String name;
     // The standard's own lock, and not a hand-made one, so that thread checkers see it. Its owner
     // never locks it twice; the kind tells the checks of the audio side a named lock from a plain

@@ -54,7 +54,7 @@ public:
     /// The host's position in samples, empty when it has none. [process]
     virtual std::optional<int64_t> GetTransportPosition() const = 0;
 
-    /// An element's latency has changed, seen from `context`. [any]
+    /// An element's latency has changed, seen from `context`. Under the process lock. [process]
     virtual void LatencyChanged(Context context) = 0;
 
     /// Delay that the dry signal must have, in samples: the latency that the host gets. [process]

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/LatencyReport.h"
+#include "frameworks/plugincore/instance/ThreadMark.h"
 
 #include "tests/frameworks/plugincore/instance/RecorderRig.h"
 #include "tests/support/TestElementHost.h"
@@ -11,6 +12,7 @@ TEST(LatencyReportTest, KeepsTheElementsSumWhateverIsReported)
     Support::TestElementHost host;
     HostCallback refusing(nullptr, nullptr);
     TestTransform path(host, 48000.0F, 0);
+    const Util::CriticalSectionGuard guard(host.GetProcessLock());
     path.GetRecorder().SetFloatValue(0, 25.0F, Side::UI, DSP::SourceHost);
     const std::vector<std::pair<LatencyReport::Settings, uint32_t>> cases{
         {{}, 25}, {{true, 512}, 512}, {{false, 512}, 0}};
@@ -25,4 +27,18 @@ TEST(LatencyReportTest, KeepsTheElementsSumWhateverIsReported)
             EXPECT_EQ(report.GetReported(side), reported);
         }
     }
+}
+
+TEST(ThreadMarkDeathTest, IsForWhoeverHoldsTheProcessingLock)
+{
+    Util::CriticalSection lock("Process");
+    std::atomic<std::thread::id> id{};
+    EXPECT_DEBUG_DEATH(ThreadMark(id, lock), "IsOwnedByCaller");
+    id = std::thread::id(); // a build without assertions has come this far
+    const Util::CriticalSectionGuard guard(lock);
+    const ThreadMark outer(id, lock);
+    {
+        const ThreadMark inner(id, lock);
+    }
+    EXPECT_EQ(id.load(), std::this_thread::get_id());
 }

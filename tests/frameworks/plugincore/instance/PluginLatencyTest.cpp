@@ -63,7 +63,7 @@ TEST_F(PluginLatencyTest, BypassDelaysTheInputByTheReportedLatency)
     Set(Late, 0.4F);
     for (const bool bypassed : {false, true}) {
         Set(Bypass, bypassed ? 1.0F : 0.0F);
-        plugin->onSettle();
+        Settle();
         std::vector<float> samples = Impulse(200);
         Process(samples);
         EXPECT_EQ(PeakOf(samples), 40) << bypassed;

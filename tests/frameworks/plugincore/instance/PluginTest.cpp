@@ -28,7 +28,7 @@ TEST_F(PluginTest, CutsALongBlockAndAdvancesThePosition)
 
     Process(samples); // without a transport there is no position
     EXPECT_EQ(recorder.positions.back(), std::nullopt);
-    plugin->onSettle();
+    Settle();
     Process(samples);
     EXPECT_EQ(recorder.processPositions.back(), 16384U);
 

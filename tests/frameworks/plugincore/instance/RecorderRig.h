@@ -172,11 +172,21 @@ protected:
         record.frames = static_cast<uint32_t>(samples.size());
         record.channels = channels;
         record.transport = transport;
+        const Util::CriticalSectionGuard guard(plugin->GetProcessLock());
         plugin->process(record);
+    }
+
+    void Settle()
+    {
+        const Util::CriticalSectionGuard guard(plugin->GetProcessLock());
+        plugin->onSettle();
     }
 
     void Set(uint32_t index, float value, Side context = Side::UI)
     {
+        ThreadController& locks = plugin->GetThreadController();
+        const Util::CriticalSectionGuard guard(context == Side::UI ? locks.GetUILock()
+                                                                   : locks.GetProcessLock());
         plugin->SetAutomatableParam(context, {index, value});
     }
 };

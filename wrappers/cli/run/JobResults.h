@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "wrappers/cli/audio/Alignment.h"
+#include "wrappers/cli/audio/AudioReader.h"
+#include "wrappers/cli/audio/AudioWriter.h"
+#include "wrappers/cli/audio/Quantiser.h"
+#include "wrappers/cli/plot/PlotPainter.h"
+#include "wrappers/cli/run/FileReport.h"
+#include "wrappers/cli/run/Options.h"
+#include "wrappers/cli/run/Tasks.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace Cli {
+
+/// The files that come of one recording, whichever way it is repaired: audio, label track, picture.
+/// They are given the recording from its first sample to its last, then its events; each appears
+/// whole at the end, or not at all. Everything throws FileError, whose text names the file.
+class JobResults {
+public:
+    /// Opens the reports. `newReader`, whose recording it is, must outlive this.
+    JobResults(const Options& newOptions, const Task& newTask, const AudioReader& newReader);
+
+    /// Opens the audio when any is wanted. It begins with `lateFrames` frames of silence that the
+    /// recording doesn't have.
+    void OpenAudio(uint32_t lateFrames);
+
+    /// "; writes WAV/PCM_16", or nothing when no audio is written.
+    std::string DescribeAudio() const;
+
+    /// Takes the next samples before and after the repair, and may change the latter.
+    void Add(const Alignment::Pair& pair);
+
+    /// Ends the recording; `words` stand below the picture's title, `repairLimitHz` is the line in
+    /// it, 0 for none.
+    void BeginEvents(const FileReport& report, const std::string& words, double repairLimitHz);
+
+    /// Takes an event for the label track and the picture.
+    void Mark(const Event& event);
+
+    /// Puts all files under their names.
+    void Finish();
+
+private:
+    void Record(const Alignment::Pair& pair);
+
+    const Options& options;
+    const Task& task;
+    const AudioReader& reader;
+    size_t channels;
+    std::unique_ptr<OutputFile> labels;
+    std::unique_ptr<OutputFile> plot;
+    std::unique_ptr<PlotRecorder> recorder;
+    std::unique_ptr<PlotPainter> painter;
+    size_t plotFramesToSkip = 0;
+    int outputFormat = 0;
+    std::unique_ptr<AudioWriter> writer;
+    std::unique_ptr<Quantiser> quantiser;
+};
+
+} // namespace Cli

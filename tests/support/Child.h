@@ -26,20 +26,21 @@ public:
     Child& operator=(const Child&) = delete;
     ~Child() { Kill(); }
 
-    /// What the work gave to _exit(), 0 when it came to its end; -1 when it ended otherwise.
+    /// What the work gave to _exit(), 0 when it came to its end; minus the signal that ended it.
     int Wait()
     {
         int status = -1;
         waitpid(process, &status, 0);
         process = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
+    void Send(int number) const { kill(process, number); }
     void Kill()
     {
         if (process <= 0) {
             return;
         }
-        kill(process, SIGKILL);
+        Send(SIGKILL);
         Wait();
     }
 

@@ -9,89 +9,51 @@ namespace {
 
 using namespace CliTest;
 
-struct Kind {
-    const char* extension;
-    int format;
-};
+class CommandFiles : public CommandFixture {};
 
-void PrintTo(const Kind& kind, std::ostream* out)
+TEST_F(CommandFiles, BypassGivesEveryKindBackBitForBit)
 {
-    *out << kind.extension << std::hex << kind.format;
-}
-
-class CommandRoundTrip : public CommandFixture, public testing::WithParamInterface<Kind> {};
-
-TEST_P(CommandRoundTrip, BypassGivesTheInputBackBitForBit)
-{
+    const struct {
+        const char* extension;
+        int container;
+        std::vector<int> subtypes;
+    } kinds[] = {
+        {"wav", SF_FORMAT_WAV, {SF_FORMAT_PCM_U8, SF_FORMAT_PCM_16, SF_FORMAT_PCM_24}},
+        {"wav", SF_FORMAT_WAV, {SF_FORMAT_PCM_32, SF_FORMAT_FLOAT, SF_FORMAT_DOUBLE}},
+        {"wav", SF_FORMAT_WAV, {SF_FORMAT_ULAW, SF_FORMAT_ALAW}},
+        {"wav", SF_FORMAT_WAVEX, {SF_FORMAT_PCM_24}},
+        {"rf64", SF_FORMAT_RF64, {SF_FORMAT_PCM_24}},
+        {"w64", SF_FORMAT_W64, {SF_FORMAT_FLOAT}},
+        {"aiff", SF_FORMAT_AIFF, {SF_FORMAT_PCM_S8, SF_FORMAT_PCM_24, SF_FORMAT_FLOAT}},
+        {"aiff", SF_FORMAT_AIFF | SF_ENDIAN_LITTLE, {SF_FORMAT_PCM_16}},
+        {"au", SF_FORMAT_AU, {SF_FORMAT_PCM_32}},
+        {"caf", SF_FORMAT_CAF, {SF_FORMAT_PCM_24, SF_FORMAT_ALAC_16, SF_FORMAT_ALAC_24}},
+        {"flac", SF_FORMAT_FLAC, {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24}},
+    };
     Audio audio = MakeSpeech(44100, 2, 0.7);
-    audio.format = GetParam().format;
-    // The ends of the range, and more low bits than a float has.
+    // The ends of the range, more low bits than a float has, and what only floats can hold.
     audio.samples[10] = 1.0;
     audio.samples[11] = -1.0;
     audio.samples[12] = 0.7 + std::ldexp(1.0, -31);
-    const std::string original = folder / "in." + GetParam().extension;
-    WriteAudio(original, audio);
-    Succeed({original, "--bypass"});
-    const Audio expected = ReadAudio(original);
-    const Audio result = ReadAudio(folder / "in.puffguard." + GetParam().extension);
-    EXPECT_EQ(result.format, expected.format);
-    EXPECT_EQ(result.sampleRate, 44100);
-    EXPECT_EQ(result.channels, 2);
-    EXPECT_EQ(result.samples, expected.samples);
+    audio.samples[13] = 3.5;
+    for (const auto& [extension, container, subtypes] : kinds) {
+        for (const int subtype : subtypes) {
+            SCOPED_TRACE(testing::Message() << extension << std::hex << (container | subtype));
+            audio.format = container | subtype;
+            const std::string original = folder / "in." + extension;
+            WriteAudio(original, audio);
+            Succeed({original, "--bypass", "--force"});
+            const Audio expected = ReadAudio(original);
+            const Audio result = ReadAudio(folder / "in.puffguard." + extension);
+            EXPECT_EQ(result.format, expected.format);
+            EXPECT_EQ(result.sampleRate, 44100);
+            EXPECT_EQ(result.channels, 2);
+            EXPECT_TRUE(result.samples == expected.samples);
+        }
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds,
-                         CommandRoundTrip,
-                         testing::Values(Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_24},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_PCM_32},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_DOUBLE},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_ULAW},
-                                         Kind{"wav", SF_FORMAT_WAV | SF_FORMAT_ALAW},
-                                         Kind{"wav", SF_FORMAT_WAVEX | SF_FORMAT_PCM_24},
-                                         Kind{"rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_24},
-                                         Kind{"w64", SF_FORMAT_W64 | SF_FORMAT_FLOAT},
-                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8},
-                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_24},
-                                         Kind{"aiff",
-                                              SF_FORMAT_AIFF | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
-                                         Kind{"aiff", SF_FORMAT_AIFF | SF_FORMAT_FLOAT},
-                                         Kind{"au", SF_FORMAT_AU | SF_FORMAT_PCM_32},
-                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_PCM_24},
-                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_ALAC_16},
-                                         Kind{"caf", SF_FORMAT_CAF | SF_FORMAT_ALAC_24},
-                                         Kind{"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
-                                         Kind{"flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24}));
-
-class CommandFiles : public CommandFixture {};
-
-TEST_F(CommandFiles, RepairTakesBurstsDownAndLinesUp)
-{
-    Succeed({input});
-    const Audio before = ReadAudio(input);
-    const Audio after = ReadAudio(folder / "talk.puffguard.wav");
-    ASSERT_EQ(after.samples.size(), before.samples.size());
-    // The bursts of MakeSpeech() begin at 0.6, 1.6 and 2.6 s and last 60 ms.
-    double burstBefore = 0;
-    double burstAfter = 0;
-    for (size_t i = 48000 * 26 / 10; i < 48000 * 266 / 100; ++i) {
-        burstBefore += before.samples[i] * before.samples[i];
-        burstAfter += after.samples[i] * after.samples[i];
-    }
-    EXPECT_LT(burstAfter, burstBefore / 2);
-    // Away from bursts the output is the input: a shift by one sample would show. 1 to 1.2 s.
-    double error = 0;
-    double power = 0;
-    for (size_t i = 48000; i < 48000 * 12 / 10; ++i) {
-        error += std::pow(after.samples[i] - before.samples[i], 2);
-        power += before.samples[i] * before.samples[i];
-    }
-    EXPECT_LT(error, power * 1e-3);
-}
-
-TEST_F(CommandFiles, DifferenceAndKeptLatencyAreOfTheSameResult)
+TEST_F(CommandFiles, BurstsGoDownTheRestStaysAndDifferenceAndKeptLatencyAreOfTheSameResult)
 {
     Succeed({input, "-o", folder / "result.wav"});
     Succeed({input, "-o", folder / "gone.wav", "--difference"});
@@ -101,12 +63,18 @@ TEST_F(CommandFiles, DifferenceAndKeptLatencyAreOfTheSameResult)
     const auto gone = ReadAudio(folder / "gone.wav").samples;
     const auto raw = ReadAudio(folder / "raw.wav").samples;
     ASSERT_EQ(gone.size(), before.size());
-    double taken = 0;
+    // The bursts of MakeSpeech() begin at 0.6, 1.6 and 2.6 s and last 60 ms.
+    double burstBefore = 0;
+    double burstAfter = 0;
     for (size_t i = 0; i < before.size(); ++i) {
         ASSERT_EQ(result[i] + gone[i], before[i]) << i;
-        taken += gone[i] * gone[i];
+        if (i >= 48000 * 26 / 10 && i < 48000 * 266 / 100) {
+            burstBefore += before[i] * before[i];
+            burstAfter += result[i] * result[i];
+        }
+        ASSERT_TRUE(gone[i] == 0 || i < 48000 || i > 48000 * 12 / 10) << i; // no burst near
     }
-    EXPECT_GT(taken, 1.0);
+    EXPECT_LT(burstAfter, burstBefore / 2);
     ASSERT_GT(raw.size(), result.size());
     EXPECT_TRUE(
         std::equal(result.begin(), result.end(), raw.end() - static_cast<long>(result.size())));
@@ -194,21 +162,6 @@ TEST_F(CommandFiles, FormatsAndSubtypesChangeOnRequest)
     EXPECT_EQ(RunPuffguard({input, "--format", "flac", "--subtype", "float"}).exitCode, 1);
 }
 
-TEST_F(CommandFiles, FloatIsNotClippedAndIntegersSaturate)
-{
-    Audio loud = MakeSpeech();
-    loud.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    loud.samples[5000] = 3.5;
-    loud.samples[5001] = -3.5;
-    WriteAudio(folder / "loud.wav", loud);
-    Succeed({folder / "loud.wav", "--bypass"});
-    EXPECT_EQ(ReadAudio(folder / "loud.puffguard.wav").samples[5000], 3.5);
-    Succeed({folder / "loud.wav", "--bypass", "-o", folder / "i.flac"});
-    const auto integers = ReadAudio(folder / "i.flac").samples;
-    EXPECT_EQ(integers[5000], 8388607.0 / 8388608);
-    EXPECT_EQ(integers[5001], -1.0);
-}
-
 TEST_F(CommandFiles, TextsAndChunksStay)
 {
     SF_INFO info = {};
@@ -258,7 +211,7 @@ TEST_F(CommandFiles, SignalsLeaveNothingHalfWritten)
             folder.GetPath(),
             samples,
             number);
-        EXPECT_EQ(outcome.signal, number);
+        EXPECT_EQ(outcome.exitCode, -number);
         EXPECT_EQ(folder.List(), Words{"talk.wav"});
     }
 }

@@ -165,24 +165,6 @@ TEST_F(CommandPresets, WhatHoldsASlashOrEndsInXmlIsAFile)
     EXPECT_EQ(Find("new.XML")["from"], "user");
 }
 
-TEST_F(CommandPresets, ALongCommentIsCutVisibly)
-{
-    const std::string whole(900, 'x');
-    std::string odd = "x";
-    for (int i = 0; i < 600; ++i) {
-        odd += "\u00f6"; // two bytes each: the cut falls in the middle of one
-    }
-    Say({"--save-preset", "Whole", "--comment", whole});
-    Say({"--save-preset", "Cut", "--comment", std::string(2000, 'x')});
-    Say({"--save-preset", "Odd", "--comment", odd});
-    EXPECT_EQ(Find("Whole")["comment"], whole);
-    for (const char* name : {"Cut", "Odd"}) {
-        const std::string comment = Find(name)["comment"];
-        EXPECT_TRUE(comment.ends_with("...")) << comment;
-        EXPECT_GT(comment.size(), 1000U);
-    }
-}
-
 TEST_F(CommandPresets, WhatTheRunReadsIsNotWrittenOverEvenWithForce)
 {
     // libsndfile goes by the content, whatever the name.

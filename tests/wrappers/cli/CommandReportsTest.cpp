@@ -3,7 +3,6 @@
 #include "wrappers/cli/effect/Controls.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <sstream>
 
 namespace {
@@ -34,21 +33,20 @@ protected:
     static void ExpectLabels(const std::string& labels, const Json& events)
     {
         std::istringstream lines(labels);
-        std::string line;
+        std::string text;
         size_t faint = 0;
         for (const Json& event : events) {
             if (!event["prominent"]) {
                 ++faint;
                 continue;
             }
-            ASSERT_TRUE(std::getline(lines, line));
-            char* rest = nullptr;
-            EXPECT_NEAR(std::strtod(line.c_str(), &rest), event["start"].get<double>(), 1e-6);
-            ASSERT_EQ(*rest, '\t');
-            EXPECT_NEAR(std::strtod(rest, &rest), event["end"].get<double>(), 1e-6);
-            EXPECT_EQ(*rest, '\t');
+            double start = 0;
+            double end = 0;
+            ASSERT_TRUE(lines >> start >> end && std::getline(lines, text));
+            EXPECT_NEAR(start, event["start"].get<double>(), 1e-6);
+            EXPECT_NEAR(end, event["end"].get<double>(), 1e-6);
         }
-        EXPECT_FALSE(std::getline(lines, line));
+        EXPECT_FALSE(std::getline(lines, text));
         EXPECT_GT(faint, 0U);
     }
 };

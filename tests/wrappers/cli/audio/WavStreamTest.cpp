@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/audio/WavStream.h"
 
-#include "tests/wrappers/cli/support/TestFiles.h"
 #include "wrappers/cli/files/FileDescriptor.h"
 #include "wrappers/cli/files/FileError.h"
 
@@ -12,8 +11,6 @@
 namespace {
 
 using Cli::WavHead;
-using CliTest::Audio;
-using CliTest::TemporaryFolder;
 
 /// Reads the head of a stream that holds `bytes`.
 WavHead ReadHead(const std::string& bytes)
@@ -64,31 +61,6 @@ TEST(WavStreamTest, RefusesHeadsThatEndEarlyOrClaimTooMuch)
         EXPECT_THROW(ReadHead(whole.substr(0, length)), Cli::FileError) << length;
     }
     EXPECT_THROW(ReadHead(whole.substr(0, 12) + "junk\xF0\xFF\xFF\xFF"s), Cli::FileError);
-}
-
-TEST(WavStreamTest, MadeHeadsArePartOfACompleteFile)
-{
-    // Truth: libsndfile's reading of head and samples put together as a file.
-    const TemporaryFolder folder;
-    for (const int container : {SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64}) {
-        for (const int subtype : {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_FLOAT}) {
-            SF_INFO info = {};
-            info.samplerate = 44100;
-            info.channels = 3;
-            info.format = container | subtype;
-            const int width = subtype == SF_FORMAT_PCM_16 ? 2 : subtype == SF_FORMAT_PCM_24 ? 3 : 4;
-            const std::string samples(static_cast<size_t>(100 * 3 * width), '\0');
-            const std::string path = folder / "made.wav";
-            CliTest::WriteBytes(path, Cli::MakeWavHead(info, {}, 100) + samples);
-            const Audio audio = CliTest::ReadAudio(path);
-            EXPECT_EQ(audio.GetFrames(), 100U);
-            EXPECT_EQ(audio.format, info.format);
-            EXPECT_EQ(audio.sampleRate, 44100);
-            EXPECT_EQ(ReadHead(Cli::MakeWavHead(info, {}, 100)).dataBytes,
-                      static_cast<int64_t>(samples.size()));
-            EXPECT_FALSE(ReadHead(Cli::MakeWavHead(info, {}, std::nullopt)).dataBytes.has_value());
-        }
-    }
 }
 
 } // namespace

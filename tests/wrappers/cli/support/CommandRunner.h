@@ -8,8 +8,7 @@ namespace CliTest {
 
 /// What came of a run.
 struct Outcome {
-    int exitCode = -1; ///< -1 when a signal ended it
-    int signal = 0;
+    int exitCode = -1; ///< minus the signal when one ended it
     std::string out;
     std::string err;
 };

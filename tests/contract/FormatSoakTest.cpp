@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <random>
@@ -35,36 +36,35 @@ public:
 
     void DoStep()
     {
-        switch (Pick(16)) {
-        case 0:
-            return Note("value"), SetAnyValue();
-        case 1:
-            return Note("odd value"), host->SetParameter(Pick(4), OddNumber());
-        case 2:
-            return Note("reset"), host->Reset();
-        case 3:
-            return Note("save"), Save();
-        case 4:
-            return Note("load"), Load();
-        case 5:
-            return Note("load rubbish"), LoadRubbish();
-        case 6:
-            return Note("activate"), Activate();
-        case 7:
-            isActive = false;
-            return Note("deactivate"), host->Deactivate();
-        case 8:
-            return Note("no frames"), host->Process(nullptr, nullptr, 0);
-        case 9:
-            return Note("look"), Look();
-        case 10:
-            if (Pick(8) == 0) {
-                Note("another");
-                MakeAnother();
-            }
-            return;
-        default:
-            return PlayAnything();
+        const struct {
+            const char* name;
+            std::function<void()> act;
+        } steps[] = {
+            {"value",
+             [this] { host->SetParameter(Pick(4), static_cast<float>(Pick(1001)) / 1000); }},
+            {"odd value", [this] { host->SetParameter(Pick(4), OddNumber()); }},
+            {"reset", [this] { host->Reset(); }},
+            {"save", [this] { saved = host->Save(); }},
+            {"load", [this] { EXPECT_TRUE(saved.empty() || host->Load(saved)) << Tell(); }},
+            {"load rubbish", [this] { LoadRubbish(); }},
+            {"activate", [this] { Activate(); }},
+            {"deactivate",
+             [this] {
+                 isActive = false;
+                 host->Deactivate();
+             }},
+            {"no frames", [this] { host->Process(nullptr, nullptr, 0); }},
+            {"look", [this] { Look(); }},
+        };
+        const uint32_t step = Pick(16);
+        if (step < std::size(steps)) {
+            Note(steps[step].name);
+            steps[step].act();
+        } else if (step > std::size(steps)) {
+            PlayAnything();
+        } else if (Pick(8) == 0) {
+            Note("another");
+            MakeAnother();
         }
     }
 
@@ -132,17 +132,6 @@ private:
         if (host->Activate(next, LongestBlock)) {
             rate = next;
             isActive = true;
-        }
-    }
-
-    void SetAnyValue() { host->SetParameter(Pick(4), static_cast<float>(Pick(1001)) / 1000); }
-
-    void Save() { saved = host->Save(); }
-
-    void Load()
-    {
-        if (!saved.empty()) {
-            EXPECT_TRUE(host->Load(saved)) << Tell();
         }
     }
 

@@ -16,29 +16,10 @@ namespace {
 
 using namespace TestHost;
 
-PresetRecord Command(Instance& instance, int32_t op, const char* name = nullptr, uint32_t index = 0)
+/// What the module says against it, empty when it is done.
+std::string Apply(Instance& instance, const std::string& name, int32_t op = PresetOpApply)
 {
-    PresetRecord record{};
-    record.op = op;
-    record.failed = 9;
-    record.name = name;
-    record.comment = "said";
-    record.index = index;
-    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
-    EXPECT_EQ(Call(SelectorHostMessage, UI, instance.Get(), &message), PluginCoreSuccess);
-    return record;
-}
-
-std::string Apply(Instance& instance, const std::string& name)
-{
-    const PresetRecord record = Command(instance, PresetOpApply, name.c_str());
-    EXPECT_EQ(record.failed != 0, record.message[0] != 0) << name;
-    return static_cast<const char*>(record.message);
-}
-
-std::string Save(Instance& instance, const std::string& name)
-{
-    const PresetRecord record = Command(instance, PresetOpSave, name.c_str());
+    const PresetRecord record = instance.RunPreset(op, name);
     EXPECT_EQ(record.failed != 0, record.message[0] != 0) << name;
     return static_cast<const char*>(record.message);
 }
@@ -78,10 +59,10 @@ TEST(Presets, OfTheFactoryAreThereAndStay)
 {
     Instance instance(44100.0F, 1);
     std::vector<std::string> names;
-    const uint32_t count = Command(instance, PresetOpList).count;
+    const uint32_t count = instance.RunPreset(PresetOpList).count;
     std::vector<std::array<float, 3>> values;
     for (uint32_t index = 0; index < count; ++index) {
-        const PresetRecord entry = Command(instance, PresetOpDescribe, nullptr, index);
+        const PresetRecord entry = instance.RunPreset(PresetOpDescribe, "", index);
         EXPECT_EQ(entry.isReadOnly, 1);
         EXPECT_EQ(entry.message[0], 0);
         if (entry.group == PresetGroupFactory) {
@@ -90,7 +71,7 @@ TEST(Presets, OfTheFactoryAreThereAndStay)
             EXPECT_EQ(Apply(instance, names.back()), "");
             values.push_back(ValuesOf(instance));
             const std::string before = Read(&entry.path[0]);
-            EXPECT_EQ(Command(instance, PresetOpSave, &entry.path[0]).failed, 1);
+            EXPECT_EQ(instance.RunPreset(PresetOpSave, &entry.path[0]).failed, 1);
             EXPECT_EQ(Read(&entry.path[0]), before);
         }
     }
@@ -107,7 +88,7 @@ TEST(Presets, AreOneActionOfTheUser)
     Instance instance(44100.0F, 1);
     SetAll(instance, 0.9F);
     ASSERT_EQ(CountCalls(instance, HostOpcodeDirtyState), 0U); // the host's own doing
-    const PresetRecord applied = Command(instance, PresetOpApply, "factory SETTINGS");
+    const PresetRecord applied = instance.RunPreset(PresetOpApply, "factory SETTINGS");
     EXPECT_EQ(applied.failed, 0);
     EXPECT_STREQ(&applied.presetName[0], "Factory settings");
     EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 1U);
@@ -128,7 +109,7 @@ TEST(Presets, BringValuesToAnotherInstanceWhileAudioRuns)
     first.Set(Sensitivity, 0.123456789F);
     first.Set(Strength, 1.0F / 3.0F);
     first.Set(UpperFrequency, 0.1415926F);
-    const PresetRecord saved = Command(first, PresetOpSave, path.c_str());
+    const PresetRecord saved = first.RunPreset(PresetOpSave, path);
     ASSERT_EQ(saved.failed, 0) << &saved.message[0];
     EXPECT_EQ(&saved.path[0], path);
 
@@ -140,19 +121,14 @@ TEST(Presets, BringValuesToAnotherInstanceWhileAudioRuns)
     }
     EXPECT_EQ(ValuesOf(second), ValuesOf(first));
     // A name goes to the user's folder, and is found there again.
-    const PresetRecord named = Command(second, PresetOpSave, "My voice");
+    const PresetRecord named = second.RunPreset(PresetOpSave, "My voice");
     ASSERT_EQ(named.failed, 0) << &named.message[0];
     SetAll(first, 0.0F);
     EXPECT_EQ(Apply(first, "my voice"), "");
     EXPECT_EQ(ValuesOf(first), ValuesOf(second));
     // Its name is taken from now on, in any case, until somebody says otherwise.
-    EXPECT_EQ(Command(second, PresetOpSave, "MY VOICE").failed, 1);
-    PresetRecord again{};
-    again.op = PresetOpSave;
-    again.mayReplace = 1;
-    again.name = "MY VOICE";
-    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof again, &again};
-    EXPECT_EQ(Call(SelectorHostMessage, UI, first.Get(), &message), PluginCoreSuccess);
+    EXPECT_EQ(second.RunPreset(PresetOpSave, "MY VOICE").failed, 1);
+    const PresetRecord again = first.RunPreset(PresetOpSave, "MY VOICE", 0, "said", 1);
     EXPECT_EQ(again.failed, 0) << &again.message[0];
     EXPECT_STREQ(&again.path[0], &named.path[0]);
     std::filesystem::remove(&named.path[0]);
@@ -163,7 +139,7 @@ TEST(Presets, ThatCannotBeUsedChangeNothing)
     const Support::TemporaryFolder folder;
     Instance instance(44100.0F, 1);
     const std::string whole = folder / "whole.xml";
-    ASSERT_EQ(Command(instance, PresetOpSave, whole.c_str()).failed, 0);
+    ASSERT_EQ(instance.RunPreset(PresetOpSave, whole).failed, 0);
     SetAll(instance, 0.75F);
     const auto before = ValuesOf(instance);
     const std::string text = Read(whole);
@@ -188,13 +164,14 @@ TEST(Presets, ThatCannotBeUsedChangeNothing)
               "Preset was created in a newer, incompatible version (" + later +
                   ": written by 7.2, this is 6.0)");
     EXPECT_NE(Apply(instance, ""), "");
-    EXPECT_EQ(Command(instance, PresetOpSave, "what?").failed, 1);
-    EXPECT_NE(Save(instance, whole + "/below.xml").find("(" + whole + ": File exists)"),
-              std::string::npos);
+    EXPECT_EQ(instance.RunPreset(PresetOpSave, "what?").failed, 1);
+    EXPECT_NE(
+        Apply(instance, whole + "/below.xml", PresetOpSave).find("(" + whole + ": File exists)"),
+        std::string::npos);
     const std::string tooLong = folder / (std::string(300, 'n') + ".xml");
-    EXPECT_EQ(Save(instance, tooLong),
+    EXPECT_EQ(Apply(instance, tooLong, PresetOpSave),
               "Unable to save the file to " + tooLong + " (File name too long)");
-    EXPECT_EQ(Save(instance, whole), "The preset " + whole + " exists already.");
+    EXPECT_EQ(Apply(instance, whole, PresetOpSave), "The preset " + whole + " exists already.");
     EXPECT_EQ(ValuesOf(instance), before);
     EXPECT_EQ(CountCalls(instance, HostOpcodeDirtyState), 0U);
     EXPECT_EQ(Read(whole), text);
@@ -223,16 +200,4 @@ TEST(Presets, AreForTheUISideAndWholeRecords)
     EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreSuccess);
     EXPECT_EQ(record.failed, 1);
     EXPECT_EQ(ValuesOf(instance), before);
-}
-
-TEST(Presets, LeaveNoTraceOfARenderer)
-{
-    Instance live(44100.0F, 1);
-    EXPECT_EQ(Apply(live, "Gentle"), "");
-    const std::string settings = std::string(getenv("XDG_CONFIG_HOME")) + "/Norvane/LM6Pfgd.json";
-    const std::string before = Read(settings);
-    EXPECT_NE(before.find("Gentle"), std::string::npos);
-    Instance renderer(44100.0F, 1, "Offline");
-    EXPECT_EQ(Apply(renderer, "Strong"), "");
-    EXPECT_EQ(Read(settings), before);
 }

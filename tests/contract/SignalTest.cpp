@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Audio through the entry: how blocks are cut, how late things come out, what passes unchanged.
+// Audio through the entry: how late things come out, and what is answered without memory.
 #include "tests/contract/support/Takes.h"
 
 #include <gtest/gtest.h>
@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
-#include <string>
 #include <vector>
 
 namespace {
@@ -31,22 +29,6 @@ uint32_t LatencyInTheory(double sampleRate, double scaling)
     const double peak = std::max(2.0, std::round(sampleRate * scaling * 0.07 / hop));
     const double edge = std::max(3.0, std::round(sampleRate * scaling * 0.05 / hop));
     return static_cast<uint32_t>(frame - 1 + hop * 2 * (peak + edge));
-}
-
-// That it changes no bit is seen in all formats alike.
-TEST(Blocks, TheCutOfTheStreamChangesNoCountOfRepairs)
-{
-    const Audio input = MakeSpeechLike(2, 120'000, Rate);
-    const auto count = [&](uint32_t block) {
-        Instance instance(Rate, 2);
-        Audio audio = input;
-        instance.Run(audio, block);
-        return instance.Detections();
-    };
-    const uint32_t whole = count(120'000);
-    EXPECT_GT(whole, 0U);
-    EXPECT_EQ(count(1), whole);
-    EXPECT_EQ(count(480), whole);
 }
 
 /// Both paths are as late as the report says, the dry one to the bit and the wet one, without any
@@ -95,28 +77,6 @@ TEST(LatencyScaling, ShortensAllPathsAndTellsTheHost)
     }));
 }
 
-TEST(BadSamples, CountAsZeroAndHarmNothingAfterThem)
-{
-    const Audio clean = MakeSpeechLike(2, 100'000, Rate);
-    Audio holed = clean;
-    Audio broken = clean;
-    constexpr float Bad[] = {std::numeric_limits<float>::quiet_NaN(),
-                             std::numeric_limits<float>::infinity(),
-                             -std::numeric_limits<float>::infinity(),
-                             std::numeric_limits<float>::signaling_NaN()};
-    for (std::size_t i = 0; i < 40; ++i) {
-        const std::size_t at = 3000 + 997 * i;
-        broken[i % 2][at] = Bad[i % 4];
-        holed[i % 2][at] = 0.0F;
-    }
-    Instance plain(Rate, 2);
-    plain.Run(holed, 512);
-    Instance hit(Rate, 2);
-    hit.Run(broken, 512);
-    EXPECT_EQ(BadSample(broken), "");
-    EXPECT_EQ(Difference(broken, holed), "");
-}
-
 TEST(NullPointers, OfChannelsAreAnsweredOrSkipped)
 {
     Instance instance(Rate, 2);
@@ -131,27 +91,6 @@ TEST(NullPointers, OfChannelsAreAnsweredOrSkipped)
     pointers[0] = left.data();
     pointers[1] = nullptr;
     EXPECT_EQ(Call(SelectorProcess, Process, instance.Get(), &record), PluginCoreSuccess);
-}
-
-TEST(NullPointers, AMissingFurtherChannelLeavesTheOthersAlone)
-{
-    constexpr uint32_t Block = 20'000; // more than one chunk: a null that is advanced is none
-    Instance instance(Rate, 3);
-    instance.Set(GlobalBypass, 1.0F);
-    const uint32_t latency = instance.Latency();
-    const Audio input = MakeSpeechLike(3, 2 * Block, Rate);
-    Audio audio = input;
-    for (uint32_t done = 0; done < 2 * Block; done += Block) {
-        float* pointers[3] = {audio[0].data() + done, nullptr, audio[2].data() + done};
-        ProcessRecord record{};
-        record.frames = Block;
-        record.channels = pointers;
-        ASSERT_EQ(Call(SelectorProcess, Process, instance.Get(), &record), PluginCoreSuccess);
-    }
-    EXPECT_EQ(audio[1], input[1]);
-    for (const std::size_t c : {0U, 2U}) {
-        EXPECT_EQ(Difference({audio[c]}, Delayed({input[c]}, latency)), "") << "channel " << c;
-    }
 }
 
 } // namespace

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: ISC
 // Saving and loading through the entry, as a host does it for its sessions.
-#include "tests/support/AudioThread.h"
 #include "tests/support/ModuleHost.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -26,22 +24,6 @@ StateRecord Command(Instance& instance, int32_t op, uint8_t* buffer, uint32_t si
     record.equal = 9;
     EXPECT_EQ(Call(SelectorStateCommand, UI, instance.Get(), &record), PluginCoreSuccess);
     return record;
-}
-
-constexpr std::array<uint32_t, 3> Saved{Sensitivity, Strength, UpperFrequency};
-
-void SetAll(Instance& instance, const std::array<float, 3>& values)
-{
-    for (const uint32_t index : Saved) {
-        instance.Set(index, values[index]);
-    }
-}
-
-std::array<float, 3> GetAll(Instance& instance, uint32_t context)
-{
-    return {instance.Value(Sensitivity, context),
-            instance.Value(Strength, context),
-            instance.Value(UpperFrequency, context)};
 }
 
 } // namespace
@@ -64,38 +46,12 @@ TEST(State, SizeAndChunkBelongTogether)
     EXPECT_EQ(instance.SaveState(), instance.SaveState()) << "the same values give the same bytes";
 }
 
-TEST(State, GoesFromAnyFormatToAnyWhileAudioRuns)
-{
-    Instance small(44100.0F, 1);
-    const std::array<float, 3> values{0.9F, 0.4F, 0.75F};
-    SetAll(small, values);
-    const Chunk chunk = small.SaveState();
-    Instance large(192000.0F, 6);
-    {
-        const AudioThread audio(large);
-        for (int round = 0; round < 20; ++round) {
-            ASSERT_TRUE(large.LoadState(chunk));
-            EXPECT_EQ(GetAll(large, UI), values);
-            EXPECT_EQ(large.SaveState(), chunk) << "also while the values are on their way";
-            audio.WaitForBlocks(1);
-            SetAll(large, {0.0F, 1.0F, 0.5F});
-        }
-        ASSERT_TRUE(large.LoadState(chunk));
-        audio.WaitForBlocks(2);
-        EXPECT_TRUE(audio.SawOnlyGoodAudio());
-    }
-    EXPECT_EQ(GetAll(large, Process), values);
-    for (const HostCall& call : large.Calls()) {
-        EXPECT_NE(call.opcode, static_cast<uint32_t>(HostOpcodeParamEvent)) << "its own doing";
-    }
-}
-
 // Hosts take "equal" for "the session is saved", and rely on hearing it for any chunk of today.
 TEST(State, ComparesEqualWhateverTheValues)
 {
     Instance instance(44100.0F, 1);
     Chunk chunk = instance.SaveState();
-    SetAll(instance, {0.9F, 0.4F, 0.75F});
+    instance.Set(Strength, 0.9F);
     const auto size = static_cast<uint32_t>(chunk.size());
     StateRecord record = Command(instance, StateOpCompareChunk, chunk.data(), size);
     EXPECT_EQ(record.failed, 0);
@@ -103,14 +59,4 @@ TEST(State, ComparesEqualWhateverTheValues)
     record = Command(instance, StateOpCompareChunk, chunk.data(), size - 1);
     EXPECT_EQ(record.failed, 1);
     EXPECT_EQ(record.equal, 9U) << "only a comparison that was made tells";
-}
-
-TEST(State, BypassBelongsToNoSession)
-{
-    Instance instance(44100.0F, 1);
-    const Chunk before = instance.SaveState();
-    instance.Set(GlobalBypass, 1.0F);
-    EXPECT_EQ(instance.SaveState(), before);
-    ASSERT_TRUE(instance.LoadState(before));
-    EXPECT_EQ(instance.Value(GlobalBypass), 1.0F);
 }

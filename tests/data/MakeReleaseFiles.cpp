@@ -67,6 +67,7 @@ int main(int argc, char** argv)
     }
     const std::vector<uint8_t> session = instance.SaveState();
     WriteBytes(folder / SessionName, session);
-    const PresetRecord saved = RunPreset(instance, PresetOpSave, (folder / PresetName).string());
+    const PresetRecord saved =
+        instance.RunPreset(PresetOpSave, (folder / PresetName).string(), 0, Comment);
     return saved.failed == 0 && MakeHistory(folder / HistoryName, first, session) ? 0 : 1;
 }

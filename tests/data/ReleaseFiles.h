@@ -25,19 +25,4 @@ constexpr std::array<std::pair<uint32_t, float>, 3> Values{{{TestHost::Sensitivi
 constexpr const char* Comment = "Für „Anna“ & Co.";
 constexpr std::array<const char*, 2> Labels{"Initial state", "Strength \xE2\x86\x92 2.5"};
 
-/// An operation on the preset that `path` names; the answer says how it went.
-inline PresetRecord RunPreset(TestHost::Instance& instance, int32_t op, const std::string& path)
-{
-    PresetRecord record{};
-    record.op = op;
-    record.name = path.c_str();
-    record.comment = Comment;
-    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
-    if (TestHost::Call(SelectorHostMessage, TestHost::UI, instance.Get(), &message) !=
-        PluginCoreSuccess) {
-        record.failed = 1;
-    }
-    return record;
-}
-
 } // namespace ReleaseFiles

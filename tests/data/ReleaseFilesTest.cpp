@@ -53,7 +53,7 @@ TEST_P(ReleaseFilesTest, PresetAndSessionSetTheirValues)
     TestHost::Instance byPreset(48000, 1);
     TestHost::Instance bySession(44100, 2);
     const PresetRecord applied =
-        RunPreset(byPreset, PresetOpApply, (GetParam() / PresetName).string());
+        byPreset.RunPreset(PresetOpApply, (GetParam() / PresetName).string());
     EXPECT_EQ(applied.failed, 0) << applied.message;
     ExpectValues(byPreset);
     EXPECT_TRUE(bySession.LoadState(ReadBytes(GetParam() / SessionName)));

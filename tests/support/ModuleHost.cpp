@@ -163,6 +163,24 @@ bool Instance::LoadState(std::vector<uint8_t> state)
     return record.failed == 0;
 }
 
+PresetRecord Instance::RunPreset(int32_t op,
+                                 const std::string& name,
+                                 uint32_t listIndex,
+                                 const char* comment,
+                                 int32_t mayReplace)
+{
+    PresetRecord record{};
+    record.op = op;
+    record.name = name.c_str();
+    record.comment = comment;
+    record.index = listIndex;
+    record.mayReplace = mayReplace;
+    HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
+    const uint32_t code = Call(SelectorHostMessage, UI, instance, &message);
+    record.failed = code == PluginCoreSuccess ? record.failed : 9;
+    return record;
+}
+
 uint32_t Instance::Detections()
 {
     DetectionTotalsRecord totals{};

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 /// A host of the finished module that knows no more than the public header: tests act through it.
@@ -19,7 +20,6 @@ constexpr uint32_t UI = 1;      ///< context of the UI side
 /// Rows of the automatable list, in its order.
 enum Automatable : uint32_t { Sensitivity, Strength, UpperFrequency, GlobalBypass };
 /// Places in the flat list of element parameters: seven of the global element stand first.
-constexpr uint32_t ElementGlobalBypass = 0;
 constexpr uint32_t ElementLatencyScaling = 10;
 
 /// The layout code of a plain layout: 0 and 1 for mono and stereo, else the numbered ones.
@@ -72,6 +72,12 @@ public:
     std::vector<uint8_t> SaveState();
     /// False when the bytes are no state.
     bool LoadState(std::vector<uint8_t> state);
+    /// An operation on presets, as the record describes it; the answer says how it went.
+    PresetRecord RunPreset(int32_t op,
+                           const std::string& name = "",
+                           uint32_t listIndex = 0,
+                           const char* comment = "said",
+                           int32_t mayReplace = 0);
     /// Number of repairs since the last restart that the module reports.
     uint32_t Detections();
 

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <iterator>
+#include <random>
 
 namespace Contract {
 
@@ -112,11 +114,25 @@ public:
     }
 
 private:
+    // With a transport of any bytes (rates of 0, backwards, no numbers at all) or none, and with
+    // side buses: neither is of account in the audio.
     void Send(float** block, uint32_t frames)
     {
+        TransportRecord transport;
+        for (size_t i = 0; i < sizeof transport; ++i) {
+            reinterpret_cast<uint8_t*>(&transport)[i] = static_cast<uint8_t>(engine());
+        }
+        std::vector<float> side(frames);
+        float* sidePointers[2] = {side.data(), nullptr};
         ProcessRecord record{};
         record.frames = frames;
         record.channels = block;
+        record.transport = engine() % 4 == 0 ? nullptr : &transport;
+        record.renderFlagA = static_cast<int32_t>(engine() % 2);
+        record.renderFlagB = static_cast<int32_t>(engine() % 2);
+        record.sideBusCount = static_cast<uint32_t>(engine() % 2) * PLUGIN_CORE_MAX_SIDE_BUSES;
+        std::fill(std::begin(record.sideBuses), std::end(record.sideBuses), &sidePointers[0]);
+        std::fill(std::begin(record.sideBusChannels), std::end(record.sideBusChannels), 2);
         const AudioCall scope;
         Call(SelectorProcess, TestHost::Process, instance.Get(), &record);
     }
@@ -127,6 +143,7 @@ private:
         Call(SelectorSetProcessingState, UI, instance.Get(), &record);
     }
 
+    std::mt19937 engine{1}; // of the audio thread
     const uint32_t channels;
     std::atomic<uint32_t> latencyReports{0};
     TestHost::Instance instance; // last: it calls this object

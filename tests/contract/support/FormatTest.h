@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <memory>
 
 namespace Contract {
@@ -25,6 +26,19 @@ protected:
             EXPECT_TRUE(host->Activate(rate, LongestBlock));
         }
         return host;
+    }
+
+    /// The values that are set last count, whatever has been before.
+    static void ExpectControlled(FormatHost& host)
+    {
+        constexpr float Values[] = {0.25F, 0.875F, 0.625F, 0.0F};
+        for (uint32_t index = 0; index < std::size(Values); ++index) {
+            host.SetParameter(index, Values[index]);
+        }
+        Settle(host, 2);
+        const Audio speech = MakeSpeech(Rate, 2);
+        const Audio expected = Expected(speech, Rate, {Values[0], Values[1], Values[2]});
+        EXPECT_EQ(Difference(Play(host, speech, 512), expected), "");
     }
 };
 

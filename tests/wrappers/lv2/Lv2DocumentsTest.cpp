@@ -127,23 +127,12 @@ protected:
                   PluginCoreSuccess);
     }
 
-    PresetRecord Command(int32_t op, const char* name, uint32_t index = 0)
-    {
-        PresetRecord record{};
-        record.op = op;
-        record.name = name;
-        record.index = index;
-        HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
-        EXPECT_EQ(Call(SelectorHostMessage, UI, module.Get(), &message), PluginCoreSuccess);
-        return record;
-    }
-
     std::set<std::string> ListProductPresets()
     {
         std::set<std::string> names;
-        const uint32_t count = Command(PresetOpList, nullptr).count;
+        const uint32_t count = module.RunPreset(PresetOpList).count;
         for (uint32_t index = 0; index < count; ++index) {
-            const PresetRecord preset = Command(PresetOpDescribe, nullptr, index);
+            const PresetRecord preset = module.RunPreset(PresetOpDescribe, "", index);
             if (preset.group == PresetGroupFactory) {
                 names.insert(&preset.presetName[0]);
             }
@@ -227,7 +216,7 @@ TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
             EXPECT_EQ(ValueOf(preset, "lv2:appliesTo"), "<" + address + variant + ">");
             const std::string uri = variant + preset.substr(0, preset.find('\n'));
             EXPECT_NE(manifest.find(uri + "\n\ta pset:Preset ;"), std::string::npos) << uri;
-            ASSERT_EQ(Command(PresetOpApply, label.c_str()).failed, 0);
+            ASSERT_EQ(module.RunPreset(PresetOpApply, label).failed, 0);
             const Texts ports = Split(preset, "lv2:symbol ");
             ASSERT_EQ(ports.size(), 3U) << "a preset leaves the bypass alone";
             for (uint32_t index = 0; index < ports.size(); ++index) {
@@ -246,6 +235,6 @@ TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
         }
         EXPECT_EQ(labels, ListProductPresets()) << variant;
     }
-    ASSERT_EQ(Command(PresetOpApply, "Live - low latency").failed, 0);
+    ASSERT_EQ(module.RunPreset(PresetOpApply, "Live - low latency").failed, 0);
     EXPECT_LT(module.Latency(), TestHost::Instance(48000.0F, 2).Latency());
 }

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <optional>
 #include <random>
 #include <utility>
@@ -59,10 +60,14 @@ protected:
         ASSERT_TRUE(host->Activate(rate, 20'000));
     }
 
-    // Speech in blocks of up to `longest` frames, with `between` before each, all of it watched.
+    // Speech with bad samples in blocks of up to `longest` frames, with `between` before each, all
+    // of it watched.
     void PlayWatched(uint32_t longest, const std::function<void(uint32_t)>& between)
     {
-        const Audio speech = MakeSpeech(rate, channels);
+        Audio speech = MakeSpeech(rate, channels);
+        for (size_t i = 0; i < speech[0].size(); i += 1000) {
+            speech[0][i] = std::numeric_limits<float>::quiet_NaN();
+        }
         std::mt19937 engine(1);
         const CallWatch watch;
         uint32_t number = 0;

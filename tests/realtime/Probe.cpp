@@ -186,39 +186,24 @@ STAND_IN int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept
     return next(mutex);
 }
 
-STAND_IN int pthread_cond_signal(pthread_cond_t* condition) noexcept
-{
-    static auto* const next = Next<int(pthread_cond_t*)>("pthread_cond_signal");
-    CountWait();
-    return next(condition);
-}
+#define STAND_IN_FOR_WAIT(name, Object)                                                            \
+    STAND_IN int name(Object* object) noexcept                                                     \
+    {                                                                                              \
+        static auto* const next = Next<int(Object*)>(#name);                                       \
+        CountWait();                                                                               \
+        return next(object);                                                                       \
+    }
 
-STAND_IN int pthread_cond_broadcast(pthread_cond_t* condition) noexcept
-{
-    static auto* const next = Next<int(pthread_cond_t*)>("pthread_cond_broadcast");
-    CountWait();
-    return next(condition);
-}
+STAND_IN_FOR_WAIT(pthread_cond_signal, pthread_cond_t)
+STAND_IN_FOR_WAIT(pthread_cond_broadcast, pthread_cond_t)
+STAND_IN_FOR_WAIT(pthread_rwlock_rdlock, pthread_rwlock_t)
+STAND_IN_FOR_WAIT(pthread_rwlock_wrlock, pthread_rwlock_t)
 
 STAND_IN int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
 {
     static auto* const next = Next<int(pthread_cond_t*, pthread_mutex_t*)>("pthread_cond_wait");
     CountWait();
     return next(condition, mutex);
-}
-
-STAND_IN int pthread_rwlock_rdlock(pthread_rwlock_t* lock) noexcept
-{
-    static auto* const next = Next<int(pthread_rwlock_t*)>("pthread_rwlock_rdlock");
-    CountWait();
-    return next(lock);
-}
-
-STAND_IN int pthread_rwlock_wrlock(pthread_rwlock_t* lock) noexcept
-{
-    static auto* const next = Next<int(pthread_rwlock_t*)>("pthread_rwlock_wrlock");
-    CountWait();
-    return next(lock);
 }
 
 namespace Probe {

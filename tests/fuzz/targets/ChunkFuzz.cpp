@@ -6,6 +6,8 @@
 #include "tests/fuzz/targets/LiveInstance.h"
 #include "tests/fuzz/targets/TargetFolder.h"
 
+#include <cstdlib>
+
 namespace {
 
 void Try(Fuzz::LiveInstance& instance, const std::vector<uint8_t>& chunk)

@@ -11,6 +11,9 @@
 #include "tests/fuzz/targets/PresetTarget.h"
 #include "tests/fuzz/targets/TargetFolder.h"
 
+#include <cstdio>
+#include <cstring>
+
 namespace {
 
 std::filesystem::path seeds;
@@ -57,7 +60,7 @@ void MakeChunkSeeds()
 
 void MakeHistorySeeds(const HistoryFileForm& form, const char* target, const String& path)
 {
-    Fuzz::FixedState state;
+    Support::TestHistoryDelegate state;
     const HistoryFile file(form, state);
     HistoryModel model;
     file.MakeInitialState(model);
@@ -99,7 +102,7 @@ void MakeSettingsSeeds(const Fuzz::TargetFolder& folder)
     settings.WriteInt("Number", -1);
     Put("settings",
         "three",
-        *Util::ReadWholeFile(String((folder.GetPath() / "Vendor/Product.json").string())));
+        *Util::ReadWholeFile(String((folder.GetPath() / "config/Vendor/Product.json").string())));
     Put("settings", "import", "# comment\nName=number:3\nOther=text:some\nThird=binary:00ff\n");
 }
 

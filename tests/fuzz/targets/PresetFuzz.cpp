@@ -6,6 +6,8 @@
 #include "frameworks/qobase/util/File.h"
 #include "tests/fuzz/targets/TargetFolder.h"
 
+#include <cstdlib>
+
 namespace {
 
 Util::Bytes Write(Preset::LmPresetFile& file, const String& path)

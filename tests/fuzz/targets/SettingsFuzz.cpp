@@ -4,11 +4,14 @@
 #include "frameworks/qobase/util/ConfigFile.h"
 #include "tests/fuzz/targets/TargetFolder.h"
 
+#include <cstdlib>
+#include <set>
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const Fuzz::TargetFolder folder;
-    folder.Clear("Vendor");
-    folder.Put("Vendor/Product.json", data, size);
+    folder.Clear("config/Vendor");
+    folder.Put("config/Vendor/Product.json", data, size);
     Util::ConfigFile settings("SOFTWARE/Vendor/Product");
     std::set<String> names;
     settings.GetValueNames(names, "");

@@ -1,43 +1,25 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 namespace Fuzz {
 
-/// A folder of this process's own that all of the user's folders lead to; gone with the object. In
-/// memory where there is such a place, because a target makes thousands of files.
+/// The user's folders, in one of this process's own. run-target.sh puts it into memory, because a
+/// target makes thousands of files.
 class TargetFolder {
 public:
-    TargetFolder()
-    {
-        const std::filesystem::path memory = "/dev/shm";
-        const bool hasMemory = std::filesystem::is_directory(memory);
-        std::string pattern = hasMemory ? memory : std::filesystem::temp_directory_path();
-        pattern += "/fuzz-XXXXXX";
-        path = ::mkdtemp(pattern.data());
-        for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
-            ::setenv(name, path.c_str(), 1);
-        }
-    }
-    TargetFolder(const TargetFolder&) = delete;
-    TargetFolder& operator=(const TargetFolder&) = delete;
-    ~TargetFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-
-    const std::filesystem::path& GetPath() const { return path; }
+    const std::filesystem::path& GetPath() const { return folders.Home().Path(); }
 
     /// Writes a file, with its folder, and tells its path.
     std::string Put(const char* name, const uint8_t* data, size_t size) const
     {
-        const std::filesystem::path file = path / name;
+        const std::filesystem::path file = GetPath() / name;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary)
             .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
@@ -48,11 +30,11 @@ public:
     void Clear(const char* folder) const
     {
         std::error_code ignored;
-        std::filesystem::remove_all(path / folder, ignored);
+        std::filesystem::remove_all(GetPath() / folder, ignored);
     }
 
 private:
-    std::filesystem::path path;
+    Support::UserFolders folders;
 };
 
 } // namespace Fuzz

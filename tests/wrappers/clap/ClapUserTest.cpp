@@ -22,6 +22,14 @@ protected:
         ASSERT_TRUE(plugin.Load(plugin.MakeSession(state)));
     }
 
+    /// What the plug-in has to say on its own.
+    Texts Flush()
+    {
+        OutputEvents out;
+        plugin.Flush(nullptr, &out);
+        return out.texts;
+    }
+
     const ModuleChoice module{USER_MODULE};
     ClapHost::Plugin plugin{host};
     const clap_id amountId = plugin.Describe(0).id;
@@ -36,9 +44,7 @@ TEST_F(ClapUserTest, AGestureReachesTheHostWholeByFlushOrBlock)
     Do('g', 0, 51);
     EXPECT_EQ(host->flushes, 3U);
     EXPECT_EQ(plugin.GetValue(amountId), 51.0);
-    OutputEvents flushed;
-    plugin.Flush(nullptr, &flushed);
-    EXPECT_EQ(flushed.texts, expected);
+    EXPECT_EQ(Flush(), expected);
 
     ASSERT_TRUE(plugin.Activate(Rate));
     Do('g', 0, 51);
@@ -57,12 +63,10 @@ TEST_F(ClapUserTest, WhatTheHostDoesNotTakeNowWaitsForItsNextChance)
     first.capacity = 2;
     plugin.Flush(nullptr, &first);
     plugin.Flush(nullptr, nullptr);
-    OutputEvents rest;
-    plugin.Flush(nullptr, &rest);
     // The value is the one that is there by now: the host has the last word on what it will be.
     EXPECT_EQ(first.texts, (Texts{"begin " + amount, amount + " = 102.000000"}));
     EXPECT_EQ(
-        rest.texts,
+        Flush(),
         (Texts{"end " + amount, "begin " + amount, amount + " = 102.000000", "end " + amount}));
 }
 
@@ -74,10 +78,9 @@ TEST_F(ClapUserTest, WhenTooMuchWaitsTheHostIsToldToReadTheValues)
     EXPECT_EQ(loaded, former + 1) << "the loading itself";
     plugin.Idle();
     EXPECT_EQ(host->valueRescans, loaded + 1);
-    OutputEvents out;
-    plugin.Flush(nullptr, &out);
-    EXPECT_EQ(out.texts.front(), "begin " + amount);
-    EXPECT_GT(out.texts.size(), 100U);
+    const Texts texts = Flush();
+    EXPECT_EQ(texts.front(), "begin " + amount);
+    EXPECT_GT(texts.size(), 100U);
 }
 
 TEST_F(ClapUserTest, NoGestureStaysOpenWhicheverHasNoRoom)
@@ -117,9 +120,7 @@ TEST_F(ClapUserTest, AValueThatTheHostHasSetSinceIsNotTakenBack)
     InputEvents events;
     events.AddValue(0, amountId, 7.0);
     plugin.Flush(&events, nullptr); // takes no events of ours yet
-    OutputEvents out;
-    plugin.Flush(nullptr, &out);
-    EXPECT_EQ(out.texts, (Texts{"begin " + amount, amount + " = 7.000000", "end " + amount}));
+    EXPECT_EQ(Flush(), (Texts{"begin " + amount, amount + " = 7.000000", "end " + amount}));
 }
 
 TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
@@ -133,6 +134,7 @@ TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
     events.AddValue(0, amountId, 64.0);
     plugin.Send(nullptr, nullptr, 64, &events);
     EXPECT_EQ(turn(0.75F), 0.25F);
+    plugin.Send(nullptr, nullptr, 64); // takes it over
     plugin.Send(nullptr, nullptr, 64);
     EXPECT_EQ(turn(0.0F), 0.75F);
     dlclose(library);
@@ -141,9 +143,7 @@ TEST_F(ClapUserTest, AValueOfTheUserStaysWhateverTheHostHasSetBefore)
 TEST_F(ClapUserTest, AParameterThatIsNoneIsNotPassedOn)
 {
     Do('g', 2, 51);
-    OutputEvents out;
-    plugin.Flush(nullptr, &out);
-    EXPECT_EQ(out.texts, Texts{});
+    EXPECT_EQ(Flush(), Texts{});
 }
 
 TEST_F(ClapUserTest, AChangedStateMarksTheSessionOnTheMainThread)

@@ -4,12 +4,13 @@
 #include "tests/wrappers/common/support/ModuleTest.h"
 
 using Wrapper::Detection;
-using DetectionsTest = ModuleTest;
+
+struct DetectionsTest : ModuleTest {
+    const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
+};
 
 TEST_F(DetectionsTest, AllRepairsComeInOrderOnceAndLostOnesAreCounted)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     Wrapper::Detections reader(*instance); // the fake's first is number 10, its last 199
     std::vector<Detection> found(1);
     ASSERT_TRUE(reader.Read(found));
@@ -29,8 +30,6 @@ TEST_F(DetectionsTest, AllRepairsComeInOrderOnceAndLostOnesAreCounted)
 
 TEST_F(DetectionsTest, ARefusalIsNoEndOfTheList)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     Wrapper::Detections reader(*instance);
     Refuse(SelectorTransformRead);
     std::vector<Detection> found;

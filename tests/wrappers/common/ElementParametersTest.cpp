@@ -4,12 +4,13 @@
 #include "tests/wrappers/common/support/ModuleTest.h"
 
 using Wrapper::ElementParameters;
-using ElementParametersTest = ModuleTest;
+
+struct ElementParametersTest : ModuleTest {
+    const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
+};
 
 TEST_F(ElementParametersTest, NamesAreFoundInWhateverCaseAndFieldsEndWithTheirField)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     const auto all = ElementParameters::Read(*instance);
     ASSERT_TRUE(all);
     EXPECT_EQ(all->Find("fake.SECOND"), 1U);
@@ -20,8 +21,6 @@ TEST_F(ElementParametersTest, NamesAreFoundInWhateverCaseAndFieldsEndWithTheirFi
 
 TEST_F(ElementParametersTest, WhatTheModuleRefusesIsToldAndChangesNothing)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     auto all = ElementParameters::Read(*instance);
     ASSERT_TRUE(all);
     EXPECT_FALSE(all->Set(2, 0.5F));

@@ -106,11 +106,3 @@ TEST(ParameterTest, TextIsTakenInTheFormsThatPeopleType)
     }
     EXPECT_FALSE(Switch().Parse("0.7"));
 }
-
-TEST(ParameterTest, NumbersOutsideTheRangeComeInsideAndNanStaysVisible)
-{
-    EXPECT_EQ(Frequency().ToNormalised(1e30), 1.0F);
-    EXPECT_EQ(Frequency().ToNormalised(-1e30), 0.0F);
-    const float nan = Frequency().ToNormalised(std::numeric_limits<double>::quiet_NaN());
-    EXPECT_NE(nan, nan);
-}

@@ -6,12 +6,13 @@
 
 using Wrapper::PresetGroup;
 using Wrapper::Presets;
-using PresetsTest = ModuleTest;
+
+struct PresetsTest : ModuleTest {
+    const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
+};
 
 TEST_F(PresetsTest, FaultsStandWithThePresetOrInTheLog)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     Presets presets(*instance);
     const auto list = presets.List();
     ASSERT_TRUE(list);
@@ -36,8 +37,6 @@ TEST_F(PresetsTest, FaultsStandWithThePresetOrInTheLog)
 
 TEST_F(PresetsTest, AModuleWithoutPresetsIsToldFromAPresetWithAFault)
 {
-    const auto instance = Create(FAKE_MODULE);
-    ASSERT_NE(instance, nullptr);
     Presets presets(*instance);
     Refuse(SelectorHostMessage);
     EXPECT_FALSE(presets.List());

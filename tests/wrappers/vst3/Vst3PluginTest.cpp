@@ -322,15 +322,3 @@ TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
         EXPECT_EQ(component->Terminate(), V3_OK);
     }
 }
-
-TEST_F(Vst3PluginTest, WithoutItsModuleTheFactoryIsEmpty)
-{
-    setenv("PUFFGUARD_MODULE", "/nowhere/module.so", 1);
-    const Held<Vst3Host::IFactory> factory = Vst3Host::GetFactory();
-    unsetenv("PUFFGUARD_MODULE");
-    ASSERT_NE(factory, nullptr);
-    EXPECT_EQ(factory->CountClasses(), 0);
-    void* object = nullptr;
-    EXPECT_NE(factory->CreateInstance(Vst3Host::Id::Effect, v3_component_iid, &object), V3_OK);
-    EXPECT_EQ(object, nullptr);
-}

@@ -15,7 +15,7 @@ using Vst3Host::Changes;
 
 namespace {
 
-constexpr double First = 0.5; // of a new instance
+constexpr double First = 0.0; // of a new instance
 constexpr double OfUi = 0.875;
 constexpr double OfHost = 0.125;
 
@@ -23,10 +23,10 @@ class Vst3ValuesTest : public testing::Test {
 protected:
     Vst3ValuesTest()
     {
-        setenv("PUFFGUARD_MODULE", LATE_MODULE, 1);
-        module = dlopen(LATE_MODULE, RTLD_NOW | RTLD_LOCAL);
-        stepIn = static_cast<std::function<void()>*>(dlsym(module, "lateModuleStepIn"));
-        turn = reinterpret_cast<void (*)(float)>(dlsym(module, "TurnLateModule"));
+        setenv("PUFFGUARD_MODULE", USER_MODULE, 1);
+        module = dlopen(USER_MODULE, RTLD_NOW | RTLD_LOCAL);
+        stepIn = static_cast<std::function<void()>*>(dlsym(module, "userModuleStepIn"));
+        turn = reinterpret_cast<float (*)(float)>(dlsym(module, "TurnUserModule"));
         plugin = std::make_unique<Vst3Host::Plugin>(1);
         id = plugin->parameters.at(0).param_id;
         transport.state = 0;
@@ -58,7 +58,7 @@ protected:
     Support::UserFolders folders;
     void* module = nullptr;
     std::function<void()>* stepIn = nullptr; // called while the UI side sets
-    void (*turn)(float) = nullptr;           // plays the user
+    float (*turn)(float) = nullptr;          // plays the user
     v3_process_context transport = {};
     std::unique_ptr<Vst3Host::Plugin> plugin;
     uint32_t id = 0;

@@ -11,21 +11,14 @@
 #include <string>
 #include <vector>
 
-/// Keeps the latencies that an instance reports to the UI side.
-class LatencyListener final : public Wrapper::Listener {
+/// Takes no notice of what an instance reports.
+class IdleListener final : public Wrapper::Listener {
 public:
-    void OnLatencyChanged(Wrapper::Side side, uint32_t samples) noexcept override
-    {
-        if (side == Wrapper::Side::UI) {
-            latencies.push_back(samples);
-        }
-    }
+    void OnLatencyChanged(Wrapper::Side /*side*/, uint32_t /*samples*/) noexcept override {}
     void OnGestureBegun(uint32_t /*index*/) noexcept override {}
     void OnParameterChanged(uint32_t /*index*/, float /*value*/) noexcept override {}
     void OnGestureEnded(uint32_t /*index*/) noexcept override {}
     void OnStateChanged() noexcept override {}
-
-    std::vector<uint32_t> latencies;
 };
 
 /// Tests that load a module find no settings of the user, and may choose the module.
@@ -60,7 +53,7 @@ protected:
     }
 
     Support::UserFolders folders;
-    LatencyListener listener;
+    IdleListener listener;
     std::vector<std::string> logged;
     Wrapper::LogFunction log = [this](const std::string& text) { logged.push_back(text); };
 };

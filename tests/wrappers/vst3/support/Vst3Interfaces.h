@@ -73,11 +73,6 @@ public:
     virtual uint32_t GetTailSamples() = 0;
 };
 
-class IContextRequirements : public IUnknown {
-public:
-    virtual uint32_t Get() = 0;
-};
-
 class IEditController : public IPluginBase {
 public:
     virtual int32_t SetComponentState(IStream* stream) = 0;

@@ -5,12 +5,12 @@
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "tests/frameworks/plugincore/instance/TestDefinition.h"
+#include "tests/frameworks/plugincore/instance/TestEditor.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -20,31 +20,6 @@ namespace {
 using Controller::BoolParam;
 using Controller::FloatParam;
 using Handle = Controller::GrabbedParamHandle<float>;
-
-// Notes in one line with the host's calls what it is told of parameters.
-class TestEditor final : public Editor {
-public:
-    explicit TestEditor(std::string& newCalls)
-        : calls(newCalls)
-    {
-    }
-    void BeginLoad() override {}
-    void EndLoad() override {}
-    void ParamChanged(const String& element, const String& param) override
-    {
-        calls += "editor " + element.ToStdString() + "." + param.ToStdString() + "; ";
-    }
-    void StateChanged() override {}
-    void CloseForFormat() override { drag.reset(); }
-    void ReopenAfterFormat() override {}
-    void DetachControllers() override {}
-    void AttachControllers() override {}
-
-    std::unique_ptr<Handle> drag; // of a control in this editor
-
-private:
-    std::string& calls;
-};
 
 struct Instance {
     explicit Instance(const char* options = "")
@@ -149,9 +124,10 @@ TEST_F(GesturesTest, WithoutAnEditorThereAreChangesButNoTouches)
     EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; 2 of 0 at 0.6; ");
     // Nor does a new format leave a touch open, though it reports nothing else.
     plugin.AttachEditor(&editor);
-    editor.drag = std::make_unique<Handle>(sensitivity);
+    auto drag = std::make_unique<Handle>(sensitivity);
+    editor.onClose = [&drag] { drag.reset(); };
     plugin.SetStreamFormat(96000.0F, 1);
-    EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; 2 of 0 at 0.6; ");
+    EXPECT_EQ(instance.Take(), "0 of 0 at 0.6; close 2 of 0 at 0.6; reopen ");
 }
 
 TEST_F(GesturesTest, WhatIsNotAutomatableChangesTheStateOnlyIfItIsSaved)

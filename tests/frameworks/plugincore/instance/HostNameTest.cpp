@@ -2,14 +2,14 @@
 // The name of this program makes the instance take it for a host that wants to know whether a state
 // was saved by an untouched instance.
 #include "frameworks/plugincore/dispatch/Entry.h"
-#include "tests/frameworks/plugincore/instance/StateRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
 namespace {
 
 constexpr const char* Default = R"("PT Default State":{"Type":"Bool","Value":true})";
 constexpr const char* NoDefault = R"("PT Default State":{"Type":"Bool","Value":false})";
 
-struct HostNameTest : StateRig::Fixture {
+struct HostNameTest : PluginRig::StateFixture {
     HostNameTest() { Create(); }
 
     // True when it failed.

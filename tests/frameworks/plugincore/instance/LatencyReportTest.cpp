@@ -2,25 +2,26 @@
 #include "frameworks/plugincore/instance/LatencyReport.h"
 #include "frameworks/plugincore/instance/ThreadMark.h"
 
-#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 #include "tests/support/TestElementHost.h"
 
-using namespace RecorderRig;
+using namespace PluginRig;
 
 TEST(LatencyReportTest, KeepsTheElementsSumWhateverIsReported)
 {
     Support::TestElementHost host;
     HostCallback refusing(nullptr, nullptr);
-    TestTransform path(host, 48000.0F, 0);
+    const Factory factory;
+    const auto path = factory.CreateTransform(host, 48000.0F, 0);
     const Util::CriticalSectionGuard guard(host.GetProcessLock());
-    path.GetRecorder().SetFloatValue(0, 25.0F, Side::UI, DSP::SourceHost);
+    factory.transform->GetBox().SetFloatValue(Box::Late, 25.0F, Side::UI, DSP::SourceHost);
     const std::vector<std::pair<LatencyReport::Settings, uint32_t>> cases{
         {{}, 25}, {{true, 512}, 512}, {{false, 512}, 0}};
     for (const auto& [settings, reported] : cases) {
         LatencyReport report(settings, host, refusing);
         report.onElementChanged(Side::Process); // its elements are still under construction
         EXPECT_EQ(report.GetSum(Side::Process), 0U);
-        report.Attach(&path);
+        report.Attach(path.get());
         report.onElementChanged(Side::Process); // no audio runs, so that both halves are done
         for (const Side side : {Side::Process, Side::UI}) {
             EXPECT_EQ(report.GetSum(side), 25U);

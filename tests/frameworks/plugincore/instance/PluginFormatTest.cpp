@@ -1,29 +1,29 @@
 // SPDX-License-Identifier: ISC
 // What a new stream format does to the state of an instance and to its editor.
 #include "frameworks/plugincore/dispatch/Entry.h"
-#include "tests/frameworks/plugincore/instance/StateRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
 #include <string>
 #include <thread>
 
 namespace {
 
-using namespace StateRig;
-using PluginFormatTest = Fixture;
+using namespace PluginRig;
+using PluginFormatTest = StateFixture;
 
 } // namespace
 
 TEST_F(PluginFormatTest, ANewFormatOnTheEditorsThreadClosesAndReopensIt)
 {
     Create();
-    Set(0.25F);
+    SetGain(0.25F);
     TestEditor editor(factory.events);
     plugin->AttachEditor(&editor);
     factory.events.clear();
     plugin->SetStreamFormat(96000.0F, 1);
     EXPECT_EQ(Get(), 0.25F);
-    EXPECT_EQ(Get(Side::UI), 0.25F);
-    EXPECT_EQ(paramEvents, 0U);
+    EXPECT_EQ(Get(Gain, Side::UI), 0.25F);
+    EXPECT_EQ(CountParamEvents(), 0);
     EXPECT_TRUE(factory.events.starts_with("save before close ")) << factory.events;
     EXPECT_EQ(factory.events.find("begin"), std::string::npos) << "it is closed while values load";
     EXPECT_NE(factory.events.find("after reopen "), std::string::npos) << factory.events;
@@ -38,7 +38,7 @@ TEST_F(PluginFormatTest, ANewFormatOnAnotherThreadLeavesTheEditorToTheTick)
     TestEditor editor(factory.events);
     {
         const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
-        Set(0.25F);
+        SetGain(0.25F);
         plugin->AttachEditor(&editor);
         factory.events.clear();
     }
@@ -60,7 +60,7 @@ TEST_F(PluginFormatTest, WhatIsSetOrSavedMeanwhileIsNotOverrunByTheSavedState)
     Create(); // without ticks
     TestEditor editor(factory.events);
     const auto changeFormat = [&](float rate) {
-        Set(0.25F);
+        SetGain(0.25F);
         std::thread([&] { plugin->AttachEditor(&editor); }).join();
         plugin->SetStreamFormat(rate, 1);
     };
@@ -70,7 +70,7 @@ TEST_F(PluginFormatTest, WhatIsSetOrSavedMeanwhileIsNotOverrunByTheSavedState)
     EXPECT_TRUE(text.Find("2.5")) << text.c_str();
 
     changeFormat(48000.0F);
-    Set(0.75F);
+    SetGain(0.75F);
     plugin->AttachEditor(nullptr); // does what the tick would do
     EXPECT_EQ(Get(), 0.75F);
 
@@ -94,7 +94,7 @@ TEST_F(PluginFormatTest, ReopeningTheEditorLeavesNothingOfAnEarlierFormatToTheTi
 {
     Create(); // without ticks
     TestEditor editor(factory.events);
-    Set(0.25F);
+    SetGain(0.25F);
     plugin->AttachEditor(&editor);
     std::thread([&] { plugin->SetStreamFormat(96000.0F, 1); }).join();
     plugin->SetStreamFormat(48000.0F, 1);

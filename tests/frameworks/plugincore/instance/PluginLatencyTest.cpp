@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 // How the two latencies and the dry path follow the elements and the settings.
-#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
-using namespace RecorderRig;
+using namespace PluginRig;
 
-class PluginLatencyTest : public RecorderTest {
+class PluginLatencyTest : public Fixture {
 protected:
     /// Where an impulse at the begin of `length` samples comes out of the dry path.
     std::ptrdiff_t FindDryDelay(std::size_t length)
@@ -55,30 +55,6 @@ TEST_F(PluginLatencyTest, AddsTheHostsOwnDelayToTheUIFigureOnly)
     const Plugin withDelay(factory, MakeSetup(answer, nullptr));
     EXPECT_EQ(withDelay.GetLatency(Side::Process), 0U);
     EXPECT_EQ(withDelay.GetLatency(Side::UI), 7U);
-}
-
-TEST_F(PluginLatencyTest, BypassDelaysTheInputByTheReportedLatency)
-{
-    Recorder& recorder = Create();
-    Set(Late, 0.4F);
-    for (const bool bypassed : {false, true}) {
-        Set(Bypass, bypassed ? 1.0F : 0.0F);
-        Settle();
-        std::vector<float> samples = Impulse(200);
-        Process(samples);
-        EXPECT_EQ(PeakOf(samples), 40) << bypassed;
-    }
-    // While bypassed the element doesn't run, and it starts from its reset state afterwards.
-    const std::size_t before = recorder.chunks.size();
-    const uint32_t resets = recorder.resets;
-    std::vector<float> samples(100, 1.0F);
-    Process(samples);
-    EXPECT_EQ(recorder.chunks.size(), before);
-    Set(Bypass, 0.0F);
-    Process(samples);
-    EXPECT_EQ(recorder.chunks.size(), before + 1);
-    EXPECT_EQ(resets, recorder.resets); // it had heard nothing since: no second reset
-    EXPECT_EQ(samples[39], 0.0F);       // one latency of silence
 }
 
 TEST_F(PluginLatencyTest, FrozenDelayIsToldAndDelaysTheDryPathWhateverTheSum)

@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: ISC
 // The state of an instance: what a chunk holds, and what one of another form or a damaged one does.
-#include "tests/frameworks/plugincore/instance/StateRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
 #include <optional>
 #include <string>
 
 namespace {
 
-using namespace StateRig;
-using PluginStateTest = Fixture;
+using namespace PluginRig;
+using PluginStateTest = StateFixture;
 
 } // namespace
 
 TEST_F(PluginStateTest, SavesWhatTheFormSaysAndNothingElse)
 {
     Create();
-    Set(0.25F);
+    SetGain(0.25F);
     const std::optional<Util::Bytes> text = StateChunk::ReadText(Save());
     ASSERT_TRUE(text);
     const auto state = Util::ReadDictionary(*factory.CreateReader(), *text);
@@ -80,20 +80,20 @@ TEST_F(PluginStateTest, LoadsByFormAndVersionOrChangesNothing)
     };
     Create();
     for (const Row& row : rows) {
-        Set(kept);
+        SetGain(kept);
         EXPECT_EQ(LoadText(row.text, row.version), row.succeeds) << row.text.Left(200).c_str();
         EXPECT_FLOAT_EQ(Get(), row.gain) << row.text.Left(200).c_str();
-        EXPECT_FLOAT_EQ(Get(Side::UI), row.gain) << row.text.Left(200).c_str();
+        EXPECT_FLOAT_EQ(Get(Gain, Side::UI), row.gain) << row.text.Left(200).c_str();
     }
-    EXPECT_EQ(paramEvents, 0U) << "the host is not told of its own change";
+    EXPECT_EQ(CountParamEvents(), 0) << "the host is not told of its own change";
     ASSERT_TRUE(plugin->SetChunk(ChunkOf(legacy), 1, DSP::SourceController));
-    EXPECT_EQ(paramEvents, 1U);
+    EXPECT_EQ(CountParamEvents(), 1);
 }
 
 TEST_F(PluginStateTest, ADamagedChunkReachesNobody)
 {
     Create();
-    Set(0.5F);
+    SetGain(0.5F);
     const Util::Bytes good = ChunkOf(State("7", Version1));
     TestEditor editor(factory.events);
     plugin->AttachEditor(&editor);
@@ -129,7 +129,7 @@ TEST_F(PluginStateTest, ComparesOnlyTheElementsOnTop)
         {otherTable, false, false},
     };
     Create();
-    Set(0.5F);
+    SetGain(0.5F);
     for (const Row& row : rows) {
         bool equal = !row.equal;
         EXPECT_EQ(plugin->CompareChunk(ChunkOf(row.text), equal), row.succeeds) << row.text.c_str();

@@ -2,38 +2,39 @@
 // The instance with a signal path made for the test: how blocks are cut, when the format changes,
 // and what the host is told.
 #include "frameworks/plugincore/dispatch/Entry.h"
-#include "tests/frameworks/plugincore/instance/RecorderRig.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
+#include <cmath>
 #include <future>
 #include <limits>
 #include <thread>
 
-using namespace RecorderRig;
-using PluginTest = RecorderTest;
+using namespace PluginRig;
+using PluginTest = Fixture;
 
 TEST_F(PluginTest, CutsALongBlockAndAdvancesThePosition)
 {
-    Recorder& recorder = Create();
+    Box& box = Create();
     TransportRecord transport{};
     transport.position = 999.6;
     transport.isPositionValid = 1;
     std::vector<float> samples(20000);
     Process(samples, &transport);
-    EXPECT_EQ(recorder.chunks, (std::vector<uint32_t>{8192, 8192, 3616}));
-    EXPECT_EQ(recorder.positions, (std::vector<std::optional<int64_t>>{1000, 9192, 17384}));
-    EXPECT_EQ(recorder.processPositions, (std::vector<uint64_t>{0, 8192, 16384}));
+    EXPECT_EQ(box.chunks, (std::vector<uint32_t>{8192, 8192, 3616}));
+    EXPECT_EQ(box.positions, (std::vector<std::optional<int64_t>>{1000, 9192, 17384}));
+    EXPECT_EQ(box.processPositions, (std::vector<uint64_t>{0, 8192, 16384}));
     EXPECT_EQ(transport.position, 999.6); // the caller's record stays
-    EXPECT_FALSE(recorder.wasOnUIThread);
+    EXPECT_FALSE(box.wasOnUIThread);
     EXPECT_TRUE(plugin->IsUIThread());
 
     Process(samples); // without a transport there is no position
-    EXPECT_EQ(recorder.positions.back(), std::nullopt);
+    EXPECT_EQ(box.positions.back(), std::nullopt);
     Settle();
     Process(samples);
-    EXPECT_EQ(recorder.processPositions.back(), 16384U);
+    EXPECT_EQ(box.processPositions.back(), 16384U);
 
     factory.definition.maxBlockFrames = 1024;
-    Recorder& other = Create();
+    Box& other = Create();
     samples.resize(2100);
     Process(samples);
     EXPECT_EQ(other.chunks, (std::vector<uint32_t>{1024, 1024, 52}));
@@ -51,13 +52,13 @@ TEST_F(PluginTest, ReplacesNonFiniteSamplesBeforeAnyElementSeesThem)
 
 TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
 {
-    Recorder& recorder = Create();
+    Box& box = Create();
     Set(Late, 0.5F);
     std::vector<float> samples(300, 1.0F);
     Process(samples);
     plugin->SetStreamFormat(48000.0F, 1);
-    EXPECT_EQ(&factory.transform->GetRecorder(), &recorder);
-    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+    EXPECT_EQ(&factory.transform->GetBox(), &box);
+    EXPECT_EQ(box.GetChannelCount(), 2U);
     EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
     Set(Bypass, 1.0F);
     samples.assign(300, 0.0F);
@@ -69,25 +70,25 @@ TEST_F(PluginTest, NewFormatKeepsElementsAndValuesAndStartsSilent)
 // own callback, is still on the stack.
 TEST_F(PluginTest, DoesNotChangeItsFormatUnderARunningSignalPath)
 {
-    Recorder& recorder = Create();
+    Box& box = Create();
     onLatencyChanged = [this] { plugin->SetStreamFormat(48000.0F, 1); };
     std::vector<float> samples(64);
     Process(samples);
     Set(Late, 0.5F); // waits in the ring
     Process(samples);
     EXPECT_EQ(plugin->GetLatency(Side::Process), 50U);
-    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    EXPECT_EQ(box.GetChannelCount(), 1U);
     plugin->SetProcessingState(Side::UI, false, false);
     Set(Late, 0.25F); // runs at once
-    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    EXPECT_EQ(box.GetChannelCount(), 1U);
     onLatencyChanged = nullptr;
     plugin->SetStreamFormat(48000.0F, 1);
-    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+    EXPECT_EQ(box.GetChannelCount(), 2U);
 }
 
 TEST_F(PluginTest, ACallFromWithinTheSignalPathDoesNotWaitForTheUISide)
 {
-    Recorder& recorder = Create();
+    Box& box = Create();
     std::promise<void> held;
     std::promise<void> done;
     std::thread other([&] {
@@ -106,31 +107,33 @@ TEST_F(PluginTest, ACallFromWithinTheSignalPathDoesNotWaitForTheUISide)
     done.set_value();
     other.join();
     EXPECT_FALSE(calls.empty());
-    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    EXPECT_EQ(box.GetChannelCount(), 1U);
 }
 
 TEST_F(PluginTest, StaysAsItWasWhenANewFormatFails)
 {
-    Recorder& recorder = Create();
-    for (bool Recorder::*refusal : {&Recorder::refusesStereo, &Recorder::refusesStereoLate}) {
-        recorder.*refusal = true;
+    Box& box = Create();
+    for (bool Box::*refusal : {&Box::refusesStereo, &Box::refusesStereoLate}) {
+        box.*refusal = true;
         EXPECT_THROW(plugin->SetStreamFormat(96000.0F, 1), std::bad_alloc);
-        EXPECT_EQ(recorder.GetSampleRate(), 48000.0F);
-        EXPECT_EQ(recorder.GetChannelCount(), 1U);
+        EXPECT_EQ(box.GetSampleRate(), 48000.0F);
+        EXPECT_EQ(box.GetChannelCount(), 1U);
         std::vector<float> samples = Impulse(10);
         Process(samples);
         EXPECT_EQ(PeakOf(samples), 0);
-        recorder.*refusal = false;
+        box.*refusal = false;
     }
     plugin->SetStreamFormat(96000.0F, 1); // the same request again is heard
-    EXPECT_EQ(recorder.GetChannelCount(), 2U);
+    EXPECT_EQ(box.GetChannelCount(), 2U);
 }
 
 TEST_F(PluginTest, FallsBackWhenItIsCreatedForAFormatThatCannotBe)
 {
-    Recorder& recorder = Create(-1.0F, 35);
-    EXPECT_EQ(recorder.GetSampleRate(), 44100.0F);
-    EXPECT_EQ(recorder.GetChannelCount(), 1U);
+    for (const float rate : {-1.0F, 0.0F, std::nanf(""), HUGE_VALF}) {
+        const Box& box = Create(rate, 35);
+        EXPECT_EQ(box.GetSampleRate(), 44100.0F);
+        EXPECT_EQ(box.GetChannelCount(), 1U);
+    }
 }
 
 // The process side has moved on to 0.2; setting the UI side's stale 0.5 again must not be lost.
@@ -140,9 +143,7 @@ TEST_F(PluginTest, SettingAnEqualButStaleValueStillArrives)
     Set(Late, 0.5F);
     Set(Late, 0.2F, Side::Process);
     Set(Late, 0.5F);
-    ParamValueRecord record{Late, 0.0F};
-    plugin->GetAutomatableParam(Side::Process, record);
-    EXPECT_EQ(record.value, 0.5F);
+    EXPECT_EQ(Get(Late), 0.5F);
 }
 
 TEST_F(PluginTest, KnowsWhoMayChangeTheSignalPath)

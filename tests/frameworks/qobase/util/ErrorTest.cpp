@@ -32,29 +32,19 @@ Util::Expected<std::unique_ptr<int>> MakeOwned(bool succeeds)
     return std::make_unique<int>(7);
 }
 
-TEST(Error, ACloneIsOfTheSameKindAndOutlivesTheOriginal)
-{
-    auto original = std::make_unique<ParseError>("what", "more", std::vector<String>{"one"});
-    const std::unique_ptr<Util::Error> clone = original->Clone();
-    original.reset();
-    EXPECT_NE(dynamic_cast<ParseError*>(clone.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<FileError*>(clone.get()), nullptr);
-    EXPECT_EQ(clone->GetArguments()[0], "one");
-}
-
 TEST(ErrorVariant, CopiesAreIndependentAndKeepTheKind)
 {
-    Util::ErrorVariant first = FileError("first");
+    Util::ErrorVariant first = FileError("first", "more", std::vector<String>{"one"});
     Util::ErrorVariant second = first;
     EXPECT_NE(&first.Get(), &second.Get());
     first = Util::ErrorVariant(ParseError("other"));
     EXPECT_NE(first.As<ParseError>(), nullptr);
     EXPECT_EQ(second.As<ParseError>(), nullptr);
     EXPECT_EQ(second.GetDescription(), "first");
+    EXPECT_EQ(second.Get().GetArguments()[0], "one");
     const Util::ErrorVariant& alias = second;
     second = alias; // assignment to itself
     EXPECT_EQ(second.GetDescription(), "first");
-    EXPECT_EQ(second.Get().GetArguments().data(), nullptr) << "a span without memory";
 }
 
 TEST(Expected, IsTrueWithAResultAndFalseWithAnError)

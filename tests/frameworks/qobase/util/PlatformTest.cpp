@@ -57,17 +57,6 @@ TEST(Tick, IsNeverZeroAndNeverGoesBack)
     }
 }
 
-TEST(Stopwatch, CountsOnAndStartsAgain)
-{
-    Util::Stopwatch whole;
-    const double first = whole.Stop();
-    Util::Stopwatch part;
-    const double second = part.Stop();
-    EXPECT_GE(first, 0.0);
-    EXPECT_GE(second, 0.0);
-    EXPECT_GE(whole.Stop(), first + second); // the whole span holds both parts
-}
-
 TEST(DebugTrace, GoesToTheSinkUntilItIsTakenAway)
 {
     std::vector<String> texts;

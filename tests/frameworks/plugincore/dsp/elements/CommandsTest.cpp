@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -124,66 +125,55 @@ TEST(DSPCommandFifo, PassesEverythingOnceBetweenTwoThreads)
 
 TEST(ElementCommands, PassBetweenTheSidesUntilAStepEndsThem)
 {
-    Support::TestElementHost host;
-    host.processing = true; // an audio thread is at work
-    Element element(host);
-    std::string notes;
-    element.PostCommand(new NotingCommand(notes, 3));
-    EXPECT_EQ(notes, "");
-    EXPECT_EQ(host.commandsUnderWay, 1);
-    element.ProcessRegion(0, 0, nullptr); // a block of 0 frames still takes commands in
-    EXPECT_EQ(notes, "P");
-    element.ServiceCommands();
-    EXPECT_EQ(notes, "PU");
-    element.ProcessRegion(0, 0, nullptr);
-    EXPECT_EQ(notes, "PUP"); // ended, but deleted on the UI side only
-    element.ServiceCommands();
-    EXPECT_EQ(notes, "PUP.");
-    EXPECT_EQ(host.commandsUnderWay, 0);
+    const struct {
+        int steps;
+        const char* events; // a: audio begins, s: audio stops, b: a block, t: a tick, c: cancelled
+        const char* notes;
+    } cases[] = {
+        {3, "a", ""},
+        {3, "ab", "P"}, // a block of 0 frames still takes commands in
+        {3, "abt", "PU"},
+        {3, "abtb", "PUP"}, // ended, but deleted on the UI side only
+        {3, "abtbt", "PUP."},
+        {3, "ast", "PU"}, // one round of both sides a tick
+        {3, "astt", "PUP."},
+        {10, "abct", "P."},
+        {2, "", "PU."}, // at once while no audio runs
+    };
+    for (const auto& [steps, events, expected] : cases) {
+        Support::TestElementHost host;
+        Element element(host);
+        std::string notes;
+        auto* const command = new NotingCommand(notes, steps);
+        host.processing = *events == 'a';
+        element.PostCommand(command);
+        for (const char event : std::string(events)) {
+            host.processing = host.processing && event != 's';
+            if (event == 'b') {
+                element.ProcessRegion(0, 0, nullptr);
+            } else if (event == 't') {
+                element.ServiceCommands();
+            } else if (event == 'c') {
+                command->Cancel();
+            }
+        }
+        EXPECT_EQ(notes, expected) << events;
+        EXPECT_EQ(host.commandsUnderWay, notes.ends_with('.') ? 0 : 1) << events;
+    }
 }
 
-TEST(ElementCommands, RunAtOnceWhileNoAudioRunsAndOlderOnesFirst)
+TEST(ElementCommands, OlderOnesGoFirst)
 {
     Support::TestElementHost host;
     Element element(host);
-    std::string older;
+    std::string notes;
     host.processing = true;
-    element.PostCommand(new NotingCommand(older, 1));
+    element.PostCommand(new NotingCommand(notes, 1));
     host.processing = false;
-    std::string newer;
-    element.PostCommand(new NotingCommand(newer, 2));
-    EXPECT_EQ(older, "P");
-    EXPECT_EQ(newer, "PU.");
+    element.PostCommand(new NotingCommand(notes, 2));
+    EXPECT_EQ(notes, "PPU.");
     element.ServiceCommands();
-    EXPECT_EQ(older, "P.");
-}
-
-TEST(ElementCommands, AreFinishedByTheIdleTickWhenAudioHasStopped)
-{
-    Support::TestElementHost host;
-    Element element(host);
-    std::string notes;
-    host.processing = true;
-    element.PostCommand(new NotingCommand(notes, 3));
-    host.processing = false;
-    element.ServiceCommands(); // one round of both sides a tick
-    EXPECT_EQ(notes, "PU");
-    element.ServiceCommands();
-    EXPECT_EQ(notes, "PUP.");
-}
-
-TEST(ElementCommands, WhenCancelledHaveNoFurtherUIStep)
-{
-    Support::TestElementHost host;
-    host.processing = true;
-    Element element(host);
-    std::string notes;
-    auto* command = new NotingCommand(notes, 10);
-    element.PostCommand(command);
-    element.ProcessRegion(0, 0, nullptr);
-    command->Cancel();
-    element.ServiceCommands();
-    EXPECT_EQ(notes, "P.");
+    EXPECT_EQ(notes, "PPU..");
 }
 
 TEST(ElementCommands, AreDeletedWithTheirElement)

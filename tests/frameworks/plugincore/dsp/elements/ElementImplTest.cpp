@@ -57,33 +57,35 @@ private:
     DSP::DelayLine line;
 };
 
-std::vector<float> RunThrough(Doubler& element, std::vector<float> samples)
-{
-    float* channels[] = {samples.data()};
-    element.ProcessRegion(0, static_cast<uint32_t>(samples.size()), channels);
-    return samples;
-}
+struct ElementTest : testing::Test {
+    Support::TestElementHost host;
+    Doubler child{host};
+    Doubler element{host};
+
+    std::vector<float> RunThrough(std::vector<float> samples)
+    {
+        float* channels[] = {samples.data()};
+        element.ProcessRegion(0, static_cast<uint32_t>(samples.size()), channels);
+        return samples;
+    }
+};
 
 } // namespace
 
-TEST(Element, CutsALongPassThroughBlockToTheHostsLargest)
+TEST_F(ElementTest, CutsALongPassThroughBlockToTheHostsLargest)
 {
-    Support::TestElementHost host;
     host.maxBlockFrames = 100;
-    Doubler element(host);
-    RunThrough(element, std::vector<float>(250, 1.0F));
+    RunThrough(std::vector<float>(250, 1.0F));
     EXPECT_EQ(element.pieces, (std::vector<uint32_t>{100, 100, 50}));
     EXPECT_EQ(host.blockOffset, 250U);
     element.pieces.clear();
     element.SetFrameSize(64);
-    RunThrough(element, std::vector<float>(200, 1.0F)); // frames are never cut
+    RunThrough(std::vector<float>(200, 1.0F)); // frames are never cut
     EXPECT_EQ(element.pieces, (std::vector<uint32_t>{64, 64, 64}));
 }
 
-TEST(Element, IgnoresAnUnknownRegionAndNullChannels)
+TEST_F(ElementTest, IgnoresAnUnknownRegionAndNullChannels)
 {
-    Support::TestElementHost host;
-    Doubler element(host);
     std::vector<float> samples(10, 1.0F);
     float* channels[] = {samples.data()};
     element.ProcessRegion(1, 10, channels);
@@ -91,10 +93,8 @@ TEST(Element, IgnoresAnUnknownRegionAndNullChannels)
     EXPECT_TRUE(element.pieces.empty());
 }
 
-TEST(Element, ResetsOnlyWhatHasHeardSomethingUnlessTold)
+TEST_F(ElementTest, ResetsOnlyWhatHasHeardSomethingUnlessTold)
 {
-    Support::TestElementHost host;
-    Doubler element(host);
     element.Reset();
     EXPECT_EQ(element.events, "suspend resume reset "); // the first two by construction
     element.events.clear();
@@ -102,17 +102,14 @@ TEST(Element, ResetsOnlyWhatHasHeardSomethingUnlessTold)
     EXPECT_EQ(element.events, "");
     element.ClearState();
     EXPECT_EQ(element.events, "reset ");
-    RunThrough(element, {1, 2, 3});
+    RunThrough({1, 2, 3});
     element.ResetTails();
     element.Reset();
     EXPECT_EQ(element.events, "reset reset ");
 }
 
-TEST(Element, NestsSuspendAndReachesItsChildren)
+TEST_F(ElementTest, NestsSuspendAndReachesItsChildren)
 {
-    Support::TestElementHost host;
-    Doubler child(host);
-    Doubler element(host);
     element.Own(child);
     EXPECT_EQ(element.GetChild(0), &child);
     EXPECT_EQ(element.GetChild(1), nullptr);
@@ -129,10 +126,8 @@ TEST(Element, NestsSuspendAndReachesItsChildren)
     EXPECT_EQ(child.events, "suspend resume resume ");
 }
 
-TEST(Element, TakesANewFormatOnceAndKeepsItsFrameSize)
+TEST_F(ElementTest, TakesANewFormatOnceAndKeepsItsFrameSize)
 {
-    Support::TestElementHost host;
-    Doubler element(host);
     element.SetFrameSize(32);
     element.events.clear();
     element.SetFormat(1000.0F, 0);
@@ -146,48 +141,43 @@ TEST(Element, TakesANewFormatOnceAndKeepsItsFrameSize)
 
 // At 1000 Hz a fade takes 10 frames. The wet signal is the doubled input 4 frames late, the dry one
 // the same undoubled: on the way from 2 x to x the gain falls by a tenth of x a frame.
-TEST(Element, FadesToItsInputInTimeWithTheOutput)
+TEST_F(ElementTest, FadesToItsInputInTimeWithTheOutput)
 {
-    Support::TestElementHost host;
     host.positionless = false;
-    Doubler element(host);
     element.SetFrameSize(5); // latency 4
     element.SetDryHistoryEnabled(true);
     element.Reset();
     const std::vector<float> ones(50, 1.0F);
-    std::vector<float> output = RunThrough(element, ones);
+    std::vector<float> output = RunThrough(ones);
     EXPECT_EQ(output[3], 0.0F);
     EXPECT_EQ(output[4], 2.0F);
     element.active = false;
-    output = RunThrough(element, ones);
+    output = RunThrough(ones);
     for (int i = 0; i < 10; ++i) {
         EXPECT_FLOAT_EQ(output[i], 2.0F - static_cast<float>(i + 1) / 10) << i;
     }
     EXPECT_EQ(output[10], 1.0F);
     EXPECT_EQ(output[49], 1.0F);
     element.active = true;
-    output = RunThrough(element, ones);
+    output = RunThrough(ones);
     EXPECT_FLOAT_EQ(output[0], 1.1F);
     EXPECT_EQ(output[20], 2.0F);
     element.active = false;
-    RunThrough(element, {1.0F});
+    RunThrough({1.0F});
     element.Reset(); // ends the fade that has begun
-    output = RunThrough(element, ones);
+    output = RunThrough(ones);
     EXPECT_EQ(output[3], 0.0F);
     EXPECT_EQ(output[4], 1.0F);
 }
 
-TEST(Element, KeepsDryHistoryFromThePoolAndNotOnAChild)
+TEST_F(ElementTest, KeepsDryHistoryFromThePoolAndNotOnAChild)
 {
-    Support::TestElementHost host;
-    Doubler child(host);
-    Doubler element(host);
     element.Own(child);
     child.SetDryHistoryEnabled(true);
     EXPECT_EQ(child.GetProcessingMemorySize(), 0U);
     element.SetDryHistoryEnabled(true);
     EXPECT_EQ(element.GetProcessingMemorySize(), (8192U + 2) * sizeof(float));
-    RunThrough(element, std::vector<float>(8192));
+    RunThrough(std::vector<float>(8192));
     EXPECT_EQ(host.GetProcessingMemoryMark(), 0U);
 }
 

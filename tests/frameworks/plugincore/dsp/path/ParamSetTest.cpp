@@ -98,22 +98,13 @@ TEST_F(DSPSetTest, AutomatableListSkipsAndReportsWhatTheSetDoesNotHave)
 
 TEST(ChannelConfig, NamesAndCountsEveryCode)
 {
-    const std::vector<std::pair<uint32_t, const char*>> expected{{1, "Mono"},
-                                                                 {2, "Stereo"},
-                                                                 {2, "Mid-Side"},
-                                                                 {3, "LRC"},
-                                                                 {3, "LRS"},
-                                                                 {4, "LCRS"},
-                                                                 {4, "Quad"},
-                                                                 {5, "5.0"},
-                                                                 {6, "5.1"},
-                                                                 {7, "7.0"},
-                                                                 {7, "7.0 SDDS"},
-                                                                 {8, "7.1"},
-                                                                 {8, "7.1 SDDS"}};
-    for (uint32_t code = 0; code < expected.size(); ++code) {
-        EXPECT_EQ(DSP::GetChannelCount(code), expected[code].first) << code;
-        EXPECT_EQ(DSP::GetChannelConfigName(code), String(expected[code].second)) << code;
+    const auto names =
+        String("Mono|Stereo|Mid-Side|LRC|LRS|LCRS|Quad|5.0|5.1|7.0|7.0 SDDS|7.1|7.1 SDDS")
+            .Split('|');
+    const uint32_t counts[] = {1, 2, 2, 3, 3, 4, 4, 5, 6, 7, 7, 8, 8};
+    for (uint32_t code = 0; code < std::size(counts); ++code) {
+        EXPECT_EQ(DSP::GetChannelCount(code), counts[code]) << code;
+        EXPECT_EQ(DSP::GetChannelConfigName(code), names[code]) << code;
     }
     EXPECT_EQ(DSP::GetChannelConfigName(13), String("3->3"));
     EXPECT_EQ(DSP::GetChannelCount(34), 24U);

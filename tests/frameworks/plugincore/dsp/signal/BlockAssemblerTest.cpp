@@ -132,45 +132,33 @@ TEST(BlockAssembler, KeepsTheCallersMemoryWithoutCopyOut)
 // as 1; one at 8 is no longer in the first. An output position may stand on the frame's end.
 TEST(BlockAssembler, TellsEachFrameThePositionsThatFallIntoIt)
 {
-    const auto positions = [](std::optional<uint32_t> input, std::optional<uint32_t> output) {
-        BlockAssembler assembler = MakeAssembler(8);
-        std::vector<float> samples(20);
-        float* channels[] = {samples.data()};
-        Frame block = MakeBlock(channels, 20);
-        block.inputPosition = input;
-        block.outputPosition = output;
-        std::vector<std::pair<std::optional<uint32_t>, std::optional<uint32_t>>> seen;
-        Pass(assembler, block, [&](const Frame& frame) {
-            seen.emplace_back(frame.inputPosition, frame.outputPosition);
-        });
-        return seen;
-    };
+    const auto positions =
+        [](std::optional<uint32_t> input, std::optional<uint32_t> output, uint32_t waiting = 0) {
+            BlockAssembler assembler = MakeAssembler(8);
+            Negate(assembler, Ramp(waiting), 1);
+            std::vector<float> samples(20);
+            float* channels[] = {samples.data()};
+            Frame block = MakeBlock(channels, 20);
+            block.inputPosition = input;
+            block.outputPosition = output;
+            std::vector<std::pair<std::optional<uint32_t>, std::optional<uint32_t>>> seen;
+            Pass(assembler, block, [&](const Frame& frame) {
+                seen.emplace_back(frame.inputPosition, frame.outputPosition);
+            });
+            return seen;
+        };
     const auto input = positions(9, std::nullopt);
     ASSERT_EQ(input.size(), 2U);
     EXPECT_EQ(input[0].first, std::nullopt);
     EXPECT_EQ(input[1].first, 1U);
     EXPECT_EQ(positions(8, std::nullopt)[0].first, std::nullopt);
     EXPECT_EQ(positions(8, std::nullopt)[1].first, 0U);
+    EXPECT_EQ(positions(4, std::nullopt, 4)[1].first, 0U); // behind 4 samples that wait
 
     EXPECT_EQ(positions(std::nullopt, 8)[0].second, 8U); // on the end
     EXPECT_EQ(positions(std::nullopt, 9)[0].second, std::nullopt);
     EXPECT_EQ(positions(std::nullopt, 3)[1].second, 0U); // before it: the floor
     EXPECT_EQ(positions(2, 3)[0].second, 5U);            // counted from the input position
-}
-
-// The accumulator already holds 3 samples, so that position 1 of the block is its fifth: in frame
-// 1 (of 4) at 0.
-TEST(BlockAssembler, CountsInputPositionsFromTheAccumulatorsStart)
-{
-    BlockAssembler assembler = MakeAssembler(4);
-    Negate(assembler, Ramp(3), 3);
-    std::vector<float> samples(9);
-    float* channels[] = {samples.data()};
-    Frame block = MakeBlock(channels, 9);
-    block.inputPosition = 1;
-    std::vector<std::optional<uint32_t>> seen;
-    Pass(assembler, block, [&](const Frame& frame) { seen.push_back(frame.inputPosition); });
-    EXPECT_EQ(seen, (std::vector<std::optional<uint32_t>>{std::nullopt, 0U, std::nullopt}));
 }
 
 TEST(BlockAssembler, ResetStartsAgainWithSilenceInsideAndOutsideABlock)

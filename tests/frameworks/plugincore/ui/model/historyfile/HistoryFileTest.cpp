@@ -103,69 +103,51 @@ TEST_F(HistoryFileTest, BothFormsLieInTheFileAsTheyAreDescribed)
 TEST_F(HistoryFileTest, EachFaultEndsInItsOwnWay)
 {
     using Labels = std::vector<std::string>;
+    const Labels none;
     const Labels framework = {"<Initial State>"};
     const Labels dialog = {"Initial State"};
     const Labels both = {"A", "\xC3\xA4"};
-    const struct {
-        const char* name;
-        const HistoryFileForm& form;
+    struct Case {
         std::string hex;
         std::string fault; // how it begins
-        Labels labels;
-    } cases[] = {
-        {"other magic", FrameworkHistoryForm, "4D3C2B1A", "Invalid magic number 439041101", {}},
-        {"other form", DialogHistoryForm, FrameworkHead, "Invalid magic number 3891293", {}},
-        {"version 0", FrameworkHistoryForm, "5D603B00 00000000" + Slots, "", framework},
-        {"version 2", DialogHistoryForm, "112B3A00 02000000 09000000", "", dialog},
-        {"other size",
-         DialogHistoryForm,
-         "112B3A00 01000000 04000000",
-         "Invalid total param size 4",
-         {}},
-        {"header only", FrameworkHistoryForm, FrameworkHead, "", framework},
-        {"header only", DialogHistoryForm, DialogHead, "", dialog},
-        {"slots only", DialogHistoryForm, DialogHead + Slots, "", dialog},
-        {"length 1000000001",
-         FrameworkHistoryForm,
-         FrameworkHead + FrameworkSnapshots + "503D0100 01CA9A3B00000000",
-         "",
-         framework},
-        {"length 2^64 - 1",
-         FrameworkHistoryForm,
-         FrameworkHead + "503D0100 FFFFFFFFFFFFFFFF",
-         "",
-         framework},
-        {"length 64 MiB + 1", DialogHistoryForm, DialogHead + "503D0100 01000004", "", dialog},
-        {"length 64 MiB, nothing there",
-         DialogHistoryForm,
-         DialogHead + "503D0100 00000004 00",
-         "Can't extract",
-         {}},
-        {"label of 200001 bytes",
-         DialogHistoryForm,
-         DialogHead + "503D0100 00000000 410D0300",
-         "Improbable string length 200001",
-         {}},
-        {"slot 4",
-         DialogHistoryForm,
-         DialogHead + DialogSnapshots + BadSlot + "00000000",
-         "",
-         both},
-        {"unknown tag",
-         FrameworkHistoryForm,
-         FrameworkHead + FrameworkSnapshots + "04000000 503D0100",
-         "",
-         framework},
+        const Labels& labels;
     };
-    for (const auto& entry : cases) {
-        SCOPED_TRACE(entry.name);
+    const Case ofFramework[] = {
+        {"4D3C2B1A", "Invalid magic number 439041101", none},
+        {"5D603B00 00000000" + Slots, "", framework}, // version 0
+        {FrameworkHead, "", framework},
+        // Lengths of 1000000001 and 2^64 - 1.
+        {FrameworkHead + FrameworkSnapshots + "503D0100 01CA9A3B00000000", "", framework},
+        {FrameworkHead + "503D0100 FFFFFFFFFFFFFFFF", "", framework},
+        {FrameworkHead + FrameworkSnapshots + "04000000 503D0100", "", framework}, // unknown tag
+    };
+    const Case ofDialog[] = {
+        {FrameworkHead, "Invalid magic number 3891293", none},
+        {"112B3A00 02000000 09000000", "", dialog}, // version 2
+        {"112B3A00 01000000 04000000", "Invalid total param size 4", none},
+        {DialogHead, "", dialog},
+        {DialogHead + Slots, "", dialog},
+        // A length of 64 MiB + 1, one of 64 MiB with nothing there, and a label of 200001 bytes.
+        {DialogHead + "503D0100 01000004", "", dialog},
+        {DialogHead + "503D0100 00000004 00", "Can't extract", none},
+        {DialogHead + "503D0100 00000000 410D0300", "Improbable string length 200001", none},
+        {DialogHead + DialogSnapshots + BadSlot + "00000000", "", both},
+    };
+    const auto expectEnd = [&](const HistoryFileForm& form, const Case& entry) {
+        SCOPED_TRACE(entry.hex);
         model = TwoSnapshots();
         Store(FromHex(entry.hex));
-        const std::string fault = Load(entry.form);
+        const std::string fault = Load(form);
         EXPECT_EQ(fault.substr(0, entry.fault.size()), entry.fault);
         EXPECT_EQ(fault.empty(), entry.fault.empty()) << fault;
         EXPECT_EQ(LabelsOf(model), entry.labels);
         EXPECT_EQ(Stored(), FromHex(entry.hex));
+    };
+    for (const Case& entry : ofFramework) {
+        expectEnd(FrameworkHistoryForm, entry);
+    }
+    for (const Case& entry : ofDialog) {
+        expectEnd(DialogHistoryForm, entry);
     }
 }
 

@@ -27,28 +27,6 @@ TEST(BesselI0, IsThePowerSeries)
     }
 }
 
-/// Sum over all frames of analysis * synthesis at one place of the hop.
-double OverlapSum(const DSP::WindowPair& pair, int hop, int place)
-{
-    double sum = 0;
-    for (std::size_t i = static_cast<std::size_t>(place); i < pair.analysis.size();
-         i += static_cast<std::size_t>(hop)) {
-        sum += static_cast<double>(pair.analysis[i]) * static_cast<double>(pair.synthesis[i]);
-    }
-    return sum;
-}
-
-TEST(Windows, HannAndBlackmanOverlapToOne)
-{
-    for (const int kind : {DSP::WindowHann, DSP::WindowBlackman}) {
-        const int hop = kind == DSP::WindowHann ? 16 : 8;
-        const DSP::WindowPair pair = DSP::MakeWindows(kind, 64, hop);
-        for (int place = 0; place < hop; ++place) {
-            EXPECT_NEAR(OverlapSum(pair, hop, place), 1.0, 1e-6) << kind << " " << place;
-        }
-    }
-}
-
 TEST(Windows, ShapesAreThoseOfTheFormulas)
 {
     // Ratios to the middle are free of the scaling. In the middle of an even window x / W is

@@ -6,7 +6,6 @@
 namespace {
 
 using DSP::Synapse::AnalysisSizes;
-using DSP::Synapse::VocalRange;
 
 TEST(AnalysisSizes, AreTheWorkedOnesAt44100)
 {
@@ -25,15 +24,6 @@ TEST(AnalysisSizes, DecimateOnlyAbove22050)
     EXPECT_EQ(AnalysisSizes::ForRate(22051).decimation, 4);
     EXPECT_EQ(AnalysisSizes::ForRate(8000).analysisHop, 8); // 4.5, but at least 8
     EXPECT_EQ(AnalysisSizes::ForRate(192000).analysisHop, 128);
-}
-
-TEST(AnalysisSizes, LatencyCountsBothWaitsAndHalfTheFrame)
-{
-    const AnalysisSizes sizes = AnalysisSizes::ForRate(44100);
-    // round(259.4) / 4 = 64, * 1.8 = 115, * 2 = 230
-    EXPECT_EQ(sizes.GetLatency(VocalRange::Soprano, true, 64), 4096 + 230);
-    // No frame without decimation.
-    EXPECT_EQ(AnalysisSizes::ForRate(16000).GetLatency(VocalRange::Bass, true, 64), 16 * 2 * 64);
 }
 
 TEST(AnalysisSizes, StayUsableAtAbsurdRates)

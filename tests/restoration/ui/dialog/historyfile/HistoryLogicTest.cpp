@@ -356,14 +356,4 @@ TEST_F(HistoryLogicTest, ASaveThatFailedIsTriedAgainAtTheSamePace)
     EXPECT_TRUE(HasFile("none/QoTest.hst"));
 }
 
-TEST_F(HistoryLogicTest, WithoutAPathNoFileIsTouched)
-{
-    instance.path = {};
-    Begin();
-    Add(5);
-    logic->Flush();
-    EXPECT_TRUE(logic->Reset());
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
-}
-
 } // namespace

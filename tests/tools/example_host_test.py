@@ -8,11 +8,8 @@
 import array
 import math
 import random
-import struct
 import subprocess
 import sys
-import tempfile
-from pathlib import Path
 
 RATE, SECONDS = 48000, 3
 
@@ -28,30 +25,13 @@ def pops():
     return samples.tobytes()
 
 
-def as_wav(data):
-    form = struct.pack("<HHIIHH", 3, 1, RATE, RATE * 4, 4, 32)
-    body = b"WAVEfmt " + struct.pack("<I", len(form)) + form + b"data" + struct.pack("<I", len(data))
-    return b"RIFF" + struct.pack("<I", len(body) + len(data)) + body + data
-
-
-def samples_of(wav):
-    at = 12
-    while wav[at:at + 4] != b"data":
-        at += 8 + struct.unpack("<I", wav[at + 4:at + 8])[0]
-    length = struct.unpack("<I", wav[at + 4:at + 8])[0]
-    return wav[at + 8:at + 8 + length]
-
-
 def main():
     host, module, command = sys.argv[1:]
     sound = pops()
     by_host = subprocess.run([host, module], input=sound, capture_output=True, check=True, timeout=60)
-    with tempfile.TemporaryDirectory() as name:
-        recording, result = Path(name) / "in.wav", Path(name) / "out.wav"
-        recording.write_bytes(as_wav(sound))
-        subprocess.run([command, recording, "--strength", "8", "--quiet", "-o", result], check=True,
-                       timeout=60)
-        by_command = samples_of(result.read_bytes())
+    by_command = subprocess.run([command, "-", "-o", "-", "--raw", f"f32,{RATE},1", "--strength", "8",
+                                 "--quiet"],
+                                input=sound, capture_output=True, check=True, timeout=60).stdout
     print(f"{len(sound)} bytes in, {len(by_host.stdout)} and {len(by_command)} out")
     # Without a repair the two would be equal for nothing.
     return 0 if by_host.stdout == by_command != sound else 1

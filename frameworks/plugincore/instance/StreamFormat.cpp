@@ -5,6 +5,8 @@
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
 
 static_assert(DSP::MaxChannels == PLUGIN_CORE_MAX_CHANNELS);
+static_assert(DSP::FirstPlainCode == ChannelConfigPlain3);
+static_assert(DSP::LastPlainCode == ChannelConfigPlain24);
 
 namespace {
 

@@ -5,8 +5,10 @@
 
 namespace Cli {
 
-inline constexpr int LeastSampleRate = 8000;      ///< Hz
-inline constexpr int GreatestSampleRate = 192000; ///< Hz
+/// Rates of recordings, in Hz: those that the repair is made for. The module serves more, since a host
+/// has no other way than to play at its own rate.
+inline constexpr int LeastSampleRate = 8000;
+inline constexpr int GreatestSampleRate = 192000;
 inline constexpr int GreatestChannelCount = static_cast<int>(Wrapper::BlockBuffers::MaxChannels);
 
 /// Host blocks in frames. The most that a block may hold keeps the repairs of one block far below

@@ -34,10 +34,7 @@ constexpr std::array<NamedLayout, 18> NamedLayouts{{
     {40, 8, "7.1 DTS"},
 }};
 
-// Codes of plain layouts, 3 to 24 channels without a meaning of their own.
-constexpr uint32_t FirstPlainCode = 13;
-constexpr uint32_t LastPlainCode = 34;
-constexpr uint32_t PlainCodeOffset = 10;
+constexpr uint32_t PlainCodeOffset = LastPlainCode - MaxChannels;
 
 bool IsPlain(uint32_t code)
 {

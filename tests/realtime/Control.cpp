@@ -35,7 +35,7 @@ extern "C" __attribute__((visibility("default"))) bool Misbehave(const char* nam
     } else if (what == "aligned new") {
         kept = ::operator new (64, std::align_val_t{64});
     } else if (what == "lock") {
-        const std::lock_guard guard(plainMutex);
+        const std::scoped_lock guard(plainMutex);
     } else if (what == "try lock") {
         const std::unique_lock attempt(plainMutex, std::try_to_lock);
     } else if (what == "notify") {

@@ -21,7 +21,7 @@ class Library {
 public:
     bool Begin()
     {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         if (users == 0) {
             // Without its module a plug-in isn't there at all, so that no host lists it.
             auto module = Wrapper::Module::Load(LogToStandardError);
@@ -36,7 +36,7 @@ public:
 
     void End()
     {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         if (users > 0 && --users == 0) {
             descriptor.reset();
         }
@@ -45,7 +45,7 @@ public:
     /// Null when the library isn't in use.
     std::shared_ptr<const Descriptor> GetDescriptor()
     {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         return descriptor;
     }
 

@@ -47,7 +47,7 @@ bool Detections::Ask(TransformReadRecord& record, const char* complaint) const
 
 bool Detections::Read(std::vector<Detection>& detections)
 {
-    std::array<DetectionRecord, 64> buffer;
+    std::array<DetectionRecord, 64> buffer{};
     TransformReadRecord record;
     do {
         record = {};

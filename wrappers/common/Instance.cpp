@@ -56,10 +56,10 @@ std::unique_ptr<Instance> Instance::Create(std::shared_ptr<const Module> module,
 
 Instance::Instance(std::shared_ptr<const Module> newModule,
                    Listener& newListener,
-                   const LogFunction& newLog)
+                   LogFunction newLog)
     : module(std::move(newModule))
     , listener(newListener)
-    , log(newLog)
+    , log(std::move(newLog))
 {
 }
 

@@ -128,9 +128,7 @@ public:
     void Log(EntryKey, const std::string& text) const { log(text); }
 
 private:
-    Instance(std::shared_ptr<const Module> newModule,
-             Listener& newListener,
-             const LogFunction& newLog);
+    Instance(std::shared_ptr<const Module> newModule, Listener& newListener, LogFunction newLog);
 
     static uint32_t HostCallback(
         uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data) noexcept;

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace Wrapper {
 
@@ -117,13 +118,14 @@ std::shared_ptr<const Module> Module::Load(const Folders& folders, const LogFunc
     }
 }
 
-Module::Module(const std::filesystem::path& file)
-    : path(file)
+Module::Module(std::filesystem::path file)
+    : path(std::move(file))
 {
     // A bare name would be searched for in the system's folders.
     const std::filesystem::path exact = path.has_parent_path() ? path : "." / path;
     library = ::dlopen(exact.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): each thread has a text of its own here
         throw std::runtime_error(std::string("the module can't be loaded: ") + ::dlerror());
     }
     static_assert(std::is_same_v<Entry, PluginCoreEntryFunction>);

@@ -56,7 +56,7 @@ public:
 private:
     using Entry = uint32_t (*)(uint32_t, uint32_t, uint32_t, PluginCore*, void*);
 
-    explicit Module(const std::filesystem::path& file);
+    explicit Module(std::filesystem::path file);
     void Describe();
 
     std::filesystem::path path;

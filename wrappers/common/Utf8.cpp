@@ -43,7 +43,7 @@ bool Continues(uint32_t byte)
 // Bytes of a character by its first one; 0: none begins so.
 std::size_t LengthFrom(uint32_t first)
 {
-    const auto form = std::find_if(Forms.begin(), Forms.end(), [first](const Form& one) {
+    const auto* form = std::find_if(Forms.begin(), Forms.end(), [first](const Form& one) {
         return (first & one.mask) == one.head;
     });
     return form != Forms.end() ? static_cast<std::size_t>(form - Forms.begin()) + 1 : 0;

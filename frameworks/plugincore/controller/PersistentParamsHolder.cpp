@@ -54,6 +54,7 @@ std::vector<String> PersistentParamsHolder::GetKeys() const
 {
     const Util::CriticalSectionGuard guard(lock);
     std::vector<String> keys;
+    keys.reserve(registered.size());
     for (const ParamPointer& param : registered) {
         keys.push_back(std::visit([](const auto& typed) { return typed->GetKey(); }, param));
     }

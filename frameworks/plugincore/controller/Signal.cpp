@@ -5,8 +5,6 @@
 
 #include <boost/signals2/signal.hpp>
 
-#include <utility>
-
 namespace Controller {
 
 template <typename T>
@@ -30,18 +28,16 @@ typename Signal<T>::Slots& Signal<T>::GetSlots()
 }
 
 template <typename T>
-Connection Signal<T>::Connect(Slot slot)
+Connection Signal<T>::Connect(const Slot& slot)
 {
-    return std::make_shared<boost::signals2::scoped_connection>(
-        GetSlots().signal.connect(std::move(slot)));
+    return std::make_shared<boost::signals2::scoped_connection>(GetSlots().signal.connect(slot));
 }
 
 template <typename T>
-void Signal<T>::Connect(const Trackable& owner, Slot slot)
+void Signal<T>::Connect(const Trackable& owner, const Slot& slot)
 {
     using Tracked = typename boost::signals2::signal<void(const T&)>::slot_type;
-    GetSlots().signal.connect(
-        Tracked(std::move(slot)).track_foreign(DestructorObserver(owner).GetLife()));
+    GetSlots().signal.connect(Tracked(slot).track_foreign(DestructorObserver(owner).GetLife()));
 }
 
 template <typename T>

@@ -25,9 +25,9 @@ public:
     Signal& operator=(const Signal&) = delete;
     ~Signal();
 
-    [[nodiscard]] Connection Connect(Slot slot);
+    [[nodiscard]] Connection Connect(const Slot& slot);
     /// The connection ends with its owner.
-    void Connect(const Trackable& owner, Slot slot);
+    void Connect(const Trackable& owner, const Slot& slot);
     void Emit(const T& value) const;
 
 private:

@@ -64,7 +64,7 @@ String DescribeUnknownName(const String& name, const PresetManager& presets)
 // The text for the user, with what it is about and why.
 String Describe(const String& name, const Util::ErrorVariant& error)
 {
-    const String text = error.GetDescription();
+    String text = error.GetDescription();
     String subject = name;
     String reason;
     if (error.As<Preset::ManagerError>() != nullptr) {
@@ -98,8 +98,9 @@ void Show(const PresetEntry& entry, PresetRecord& record)
     CopyText(record.presetComment, entry.GetComment());
     CopyText(record.path, entry.path);
     CopyText(record.message, entry.fault.IsEmpty() ? entry.note : entry.fault);
-    record.isReadOnly =
+    const bool isReadOnly =
         entry.group == Preset::PresetGroup::BuiltIn || Preset::IsReadOnly(entry.metadata);
+    record.isReadOnly = isReadOnly ? 1 : 0;
     switch (entry.group) {
     case Preset::PresetGroup::BuiltIn:
         record.group = PresetGroupBuiltIn;

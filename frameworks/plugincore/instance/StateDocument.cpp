@@ -98,7 +98,7 @@ void StateDocument::ApplyVersion1(const Util::Dictionary& state, DSP::ValueSourc
         DSP::ApplyElements(path.GetSet(), DSP::ReadElements(*elements), source);
     }
     ApplyContext(state);
-    if (const String* session = state.Find<String>(SessionKey);
+    if (const auto* session = state.Find<String>(SessionKey);
         session != nullptr && definition.GetSessionMode() == SessionMode::KeptIdentifier) {
         sessionUuid = Util::ParseUuid(*session).value_or(sessionUuid);
     }

@@ -9,6 +9,11 @@
 
 namespace {
 
+uint32_t Flag(bool value)
+{
+    return value ? 1 : 0;
+}
+
 void FillIdentity(const PluginDefinition& definition, PluginInfoRecord& record)
 {
     CopyText(record.vendor, definition.GetVendor());
@@ -32,23 +37,23 @@ void FillIdentity(const PluginDefinition& definition, PluginInfoRecord& record)
 
 void FillAbilities(const PluginDefinition& definition, PluginInfoRecord& record)
 {
-    record.supportsEditor = definition.SupportsEditor();
+    record.supportsEditor = Flag(definition.SupportsEditor());
     for (uint32_t i = 0; i < std::size(record.formatFlags); ++i) {
-        record.formatFlags[i] = definition.GetOptionFlag(26 + i);
+        record.formatFlags[i] = Flag(definition.GetOptionFlag(26 + i));
     }
     record.sideChainInputs = definition.GetSideChainCount(29);
     record.sideChainCountC = definition.GetSideChainCount(31);
     record.sideChainCountB = definition.GetSideChainCount(30);
     for (uint32_t i = 0; i < std::size(record.optionFlags); ++i) {
-        record.optionFlags[i] = definition.GetOptionFlag(33 + i);
+        record.optionFlags[i] = Flag(definition.GetOptionFlag(33 + i));
     }
-    record.optionFlag48 = definition.GetOptionFlag(48);
-    record.optionFlag49 = definition.GetOptionFlag(49);
-    record.optionFlag110 = definition.GetOptionFlag(110);
-    record.supportsBypass = definition.SupportsBypass();
+    record.optionFlag48 = Flag(definition.GetOptionFlag(48));
+    record.optionFlag49 = Flag(definition.GetOptionFlag(49));
+    record.optionFlag110 = Flag(definition.GetOptionFlag(110));
+    record.supportsBypass = Flag(definition.SupportsBypass());
     record.defaultWidth = definition.GetDefaultWidth();
     record.defaultHeight = definition.GetDefaultHeight();
-    record.isStandalone = definition.IsStandalone();
+    record.isStandalone = Flag(definition.IsStandalone());
 }
 
 void FillFormats(const PluginDefinition& definition, PluginInfoRecord& record)
@@ -62,11 +67,11 @@ void FillFormats(const PluginDefinition& definition, PluginInfoRecord& record)
     CopyText(record.text82, sizeof(record.text82) / 2, definition.GetText(82));
     record.vst2Id = definition.GetVST2Id();
     record.vst2Category = definition.GetVST2Category();
-    record.optionFlag87 = definition.GetOptionFlag(87);
-    record.optionFlag111 = definition.GetOptionFlag(111);
-    record.optionFlag86 = definition.GetOptionFlag(86);
-    record.optionFlag88 = definition.GetOptionFlag(88);
-    record.optionFlag89 = definition.GetOptionFlag(89);
+    record.optionFlag87 = Flag(definition.GetOptionFlag(87));
+    record.optionFlag111 = Flag(definition.GetOptionFlag(111));
+    record.optionFlag86 = Flag(definition.GetOptionFlag(86));
+    record.optionFlag88 = Flag(definition.GetOptionFlag(88));
+    record.optionFlag89 = Flag(definition.GetOptionFlag(89));
     record.auType = definition.GetAUType();
     record.auVendor = definition.GetAUVendor();
     record.auSubtype = definition.GetAUSubtype();

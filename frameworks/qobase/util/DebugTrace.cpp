@@ -31,7 +31,7 @@ void DebugTrace(const String& text) noexcept
 {
     try {
         Trace& trace = GetTrace();
-        const std::lock_guard lock(trace.mutex);
+        const std::scoped_lock lock(trace.mutex);
         if (trace.sink) {
             trace.sink(text);
         } else if (WritesByDefault) {
@@ -47,7 +47,7 @@ void DebugTrace(const String& text) noexcept
 void SetDebugTraceSink(DebugTraceSink sink)
 {
     Trace& trace = GetTrace();
-    const std::lock_guard lock(trace.mutex);
+    const std::scoped_lock lock(trace.mutex);
     trace.sink = std::move(sink);
 }
 

@@ -29,8 +29,7 @@ std::unique_ptr<Error> BasicErrorBase::Clone() const
 
 ErrorVariant& ErrorVariant::operator=(const ErrorVariant& other)
 {
-    held = other.held->Clone();
-    return *this;
+    return *this = ErrorVariant(other);
 }
 
 } // namespace Util

@@ -128,15 +128,14 @@ std::optional<uint32_t> String::Find(const String& text, uint32_t start, bool ca
     }
     const auto tail = View().substr(start);
     const auto wanted = text.View();
-    const auto found = std::search(
-        tail.begin(), tail.end(), wanted.begin(), wanted.end(), [caseSensitive](char a, char b) {
-            return caseSensitive ? a == b : LowerAscii(a) == LowerAscii(b);
-        });
+    const auto found = std::ranges::search(tail, wanted, [caseSensitive](char a, char b) {
+        return caseSensitive ? a == b : LowerAscii(a) == LowerAscii(b);
+    });
     // An empty text is found where the search starts, so the end always means that nothing was.
-    if (found == tail.end()) {
+    if (found.begin() == tail.end()) {
         return std::nullopt;
     }
-    return start + static_cast<uint32_t>(found - tail.begin());
+    return start + static_cast<uint32_t>(found.begin() - tail.begin());
 }
 
 String String::Left(uint32_t count) const
@@ -206,7 +205,7 @@ bool operator==(const String& left, const String& right) noexcept
 std::strong_ordering operator<=>(const String& left, const String& right) noexcept
 {
     if (left.IsNull() || right.IsNull()) {
-        return right.IsNull() <=> left.IsNull();
+        return static_cast<int>(!left.IsNull()) <=> static_cast<int>(!right.IsNull());
     }
     // Views compare as the traits of char do: by unsigned bytes.
     return left.View() <=> right.View();

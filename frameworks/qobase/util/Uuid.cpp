@@ -52,8 +52,11 @@ std::optional<Uuid> ParseUuid(const String& text)
     Uuid uuid{};
     std::size_t position = 0;
     for (uint8_t& byte : uuid) {
-        if (IsHyphenAt(position) && view[position++] != '-') {
-            return std::nullopt;
+        if (IsHyphenAt(position)) {
+            if (view[position] != '-') {
+                return std::nullopt;
+            }
+            ++position;
         }
         const char* const end = view.data() + position + 2;
         if (std::from_chars(view.data() + position, end, byte, 16).ptr != end) {

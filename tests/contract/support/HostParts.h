@@ -48,12 +48,12 @@ class WaitingValues {
 public:
     void Set(uint32_t index, float normalised)
     {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         values[index] = normalised;
     }
     std::map<uint32_t, float> Take()
     {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         return std::exchange(values, {});
     }
 

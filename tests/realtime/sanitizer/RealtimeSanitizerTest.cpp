@@ -133,7 +133,7 @@ TEST(RealtimeSanitizerReport, NamesWhatMayWait)
         {"malloc", [] { kept = std::malloc(16); }},
         {"free", [] { std::free(std::exchange(kept, nullptr)); }},
         {"malloc", [] { kept = ::operator new(16); }},
-        {"pthread_mutex_lock", [] { const std::lock_guard guard(plainMutex); }},
+        {"pthread_mutex_lock", [] { const std::scoped_lock guard(plainMutex); }},
     };
     kept = std::malloc(16);
     for (const auto& [report, commit] : misdeeds) {

@@ -141,7 +141,7 @@ TEST_F(CommandBadInput, NonFiniteSamplesAreReportedOnceAndComeOutFinite)
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.err.find("3 samples were no finite number"), std::string::npos);
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-    for (const size_t i : {1000, 1001, 70000}) {
+    for (const size_t i : {1000U, 1001U, 70000U}) {
         audio.samples[i] = 0;
     }
     for (double& sample : audio.samples) {

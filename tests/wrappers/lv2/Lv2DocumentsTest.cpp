@@ -20,14 +20,14 @@ using TestHost::Call;
 using TestHost::UI;
 using Texts = std::vector<std::string>;
 
-const std::string address = "https://puffguard.example/lv2/";
+const std::string Address = "https://puffguard.example/lv2/";
 
 // Designations are those of the port groups' own vocabulary, in the order of wave files.
 const struct {
     std::string name;
     std::string group;
     Texts designations;
-} variants[] = {
+} Variants[] = {
     {"mono", "MonoGroup", {"center"}},
     {"stereo", "StereoGroup", {"left", "right"}},
     {"surround51",
@@ -46,7 +46,7 @@ const struct {
 };
 
 // For good: sessions hold them.
-const std::array<std::string, 4> symbols = {
+const std::array<std::string, 4> Symbols = {
     "sensitivity", "strength", "upper_repair_frequency", "enabled"};
 
 std::string ReadDocument(const std::string& name)
@@ -154,14 +154,14 @@ protected:
 
 TEST_F(Lv2DocumentsTest, ControlsAreTheModulesParameters)
 {
-    for (const auto& [variant, group, designations] : variants) {
+    for (const auto& [variant, group, designations] : Variants) {
         const Texts ports = Split(ReadDocument(variant), "lv2:index ");
         ASSERT_EQ(ports.size(), Lv2Host::FirstAudio + 2 * designations.size()) << variant;
         for (uint32_t index = 0; index < rows.size(); ++index) {
             const std::string& port = ports[index];
             SCOPED_TRACE(variant + port);
             EXPECT_EQ(ValueOf(port, "lv2:index"), std::to_string(index));
-            EXPECT_EQ(ValueOf(port, "lv2:symbol"), Quoted(symbols[index]));
+            EXPECT_EQ(ValueOf(port, "lv2:symbol"), Quoted(Symbols[index]));
             const ParamInfoRecord& row = rows[index];
             if (index == TestHost::GlobalBypass) { // the opposite
                 EXPECT_EQ(NumberOf(port, "lv2:minimum"), 1 - row.maximum);
@@ -184,13 +184,13 @@ TEST_F(Lv2DocumentsTest, ControlsAreTheModulesParameters)
 
 TEST_F(Lv2DocumentsTest, AudioPortsAreTheSpeakersOfTheirGroup)
 {
-    for (const auto& [variant, group, designations] : variants) {
+    for (const auto& [variant, group, designations] : Variants) {
         SCOPED_TRACE(variant);
         const std::string document = ReadDocument(variant);
         const Texts ports = Split(document, "lv2:index ");
         size_t index = Lv2Host::FirstAudio;
         for (const std::string direction : {"in", "out"}) {
-            const std::string uri = "<" + address + variant + "#" + direction + ">";
+            const std::string uri = "<" + Address + variant + "#" + direction + ">";
             EXPECT_NE(document.find(uri + "\n\ta pg:" + group + " ,"), std::string::npos);
             for (const std::string& designation : designations) {
                 ASSERT_LT(index, ports.size());
@@ -208,26 +208,26 @@ TEST_F(Lv2DocumentsTest, AudioPortsAreTheSpeakersOfTheirGroup)
 TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
 {
     const std::string manifest = ReadDocument("manifest");
-    for (const auto& [variant, group, designations] : variants) {
+    for (const auto& [variant, group, designations] : Variants) {
         std::set<std::string> labels;
         for (const std::string& preset : Split(ReadDocument(variant + "-presets"), "#preset_")) {
             const std::string label = Between(preset, "rdfs:label \"", "\"");
             SCOPED_TRACE(variant + ", " + label);
-            EXPECT_EQ(ValueOf(preset, "lv2:appliesTo"), "<" + address + variant + ">");
+            EXPECT_EQ(ValueOf(preset, "lv2:appliesTo"), "<" + Address + variant + ">");
             const std::string uri = variant + preset.substr(0, preset.find('\n'));
             EXPECT_NE(manifest.find(uri + "\n\ta pset:Preset ;"), std::string::npos) << uri;
             ASSERT_EQ(module.RunPreset(PresetOpApply, label).failed, 0);
             const Texts ports = Split(preset, "lv2:symbol ");
             ASSERT_EQ(ports.size(), 3U) << "a preset leaves the bypass alone";
             for (uint32_t index = 0; index < ports.size(); ++index) {
-                EXPECT_EQ(ValueOf(ports[index], "lv2:symbol"), Quoted(symbols[index]));
+                EXPECT_EQ(ValueOf(ports[index], "lv2:symbol"), Quoted(Symbols[index]));
                 EXPECT_FLOAT_EQ(NumberOf(ports[index], "pset:value"),
                                 Denormalise(index, module.Value(index)));
             }
             // The state has what no port sets, such as a shorter delay.
             const auto channels = static_cast<uint32_t>(designations.size());
             Lv2Host::Plugin plugin(channels, 48000);
-            const auto chunk = DecodeBase64(Between(preset, address + "state> \"", "\""));
+            const auto chunk = DecodeBase64(Between(preset, Address + "state> \"", "\""));
             ASSERT_EQ(plugin.Restore(plugin.MakeSaved(chunk)), LV2_STATE_SUCCESS);
             Contract::PlaySilence(plugin, channels, 64);
             EXPECT_EQ(plugin.GetLatency(), module.Latency());

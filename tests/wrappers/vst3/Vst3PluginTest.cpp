@@ -112,7 +112,7 @@ TEST_F(Vst3PluginTest, EveryInterfaceLeadsToEveryOtherAndTheLastReferenceEndsThe
             EXPECT_EQ(Query<Vst3Host::IUnknown>(*start, to),
                       Query<Vst3Host::IUnknown>(*component, to));
         }
-        void* object = &object;
+        void* object = static_cast<void*>(&object);
         EXPECT_EQ(start->QueryInterface(UnknownIid, &object), V3_NO_INTERFACE);
         EXPECT_EQ(object, nullptr);
         EXPECT_NE(start->QueryInterface(from, nullptr), V3_OK);

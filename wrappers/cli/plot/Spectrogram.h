@@ -54,7 +54,7 @@ private:
     void Analyse();
 
     struct FreePlan {
-        void operator()(kiss_fftr_state* plan) const { kiss_fftr_free(plan); }
+        void operator()(kiss_fftr_state* made) const { kiss_fftr_free(made); }
     };
 
     size_t factor;             // samples for one reduced sample

@@ -77,7 +77,7 @@ Console::Console(const Config& newConfig)
 Console::~Console()
 {
     {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         isEnding = true;
     }
     wake.notify_all();
@@ -90,7 +90,7 @@ Console::~Console()
 int Console::Write(int descriptor, std::string line)
 {
     line += '\n';
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     EraseBar();
     return WriteFully(descriptor, line);
 }
@@ -126,13 +126,13 @@ void Console::Progress(size_t number, int64_t frames, std::optional<int64_t> tot
     if (!config.showsProgress) {
         return;
     }
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     running[number] = {frames, total, sampleRate};
 }
 
 void Console::Finished(size_t number)
 {
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     const Running& last = running[number];
     finishedSeconds += static_cast<double>(last.frames) / last.sampleRate;
     ++finishedFiles;

@@ -76,7 +76,7 @@ void EventsDocument::Add(size_t number,
                          const EventSpool& spool,
                          const BandAverage& average)
 {
-    const std::lock_guard lock(mutex);
+    const std::scoped_lock lock(mutex);
     const int64_t offset = collectedLength;
     std::string text = ObjectHead(report, controls) + ",\n  \"events\": [";
     const char* separator = "\n    ";

@@ -194,13 +194,12 @@ void DispatchInfo<T>::Apply()
 }
 
 template <typename T>
-std::shared_ptr<void> DispatchInfo<T>::Connect(Listener listener)
+std::shared_ptr<void> DispatchInfo<T>::Connect(const Listener& listener)
 {
     if (!signal) {
         signal = std::make_unique<ChangeSignal<T>>();
     }
-    return std::make_shared<boost::signals2::scoped_connection>(
-        signal->connect(std::move(listener)));
+    return std::make_shared<boost::signals2::scoped_connection>(signal->connect(listener));
 }
 
 template class DispatchInfo<float>;

@@ -70,7 +70,7 @@ public:
     /// Replaces the sending of UI values; an empty function brings it back. [setup]
     void SetUIDispatch(UIDispatch dispatch) { uiDispatch = std::move(dispatch); }
     /// Heard after a change of the UI value, until the returned handle is destroyed. [ui]
-    std::shared_ptr<void> Connect(Listener listener);
+    std::shared_ptr<void> Connect(const Listener& listener);
 
     /// The process side's end of a command; see Send(). [process]
     void Arrive(T value, ValueSource source);

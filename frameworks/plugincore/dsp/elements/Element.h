@@ -18,6 +18,7 @@ public:
     Element() = default;
     Element(const Element&) = delete;
     Element& operator=(const Element&) = delete;
+    ~Element() override = default;
 
     /// The element's key in every file; never changes. [any]
     virtual String GetName() const = 0;

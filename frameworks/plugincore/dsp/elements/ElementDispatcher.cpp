@@ -78,7 +78,7 @@ ElementParamEnum ElementDispatcher::RegisterEnumParam(uint32_t index, EnumRegist
 
 bool ElementDispatcher::IsNameTaken(const String& paramName) const
 {
-    if (paramsByName.count(paramName) == 0) {
+    if (!paramsByName.contains(paramName)) {
         return false;
     }
     Util::DebugTrace(String("Parameter \"%1\" has already been registered").arg(paramName));
@@ -203,7 +203,7 @@ const ParamObject* ElementDispatcher::FindParam(uint32_t index) const
 
 const ParamInfo& ElementDispatcher::GetParamInfoByName(const String& paramName) const
 {
-    static const ParamInfo unknown;
+    static const ParamInfo Unknown;
     if (const auto found = paramsByName.find(paramName); found != paramsByName.end()) {
         return std::visit(
             [](const auto& param) -> const ParamInfo& { return param->GetParamInfo(); },
@@ -211,12 +211,12 @@ const ParamInfo& ElementDispatcher::GetParamInfoByName(const String& paramName) 
     }
     const auto index = indexByName.find(paramName);
     if (index == indexByName.end() || index->second >= pending.size()) {
-        return unknown;
+        return Unknown;
     }
     return std::visit(
         [](const auto& record) -> const ParamInfo& {
             if constexpr (std::is_same_v<std::decay_t<decltype(record)>, std::monostate>) {
-                return unknown;
+                return Unknown;
             } else {
                 return record.info;
             }

@@ -38,7 +38,7 @@ public:
     {
         if (pointers != nullptr) {
             host.FreeProcessingMemory(samples, sampleBytes);
-            host.FreeProcessingMemory(pointers, pointerBytes);
+            host.FreeProcessingMemory(static_cast<void*>(pointers), pointerBytes);
         }
     }
 

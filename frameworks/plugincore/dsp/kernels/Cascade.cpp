@@ -103,6 +103,6 @@ void Run(Cascade& cascade, const float* samples, float* outputs, std::ptrdiff_t 
 
 } // namespace
 
-constinit const CascadeKernels cascade = {.run = Run};
+constinit const CascadeKernels Cascades = {.run = Run};
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

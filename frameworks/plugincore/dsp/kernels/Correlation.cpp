@@ -72,10 +72,10 @@ struct Batch {
     using Complex = ComplexVector<L>;
 
     const CorrelationPlan& plan;
-    const PolyphaseView source; ///< of the first of these frames
-    float* const spectrum;      ///< N elements
-    float* const folded;        ///< N / 2 elements: N real values
-    float* const lags;          ///< correlations, a row of lanes a lag
+    const PolyphaseView source;      ///< of the first of these frames
+    float* const spectrum = nullptr; ///< N elements
+    float* const folded = nullptr;   ///< N / 2 elements: N real values
+    float* const lags = nullptr;     ///< correlations, a row of lanes a lag
 
     /// Elements between the legs of the first stage's butterflies.
     Index GetFirstStep() const { return plan.whole.length / 4; }
@@ -349,6 +349,7 @@ struct Batches {
     {
         constexpr int FewLanes = LevelLanes < 8 ? LevelLanes : LevelLanes / 2;
         const int first = stage / CorrelationParts * LevelLanes;
+        // NOLINTNEXTLINE(bugprone-branch-clone): at levels of 4 lanes both are the same
         if (frames - first > FewLanes) {
             RunStage<LevelLanes>(first, stage % CorrelationParts);
         } else {
@@ -373,6 +374,6 @@ void CorrelatePart(int part,
 
 } // namespace
 
-constinit const CorrelationKernels correlation = {.correlatePart = CorrelatePart};
+constinit const CorrelationKernels Correlations = {.correlatePart = CorrelatePart};
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -197,7 +197,7 @@ void InverseOfLowBins(const FftTables& tables,
 
 } // namespace
 
-constinit const FftKernels fft = {
+constinit const FftKernels Ffts = {
     .forward = Forward,
     .forwardOfProduct = ForwardOfProduct,
     .forwardOfProductWithPower = ForwardOfProductWithPower,

@@ -167,6 +167,7 @@ RunFirstPass(Source source, SplitArray target, Index length, const float* factor
     for (Index p = 0; p < step; p += N) {
         const Index group = p / FftFirstGroup * FftFirstGroup;
         const FirstFactors<N> w = {factors + 2 * FftFirstFactors * group + (p - group)};
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the outer butterflies fill it
         Between<N> between;
         for (Index input = 0; input < 4; ++input) {
             RunOuterButterfly<N>(source, p, step, input, w, between);
@@ -263,6 +264,7 @@ inline void RunTwoPasses(SplitArray source,
         for (Index q = 0; q < stride; q += N) {
             const Index from = q + stride * p;
             const Index to = q + stride * 16 * p;
+            // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the outer butterflies fill it
             Between<N> between;
             for (Index input = 0; input < 4; ++input) {
                 RunOuterButterfly<N>(source,

@@ -23,6 +23,6 @@ struct KernelSet {
 const KernelSet& GetKernels() noexcept;
 
 /// The kernels of a level; it must be supported. For tests, which compare the levels. [any]
-const KernelSet& GetKernels(Level level) noexcept;
+const KernelSet& GetKernels(Level wanted) noexcept;
 
 } // namespace DSP::Kernels

@@ -229,11 +229,11 @@ void Lower(const BellTable& table, const Bell& bell, float depth, float* weights
 
 } // namespace
 
-constinit const LagSearchKernels lagSearch = {.score = Score,
-                                              .findFirstLargest = FindFirstLargest,
-                                              .erasePeak = ErasePeak,
-                                              .eraseScore = EraseScore,
-                                              .raise = Raise,
-                                              .lower = Lower};
+constinit const LagSearchKernels LagSearches = {.score = Score,
+                                                .findFirstLargest = FindFirstLargest,
+                                                .erasePeak = ErasePeak,
+                                                .eraseScore = EraseScore,
+                                                .raise = Raise,
+                                                .lower = Lower};
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -9,14 +9,14 @@
 namespace DSP::Kernels {
 
 namespace Baseline {
-extern const KernelSet kernelSet;
+extern const KernelSet All;
 }
 #if defined(PUFFGUARD_X86_LEVELS)
 namespace V3 {
-extern const KernelSet kernelSet;
+extern const KernelSet All;
 }
 namespace V4 {
-extern const KernelSet kernelSet;
+extern const KernelSet All;
 }
 #endif
 
@@ -32,7 +32,8 @@ Level GetLimit(const char* name) noexcept
     return text == "v3" ? Level::V3 : Level::V4;
 }
 
-const Level level = ChooseLevel(std::getenv("PUFFGUARD_CPU"));
+// NOLINTNEXTLINE(concurrency-mt-unsafe): read while the module loads, and never set
+const Level ChosenLevel = ChooseLevel(std::getenv("PUFFGUARD_CPU"));
 
 } // namespace
 
@@ -65,26 +66,26 @@ Level ChooseLevel(const char* name) noexcept
 
 Level GetLevel() noexcept
 {
-    return level;
+    return ChosenLevel;
 }
 
 const KernelSet& GetKernels(Level wanted) noexcept
 {
 #if defined(PUFFGUARD_X86_LEVELS)
     if (wanted == Level::V4) {
-        return V4::kernelSet;
+        return V4::All;
     }
     if (wanted == Level::V3) {
-        return V3::kernelSet;
+        return V3::All;
     }
 #endif
     (void)wanted;
-    return Baseline::kernelSet;
+    return Baseline::All;
 }
 
 const KernelSet& GetKernels() noexcept
 {
-    return GetKernels(level);
+    return GetKernels(ChosenLevel);
 }
 
 } // namespace DSP::Kernels

@@ -21,7 +21,7 @@ enum class Level {
 inline constexpr std::array AllLevels{Level::Baseline, Level::V3, Level::V4};
 
 /// Whether this build has the level and this processor can run it. [any]
-bool IsSupported(Level level) noexcept;
+bool IsSupported(Level wanted) noexcept;
 
 /// The level that runs: the highest supported one, but none above what the environment variable
 /// PUFFGUARD_CPU names (baseline, v3 or v4; anything else is no limit). It is read while the

@@ -5,12 +5,12 @@
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
 // Complete before any code of the module runs.
-constinit const KernelSet kernelSet = {
-    .cascade = cascade,
-    .correlation = correlation,
-    .fft = fft,
-    .lagSearch = lagSearch,
-    .overlap = overlap,
+constinit const KernelSet All = {
+    .cascade = Cascades,
+    .correlation = Correlations,
+    .fft = Ffts,
+    .lagSearch = LagSearches,
+    .overlap = Overlaps,
 };
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -14,12 +14,12 @@
 
 namespace DSP::Kernels::PUFFGUARD_LEVEL {
 
-extern const CascadeKernels cascade;
-extern const CorrelationKernels correlation;
-extern const FftKernels fft;
-extern const LagSearchKernels lagSearch;
-extern const OverlapKernels overlap;
+extern const CascadeKernels Cascades;
+extern const CorrelationKernels Correlations;
+extern const FftKernels Ffts;
+extern const LagSearchKernels LagSearches;
+extern const OverlapKernels Overlaps;
 
-extern const KernelSet kernelSet;
+extern const KernelSet All;
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

@@ -25,7 +25,7 @@ void MultiplyAdd(const float* a, const float* b, float* target, std::size_t coun
 
 } // namespace
 
-constinit const OverlapKernels overlap = {
+constinit const OverlapKernels Overlaps = {
     .multiply = Multiply,
     .multiplyAdd = MultiplyAdd,
 };

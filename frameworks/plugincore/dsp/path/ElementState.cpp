@@ -110,7 +110,7 @@ struct EntryReader {
 
 ElementParamData ReadElement(const String& key, const Util::Dictionary& saved)
 {
-    const String* name = saved.Find<String>(NameKey);
+    const auto* name = saved.Find<String>(NameKey);
     ElementParamData data(name != nullptr ? *name : key);
     for (const auto& [entryKey, entry] : saved) {
         std::visit(EntryReader{entryKey, data}, entry.value);

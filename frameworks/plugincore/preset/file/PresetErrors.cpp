@@ -11,7 +11,7 @@ String GetReason(const Util::ErrorVariant& error)
 
 String GetFullText(const Util::ErrorVariant& error)
 {
-    const String text = error.GetDescription();
+    String text = error.GetDescription();
     const String reason = GetReason(error);
     if (reason.IsEmpty()) {
         return text;

@@ -112,7 +112,7 @@ Util::Expected<bool> PresetFileBase::Write(const String& newPath,
     Snapshot values = newSnapshot;
     Util::XmlDocument document;
     WriteDocument(document, values);
-    const auto stored = Store(newPath, document.GetText(), existing);
+    auto stored = Store(newPath, document.GetText(), existing);
     if (!stored || !*stored) {
         metadata = std::move(formerMetadata);
         return stored;

@@ -29,7 +29,7 @@ bool IsUsable(const String& folder)
 
 } // namespace
 
-PresetFolder::PresetFolder(Util::ConfigFile& newSettings, String newDefaultFolder)
+PresetFolder::PresetFolder(Util::ConfigFile& newSettings, const String& newDefaultFolder)
     : settings(newSettings)
     , defaultFolder(WithSeparator(newDefaultFolder))
 {

@@ -10,7 +10,7 @@ namespace Preset {
 class PresetFolder {
 public:
     /// The settings outlive the object.
-    PresetFolder(Util::ConfigFile& newSettings, String newDefaultFolder);
+    PresetFolder(Util::ConfigFile& newSettings, const String& newDefaultFolder);
 
     /// The one folder that is listed and written; ends in a separator. A chosen one that is missing
     /// is made: whether that works is known no other way, and what is listed would else be another

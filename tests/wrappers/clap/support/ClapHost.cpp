@@ -82,7 +82,7 @@ bool Host::IsMain() const
 void Host::Check(bool isAllowed, const char* rule)
 {
     if (!isAllowed || phase == Phase::Creating) {
-        const std::lock_guard guard(mutex);
+        const std::scoped_lock guard(mutex);
         faults.emplace_back(rule);
     }
 }
@@ -129,7 +129,7 @@ const void* Host::Find(const char* id)
         [](const clap_host_t*) { return isAudioThread; }};
     static constexpr Clap::Abi::HostLog Log = {
         [](const clap_host_t* self, int32_t, const char* text) {
-            const std::lock_guard guard(Of(self).mutex);
+            const std::scoped_lock guard(Of(self).mutex);
             Of(self).logged.emplace_back(text);
         }};
     const struct {

@@ -119,8 +119,8 @@ clap_process_status Plugin::Send(const float* const* inputs,
                                  const OutputEvents* out,
                                  const clap_event_transport_t* blockTransport)
 {
-    static const InputEvents noInput;
-    static const OutputEvents noOutput;
+    static const InputEvents NoInput;
+    static const OutputEvents NoOutput;
     clap_audio_buffer_t input{};
     clap_audio_buffer_t output{};
     input.data32 = const_cast<float**>(inputs);
@@ -135,8 +135,8 @@ clap_process_status Plugin::Send(const float* const* inputs,
     process.audio_outputs = outputs != nullptr ? &output : nullptr;
     process.audio_inputs_count = inputs != nullptr ? 1 : 0;
     process.audio_outputs_count = outputs != nullptr ? 1 : 0;
-    process.in_events = (in != nullptr ? in : &noInput)->Get();
-    process.out_events = (out != nullptr ? out : &noOutput)->Get();
+    process.in_events = (in != nullptr ? in : &NoInput)->Get();
+    process.out_events = (out != nullptr ? out : &NoOutput)->Get();
     const AudioScope scope;
     const Contract::AudioCall call;
     return plugin->process(plugin, &process);

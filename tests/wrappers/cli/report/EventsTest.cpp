@@ -8,7 +8,6 @@
 
 namespace {
 
-using Cli::BandAverage;
 using Cli::Event;
 using Cli::MakeEvent;
 using Wrapper::Detection;

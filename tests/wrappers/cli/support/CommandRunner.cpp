@@ -52,7 +52,7 @@ struct Pipe {
 
 // The command finds nothing of the real user's. From the start of the program on, so that folders
 // that a test makes for itself come later and count.
-const Support::UserFolders folders;
+const Support::UserFolders EmptyFolders;
 
 /// Makes the process the command.
 [[noreturn]] void

@@ -21,7 +21,7 @@ constexpr struct {
     float minimum; // at the normalised value 0
     float maximum;
     float initial;
-} ranges[] = {{0, 10, 5}, {0, 10, 5}, {50, 500, 200}, {1, 0, 1}};
+} Ranges[] = {{0, 10, 5}, {0, 10, 5}, {50, 500, 200}, {1, 0, 1}};
 
 int Log(LV2_Log_Handle handle, LV2_URID, const char* format, va_list arguments)
 {
@@ -31,6 +31,7 @@ int Log(LV2_Log_Handle handle, LV2_URID, const char* format, va_list arguments)
     return length;
 }
 
+// NOLINTNEXTLINE(modernize-avoid-variadic-functions): the format's type
 __attribute__((format(printf, 3, 4))) int
 LogPlain(LV2_Log_Handle handle, LV2_URID type, const char* format, ...)
 {
@@ -73,7 +74,6 @@ Features::Features()
     , log{&logged, LogPlain, Log}
     , mapFeature{LV2_URID__map, &map}
     , logFeature{LV2_LOG__log, &log}
-    , all{&logFeature, &mapFeature, nullptr}
 {
 }
 
@@ -104,7 +104,7 @@ Plugin::Plugin(uint32_t newChannels, double newRate, Manner manner)
         Connect(port, &controls[port]);
     }
     for (uint32_t port = 0; port < wanted.size(); ++port) {
-        wanted[port] = ranges[port].initial;
+        wanted[port] = Ranges[port].initial;
     }
 }
 
@@ -153,7 +153,7 @@ void Plugin::Reset()
 
 void Plugin::SetParameter(uint32_t index, float normalised)
 {
-    const auto& range = ranges[index];
+    const auto& range = Ranges[index];
     wanted[index] = range.minimum + normalised * (range.maximum - range.minimum);
 }
 
@@ -251,7 +251,7 @@ bool Plugin::Load(std::span<const uint8_t> bytes)
 std::vector<uint8_t> Plugin::MakeSession(std::span<const uint8_t> chunk)
 {
     std::vector<uint8_t> bytes(chunk.begin(), chunk.end());
-    for (const auto& range : ranges) {
+    for (const auto& range : Ranges) {
         Append(bytes, range.initial);
     }
     return bytes;

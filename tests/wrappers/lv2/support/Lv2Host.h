@@ -45,7 +45,7 @@ private:
     LV2_Log_Log log;
     LV2_Feature mapFeature;
     LV2_Feature logFeature;
-    const LV2_Feature* all[3];
+    const LV2_Feature* all[3] = {&logFeature, &mapFeature, nullptr};
 };
 
 /// One plug-in from instantiate() to cleanup(). Values are ports, which are the host's own memory:
@@ -94,7 +94,7 @@ private:
     const uint32_t channels;
     const double rate;
     const LV2_Descriptor* const descriptor;
-    const LV2_Handle handle;
+    LV2_Handle handle;
     std::array<float, FirstAudio> controls{}; // what the ports are connected to
     std::array<std::atomic<float>, Latency> wanted{};
     std::atomic<uint32_t> latency{0};

@@ -35,8 +35,8 @@ Held<IFactory> GetFactory(const Binary& binary)
 
 Held<IFactory> GetFactory()
 {
-    static const Binary binary;
-    return GetFactory(binary);
+    static const Binary Bundle;
+    return GetFactory(Bundle);
 }
 
 Held<IComponent> Create(IFactory& factory)

@@ -56,7 +56,9 @@ ARROWS = {
     REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
     PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
-    COMMAND + "text": {"wrappers/common", UTIL}, # UTIL for what needs no linking
+    # UTIL for EditDistance.h: plain arithmetic on texts, whole in its header, so that nothing of the
+    # module is linked.
+    COMMAND + "text": {"wrappers/common", UTIL},
     COMMAND + "files": {"wrappers/common"},
     COMMAND + "audio": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
     COMMAND + "effect": {COMMAND + "files", COMMAND + "text", "wrappers/common"},

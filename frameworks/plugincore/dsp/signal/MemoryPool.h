@@ -32,12 +32,12 @@ public:
     void SetMark(std::size_t mark);
 
 private:
-    bool Holds(const void* block) const noexcept;
-    void ForgetOverrun() noexcept;
+    bool Holds(const void* block) const noexcept UTIL_REQUIRES(lock);
+    void ForgetOverrun() noexcept UTIL_REQUIRES(lock);
 
     Util::CriticalSection lock;
-    std::vector<std::max_align_t> memory;
-    std::size_t size = 0; // bytes
+    std::vector<std::max_align_t> memory UTIL_GUARDED_BY(lock);
+    std::size_t size UTIL_GUARDED_BY(lock) = 0; // bytes
     // Bytes. Written under the lock. A mark is read without: it is of use only to who takes from
     // the pool alone between the two calls, and that one sees its own writes.
     std::atomic<std::size_t> used{0};

@@ -19,7 +19,7 @@ from stamps import Stamps
 
 PROGRAM = "clang-tidy-22"
 C_HEADERS = "frameworks/plugincore/entry/"
-# A source that uses these goes without the static analyzer, which takes up to a minute to follow their
+# A source that uses these goes without the static analyzer, which takes half a minute for their
 # templates and holds that their counted pointers are used after their release.
 UNANALYSED = re.compile(r"^#include <(boost/signals2|CLI)/", re.MULTILINE)
 

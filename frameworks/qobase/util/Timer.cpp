@@ -117,8 +117,8 @@ public:
 
 std::shared_ptr<PeriodicTimer::SharedThread> PeriodicTimer::SharedThread::Get()
 {
-    static const EndOfModule module;
-    return module.thread;
+    static const EndOfModule Module;
+    return Module.thread;
 }
 
 void PeriodicTimer::SharedThread::LetGo()

@@ -21,7 +21,7 @@ public:
     void Add()
     {
         {
-            const std::lock_guard lock(mutex);
+            const std::scoped_lock lock(mutex);
             ++count;
         }
         changed.notify_all();
@@ -33,7 +33,7 @@ public:
     }
     int Get()
     {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         return count;
     }
 
@@ -130,7 +130,7 @@ TEST(PeriodicTimer, MayEndWithinItsOwnCallbackAndANewOneStartsThereOrElsewhere)
         std::unique_lock hold(ready);
         timer = std::make_unique<Util::PeriodicTimer>(Period, [&, startsThere = round % 4 == 0] {
             {
-                const std::lock_guard wait(ready);
+                const std::scoped_lock wait(ready);
             }
             auto& made = successor;
             auto& counter = done;

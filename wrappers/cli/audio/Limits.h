@@ -5,8 +5,8 @@
 
 namespace Cli {
 
-/// Rates of recordings, in Hz: those that the repair is made for. The module serves more, since a host
-/// has no other way than to play at its own rate.
+/// Rates of recordings, in Hz: those that the repair is made for. The module serves more, since a
+/// host has no other way than to play at its own rate.
 inline constexpr int LeastSampleRate = 8000;
 inline constexpr int GreatestSampleRate = 192000;
 inline constexpr int GreatestChannelCount = static_cast<int>(Wrapper::BlockBuffers::MaxChannels);

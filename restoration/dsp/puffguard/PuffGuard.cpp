@@ -16,7 +16,8 @@ constexpr ValueRange<float> FrequencyLimits = {50, 2000}; // Hz
 
 float CheckRate(float sampleRate)
 {
-    if (!(sampleRate > 0 && sampleRate <= LargestRate)) {
+    const bool isServed = sampleRate > 0 && sampleRate <= LargestRate;
+    if (!isServed) {
         throw std::invalid_argument("Sample rate out of range");
     }
     return sampleRate;

@@ -4,11 +4,11 @@
 #include "frameworks/plugincore/instance/Plugin.h"
 #include "frameworks/plugincore/preset/file/LmPresetFile.h"
 #include "frameworks/plugincore/preset/file/PresetMetadata.h"
+#include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/Path.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -102,7 +102,7 @@ int main(int argc, char** argv)
     const PluginFactory& factory = LMPuffguard::GetPluginFactory();
     PluginSetup setup;
     setup.sampleRate = 48000.0F;
-    std::strcpy(&setup.identity.options[0], "Offline");
+    CopyText(setup.identity.options, "Offline");
     Plugin plugin(factory, setup);
     for (const FactoryPreset& preset : FactoryPresets) {
         const auto written =

@@ -88,7 +88,7 @@ void InputFilters::RunPrecisely(std::span<const float> samples,
                                 float* outputs) noexcept UTIL_NONBLOCKING
 {
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        double x = static_cast<double>(samples[i]);
+        auto x = static_cast<double>(samples[i]);
         for (Biquad<double>& section : preciseDc) {
             x = section.Process(x);
         }

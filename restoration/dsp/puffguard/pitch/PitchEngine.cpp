@@ -36,7 +36,8 @@ void PitchEngine::SetDynamicProgramming(bool enabled) noexcept UTIL_NONBLOCKING
 
 void PitchEngine::Process(std::span<const float> mono) noexcept UTIL_NONBLOCKING
 {
-    std::array<float, Prefilter::MostSamples> decimated; // written before it is read
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
+    std::array<float, Prefilter::MostSamples> decimated;
     while (!mono.empty()) {
         const auto piece = mono.first(std::min(mono.size(), decimated.size()));
         const std::size_t count = prefilter.Process(piece, decimated.data());

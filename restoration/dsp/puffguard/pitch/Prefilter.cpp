@@ -59,7 +59,8 @@ void Prefilter::SetClippingThreshold(float fraction) noexcept UTIL_NONBLOCKING
 std::size_t Prefilter::Process(std::span<const float> samples, float* target) noexcept
     UTIL_NONBLOCKING
 {
-    std::array<float, MostSamples> filtered; // written before it is read
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
+    std::array<float, MostSamples> filtered;
     assert(samples.size() <= filtered.size());
     input.Process(samples, filtered.data());
     Stages s = stages; // the copy stays in registers

@@ -16,6 +16,7 @@ public:
     explicit Descriptor(std::shared_ptr<const Wrapper::Module> newModule);
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() = default;
 
     const clap_plugin_descriptor_t& Get() const { return descriptor; }
     const std::shared_ptr<const Wrapper::Module>& GetModule() const { return module; }

@@ -37,7 +37,10 @@ public:
     void End()
     {
         const std::scoped_lock guard(mutex);
-        if (users > 0 && --users == 0) {
+        if (users > 0) {
+            --users;
+        }
+        if (users == 0) {
             descriptor.reset();
         }
     }

@@ -234,7 +234,7 @@ const void* FindExtension(const char* id) noexcept
     if (id == nullptr) {
         return nullptr;
     }
-    const auto found = std::find_if(
+    const auto* found = std::find_if(
         Extensions.begin(), Extensions.end(), [id](const Extension& one) { return one.id == id; });
     return found != Extensions.end() ? found->table : nullptr;
 }

@@ -11,8 +11,8 @@
 
 namespace Vst3 {
 
-const v3_audio_processor_cpp AudioProcessor::functions = {
-    unknownTable,
+const v3_audio_processor_cpp AudioProcessor::Functions = {
+    UnknownTable,
     {Slot<&AudioProcessor::SetBusArrangements>,
      Slot<&AudioProcessor::GetBusArrangement>,
      Slot<&AudioProcessor::CanProcessSampleSize>,
@@ -24,7 +24,7 @@ const v3_audio_processor_cpp AudioProcessor::functions = {
 };
 
 AudioProcessor::AudioProcessor(Object& newOwner, Effect& newEffect)
-    : Interface{&functions, &newOwner}
+    : Interface{&Functions, &newOwner}
     , effect(newEffect)
 {
 }
@@ -168,11 +168,11 @@ uint32_t AudioProcessor::GetTailSamples() noexcept
     return effect.GetLatency();
 }
 
-const v3_process_context_requirements_cpp ContextRequirements::functions = {
-    unknownTable, {Slot<&ContextRequirements::Get>}};
+const v3_process_context_requirements_cpp ContextRequirements::Functions = {
+    UnknownTable, {Slot<&ContextRequirements::Get>}};
 
 ContextRequirements::ContextRequirements(Object& newOwner)
-    : Interface{&functions, &newOwner}
+    : Interface{&Functions, &newOwner}
 {
 }
 

@@ -36,7 +36,7 @@ private:
     void HearUntil(uint32_t frame) noexcept;
     void ReportParameters(v3_param_changes** changes) noexcept;
 
-    static const v3_audio_processor_cpp functions;
+    static const v3_audio_processor_cpp Functions;
 
     Effect& effect;
     ParameterQueues queues;
@@ -50,7 +50,7 @@ public:
 private:
     uint32_t Get() noexcept;
 
-    static const v3_process_context_requirements_cpp functions;
+    static const v3_process_context_requirements_cpp Functions;
 };
 
 } // namespace Vst3

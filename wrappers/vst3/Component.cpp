@@ -15,8 +15,8 @@ bool IsBus(int32_t media, int32_t direction, int32_t index)
 
 } // namespace
 
-const v3_component_cpp Component::functions = {
-    unknownTable,
+const v3_component_cpp Component::Functions = {
+    UnknownTable,
     {Slot<&Component::Initialize>, Slot<&Component::Terminate>},
     {Slot<&Component::GetControllerClassId>,
      Slot<&Component::SetIoMode>,
@@ -30,7 +30,7 @@ const v3_component_cpp Component::functions = {
 };
 
 Component::Component(Object& newOwner, Effect& newEffect)
-    : Interface{&functions, &newOwner}
+    : Interface{&Functions, &newOwner}
     , effect(newEffect)
 {
 }

@@ -28,7 +28,7 @@ private:
     v3_result SetState(v3_bstream** stream);
     v3_result GetState(v3_bstream** stream);
 
-    static const v3_component_cpp functions;
+    static const v3_component_cpp Functions;
 
     Effect& effect;
 };

@@ -42,8 +42,8 @@ std::string TextWithoutUnit(const Parameter& parameter, float normalised)
 
 } // namespace
 
-const v3_edit_controller_cpp EditController::functions = {
-    unknownTable,
+const v3_edit_controller_cpp EditController::Functions = {
+    UnknownTable,
     {Slot<&EditController::Initialize>, Slot<&EditController::Terminate>},
     {Slot<&EditController::SetComponentState>,
      Slot<&EditController::SetState>,
@@ -61,7 +61,7 @@ const v3_edit_controller_cpp EditController::functions = {
 };
 
 EditController::EditController(Object& newOwner, Effect& newEffect)
-    : Interface{&functions, &newOwner}
+    : Interface{&Functions, &newOwner}
     , effect(newEffect)
 {
 }

@@ -32,7 +32,7 @@ private:
     v3_result SetComponentHandler(v3_component_handler** handler);
     v3_plugin_view** CreateView(const char* name) noexcept;
 
-    static const v3_edit_controller_cpp functions;
+    static const v3_edit_controller_cpp Functions;
 
     Effect& effect;
 };

@@ -34,8 +34,8 @@ void FillClass(Info& info)
 
 } // namespace
 
-const v3_plugin_factory_cpp Factory::functions = {
-    unknownTable,
+const v3_plugin_factory_cpp Factory::Functions = {
+    UnknownTable,
     {Slot<&Factory::GetFactoryInfo>,
      Slot<&Factory::CountClasses>,
      Slot<&Factory::GetClassInfo>,
@@ -45,7 +45,7 @@ const v3_plugin_factory_cpp Factory::functions = {
 };
 
 Factory::Factory()
-    : Interface{&functions, this}
+    : Interface{&Functions, this}
     , module(Wrapper::Module::Load(WriteLog))
 {
 }

@@ -11,9 +11,9 @@ constexpr uint64_t TickMilliseconds = 100;
 
 } // namespace
 
-void HostLink::Releaser::operator()(RunLoopTimer* timer) const
+void HostLink::Releaser::operator()(RunLoopTimer* made) const
 {
-    timer->Release();
+    made->Release();
 }
 
 HostLink::HostLink(std::function<void()> onTick)

@@ -50,7 +50,7 @@ private:
     void StartTimer(HostReference<v3_run_loop> loop);
 
     struct Releaser {
-        void operator()(RunLoopTimer* timer) const;
+        void operator()(RunLoopTimer* made) const;
     };
 
     std::atomic<std::thread::id> uiThread;

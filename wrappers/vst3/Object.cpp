@@ -27,7 +27,7 @@ uint32_t Release(void* self) noexcept
 
 } // namespace
 
-const v3_funknown unknownTable = {QueryInterface, AddReference, Release};
+const v3_funknown UnknownTable = {QueryInterface, AddReference, Release};
 
 v3_result Object::QueryInterface(const uint8_t* iid, void** result) noexcept
 {

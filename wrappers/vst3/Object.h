@@ -54,7 +54,7 @@ private:
 };
 
 /// The first three places of every table.
-extern const v3_funknown unknownTable;
+extern const v3_funknown UnknownTable;
 
 /// The C function for a place of a table: calls a method of the class that derives from the
 /// interface. Nothing is thrown into a host; what can be is a lack of memory.

@@ -16,10 +16,10 @@ v3_timer_handler** HandlerOf(Interface* interface)
 
 } // namespace
 
-const v3_timer_handler_cpp RunLoopTimer::functions = {unknownTable, {Slot<&RunLoopTimer::OnTimer>}};
+const v3_timer_handler_cpp RunLoopTimer::Functions = {UnknownTable, {Slot<&RunLoopTimer::OnTimer>}};
 
 RunLoopTimer::RunLoopTimer(std::function<void()> newOnTick)
-    : Interface{&functions, this}
+    : Interface{&Functions, this}
     , onTick(std::move(newOnTick))
 {
 }

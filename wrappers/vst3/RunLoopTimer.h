@@ -27,7 +27,7 @@ private:
     Interface* Find(const uint8_t* iid) noexcept override;
     void OnTimer() noexcept;
 
-    static const v3_timer_handler_cpp functions;
+    static const v3_timer_handler_cpp Functions;
 
     std::function<void()> onTick;
     HostReference<v3_run_loop> loop;

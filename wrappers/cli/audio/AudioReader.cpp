@@ -37,9 +37,9 @@ bool IsPlaceholderSize(int64_t size)
 // whole file.
 bool LogTellsTruncation(const std::string& log)
 {
-    static const std::regex sizes(
+    static const std::regex Sizes(
         R"((data|SSND|Data Size|riff|Riff size)\s*: (\d+) \(should be (\d+)\))");
-    for (std::sregex_iterator match(log.begin(), log.end(), sizes), end; match != end; ++match) {
+    for (std::sregex_iterator match(log.begin(), log.end(), Sizes), end; match != end; ++match) {
         const int64_t claimed = std::stoll((*match)[2]);
         const int64_t present = std::stoll((*match)[3]);
         if (claimed > present && !IsPlaceholderSize(claimed)) {

@@ -22,3 +22,18 @@ TEST_F(SessionBytesTest, AStateAloneLeavesTheBypassAlone)
     }
     EXPECT_TRUE(Wrapper::EncodeSession(true, {}).empty());
 }
+
+TEST_F(SessionBytesTest, AHeadThatIsDamagedChangesNothing)
+{
+    const auto instance = Create(PUFFGUARD_MODULE);
+    ASSERT_NE(instance, nullptr);
+    const std::vector<uint8_t> state = instance->SaveState();
+    const std::vector<uint8_t> session = Wrapper::EncodeSession(false, state);
+    instance->SetParameter(Side::UI, 0, 0.75F);
+    for (size_t at = 0; at < session.size() - state.size(); ++at) {
+        std::vector<uint8_t> damaged = session;
+        damaged[at] ^= 0x80U; // of the magic word, the version or the bypass
+        EXPECT_FALSE(Wrapper::LoadSession(*instance, damaged)) << at;
+    }
+    EXPECT_FLOAT_EQ(instance->GetParameter(Side::UI, 0), 0.75F);
+}

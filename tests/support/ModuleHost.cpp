@@ -174,7 +174,7 @@ PresetRecord Instance::RunPreset(int32_t op,
     record.name = name.c_str();
     record.comment = comment;
     record.index = listIndex;
-    record.mayReplace = mayReplace;
+    record.mayReplace = static_cast<uint8_t>(mayReplace);
     HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
     const uint32_t code = Call(SelectorHostMessage, UI, instance, &message);
     record.failed = code == PluginCoreSuccess ? record.failed : 9;

@@ -5,9 +5,13 @@
 
 using Wrapper::Detection;
 
+namespace {
+
 struct DetectionsTest : ModuleTest {
     const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
 };
+
+} // namespace
 
 TEST_F(DetectionsTest, AllRepairsComeInOrderOnceAndLostOnesAreCounted)
 {

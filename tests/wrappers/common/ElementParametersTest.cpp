@@ -5,9 +5,13 @@
 
 using Wrapper::ElementParameters;
 
+namespace {
+
 struct ElementParametersTest : ModuleTest {
     const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
 };
+
+} // namespace
 
 TEST_F(ElementParametersTest, NamesAreFoundInWhateverCaseAndFieldsEndWithTheirField)
 {

@@ -5,9 +5,13 @@
 
 #include <algorithm>
 
+namespace {
+
 struct InstanceTest : ModuleTest {
     const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
 };
+
+} // namespace
 
 TEST_F(InstanceTest, AStateThatGrowsWhileItIsSavedIsSavedWhole)
 {

@@ -7,9 +7,13 @@
 using Wrapper::PresetGroup;
 using Wrapper::Presets;
 
+namespace {
+
 struct PresetsTest : ModuleTest {
     const std::unique_ptr<Wrapper::Instance> instance = Create(FAKE_MODULE);
 };
+
+} // namespace
 
 TEST_F(PresetsTest, FaultsStandWithThePresetOrInTheLog)
 {

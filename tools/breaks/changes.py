@@ -94,7 +94,7 @@ CHANGES = [
            "rows that end in CR LF name no parameter", DSP),
     Change("frameworks/plugincore/dsp/path/TransformBase.cpp",
            "wasBypassed = false; «Reset();»", ";",
-           "old sound comes out when a bypass ends", INSTANCE + ["contract_test"]),
+           "old sound comes out when a bypass ends", INSTANCE + ["formats_test"]),
     # frameworks/plugincore/preset
     Change("frameworks/plugincore/preset/file/PresetFileReader.cpp",
            "if («!values.enabled»)", "false",
@@ -182,7 +182,7 @@ CHANGES = [
     Change("wrappers/common/BlockBuffers.cpp",
            "if (other != i && (Overlap(block.outputs[i], block.inputs[other], block.frames) ||"
            " «Overlap(block.outputs[i], block.outputs[other], block.frames)»))", "false",
-           "two outputs in one memory are processed in place", COMMON),
+           "two outputs in one memory are processed in place", COMMON + ["formats_test"]),
     Change("wrappers/common/LastWords.cpp",
            "«words[index].compare_exchange_strong(word, former[index]);»",
            "words[index] = former[index];",

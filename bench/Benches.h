@@ -25,6 +25,9 @@ void PrintInstructions(TargetTable& table);
 /// The command against a filter of another program, and on two threads against one.
 void PrintCommandRatios(TargetTable& table);
 
+/// The command's automatic repair: speed, memory, and two threads against one.
+void PrintAutoFigures(TargetTable& table);
+
 /// Saving and loading an instance's state.
 void PrintStateTimes();
 

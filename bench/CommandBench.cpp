@@ -3,14 +3,11 @@
 #include "bench/Measure.h"
 #include "bench/Program.h"
 #include "bench/Signal.h"
+#include "bench/WaveFile.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -21,41 +18,6 @@ namespace {
 constexpr uint32_t SampleRate = 44100;
 constexpr int PieceSeconds = 30;
 constexpr int Rounds = 5;
-
-void Append(std::string& bytes, uint32_t value, std::size_t size)
-{
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes += static_cast<char>(value >> (8 * i) & 0xFFU);
-    }
-}
-
-/// A WAV file of 16 bits, mono: `speech` so many times.
-void WriteWave(const std::string& path, const std::vector<float>& speech, int times)
-{
-    std::string data;
-    for (const float sample : speech) {
-        const int value = static_cast<int>(std::clamp(sample, -1.0F, 1.0F) * 32767.0F);
-        Append(data, static_cast<uint32_t>(value), 2);
-    }
-    const auto size = static_cast<uint32_t>(data.size()) * static_cast<uint32_t>(times);
-    std::string header = "RIFF";
-    Append(header, size + 36, 4);
-    header += "WAVEfmt ";
-    Append(header, 16, 4);             // size of this part
-    Append(header, 1, 2);              // integers
-    Append(header, 1, 2);              // channel
-    Append(header, SampleRate, 4);     // frames a second
-    Append(header, 2 * SampleRate, 4); // bytes a second
-    Append(header, 2, 2);              // bytes a frame
-    Append(header, 16, 2);             // bits
-    header += "data";
-    Append(header, size, 4);
-    std::ofstream file(path, std::ios::binary);
-    file << header;
-    for (int i = 0; i < times; ++i) {
-        file << data;
-    }
-}
 
 /// Median of `first` to `second` over runs of both by turns; 0 when a run fails.
 template <typename Measure>
@@ -88,10 +50,10 @@ void Report(TargetTable& table, const Target& target, double ratio)
 
 void CompareWithFilter(TargetTable& table,
                        const Support::TemporaryFolder& folder,
-                       const std::vector<float>& speech)
+                       const std::vector<std::vector<float>>& speech)
 {
     const std::string recording = folder / "long.wav";
-    WriteWave(recording, speech, 600 / PieceSeconds);
+    WriteWave(recording, speech, SampleRate, 600 / PieceSeconds);
     // Both on one thread, and by what they compute: other programs don't count.
     const double ratio = CompareRuns(
         {PUFFGUARD_COMMAND, "-q", "-f", "-j1", recording, "-o", folder / "repaired.wav"},
@@ -116,13 +78,13 @@ void CompareWithFilter(TargetTable& table,
 
 void CompareJobs(TargetTable& table,
                  const Support::TemporaryFolder& folder,
-                 const std::vector<float>& speech)
+                 const std::vector<std::vector<float>>& speech)
 {
     constexpr int Files = 20;
     std::vector<std::string> one = {PUFFGUARD_COMMAND, "-q", "-f", "-O", folder / "results"};
     for (int i = 0; i < Files; ++i) {
         one.push_back(folder / (std::to_string(i) + ".wav"));
-        WriteWave(one.back(), speech, 2);
+        WriteWave(one.back(), speech, SampleRate, 2);
     }
     std::vector<std::string> two = one;
     one.emplace_back("--jobs=1");
@@ -136,7 +98,7 @@ void CompareJobs(TargetTable& table,
 void PrintCommandRatios(TargetTable& table)
 {
     const Support::TemporaryFolder folder;
-    const std::vector<float> speech = MakeSpeech(1, SampleRate, PieceSeconds)[0];
+    const auto speech = MakeSpeech(1, SampleRate, PieceSeconds);
     CompareWithFilter(table, folder, speech);
     CompareJobs(table, folder, speech);
 }

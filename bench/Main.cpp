@@ -17,6 +17,7 @@ int main()
     Bench::PrintLongestCalls(table);
     Bench::PrintInstructions(table);
     Bench::PrintCommandRatios(table);
+    Bench::PrintAutoFigures(table);
     Bench::PrintStateTimes();
     Bench::PrintPresetListing();
     Bench::PrintKernelRatios();

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: ISC
 """Makes tools/sample/plosives.flac again: synthetic speech with bursts of air at its "p" and "b".
+Beside it, voice.flac is the same voice without them, at its own rate, for tests that add their own.
 
     apt-get install libespeak-ng1 flac && tools/make-sample.py
 
@@ -21,7 +22,7 @@ from pathlib import Path
 
 TEXT = ("Peter packed the picnic basket. Please pass the paper plates, "
         "and bring a big bottle of apple punch.")
-TARGET = Path(__file__).resolve().parent / "sample" / "plosives.flac"
+FOLDER = Path(__file__).resolve().parent / "sample"
 SAMPLE_RATE = 44100
 SPEECH_PEAK = 0.45
 NOISE_RMS = 10 ** (-74 / 20)
@@ -100,9 +101,15 @@ def burst(level, generator):
     return [value * level / peak for value in shape]
 
 
-def make():
+def make_voice(speech):
+    """The voice alone."""
     generator = random.Random(7)
-    speech, rate, phonemes = speak(TEXT)
+    scale = SPEECH_PEAK / max(abs(value) for value in speech)
+    return [value * scale + generator.gauss(0, NOISE_RMS) for value in speech]
+
+
+def make(speech, rate, phonemes):
+    generator = random.Random(7)
     while rate * 2 <= SAMPLE_RATE:
         speech, rate = double_rate(speech), rate * 2
     if rate != SAMPLE_RATE:
@@ -124,16 +131,23 @@ def make():
     return [value * min(1.0, 0.98 / peak) for value in audio]
 
 
-def write(audio):
-    TARGET.parent.mkdir(exist_ok=True)
+def write(name, audio, rate):
+    FOLDER.mkdir(exist_ok=True)
+    target = FOLDER / name
     with tempfile.TemporaryDirectory() as folder:
-        plain = Path(folder) / "plosives.wav"
+        plain = Path(folder) / "sample.wav"
         with wave.open(str(plain), "wb") as file:
-            file.setparams((1, 2, SAMPLE_RATE, 0, "NONE", ""))
+            file.setparams((1, 2, rate, 0, "NONE", ""))
             file.writeframes(struct.pack(f"<{len(audio)}h", *(round(v * 32767) for v in audio)))
-        subprocess.run(["flac", "--silent", "--best", "--force", "-o", TARGET, plain], check=True)
-    print(f"{TARGET}: {len(audio) / SAMPLE_RATE:.1f} s, {TARGET.stat().st_size} bytes")
+        subprocess.run(["flac", "--silent", "--best", "--force", "-o", target, plain], check=True)
+    print(f"{target}: {len(audio) / rate:.1f} s, {target.stat().st_size} bytes")
+
+
+def main():
+    speech, rate, phonemes = speak(TEXT)
+    write("voice.flac", make_voice(speech), rate)
+    write("plosives.flac", make(speech, rate, phonemes), SAMPLE_RATE)
 
 
 if __name__ == "__main__":
-    write(make())
+    main()

@@ -17,6 +17,7 @@ NETWORK = "frameworks/qobase/network"
 UI = "frameworks/plugincore/ui/"
 EDITOR, SERVICES = "frameworks/plugincore/editor", "frameworks/plugincore/services"
 FAMILY, REPAIR = "restoration/plugin", "restoration/dsp/puffguard"
+AUTO = "restoration/dsp/autorepair" # of whole recordings: the command's alone
 PRODUCT = "restoration/plugin_LM_Puffguard"
 COMMAND = "wrappers/cli/"
 LEVEL = "PUFFGUARD_LEVEL" # stands in headers of the kernels that know the level they are compiled for
@@ -53,6 +54,7 @@ ARROWS = {
              UI + "archive"},
     DISPATCH: {CORE, DEFINITION, ENTRY, UTIL},
     FAMILY: {PRESET, PATH, ELEMENTS, UTIL},
+    AUTO: {SIGNAL, KERNELS, UTIL},
     REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
     PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
@@ -64,8 +66,10 @@ ARROWS = {
     COMMAND + "effect": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
     COMMAND + "report": {COMMAND + "files", COMMAND + "text", "wrappers/common"},
     COMMAND + "plot": {COMMAND + "files", COMMAND + "report"},
-    COMMAND + "run": {COMMAND + "audio", COMMAND + "effect", COMMAND + "files", COMMAND + "plot",
-                      COMMAND + "report", COMMAND + "text", "wrappers/common"},
+    COMMAND + "autorepair": {COMMAND + "audio", COMMAND + "files", COMMAND + "report", COMMAND + "text",
+                             "wrappers/common", AUTO},
+    COMMAND + "run": {COMMAND + "audio", COMMAND + "autorepair", COMMAND + "effect", COMMAND + "files",
+                      COMMAND + "plot", COMMAND + "report", COMMAND + "text", "wrappers/common", AUTO},
     "wrappers/lv2": {"wrappers/common"},
     "wrappers/clap": {"wrappers/common"},
     "wrappers/vst3": {"wrappers/common"},

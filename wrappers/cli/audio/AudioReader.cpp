@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <regex>
+#include <utility>
 
 namespace Cli {
 
@@ -78,7 +79,16 @@ void CheckLimits(const SF_INFO& info)
 } // namespace
 
 AudioReader::AudioReader(const FileName& name, const std::optional<RawFormat>& raw)
-    : file(OpenForReading(name))
+    : AudioReader(OpenForReading(name), name, raw, Source::AsFound)
+{
+}
+
+AudioReader::AudioReader(FileDescriptor newFile,
+                         const FileName& name,
+                         const std::optional<RawFormat>& raw,
+                         Source newSource)
+    : file(std::move(newFile))
+    , source(newSource)
 {
     struct stat status = {};
     if (::fstat(file.Get(), &status) == 0 && S_ISDIR(status.st_mode)) {
@@ -86,7 +96,8 @@ AudioReader::AudioReader(const FileName& name, const std::optional<RawFormat>& r
     }
     const std::string extension = LowerCase(std::filesystem::path(name.Get()).extension().string());
     const bool isRaw = raw && (name.IsStream() || extension == ".raw");
-    const bool isFile = S_ISREG(status.st_mode) && IsSeekable(file.Get());
+    const bool isFile =
+        source == Source::AsFound && S_ISREG(status.st_mode) && IsSeekable(file.Get());
     if (isFile && status.st_size == 0) {
         throw FileError("the file is empty");
     }
@@ -171,6 +182,11 @@ void AudioReader::OpenWavStream(const std::string& firstBytes)
 
 void AudioReader::SpoolStream(const std::string& firstBytes)
 {
+    if (source == Source::Spooled) {
+        ::lseek(file.Get(), 0, SEEK_SET);
+        OpenFile();
+        return;
+    }
     FileDescriptor spool = OpenAnonymousFile();
     std::string buffer = firstBytes;
     while (!buffer.empty()) {

@@ -21,9 +21,21 @@ namespace Cli {
 /// to, so a stream of those is first put into a nameless temporary file.
 class AudioReader {
 public:
+    /// Where the bytes come from.
+    enum class Source {
+        AsFound, ///< what the system knows of them says whether they are a file or a stream
+        Spooled  ///< a stream that has been put into a file
+    };
+
     /// `raw` is what standard input, other streams and files ending in .raw hold when they carry no
     /// head. Throws FileError.
     AudioReader(const FileName& name, const std::optional<RawFormat>& raw);
+
+    /// The same of an open file from where it stands; `name` is what it's called.
+    AudioReader(FileDescriptor newFile,
+                const FileName& name,
+                const std::optional<RawFormat>& raw,
+                Source newSource);
 
     int GetSampleRate() const { return info.samplerate; } ///< Hz
     int GetChannels() const { return info.channels; }
@@ -49,6 +61,7 @@ private:
     void SpoolStream(const std::string& firstBytes);
 
     FileDescriptor file;
+    Source source;
     std::unique_ptr<DescriptorIo> io;
     SndFileHandle handle;
     SF_INFO info = {};

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -46,6 +47,19 @@ public:
         const double step = 1.0 / steps; // a power of two
         for (double& sample : samples) {
             sample = RoundToStep(sample, steps) * step;
+        }
+    }
+
+    /// The same, but leaves those alone that are the ones `before` and that the format can hold:
+    /// they get no dither either.
+    void ApplyToChanged(std::span<const double> before, std::span<double> samples)
+    {
+        const double step = 1.0 / steps;
+        for (size_t i = 0; i < samples.size(); ++i) {
+            const bool isHeld = RoundToStep(samples[i], steps) * step == samples[i];
+            if (samples[i] != before[i] || !isHeld) {
+                Apply(samples.subspan(i, 1));
+            }
         }
     }
 

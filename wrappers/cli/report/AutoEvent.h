@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/report/Events.h"
+
 #include <optional>
 
 namespace Cli {
@@ -18,5 +20,18 @@ struct AutoEvent {
     double after = 0;   ///< dB, the same when repaired
     double upperFrequency = 0; ///< Hz, nothing is changed above it
 };
+
+/// The same as lists, label tracks and pictures of repairs have it.
+inline Event ToEvent(const AutoEvent& automatic)
+{
+    Event event;
+    event.time = automatic.peak;
+    event.start = automatic.start;
+    event.end = automatic.end;
+    event.reduction = automatic.after - automatic.before;
+    event.removed = automatic.removed;
+    event.isProminent = true;
+    return event;
+}
 
 } // namespace Cli

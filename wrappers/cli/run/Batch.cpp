@@ -157,9 +157,11 @@ bool RunAll(const Options& options,
 {
     ShowParameters(options, session);
     Console console(ConsoleConfig(options, tasks.size()));
-    console.Detail(fmt::format("module {}, version {}",
-                               Printable(module->GetPath().string()),
-                               module->GetProduct().versionText));
+    if (module) {
+        console.Detail(fmt::format("module {}, version {}",
+                                   Printable(module->GetPath().string()),
+                                   module->GetProduct().versionText));
+    }
     TellSaved(console, session);
     std::unique_ptr<EventsDocument> events;
     if (!Succeeds(console, options.events.Get(), [&] { events = OpenEvents(options); })) {
@@ -185,8 +187,8 @@ int RunBatch(const Options& options)
     if (tasks.empty() && !options.inputs.empty()) {
         throw FileError("no recordings in " + Printable(options.inputs.front().Get()));
     }
-    const auto module = LoadModule();
-    const Session session = MakeSession(options, module);
+    const auto module = options.IsForWholeFiles() ? nullptr : LoadModule();
+    const Session session = module ? MakeSession(options, module) : Session();
     return RunAll(options, module, session, tasks) ? AllDone : SomeFailed;
 }
 

@@ -21,20 +21,19 @@ void WriteText(int descriptor, std::string_view text)
     }
 }
 
-// All members but "events", still open behind the last one.
-std::string ObjectHead(const FileReport& report, const Controls& controls)
+nlohmann::ordered_json DescribeRecording(const FileReport& report)
 {
     nlohmann::ordered_json json;
     json["file"] = ToUtf8(report.input.Get());
     json["sampleRate"] = report.sampleRate;
     json["channels"] = report.channels;
     json["frames"] = report.frames;
-    json["latency"] = report.latency;
-    nlohmann::ordered_json& parameters = json["parameters"];
-    for (size_t i = 0; i < ControlTable.size(); ++i) {
-        parameters[ControlTable[i].member] = controls.values[i];
-    }
-    parameters["bypass"] = controls.bypass;
+    return json;
+}
+
+// All members but "events", still open behind the last one.
+std::string ObjectHead(const nlohmann::ordered_json& json)
+{
     std::string text = json.dump(2);
     text.resize(text.rfind('\n'));
     return text;
@@ -57,6 +56,24 @@ std::string EventJson(const Event& event)
     return json.dump();
 }
 
+std::string EventJson(const AutoEvent& event)
+{
+    const auto orNull = [](const std::optional<double>& value) {
+        return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json();
+    };
+    nlohmann::ordered_json json;
+    json["start"] = event.start;
+    json["end"] = event.end;
+    json["peak"] = event.peak;
+    json["score"] = orNull(event.score);
+    json["removed"] = event.removed;
+    json["keep"] = orNull(event.keep);
+    json["before"] = event.before;
+    json["after"] = event.after;
+    json["upperFrequency"] = event.upperFrequency;
+    return json.dump();
+}
+
 EventsDocument::EventsDocument(const FileName& name, Overwrite overwrite, Form newForm)
     : output(name, overwrite)
     , form(newForm)
@@ -70,26 +87,59 @@ void EventsDocument::Collect(std::string_view text)
     collectedLength += static_cast<int64_t>(text.size());
 }
 
+void EventsDocument::AddObject(size_t number,
+                               const std::string& head,
+                               const std::function<void(const EventVisitor&)>& visitEvents)
+{
+    const std::scoped_lock lock(mutex);
+    const int64_t offset = collectedLength;
+    std::string text = head + ",\n  \"events\": [";
+    const char* separator = "\n    ";
+    bool hasEvents = false;
+    visitEvents([&](const std::string& json) {
+        text += separator + json;
+        separator = ",\n    ";
+        hasEvents = true;
+        if (text.size() > Enough) {
+            Collect(text);
+            text.clear();
+        }
+    });
+    Collect(text + (hasEvents ? "\n  ]\n}" : "]\n}"));
+    places[number] = {offset, collectedLength - offset};
+}
+
 void EventsDocument::Add(size_t number,
                          const FileReport& report,
                          const Controls& controls,
                          const EventSpool& spool,
                          const BandAverage& average)
 {
-    const std::scoped_lock lock(mutex);
-    const int64_t offset = collectedLength;
-    std::string text = ObjectHead(report, controls) + ",\n  \"events\": [";
-    const char* separator = "\n    ";
-    spool.ForEach([&](const Wrapper::Detection& detection) {
-        text += separator + EventJson(MakeEvent(detection, average, report.sampleRate));
-        separator = ",\n    ";
-        if (text.size() > Enough) {
-            Collect(text);
-            text.clear();
+    nlohmann::ordered_json json = DescribeRecording(report);
+    json["latency"] = report.latency;
+    nlohmann::ordered_json& parameters = json["parameters"];
+    for (size_t i = 0; i < ControlTable.size(); ++i) {
+        parameters[ControlTable[i].member] = controls.values[i];
+    }
+    parameters["bypass"] = controls.bypass;
+    AddObject(number, ObjectHead(json), [&](const EventVisitor& visit) {
+        spool.ForEach([&](const Wrapper::Detection& detection) {
+            visit(EventJson(MakeEvent(detection, average, report.sampleRate)));
+        });
+    });
+}
+
+void EventsDocument::Add(size_t number, const FileReport& report, std::span<const AutoEvent> events)
+{
+    nlohmann::ordered_json json = DescribeRecording(report);
+    json["speechLevel"] = report.automatic->speechLevel;
+    json["threshold"] = report.automatic->threshold;
+    json["candidates"] = report.automatic->candidates;
+    AddObject(number, ObjectHead(json), [&](const EventVisitor& visit) {
+        for (const AutoEvent& event : events) {
+            visit(EventJson(event));
         }
     });
-    Collect(text + (spool.GetCount() > 0 ? "\n  ]\n}" : "]\n}"));
-    places[number] = {offset, collectedLength - offset};
 }
 
 void EventsDocument::Finish()

@@ -3,12 +3,14 @@
 
 #include "wrappers/cli/effect/Controls.h"
 #include "wrappers/cli/files/OutputFile.h"
-#include "wrappers/cli/report/Events.h"
+#include "wrappers/cli/report/AutoEvent.h"
 #include "wrappers/cli/run/FileReport.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
+#include <span>
 #include <string>
 
 namespace Cli {
@@ -30,6 +32,9 @@ public:
              const EventSpool& spool,
              const BandAverage& average);
 
+    /// The same of what --auto or --repair-labels repaired.
+    void Add(size_t number, const FileReport& report, std::span<const AutoEvent> events);
+
     /// Writes the file, or nothing at all when the one object is missing. Throws FileError.
     void Finish();
 
@@ -39,7 +44,12 @@ private:
         int64_t length = 0;
     };
 
+    using EventVisitor = std::function<void(const std::string& json)>;
+
     void Collect(std::string_view text);
+    void AddObject(size_t number,
+                   const std::string& head,
+                   const std::function<void(const EventVisitor&)>& visitEvents);
 
     OutputFile output;
     Form form;
@@ -51,5 +61,6 @@ private:
 
 /// One event as JSON on one line.
 std::string EventJson(const Event& event);
+std::string EventJson(const AutoEvent& event);
 
 } // namespace Cli

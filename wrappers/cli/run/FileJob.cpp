@@ -3,8 +3,10 @@
 
 #include "wrappers/cli/audio/Alignment.h"
 #include "wrappers/cli/audio/AudioReader.h"
+#include "wrappers/cli/audio/Finite.h"
 #include "wrappers/cli/effect/Effect.h"
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/run/AutoJob.h"
 #include "wrappers/cli/run/JobResults.h"
 #include "wrappers/cli/text/Text.h"
 
@@ -12,8 +14,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <limits>
 
 namespace Cli {
 
@@ -25,17 +25,6 @@ size_t ChunkOf(int block)
     const auto frames = static_cast<size_t>(block);
     const size_t least = DefaultBlock;
     return frames >= least ? frames : least / frames * frames;
-}
-
-// The effect would take them for 0 itself; here they must not enter the difference either.
-uint64_t SilenceNonFinite(std::span<double> samples)
-{
-    const auto isBad = [](double sample) { return !std::isfinite(static_cast<float>(sample)); };
-    const auto count = std::count_if(samples.begin(), samples.end(), isBad);
-    if (count > 0) {
-        std::replace_if(samples.begin(), samples.end(), isBad, 0.0);
-    }
-    return static_cast<uint64_t>(count);
 }
 
 std::string FormatName(int format)
@@ -135,6 +124,7 @@ void FileJob::ReadAll(FileReport& report)
     while (count == chunk.size()) {
         count = reader.Read(chunk) * channels;
         const std::span samples = std::span(chunk).first(count);
+        // The effect would take them for 0 itself; here they must not enter the difference either.
         report.nonFiniteSamples += SilenceNonFinite(samples);
         PushBlocks(samples);
         report.frames += static_cast<int64_t>(count / channels);
@@ -194,7 +184,11 @@ FileReport RunFile(const RunContext& context, const Task& task, size_t number)
         if (!task.failure.empty()) {
             throw FileError(task.failure);
         }
-        FileJob(context, task, number).Run(report);
+        if (context.options.IsForWholeFiles()) {
+            RunAutoFile(context, task, number, report);
+        } else {
+            FileJob(context, task, number).Run(report);
+        }
     } catch (const std::exception& error) {
         report.failure = error.what();
     }

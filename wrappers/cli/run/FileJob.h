@@ -17,7 +17,7 @@ namespace Cli {
 /// What all files of a run share.
 struct RunContext {
     const Options& options;
-    const std::shared_ptr<const Wrapper::Module>& module;
+    const std::shared_ptr<const Wrapper::Module>& module; ///< null when it has no part in it
     const Session& session;
     Console& console;
     EventsDocument* events; ///< null when not wanted

@@ -95,26 +95,53 @@ nlohmann::ordered_json ToJson(const FileReport& report)
                              {"removed", report.events.strongest->removed},
                              {"reduction", report.events.strongest->reduction}};
     }
+    if (report.automatic) {
+        json["automatic"] = {{"candidates", report.automatic->candidates},
+                             {"speechLevel", report.automatic->speechLevel},
+                             {"threshold", report.automatic->threshold}};
+    }
     json["nonFiniteSamples"] = report.nonFiniteSamples;
     json["seconds"] = report.seconds;
     json["timesRealTime"] = report.GetSpeed();
     return json;
 }
 
+std::string FindingsOfEffect(const EventSummary& events)
+{
+    std::string text =
+        Counted(events.prominent, "prominent plosive") + ", " + Counted(events.repairs, "repair");
+    if (events.strongest) {
+        text += fmt::format("; strongest at {} ({:+.1f} dB of the average, taken down {:.1f} dB)",
+                            FormatClock(events.strongest->time),
+                            events.strongest->removed,
+                            -events.strongest->reduction);
+    }
+    return text;
+}
+
+std::string AutomaticFindings(const EventSummary& events, const AutoSummary& summary)
+{
+    std::string text = Counted(events.repairs, "pop");
+    if (summary.isTooShort) {
+        text += " (shorter than a second: nothing to measure pops by)";
+    }
+    if (summary.strongest) {
+        text += fmt::format(
+            "; strongest at {} ({:.1f} dB over the speech's low end, taken down {:.1f} dB)",
+            FormatClock(summary.strongest->peak),
+            summary.strongest->before,
+            summary.strongest->before - summary.strongest->after);
+    }
+    return text;
+}
+
 } // namespace
 
 std::string SummaryLine(const FileReport& report)
 {
-    std::string line = fmt::format("{}: {}, {}",
-                                   Printable(report.input.InputLabel()),
-                                   Counted(report.events.prominent, "prominent plosive"),
-                                   Counted(report.events.repairs, "repair"));
-    if (report.events.strongest) {
-        line += fmt::format("; strongest at {} ({:+.1f} dB of the average, taken down {:.1f} dB)",
-                            FormatClock(report.events.strongest->time),
-                            report.events.strongest->removed,
-                            -report.events.strongest->reduction);
-    }
+    std::string line = Printable(report.input.InputLabel()) + ": ";
+    line += report.automatic ? AutomaticFindings(report.events, *report.automatic)
+                             : FindingsOfEffect(report.events);
     if (!report.preset.empty()) {
         line += "; preset " + Printable(report.preset);
     }

@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/cli/report/Events.h"
+#include "wrappers/cli/report/AutoEvent.h"
 #include "wrappers/cli/run/Session.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Cli {
+
+/// What --auto and --repair-labels know of a recording besides.
+struct AutoSummary {
+    double speechLevel = 0;  ///< dB
+    double threshold = 0;    ///< that AutoEvent::keep is compared with
+    size_t candidates = 0;   ///< bursts that were judged
+    bool isTooShort = false; ///< for finding anything by itself
+    std::optional<AutoEvent> strongest;
+};
 
 /// What came of one recording.
 struct FileReport {
@@ -21,6 +32,7 @@ struct FileReport {
     int64_t frames = 0;
     uint32_t latency = 0; ///< samples
     EventSummary events;
+    std::optional<AutoSummary> automatic; ///< nothing when the effect repaired it
     uint64_t nonFiniteSamples = 0;
     uint64_t lostRepairs = 0;
     double seconds = 0; ///< spent on reading, repairing and writing the audio

@@ -103,7 +103,9 @@ void JobResults::Add(const Alignment::Pair& pair)
         return;
     }
     // Rounded before the difference is taken, so that difference and result add up to the input.
-    if (quantiser) {
+    if (quantiser && options.IsForWholeFiles()) {
+        quantiser->ApplyToChanged(pair.input, pair.output);
+    } else if (quantiser) {
         quantiser->Apply(pair.output);
     }
     if (options.wantsDifference) {

@@ -32,6 +32,9 @@ public:
     /// "; writes WAV/PCM_16", or nothing when no audio is written.
     std::string DescribeAudio() const;
 
+    /// Whether anything comes of the samples at all.
+    bool WantsSamples() const { return recorder || writer; }
+
     /// Takes the next samples before and after the repair, and may change the latter.
     void Add(const Alignment::Pair& pair);
 

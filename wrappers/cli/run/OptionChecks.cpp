@@ -115,6 +115,36 @@ void CheckTask(const Options& options)
            "no input; puffguard --help shows how");
 }
 
+bool HasControls(const Options& options)
+{
+    const auto& values = options.controls.values;
+    return options.controls.bypass ||
+           std::any_of(
+               values.begin(), values.end(), [](const auto& value) { return value.has_value(); });
+}
+
+// The effect has no part in these.
+void CheckWholeFiles(const Options& options)
+{
+    Refuse(options.isAutomatic && !options.repairLabels.IsEmpty(),
+           "--auto and --repair-labels exclude each other: the labels are what is repaired");
+    Refuse(options.strictness.has_value() && !options.isAutomatic, "--strictness needs --auto");
+    if (!options.IsForWholeFiles()) {
+        return;
+    }
+    Refuse(HasControls(options),
+           "--sensitivity and the other controls belong to the live effect, which has no part in "
+           "--auto and --repair-labels; --strictness makes --auto repair less or more");
+    Refuse(options.session.IsWanted(),
+           "presets and sessions hold the live effect's controls, which have no part in --auto and "
+           "--repair-labels");
+    Refuse(options.keepsLatency,
+           "--keep-latency: --auto and --repair-labels have no latency to keep");
+    Refuse(options.repairLabels.IsStream(), "--repair-labels needs a file, not -");
+    Refuse(!options.isSingle && IsForOneRecording(options.repairLabels),
+           "with several recordings --repair-labels takes a folder or a name with {name} in it");
+}
+
 } // namespace
 
 void CheckOptions(Options& options)
@@ -127,6 +157,7 @@ void CheckOptions(Options& options)
     CheckStandardInput(options);
     CheckReports(options);
     CheckSession(options);
+    CheckWholeFiles(options);
     Refuse(options.hasDither && options.isDryRun, "--dither has no use in a --dry-run");
 }
 

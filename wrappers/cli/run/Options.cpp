@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/run/Options.h"
 
+#include "restoration/dsp/autorepair/KeepRule.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/OptionChecks.h"
 #include "wrappers/cli/text/Text.h"
@@ -21,6 +22,11 @@ namespace {
 
 constexpr const char* ExampleText = R"(Examples:
   puffguard talk.wav                        repairs into talk.puffguard.wav
+  puffguard talk.wav --auto                 finds the pops by itself, leaves the rest bit for bit
+  puffguard talk.wav --auto --dry-run --labels pops.txt
+                                            look through its pops in Audacity ...
+  puffguard talk.wav --repair-labels pops.txt
+                                            ... and repair those that are left
   puffguard talk.wav -o clean.flac          another name and container
   puffguard *.wav --output-dir clean        many files, all cores
   puffguard -r archive --in-place           every recording below a folder
@@ -43,6 +49,7 @@ Exit code: 0 all files done, 1 some file failed, 2 the command line is not valid
 /// words all complaints.
 struct Typed {
     ForEachControl<std::string> controls;
+    std::string strictness;
     std::string block;
     std::string jobs;
     std::string container;
@@ -110,6 +117,16 @@ void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
         app.add_option(control.option, typed.controls[i], control.help)
             ->type_name(fmt::format("{}..{}", control.least, control.most));
     }
+    app.add_flag("--auto",
+                 options.isAutomatic,
+                 "Find the pops by itself, with no control, and leave the rest bit for bit");
+    app.add_option(
+           "--strictness", typed.strictness, "With --auto: above 0 repairs less, below 0 more")
+        ->type_name("-3..3");
+    app.add_option("--repair-labels",
+                   options.repairLabels,
+                   "Repair what this label track of Audacity names, and nothing else")
+        ->type_name("FILE.txt");
     app.add_flag("--bypass", options.controls.bypass, "Pass everything unchanged");
     app.add_flag("--difference", options.wantsDifference, "Write what is taken away");
     app.add_flag("--keep-latency", options.keepsLatency, "Write the raw, late stream");
@@ -156,6 +173,10 @@ void Interpret(const Typed& typed, Options& options)
             options.controls.values[i] =
                 ParseNumber<double>(typed.controls[i], control.option, control.least, control.most);
         }
+    }
+    if (!typed.strictness.empty()) {
+        constexpr double Most = AutoRepair::GreatestStrictness;
+        options.strictness = ParseNumber<double>(typed.strictness, "--strictness", -Most, Most);
     }
     if (!typed.block.empty()) {
         options.block = ParseNumber<int>(typed.block, "--block", 1, GreatestBlock);

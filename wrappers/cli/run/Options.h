@@ -32,6 +32,10 @@ struct Options {
     bool wantsDifference = false;
     bool isDryRun = false;
 
+    bool isAutomatic = false;
+    std::optional<double> strictness; ///< of the automatic repair
+    FileName repairLabels;            ///< empty: none
+
     FileName events; ///< empty: none; so are the next two
     FileName labels;
     FileName plot;
@@ -47,6 +51,9 @@ struct Options {
 
     /// True when one recording was named, so that reports are for it alone.
     bool isSingle = false;
+
+    /// True when recordings are repaired as a whole, without the effect.
+    bool IsForWholeFiles() const { return isAutomatic || !repairLabels.IsEmpty(); }
 };
 
 /// A text to print on standard output instead of any work.

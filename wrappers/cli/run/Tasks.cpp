@@ -224,6 +224,7 @@ void RefuseClashes(std::vector<Task>& tasks, const Options& options)
     Claims claims;
     for (const Task& task : tasks) {
         claims.Protect(task.input, "a recording");
+        claims.Protect(task.repairLabels, "a label track");
     }
     ClaimRunFiles(claims, options);
     for (Task& task : tasks) {
@@ -275,6 +276,7 @@ std::vector<Task> MakeTasks(const Options& options)
         task.output = OutputName(found, options);
         task.labels = FolderReport(options.labels, found, ".txt", options);
         task.plot = FolderReport(options.plot, found, ".png", options);
+        task.repairLabels = FolderReport(options.repairLabels, found, ".txt", options);
         if (task.failure.empty() && !options.isInPlace && IsSameFile(task.input, task.output)) {
             task.failure = "is its own output; --in-place repairs in place";
         }

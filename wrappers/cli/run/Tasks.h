@@ -15,7 +15,8 @@ struct Task {
     FileName output; ///< empty in a dry run
     FileName labels; ///< empty: not wanted; so is the next
     FileName plot;
-    std::string failure; ///< not empty: why it can't be begun
+    FileName repairLabels; ///< read
+    std::string failure;   ///< not empty: why it can't be begun
 };
 
 /// Finds the recordings that the options name and where their results go, in a stable order: as

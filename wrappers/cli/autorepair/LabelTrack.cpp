@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/autorepair/LabelTrack.h"
+
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/text/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+namespace Cli {
+
+namespace {
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+constexpr size_t LongestTrack = size_t{16} << 20U; // bytes, a label every few milliseconds of a day
+constexpr double LastDigit = 1e-5; // seconds, more than the rounding of six decimals
+
+[[noreturn]] void Refuse(int line, const std::string& reason)
+{
+    throw FileError(fmt::format("line {}: {}", line, reason));
+}
+
+// What stands before the next `mark`; takes both off `text`.
+std::string_view TakeUntil(std::string_view& text, char mark)
+{
+    const size_t end = std::min(text.find(mark), text.size());
+    const std::string_view taken = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return taken;
+}
+
+double ParseNumber(std::string_view text, const char* what, int line)
+{
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, value);
+    if (failure != std::errc{} || stop != end || !std::isfinite(value)) {
+        Refuse(line, fmt::format("the {} \"{}\" is no number", what, Printable(text)));
+    }
+    return value;
+}
+
+// Two numbers behind each other.
+AutoRepair::Span ParsePair(std::string_view fields, const char* first, const char* second, int line)
+{
+    const double from = ParseNumber(TakeUntil(fields, '\t'), first, line);
+    const double to = ParseNumber(TakeUntil(fields, '\t'), second, line);
+    return {from, to};
+}
+
+Label ParseLabel(std::string_view fields, int line)
+{
+    Label label;
+    label.line = line;
+    label.span = ParsePair(fields, "start", "end", line);
+    if (label.span.start < 0) {
+        Refuse(line, "begins before the recording");
+    }
+    if (label.span.end < label.span.start) {
+        Refuse(line, "ends before it begins");
+    }
+    if (label.span.end == label.span.start) {
+        Refuse(line, "is empty: it ends where it begins");
+    }
+    if (label.span.end - label.span.start > LongestLabel) {
+        Refuse(line, fmt::format("is longer than {} s, which no plosive is", LongestLabel));
+    }
+    return label;
+}
+
+void ParseFrequencies(std::string_view fields, int line, std::vector<Label>& labels)
+{
+    if (labels.empty()) {
+        Refuse(line, "a range of frequencies without a label before it");
+    }
+    TakeUntil(fields, '\t');
+    const auto [low, high] = ParsePair(fields, "lower frequency", "upper frequency", line);
+    // A negative one stands for an edge that wasn't drawn.
+    if (high < 0) {
+        return;
+    }
+    if (low > high) {
+        Refuse(line, "the lower frequency is above the upper one");
+    }
+    if (high < AutoRepair::LeastUpperFrequency || high > AutoRepair::GreatestUpperFrequency) {
+        Refuse(line,
+               fmt::format("the upper frequency {} Hz is outside {} to {} Hz",
+                           high,
+                           AutoRepair::LeastUpperFrequency,
+                           AutoRepair::GreatestUpperFrequency));
+    }
+    labels.back().upperFrequency = high;
+}
+
+void SortAndRefuseOverlaps(std::vector<Label>& labels)
+{
+    std::stable_sort(labels.begin(), labels.end(), [](const Label& a, const Label& b) {
+        return a.span.start < b.span.start;
+    });
+    for (size_t i = 1; i < labels.size(); ++i) {
+        if (labels[i].span.start < labels[i - 1].span.end) {
+            Refuse(std::max(labels[i].line, labels[i - 1].line),
+                   fmt::format("overlaps the label of line {}",
+                               std::min(labels[i].line, labels[i - 1].line)));
+        }
+    }
+}
+
+} // namespace
+
+std::vector<Label> ParseLabelTrack(std::string_view text)
+{
+    if (text.starts_with(ByteOrderMark)) {
+        text.remove_prefix(ByteOrderMark.size());
+    }
+    std::vector<Label> labels;
+    for (int line = 1; !text.empty(); ++line) {
+        std::string_view fields = TakeUntil(text, '\n');
+        if (fields.ends_with('\r')) {
+            fields.remove_suffix(1);
+        }
+        if (fields.starts_with("\\\t")) {
+            ParseFrequencies(fields, line, labels);
+        } else if (!fields.empty()) {
+            labels.push_back(ParseLabel(fields, line));
+        }
+    }
+    SortAndRefuseOverlaps(labels);
+    return labels;
+}
+
+std::vector<Label> ReadLabelTrack(const FileName& name)
+{
+    const FileDescriptor file = OpenForReading(name);
+    std::string text(LongestTrack + 1, '\0');
+    text.resize(ReadFully(file.Get(), text));
+    if (text.size() > LongestTrack) {
+        throw FileError("is too large for a label track");
+    }
+    return ParseLabelTrack(text);
+}
+
+void FitLabels(std::vector<Label>& labels, double seconds)
+{
+    for (Label& label : labels) {
+        if (label.span.start >= seconds) {
+            Refuse(label.line, "begins behind the end of the recording, " + FormatClock(seconds));
+        }
+        if (label.span.end > seconds + LastDigit) {
+            Refuse(label.line, "ends behind the end of the recording, " + FormatClock(seconds));
+        }
+        label.span.end = std::min(label.span.end, seconds);
+    }
+}
+
+} // namespace Cli

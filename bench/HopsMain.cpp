@@ -22,8 +22,8 @@ int main(int count, char** arguments)
     if (frames > speech[0].size()) {
         return EXIT_FAILURE;
     }
-    TestHost::Audio piece = {std::vector<float>(speech[0].begin(), speech[0].begin() + frames)};
+    speech[0].resize(frames);
     TestHost::Instance instance(SampleRate, 1);
-    instance.Run(piece, HostBlock);
+    instance.Run(speech, HostBlock);
     return EXIT_SUCCESS;
 }

@@ -34,7 +34,8 @@ int main(int argc, char** argv)
 
     float samples[BlockFrames];
     float* channels[] = {samples};
-    uint32_t owed = late, frames = 0;
+    uint32_t owed = late;
+    uint32_t frames = 0;
     do {
         frames = (uint32_t)fread(samples, sizeof(float), BlockFrames, stdin);
         for (; frames < BlockFrames && owed > 0; --owed) {

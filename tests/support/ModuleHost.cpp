@@ -38,13 +38,13 @@ private:
 PluginCoreEntryFunction Entry()
 {
     // The module looks for the user's settings and finds a home of its own.
-    static const Support::UserFolders folders;
-    static const auto entry = [] {
+    static const Support::UserFolders Folders;
+    static const auto Found = [] {
         void* module = dlopen(PUFFGUARD_MODULE, RTLD_NOW | RTLD_LOCAL);
         void* symbol = module != nullptr ? dlsym(module, PLUGIN_CORE_ENTRY_NAME) : nullptr;
         return reinterpret_cast<PluginCoreEntryFunction>(symbol);
     }();
-    return entry;
+    return Found;
 }
 
 uint32_t Call(uint32_t selector, uint32_t context, PluginCore* instance, void* data)
@@ -177,7 +177,9 @@ PresetRecord Instance::RunPreset(int32_t op,
     record.mayReplace = static_cast<uint8_t>(mayReplace);
     HostMessageRecord message{PLUGIN_CORE_MESSAGE_PRESET, sizeof record, &record};
     const uint32_t code = Call(SelectorHostMessage, UI, instance, &message);
-    record.failed = code == PluginCoreSuccess ? record.failed : 9;
+    if (code != PluginCoreSuccess) {
+        record.failed = 9;
+    }
     return record;
 }
 
@@ -228,7 +230,7 @@ Audio MakeSpeechLike(uint32_t channels, uint32_t frames, float sampleRate)
         return static_cast<float>(engine()) / static_cast<float>(std::mt19937::max()) - 0.5F;
     };
     Audio audio(channels, std::vector<float>(frames));
-    const double rate = static_cast<double>(sampleRate);
+    const auto rate = static_cast<double>(sampleRate);
     for (std::size_t c = 0; c < audio.size(); ++c) {
         for (uint32_t i = 0; i < frames; ++i) {
             const double time = i / rate;

@@ -51,10 +51,10 @@ TEST_F(ElementControllersTest, AChangePassesObserversCommandListenersAndCallback
     element->GetDispatchInfo<float>(TestElement::Level)
         ->AddObserver([&](Side side, float, DSP::ValueSource source) {
             EXPECT_EQ(source, DSP::SourceController);
-            log.push_back(side == Side::UI ? "observer" : "arrived");
+            log.emplace_back(side == Side::UI ? "observer" : "arrived");
         });
     const Connection connection =
-        Level().ValueChanged().Connect([&](float) { log.push_back("signal"); });
+        Level().ValueChanged().Connect([&](float) { log.emplace_back("signal"); });
     log.clear();
     Level().SetValue(3.0F); // nothing is processing, so that the command arrives at once
     EXPECT_EQ(log, (Log{"observer", "arrived", "signal", "ui 3"}));

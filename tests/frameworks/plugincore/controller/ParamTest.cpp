@@ -28,8 +28,8 @@ public:
         , log(newLog)
     {
     }
-    void BeginChange() override { log.push_back("begin"); }
-    void EndChange() override { log.push_back("end"); }
+    void BeginChange() override { log.emplace_back("begin"); }
+    void EndChange() override { log.emplace_back("end"); }
 
 private:
     Log& log;

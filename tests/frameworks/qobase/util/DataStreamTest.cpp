@@ -56,7 +56,7 @@ void WriteAll(DataStream& stream)
 }
 
 // By hand from the rule: little-endian, two's complement, binary32 and binary64.
-const Bytes allWritten{0xFE, 0xFE,                                                             //
+const Bytes AllWritten{0xFE, 0xFE,                                                             //
                        0xFE, 0xFF, 0x02, 0x01,                                                 //
                        0xFE, 0xFF, 0xFF, 0xFF, 0x04, 0x03, 0x02, 0x01,                         //
                        0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,                         //
@@ -95,21 +95,21 @@ TEST(DataStream, HasOneLayoutInMemoryAndInFiles)
     const Support::TemporaryFolder folder;
     MemoryStream written;
     WriteAll(written);
-    EXPECT_EQ(written.GetBytes(), allWritten);
+    EXPECT_EQ(written.GetBytes(), AllWritten);
     {
         FileStream file(folder / "file", File::Mode::Write);
         WriteAll(file);
-        EXPECT_EQ(file.GetPosition(), allWritten.size());
+        EXPECT_EQ(file.GetPosition(), AllWritten.size());
         file.Flush();
     }
-    EXPECT_EQ(*Util::ReadWholeFile(folder / "file"), allWritten);
-    MemoryStream memory(allWritten);
+    EXPECT_EQ(*Util::ReadWholeFile(folder / "file"), AllWritten);
+    MemoryStream memory(AllWritten);
     FileStream file(folder / "file", File::Mode::Read);
     for (DataStream* const stream : std::initializer_list<DataStream*>{&memory, &file}) {
         ReadAll(*stream);
         EXPECT_TRUE(stream->IsAtEnd());
         stream->SetPosition(1);
-        EXPECT_EQ(stream->GetRemaining(), allWritten.size() - 1);
+        EXPECT_EQ(stream->GetRemaining(), AllWritten.size() - 1);
         EXPECT_EQ(stream->ReadUInt8(), 0xFE);
         EXPECT_EQ(stream->GetPosition(), 2U);
     }
@@ -118,8 +118,8 @@ TEST(DataStream, HasOneLayoutInMemoryAndInFiles)
 TEST(DataStream, EveryTruncationRaises)
 {
     const Support::TemporaryFolder folder;
-    for (std::size_t size = 0; size < allWritten.size(); ++size) {
-        const Bytes cut(allWritten.begin(), allWritten.begin() + static_cast<std::ptrdiff_t>(size));
+    for (std::size_t size = 0; size < AllWritten.size(); ++size) {
+        const Bytes cut(AllWritten.begin(), AllWritten.begin() + static_cast<std::ptrdiff_t>(size));
         MemoryStream memory(cut);
         EXPECT_THROW(ReadAll(memory), Util::Exception::DataStreamIO) << size;
         ASSERT_TRUE(Util::ReplaceWholeFile(folder / "file", cut));

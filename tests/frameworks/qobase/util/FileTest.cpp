@@ -415,11 +415,11 @@ TEST(CreateWholeFile, IsDoneByOneOfMany)
 } // namespace
 
 // This program's comes before that of the C library.
-extern "C" int fsync(int descriptor)
+extern "C" int fsync(int fd)
 {
     if (onFlush) {
-        onFlush(descriptor);
+        onFlush(fd);
     }
     errno = flushError;
-    return flushError != 0 ? -1 : static_cast<int>(syscall(SYS_fsync, descriptor));
+    return flushError != 0 ? -1 : static_cast<int>(syscall(SYS_fsync, fd));
 }

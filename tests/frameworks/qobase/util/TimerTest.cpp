@@ -48,8 +48,8 @@ std::atomic<bool> firstThreadEnded = false;
 /// Sets the flag when the thread that it is called on has ended.
 void MarkThread()
 {
-    thread_local const std::shared_ptr<void> end(nullptr, [](void*) { firstThreadEnded = true; });
-    static_cast<void>(end);
+    thread_local const std::shared_ptr<void> End(nullptr, [](void*) { firstThreadEnded = true; });
+    static_cast<void>(End);
 }
 
 TEST(PeriodicTimer, AllTimersShareOneThreadAndItEndsWithTheLast)

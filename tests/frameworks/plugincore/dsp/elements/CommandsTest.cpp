@@ -71,11 +71,11 @@ TEST(DSPCommandFifo, HoldsOneLessThanItsSlotsAndKeepsTheOrder)
     DSPCommandFifo fifo("Test", DSPCommandFifo::Growing::No, 8);
     const auto commands = MakeCommands(8);
     for (int round = 0; round < 3; ++round) { // the indices wrap in the second round
-        for (int i = 0; i < 7; ++i) {
+        for (std::size_t i = 0; i < 7; ++i) {
             ASSERT_TRUE(fifo.Push(commands[i].get()));
         }
         EXPECT_FALSE(fifo.Push(commands[7].get()));
-        for (int i = 0; i < 7; ++i) {
+        for (std::size_t i = 0; i < 7; ++i) {
             ASSERT_EQ(fifo.Pop(), commands[i].get());
         }
         EXPECT_EQ(fifo.Pop(), nullptr);
@@ -86,15 +86,15 @@ TEST(DSPCommandFifo, GrowsAtThe512thUnreadCommandAndLosesNone)
 {
     DSPCommandFifo fifo("Test", DSPCommandFifo::Growing::Yes);
     const auto commands = MakeCommands(800);
-    for (int i = 0; i < 300; ++i) { // so that the ring wraps before it grows
+    for (std::size_t i = 0; i < 300; ++i) { // so that the ring wraps before it grows
         fifo.Push(commands[i].get());
         fifo.Pop();
     }
-    for (int i = 0; i < 511; ++i) {
+    for (std::size_t i = 0; i < 511; ++i) {
         fifo.Push(commands[i].get());
     }
     EXPECT_EQ(fifo.GetCapacity(), 512U);
-    for (int i = 511; i < 800; ++i) {
+    for (std::size_t i = 511; i < 800; ++i) {
         fifo.Push(commands[i].get());
     }
     EXPECT_EQ(fifo.GetCapacity(), 1024U);

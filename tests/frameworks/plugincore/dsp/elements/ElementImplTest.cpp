@@ -153,7 +153,7 @@ TEST_F(ElementTest, FadesToItsInputInTimeWithTheOutput)
     EXPECT_EQ(output[4], 2.0F);
     element.active = false;
     output = RunThrough(ones);
-    for (int i = 0; i < 10; ++i) {
+    for (std::size_t i = 0; i < 10; ++i) {
         EXPECT_FLOAT_EQ(output[i], 2.0F - static_cast<float>(i + 1) / 10) << i;
     }
     EXPECT_EQ(output[10], 1.0F);

@@ -29,7 +29,7 @@ double LargestDifference(const float* packed, const Spectrum& wanted)
     double largest = 0;
     double difference = 0;
     for (std::size_t k = 0; k <= wanted.size() / 2; ++k) {
-        const std::complex<double> bin(packed[2 * k], packed[2 * k + 1]);
+        const std::complex<double> bin(std::complex(packed[2 * k], packed[2 * k + 1]));
         largest = std::max(largest, std::abs(wanted[k]));
         difference = std::max(difference, std::abs(bin - wanted[k]));
     }

@@ -3,6 +3,8 @@
 #include "frameworks/plugincore/preset/file/LegacyPresetFileHandler.h"
 #include "tests/frameworks/plugincore/preset/file/PresetFixture.h"
 
+#include <gtest/gtest.h>
+
 using namespace Preset;
 using namespace PresetTests;
 

@@ -7,6 +7,8 @@
 #include "frameworks/qobase/util/Path.h"
 #include "tests/frameworks/plugincore/preset/file/PresetFixture.h"
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <sys/resource.h>
 #include <unistd.h>

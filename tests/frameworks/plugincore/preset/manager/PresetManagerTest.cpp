@@ -3,6 +3,8 @@
 #include "frameworks/plugincore/preset/manager/PresetManager.h"
 #include "tests/frameworks/plugincore/preset/file/PresetFixture.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 
 using namespace Preset;
@@ -22,15 +24,15 @@ struct Manager : testing::Test, Fixture {
 
     std::unique_ptr<PresetManager> Make()
     {
-        return std::make_unique<PresetManager>(
-            PresetManager::Setup{identity,
-                                 folder / "user",
-                                 folder / "factory",
-                                 settings,
-                                 keepsSettings,
-                                 dsp,
-                                 metadata,
-                                 [this](const String& name) { loaded.push_back(name.c_str()); }});
+        return std::make_unique<PresetManager>(PresetManager::Setup{
+            identity,
+            folder / "user",
+            folder / "factory",
+            settings,
+            keepsSettings,
+            dsp,
+            metadata,
+            [this](const String& name) { loaded.emplace_back(name.c_str()); }});
     }
     // A file in one of the two folders; "Amount" is 9 in it.
     std::string
@@ -147,7 +149,6 @@ TEST_F(Manager, KeepsToOneFolder)
                                     folder / "file/below/deep",
                                     "/proc/self/nothing can be made here",
                                     folder / std::string(300, 'n')};
-    std::string names = "Factory settings|";
     for (const std::string& chosen : unusable) {
         manager->GetFolder().Set(chosen);
         EXPECT_EQ(manager->GetFolder().Get(), folder / "user/") << chosen;

@@ -9,7 +9,7 @@ namespace Fuzz {
 inline int GetRounds()
 {
     const char* const wanted = std::getenv("PUFFGUARD_FUZZ_ROUNDS");
-    return wanted != nullptr ? std::atoi(wanted) : 3;
+    return wanted != nullptr ? static_cast<int>(std::strtol(wanted, nullptr, 10)) : 3;
 }
 
 } // namespace Fuzz

@@ -163,7 +163,7 @@ TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
     bank.analyse(GetPointers(audio).data(), 1024, GetPointers(spectra).data(), 0, 0);
     const auto bin = [&](std::size_t k) {
         const float* const full = spectra[0].data() + 7 * 1026; // the first frame without silence
-        return std::complex<double>(full[2 * k], full[2 * k + 1]);
+        return std::complex<double>(std::complex(full[2 * k], full[2 * k + 1]));
     };
     EXPECT_NEAR(std::abs(bin(98) / bin(100)), 0.04 / 0.42, 1e-5);
     EXPECT_LT(std::abs(bin(103) / bin(100)), 1e-5);

@@ -36,7 +36,7 @@ TEST(RunningHann, IsTheWeightedMeanOfTheLastValues)
         // Long enough for many windows: what rounding leaves behind must not pile up.
         for (const float value : MakeNoise(5000, halfLength)) {
             window.pop_front();
-            window.push_back(value);
+            window.push_back(double{value});
             const float result = average.process(value) * average.GetScale();
             // A window of one value passes it.
             const double wanted = halfLength == 0 ? double{value} : WeightedMean(window);

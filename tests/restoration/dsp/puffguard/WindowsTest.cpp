@@ -15,7 +15,7 @@ TEST(BesselI0, IsThePowerSeries)
 {
     // I0(x) = sum of (x / 2)^2m / (m!)^2; at 15 the terms have died out long before the 200th.
     EXPECT_EQ(DSP::BesselI0(0.0), 1.0);
-    for (const double x : {1e-6, 0.1, 1.0, 3.14159, 10.0, 14.0, 15.0}) {
+    for (const double x : {1e-6, 0.1, 1.0, Pi, 10.0, 14.0, 15.0}) {
         double term = 1;
         double sum = 1;
         for (int m = 1; m < 200; ++m) {

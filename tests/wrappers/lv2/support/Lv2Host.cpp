@@ -31,7 +31,7 @@ int Log(LV2_Log_Handle handle, LV2_URID, const char* format, va_list arguments)
     return length;
 }
 
-// NOLINTNEXTLINE(modernize-avoid-variadic-functions): the format's type
+// NOLINTBEGIN(modernize-avoid-variadic-functions): the format's type
 __attribute__((format(printf, 3, 4))) int
 LogPlain(LV2_Log_Handle handle, LV2_URID type, const char* format, ...)
 {
@@ -41,6 +41,7 @@ LogPlain(LV2_Log_Handle handle, LV2_URID type, const char* format, ...)
     va_end(arguments);
     return length;
 }
+// NOLINTEND(modernize-avoid-variadic-functions)
 
 /// The descriptor of a plug-in; null when the bundle has none.
 const LV2_Descriptor* Find(const Contract::Library& library, uint32_t channels)

@@ -19,14 +19,15 @@ double MeasureGain(const BiquadCoefficients& coefficients, double frequencyHz, d
     filter.SetCoefficients(coefficients);
     double power = 0;
     const auto total = static_cast<int>(sampleRate);
+    const int half = total / 2; // until then it settles
     for (int i = 0; i < total; ++i) {
         const double phase = 2 * std::numbers::pi * frequencyHz * i / sampleRate;
         const double y = filter.Process(std::sin(phase));
-        if (i >= total / 2) {
+        if (i >= half) {
             power += y * y;
         }
     }
-    return std::sqrt(2 * power / (total / 2));
+    return std::sqrt(2 * power / half);
 }
 
 /// Gain of the analogue Butterworth filter of second order, its frequencies bent by the bilinear

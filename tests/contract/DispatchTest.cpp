@@ -91,7 +91,7 @@ public:
         switch (selector) {
         case SelectorGetAllocationTrace:
             Put(AllocationTraceRecord{
-                &words[0], &words[1], &words[2], nullptr, &longs[0], &longs[1]});
+                words.data(), &words[1], &words[2], nullptr, longs.data(), &longs[1]});
             break;
         case SelectorGetAutomatableParamList:
             Put(ParamListRecord{4, 0, params.data()});

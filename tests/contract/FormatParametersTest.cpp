@@ -21,8 +21,8 @@ protected:
         for (uint32_t index = 0; index < Count; ++index) {
             host.SetParameter(index, value);
         }
-        static const Audio speech = MakeSpeech(Rate, 2, 0.02);
-        EXPECT_EQ(BadSample(Play(host, speech, 32)), "");
+        static const Audio Speech = MakeSpeech(Rate, 2, 0.02);
+        EXPECT_EQ(BadSample(Play(host, Speech, 32)), "");
     }
 
     static void ExpectInRange(FormatHost& host)

@@ -99,12 +99,12 @@ TEST_P(FormatSignal, GoesIntoABypassInStepAmidARepairAndComesBackAsNew)
 
 TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
 {
-    constexpr int None = -1;
+    constexpr size_t None = 3;
     // Which memory each of two channels uses.
     const struct {
         const char* name;
-        int inputs[2];
-        int outputs[2];
+        size_t inputs[2];
+        size_t outputs[2];
     } wirings[] = {
         {"crossed", {0, 1}, {1, 0}},
         {"shifted", {0, 1}, {1, 2}},
@@ -119,7 +119,9 @@ TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)
     for (const auto& [name, inputs, outputs] : wirings) {
         SCOPED_TRACE(name);
         Audio memory = speech;
-        const auto at = [&](int index) { return index == None ? nullptr : memory[index].data(); };
+        const auto at = [&](size_t index) {
+            return index == None ? nullptr : memory[index].data();
+        };
         const Audio input = {inputs[0] == None ? std::vector<float>(frames) : speech[inputs[0]],
                              speech[inputs[1]]};
         const Audio expected = Expected(input, Rate);

@@ -192,7 +192,7 @@ private:
 uint32_t NumberFrom(const char* variable, uint32_t otherwise)
 {
     const char* const text = std::getenv(variable);
-    return text != nullptr ? static_cast<uint32_t>(std::atoi(text)) : otherwise;
+    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
 }
 
 class FormatSoak : public FormatTest {};

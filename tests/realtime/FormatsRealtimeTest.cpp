@@ -87,13 +87,13 @@ constexpr struct {
     double rate;
     uint32_t channels;
     uint32_t longestBlock;
-} variety[] = {{48000, 2, 8}, {8000, 1, 300}, {48000, 2, 20'000}, {44100, 8, 1000}};
+} Variety[] = {{48000, 2, 8}, {8000, 1, 300}, {48000, 2, 20'000}, {44100, 8, 1000}};
 
 } // namespace
 
 TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 {
-    for (const auto& [rateOfTurn, channelsOfTurn, longest] : variety) {
+    for (const auto& [rateOfTurn, channelsOfTurn, longest] : Variety) {
         SCOPED_TRACE(testing::Message() << rateOfTurn << " Hz, " << channelsOfTurn << " channels");
         ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
         const uint32_t every = longest < 100 ? 50 : 1;
@@ -127,7 +127,7 @@ TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
 
 TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingOrCrossedAndAfterAReset)
 {
-    for (const auto& [rateOfTurn, channelsOfTurn, longest] : variety) {
+    for (const auto& [rateOfTurn, channelsOfTurn, longest] : Variety) {
         ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
         std::vector<float> left(512, 0.25F);
         const float* inputs[8] = {left.data()};

@@ -47,7 +47,7 @@ void CountLock(const void* lock) noexcept
         return;
     }
     ++current->lockCalls;
-    const auto end = current->locks.begin() + static_cast<std::ptrdiff_t>(current->lockCount);
+    auto* const end = current->locks.begin() + static_cast<std::ptrdiff_t>(current->lockCount);
     if (std::find(current->locks.begin(), end, lock) == end &&
         current->lockCount < Probe::Report::MaxLocks) {
         current->locks[current->lockCount++] = lock;
@@ -74,7 +74,7 @@ private:
 
 /// The function that this program stands in front of.
 template <typename Function>
-Function* Next(const char* name) noexcept
+Function* FindNext(const char* name) noexcept
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
@@ -166,33 +166,35 @@ STAND_IN int posix_memalign(void** memory, std::size_t alignment, std::size_t si
 
 STAND_IN int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept
 {
-    static auto* const next = Next<int(pthread_mutex_t*)>("pthread_mutex_lock");
+    static auto* const Next = FindNext<int(pthread_mutex_t*)>("pthread_mutex_lock");
     CountLock(mutex);
     const PassSystemCalls pass;
-    return next(mutex);
+    return Next(mutex);
 }
 
 STAND_IN int pthread_mutex_trylock(pthread_mutex_t* mutex) noexcept
 {
-    static auto* const next = Next<int(pthread_mutex_t*)>("pthread_mutex_trylock");
+    static auto* const Next = FindNext<int(pthread_mutex_t*)>("pthread_mutex_trylock");
     CountLock(mutex);
-    return next(mutex);
+    return Next(mutex);
 }
 
 STAND_IN int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept
 {
-    static auto* const next = Next<int(pthread_mutex_t*)>("pthread_mutex_unlock");
+    static auto* const Next = FindNext<int(pthread_mutex_t*)>("pthread_mutex_unlock");
     const PassSystemCalls pass;
-    return next(mutex);
+    return Next(mutex);
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): Object is a type
 #define STAND_IN_FOR_WAIT(name, Object)                                                            \
     STAND_IN int name(Object* object) noexcept                                                     \
     {                                                                                              \
-        static auto* const next = Next<int(Object*)>(#name);                                       \
+        static auto* const Next = FindNext<int(Object*)>(#name);                                   \
         CountWait();                                                                               \
-        return next(object);                                                                       \
+        return Next(object);                                                                       \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 STAND_IN_FOR_WAIT(pthread_cond_signal, pthread_cond_t)
 STAND_IN_FOR_WAIT(pthread_cond_broadcast, pthread_cond_t)
@@ -201,17 +203,17 @@ STAND_IN_FOR_WAIT(pthread_rwlock_wrlock, pthread_rwlock_t)
 
 STAND_IN int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
 {
-    static auto* const next = Next<int(pthread_cond_t*, pthread_mutex_t*)>("pthread_cond_wait");
+    static auto* const Next = FindNext<int(pthread_cond_t*, pthread_mutex_t*)>("pthread_cond_wait");
     CountWait();
-    return next(condition, mutex);
+    return Next(condition, mutex);
 }
 
 namespace Probe {
 
 bool CanSeeSystemCalls()
 {
-    thread_local const bool can = StartReporting();
-    return can;
+    thread_local const bool Can = StartReporting();
+    return Can;
 }
 
 Watch::Watch()

@@ -43,11 +43,11 @@ uint32_t RunWatched(Instance& instance, Audio& audio, uint32_t block)
 /// Loads the misbehaving module once.
 bool Misbehave(const char* name)
 {
-    static const auto function = [] {
+    static const auto Function = [] {
         void* module = dlopen(PUFFGUARD_CONTROL, RTLD_NOW | RTLD_LOCAL);
         return reinterpret_cast<bool (*)(const char*)>(dlsym(module, "Misbehave"));
     }();
-    return function(name);
+    return Function(name);
 }
 
 Probe::Report WatchMisbehaviour(const char* name)

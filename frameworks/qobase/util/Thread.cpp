@@ -158,7 +158,7 @@ bool Thread::Shared::WaitForEnd(Limit limit)
         if (!limit) {
             changed.wait(lock);
         } else if (changed.wait_until(lock, deadline) == std::cv_status::timeout) {
-            return !(current == awaited && IsAlive());
+            return current != awaited || !IsAlive();
         }
     }
     return true;

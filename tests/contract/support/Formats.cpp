@@ -9,8 +9,8 @@ namespace Contract {
 
 const std::vector<Format>& GetFormats()
 {
-    static const Support::UserFolders folders;
-    static const std::vector<Format> formats = {
+    static const Support::UserFolders Folders;
+    static const std::vector<Format> Formats = {
         {"Entry", MakeEntryHost, PUFFGUARD_MODULE},
 #ifdef PUFFGUARD_WITH_LV2
         {"LV2", MakeLv2Host, PUFFGUARD_LV2},
@@ -22,7 +22,7 @@ const std::vector<Format>& GetFormats()
         {"VST3", MakeVst3Host, PUFFGUARD_VST3},
 #endif
     };
-    return formats;
+    return Formats;
 }
 
 void PrintTo(const Format& format, std::ostream* stream)

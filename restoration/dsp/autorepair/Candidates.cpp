@@ -143,6 +143,7 @@ std::vector<Candidate> FindCandidates(const ScoreTrack& track, double seconds)
         Split(run, track.lowEnd, bursts);
     }
     std::vector<Candidate> candidates;
+    candidates.reserve(bursts.size());
     for (const Run& burst : bursts) {
         candidates.push_back(Describe(burst, track, seconds));
     }

@@ -77,8 +77,7 @@ LowSpectrum::LowSpectrum(const BinScale& scale)
     , lowPlace(PlaceIn(lowValley, LowValleyPercent))
     , upperPlace(PlaceIn(upperValley, UpperValleyPercent))
     , binCount(voiced.end)
-    , lagCount(LagCount)
-    , correlation(lagCount)
+    , correlation(LagCount)
 {
     const std::vector<double> fall = CorrelateWindow();
     for (int bin = voiced.first; bin < voiced.end; ++bin) {
@@ -106,10 +105,10 @@ float LowSpectrum::MeasurePeriodicity(std::span<const float> power)
     const std::span<const float> bins = Part(power, voiced);
     const float* row = cosines.data();
     for (const float bin : bins) {
-        for (std::size_t i = 0; i < lagCount; ++i) {
+        for (std::size_t i = 0; i < correlation.size(); ++i) {
             correlation[i] += bin * row[i];
         }
-        row += lagCount;
+        row += correlation.size();
     }
     const double best =
         static_cast<double>(*std::max_element(correlation.begin(), correlation.end()));

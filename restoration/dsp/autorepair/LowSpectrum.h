@@ -43,7 +43,6 @@ private:
     PercentilePlace lowPlace;
     PercentilePlace upperPlace;
     int binCount;
-    std::size_t lagCount;
     std::vector<float> cosines; // by bin of `voiced`, then by lag, the window's fall divided out
     std::vector<float> correlation; // scratch, by lag
     std::vector<float> sorted;      // scratch

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 namespace Cli {
 
@@ -30,8 +31,8 @@ FileDescriptor CopyStream(const FileDescriptor& stream)
 
 } // namespace
 
-RepeatedInput::RepeatedInput(const FileName& newName, const std::optional<RawFormat>& newRaw)
-    : name(newName)
+RepeatedInput::RepeatedInput(FileName newName, const std::optional<RawFormat>& newRaw)
+    : name(std::move(newName))
     , raw(newRaw)
     , file(OpenForReading(name))
 {

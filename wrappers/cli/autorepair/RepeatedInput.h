@@ -15,7 +15,7 @@ namespace Cli {
 /// nameless temporary file. A file that changes meanwhile is noticed. Throws FileError.
 class RepeatedInput {
 public:
-    RepeatedInput(const FileName& newName, const std::optional<RawFormat>& newRaw);
+    RepeatedInput(FileName newName, const std::optional<RawFormat>& newRaw);
 
     /// Whether it came as a stream.
     bool IsSpooled() const { return source == AudioReader::Source::Spooled; }

@@ -10,9 +10,9 @@ namespace Cli {
 
 /// Colour parts from 0 to 1.
 struct Colour {
-    double red;
-    double green;
-    double blue;
+    double red = 0;
+    double green = 0;
+    double blue = 0;
     double alpha = 1.0;
 };
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace Cli {
 
@@ -56,9 +57,9 @@ cairo_status_t WritePart(void* descriptor, const unsigned char* data, unsigned l
 
 } // namespace
 
-PlotPainter::PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& newCaption)
+PlotPainter::PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption)
     : recorder(newRecorder)
-    , caption(newCaption)
+    , caption(std::move(newCaption))
     , duration(std::max(newRecorder.GetDuration(), 1e-3))
     , surface(cairo_image_surface_create(
           CAIRO_FORMAT_RGB24, static_cast<int>(PictureWidth), static_cast<int>(PictureHeight)))
@@ -268,14 +269,15 @@ void PlotPainter::PaintWaveAxis(const Panel& panel, double scale)
 {
     const double step = NiceStep(2 * scale, 6, false);
     SetColour(context.get(), Ink);
-    for (double value = -step * std::floor(scale / step); value <= scale; value += step) {
+    const int reach = static_cast<int>(std::floor(scale / step));
+    for (int tick = -reach; tick <= reach; ++tick) {
+        const double value = tick * step;
         const double y = panel.top + panel.height / 2 * (1.0 - value / scale);
-        const double shown = std::abs(value) < step / 2 ? 0.0 : value;
         DrawLine(context.get(), PlotLeft - 6, y, PlotLeft, y);
         DrawText(context.get(),
                  PlotLeft - 11,
                  y + 5,
-                 fmt::format("{:.4g}", shown),
+                 fmt::format("{:.4g}", value),
                  {14, Anchor::Right, false});
     }
     DrawUpwardText(context.get(), 34, panel.top + panel.height / 2, "amplitude", 15);

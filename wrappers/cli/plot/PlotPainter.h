@@ -23,7 +23,7 @@ struct PlotCaption {
 /// axes, legends, and a mark for each event that it is given.
 class PlotPainter {
 public:
-    PlotPainter(const PlotRecorder& newRecorder, const PlotCaption& newCaption);
+    PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption);
 
     /// Marks an event in all panels.
     void Mark(const Event& event);
@@ -40,7 +40,7 @@ private:
         void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
     };
     struct FreeContext {
-        void operator()(cairo_t* context) const { cairo_destroy(context); }
+        void operator()(cairo_t* made) const { cairo_destroy(made); }
     };
 
     double TimeToX(double seconds) const;

@@ -63,6 +63,7 @@ private:
     std::vector<float> recent; // the last taps of input, a ring written twice in a row
     size_t recentPosition = 0;
     size_t untilReduced = 1;
+    // NOLINTNEXTLINE(modernize-use-default-member-init): the filter's length stands in the source
     size_t toSkip; // reduced samples that only hold the filter's delay
     std::vector<float> window;
     std::vector<float> frame; // ring of reduced samples

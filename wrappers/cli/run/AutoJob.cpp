@@ -119,6 +119,7 @@ void AutoJob::Run(FileReport& report)
     results.Finish();
     if (context.events != nullptr) {
         std::vector<AutoEvent> events;
+        events.reserve(attempts.size());
         for (const Attempt& attempt : attempts) {
             events.push_back(attempt.event);
         }

@@ -23,6 +23,14 @@ constexpr unsigned LimitSeconds = 20; // a sanitizer's report at the end takes m
 constexpr unsigned LimitSeconds = 1;
 #endif
 
+/// Of the process, and nobody's to destroy.
+Instance& MakeInstance()
+{
+    static Instance* instance = nullptr;
+    instance = new Instance(44100.0F, 1);
+    return *instance;
+}
+
 /// Audio has run, and the instance's tick is on its way.
 void RunAudio(Instance& instance)
 {
@@ -40,7 +48,7 @@ void RunAudio(Instance& instance)
 TEST(EndOfProcess, WithALiveInstance)
 {
     Support::Child child([] {
-        RunAudio(*new Instance(44100.0F, 1));
+        RunAudio(MakeInstance());
         EndProcess();
     });
     EXPECT_EQ(child.Wait(), 0);
@@ -49,7 +57,7 @@ TEST(EndOfProcess, WithALiveInstance)
 TEST(EndOfProcess, WhenAnExitHandlerUnloadsTheModule)
 {
     Support::Child child([] {
-        RunAudio(*new Instance(44100.0F, 1));
+        RunAudio(MakeInstance());
         std::atexit([] {
             void* module = dlopen(PUFFGUARD_MODULE, RTLD_NOW | RTLD_NOLOAD);
             dlclose(module);
@@ -75,9 +83,9 @@ TEST(EndOfProcess, WhenTheInstanceIsDestroyedAfterTheModulesOwnObjects)
 TEST(EndOfProcess, WhileTheHostNeverReturnsFromATick)
 {
     Support::Child child([] {
-        auto& instance = *new Instance(44100.0F, 1);
-        auto& entered = *new std::promise<void>;
-        instance.onHostCall = [&entered, main = std::this_thread::get_id()](const HostCall& call) {
+        static std::promise<void> entered;
+        Instance& instance = MakeInstance();
+        instance.onHostCall = [main = std::this_thread::get_id()](const HostCall& call) {
             if (call.opcode == HostOpcodeLatencyChanged && std::this_thread::get_id() != main) {
                 entered.set_value();
                 for (;;) {

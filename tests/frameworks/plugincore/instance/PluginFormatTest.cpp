@@ -85,7 +85,10 @@ TEST_F(PluginFormatTest, WhatIsSetOrSavedMeanwhileIsNotOverrunByTheSavedState)
     EXPECT_FLOAT_EQ(Get(), 0.7F);
     factory.boxLivesOn = true; // then nothing is left to be loaded that automation could lose to
     changeFormat(48000.0F);
-    plugin->SetAutomatableParam(Side::Process, {0, 0.9F});
+    {
+        const Util::CriticalSectionGuard guard(plugin->GetProcessLock());
+        plugin->SetAutomatableParam(Side::Process, {0, 0.9F});
+    }
     plugin->AttachEditor(nullptr);
     EXPECT_FLOAT_EQ(Get(), 0.9F);
 }

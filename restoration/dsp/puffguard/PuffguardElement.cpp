@@ -21,7 +21,7 @@ Puffguard::Puffguard(ElementHost& owner,
     , log(std::move(newLog))
     , repair(MakeRepair())
 {
-    AddChild(*repair);
+    AddChild(*repair, "Repair");
     Register(Sensitivity, "Sensitivity", {0.0F, 10.0F}, 5.0F);
     Register(Strength, "Strength", {0.0F, 10.0F}, 5.0F);
     Register(UpperRepairFrequency, "Upper Repair Frequency", {50.0F, 500.0F}, 200.0F);
@@ -61,7 +61,7 @@ void Puffguard::OnFormatChanged()
     auto fresh = MakeRepair();
     RemoveChild(*repair);
     repair = std::move(fresh);
-    AddChild(*repair);
+    AddChild(*repair, "Repair");
     for (uint32_t index = 0; index < std::size(values); ++index) {
         repair->SetFloatValue(index, values[index], Context::Process, {});
     }

@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/dsp/elements/ElementParam.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -34,6 +35,11 @@ public:
     /// Null past the end.
     virtual Element* GetChild(uint32_t index) const = 0;
     virtual Element* GetParent() const = 0;
+    using ChildMap = std::map<String, Element*>;
+    /// The children by their own names, as they are now. [ui]
+    virtual ChildMap CopyChildMap() const = 0;
+    /// Those that the element has a name for by what they do in it. [ui]
+    virtual const ChildMap& GetNamedChildren() const = 0;
     /// For the parent only.
     virtual void SetParent(Element* newParent) = 0;
 
@@ -48,6 +54,14 @@ public:
     /// Samples by which the output is late: as that side knows it, and at most. [any]
     virtual uint32_t GetLatency(Context context) const = 0;
     virtual uint32_t GetMaxLatency() const = 0;
+    /// Samples that come on top when the element works alone on a recording, for what it has to
+    /// hear in advance; no part of what a host is given. [any]
+    virtual uint32_t GetExtraLatency() const = 0;
+
+    /// Frames of the present block that the element has already seen: like the host's offset,
+    /// which the element's children move as well. [process]
+    virtual void SetBlockOffset(uint32_t frames) = 0;
+    virtual uint32_t GetBlockOffset() const = 0;
 
     /// Number of time regions that state is kept for.
     virtual uint32_t GetRegionCount() const = 0;
@@ -64,6 +78,9 @@ public:
     virtual const ParamObject* FindParam(uint32_t index) const = 0;
     /// A static empty record for an unknown name.
     virtual const ParamInfo& GetParamInfoByName(const String& name) const = 0;
+
+    /// The session parameters whose value on the UI side isn't the default. [ui]
+    virtual ChangedParams CollectChangedParams() const = 0;
 
     /// The parameters for the user interface, made at the first call; the set may not be kept
     /// longer than the element. Throws std::logic_error when it is called while the set is being

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/elements/ElementImpl.h"
 
+#include "frameworks/plugincore/dsp/elements/HumanReadableParamVisitor.h"
 #include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace DSP {
 namespace {
@@ -106,16 +108,30 @@ Element* ElementImpl::GetChild(uint32_t index) const
     return index < children.size() ? children[index] : nullptr;
 }
 
-void ElementImpl::AddChild(Element& child)
+void ElementImpl::AddChild(Element& child, const String& role)
 {
     children.push_back(&child);
+    childrenByName[child.GetName()] = &child;
+    if (!role.IsEmpty()) {
+        namedChildren[role] = &child;
+    }
     child.SetParent(this);
 }
 
 void ElementImpl::RemoveChild(Element& child)
 {
+    const auto isChild = [&child](const auto& entry) { return entry.second == &child; };
     children.erase(std::remove(children.begin(), children.end(), &child), children.end());
+    std::erase_if(childrenByName, isChild);
+    std::erase_if(namedChildren, isChild);
     child.SetParent(nullptr);
+}
+
+ChangedParams ElementImpl::CollectChangedParams() const
+{
+    HumanReadableParamVisitor visitor;
+    VisitParams(GetParamMap(), visitor);
+    return std::move(visitor.changed);
 }
 
 void ElementImpl::SetFormat(float newSampleRate, uint32_t newChannelConfig)
@@ -310,6 +326,7 @@ void ElementImpl::RunTail(uint32_t region, uint32_t frames, float* const* channe
         SetNextPositions(std::nullopt, std::nullopt);
     }
     host.SetProcessBlockOffset(0);
+    SetBlockOffset(0);
     if (tail.GetFrameSize() == 0) {
         RunPieces(region, frames, channels); // passes through: there is nothing to assemble
         return;
@@ -333,6 +350,7 @@ void ElementImpl::RunPieces(uint32_t region, uint32_t frames, float* const* chan
         ProcessPiece(region, count, pieceChannels.data());
         if (count != frames) {
             host.SetProcessBlockOffset(begin + count);
+            SetBlockOffset(begin + count);
         }
     };
     RunInPieces(frames, host.GetMaxBlockFrames(), channels, pieceChannels, runPiece);

@@ -37,6 +37,8 @@ public:
     Element* GetChild(uint32_t index) const override;
     Element* GetParent() const override { return parent; }
     void SetParent(Element* newParent) override { parent = newParent; }
+    ChildMap CopyChildMap() const override { return childrenByName; }
+    const ChildMap& GetNamedChildren() const override { return namedChildren; }
     bool IsConfigurable() const override { return false; }
     void SetFormat(float newSampleRate, uint32_t newChannelConfig) override;
     float GetSampleRate() const override { return sampleRate; }
@@ -44,8 +46,12 @@ public:
     uint32_t GetChannelCount() const override { return channelCount; }
     uint32_t GetLatency(Context context) const override { return GetLatencySamples(context); }
     uint32_t GetMaxLatency() const override { return GetMaxLatencySamples(); }
+    uint32_t GetExtraLatency() const override { return GetExtraLatencySamples(); }
+    void SetBlockOffset(uint32_t frames) override { blockOffset = frames; }
+    uint32_t GetBlockOffset() const override { return blockOffset; }
     uint32_t GetRegionCount() const override { return static_cast<uint32_t>(tails.size()); }
     uint32_t GetParamVersion() const override { return 0; }
+    ChangedParams CollectChangedParams() const override;
     bool HasExtraBytes() const override { return false; }
     uint32_t GetExtraBytesCount() const override { return 0; }
     void WriteExtraBytes(std::span<uint8_t> /*bytes*/) const override {}
@@ -81,14 +87,16 @@ public:
     ElementHost& GetHost() const { return host; }
 
 protected:
-    /// Appends a child that the concrete element owns. [setup]
-    void AddChild(Element& child);
+    /// Appends a child that the concrete element owns. `role` is what it is called here besides
+    /// its own name; empty: nothing. [setup]
+    void AddChild(Element& child, const String& role = "");
     /// Forgets a child before the concrete element ends it. [setup]
     void RemoveChild(Element& child);
 
     /// Samples of latency; see Element::GetLatency(). [any]
     virtual uint32_t GetLatencySamples(Context /*context*/) const { return 0; }
     virtual uint32_t GetMaxLatencySamples() const { return 0; }
+    virtual uint32_t GetExtraLatencySamples() const { return 0; }
     /// Restarts the concrete element's state. [process]
     virtual void OnReset() {}
     /// Works on the frame in place; `frames` is the tail's frame size unless that is 0. [process]
@@ -155,12 +163,15 @@ private:
     bool initialised = false;          // set by Reset(), cleared by a processed block
     bool commandsDisabled = false;
     int suspendCount = 0;
+    uint32_t blockOffset = 0; // frames
     std::optional<uint32_t> nextInputPosition;
     std::optional<uint32_t> nextOutputPosition;
     std::vector<Element*> children; // not owned
-    Element* parent = nullptr;      // not owned
-    DSPCommandFifo processFifo;     // UI side to process side
-    DSPCommandFifo uiFifo;          // process side to UI side
+    ChildMap childrenByName;
+    ChildMap namedChildren;
+    Element* parent = nullptr;  // not owned
+    DSPCommandFifo processFifo; // UI side to process side
+    DSPCommandFifo uiFifo;      // process side to UI side
     bool dryHistoryEnabled = false;
     std::vector<std::vector<DelayLine>> dryDelay; // [region][channel]
     std::unique_ptr<BypassFader> bypassFader;

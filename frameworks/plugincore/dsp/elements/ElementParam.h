@@ -8,7 +8,9 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <variant>
+#include <vector>
 
 namespace DSP {
 
@@ -80,6 +82,13 @@ using ParamObject = std::variant<std::shared_ptr<ElementParamImplBase<float>>,
 
 /// Parameters by name.
 using ParamMap = std::map<String, ParamObject>;
+
+/// Values that differ from their defaults, by name, in name order for each type.
+struct ChangedParams {
+    std::vector<std::pair<String, float>> floats;
+    std::vector<std::pair<String, bool>> bools;
+    std::vector<std::pair<String, String>> enums; ///< with the text of the value's label
+};
 
 /// Handle of a registered parameter: the element and the parameter's place in its table. Small, to
 /// be copied; the element outlives it. An empty handle, and one whose element is still under

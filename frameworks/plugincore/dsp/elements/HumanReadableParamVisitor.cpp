@@ -17,7 +17,7 @@ void HumanReadableParamVisitor::VisitFloat(const String& name,
                                            const ElementParamImplBase<float>& param)
 {
     if (IsChanged(param)) {
-        floats.emplace_back(name, param.GetValue(Context::UI));
+        changed.floats.emplace_back(name, param.GetValue(Context::UI));
     }
 }
 
@@ -25,14 +25,14 @@ void HumanReadableParamVisitor::VisitBool(const String& name,
                                           const ElementParamImplBase<bool>& param)
 {
     if (IsChanged(param)) {
-        bools.emplace_back(name, param.GetValue(Context::UI));
+        changed.bools.emplace_back(name, param.GetValue(Context::UI));
     }
 }
 
 void HumanReadableParamVisitor::VisitEnum(const String& name, const ElementParamEnumImplBase& param)
 {
     if (IsChanged(param)) {
-        enums.emplace_back(name, param.GetEnumLabel(param.GetValue(Context::UI)));
+        changed.enums.emplace_back(name, param.GetEnumLabel(param.GetValue(Context::UI)));
     }
 }
 

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "frameworks/plugincore/dsp/elements/Element.h"
-
-#include <utility>
-#include <vector>
+#include "frameworks/plugincore/dsp/elements/ElementParam.h"
 
 namespace DSP {
 
@@ -16,9 +13,7 @@ public:
     void VisitBool(const String& name, const ElementParamImplBase<bool>& param) override;
     void VisitEnum(const String& name, const ElementParamEnumImplBase& param) override;
 
-    std::vector<std::pair<String, float>> floats;
-    std::vector<std::pair<String, bool>> bools;
-    std::vector<std::pair<String, String>> enums;
+    ChangedParams changed;
 };
 
 } // namespace DSP

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 
-#include "frameworks/plugincore/dsp/elements/HumanReadableParamVisitor.h"
 #include "frameworks/qobase/util/DebugTrace.h"
 #include "tests/support/TestElementHost.h"
 
@@ -215,13 +214,12 @@ TEST_F(ElementDispatcherTest, CollectsWhatDiffersFromItsDefault)
 {
     element.SetEnumValue(Element::Mode, 4, Context::UI, 0);
     element.SetBoolValue(Element::Mute, true, Context::UI, 0);
-    DSP::HumanReadableParamVisitor visitor;
-    DSP::VisitParams(element.GetParamMap(), visitor);
-    EXPECT_TRUE(visitor.floats.empty());
-    ASSERT_EQ(visitor.enums.size(), 1U);
-    EXPECT_EQ(visitor.enums[0].second, String("four"));
-    ASSERT_EQ(visitor.bools.size(), 1U);
-    EXPECT_TRUE(visitor.bools[0].second);
+    const DSP::ChangedParams changed = element.CollectChangedParams();
+    EXPECT_TRUE(changed.floats.empty());
+    ASSERT_EQ(changed.enums.size(), 1U);
+    EXPECT_EQ(changed.enums[0].second, String("four"));
+    ASSERT_EQ(changed.bools.size(), 1U);
+    EXPECT_TRUE(changed.bools[0].second);
 }
 
 TEST(ElementDispatcher, ReportsAGapAndASecondRegistrationAndWorksWithTheFirst)

@@ -28,7 +28,8 @@ public:
 
     bool IsConfigurable() const override { return true; }
     bool IsActive(uint32_t) const override { return active; }
-    void Own(DSP::Element& child) { AddChild(child); }
+    void Own(DSP::Element& child, const String& role = "") { AddChild(child, role); }
+    void Disown(DSP::Element& child) { RemoveChild(child); }
     void SetFrameSize(uint32_t frames) { GetTail().SetFrameSize(frames); }
 
     static constexpr uint32_t MaxLatency = 300;
@@ -36,8 +37,10 @@ public:
     bool active = true;
     std::string events;
     std::vector<uint32_t> pieces;
+    std::vector<uint32_t> offsets;
 
 protected:
+    uint32_t GetExtraLatencySamples() const override { return 7; }
     uint32_t GetLatencySamples(Context) const override { return GetTail().GetLatency() + latency; }
     uint32_t GetMaxLatencySamples() const override { return MaxLatency; }
     void OnReset() override { events += "reset "; }
@@ -47,6 +50,7 @@ protected:
     void ProcessAudio(uint32_t frames, float* const* channels) override
     {
         pieces.push_back(frames);
+        offsets.push_back(GetBlockOffset());
         line.Process(channels[0], channels[0], frames);
         for (uint32_t i = 0; i < frames; ++i) {
             channels[0][i] *= 2;
@@ -72,12 +76,30 @@ struct ElementTest : testing::Test {
 
 } // namespace
 
+TEST_F(ElementTest, FindsItsChildrenByTheirNamesAndByWhatTheyDo)
+{
+    element.Own(child, "Role");
+    const DSP::Element::ChildMap before = element.CopyChildMap();
+    EXPECT_EQ(before.at("Doubler"), &child);
+    EXPECT_EQ(element.GetNamedChildren().at("Role"), &child);
+    EXPECT_EQ(element.GetNamedChildren().size(), 1U);
+    element.Disown(child);
+    EXPECT_TRUE(element.CopyChildMap().empty());
+    EXPECT_TRUE(element.GetNamedChildren().empty());
+    EXPECT_EQ(before.size(), 1U); // a copy
+    element.Own(child);
+    EXPECT_TRUE(element.GetNamedChildren().empty());
+    element.Disown(child);
+}
+
 TEST_F(ElementTest, CutsALongPassThroughBlockToTheHostsLargest)
 {
     host.maxBlockFrames = 100;
     RunThrough(std::vector<float>(250, 1.0F));
     EXPECT_EQ(element.pieces, (std::vector<uint32_t>{100, 100, 50}));
     EXPECT_EQ(host.blockOffset, 250U);
+    EXPECT_EQ(element.offsets, (std::vector<uint32_t>{0, 100, 200}));
+    EXPECT_EQ(element.GetExtraLatency(), 7U);
     element.pieces.clear();
     element.SetFrameSize(64);
     RunThrough(std::vector<float>(200, 1.0F)); // frames are never cut

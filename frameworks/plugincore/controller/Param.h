@@ -9,6 +9,7 @@
 #include <any>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Controller {
@@ -113,10 +114,23 @@ public:
     using DefaultParam::DefaultParam;
 };
 
+/// Something that changes, for those to whom the value's type doesn't matter. [ui]
+class ChangeNotifier {
+public:
+    virtual ~ChangeNotifier() = default;
+    /// Calls `listener` after each change, until the connection ends.
+    [[nodiscard]] virtual Connection ConnectChange(std::function<void()> listener) = 0;
+};
+
 /// A text; it has no range.
-class StringParam : public DefaultParam<String, Param<String>> {
+class StringParam : public DefaultParam<String, Param<String>>, public ChangeNotifier {
 public:
     using DefaultParam::DefaultParam;
+    [[nodiscard]] Connection ConnectChange(std::function<void()> listener) override
+    {
+        return ValueChanged().Connect(
+            [notify = std::move(listener)](const String& /*text*/) { notify(); });
+    }
 };
 
 extern template class Param<float>;

@@ -264,6 +264,15 @@ TEST(ConfigFileParamTest, StartsWithTheSettingAndWritesWhatDiffers)
     text.SetValue("\xC3\xA4");
     text.ResetToDefault();
     EXPECT_EQ(file.ReadString("Text", ""), "none");
+    ChangeNotifier& notifier = text; // for whoever needn't know that it is a text
+    int changes = 0;
+    Connection connection = notifier.ConnectChange([&changes] { ++changes; });
+    text.SetValue("some");
+    text.SetValue("some");
+    EXPECT_EQ(changes, 1);
+    connection.reset();
+    text.SetValue("none");
+    EXPECT_EQ(changes, 1);
 
     BoolParamConfigFile(file, "Flag", false).SetValue(true);
     EXPECT_TRUE(BoolParamConfigFile(file, "Flag", false).GetValue());

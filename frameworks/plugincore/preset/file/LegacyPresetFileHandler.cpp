@@ -42,10 +42,15 @@ LegacyPresetFileHandlerBase::LegacyPresetFileHandlerBase(PresetFileBase& newFile
 
 Util::Expected<void> LegacyPresetFileHandlerBase::ReadDocument(const Util::XmlNode& root)
 {
+    beforeBody(root);
     if (auto result = ReadCategories(root); !result) {
         return result;
     }
-    return file.ReadMacroControls(root);
+    if (auto result = file.ReadMacroControls(root); !result) {
+        return result;
+    }
+    afterBody(root);
+    return {};
 }
 
 Util::Expected<void> LegacyPresetFileHandlerBase::ReadCategories(const Util::XmlNode& root)
@@ -83,6 +88,14 @@ void LegacyPresetFileHandlerBase::ReadParam(const Util::XmlNode& param)
     const String element = MapElementName(param.GetAttribute("ElementID"));
     const String name = param.GetAttribute("ParamID");
     const String text = param.GetAttribute("Value");
+    if (IsCheckboxBound(element, name)) {
+        return;
+    }
+    const auto value = Util::ParseFloat(text);
+    const auto sliderId = Util::ParseUInt(param.GetAttribute("SliderID"));
+    if (sliderId && value && MapSliderParam(element, name, *sliderId, *value)) {
+        return;
+    }
     if (MapBoolParam(element, name, text == "1")) {
         return;
     }
@@ -90,8 +103,8 @@ void LegacyPresetFileHandlerBase::ReadParam(const Util::XmlNode& param)
     if (number && MapEnumParam(element, name, *number)) {
         return;
     }
-    if (const auto value = Util::ParseFloat(text)) {
-        MapFloatParam(element, name, *value);
+    if (const auto known = value ? value : GetDefaultValue(element, name)) {
+        MapFloatParam(element, name, *known);
     }
 }
 
@@ -104,6 +117,26 @@ String LegacyPresetFileHandlerBase::MapElementName(const String& name) const
 bool LegacyPresetFileHandlerBase::MapBoolParam(const String& /*element*/,
                                                const String& /*param*/,
                                                bool /*value*/)
+{
+    return false;
+}
+
+bool LegacyPresetFileHandlerBase::MapSliderParam(const String& /*element*/,
+                                                 const String& /*param*/,
+                                                 uint32_t /*sliderId*/,
+                                                 float /*value*/)
+{
+    return false;
+}
+
+std::optional<float> LegacyPresetFileHandlerBase::GetDefaultValue(const String& /*element*/,
+                                                                  const String& /*param*/) const
+{
+    return std::nullopt;
+}
+
+bool LegacyPresetFileHandlerBase::IsCheckboxBound(const String& /*element*/,
+                                                  const String& /*param*/) const
 {
     return false;
 }

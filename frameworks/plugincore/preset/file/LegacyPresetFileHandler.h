@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 
 namespace Preset {
 
@@ -32,16 +33,28 @@ public:
     virtual bool AcceptsType(const String& /*type*/) const { return false; }
     /// Whether extra bytes of the older form still mean the same.
     virtual bool HasExtraBytes() const { return true; }
+    /// Around the reading of what is below the root.
+    virtual void beforeBody(const Util::XmlNode& /*root*/) {}
+    virtual void afterBody(const Util::XmlNode& /*root*/) {}
     virtual Util::Expected<void> ReadCategories(const Util::XmlNode& root);
     /// Present name of an element.
     virtual String MapElementName(const String& name) const;
     /// Each takes a value under the element's present and the parameter's older name, and returns
     /// whether it knows the parameter as one of this type. What none knows is dropped.
     virtual bool MapBoolParam(const String& element, const String& param, bool value);
+    /// The same of a number that macro slider `sliderId` moved, which is asked before the others.
+    virtual bool
+    MapSliderParam(const String& element, const String& param, uint32_t sliderId, float value);
     virtual bool MapEnumParam(const String& element, const String& param, uint32_t value);
     virtual bool MapFloatParam(const String& element, const String& param, float value);
+    /// What a parameter, by the names as above, has when the file names it without a number that
+    /// can be read; empty: it is dropped.
+    virtual std::optional<float> GetDefaultValue(const String& element, const String& param) const;
     /// After everything has been read.
     virtual void FinishRead(uint32_t /*version*/) {}
+    /// Whether a parameter follows a macro check box of the older form, which then has its value:
+    /// the parameter's own isn't read.
+    virtual bool IsCheckboxBound(const String& element, const String& param) const;
 
 protected:
     PresetFileBase& GetFile() { return file; }

@@ -41,6 +41,34 @@ public:
         }
         return param == "Percent";
     }
+    // Macro slider 3 of the older form counts in tenths.
+    bool MapSliderParam(const String& element,
+                        const String& param,
+                        uint32_t sliderId,
+                        float value) override
+    {
+        return sliderId == 3 && MapFloatParam(element, param, value * 100.0F);
+    }
+    std::optional<float> GetDefaultValue(const String& /*element*/,
+                                         const String& param) const override
+    {
+        return param == "Percent" ? std::optional<float>(70.0F) : std::nullopt;
+    }
+    bool IsCheckboxBound(const String& /*element*/, const String& param) const override
+    {
+        return param == "Switch" && isSwitchBound;
+    }
+    void beforeBody(const Util::XmlNode& root) override
+    {
+        isSwitchBound = root.GetAttribute("Comments") == "bound";
+    }
+    void afterBody(const Util::XmlNode& /*root*/) override
+    {
+        GetFile().SetEnumValue("Puffguard", "Mode", isSwitchBound ? 2 : 3);
+    }
+
+private:
+    bool isSwitchBound = false;
 };
 
 class OldFile final : public LmPresetFile {
@@ -93,6 +121,25 @@ TEST(LegacyPreset, IsMappedAndNeverWrittenOver)
     std::filesystem::remove(newPath);
     ASSERT_TRUE(file.SaveAgain());
     EXPECT_NE(Fixture::Read(newPath).find("<LM6Pfgd PresetVer=\"1\""), std::string::npos);
+}
+
+TEST(LegacyPreset, AsksItsHandlerForSlidersDefaultsAndCheckBoxes)
+{
+    const std::tuple<const char*, const char*, float, bool> cases[] = {
+        {"Value=\"25\"", "Value=\"0.25\" SliderID=\"3\"", 2.5F, true},
+        {"Value=\"25\"", "Value=\"25\" SliderID=\"4\"", 2.5F, true},
+        {"Value=\"25\"", "", 7.0F, true},
+        {"from then", "bound", 2.5F, false}};
+    for (const auto& [from, to, amount, isOn] : cases) {
+        Fixture fixture;
+        OldFile file(fixture.identity, fixture.dsp, nullptr);
+        file.TakeSnapshotFromDSP();
+        ASSERT_TRUE(file.Load(fixture.Write("old.xml", Replaced(OldText, from, to)))) << to;
+        ASSERT_TRUE(fixture.dsp.Apply(file.GetSnapshot()));
+        EXPECT_EQ(fixture.Amount(), amount) << to;
+        EXPECT_EQ(fixture.Element().GetBoolValue(2, DSP::Context::UI), isOn) << to;
+        EXPECT_EQ(fixture.Element().GetEnumValue(1, DSP::Context::UI), isOn ? 3U : 2U) << to;
+    }
 }
 
 TEST(LegacyPreset, IsRefusedByWhatItsHandlerKnows)

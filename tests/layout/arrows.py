@@ -110,7 +110,9 @@ LIBRARIES = {
 KNOTS = {
     # An element makes the controllers of its parameters through a factory that its host hands in.
     ELEMENTS: {"Controller::BoolParam", "Controller::EnumParam", "Controller::FloatParam",
-               "Controller::StringParam"},
+               "Controller::StringParam",
+               # Elements hand the host's record on to whoever knows the entry.
+               "TransportRecord"},
     # A product's set hands out what its presets are read and written by.
     PATH: {"Preset::PresetDSPInterfaceBase", "Preset::PresetMetadataBase"},
 }

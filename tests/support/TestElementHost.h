@@ -47,6 +47,8 @@ public:
     uint32_t GetProcessBlockOffset() const override { return blockOffset; }
     uint64_t GetProcessPosition() const override { return 0; }
     std::optional<int64_t> GetTransportPosition() const override { return {}; }
+    const TransportRecord* GetTransportState() const override { return nullptr; }
+    bool HasNativeWindow() const override { return false; }
     void LatencyChanged(DSP::Context /*context*/) override { ++latencyChanges; }
     uint32_t GetProcessingSystemDelaySamples() const override { return 0; }
     bool IsUIThread() const override { return true; }

@@ -22,6 +22,33 @@ int32_t Constrain(int32_t value, std::optional<uint32_t> low, std::optional<uint
     return static_cast<int32_t>(std::min(size, 2147483520.0F));
 }
 
+// The caller knows how long the texts are, as it knows the product.
+void PutText(const String& text, char* place)
+{
+    std::copy_n(text.c_str(), text.Length() + 1, place);
+}
+
+uint32_t DescribeModule(const PluginDefinition& definition, ModuleListRecord& record)
+{
+    const bool isContent = record.op == ModuleListOpGetContent;
+    if (isContent && (record.text == nullptr || record.data == nullptr)) {
+        return PluginCoreNullRecord;
+    }
+    if (record.index >= definition.GetModuleCount()) {
+        return PluginCoreUnsupported;
+    }
+    if (isContent) {
+        const PluginDefinition::ModuleContent content = definition.GetModuleContent(record.index);
+        PutText(content.text, record.text);
+        std::copy(content.data.begin(), content.data.end(), static_cast<uint8_t*>(record.data));
+    } else {
+        record.value = record.op == ModuleListOpGetFirstValue
+                           ? definition.GetModuleFirstValue(record.index)
+                           : definition.GetModuleSecondValue(record.index);
+    }
+    return PluginCoreSuccess;
+}
+
 } // namespace
 
 uint32_t EditorCommand(PluginCore& plugin, DSP::Context /*context*/, void* data)
@@ -30,8 +57,10 @@ uint32_t EditorCommand(PluginCore& plugin, DSP::Context /*context*/, void* data)
     auto& record = As<EditorRecord>(data);
     switch (record.op) {
     case EditorOpOpen:
-        return PluginCoreNoEditor;
+        return plugin.OpenEditor(record) ? PluginCoreSuccess : PluginCoreNoEditor;
     case EditorOpClose:
+        plugin.CloseEditor();
+        return PluginCoreSuccess;
     case EditorOpIdle:
     case EditorOpShow:
     case EditorOpNone:
@@ -111,27 +140,26 @@ uint32_t StateCommand(PluginCore& plugin, DSP::Context /*context*/, void* data)
     return PluginCoreSuccess;
 }
 
-uint32_t ModuleListQuery(PluginCore& /*plugin*/, DSP::Context /*context*/, void* data)
+uint32_t ModuleListQuery(PluginCore& plugin, DSP::Context /*context*/, void* data)
 {
+    const PluginDefinition& definition = plugin.GetDefinition();
     auto& record = As<ModuleListRecord>(data);
     switch (record.op) {
     case ModuleListOpGetCount:
-        record.count = 0;
+        record.count = definition.GetModuleCount();
         return PluginCoreSuccess;
     case ModuleListOpGetFirstValue:
     case ModuleListOpGetSecondValue:
-        return PluginCoreUnsupported; // every index is past the end of an empty list
     case ModuleListOpGetContent:
-        return record.text == nullptr || record.data == nullptr ? PluginCoreNullRecord
-                                                                : PluginCoreUnsupported;
+        return DescribeModule(definition, record);
     case ModuleListOpGetTotal:
-        record.value = 0;
+        record.value = definition.GetModuleTotal();
         return PluginCoreSuccess;
     case ModuleListOpGetText:
         if (record.text == nullptr) {
             return PluginCoreNullRecord;
         }
-        record.text[0] = '\0';
+        PutText(definition.GetModuleListText(), record.text);
         return PluginCoreSuccess;
     default:
         return PluginCoreUnsupported;

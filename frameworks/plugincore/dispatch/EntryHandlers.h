@@ -52,8 +52,7 @@ uint32_t TransformReset(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t TransformRead(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t LoadTransformData(PluginCore& plugin, DSP::Context context, void* data);
 
-// Editor, state and module list. There is neither an editor nor a list, and each says so in its own
-// way.
+// Editor, state and module list. Without an editor each of its operations says so in its own way.
 uint32_t EditorCommand(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t EditorKey(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t EditorMouse(PluginCore& plugin, DSP::Context context, void* data);

@@ -301,7 +301,10 @@ PLUGIN_CORE_AT(HostInfoRecord, length, 0);
 PLUGIN_CORE_AT(HostInfoRecord, name, 8);
 PLUGIN_CORE_AT(HostInfoRecord, version, 16);
 
+PLUGIN_CORE_SIZE(ChangedParamsRecord, 16);
+PLUGIN_CORE_AT(ChangedParamsRecord, text, 8);
 PLUGIN_CORE_SIZE(AutomationEventRecord, 156);
+PLUGIN_CORE_AT(AutomationEventRecord, events, 4);
 PLUGIN_CORE_AT(AutomationEventRecord, handled, 152);
 
 PLUGIN_CORE_SIZE(ReinstantiateRecord, 16);

@@ -56,6 +56,19 @@ typedef struct ParamValueRecord {
     float value;
 } ParamValueRecord;
 
+/** Message of SelectorHostMessage with context 1; data: ChangedParamsRecord. */
+#define PLUGIN_CORE_MESSAGE_CHANGED_PARAMS 0x50754350u
+
+/**
+ * The parameters of the session whose value isn't the default, for people: for each a line of its
+ * identifier, a tab, its value and a line feed. PluginCoreUnsupported without a record.
+ */
+typedef struct ChangedParamsRecord {
+    uint32_t size; /**< bytes; in: of `text`, out: of the whole list with the NUL at its end */
+    uint32_t reserved4;
+    char* text; /**< out; untouched when the list doesn't fit, or null */
+} ChangedParamsRecord;
+
 /** SelectorGetParamAtPoint. */
 typedef struct ParamAtPointRecord {
     int32_t x;
@@ -78,9 +91,17 @@ typedef struct ParamEventRecord {
     float value; /**< normalised */
 } ParamEventRecord;
 
-/** HostOpcodeAutomationEvent: gestures of several parameters at once. */
+/** Most parameters of an AutomationEventRecord. */
+#define PLUGIN_CORE_MAX_AUTOMATION_EVENTS 12u
+
+/**
+ * HostOpcodeAutomationEvent: what one action of the user, such as a preset, has changed of several
+ * parameters at once. What the wrapper doesn't deal with comes as one HostOpcodeParamEvent each.
+ */
 typedef struct AutomationEventRecord {
-    uint8_t gestures[152];
+    uint32_t count;                                             /**< events, from 2 on */
+    ParamEventRecord events[PLUGIN_CORE_MAX_AUTOMATION_EVENTS]; /**< kind: value changed */
+    uint32_t reserved148;
     uint32_t handled; /**< out: not 0 when the wrapper has dealt with it */
 } AutomationEventRecord;
 

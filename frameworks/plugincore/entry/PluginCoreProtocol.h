@@ -88,21 +88,21 @@ typedef enum PluginCoreSelector {
 
 /**
  * Second argument of the host callback; the comment names the record. This build of the module
- * sends 1, 2, 12, 16 and 17; the others belong to an editor and to services that it doesn't have.
+ * doesn't send 4 and 5, which belong to an editor, nor 18 and 19, which a console will ask for.
  */
 typedef enum PluginCoreHostOpcode {
     HostOpcodeParamEvent = 1,           /**< ParamEventRecord */
     HostOpcodeLatencyChanged = 2,       /**< uint32_t, samples; the context is whose latency */
-    HostOpcodeReloadEditor = 3,         /**< none */
+    HostOpcodeReloadEditor = 3,         /**< none; what is not automatable has changed */
     HostOpcodeUICodeEnd = 4,            /**< none */
     HostOpcodeUICodeBegin = 5,          /**< none */
     HostOpcodeGetHostDelay = 12,        /**< uint32_t out, samples that the host adds */
-    HostOpcodeGetHostInfo = 13,         /**< HostInfoRecord out */
+    HostOpcodeGetHostInfo = 13,         /**< HostInfoRecord out, asked once */
     HostOpcodeAutomationEvent = 14,     /**< AutomationEventRecord */
     HostOpcodeDirtyState = 16,          /**< none */
     HostOpcodeGetWindowHint = 17,       /**< WindowHintRecord out */
-    HostOpcodeGetProcessSeconds = 18,   /**< float out */
-    HostOpcodeGetUISeconds = 19,        /**< float out */
+    HostOpcodeGetProcessSeconds = 18,   /**< float out: time spent on audio */
+    HostOpcodeGetUISeconds = 19,        /**< float out: time spent on the UI side */
     HostOpcodeRequestReinstantiate = 20 /**< ReinstantiateRecord */
 } PluginCoreHostOpcode;
 

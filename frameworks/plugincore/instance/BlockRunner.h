@@ -65,6 +65,10 @@ public:
     bool GetRenderFlagA() const noexcept { return renderFlagA; }
     bool GetRenderFlagB() const noexcept { return renderFlagB; }
     std::optional<int64_t> GetTransportPosition() const;
+    const TransportRecord* GetTransportState() const noexcept
+    {
+        return transportValid ? &transport : nullptr;
+    }
     void SetBlockOffset(uint32_t frames) noexcept { blockOffset = frames; }
     uint32_t GetBlockOffset() const noexcept { return blockOffset; }
 

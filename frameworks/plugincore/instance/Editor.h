@@ -3,6 +3,8 @@
 
 #include "frameworks/qobase/util/String.h"
 
+#include <cstdint>
+
 /// The open editor of an instance, as the instance drives it. Every call comes with the UI lock
 /// held; those around a new stream format hold the processing lock as well. [ui]
 class Editor {
@@ -11,6 +13,9 @@ public:
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
     virtual ~Editor() = default;
+
+    /// The handle of its window as the host's platform knows it; 0: there is none.
+    virtual uint64_t GetNativeWindow() const { return 0; }
 
     /// Around the loading of a whole state, in which many values change at once.
     virtual void BeginLoad() = 0;

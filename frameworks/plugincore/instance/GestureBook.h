@@ -26,6 +26,13 @@ public:
     /// One without its Grab() ends nothing.
     Ended Release(const DSP::Element& element, const String& name);
 
+    bool IsHeld(const DSP::Element& element, const String& name) const
+    {
+        return held.count({&element, name}) != 0;
+    }
+    /// Whether a gesture or an action goes on.
+    bool IsUnderWay() const { return underWay != 0; }
+
     /// Around an action that changes several parameters or none.
     void BeginAction() { ++underWay; }
     /// True when the action is done, as in Ended.

@@ -6,9 +6,11 @@
 #include "frameworks/plugincore/instance/HostCallback.h"
 #include "frameworks/plugincore/instance/HostParams.h"
 
+#include <vector>
+
 /// Reports what the user does in an instance: each change to the open editor, then changes and
 /// gestures of automatable parameters to the host, and at the end of each action that the state has
-/// changed, if it has.
+/// changed, if it has, or something that the host doesn't automate.
 ///
 /// Threads: all under the UI lock. [ui]
 class GestureReport {
@@ -28,7 +30,7 @@ public:
     void Changed(const DSP::Element& element, const String& name);
 
     /// Something that the user does in one go, from here to the end of the scope: the host is
-    /// notified once, at the end, that the state has changed, if it has. [ui]
+    /// notified at the end, of all changes at once and that the state has changed, if it has. [ui]
     class UserAction {
     public:
         explicit UserAction(GestureReport& newReport);
@@ -45,9 +47,15 @@ public:
 
 private:
     void ReportToHost(PluginCoreParamEvent kind, const DSP::Element& element, const String& name);
+    ParamEventRecord MakeEvent(PluginCoreParamEvent kind, uint32_t index) const;
+    void ReportChange(const DSP::Element& element, const String& name, uint32_t index);
+    void ReportRest();
 
     HostCallback& host;
     EditorLink& editor;
     const HostParams& params;
     GestureBook book;
+    uint32_t actions = 0;                    // under way
+    std::vector<ParamEventRecord> collected; // changes of the actions, the last of each parameter
+    bool mustReload = false;                 // something has changed that isn't automatable
 };

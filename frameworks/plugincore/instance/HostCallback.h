@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <optional>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -30,8 +31,15 @@ public:
     /// Both sides. Allocates only while notifications are held back, never on the process side.
     void NotifyLatency(DSP::Context context, uint32_t samples);
     void NotifyParam(const ParamEventRecord& event);
+    /// What one action has changed of several parameters: in one record, or one by one where the
+    /// host doesn't take that. [ui]
+    void NotifyParams(std::span<const ParamEventRecord> events);
     /// The state has changed by what the user did. [ui]
     void NotifyDirty();
+    /// Something has changed that the host shows and isn't automatable. [ui]
+    void NotifyReload();
+    /// The wrapper is to build the instance anew. [ui]
+    void NotifyReinstantiate();
 
     /// Holds back what the calling thread notifies, from here to TakeHeld(). One thread at a time,
     /// with the UI lock held. [ui]
@@ -42,6 +50,7 @@ public:
 
 private:
     void SendOrHold(const Notification& notification);
+    bool IsHolding() const { return holdingThread.load() == std::this_thread::get_id(); }
 
     const PluginCoreHostFunction function;
     void* const refcon;

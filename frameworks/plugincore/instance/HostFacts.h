@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
 /// What an instance knows of the host that it runs in.
 class HostFacts {
@@ -15,13 +16,24 @@ public:
 
     uint32_t GetNumber() const { return identity.number; }
 
-    /// Asks where the editor is to be placed; what was known stays when the host refuses. [setup]
-    void AskWindowHint(const HostCallback& host);
+    /// Asks where the editor is to be placed, and once for the host's own name and version; what
+    /// was known stays when the host refuses. [setup]
+    void Ask(const HostCallback& host);
+    /// As the host has it, or else as its program is known. [ui]
+    const String& GetName() const { return name; }
+    /// Empty when the host has none to give. [ui]
+    std::optional<float> GetVersion() const { return version; }
     /// The host's number of the track that the instance is on. [any]
     void SetTrackValue(uint64_t value);
 
 private:
+    void AskWindowHint(const HostCallback& host);
+    void AskName(const HostCallback& host);
+
     const HostIdentity identity;
+    bool hasAskedName = false;
+    String name;
+    std::optional<float> version;
     WindowHintRecord windowHint{};
     std::atomic<uint64_t> trackValue{0};
     std::atomic<bool> hasTrackValue{false};

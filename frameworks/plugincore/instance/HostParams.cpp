@@ -3,8 +3,9 @@
 
 #include "frameworks/plugincore/instance/ParamRecords.h"
 
-HostParams::HostParams(const DSP::TransformBase& newPath)
+HostParams::HostParams(const DSP::TransformBase& newPath, const Translator& newTranslator)
     : path(newPath)
+    , translator(newTranslator)
 {
     Rebuild();
 }
@@ -31,7 +32,7 @@ uint32_t HostParams::GetAutomatableCount() const
 void HostParams::ListAutomatable(ParamInfoRecord* records) const
 {
     for (const DSP::AutomatableParam& entry : path.GetParamSet().GetParams()) {
-        FillParamInfo(entry.param, entry.elementName, entry.displayName, *records++);
+        FillParamInfo(entry.param, entry.elementName, entry.displayName, translator, *records++);
     }
 }
 
@@ -70,6 +71,7 @@ void HostParams::FillElementParam(const ElementParam& entry, ElementParamInfoRec
     FillParamInfo(entry.param,
                   entry.elementName,
                   String("%1 %2").arg(entry.elementName).arg(paramName),
+                  translator,
                   info);
     if (const auto index = FindAutomatable(*entry.element, paramName)) {
         info.isAutomatable = 1;

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/dsp/path/TransformBase.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/plugincore/product/Translator.h"
 
 #include <cstdint>
 #include <optional>
@@ -20,8 +21,8 @@ public:
         const DSP::ParamObject* param; ///< until the next Rebuild()
     };
 
-    /// `newPath` outlives this object.
-    explicit HostParams(const DSP::TransformBase& newPath);
+    /// Both outlive this object.
+    HostParams(const DSP::TransformBase& newPath, const Translator& newTranslator);
     /// After the elements were made anew. [setup]
     void Rebuild();
 
@@ -48,5 +49,6 @@ private:
     void FillElementParam(const ElementParam& entry, ElementParamInfoRecord& record) const;
 
     const DSP::TransformBase& path;
+    const Translator& translator;
     std::vector<ElementParam> elementParams;
 };

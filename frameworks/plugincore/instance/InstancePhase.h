@@ -10,6 +10,8 @@ struct InstancePhase {
     /// The signal path rests while it is made anew or settles, or for good.
     std::atomic<bool> suspended{false};
     std::atomic<bool> switching{false}; ///< a new format is being taken, under both locks
+    /// Changes and gestures are reported to the host.
+    std::atomic<bool> automationEnabled{true};
     /// A change on the process side has left something to the tick, which exchanges the flag.
     std::atomic<bool> processDirty{false};
 };

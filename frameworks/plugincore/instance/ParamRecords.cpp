@@ -13,7 +13,7 @@ using FloatParam = DSP::ElementParamImplBase<float>;
 using BoolParam = DSP::ElementParamImplBase<bool>;
 using EnumParam = DSP::ElementParamEnumImplBase;
 
-void FillType(const FloatParam& param, ParamInfoRecord& record)
+void FillType(const FloatParam& param, const Translator& /*translator*/, ParamInfoRecord& record)
 {
     record.type = ParamTypeFloat;
     record.minimum = param.GetRange().min;
@@ -21,7 +21,7 @@ void FillType(const FloatParam& param, ParamInfoRecord& record)
     record.defaultValue = param.GetDefault();
 }
 
-void FillType(const BoolParam& param, ParamInfoRecord& record)
+void FillType(const BoolParam& param, const Translator& /*translator*/, ParamInfoRecord& record)
 {
     record.type = ParamTypeBool;
     record.maximum = 1.0F;
@@ -30,14 +30,16 @@ void FillType(const BoolParam& param, ParamInfoRecord& record)
 }
 
 // All labels, with tabs between them, or none: hosts take the n-th text for the n-th value.
-void FillLabels(const EnumParam& param, DSP::ValueRange<uint32_t> range, ParamInfoRecord& record)
+void FillLabels(const EnumParam& param, const Translator& translator, ParamInfoRecord& record)
 {
+    const uint32_t first = param.GetRange().min;
     String labels;
     uint32_t count = 0;
     for (uint32_t step = 0; step < record.steps; ++step) {
-        const String label = param.GetEnumLabel(range.min + step);
+        const String label = param.GetEnumLabel(first + step);
         count += label.IsNull() ? 0 : 1; // null: the value has none
-        labels = step == 0 ? label : labels + "\t" + label;
+        const String text = label.IsNull() ? label : translator.Translate(label);
+        labels = step == 0 ? text : labels + "\t" + text;
     }
     if (count == record.steps && labels.Length() < sizeof record.labels) {
         CopyText(record.labels, labels);
@@ -46,7 +48,7 @@ void FillLabels(const EnumParam& param, DSP::ValueRange<uint32_t> range, ParamIn
     }
 }
 
-void FillType(const EnumParam& param, ParamInfoRecord& record)
+void FillType(const EnumParam& param, const Translator& translator, ParamInfoRecord& record)
 {
     const auto range = param.GetRange();
     record.type = ParamTypeEnum;
@@ -54,7 +56,7 @@ void FillType(const EnumParam& param, ParamInfoRecord& record)
     record.maximum = static_cast<float>(range.max);
     record.defaultValue = static_cast<float>(param.GetDefault());
     record.steps = range.max - range.min + 1;
-    FillLabels(param, range, record);
+    FillLabels(param, translator, record);
 }
 
 float Normalise(const FloatParam& param, DSP::Context context)
@@ -98,6 +100,7 @@ uint32_t Denormalise(const EnumParam& param, float value)
 void FillParamInfo(const DSP::ParamObject& param,
                    const String& elementName,
                    const String& displayName,
+                   const Translator& translator,
                    ParamInfoRecord& record)
 {
     record = ParamInfoRecord();
@@ -105,10 +108,10 @@ void FillParamInfo(const DSP::ParamObject& param,
         [&](const auto& object) {
             const DSP::ParamInfo& info = object->GetParamInfo();
             CopyText(record.identifier, elementName + "." + object->GetName());
-            CopyText(record.displayName, displayName);
+            CopyText(record.displayName, translator.Translate(displayName));
             CopyText(record.units, info.units);
             record.flags = info.isLogarithmic ? ParamFlagLogarithmic : 0;
-            FillType(*object, record);
+            FillType(*object, translator, record);
         },
         param);
 }

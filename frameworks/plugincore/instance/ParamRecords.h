@@ -3,13 +3,16 @@
 
 #include "frameworks/plugincore/dsp/elements/ElementParam.h"
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "frameworks/plugincore/product/Translator.h"
 
 // Parameters as the entry shows them: values from 0 to 1, linear over the range.
 
-/// Describes a parameter. `elementName` is the one that the set knows it by. [ui]
+/// Describes a parameter, whose display name and labels go through the translator. `elementName` is
+/// the one that the set knows it by. [ui]
 void FillParamInfo(const DSP::ParamObject& param,
                    const String& elementName,
                    const String& displayName,
+                   const Translator& translator,
                    ParamInfoRecord& record);
 
 /// Value of that side, from 0 to 1. [any]

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/Plugin.h"
 
+#include "frameworks/plugincore/instance/ChangedParams.h"
 #include "frameworks/plugincore/instance/ParamRecords.h"
 #include "frameworks/plugincore/product/PluginInfo.h"
 #include "frameworks/qobase/util/Realtime.h"
@@ -29,18 +30,21 @@ uint64_t StackTop()
 
 } // namespace
 
-Plugin::Plugin(const PluginFactory& factory, const PluginSetup& setup)
-    : PluginCore(factory.GetDefinition(), setup)
+Plugin::Plugin(const PluginFactory& newFactory, const PluginSetup& setup)
+    : PluginCore(newFactory.GetDefinition(), setup)
     , PluginElementHost({GetThreadController().GetProcessLock(),
-                         factory.GetDefinition().GetMaxBlockFrames(),
+                         newFactory.GetDefinition().GetMaxBlockFrames(),
                          GetFormat() == FormatDPMAudioSuite || GetFormat() == FormatAU})
+    , factory(newFactory)
     , constructStart(setup.traceAllocations ? StackTop() : 0)
-    , settings(factory.GetDefinition(), IsOffline())
+    , settings(newFactory.GetDefinition(), IsOffline())
     , format(StreamFormat{setup.sampleRate, setup.channelConfig}.WithFallbacks())
     , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
+    , reinstantiateWatch(settings.ReadResourceOverride())
     , gestures(GetHostCallback(), editor, params)
     , transform(factory.CreateTransform(*this, format.sampleRate, format.channelConfig))
-    , params(*transform)
+    , translator(newFactory.CreateTranslator(GetForcedLanguage()))
+    , params(*transform, *translator)
     , preferences(GetSet(), settings.GetProductFile().GetKeyPath(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
     , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
@@ -62,6 +66,10 @@ Plugin::~Plugin()
 {
     GetPhase().suspended = true;
     timer.Stop();
+    {
+        const Util::CriticalSectionGuard guard(GetThreadController().GetUILock());
+        CloseEditor();
+    }
     history.FlushAtEnd(GetThreadController().GetUILock());
     latency.Attach(nullptr);
 }
@@ -95,13 +103,15 @@ IdleTimer::Setup Plugin::MakeTimerSetup()
 
 void Plugin::Initialize()
 {
-    hostFacts.AskWindowHint(GetHostCallback());
+    transform->Start();
+    hostFacts.Ask(GetHostCallback());
     GetPhase().initialized = true;
 }
 
 void Plugin::Terminate()
 {
     GetPhase().initialized = false;
+    transform->Stop();
     if (IsInSignalPath()) {
         return; // the end of the instance writes what is left
     }
@@ -116,6 +126,45 @@ void Plugin::AttachEditor(Editor* newEditor)
     state.LoadPending();
     editor.Attach(newEditor);
     history.onEditorAttached(editor.IsOpen());
+}
+
+bool Plugin::OpenEditor(const EditorRecord& record)
+{
+    if (editor.IsOpen()) {
+        return true;
+    }
+    ownEditor = factory.MakeEditor(*this, {record.parentWindow, record.x, record.y, record.scale});
+    if (ownEditor) {
+        AttachEditor(ownEditor.get());
+    }
+    return ownEditor != nullptr;
+}
+
+void Plugin::CloseEditor()
+{
+    if (ownEditor) {
+        AttachEditor(nullptr);
+        ownEditor.reset();
+    }
+}
+
+bool Plugin::HasNativeWindow() const
+{
+    return editor.IsOpen() && editor.Get()->GetNativeWindow() != 0;
+}
+
+std::optional<float> Plugin::AskHostSeconds(DSP::Context side) const
+{
+    const auto opcode =
+        side == DSP::Context::UI ? HostOpcodeGetUISeconds : HostOpcodeGetProcessSeconds;
+    float seconds = 0;
+    return GetHostCallback().Ask(opcode, DSP::Context::UI, &seconds) ? std::optional<float>(seconds)
+                                                                     : std::nullopt;
+}
+
+void Plugin::SetParamOverride(ParamOverride newOverride)
+{
+    paramOverride = std::move(newOverride);
 }
 
 void Plugin::GetAutomatableParamList(ParamInfoRecord* records) const
@@ -154,6 +203,9 @@ Plugin::SetParam(const std::optional<HostParams::Place>& place, DSP::Context con
     if (!place) {
         return PluginCoreUnsupported;
     }
+    if (paramOverride && paramOverride(context)) {
+        return PluginCoreSuccess;
+    }
     // Only around the set: the history and the host have their own arithmetic.
     const auto set = [&] {
         const Util::ScopedDenormalGuard denormalGuard;
@@ -178,7 +230,8 @@ Plugin::SetParam(const std::optional<HostParams::Place>& place, DSP::Context con
 
 bool Plugin::MayReport() const
 {
-    return !GetPhase().switching && !IsReconfiguring() && !state.HasPending();
+    return !GetPhase().switching && !IsReconfiguring() && !state.HasPending() &&
+           GetPhase().automationEnabled;
 }
 
 void Plugin::ParamGrabbed(DSP::Element& element, const String& name)
@@ -258,8 +311,17 @@ uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& reco
         }
         return presets.Answer(*static_cast<PresetRecord*>(record.data));
     }
+    case PLUGIN_CORE_MESSAGE_CHANGED_PARAMS:
+        if (context != DSP::Context::UI || record.data == nullptr ||
+            record.length < sizeof(ChangedParamsRecord)) {
+            return PluginCoreUnsupported;
+        }
+        AnswerChangedParams(GetSet(), *static_cast<ChangedParamsRecord*>(record.data));
+        return PluginCoreSuccess;
     default:
-        return PluginCoreUnsupported;
+        return transform->HostMessage(context, record.message, record.length, record.data)
+                   ? PluginCoreSuccess
+                   : PluginCoreUnsupported;
     }
 }
 
@@ -298,6 +360,10 @@ void Plugin::RunIdleWork()
     transform->GetSet().OnUIIdle();
     transform->GetSet().OnSyncParams();
     preferences.ApplyChanges();
+    transform->Idle();
     history.onIdle();
+    if (reinstantiateWatch.TakeChange()) {
+        GetHostCallback().NotifyReinstantiate();
+    }
     latency.Check(DSP::Context::UI);
 }

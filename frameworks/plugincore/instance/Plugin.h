@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/controller/Trackable.h"
 #include "frameworks/plugincore/instance/EditorLink.h"
 #include "frameworks/plugincore/instance/GestureReport.h"
 #include "frameworks/plugincore/instance/HistoryKeeper.h"
@@ -13,6 +14,7 @@
 #include "frameworks/plugincore/instance/PluginSettings.h"
 #include "frameworks/plugincore/instance/Preferences.h"
 #include "frameworks/plugincore/instance/PresetMessages.h"
+#include "frameworks/plugincore/instance/ReinstantiateWatch.h"
 #include "frameworks/plugincore/instance/StateKeeper.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
@@ -26,9 +28,13 @@
 /// Threads: a processing thread (context 0) and a UI thread (context 1), each under its lock, and
 /// the module's timer, which is a UI thread that comes when the UI lock is free. What both sides
 /// touch is atomic; each part names its lock.
-class Plugin final : public PluginCore, public PluginElementHost, public Util::HistoryDelegate {
+class Plugin final : public PluginCore,
+                     public PluginElementHost,
+                     public Util::HistoryDelegate,
+                     public Trackable {
 public:
-    Plugin(const PluginFactory& factory, const PluginSetup& setup);
+    /// `newFactory` outlives the instance.
+    Plugin(const PluginFactory& newFactory, const PluginSetup& setup);
     ~Plugin() override;
 
     // PluginCore
@@ -39,6 +45,7 @@ public:
     void GetAutomatableParamList(ParamInfoRecord* records) const override;
     uint32_t GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const override;
     uint32_t SetAutomatableParam(DSP::Context context, const ParamValueRecord& record) override;
+    void SetParamOverride(ParamOverride newOverride) override;
     uint32_t GetElementParamCount() const override { return params.GetElementParamCount(); }
     void GetElementParamList(ElementParamInfoRecord* records) const override;
     uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const override;
@@ -51,6 +58,7 @@ public:
     void ClearDefaultState() override { state.ClearDefaultFlag(); }
     bool IsInSignalPath() const override;
     void SetStreamFormat(float newSampleRate, uint32_t newChannelConfig) override;
+    void ForceReconfigure(float newSampleRate, uint32_t newChannelConfig) override;
     uint32_t GetLatency(DSP::Context context) const override;
     uint32_t ResetProcessing(DSP::Context context) override;
     void SetProcessingState(DSP::Context context, bool active, bool hold) override;
@@ -67,11 +75,14 @@ public:
     uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) override;
     uint32_t ElementCommand(ElementRecord& record) override;
     void SetHostTrackValue(uint64_t value) override { hostFacts.SetTrackValue(value); }
+    bool OpenEditor(const EditorRecord& record) override;
+    void CloseEditor() override;
 
     // DSP::ElementHost, what PluginElementHost leaves
     uint64_t GetProcessPosition() const override;
     void LatencyChanged(DSP::Context context) override { latency.onElementChanged(context); }
     uint32_t GetProcessingSystemDelaySamples() const override;
+    bool HasNativeWindow() const override;
     void ParamGrabbed(DSP::Element& element, const String& name) override;
     void ParamReleased(DSP::Element& element, const String& name) override;
     void ParamChanged(DSP::Element& element, const String& name) override;
@@ -99,6 +110,14 @@ public:
     Util::ConfigFile* GetSharedConfigFile() { return settings.GetSharedFile(); }
     const Util::Uuid& GetSessionUuid() const { return state.GetSessionUuid(); }
 
+    /// What the host is; known from Initialize() on. [ui]
+    const HostFacts& GetHostFacts() const { return hostFacts; }
+    /// Seconds that the host has measured of that side; empty when it measures none. Asks the host.
+    /// [ui]
+    std::optional<float> AskHostSeconds(DSP::Context side) const;
+    /// While it is off, neither changes nor gestures are reported to the host. [any]
+    void SetAutomationEnabled(bool isEnabled) { GetPhase().automationEnabled = isEnabled; }
+
     /// The open editor, of the calling thread from now on; it stays the caller's. Null: there is
     /// none. Under the UI lock. [ui]
     void AttachEditor(Editor* newEditor);
@@ -113,19 +132,25 @@ private:
     uint32_t
     SetParam(const std::optional<HostParams::Place>& place, DSP::Context context, float value);
     bool MayReport() const;
+    void Reconfigure(const StreamFormat& wanted);
 
+    const PluginFactory& factory;
     const uint64_t constructStart;
     HostFacts hostFacts;
     PluginSettings settings;
     StreamFormat format;
     LatencyReport latency;
+    ParamOverride paramOverride;
+    ReinstantiateWatch reinstantiateWatch;
     EditorLink editor;
     GestureReport gestures;
     const std::unique_ptr<DSP::TransformBase> transform; // when made, may call what stands above it
+    const std::unique_ptr<const Translator> translator;
     HostParams params;
     Preferences preferences;
     HistoryKeeper history;
     StateKeeper state;
     PresetMessages presets;
+    std::unique_ptr<Editor> ownEditor; // what OpenEditor() has made; null: none
     IdleTimer timer;
 };

@@ -9,6 +9,7 @@
 #include "frameworks/plugincore/product/PluginDefinition.h"
 #include "frameworks/qobase/util/Bytes.h"
 
+#include <functional>
 #include <optional>
 #include <span>
 
@@ -54,6 +55,10 @@ struct PluginCore {
     virtual void GetAutomatableParamList(ParamInfoRecord* records) const = 0;
     virtual uint32_t GetAutomatableParam(DSP::Context context, ParamValueRecord& record) const = 0;
     virtual uint32_t SetAutomatableParam(DSP::Context context, const ParamValueRecord& record) = 0;
+    /// Is asked for each parameter that the host sets, on that side: true keeps the set value out.
+    using ParamOverride = std::function<bool(DSP::Context context)>;
+    /// An empty one, as at first, keeps nothing out. [setup]
+    virtual void SetParamOverride(ParamOverride newOverride) = 0;
     virtual uint32_t GetElementParamCount() const = 0;
     virtual void GetElementParamList(ElementParamInfoRecord* records) const = 0;
     virtual uint32_t GetElementParam(DSP::Context context, ParamValueRecord& record) const = 0;
@@ -79,6 +84,9 @@ struct PluginCore {
     virtual bool IsInSignalPath() const = 0;
     /// Ignored from within the signal path.
     virtual void SetStreamFormat(float sampleRate, uint32_t channelConfig) = 0;
+    /// The same, also for the format of now: the signal path starts anew with all that is bound to
+    /// it.
+    virtual void ForceReconfigure(float sampleRate, uint32_t channelConfig) = 0;
     /// Samples.
     virtual uint32_t GetLatency(DSP::Context context) const = 0;
     virtual uint32_t ResetProcessing(DSP::Context context) = 0;
@@ -99,6 +107,11 @@ struct PluginCore {
     virtual uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) = 0;
     virtual uint32_t ElementCommand(ElementRecord& record) = 0;
     virtual void SetHostTrackValue(uint64_t value) = 0;
+
+    /// Opens the editor at the place that the record names; true when it is open, also when it was
+    /// before. [ui]
+    virtual bool OpenEditor(const EditorRecord& record) = 0;
+    virtual void CloseEditor() = 0;
 
 protected:
     HostCallback& GetHostCallback() { return hostCallback; }

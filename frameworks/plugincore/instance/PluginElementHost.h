@@ -53,6 +53,7 @@ public:
     {
         return blocks.GetTransportPosition();
     }
+    const TransportRecord* GetTransportState() const override { return blocks.GetTransportState(); }
     bool IsUIThread() const override { return !blocks.IsCallerInside(); }
     bool MayChangeDSP() const override;
     bool IsReconfiguring() const override { return phase.reconfiguring; }

@@ -91,7 +91,19 @@ bool Plugin::IsInSignalPath() const
 void Plugin::SetStreamFormat(float newSampleRate, uint32_t newChannelConfig)
 {
     const StreamFormat wanted{newSampleRate, newChannelConfig};
-    if (!wanted.IsServable() || wanted == format) {
+    if (!(wanted == format)) {
+        Reconfigure(wanted);
+    }
+}
+
+void Plugin::ForceReconfigure(float newSampleRate, uint32_t newChannelConfig)
+{
+    Reconfigure({newSampleRate, newChannelConfig});
+}
+
+void Plugin::Reconfigure(const StreamFormat& wanted)
+{
+    if (!wanted.IsServable()) {
         return;
     }
     // A change within a change is ignored, and so is one that a host callback asks for while this

@@ -35,10 +35,11 @@ std::optional<uint32_t> ReadFrozenDelay(const Util::ConfigFile& settings)
 
 } // namespace
 
-PluginSettings::PluginSettings(const PluginDefinition& definition, bool newIsOffline)
+PluginSettings::PluginSettings(const PluginDefinition& newDefinition, bool newIsOffline)
     : isOffline(newIsOffline)
-    , productFile(MakeProductPath(definition))
-    , sharedFile(MakeSharedFile(definition))
+    , definition(newDefinition)
+    , productFile(MakeProductPath(newDefinition))
+    , sharedFile(MakeSharedFile(newDefinition))
 {
 }
 
@@ -48,4 +49,14 @@ LatencyReport::Settings PluginSettings::ReadLatencySettings() const
         return {};
     }
     return {productFile.ReadBool("DelayCompensationEnable", true), ReadFrozenDelay(productFile)};
+}
+
+String PluginSettings::ReadResourceOverride() const
+{
+    if (isOffline) {
+        return "";
+    }
+    const Util::ConfigFile ofVendor(String("SOFTWARE/%1").arg(definition.GetVendor()));
+    return ofVendor.ReadString(
+        String("%1.%2").arg("ResourceOverridePath").arg(definition.GetShortName()), "");
 }

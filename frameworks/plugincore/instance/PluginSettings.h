@@ -10,7 +10,7 @@
 /// The user's settings as an instance finds them. The files have their own locks. [any]
 class PluginSettings {
 public:
-    PluginSettings(const PluginDefinition& definition, bool newIsOffline);
+    PluginSettings(const PluginDefinition& newDefinition, bool newIsOffline);
 
     /// The user's settings for this product, also of an offline instance, which looks at them only
     /// for what it is asked to do.
@@ -21,9 +21,13 @@ public:
     /// Nothing that a user has set when the instance is offline. A frozen delay that is out of
     /// range counts as none. [setup]
     LatencyReport::Settings ReadLatencySettings() const;
+    /// Where a developer has layouts and pictures that take the place of the built-in ones; empty
+    /// when there are none, and for an offline instance. [setup]
+    String ReadResourceOverride() const;
 
 private:
     const bool isOffline;
+    const PluginDefinition& definition;
     Util::ConfigFile productFile;
     const std::unique_ptr<Util::ConfigFile> sharedFile;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/qobase/util/Bytes.h"
 #include "frameworks/qobase/util/String.h"
 
 #include <cstdint>
@@ -85,6 +86,19 @@ public:
     virtual String GetAUName() const { return ""; }
     virtual String GetDebugProjectPath() const { return ""; }
     virtual uint32_t GetParamPanelColumns() const { return 0; }
+
+    // A list of modules that the product is made of, for the wrapper; most products are none (71 to
+    // 76 of the protocol). `index` is below GetModuleCount().
+    struct ModuleContent {
+        String text;
+        Util::Bytes data;
+    };
+    virtual uint32_t GetModuleCount() const { return 0; }
+    virtual uint32_t GetModuleFirstValue(uint32_t /*index*/) const { return 0; }
+    virtual uint32_t GetModuleSecondValue(uint32_t /*index*/) const { return 0; }
+    virtual ModuleContent GetModuleContent(uint32_t /*index*/) const { return {}; }
+    virtual uint32_t GetModuleTotal() const { return 0; }
+    virtual String GetModuleListText() const { return ""; }
 
     // What the wrappers know by number only. The number is the query's place in the protocol.
 

@@ -17,6 +17,8 @@ namespace Util {
 class TaskQueue;
 }
 
+struct TransportRecord;
+
 namespace DSP {
 
 class DSPCommand;
@@ -53,6 +55,12 @@ public:
 
     /// The host's position in samples, empty when it has none. [process]
     virtual std::optional<int64_t> GetTransportPosition() const = 0;
+
+    /// The host's whole transport record, whose position follows the chunks of the present process
+    /// call; null outside of one. [process]
+    virtual const TransportRecord* GetTransportState() const = 0;
+    /// Whether an editor is open that has a window of the platform's. [ui]
+    virtual bool HasNativeWindow() const = 0;
 
     /// An element's latency has changed, seen from `context`. Under the process lock. [process]
     virtual void LatencyChanged(Context context) = 0;

@@ -70,6 +70,21 @@ public:
     /// Whether the element's latency counts on the way from input to output. [any]
     virtual bool IsInPath(const String& /*elementName*/, Context /*context*/) const { return true; }
 
+    /// When the host has made the instance ready, and when it is done with it. [ui]
+    virtual void Start() {}
+    virtual void Stop() {}
+    /// Every idle tick, after the elements' own work. [ui]
+    virtual void Idle() {}
+    /// A message of the host's that the instance doesn't know, of `length` bytes from whichever
+    /// side. True when it was understood.
+    virtual bool HostMessage(Context /*context*/,
+                             uint32_t /*message*/,
+                             uint32_t /*length*/,
+                             const void* /*data*/)
+    {
+        return false;
+    }
+
     /// Around the saving and loading of a state. [ui]
     virtual void BeforeSave() {}
     virtual void AfterStateLoaded() {}

@@ -29,6 +29,26 @@ private:
     uint32_t value = 0;
 };
 
+// Knows two texts.
+class TestTranslator final : public Translator {
+public:
+    String Translate(const String& text) const override
+    {
+        return text == "Name" ? "Nom" : text == "two" ? "deux" : text;
+    }
+};
+
+TEST(ParamRecordsTest, WhatHasATranslationIsTranslatedAndTheIdentifierIsNot)
+{
+    Support::TestElementHost host;
+    const Element element(host, {1, 2}, {"one", "two"});
+    ParamInfoRecord record{};
+    FillParamInfo(element.GetParamMap().at("Name"), "Element", "Name", TestTranslator(), record);
+    EXPECT_STREQ(record.displayName, "Nom");
+    EXPECT_STREQ(record.labels, "one\tdeux");
+    EXPECT_STREQ(record.identifier, "Element.Name");
+}
+
 TEST(ParamRecordsTest, LabelsAreJoinedByTabsOrLeftOutTogether)
 {
     struct Case {
@@ -52,7 +72,8 @@ TEST(ParamRecordsTest, LabelsAreJoinedByTabsOrLeftOutTogether)
         std::string trace;
         Util::SetDebugTraceSink([&](const String& text) { trace = text.ToStdString(); });
         ParamInfoRecord record{};
-        FillParamInfo(element.GetParamMap().at("Name"), "Element", "Name", record);
+        const DSP::ParamObject& param = element.GetParamMap().at("Name");
+        FillParamInfo(param, "Element", "Name", Translator(), record);
         Util::SetDebugTraceSink(nullptr);
         EXPECT_EQ(record.labels, entry.expected);
         EXPECT_EQ(trace, entry.trace);

@@ -100,10 +100,12 @@ TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
     opcodes.clear();
     EXPECT_TRUE(LogicOf(*plugin).StepBack());
     EXPECT_NEAR(Get(*plugin), 0.25F, 1e-6F);
-    // Both values by themselves, and what the user did as one.
-    EXPECT_EQ(
-        opcodes,
-        (std::vector<uint32_t>{HostOpcodeParamEvent, HostOpcodeParamEvent, HostOpcodeDirtyState}));
+    // Both values by themselves, since the host takes none together, and what the user did as one.
+    EXPECT_EQ(opcodes,
+              (std::vector<uint32_t>{HostOpcodeAutomationEvent,
+                                     HostOpcodeParamEvent,
+                                     HostOpcodeParamEvent,
+                                     HostOpcodeDirtyState}));
     EXPECT_TRUE(LogicOf(*plugin).StepBack());
     EXPECT_EQ(Get(*plugin), before);
     EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 3U);

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <new>
@@ -63,6 +64,8 @@ public:
     std::vector<uint32_t> chunks;
     std::vector<std::optional<int64_t>> positions;
     std::vector<uint64_t> processPositions;
+    double transportPosition = 0; // of the record that elements are shown
+    uint32_t resets = 0;
     bool wasOnUIThread = true;
     bool refusesStereo = false;
     bool refusesStereoLate = false; // when the delays are planned
@@ -74,13 +77,19 @@ protected:
         RefuseStereo(refusesStereoLate);
         return MaxLate;
     }
-    void OnReset() override { line.Clear(); }
+    void OnReset() override
+    {
+        ++resets;
+        line.Clear();
+    }
     void OnFormatChanged() override { RefuseStereo(refusesStereo); }
     void ProcessAudio(uint32_t frames, float* const* channels) override
     {
         chunks.push_back(frames);
         positions.push_back(GetHost().GetTransportPosition());
         processPositions.push_back(GetHost().GetProcessPosition());
+        const TransportRecord* transport = GetHost().GetTransportState();
+        transportPosition = transport != nullptr ? transport->position : -1;
         wasOnUIThread = GetHost().IsUIThread();
         line.Process(channels[0], channels[0], frames);
     }
@@ -130,6 +139,18 @@ public:
     }
     void BeforeFormatChange() override { events += "before "; }
     void AfterFormatChange() override { events += "after "; }
+    void Start() override { hooks += "start "; }
+    void Stop() override { hooks += "stop "; }
+    void Idle() override { ++idles; }
+    bool HostMessage(Side /*context*/, uint32_t message, uint32_t length, const void* data) override
+    {
+        hooks += std::string(static_cast<const char*>(data), length) + " ";
+        return message == KnownMessage;
+    }
+
+    static constexpr uint32_t KnownMessage = 77;
+    std::string hooks; // what the host's side called, in its order
+    std::atomic<uint32_t> idles = 0;
 
 private:
     std::string& events;
@@ -168,8 +189,18 @@ public:
 
     TestDefinition definition{"Plugin"};
     bool boxLivesOn = true;
+    std::function<std::unique_ptr<Editor>(const EditorPlace& place)> makeEditor; // unset: none
     mutable BoxTransform* transform = nullptr;
     mutable std::string events;
+    mutable uint32_t registrations = 0;
+
+protected:
+    void RegisterUI() const override { ++registrations; }
+    std::unique_ptr<Editor> CreateEditor(Plugin& /*plugin*/,
+                                         const EditorPlace& place) const override
+    {
+        return makeEditor ? makeEditor(place) : nullptr;
+    }
 };
 
 struct Call {
@@ -189,6 +220,7 @@ protected:
     Factory factory;
     std::vector<Call> calls;
     std::function<void()> onLatencyChanged;
+    std::function<uint32_t(uint32_t opcode, void* data)> hostAnswer; // unset: refuses most
     const char* options = "";
     std::unique_ptr<Plugin> plugin;
 
@@ -200,6 +232,9 @@ protected:
         test.calls.push_back({opcode, context, word});
         if (opcode == HostOpcodeLatencyChanged && test.onLatencyChanged) {
             test.onLatencyChanged();
+        }
+        if (test.hostAnswer) {
+            return test.hostAnswer(opcode, data);
         }
         return opcode == HostOpcodeLatencyChanged ? PluginCoreSuccess : PluginCoreUnsupported;
     }

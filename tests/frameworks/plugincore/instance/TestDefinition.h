@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/product/PluginDefinition.h"
 
 #include <cstring>
+#include <vector>
 
 /// A product made for tests, which set what they need.
 class TestDefinition final : public PluginDefinition {
@@ -20,10 +21,17 @@ public:
     uint32_t GetVersionNumber() const override { return 6000; }
     SessionMode GetSessionMode() const override { return sessionMode; }
     uint32_t GetTimerPeriod() const override { return timerPeriod; }
+    uint32_t GetModuleCount() const override { return static_cast<uint32_t>(modules.size()); }
+    uint32_t GetModuleFirstValue(uint32_t index) const override { return 10 + index; }
+    uint32_t GetModuleSecondValue(uint32_t index) const override { return 20 + index; }
+    ModuleContent GetModuleContent(uint32_t index) const override { return modules[index]; }
+    uint32_t GetModuleTotal() const override { return 30; }
+    String GetModuleListText() const override { return modules.empty() ? "" : "all of them"; }
 
     uint32_t maxBlockFrames = 8192;
     SessionMode sessionMode = SessionMode::Shared;
     uint32_t timerPeriod = 0; // ms
+    std::vector<ModuleContent> modules;
 
 private:
     const String shortName;

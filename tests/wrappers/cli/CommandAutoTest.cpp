@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <limits>
 #include <numbers>
 #include <random>
 
@@ -19,8 +20,8 @@ constexpr double Reach = 0.025;
 
 const Audio& Voice()
 {
-    static const Audio voice = ReadAudio(PUFFGUARD_VOICE);
-    return voice;
+    static const Audio Recorded = ReadAudio(PUFFGUARD_VOICE);
+    return Recorded;
 }
 
 /// The voice with bursts of 30 to 90 ms, two swings each, -2 to -10 dB at their peaks.
@@ -232,7 +233,7 @@ TEST_F(CommandAuto, WhatHoldsNoSpeechComesOutAsItWas)
     expectUnchanged("a constant");
     // No finite numbers: taken for silence, and mentioned.
     audio.samples[44100] = std::nan("");
-    audio.samples[44101] = -INFINITY;
+    audio.samples[44101] = -std::numeric_limits<double>::infinity();
     WriteAudio(input, audio);
     const Outcome outcome = Succeed({input, "--auto", "-f", "-o", folder / "out.wav"});
     EXPECT_NE(outcome.err.find("2 samples were no finite number"), std::string::npos)

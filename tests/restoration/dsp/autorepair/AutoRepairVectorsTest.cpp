@@ -73,7 +73,8 @@ Outcome Repair(const Audio& audio, const Findings& findings)
         rule.Count(outcome.keep.back());
     }
     const auto channels = static_cast<std::size_t>(audio.channels);
-    const double seconds = static_cast<double>(audio.samples.size() / channels) / audio.sampleRate;
+    const std::size_t frames = audio.samples.size() / channels;
+    const double seconds = static_cast<double>(frames) / audio.sampleRate;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         outcome.isPop.push_back(outcome.keep[i] > rule.GetThreshold(seconds));
         const std::ptrdiff_t offset = changes[i].first * audio.channels;

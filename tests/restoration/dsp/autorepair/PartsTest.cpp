@@ -115,18 +115,19 @@ TEST(AutoRepairTransform, IsThePlainSumAndGoesBack)
     LowBinTransform transform(Length, Bins, InverseBins);
     LowBins spectrum(Bins);
     transform.Forward(frame.data(), spectrum);
+    constexpr int Middle = Length / 2;
     std::vector<double> low(Length);
     for (std::size_t bin = 0; bin < Bins; ++bin) {
         const double step = 2 * std::numbers::pi * static_cast<double>(bin) / Length;
         std::complex<double> sum = 0;
         for (int i = 0; i < Length; ++i) {
             sum += static_cast<double>(frame[static_cast<std::size_t>(i)]) *
-                   std::polar(1.0, -step * (i - Length / 2));
+                   std::polar(1.0, -step * (i - Middle));
         }
         EXPECT_NEAR(static_cast<double>(spectrum.re[bin]), sum.real(), 1e-4);
         EXPECT_NEAR(static_cast<double>(spectrum.im[bin]), sum.imag(), 1e-4);
         for (int i = 0; i < Length && bin < InverseBins; ++i) {
-            const std::complex<double> wave = sum * std::polar(1.0, step * (i - Length / 2));
+            const std::complex<double> wave = sum * std::polar(1.0, step * (i - Middle));
             low[static_cast<std::size_t>(i)] += wave.real() * (bin == 0 ? 1 : 2) / Length;
         }
     }

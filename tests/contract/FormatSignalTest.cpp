@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// Odd samples, missing channels, a bypass that comes and goes, and hosts that leave out a step:
-// what comes out stays audio, and nothing of it is left after a reset.
+// Odd samples, missing channels, and hosts that leave out a step: what comes out stays audio, and
+// nothing of it is left after a reset.
 #include "tests/contract/support/FormatTest.h"
 
 #include <algorithm>
@@ -21,17 +21,6 @@ protected:
         EXPECT_EQ(Difference(Play(host, speech, 700), Expected(speech, rate)), "");
     }
 };
-
-uint32_t FurthestApart(const std::vector<float>& one, const std::vector<float>& other)
-{
-    uint32_t furthest = 0;
-    for (uint32_t i = 0; i < one.size(); ++i) {
-        if (std::abs(one[i] - other[i]) > std::abs(one[furthest] - other[furthest])) {
-            furthest = i;
-        }
-    }
-    return furthest;
-}
 
 } // namespace
 
@@ -71,30 +60,6 @@ TEST_P(FormatSignal, ThatIsOddStaysAudioAndIsForgottenByAReset)
             ExpectLikeNew(*host);
         }
     }
-}
-
-// Nothing is faded: the two ways of the signal are in step, and where the repair has taken
-// something away it's back at once. The repair starts anew when it comes back, one latency late.
-TEST_P(FormatSignal, GoesIntoABypassInStepAmidARepairAndComesBackAsNew)
-{
-    auto host = Make();
-    host->SetParameter(TestHost::Strength, 1.0F);
-    Settle(*host, 2);
-    const Audio speech = MakeSpeech(Rate, 2);
-    const Audio repaired = Expected(speech, Rate, {.strength = 1.0F});
-    const Audio late = Delayed(speech, host->GetLatency());
-    const uint32_t change = FurthestApart(repaired[0], late[0]);
-    ASSERT_GT(std::abs(repaired[0][change] - late[0][change]), 0.1F) << "nothing to tell them by";
-    uint32_t number = 0;
-    const Audio output = Play(*host, speech, [&] {
-        host->SetParameter(GlobalBypass, number > 0 ? 1.0F : 0.0F);
-        return number++ == 0 ? change : 500U;
-    });
-    EXPECT_EQ(Difference(output, repaired, 0, change), "");
-    EXPECT_EQ(Difference(output, late, change, static_cast<uint32_t>(speech[0].size())), "");
-
-    host->SetParameter(GlobalBypass, 0.0F);
-    EXPECT_EQ(Difference(Play(*host, speech, 500), repaired), "");
 }
 
 TEST_P(FormatSignal, MayShareMemoryInAnyWayOrLackAChannel)

@@ -87,15 +87,22 @@ bool Instance::Start(const Setup& setup)
     CopyText(setup.use == Use::Files ? "Offline" : "", record.identity.options);
     record.instance = &core;
     const bool isServable = CanServe(setup.sampleRate, setup.channels);
-    record.sampleRate =
-        isServable ? static_cast<float>(setup.sampleRate) : PLUGIN_CORE_FALLBACK_RATE;
+    rate = isServable ? setup.sampleRate : static_cast<double>(PLUGIN_CORE_FALLBACK_RATE);
+    record.sampleRate = static_cast<float>(rate);
     record.channelConfig = LayoutOf(setup.channels);
     const uint32_t answer = module->Call(SelectorCreatePlugin, ContextUI, nullptr, &record);
     if (answer != PluginCoreSuccess || core == nullptr) {
         log("the module makes no instance (answer " + std::to_string(answer) + ")");
         return false;
     }
-    return Request(SelectorInitialize, nullptr, "be initialised") && ReadParameters();
+    if (!Request(SelectorInitialize, nullptr, "be initialised") || !ReadParameters()) {
+        return false;
+    }
+    if (setup.use == Use::Live) {
+        softBypass.emplace(*this);
+        softBypass->SetFormat(rate, setup.channels);
+    }
+    return true;
 }
 
 bool Instance::Request(uint32_t selector, void* data, const char* purpose) const
@@ -188,14 +195,28 @@ bool Instance::SetFormat(double sampleRate, uint32_t channels)
     if (!CanServe(sampleRate, channels)) {
         return false;
     }
-    StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
     BlockBuffers newBuffers; // made first: without memory nothing changes
     newBuffers.SetChannels(channels);
-    if (!Request(SelectorSetStreamFormat, &record, "take a stream format")) {
+    if (!SetModuleFormat(sampleRate, channels)) {
         return false;
     }
+    try {
+        if (softBypass) {
+            softBypass->SetFormat(sampleRate, channels);
+        }
+    } catch (...) {
+        SetModuleFormat(rate, buffers.GetChannels());
+        throw;
+    }
     buffers = std::move(newBuffers);
+    rate = sampleRate;
     return true;
+}
+
+bool Instance::SetModuleFormat(double sampleRate, uint32_t channels)
+{
+    StreamFormatRecord record = {static_cast<float>(sampleRate), LayoutOf(channels)};
+    return Request(SelectorSetStreamFormat, &record, "take a stream format");
 }
 
 void Instance::Activate()
@@ -205,6 +226,9 @@ void Instance::Activate()
     // What still waits for a block goes in now: else its latency came with the first one.
     uint32_t latency = 0;
     Call(SelectorResetProcessing, Side::UI, &latency);
+    if (softBypass) {
+        softBypass->Reset();
+    }
 }
 
 void Instance::Deactivate()
@@ -216,23 +240,36 @@ void Instance::Deactivate()
 void Instance::Reset() noexcept
 {
     Call(SelectorSettle, Side::Process, nullptr);
+    if (softBypass) {
+        softBypass->Reset();
+    }
 }
 
 bool Instance::Process(const Block& block, std::optional<double> position) noexcept
 {
     bool isDone = true;
-    buffers.Run(block, [&](float** channels, uint32_t offset, uint32_t frames) {
-        TransportRecord transport = {};
-        transport.isPositionValid = position ? 1 : 0;
-        transport.position = position.value_or(0.0) + offset;
-        ProcessRecord record = {};
-        record.frames = frames;
-        record.channels = channels;
-        record.transport = &transport;
+    buffers.Run(block, [&](float** channels, uint32_t begin, uint32_t frames) {
+        const auto repair = [&](float** piece, uint32_t offset, uint32_t pieceFrames) {
+            const auto place = position ? std::optional(*position + begin + offset) : std::nullopt;
+            return Repair(piece, pieceFrames, place);
+        };
         // After a refusal the rest passes untouched, too.
-        isDone = isDone && Call(SelectorProcess, Side::Process, &record) == PluginCoreSuccess;
+        isDone = isDone && (softBypass ? softBypass->Process(channels, frames, repair)
+                                       : repair(channels, 0, frames));
     });
     return isDone;
+}
+
+bool Instance::Repair(float** channels, uint32_t frames, std::optional<double> position) noexcept
+{
+    TransportRecord transport = {};
+    transport.isPositionValid = position ? 1 : 0;
+    transport.position = position.value_or(0.0);
+    ProcessRecord record = {};
+    record.frames = frames;
+    record.channels = channels;
+    record.transport = &transport;
+    return Call(SelectorProcess, Side::Process, &record) == PluginCoreSuccess;
 }
 
 uint32_t Instance::GetLatency(Side side) const noexcept

@@ -7,6 +7,7 @@
 #include "wrappers/common/Module.h"
 #include "wrappers/common/Parameter.h"
 #include "wrappers/common/Preset.h"
+#include "wrappers/common/SoftBypass.h"
 
 #include <cstdint>
 #include <memory>
@@ -25,7 +26,8 @@ namespace Wrapper {
 /// Who loads the module. The module has no number of its own for the formats that it didn't know.
 enum class Format { Program, VST3, Other };
 
-/// Whose settings an instance follows. One for files neither looks at the user's nor writes any.
+/// Whose settings an instance follows. One for files neither looks at the user's nor writes any,
+/// and its bypass switches hard, since nobody is listening.
 enum class Use { Live, Files };
 
 struct Setup {
@@ -42,6 +44,7 @@ class EntryKey {
     friend class Detections;
     friend class ElementParameters;
     friend class Presets;
+    friend class SoftBypass;
 };
 
 /// One instance of the module. Detections, Editor, ElementParameters and Presets stand beside it
@@ -93,7 +96,7 @@ public:
 
     /// The automatable ones, in the order of their indices. [any]
     const std::vector<Parameter>& GetParameters() const noexcept { return parameters; }
-    /// Which of them takes the repair out of the signal, at the same latency. [any]
+    /// Which of them takes the repair out of the signal, at the same latency: see SoftBypass. [any]
     std::optional<uint32_t> GetBypassIndex() const noexcept { return bypassIndex; }
     /// Normalised; an index out of range does nothing. On the thread of `side`.
     void SetParameter(Side side, uint32_t index, float normalised) noexcept;
@@ -136,6 +139,8 @@ private:
     void OnParamEvent(const ParamEventRecord& event) noexcept;
     bool Start(const Setup& setup);
     bool ReadParameters();
+    bool SetModuleFormat(double sampleRate, uint32_t channels);
+    bool Repair(float** channels, uint32_t frames, std::optional<double> position) noexcept;
     bool CallState(StateRecord& record);
     bool Request(uint32_t selector, void* data, const char* purpose) const;
     uint32_t Call(uint32_t selector, Side side, void* data) const noexcept
@@ -148,6 +153,8 @@ private:
     const LogFunction log;
     PluginCore* core = nullptr;
     BlockBuffers buffers;
+    double rate = 0; // Hz
+    std::optional<SoftBypass> softBypass;
     std::vector<Parameter> parameters;
     std::optional<uint32_t> bypassIndex;
 };

@@ -68,8 +68,8 @@ typedef enum PluginCoreSelector {
     SelectorSettle = 21,                   /**< none */
     SelectorProcess = 22,                  /**< ProcessRecord */
     SelectorProcessSidePass = 23,          /**< SidePassRecord */
-    SelectorTransformQuery = 24,           /**< uint32_t in and out */
-    SelectorTransformNotify = 25,          /**< uint32_t in; read without a test */
+    SelectorTransformQuery = 24,           /**< uint32_t in and out, PluginCoreTransformQuery */
+    SelectorTransformNotify = 25,          /**< PluginCoreTransformNotice; read without a test */
     SelectorTransformReset = 26,           /**< none */
     SelectorTransformRead = 27,            /**< TransformReadRecord */
     SelectorEditorCommand = 28,            /**< EditorRecord */

@@ -41,9 +41,13 @@ typedef struct TransportRecord {
     uint8_t reserved36[100];
 } TransportRecord;
 
+/** Beyond this, +300 dB over full scale, a sample is as much of an accident as one that is no
+ * number. */
+#define PLUGIN_CORE_LARGEST_SAMPLE 1e15f
+
 /**
- * SelectorProcess: one block, in place. Samples that are no finite numbers, or beyond 1e15, count
- * as 0.
+ * SelectorProcess: one block, in place. Samples that are no finite numbers, or beyond
+ * PLUGIN_CORE_LARGEST_SAMPLE, count as 0.
  */
 typedef struct ProcessRecord {
     uint32_t frames; /**< any number; 0 does nothing */
@@ -66,6 +70,31 @@ typedef struct SidePassRecord {
     void* first;
     void* second;
 } SidePassRecord;
+
+/** What SelectorTransformQuery may ask for; any other value stays as it is. */
+typedef enum PluginCoreTransformQuery {
+    /**
+     * By how many samples the bypass delays the input, and PLUGIN_CORE_BYPASS_IS_ON. What waits for
+     * the next block is taken in first.
+     */
+    TransformQueryBypass = 0x42595053,
+    /** Most samples that this delay can come to in the stream format. */
+    TransformQueryLongestDelay = 0x42594C44
+} PluginCoreTransformQuery;
+
+/** TransformQueryBypass: this bit is set while the bypass is on. */
+#define PLUGIN_CORE_BYPASS_IS_ON 0x80000000u
+
+/**
+ * What SelectorTransformNotify takes: which way the audio goes from the next block on. Any other
+ * value does nothing. The module switches hard, and the repair begins anew with one latency of
+ * silence; a host that fades from one to the other asks for the bypass and chooses the way itself.
+ */
+typedef enum PluginCoreTransformNotice {
+    TransformNoticeFollowBypass = 0x42595730, /**< what the bypass says, as it is from the start */
+    TransformNoticeRepair = 0x42595731,       /**< through the repair, whatever the bypass says */
+    TransformNoticePassBy = 0x42595732        /**< past the repair, whatever the bypass says */
+} PluginCoreTransformNotice;
 
 /** What TransformReadRecord.request may ask for. */
 typedef enum PluginCoreTransformRead {

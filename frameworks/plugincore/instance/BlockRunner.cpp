@@ -15,13 +15,10 @@ namespace {
 // Gaps in the stream that are shorter than this don't hand the signal path to the UI side.
 constexpr uint32_t ProcessingHoldMilliseconds = 2500;
 
-// Beyond this, +300 dB over full scale, a sample is as much of an accident as one that is no
-// number: its power would overflow.
-constexpr float LargestSample = 1e15F;
-
+// The power of larger ones would overflow.
 bool IsUnusable(float sample)
 {
-    return !(std::abs(sample) <= LargestSample); // also a NaN
+    return !(std::abs(sample) <= PLUGIN_CORE_LARGEST_SAMPLE); // also a NaN
 }
 
 // One bad sample from another plug-in would otherwise stay in the repair's statistics for good.

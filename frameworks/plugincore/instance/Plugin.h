@@ -67,7 +67,7 @@ public:
     void process(const ProcessRecord& record) override;
     void afterProcess() override;
     void ProcessSidePass(const SidePassRecord& record) override;
-    void TransformQuery(uint32_t& value) override { transform->Query(value); }
+    void TransformQuery(uint32_t& value) override;
     void TransformNotify(uint32_t value) override { transform->Notify(value); }
     void TransformReset() override;
     bool TransformRead(TransformReadRecord& record) override { return transform->Read(record); }

@@ -27,6 +27,19 @@ void Plugin::ProcessSidePass(const SidePassRecord& record)
     GetBlocks().RunSidePass(*transform, record);
 }
 
+void Plugin::TransformQuery(uint32_t& value)
+{
+    // Else the answer would be that of the last block. The UI side doesn't wait for the lock, which
+    // the process side holds already.
+    Util::CriticalSection& lock = GetThreadController().GetProcessLock();
+    if (value == TransformQueryBypass && lock.TryEnter()) {
+        const Util::CriticalSectionGuard guard(lock, std::adopt_lock);
+        const BlockRunner::Inside inside(GetBlocks());
+        BlockRunner::RunCommands(*transform);
+    }
+    transform->Query(value);
+}
+
 uint64_t Plugin::GetProcessPosition() const
 {
     return transform->GetSamplesProcessed() + GetBlocks().GetBlockOffset();

@@ -65,7 +65,7 @@ void TransformBase::SizeDryLines(uint32_t maxLength)
 void TransformBase::ProcessChunk(uint32_t frames, float* const* channels)
 {
     set->GetGlobalElement()->ProcessRegion(0, 0, nullptr);
-    const bool bypassed = set->GetBypassParam().GetValue(Context::Process);
+    const bool bypassed = IsPassedBy();
     FollowDelay();
     RunDryPath(frames, channels);
     if (bypassed) {
@@ -82,11 +82,41 @@ void TransformBase::ProcessChunk(uint32_t frames, float* const* channels)
     host.SetProcessBlockOffset(0);
 }
 
-void TransformBase::FollowDelay()
+void TransformBase::Query(uint32_t& value)
+{
+    if (value == TransformQueryBypass) {
+        const bool isOn = set->GetBypassParam().GetValue(Context::Process);
+        value = GetDryDelay() | (isOn ? PLUGIN_CORE_BYPASS_IS_ON : 0);
+    } else if (value == TransformQueryLongestDelay) {
+        value = dryLines.empty() ? 0 : dryLines.front().GetMaxLength();
+    }
+}
+
+void TransformBase::Notify(uint32_t value)
+{
+    if (value == TransformNoticeFollowBypass || value == TransformNoticeRepair ||
+        value == TransformNoticePassBy) {
+        way = value;
+    }
+}
+
+bool TransformBase::IsPassedBy() const
+{
+    const uint32_t chosen = way;
+    return chosen == TransformNoticeFollowBypass ? set->GetBypassParam().GetValue(Context::Process)
+                                                 : chosen == TransformNoticePassBy;
+}
+
+uint32_t TransformBase::GetDryDelay() const
 {
     const uint32_t wanted = host.GetProcessingSystemDelaySamples();
+    return dryLines.empty() ? 0 : std::min(wanted, dryLines.front().GetMaxLength());
+}
+
+void TransformBase::FollowDelay()
+{
+    const uint32_t length = GetDryDelay();
     for (DelayLine& line : dryLines) {
-        const uint32_t length = std::min(wanted, line.GetMaxLength());
         if (line.GetLength() != length) {
             line.SetLength(length);
             line.Clear();

@@ -104,9 +104,10 @@ public:
     virtual void BeforeProcess(uint32_t /*eventCount*/, const uint8_t* /*events*/) {}
     virtual void AfterProcess() {}
     virtual void ProcessSidePass(uint32_t /*frames*/, void* /*first*/, void* /*second*/) {}
-    /// In and out; untouched when there is nothing to ask.
-    virtual void Query(uint32_t& /*value*/) {}
-    virtual void Notify(uint32_t /*value*/) {}
+    /// In and out, see PluginCoreTransformQuery; untouched when there is nothing to ask. [any]
+    virtual void Query(uint32_t& value);
+    /// See PluginCoreTransformNotice. [any]
+    virtual void Notify(uint32_t value);
     /// True when the request was understood. [any]
     virtual bool Read(TransformReadRecord& /*record*/) { return false; }
     /// False when the data can't be used.
@@ -117,6 +118,8 @@ protected:
 
 private:
     void SizeDryLines(uint32_t maxLength);
+    bool IsPassedBy() const;
+    uint32_t GetDryDelay() const;
     void FollowDelay();
     void RunDryPath(uint32_t frames, float* const* channels);
     void CopyDry(uint32_t frames, float* const* channels) const;
@@ -128,6 +131,7 @@ private:
     uint32_t channelCount = 0;
     std::vector<DelayLine> dryLines;            // a channel each; empty while there is no delay
     std::vector<std::vector<float>> dryBuffers; // [channel][largest chunk]
+    std::atomic<uint32_t> way{TransformNoticeFollowBypass};
     bool wasBypassed = false;
     uint64_t samplesProcessed = 0;
     // The call that sets an observer holds no lock of the instance, so that the process side takes

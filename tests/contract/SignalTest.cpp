@@ -77,6 +77,23 @@ TEST(LatencyScaling, ShortensAllPathsAndTellsTheHost)
     }));
 }
 
+TEST(Bypass, TakesInWhatIsSetAndBeginsANewLatencyWithItsSilence)
+{
+    const Audio input = MakeSpeechLike(2, 40'000, Rate);
+    Instance instance(Rate, 2);
+    instance.Set(GlobalBypass, 1.0F);
+    Audio audio = input;
+    instance.Run(audio, 512);
+    EXPECT_EQ(Difference(audio, Delayed(input, 14335)), "");
+    instance.Set(Strength, 0.75F);
+    instance.SetElement(ElementLatencyScaling, 0.0F);
+    EXPECT_EQ(instance.Value(Strength, Process), 0.5F) << "it waits for a block";
+    audio = input;
+    instance.Run(audio, 512);
+    EXPECT_EQ(instance.Value(Strength, Process), 0.75F);
+    EXPECT_EQ(Difference(audio, Delayed(input, 9215)), "");
+}
+
 TEST(NullPointers, OfChannelsAreAnsweredOrSkipped)
 {
     Instance instance(Rate, 2);

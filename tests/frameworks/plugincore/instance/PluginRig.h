@@ -66,6 +66,7 @@ public:
     std::vector<uint64_t> processPositions;
     double transportPosition = 0; // of the record that elements are shown
     uint32_t resets = 0;
+    bool wasPositionless = false;
     bool wasOnUIThread = true;
     bool refusesStereo = false;
     bool refusesStereoLate = false; // when the delays are planned
@@ -90,6 +91,7 @@ protected:
         processPositions.push_back(GetHost().GetProcessPosition());
         const TransportRecord* transport = GetHost().GetTransportState();
         transportPosition = transport != nullptr ? transport->position : -1;
+        wasPositionless = GetHost().IsPositionless();
         wasOnUIThread = GetHost().IsUIThread();
         line.Process(channels[0], channels[0], frames);
     }
@@ -222,6 +224,7 @@ protected:
     std::function<void()> onLatencyChanged;
     std::function<uint32_t(uint32_t opcode, void* data)> hostAnswer; // unset: refuses most
     const char* options = "";
+    int32_t format = FormatStandalone;
     std::unique_ptr<Plugin> plugin;
 
     static uint32_t
@@ -248,6 +251,7 @@ protected:
     Box& Create(float rate = 48000.0F, uint32_t layout = 0)
     {
         PluginSetup setup = MakeSetup(Answer, this, options);
+        setup.identity.format = format;
         setup.sampleRate = rate;
         setup.channelConfig = layout;
         plugin = std::make_unique<Plugin>(factory, setup);
@@ -258,13 +262,16 @@ protected:
     }
     void TearDown() override { plugin.reset(); } // its timer speaks to the rest
 
-    void Process(std::vector<float>& samples, TransportRecord* transport = nullptr)
+    void Process(std::vector<float>& samples,
+                 TransportRecord* transport = nullptr,
+                 int32_t renderFlagB = 0)
     {
         float* channels[] = {samples.data(), nullptr, nullptr};
         ProcessRecord record{};
         record.frames = static_cast<uint32_t>(samples.size());
         record.channels = channels;
         record.transport = transport;
+        record.renderFlagB = renderFlagB;
         const Util::CriticalSectionGuard guard(plugin->GetProcessLock());
         plugin->process(record);
     }

@@ -24,11 +24,16 @@ TEST_F(PluginTest, CutsALongBlockAndAdvancesThePosition)
     EXPECT_EQ(box.positions, (std::vector<std::optional<int64_t>>{1000, 9192, 17384}));
     EXPECT_EQ(box.processPositions, (std::vector<uint64_t>{0, 8192, 16384}));
     EXPECT_EQ(transport.position, 999.6); // the caller's record stays
+    EXPECT_EQ(plugin->GetTransportPosition(), std::nullopt) << "it is that of a block";
     EXPECT_FALSE(box.wasOnUIThread);
     EXPECT_TRUE(plugin->IsUIThread());
 
     Process(samples); // without a transport there is no position
     EXPECT_EQ(box.positions.back(), std::nullopt);
+    EXPECT_FALSE(box.wasPositionless);
+    Process(samples, &transport, 1);
+    EXPECT_TRUE(box.wasPositionless);
+    EXPECT_FALSE(plugin->IsPositionless());
     Settle();
     Process(samples);
     EXPECT_EQ(box.processPositions.back(), 16384U);
@@ -146,18 +151,22 @@ TEST_F(PluginTest, SettingAnEqualButStaleValueStillArrives)
     EXPECT_EQ(Get(Late), 0.5F);
 }
 
+// Two formats keep the sides apart by themselves.
 TEST_F(PluginTest, KnowsWhoMayChangeTheSignalPath)
 {
-    Create();
-    EXPECT_TRUE(plugin->MayChangeDSP()); // nothing runs
-    std::thread audio([&] {
-        std::vector<float> samples(10);
-        Process(samples);
-        EXPECT_TRUE(plugin->MayChangeDSP()); // the last to process
-    });
-    audio.join();
-    EXPECT_FALSE(plugin->MayChangeDSP());
-    EXPECT_TRUE(plugin->RecentlyProcessed());
-    plugin->SetProcessingState(Side::UI, false, false);
-    EXPECT_TRUE(plugin->MayChangeDSP());
+    for (format = FormatStandalone; format <= FormatVST3; ++format) {
+        SCOPED_TRACE(format);
+        Create();
+        EXPECT_TRUE(plugin->MayChangeDSP()); // nothing runs
+        std::thread audio([&] {
+            std::vector<float> samples(10);
+            Process(samples);
+            EXPECT_TRUE(plugin->MayChangeDSP()); // the last to process
+        });
+        audio.join();
+        EXPECT_EQ(plugin->MayChangeDSP(), format == FormatDPMAudioSuite || format == FormatAU);
+        EXPECT_TRUE(plugin->RecentlyProcessed());
+        plugin->SetProcessingState(Side::UI, false, false);
+        EXPECT_TRUE(plugin->MayChangeDSP());
+    }
 }

@@ -60,14 +60,12 @@ void HalfBandDecimator::Process(std::span<const float> input, std::vector<float>
     output.resize(former + count);
     float* const target = output.data() + former;
     for (std::size_t m = 0; m < count; ++m) {
-        target[m] = 0.5F * even[m];
-    }
-    for (std::size_t i = 0; i < Pairs; ++i) {
-        const float* const before = odd.data() + (Pairs - 1 - i);
-        const float* const behind = odd.data() + (Pairs + i);
-        for (std::size_t m = 0; m < count; ++m) {
-            target[m] += coefficients[i] * (before[m] + behind[m]);
+        const float* const middle = odd.data() + Pairs + m; // half a step behind even[m]
+        float sum = 0.5F * even[m];
+        for (std::size_t i = 0; i < Pairs; ++i) {
+            sum += coefficients[i] * (*(middle - i - 1) + middle[i]);
         }
+        target[m] = sum;
     }
     even.erase(even.begin(), even.begin() + static_cast<std::ptrdiff_t>(count));
     odd.erase(odd.begin(), odd.begin() + static_cast<std::ptrdiff_t>(count));

@@ -260,8 +260,9 @@ TEST_F(CommandAuto, ChannelsAreRepairedEachForItself)
         EXPECT_GE(events.size(), Bursts.size() - 2);
         const Audio after = ReadAudio(folder / "out.wav");
         for (size_t i = 0; i < after.samples.size(); i += 2) {
-            // A step of rounding in the recording and one in the result.
-            ASSERT_NEAR(after.samples[i + 1], factor * after.samples[i], 0x1.8p-22);
+            // The samples' rounding makes the channels differ by a step or two of 24 bits, and what
+            // single precision makes of that in a repair stays below -114 dBFS.
+            ASSERT_NEAR(after.samples[i + 1], factor * after.samples[i], 0x1p-19);
         }
     }
 }

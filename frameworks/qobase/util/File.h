@@ -30,7 +30,7 @@ public:
     bool IsOpen() const { return descriptor >= 0; }
 
     /// Write makes the file or empties it. A file that is open is closed first. A folder is
-    /// refused.
+    /// refused, and a pipe that is to be read.
     Expected<void> Open(Mode mode);
     Expected<void> Read(void* buffer, uint64_t count) override;
     Expected<void> Write(const void* buffer, uint64_t count) override;
@@ -63,8 +63,8 @@ private:
     int descriptor = -1; // the runtime library's number of the open file
 };
 
-/// Everything in the file at `path`; a failure when it is larger than `maxBytes`. A pipe is read to
-/// its end; folders and devices are refused. [ui]
+/// Everything in the file at `path`; a failure when it is larger than `maxBytes`. What is no
+/// regular file is refused: a pipe could keep its reader waiting for ever. [ui]
 Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimedBytes);
 
 /// Puts `bytes` in the place of the file at `path`, whole or not at all: a temporary beside it is
@@ -74,7 +74,8 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes = MaxClaimed
 Expected<void> ReplaceWholeFile(const String& path, ByteSpan bytes);
 
 /// The same for a path without a file. False when there is anything already, which then stays: no
-/// other process can come in between the look and the making. A symbolic link counts as there. [ui]
+/// other process can come in between the look and the making. A symbolic link counts as there.
+/// Where the file system has no better way, an empty file has the name for a moment. [ui]
 Expected<bool> CreateWholeFile(const String& path, ByteSpan bytes);
 
 /// Renames the file to `wanted`, or where there is one already, with "-2", "-3" and so on behind

@@ -81,7 +81,7 @@ int FlagsOf(Access access)
 {
     switch (access) {
     case Access::Read:
-        return O_RDONLY;
+        return O_RDONLY | O_NONBLOCK; // a pipe isn't waited for, but found out
     case Access::Write:
         return O_WRONLY | O_CREAT | O_TRUNC;
     case Access::CreateNew:
@@ -142,10 +142,14 @@ Opened OpenFile(const String& path, Access access, uint32_t permissions)
         return opened.descriptor =
                    open(path.c_str(), FlagsOf(access) | O_CLOEXEC | O_NOCTTY, permissions);
     });
+    if (opened.error != 0 || access != Access::Read) {
+        return opened;
+    }
     // Reading is the one access that the system grants to a folder.
-    if (opened.error == 0 && GetStatus(opened.descriptor).kind == Kind::Folder) {
+    const Kind kind = GetStatus(opened.descriptor).kind;
+    if (kind == Kind::Folder || kind == Kind::Pipe) {
         CloseFile(opened.descriptor);
-        return {.error = EISDIR};
+        return {.error = kind == Kind::Folder ? EISDIR : EINVAL};
     }
     return opened;
 }
@@ -245,6 +249,24 @@ int RenameFile(const String& path, const String& target)
     return rename(path.c_str(), target.c_str()) == 0 ? 0 : errno;
 }
 
+namespace {
+
+int RenameOverPlaceholder(const String& path, const String& target)
+{
+    const Opened placeholder = OpenFile(target, Access::CreateNew);
+    if (placeholder.error != 0) {
+        return placeholder.error;
+    }
+    CloseFile(placeholder.descriptor);
+    const int error = RenameFile(path, target);
+    if (error != 0) {
+        RemoveFile(target);
+    }
+    return error;
+}
+
+} // namespace
+
 int RenameFileToNew(const String& path, const String& target)
 {
     if (!IsUsable(path) || !IsUsable(target)) {
@@ -253,14 +275,12 @@ int RenameFileToNew(const String& path, const String& target)
     if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    if (errno != EINVAL && errno != ENOSYS) {
-        return errno;
-    }
     // Some network file systems don't know the call; a second name is refused in one step as well.
-    if (link(path.c_str(), target.c_str()) != 0) {
-        return errno;
+    if (errno != EEXIST && link(path.c_str(), target.c_str()) == 0) {
+        return unlink(path.c_str()) == 0 ? 0 : errno;
     }
-    return unlink(path.c_str()) == 0 ? 0 : errno;
+    // And some have no second names. What else has failed fails there, too.
+    return errno == EEXIST ? EEXIST : RenameOverPlaceholder(path, target);
 }
 
 void FlushFolder(const String& folder)

@@ -24,7 +24,8 @@ struct Opened {
     int descriptor = NoFile;
     int error = 0;
 };
-/// A folder is refused. `permissions` counts for a file that is made.
+/// A folder is refused, and a pipe that is to be read: whoever opens one waits for its writer.
+/// `permissions` counts for a file that is made.
 Opened OpenFile(const String& path, Access access, uint32_t permissions = 0666);
 int CloseFile(int descriptor);
 
@@ -64,7 +65,8 @@ int CopyOwnership(int descriptor, const Status& from);
 int RemoveFile(const String& path);
 /// Replaces a file at `target` in one step.
 int RenameFile(const String& path, const String& target);
-/// Fails with the system's "exists" (EEXIST) when anything is at `target`, in one step.
+/// Fails with the system's "exists" (EEXIST) when anything is at `target`, in one step. On a file
+/// system that can't do so, an empty file takes the name first; who is killed just then leaves it.
 int RenameFileToNew(const String& path, const String& target);
 /// Brings a changed list of files to the disk, where the file system can.
 void FlushFolder(const String& folder);

@@ -2,6 +2,7 @@
 #include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 #include "frameworks/qobase/util/PlatformFile.h"
+#include "frameworks/qobase/util/Temporaries.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,10 +19,9 @@ constexpr uint64_t LargestStepBytes = 4ULL << 20;
 
 /// A new file beside another one, which is removed unless it took the other one's place.
 ///
-/// A process that is killed meanwhile leaves the new file behind, hidden and small. Nobody clears
-/// these away: the folder may be shared between machines, where another one's processes can't be
-/// distinguished from dead ones, and may be any of the user's, too large to be listed at each
-/// write.
+/// A process that is killed meanwhile leaves the new file behind, hidden. The folder may be shared
+/// between machines, where another one's processes can't be distinguished from dead ones: the next
+/// that is made there clears away what nobody can be writing any more, going by the age.
 class Replacement {
 public:
     /// `target` is no symbolic link.
@@ -54,6 +54,9 @@ public:
         if (error != 0) {
             return Failure("Error opening file", error);
         }
+        // The new file bears the time of the folder's clock.
+        Temporaries::RemoveOld(Path::GetFolder(target),
+                               Platform::GetStatus(descriptor).modificationTime);
         return {};
     }
 
@@ -134,11 +137,7 @@ private:
         constexpr int Tries = 16;
         int error = EEXIST;
         for (int i = 0; i < Tries && error == EEXIST; ++i) {
-            // Hidden, and short, so that no name is too long only because of it.
-            const auto name = String(".%1-%2.tmp")
-                                  .arg(Platform::GetProcessNumber())
-                                  .arg(Platform::GetRandomBits(), 16, 16);
-            const String path = Path::Join(Path::GetFolder(target), name);
+            const String path = Path::Join(Path::GetFolder(target), Temporaries::MakeName());
             const auto opened = Platform::OpenFile(path, Platform::Access::CreateNew, permissions);
             descriptor = opened.descriptor;
             error = opened.error;
@@ -233,12 +232,13 @@ Expected<Bytes> ReadWholeFile(const String& path, uint64_t maxBytes)
 {
     // Asked before the opening, which is an action of its own on some devices.
     const auto status = Platform::GetStatus(path);
-    const int error =
-        status.kind == Platform::Kind::Other && status.error == 0 ? EINVAL : status.error;
-    if (error != 0) {
-        return File::MakeError("Error opening file", path, error);
+    if (status.error != 0) {
+        return File::MakeError("Error opening file", path, status.error);
     }
-    if (status.kind == Platform::Kind::Regular && status.size > maxBytes) {
+    if (status.kind == Platform::Kind::Pipe || status.kind == Platform::Kind::Other) {
+        return File::Error("Error opening file", "File", {path, "is no regular file"});
+    }
+    if (status.size > maxBytes) {
         return TooLarge(path, maxBytes);
     }
     const auto opened = Platform::OpenFile(path, Platform::Access::Read);

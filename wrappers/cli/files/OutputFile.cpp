@@ -2,8 +2,7 @@
 #include "wrappers/cli/files/OutputFile.h"
 
 #include "wrappers/cli/files/FileError.h"
-
-#include <fmt/format.h>
+#include "wrappers/cli/files/HiddenFiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +11,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <random>
 
 namespace Cli {
 
@@ -25,15 +23,6 @@ std::string FollowLinks(const std::string& target)
     std::error_code failure;
     const auto resolved = std::filesystem::canonical(target, failure);
     return failure ? target : resolved.string();
-}
-
-std::string HiddenNameBeside(const std::string& target)
-{
-    const std::filesystem::path path(target);
-    std::random_device random;
-    // The target's name isn't part of it: that could already have the greatest length.
-    const auto name = fmt::format(".puffguard-{:08x}{:08x}.tmp", random(), random());
-    return (path.parent_path() / name).string();
 }
 
 } // namespace
@@ -64,11 +53,15 @@ OutputFile::OutputFile(const FileName& newTarget, Overwrite newOverwrite)
         return;
     }
     CheckNewFile(target, overwrite);
-    temporary = HiddenNameBeside(target);
+    temporary = MakeHiddenName(target);
     cleanUp = std::make_unique<ScopedCleanUp>(temporary);
     file = FileDescriptor(cleanUp->Open(0666));
     if (!file.IsOpen()) {
         throw FileError::FromErrno(errno);
+    }
+    struct stat status = {};
+    if (::fstat(file.Get(), &status) == 0) {
+        RemoveOldHiddenFiles(target, status.st_mtime);
     }
 }
 
@@ -112,21 +105,14 @@ void OutputFile::KeepAttributes() const
 
 void OutputFile::Rename() const
 {
+    int failure = 0;
     if (overwrite == Overwrite::Refuse) {
-        if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) ==
-            0) {
-            return;
-        }
-        if (errno == EEXIST) {
-            throw FileError(ExistsText);
-        }
-        // File systems without that flag: the target's absence was tested at the start.
-        if (errno != EINVAL && errno != ENOSYS) {
-            throw FileError::FromErrno(errno);
-        }
+        failure = RenameToNew(temporary, target);
+    } else if (::rename(temporary.c_str(), target.c_str()) != 0) {
+        failure = errno;
     }
-    if (::rename(temporary.c_str(), target.c_str()) != 0) {
-        throw FileError::FromErrno(errno);
+    if (failure != 0) {
+        throw failure == EEXIST ? FileError(ExistsText) : FileError::FromErrno(failure);
     }
 }
 

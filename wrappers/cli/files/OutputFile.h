@@ -20,8 +20,9 @@ void CheckNewFile(const std::string& target, Overwrite overwrite);
 /// A file that appears under its name whole or not at all.
 ///
 /// The bytes go to a hidden file beside the target; Commit() flushes that to the disk and renames
-/// it. Without Commit(), and when a signal ends the process, the hidden file is removed. A target
-/// that is a symbolic link is followed; owner and permissions of a replaced file are kept.
+/// it. Without Commit(), and when a signal ends the process, the hidden file is removed; one of a
+/// command that was killed goes when another is made beside it a day later. A target that is a
+/// symbolic link is followed; owner and permissions of a replaced file are kept.
 ///
 /// Standard output and targets that exist and are no regular file, such as a pipe or a device, take
 /// the bytes as they come.

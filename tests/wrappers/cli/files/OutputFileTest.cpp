@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/files/OutputFile.h"
 
+#include "tests/support/Child.h"
+#include "tests/support/RefusedCall.h"
 #include "tests/wrappers/cli/support/TestFiles.h"
 #include "wrappers/cli/files/FileError.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <utility>
 
 namespace {
 
@@ -50,6 +58,51 @@ TEST(OutputFileTest, NeverReplacesUnasked)
     EXPECT_THROW(file.Commit(), FileError);
     EXPECT_EQ(ReadBytes(folder / "a"), "old");
     EXPECT_EQ(ReadBytes(folder / "b"), "meanwhile");
+}
+
+// Nor on a file system that neither knows the system's own call nor second names of a file.
+TEST(OutputFileTest, NeverReplacesUnaskedByAPlaceholder)
+{
+    const TemporaryFolder folder;
+    Support::Child child([&] {
+        for (const long call : {SYS_renameat2, SYS_linkat}) {
+            static_cast<void>(Support::RefuseCall(call, EINVAL));
+        }
+#ifdef SYS_link
+        static_cast<void>(Support::RefuseCall(SYS_link, EPERM));
+#endif
+        OutputFile(FileName(folder / "a"), Overwrite::Refuse).WriteWhole("new");
+        OutputFile file(FileName(folder / "b"), Overwrite::Refuse);
+        WriteBytes(folder / "b", "meanwhile");
+        try {
+            file.Commit();
+            _exit(1);
+        } catch (const FileError&) {
+        }
+    });
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(ReadBytes(folder / "a"), "new");
+    EXPECT_EQ(ReadBytes(folder / "b"), "meanwhile");
+}
+
+TEST(OutputFileTest, ClearsAwayWhatKilledCommandsLeft)
+{
+    const TemporaryFolder folder;
+    for (const auto& [name, hours] : {std::pair(".puffguard-0123456789abcdef.tmp", 25),
+                                      std::pair(".puffguard-0123456789abcde0.tmp", 23),
+                                      std::pair(".puffguard-notes.tmp", 25),
+                                      std::pair("puffguard-0123456789abcdef.tmp", 25)}) {
+        WriteBytes(folder / name, "x");
+        std::filesystem::last_write_time(folder / name,
+                                         std::filesystem::file_time_type::clock::now() -
+                                             std::chrono::hours(hours));
+    }
+    OutputFile(FileName(folder / "a"), Overwrite::Refuse).WriteWhole("new");
+    EXPECT_EQ(folder.List(),
+              (Names{".puffguard-0123456789abcde0.tmp",
+                     ".puffguard-notes.tmp",
+                     "a",
+                     "puffguard-0123456789abcdef.tmp"}));
 }
 
 TEST(OutputFileTest, FollowsALinkAndKeepsPermissions)

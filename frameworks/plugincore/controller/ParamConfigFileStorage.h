@@ -16,7 +16,7 @@ public:
     /// Starts with `initialValue` and reads nothing yet. The file outlives the storage.
     ParamConfigFileStorage(Util::ConfigFile& newFile, String newKey, T initialValue);
 
-    /// Writes at once when the value differs.
+    /// Writes when the value differs: at once, unless a collection of the file's is under way.
     void Store(const T& newValue) override;
     /// Takes the settings' value over; without one the present value stays.
     void LoadFromFile();

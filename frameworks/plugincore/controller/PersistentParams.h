@@ -6,7 +6,7 @@
 namespace Controller {
 
 /// A preference of the user: what the parameters of this key have in all live instances. Its values
-/// are written to the settings at once.
+/// are written to the settings at once, or at the end of a collection of the file's.
 template <typename Base>
 class PersistentParam final : public ConfigFileParam<Base> {
 public:

@@ -5,6 +5,7 @@
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Controller {
 namespace {
@@ -41,6 +42,7 @@ void PersistentParamsHolder::Register(const String& key, const DSP::ElementParam
     using Pointer = std::shared_ptr<PersistentOf<T>>;
     const auto found = params.find(key);
     if (found != params.end()) {
+        Follow();
         std::get<Pointer>(found->second)->Register(model);
         return;
     }
@@ -72,13 +74,42 @@ template <typename T>
 void PersistentParamsHolder::Set(const String& key, T value, const PersistentParamsLink& from)
 {
     const Util::CriticalSectionGuard guard(lock);
+    Follow(); // what another process has written is what the value is compared to
     auto& param = std::get<std::shared_ptr<PersistentOf<T>>>(params.at(key));
     if (param->GetValue() == value) {
         return;
     }
     param->SetValue(value);
+    Announce(key, &from);
+}
+
+void PersistentParamsHolder::FollowSettings()
+{
+    const Util::CriticalSectionGuard guard(lock);
+    Follow();
+}
+
+void PersistentParamsHolder::Follow()
+{
+    const uint64_t present = file.GetRevision();
+    if (std::exchange(revision, present) == present) {
+        return;
+    }
+    for (const ParamPointer& param : registered) {
+        std::visit(
+            [this](const auto& typed) UTIL_REQUIRES(lock) {
+                if (typed->LoadFromFile()) {
+                    Announce(typed->GetKey(), nullptr);
+                }
+            },
+            param);
+    }
+}
+
+void PersistentParamsHolder::Announce(const String& key, const PersistentParamsLink* from)
+{
     for (PersistentParamsLink* link : links) {
-        if (link != &from) {
+        if (link != from) {
             link->Announce(key);
         }
     }

@@ -26,8 +26,8 @@ public:
 
     explicit PersistentParamsHolder(const String& settingsPath);
 
-    /// Makes the parameter of this key, or hands `model` to the one that is there. A key keeps its
-    /// type: float, uint32_t or bool.
+    /// Makes the parameter of this key, or hands `model` to the one that is there, with what the
+    /// settings hold by now. A key keeps its type: float, uint32_t or bool.
     template <typename T>
     void Register(const String& key, const DSP::ElementParamImplBase<T>& model);
     /// Keys of all parameters, in the order in which they came.
@@ -38,6 +38,9 @@ public:
     /// Writes a value that differs to the settings and announces it to all links but `from`.
     template <typename T>
     void Set(const String& key, T value, const PersistentParamsLink& from);
+    /// Takes over what others have written to the settings, another process or another copy of this
+    /// module, and announces it to all links. A value that was removed there stays as it is.
+    void FollowSettings();
 
     /// A link is notified of changes from Attach() to Detach().
     void Attach(PersistentParamsLink& link);
@@ -48,8 +51,12 @@ private:
                                       std::shared_ptr<PersistentEnumParam>,
                                       std::shared_ptr<PersistentBoolParam>>;
 
+    void Follow() UTIL_REQUIRES(lock);
+    void Announce(const String& key, const PersistentParamsLink* from) UTIL_REQUIRES(lock);
+
     mutable Util::CriticalSection lock{"Persistent Params"};
     Util::ConfigFile file UTIL_GUARDED_BY(lock);
+    uint64_t revision UTIL_GUARDED_BY(lock) = 0; // of the file that the values were compared to
     std::map<String, ParamPointer> params UTIL_GUARDED_BY(lock);
     std::vector<ParamPointer> registered UTIL_GUARDED_BY(lock);     // those of params, oldest first
     std::vector<PersistentParamsLink*> links UTIL_GUARDED_BY(lock); // not owned

@@ -87,6 +87,7 @@ void PersistentParamsLink::Announce(const String& key)
 
 void PersistentParamsLink::ApplyChanges()
 {
+    holder->FollowSettings();
     std::set<String> changed;
     {
         const Util::CriticalSectionGuard guard(queueLock);

@@ -24,8 +24,8 @@ public:
     void Load(DSP::Element& element);
     /// Lets go of all elements.
     void Clear() { followed.clear(); }
-    /// Takes over what other instances have changed; every tick. When that throws, the next call
-    /// takes over the rest.
+    /// Takes over what others have changed, instances of this process or somebody else in the
+    /// settings; every tick. When that throws, the next call takes over the rest.
     void ApplyChanges();
 
     /// For the holder: the preference of this key has changed. [any]

@@ -45,7 +45,7 @@ Plugin::Plugin(const PluginFactory& newFactory, const PluginSetup& setup)
     , transform(factory.CreateTransform(*this, format.sampleRate, format.channelConfig))
     , translator(newFactory.CreateTranslator(GetForcedLanguage()))
     , params(*transform, *translator)
-    , preferences(GetSet(), settings.GetProductFile().GetKeyPath(), IsOffline())
+    , preferences(GetSet(), settings.GetProductFile(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
     , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
     , presets(MakePresetSetup())
@@ -236,12 +236,14 @@ bool Plugin::MayReport() const
 
 void Plugin::ParamGrabbed(DSP::Element& element, const String& name)
 {
+    preferences.Grabbed(element, name);
     gestures.Grabbed(element, name, MayReport());
 }
 
 void Plugin::ParamReleased(DSP::Element& element, const String& name)
 {
     gestures.Released(element, name);
+    preferences.Released(element, name);
 }
 
 void Plugin::ParamChanged(DSP::Element& element, const String& name)
@@ -360,6 +362,7 @@ void Plugin::RunIdleWork()
     transform->GetSet().OnUIIdle();
     transform->GetSet().OnSyncParams();
     preferences.ApplyChanges();
+    settings.WriteWaiting();
     transform->Idle();
     history.onIdle();
     if (reinstantiateWatch.TakeChange()) {

@@ -43,6 +43,14 @@ PluginSettings::PluginSettings(const PluginDefinition& newDefinition, bool newIs
 {
 }
 
+void PluginSettings::WriteWaiting()
+{
+    productFile.WriteWaiting();
+    if (sharedFile) {
+        sharedFile->WriteWaiting();
+    }
+}
+
 LatencyReport::Settings PluginSettings::ReadLatencySettings() const
 {
     if (isOffline) {

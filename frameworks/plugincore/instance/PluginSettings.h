@@ -17,6 +17,8 @@ public:
     Util::ConfigFile& GetProductFile() { return productFile; }
     /// The settings that products share; null when there are none.
     Util::ConfigFile* GetSharedFile() { return sharedFile.get(); }
+    /// Tries once more to write what could not be written; every tick.
+    void WriteWaiting();
 
     /// Nothing that a user has set when the instance is offline. A frozen delay that is out of
     /// range counts as none. [setup]

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/instance/Preferences.h"
 
-Preferences::Preferences(DSP::DSPSet& newSet, const String& keyPath, bool isOffline)
+Preferences::Preferences(DSP::DSPSet& newSet, Util::ConfigFile& newFile, bool isOffline)
     : set(newSet)
+    , file(newFile)
 {
     if (!isOffline) {
-        link.emplace(Controller::PersistentParamsHolder::Share(keyPath));
+        link.emplace(Controller::PersistentParamsHolder::Share(file.GetKeyPath()));
     }
 }
 
@@ -21,9 +22,11 @@ void Preferences::Load()
 void Preferences::Store()
 {
     if (link) {
-        // Every change is stored at once; what is left is what the process side alone knows.
+        // What isn't stored yet is what the process side alone knows, and what is held.
         set.OnSyncParams();
         link->Clear();
+        held.clear();
+        writes.reset();
     }
 }
 
@@ -31,5 +34,30 @@ void Preferences::ApplyChanges()
 {
     if (link) {
         link->ApplyChanges();
+    }
+}
+
+void Preferences::Grabbed(const DSP::Element& element, const String& name)
+{
+    const bool isPreference =
+        element.GetParamInfoByName(name).persistence == DSP::Persistence::Persistent;
+    if (!link || !isPreference) {
+        return;
+    }
+    held.insert({&element, name});
+    if (!writes) {
+        writes.emplace(file);
+    }
+}
+
+void Preferences::Released(const DSP::Element& element, const String& name)
+{
+    const auto found = held.find({&element, name});
+    if (found == held.end()) {
+        return;
+    }
+    held.erase(found);
+    if (held.empty()) {
+        writes.reset();
     }
 }

@@ -104,7 +104,9 @@ std::shared_ptr<ConfigFile::Store> ConfigFile::GetStore(const String& subPath) c
 
 void ConfigFile::Set(const String& name, DictionaryValue value)
 {
-    store->Change([&](Dictionary& values) { values.Set(NotNull(name), std::move(value)); });
+    ConfigChanges changes;
+    changes.Set(NotNull(name), std::move(value));
+    store->Change(changes);
 }
 
 void ConfigFile::GetValueNames(std::set<String>& names, const String& subPath) const
@@ -222,13 +224,17 @@ bool ConfigFile::HasValue(const String& name) const
 
 void ConfigFile::DeleteValue(const String& name)
 {
-    store->Change([&](auto& values) { values.Remove(NotNull(name)); });
+    ConfigChanges changes;
+    changes.Remove(NotNull(name));
+    store->Change(changes);
 }
 
 void ConfigFile::DeleteKey(const String& subPath)
 {
     if (subPath.IsEmpty()) {
-        store->Change([](auto& values) { values = {}; });
+        ConfigChanges changes;
+        changes.RemoveAll();
+        store->Change(changes);
         return;
     }
     if (store->GetPath().IsEmpty()) {
@@ -247,12 +253,32 @@ void ConfigFile::DeleteKey(const String& subPath)
 bool ConfigFile::Import(const String& text)
 {
     const ImportedSettings imported = ParseSettings(text);
-    const bool isWritten = store->Change([&](auto& values) {
-        for (const auto& [name, value] : imported.values) {
-            values.Set(name, value);
-        }
-    });
-    return isWritten && imported.isComplete;
+    ConfigChanges changes;
+    for (const auto& [name, value] : imported.values) {
+        changes.Set(name, value);
+    }
+    return store->Change(changes) && imported.isComplete;
+}
+
+void ConfigFile::WriteWaiting()
+{
+    store->WriteWaiting();
+}
+
+uint64_t ConfigFile::GetRevision() const
+{
+    return store->GetRevision();
+}
+
+ConfigFile::Collection::Collection(ConfigFile& newFile)
+    : file(newFile)
+{
+    file.store->BeginCollection();
+}
+
+ConfigFile::Collection::~Collection()
+{
+    file.store->EndCollection();
 }
 
 } // namespace Util

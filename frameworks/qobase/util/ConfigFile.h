@@ -19,12 +19,19 @@ struct DictionaryValue;
 /// files in the folder of that name. Three kinds of value exist (text, 32-bit number, binary) and
 /// are kept apart; names are flat, whatever they hold. A read that finds nothing, or another kind,
 /// gives the default. A write is on the disk when it returns, merged with what other processes
-/// wrote meanwhile, and is dropped silently when it can't be. A file that is no settings file is
-/// set aside under a new name by the first write. No operation raises.
+/// wrote meanwhile. One that can't be, because others keep the file busy or the disk is full,
+/// counts as done in this process, and is written with the next one, by WriteWaiting(), or at the
+/// latest when the last object of the path ends, which then waits for the others for up to 10 s. A
+/// file that is no settings file is set aside under a new name by the first write. No operation
+/// raises.
 ///
 /// Threads: [any]; objects of one path share their contents within the process.
 class ConfigFile {
 public:
+    /// While one of these lives, what is written to the path counts as done in this process, and is
+    /// written by its end, all at once: for what the user does in one go. [any]
+    class Collection;
+
     explicit ConfigFile(const String& keyPath);
     ConfigFile(const ConfigFile&) = delete;
     ConfigFile& operator=(const ConfigFile&) = delete;
@@ -52,8 +59,15 @@ public:
     virtual void DeleteKey(const String& subPath);
     /// Takes settings from text in one write, one setting a line: `name=kind:value`, kind one of
     /// "text", "number" and "binary" (hexadecimal). Lines that are empty or start with "#" or ";"
-    /// are passed over. True when every other line could be read, and the write was not dropped.
+    /// are passed over. True when every other line could be read, and all is on the disk.
     virtual bool Import(const String& text);
+
+    /// Tries once more to write what could not be written, without waiting for other processes. For
+    /// a tick: costs next to nothing while there is none.
+    void WriteWaiting();
+    /// Another number than before when values may have changed since, by whomever; costs a look at
+    /// the file.
+    uint64_t GetRevision() const;
 
     /// With "\" between the parts.
     const String& GetKeyPath() const { return keyPath; }
@@ -66,6 +80,18 @@ private:
 
     const String keyPath;
     const std::shared_ptr<Store> store; // one a path and process
+};
+
+class ConfigFile::Collection {
+public:
+    /// The file outlives the collection.
+    explicit Collection(ConfigFile& newFile);
+    Collection(const Collection&) = delete;
+    Collection& operator=(const Collection&) = delete;
+    ~Collection();
+
+private:
+    ConfigFile& file;
 };
 
 } // namespace Util

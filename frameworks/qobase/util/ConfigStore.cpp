@@ -16,8 +16,12 @@ namespace Util {
 
 namespace {
 
-// A write that can't have the lock by then is dropped.
+// How long a change waits for other processes to let go of the lock, and how long the store does at
+// its end, when there is no later: enough for a hundred that write to a slow disk. One that hangs
+// with the lock costs that much once.
 constexpr std::chrono::milliseconds LongestWait(1000);
+constexpr std::chrono::milliseconds LongestWaitAtEnd(10'000);
+constexpr std::chrono::milliseconds NoWait(0);
 
 String WithoutEnding(const String& path)
 {
@@ -72,6 +76,12 @@ ConfigFile::Store::Store(const String& newPath)
 {
 }
 
+ConfigFile::Store::~Store()
+{
+    const CriticalSectionGuard guard(section);
+    WriteWaiting(LongestWaitAtEnd);
+}
+
 void ConfigFile::Store::Refresh()
 {
     if (path.IsEmpty() || (isSettled && GetFileIdentity(path) == identity)) {
@@ -82,7 +92,13 @@ void ConfigFile::Store::Refresh()
 
 void ConfigFile::Store::Load()
 {
-    values = {};
+    Dictionary former = std::exchange(values, {});
+    ReadFile();
+    revision += values == former ? 0 : 1;
+}
+
+void ConfigFile::Store::ReadFile()
+{
     // Taken first: a file that is replaced from here on is found out by the next look.
     identity = GetFileIdentity(path);
     isSettled = !MayChangeUnseen(identity);
@@ -106,22 +122,53 @@ void ConfigFile::Store::Load()
     }
 }
 
-bool ConfigFile::Store::Change(const std::function<void(Dictionary&)>& change)
+bool ConfigFile::Store::Change(const ConfigChanges& changes)
 {
     const CriticalSectionGuard guard(section);
-    if (path.IsEmpty() || !MakeFolder()) {
+    if (path.IsEmpty()) {
         return false;
     }
-    const FileLock lock = Lock();
-    if (!lock.IsHeld()) {
+    waiting.Add(changes);
+    ++revision;
+    return WriteSoon();
+}
+
+bool ConfigFile::Store::WriteSoon()
+{
+    // Who has waited in vain once doesn't again: many changes may come in a row.
+    return WriteWaiting(isLockStuck ? NoWait : LongestWait);
+}
+
+void ConfigFile::Store::WriteWaiting()
+{
+    const CriticalSectionGuard guard(section);
+    WriteWaiting(NoWait);
+}
+
+bool ConfigFile::Store::WriteWaiting(std::chrono::milliseconds longestWait)
+{
+    if (waiting.IsEmpty()) {
+        return true;
+    }
+    if (collections != 0 || !MakeFolder()) {
         return false;
     }
+    const FileLock lock(lockPath, longestWait);
+    isLockStuck = !lock.IsHeld();
+    if (isLockStuck || !WriteLocked()) {
+        return false;
+    }
+    waiting = {};
+    return true;
+}
+
+bool ConfigFile::Store::WriteLocked()
+{
     Load();
     if (state == State::Unreadable) {
         return false;
     }
-    Dictionary changed = values;
-    change(changed);
+    const Dictionary changed = waiting.ApplyTo(values);
     if (changed == values) {
         return true;
     }
@@ -131,14 +178,36 @@ bool ConfigFile::Store::Change(const std::function<void(Dictionary&)>& change)
     return Replace(changed);
 }
 
+uint64_t ConfigFile::Store::GetRevision()
+{
+    const CriticalSectionGuard guard(section);
+    Refresh();
+    return revision;
+}
+
+void ConfigFile::Store::BeginCollection()
+{
+    const CriticalSectionGuard guard(section);
+    ++collections;
+}
+
+void ConfigFile::Store::EndCollection()
+{
+    const CriticalSectionGuard guard(section);
+    --collections;
+    WriteSoon();
+}
+
 void ConfigFile::Store::Remove()
 {
     const CriticalSectionGuard guard(section);
+    waiting = {};
     if (path.IsEmpty() || !GetFileIdentity(path).exists) {
         return;
     }
-    const FileLock lock = Lock();
+    const FileLock lock(lockPath, LongestWait);
     if (!lock.IsHeld()) {
+        waiting.RemoveAll(); // the file stays, without values
         return;
     }
     Load();
@@ -154,11 +223,6 @@ bool ConfigFile::Store::MakeFolder() const
 {
     return static_cast<bool>(Path::MakeDirectory(
         Path::GetFolder(path), Path::Recursive::Yes, Path::Visibility::OwnerOnly));
-}
-
-FileLock ConfigFile::Store::Lock() const
-{
-    return {lockPath, LongestWait};
 }
 
 bool ConfigFile::Store::Replace(const Dictionary& newValues)

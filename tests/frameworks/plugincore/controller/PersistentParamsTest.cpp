@@ -98,6 +98,32 @@ TEST_F(PersistentParamsTest, LiveInstancesFollowAtTheirOwnTickWithoutWritingAgai
     EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 70.0F);
 }
 
+// Another process, or another copy of the module in this one.
+TEST_F(PersistentParamsTest, LiveInstancesFollowWhatOthersWriteToTheSettings)
+{
+    const auto writeElsewhere = [](float value) {
+        Support::Child([&] {
+            Util::ConfigFile(Settings).WriteFloat("Params.Test.Float.Size", value);
+        }).Wait();
+    };
+    Instance first;
+    writeElsewhere(40.0F);
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(Side::Process), 40.0F);
+    writeElsewhere(50.0F);
+    EXPECT_EQ(Instance().Value(), 50.0F) << "read when it is registered";
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 50.0F);
+    // Nothing of this is written again, and a value that goes leaves what there is.
+    file.DeleteKey("");
+    first.link.ApplyChanges();
+    EXPECT_EQ(first.Value(), 50.0F);
+    EXPECT_FALSE(file.HasValue("Params.Test.Float.Size"));
+    first.Set(50.0F);
+    first.Set(60.0F);
+    EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 60.0F);
+}
+
 TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
 {
     Instance first;

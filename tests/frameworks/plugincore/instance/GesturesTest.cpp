@@ -6,11 +6,15 @@
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/frameworks/plugincore/instance/TestEditor.h"
+#include "tests/support/FlushHook.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -172,6 +176,46 @@ TEST_F(GesturesTest, PreferencesFollowFromInstanceToInstanceAndThroughANewFormat
         follows = !second.Get<BoolParam>("Global.Meter Enable").GetValue();
     }
     EXPECT_EQ(second.Take(), "");
+}
+
+TEST_F(GesturesTest, ADraggedPreferenceIsWrittenOnceAtItsEnd)
+{
+    constexpr const char* Key = "Params.Global.Float.Selection Feathering";
+    auto& feathering = instance.Get<FloatParam>("Global.Selection Feathering");
+    plugin.Initialize(); // the tick writes nothing in between
+    const int before = Support::flushCount;
+    {
+        const Handle drag(feathering);
+        for (int i = 1; i <= 20; ++i) {
+            feathering.SetValue(static_cast<float>(i));
+            EXPECT_EQ(plugin.GetConfigFile().ReadFloat(Key, 0.0F), static_cast<float>(i));
+            std::this_thread::sleep_for(std::chrono::milliseconds(i == 10 ? 250 : 0));
+        }
+        EXPECT_EQ(Support::flushCount, before);
+    }
+    EXPECT_EQ(Support::flushCount, before + 2) << "the file and its folder";
+    plugin.ParamReleased(*plugin.GetSet().GetElements().at("Global"), "Selection Feathering");
+    {
+        const Handle drag(feathering);
+        feathering.SetValue(30.0F);
+        plugin.SetStreamFormat(96000.0F, 1); // its elements are let go of
+        EXPECT_EQ(Support::flushCount, before + 4);
+    }
+    feathering.SetValue(40.0F);
+    EXPECT_EQ(Support::flushCount, before + 6);
+}
+
+TEST_F(GesturesTest, ATickWritesWhatCouldNotBeWritten)
+{
+    plugin.Initialize();
+    Support::flushError = ENOSPC;
+    plugin.GetConfigFile().WriteInt("x", 1);
+    const std::string file = folders.Home() / "config/Norvane/LM6Pfgd.json";
+    EXPECT_FALSE(std::filesystem::exists(file));
+    Support::flushError = 0;
+    while (!std::filesystem::exists(file)) { // the test's limit ends it
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 TEST_F(GesturesTest, AnOfflineInstanceNeitherReadsNorWritesPreferences)

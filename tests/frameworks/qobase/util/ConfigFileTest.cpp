@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/qobase/util/ConfigFile.h"
 
+#include "tests/support/FlushHook.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -10,10 +11,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -260,7 +263,73 @@ TEST_F(ConfigFileTest, AHugeFileGivesDefaultsAndIsSetAside)
     EXPECT_EQ(fs::file_size(SetAside()[0]), (64U << 20) + 1);
 }
 
-TEST_F(ConfigFileTest, WhatCannotBeWrittenIsDroppedSilently)
+// Files of this process can have no more than 10 bytes, as on a disk without room.
+class FullDisk {
+public:
+    FullDisk()
+    {
+        getrlimit(RLIMIT_FSIZE, &former);
+        const rlimit small{10, former.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &former); }
+
+private:
+    rlimit former{};
+};
+
+TEST_F(ConfigFileTest, WhatCannotBeWrittenIsKeptAndWrittenLater)
+{
+    for (const int32_t number : {2, 3}) {
+        std::optional<ConfigFile> config(ProductKey);
+        config->WriteInt("gone", 1);
+        const std::string before = Slurp(ProductFile());
+        {
+            const FullDisk full;
+            config->WriteInt("kept", number);
+            config->DeleteValue("gone");
+            config->WriteWaiting();
+        }
+        EXPECT_EQ(Slurp(ProductFile()), before);
+        EXPECT_EQ(ConfigFile(ProductKey).ReadInt("kept", 0), number);
+        EXPECT_FALSE(config->HasValue("gone"));
+        // What another process writes meanwhile stays.
+        Spill(ProductFile(),
+              R"({"gone":{"Type":"Int","Value":1},"other":{"Type":"Int","Value":4}})");
+        if (number == 2) {
+            config->WriteWaiting();
+            EXPECT_NE(Slurp(ProductFile()).find("kept"), std::string::npos);
+        }
+        config.reset(); // the end, at the latest
+        EXPECT_EQ(ConfigFile(ProductKey).ReadInt("kept", 0), number);
+        EXPECT_EQ(ValueNames(ConfigFile(ProductKey)), (std::set<String>{"kept", "other"}));
+    }
+}
+
+TEST_F(ConfigFileTest, ACollectionIsWrittenOnceAtItsEnd)
+{
+    ConfigFile config(ProductKey);
+    {
+        const ConfigFile::Collection outer(config);
+        const ConfigFile::Collection inner(config);
+        const int before = Support::flushCount;
+        for (int32_t i = 0; i < 9; ++i) {
+            config.WriteInt("x", i);
+            config.WriteWaiting();
+            EXPECT_EQ(ConfigFile(ProductKey).ReadInt("x", -1), i);
+        }
+        config.DeleteKey("");
+        config.WriteInt("y", 9);
+        EXPECT_EQ(Support::flushCount, before);
+        EXPECT_FALSE(fs::exists(ProductFile()));
+    }
+    EXPECT_NE(Slurp(ProductFile()).find("\"y\""), std::string::npos);
+    EXPECT_EQ(ValueNames(config), std::set<String>{"y"});
+}
+
+TEST_F(ConfigFileTest, WhatCanNeverBeWrittenHarmsNobody)
 {
     fs::create_directories(ProductFile()); // a folder where the file should be
     Spill(Configuration() / "Plain", "");

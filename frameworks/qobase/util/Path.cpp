@@ -111,6 +111,11 @@ bool IsDirectory(const String& path)
     return status.error == 0 && status.kind == Platform::Kind::Folder;
 }
 
+bool IsAbsolute(const String& path)
+{
+    return path.View().starts_with(Separator);
+}
+
 std::vector<String> ListFiles(const String& folder, const String& extension)
 {
     const String wanted = extension.ToLower();

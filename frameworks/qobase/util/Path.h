@@ -30,6 +30,8 @@ Expected<void> MakeDirectory(const String& path,
                              Recursive recursive,
                              Visibility visibility = Visibility::AsMaskSays);
 bool IsDirectory(const String& path);
+/// Whether the path means the same from wherever it is looked at.
+bool IsAbsolute(const String& path);
 
 /// Full paths of the regular files in a folder whose name ends in `extension` (with its dot,
 /// matched without case), in byte order. None for a folder that can't be read.
@@ -41,7 +43,8 @@ String GetHomeFolder();            ///< $HOME, else as the system's records have
 String GetApplicationDataFolder(); ///< $XDG_DATA_HOME or ~/.local/share
 String GetConfigurationFolder();   ///< $XDG_CONFIG_HOME or ~/.config
 String GetDocumentsFolder();       ///< the DOCUMENTS of xdg-user-dir, or ~/Documents
-/// "%USERDOCS%" at the start of a pattern filled in, separators of the rest made native.
+/// "%USERDOCS%", or "~" before a separator or alone, at the start of a pattern filled in,
+/// separators of the rest made native.
 String ExpandUserFolders(const String& pattern);
 
 } // namespace Util::Path

@@ -115,10 +115,11 @@ String GetDocumentsFolder()
 String ExpandUserFolders(const String& pattern)
 {
     const String documents("%USERDOCS%");
-    if (!pattern.StartsWith(documents)) {
-        return ToNative(pattern);
+    if (pattern.StartsWith(documents)) {
+        return GetDocumentsFolder() + ToNative(pattern.Mid(documents.Length()));
     }
-    return GetDocumentsFolder() + ToNative(pattern.Mid(documents.Length()));
+    const String native = ToNative(pattern);
+    return native == "~" || native.StartsWith("~/") ? GetHomeFolder() + native.Mid(1) : native;
 }
 
 } // namespace Util::Path

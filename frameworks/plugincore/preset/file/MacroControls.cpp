@@ -25,6 +25,12 @@ constexpr ListWords CheckBoxWords{"CheckBoxes",
                                   "CheckBoxes was not a valid XML element.",
                                   "Checkbox was not a valid XML element."};
 
+std::optional<int32_t> ReadScale(const Util::XmlNode& node)
+{
+    const auto scale = Util::ParseInt(node.GetAttribute("Scale"));
+    return scale && *scale >= 0 && *scale <= HighestScale ? scale : std::nullopt;
+}
+
 std::optional<int32_t> ReadId(const Util::XmlNode& node, const char* attribute)
 {
     const auto id = Util::ParseInt(node.GetAttribute(attribute));
@@ -55,8 +61,8 @@ Util::Expected<SliderRecord> ReadSlider(const Util::XmlNode& node)
         }
         value = *number;
     }
-    const auto scale = Util::ParseInt(node.GetAttribute("Scale"));
-    if (!scale || *scale < 0 || *scale > HighestScale) {
+    const auto scale = ReadScale(node);
+    if (!scale) {
         return MakeValueError("Invalid scale type.");
     }
     slider.scale = *scale;
@@ -85,7 +91,6 @@ template <typename Record>
 Util::Expected<void> ReadList(const Util::XmlNode& root,
                               const ListWords& words,
                               Util::Expected<Record> (*readControl)(const Util::XmlNode&),
-                              int32_t Record::*id,
                               std::vector<Record>& controls)
 {
     const auto lists = root.GetChildren(words.list);
@@ -104,28 +109,71 @@ Util::Expected<void> ReadList(const Util::XmlNode& root,
         if (!control) {
             return control.GetError();
         }
-        for (const Record& former : controls) {
-            if (former.*id == (*control).*id) {
-                control->params = former.params;
-            }
-        }
         result.push_back(std::move(*control));
     }
     controls = std::move(result);
     return {};
 }
 
+void ReadTypedBinding(const Util::XmlNode& node, FloatRecord& record)
+{
+    record.sliderId = ReadId(node, "SliderID");
+    record.start = Util::ParseFloat(node.GetAttribute("Start"));
+    record.end = Util::ParseFloat(node.GetAttribute("End"));
+    record.scale = ReadScale(node);
+}
+
+void ReadTypedBinding(const Util::XmlNode& /*node*/, EnumRecord& /*record*/) {} // has none
+
+void ReadTypedBinding(const Util::XmlNode& node, BoolRecord& record)
+{
+    record.checkboxId = ReadId(node, "CheckboxID");
+    record.invert = node.GetAttribute("Invert") == "1";
+}
+
+/// The keys of all parameters with this control's number in `id`.
+template <typename Record>
+std::vector<ParamKey>
+FindBound(const Snapshot& snapshot, std::optional<int32_t> Record::*id, int32_t wanted)
+{
+    std::vector<ParamKey> bound;
+    for (const auto& [element, values] : snapshot.elements) {
+        for (const auto& [key, param] : values.params) {
+            const auto* record = std::get_if<Record>(&param);
+            if (record != nullptr && record->*id == wanted) {
+                bound.push_back(key);
+            }
+        }
+    }
+    return bound;
+}
+
 } // namespace
+
+void ReadBinding(const Util::XmlNode& node, ParamRecord& record)
+{
+    std::visit([&](auto& typed) { ReadTypedBinding(node, typed); }, record);
+}
+
+void ListBoundParams(Snapshot& snapshot)
+{
+    for (SliderRecord& slider : snapshot.sliders) {
+        slider.params = FindBound(snapshot, &FloatRecord::sliderId, slider.sliderId);
+    }
+    for (CheckBoxRecord& checkBox : snapshot.checkBoxes) {
+        checkBox.params = FindBound(snapshot, &BoolRecord::checkboxId, checkBox.checkboxId);
+    }
+}
 
 Util::Expected<void> ReadSliders(const Util::XmlNode& root, std::vector<SliderRecord>& sliders)
 {
-    return ReadList(root, SliderWords, ReadSlider, &SliderRecord::sliderId, sliders);
+    return ReadList(root, SliderWords, ReadSlider, sliders);
 }
 
 Util::Expected<void> ReadCheckBoxes(const Util::XmlNode& root,
                                     std::vector<CheckBoxRecord>& checkBoxes)
 {
-    return ReadList(root, CheckBoxWords, ReadCheckBox, &CheckBoxRecord::checkboxId, checkBoxes);
+    return ReadList(root, CheckBoxWords, ReadCheckBox, checkBoxes);
 }
 
 } // namespace Preset

@@ -48,6 +48,7 @@ PresetFileBase::~PresetFileBase() = default;
 
 Util::Expected<void> PresetFileBase::Load(const String& newPath)
 {
+    const String formerPath = path;
     StorePath(newPath);
     Snapshot formerSnapshot = snapshot;
     MetadataMap formerMetadata = metadata;
@@ -55,6 +56,7 @@ Util::Expected<void> PresetFileBase::Load(const String& newPath)
     if (result) {
         metadata[MetadataName::LastUsed] = Util::GetPresentTimeText();
     } else {
+        StorePath(formerPath); // what SaveAgain() writes is still that of the former file
         snapshot = std::move(formerSnapshot);
         metadata = std::move(formerMetadata);
     }

@@ -31,9 +31,9 @@ public:
     PresetFileBase& operator=(const PresetFileBase&) = delete;
     virtual ~PresetFileBase();
 
-    /// Reads a plain or compressed file. A failure leaves snapshot and metadata as they were.
+    /// Reads a plain or compressed file. A failure leaves path, snapshot and metadata as they were.
     virtual Util::Expected<void> Load(const String& newPath);
-    /// Load() of the path of the last Load() or Save().
+    /// Load() of the path of the last Load() or Save() that worked.
     virtual Util::Expected<void> Reload();
     /// Writes a plain file, whole or not at all, and makes its folder when it is missing.
     /// `TouchModified::Yes` sets "LastModified" to now.
@@ -65,7 +65,8 @@ public:
                                             std::optional<uint32_t> pluginVersion,
                                             const Util::XmlNode& root);
 
-    /// Reads sliders and check boxes into the snapshot.
+    /// Reads sliders and check boxes into the snapshot, with the parameters there that are bound to
+    /// each.
     Util::Expected<void> ReadMacroControls(const Util::XmlNode& root);
     /// Stores in the snapshot; a pair that isn't there, or has another type, is ignored.
     virtual void SetBoolValue(const String& element, const String& param, bool value);

@@ -87,7 +87,11 @@ Util::Expected<void> PresetFileBase::ReadMacroControls(const Util::XmlNode& root
     if (auto result = ReadSliders(root, snapshot.sliders); !result) {
         return result;
     }
-    return ReadCheckBoxes(root, snapshot.checkBoxes);
+    if (auto result = ReadCheckBoxes(root, snapshot.checkBoxes); !result) {
+        return result;
+    }
+    ListBoundParams(snapshot);
+    return {};
 }
 
 Util::Expected<void> PresetFileBase::ReadLegacy(std::optional<uint32_t> version,
@@ -141,9 +145,12 @@ Util::Expected<void> PresetFileBase::ReadCategory(const Util::XmlNode& category)
         if (!param.IsElement()) {
             return MakeParseError("Parameter was not a valid XML element.");
         }
-        SetTextValue(param.GetAttribute("ElementID"),
-                     param.GetAttribute("ParamID"),
-                     param.GetAttribute("Value"));
+        const String element = param.GetAttribute("ElementID");
+        const String paramName = param.GetAttribute("ParamID");
+        SetTextValue(element, paramName, param.GetAttribute("Value"));
+        if (ParamRecord* record = snapshot.FindParam(element, paramName)) {
+            ReadBinding(param, *record);
+        }
     }
     for (const Util::XmlNode& extra : category.GetChildren("ExtraBytes")) {
         if (!extra.IsElement()) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/plugincore/preset/manager/PresetFolder.h"
 
+#include "frameworks/plugincore/preset/manager/PresetTexts.h"
+#include "frameworks/qobase/util/File.h"
 #include "frameworks/qobase/util/Path.h"
 #include "frameworks/qobase/util/PlatformFile.h"
 
@@ -21,10 +23,13 @@ Util::Expected<void> Make(const String& folder)
     return Util::Path::MakeDirectory(folder, Util::Path::Recursive::Yes);
 }
 
-// May make the folder.
-bool IsUsable(const String& folder)
+// No path at all chooses none.
+Util::Expected<void> CheckPath(const String& path)
 {
-    return !folder.IsEmpty() && Make(folder) && Util::Platform::CheckWritable(folder) == 0;
+    if (path.IsEmpty() || Util::Path::IsAbsolute(Util::Path::ExpandUserFolders(path))) {
+        return {};
+    }
+    return ManagerError(Texts::FolderRefused(path));
 }
 
 } // namespace
@@ -37,22 +42,38 @@ PresetFolder::PresetFolder(Util::ConfigFile& newSettings, const String& newDefau
 
 String PresetFolder::Get() const
 {
-    const String chosen = settings.ReadString(FolderKey, "");
-    return IsUsable(chosen) ? WithSeparator(chosen) : defaultFolder;
+    const String chosen = Util::Path::ExpandUserFolders(GetChosen());
+    return Util::Path::IsAbsolute(chosen) && Make(chosen) ? WithSeparator(chosen) : defaultFolder;
 }
 
-void PresetFolder::Set(const String& path)
+String PresetFolder::GetChosen() const
 {
-    settings.WriteString(FolderKey, path);
+    return settings.ReadString(FolderKey, "");
+}
+
+String PresetFolder::GetRefused() const
+{
+    const String chosen = GetChosen();
+    return CheckPath(chosen) ? String("") : chosen;
+}
+
+Util::Expected<void> PresetFolder::Set(const String& path)
+{
+    auto checked = CheckPath(path);
+    if (checked) {
+        settings.WriteString(FolderKey, path);
+    }
+    return checked;
 }
 
 Util::Expected<String> PresetFolder::Prepare() const
 {
     const String folder = Get();
-    if (folder == defaultFolder) {
-        if (auto made = Make(folder); !made) {
-            return made.GetError();
-        }
+    if (auto made = Make(folder); !made) {
+        return made.GetError();
+    }
+    if (const int error = Util::Platform::CheckWritable(folder); error != 0) {
+        return Util::File::MakeError(Texts::FolderNotWritable(folder), folder, error);
     }
     return folder;
 }

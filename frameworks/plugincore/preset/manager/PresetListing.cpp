@@ -46,6 +46,9 @@ void PresetManager::ListAll(const String& userFolder)
     if (formerSettings) {
         entries.push_back({Texts::FormerSettings, {}, PresetGroup::BuiltIn, {}, {}, {}});
     }
+    if (const String refused = folder.GetRefused(); !refused.IsEmpty()) {
+        entries.push_back({refused, {}, PresetGroup::User, {}, Texts::FolderRefused(refused), {}});
+    }
     ListFolder(setup.factoryFolder, PresetGroup::Factory);
     ListFolder(userFolder, PresetGroup::User);
     NoteHidden();

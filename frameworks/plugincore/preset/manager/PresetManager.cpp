@@ -242,7 +242,7 @@ Util::Expected<String> PresetManager::Import(const String& path)
     if (auto allowed = CheckName(file.GetName()); !allowed) {
         return allowed.GetError();
     }
-    String target = Util::Path::Join(setup.defaultFolder, file.GetName() + ".xml");
+    String target = folder.Get() + file.GetName() + ".xml";
     const auto prepared = folder.Prepare();
     Util::Expected<String> made =
         !prepared ? prepared

@@ -53,7 +53,7 @@ public:
     /// them back, and lists.
     void Open();
     /// Looks at the folders anew. Reads only what the list shows. A folder that is there but can't
-    /// be looked into has a line of its own, with a fault.
+    /// be looked into has a line of its own, with a fault, and so has a chosen one that is refused.
     void Refresh();
     /// Built-in ones first, then factory, then user presets, these two in order of their names.
     const std::vector<PresetEntry>& GetEntries() const { return entries; }

@@ -14,6 +14,16 @@ String FolderUnreadable(const String& folder, const String& reason)
     return "The folder " + folder + " cannot be read. (" + reason + ")";
 }
 
+String FolderRefused(const String& folder)
+{
+    return "The preset folder " + folder + " is no full path.";
+}
+
+String FolderNotWritable(const String& folder)
+{
+    return "The preset folder " + folder + " cannot be written.";
+}
+
 String RemoveQuestion(const String& name)
 {
     return String("Are you sure you want to remove '%1'?").arg(name);

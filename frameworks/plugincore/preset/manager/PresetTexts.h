@@ -35,6 +35,9 @@ inline constexpr const char* Hidden = "Hidden by your preset of the same name.";
 String ExistsAlready(const String& path);
 /// In a list, in the place of what a folder holds.
 String FolderUnreadable(const String& folder, const String& reason);
+/// For a folder that the user has chosen.
+String FolderRefused(const String& folder);
+String FolderNotWritable(const String& folder);
 String RemoveQuestion(const String& name);
 String RemoveFailed(const String& name, const String& reason);
 

@@ -9,9 +9,11 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -180,7 +182,19 @@ TEST(UserFolders, ReadDocumentsAsTheDesktopSetsThem)
     }
     std::ofstream(config / "user-dirs.dirs") << "XDG_DOCUMENTS_DIR=\"/d\\\\e\"\n";
     EXPECT_EQ(Path::ExpandUserFolders("%USERDOCS%\\a/b"), "/d\\e/a/b");
-    EXPECT_EQ(Path::ExpandUserFolders("a\\%USERDOCS%"), "a/%USERDOCS%");
+    const std::pair<const char*, const char*> expanded[] = {{"a\\%USERDOCS%", "a/%USERDOCS%"},
+                                                            {"~", "/home/x"},
+                                                            {"~/a", "/home/x/a"},
+                                                            {"~\\a", "/home/x/a"},
+                                                            {"~other/a", "~other/a"},
+                                                            {"/~", "/~"}};
+    for (const auto& [pattern, path] : expanded) {
+        EXPECT_EQ(Path::ExpandUserFolders(pattern), path);
+    }
+    // Nobody writes to it.
+    std::filesystem::remove(config / "user-dirs.dirs");
+    ASSERT_EQ(mkfifo((config / "user-dirs.dirs").c_str(), 0600), 0);
+    EXPECT_EQ(Path::GetDocumentsFolder(), "/home/x/Documents");
 }
 
 } // namespace

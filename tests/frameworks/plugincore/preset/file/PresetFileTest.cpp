@@ -110,11 +110,46 @@ TEST_F(PresetFile, IsWrittenAsItsFormSays)
     SetAmount(3.0F);
     Element().SetEnumValue(1, 3, DSP::Context::UI, {});
     Element().SetBoolValue(2, true, DSP::Context::UI, {});
+    using Keys = std::vector<ParamKey>;
+    EXPECT_EQ(reader.GetSnapshot().sliders[0].params, (Keys{{"Puffguard", "Amount"}}));
+    EXPECT_EQ(reader.GetSnapshot().checkBoxes[0].params, (Keys{{"Puffguard", "On"}}));
     ASSERT_TRUE(dsp.Apply(reader.GetSnapshot()));
     EXPECT_EQ(Amount(), 10.0F);
     EXPECT_EQ(Element().GetEnumValue(1, DSP::Context::UI), 2U);
     EXPECT_FALSE(Element().GetBoolValue(2, DSP::Context::UI));
     EXPECT_EQ(Element().extraBytes, (Util::Bytes{0, 1, 0xFF}));
+
+    // What was read is written as it was, but for the bytes that the element has by now.
+    const std::string text = Read(path);
+    ASSERT_TRUE(reader.Save(folder / "again.xml", reader.GetSnapshot(), TouchModified::No));
+    const std::string bytes = "        <ExtraBytes ElementID=\"Puffguard\" Data=\"AAH/\" />\n";
+    const std::string bound = "SliderID=\"7\" Start=\"0.1\" End=\"9\" Scale=\"1\" ";
+    const std::string again = Read(folder / "again.xml");
+    EXPECT_EQ(again.substr(again.find("    <Sliders")),
+              Replaced(text.substr(text.find("    <Sliders")), bytes, ""));
+    // A parameter that another file has without a control isn't bound any more.
+    reader.TakeSnapshotFromDSP();
+    const std::string on = Replaced(text, "<Puffguard Enabled=\"0\"", "<Puffguard Enabled=\"1\"");
+    ASSERT_TRUE(reader.Load(Write("bound.xml", on)));
+    EXPECT_EQ(reader.GetSnapshot().sliders[0].params.size(), 1U);
+    ASSERT_TRUE(reader.Load(Write("free.xml", Replaced(on, bound, "SliderID=\"x\" "))));
+    EXPECT_EQ(reader.GetSnapshot().sliders[0].params, Keys());
+}
+
+TEST_F(PresetFile, IsSavedAgainWhereItCameFrom)
+{
+    const std::string path = SaveNow("first.xml");
+    const std::string other = Write("other.xml", "no preset");
+    ASSERT_TRUE(file.Load(path));
+    EXPECT_FALSE(file.Load(other));
+    std::filesystem::remove(path);
+    ASSERT_TRUE(file.SaveAgain());
+    EXPECT_EQ(Read(other), "no preset");
+    EXPECT_NE(Read(path).find("LM6Pfgd"), std::string::npos);
+    LmPresetFile fresh(identity, dsp, nullptr);
+    EXPECT_FALSE(fresh.Load(other));
+    EXPECT_FALSE(fresh.SaveAgain());
+    EXPECT_EQ(Read(other), "no preset");
 }
 
 TEST_F(PresetFile, SaysMoreWhenTheUserAsksForIt)

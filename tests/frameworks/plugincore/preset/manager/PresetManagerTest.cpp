@@ -7,6 +7,9 @@
 
 #include <filesystem>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Preset;
 using namespace PresetTests;
 
@@ -130,14 +133,99 @@ TEST_F(Manager, TakesAFolderThatCanBeOne)
 {
     const std::string usual = folder / "user/";
     EXPECT_EQ(manager->GetFolder().Get(), usual);
-    manager->GetFolder().Set(folder / "mine/deep");
+    ASSERT_TRUE(manager->GetFolder().Set(folder / "mine/deep"));
     EXPECT_EQ(manager->GetFolder().Get(), folder / "mine/deep/"); // ends in a separator
     EXPECT_EQ(settings.ReadString("PresetFolder", ""), folder / "mine/deep");
     ASSERT_TRUE(manager->Save("one", "", Existing::Replace));
     EXPECT_TRUE(fs::exists(folder / "mine/deep/one.xml"));
 
-    manager->GetFolder().Set("");
+    ASSERT_TRUE(manager->GetFolder().Set(""));
     EXPECT_EQ(manager->GetFolder().Get(), usual);
+
+    const std::string home = user.Home() / "";
+    const std::pair<const char*, const char*> expanded[] = {
+        {"~/p", "p/"}, {"~", ""}, {"%USERDOCS%\\foo", "Documents/foo/"}};
+    for (const auto& [chosen, path] : expanded) {
+        ASSERT_TRUE(manager->GetFolder().Set(chosen));
+        EXPECT_EQ(manager->GetFolder().Get(), home + path);
+        EXPECT_EQ(Names(), "Factory settings|");
+    }
+}
+
+// Each host has another working directory.
+TEST_F(Manager, RefusesAFolderThatIsRelative)
+{
+    const fs::path former = fs::current_path();
+    fs::create_directory(folder / "host");
+    fs::current_path(folder / "host");
+    for (const std::string chosen : {"presets", "./p", "~x/p", "C:\\Users\\x", "a%USERDOCS%"}) {
+        EXPECT_EQ(Text(manager->GetFolder().Set(chosen)),
+                  "The preset folder " + chosen + " is no full path.");
+        EXPECT_EQ(Names(), "Factory settings|");
+        settings.WriteString("PresetFolder", chosen); // by hand
+        EXPECT_EQ(Names(), "Factory settings|" + chosen + "!|");
+        EXPECT_EQ(Find(chosen).fault, "The preset folder " + String(chosen) + " is no full path.");
+        EXPECT_FALSE(manager->Apply(Find(chosen)));
+        EXPECT_FALSE(manager->Remove(Find(chosen)));
+        settings.DeleteValue("PresetFolder");
+    }
+    EXPECT_TRUE(fs::is_empty(folder / "host"));
+    fs::current_path(former);
+}
+
+// A user who may not write everywhere, as an administrator may.
+class PlainUser {
+public:
+    PlainUser()
+    {
+        if (formerUser == 0) {
+            EXPECT_EQ(seteuid(65534), 0);
+        }
+    }
+    PlainUser(const PlainUser&) = delete;
+    PlainUser& operator=(const PlainUser&) = delete;
+    ~PlainUser() { EXPECT_EQ(seteuid(formerUser), 0); }
+
+private:
+    const uid_t formerUser = geteuid();
+};
+
+struct PlainManager : PlainUser, Manager {};
+
+TEST_F(PlainManager, ListsAndAppliesFromAFolderThatCannotBeWritten)
+{
+    Put("team/nine.xml");
+    const std::string source = Put("from/eight.xml", "Value=\"9\"", "Value=\"8\"");
+    const std::string team = folder / "team/";
+    ASSERT_TRUE(manager->GetFolder().Set(team));
+    fs::permissions(team, fs::perms(0555));
+    EXPECT_EQ(Names(), "Factory settings|nine|");
+    EXPECT_EQ(Text(manager->Apply(Find("nine"))), "");
+    EXPECT_EQ(Amount(), 9.0F);
+    for (const char* const name : {"new", ""}) {
+        const auto saved = manager->Save(name, "", Existing::Replace);
+        EXPECT_EQ(Text(saved), "The preset folder " + team + " cannot be written.");
+    }
+    const auto imported = manager->Import(source);
+    EXPECT_EQ(Text(imported), "The file " + team + "eight.xml cannot be written.");
+    EXPECT_EQ(imported.GetError().GetDetail(), "Permission denied");
+    EXPECT_EQ(Text(manager->Remove(Find("nine"))), "Error removing preset nine: Permission denied");
+    EXPECT_EQ(Names(), "Factory settings|nine|");
+    fs::permissions(team, fs::perms(0755));
+    EXPECT_FALSE(fs::exists(folder / "user"));
+}
+
+// Whoever opened one would wait for somebody to write to it, with the lock of the UI in hand.
+TEST_F(Manager, RefusesPipesAtOnce)
+{
+    const std::string pipe = folder / "pipe.xml";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto applied = manager->ApplyFile(pipe);
+    EXPECT_EQ(Text(applied), "The file " + pipe + " cannot be read.");
+    EXPECT_EQ(applied.GetError().GetDetail(), "Could not open file: is no regular file");
+    EXPECT_EQ(Text(manager->Import(pipe)), "The file " + pipe + " cannot be read.");
+    EXPECT_FALSE(manager->SaveFile(pipe, "", Existing::Replace));
+    EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
 // Where the chosen folder can't be, what is saved and imported is listed and found again.
@@ -150,7 +238,7 @@ TEST_F(Manager, KeepsToOneFolder)
                                     "/proc/self/nothing can be made here",
                                     folder / std::string(300, 'n')};
     for (const std::string& chosen : unusable) {
-        manager->GetFolder().Set(chosen);
+        ASSERT_TRUE(manager->GetFolder().Set(chosen));
         EXPECT_EQ(manager->GetFolder().Get(), folder / "user/") << chosen;
         fs::remove_all(folder / "user");
         EXPECT_EQ(Names(), "Factory settings|");

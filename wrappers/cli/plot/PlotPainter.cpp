@@ -31,8 +31,6 @@ constexpr double WaveHeight = 170;
 
 constexpr double NarrowestSpan = 4; // of a mark, in pixels
 
-constexpr double ShownDecibels = 70; // from the loudest to black
-
 constexpr Colour Ink = {0.13, 0.15, 0.18};
 constexpr Colour FaintInk = {0.42, 0.45, 0.5};
 constexpr Colour GridInk = {0.6, 0.63, 0.68, 0.35};
@@ -42,11 +40,6 @@ constexpr Colour MarkEdge = {0.2, 0.8, 0.85, 0.7};
 constexpr Colour BeforeInk = {0.93, 0.5, 0.22};
 constexpr Colour AfterInk = {0.16, 0.32, 0.55};
 constexpr Colour Paper = {1, 1, 1};
-
-double Decibel(float power)
-{
-    return 10.0 * std::log10(std::max(static_cast<double>(power), 1e-20));
-}
 
 cairo_status_t WritePart(void* descriptor, const unsigned char* data, unsigned length)
 {
@@ -61,11 +54,11 @@ PlotPainter::PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption
     : recorder(newRecorder)
     , caption(std::move(newCaption))
     , duration(std::max(newRecorder.GetDuration(), 1e-3))
+    , range(FindLevelRange(newRecorder))
     , surface(cairo_image_surface_create(
           CAIRO_FORMAT_RGB24, static_cast<int>(PictureWidth), static_cast<int>(PictureHeight)))
     , context(cairo_create(surface.get()))
 {
-    FindRange();
     SetColour(context.get(), Paper);
     cairo_paint(context.get());
     PaintTitle();
@@ -81,21 +74,6 @@ double PlotPainter::TimeToX(double seconds) const
     return PlotLeft + seconds / duration * Width;
 }
 
-void PlotPainter::FindRange()
-{
-    float greatest = 0;
-    for (const Spectrogram* spectrogram : {&recorder.GetBefore(), &recorder.GetAfter()}) {
-        for (const SpectrumColumn& column : spectrogram->GetColumns()) {
-            greatest =
-                std::max(greatest, *std::max_element(column.powers.begin(), column.powers.end()));
-        }
-    }
-    // Silence gets a scale too.
-    const double loudest = std::max(Decibel(greatest), -100.0);
-    topDecibel = 10.0 * std::ceil(loudest / 10.0) + 0.0; // the sum makes a 0 of a -0
-    floorDecibel = topDecibel - ShownDecibels;
-}
-
 void PlotPainter::PaintTitle()
 {
     SetColour(context.get(), Ink);
@@ -106,25 +84,11 @@ void PlotPainter::PaintTitle()
 
 void PlotPainter::PaintSpectrum(const Panel& panel, const Spectrogram& spectrogram)
 {
-    const auto& columns = spectrogram.GetColumns();
-    if (columns.empty()) {
+    if (spectrogram.GetColumns().empty()) {
         return;
     }
-    const int imageWidth = static_cast<int>(columns.size());
-    const int imageHeight = static_cast<int>(columns.front().powers.size());
-    const std::unique_ptr<cairo_surface_t, FreeSurface> image(
-        cairo_image_surface_create(CAIRO_FORMAT_RGB24, imageWidth, imageHeight));
-    cairo_surface_flush(image.get());
-    auto* pixels = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(image.get()));
-    const int stride = cairo_image_surface_get_stride(image.get()) / 4;
-    for (int x = 0; x < imageWidth; ++x) {
-        const auto& powers = columns[static_cast<size_t>(x)].powers;
-        for (int y = 0; y < imageHeight; ++y) {
-            const double level = Decibel(powers[static_cast<size_t>(imageHeight - 1 - y)]);
-            pixels[y * stride + x] = MapPixel((level - floorDecibel) / ShownDecibels);
-        }
-    }
-    cairo_surface_mark_dirty(image.get());
+    const Surface image = PaintLevels(spectrogram, range);
+    const int imageHeight = cairo_image_surface_get_height(image.get());
     // Bin 0 is centred on 0 Hz, so half a bin hangs over below; above, the last bin may pass 1 kHz.
     const double pixelsPerHz = panel.height / SpectrogramLimitHz;
     const double binPixels = spectrogram.GetBinHz() * pixelsPerHz;
@@ -298,13 +262,14 @@ void PlotPainter::PaintColourBar()
         cairo_fill(context.get());
     }
     SetColour(context.get(), Ink);
-    for (int down = 0; down <= static_cast<int>(ShownDecibels); down += 10) {
-        const double y = BeforeTop + BarHeight * down / ShownDecibels;
+    const double shown = range.top - range.floor;
+    for (int down = 0; down <= static_cast<int>(shown); down += 10) {
+        const double y = BeforeTop + BarHeight * down / shown;
         DrawLine(context.get(), BarLeft + BarWidth, y, BarLeft + BarWidth + 6, y);
         DrawText(context.get(),
                  BarLeft + BarWidth + 11,
                  y + 5,
-                 fmt::format("{:.0f}", topDecibel - down),
+                 fmt::format("{:.0f}", range.top - down),
                  {14, Anchor::Left, false});
     }
     DrawUpwardText(context.get(), PictureWidth - 22, BeforeTop + BarHeight / 2, "level (dBFS)", 15);

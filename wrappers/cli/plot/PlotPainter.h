@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "wrappers/cli/plot/Levels.h"
 #include "wrappers/cli/plot/PlotRecorder.h"
 #include "wrappers/cli/report/Events.h"
 
@@ -36,9 +37,6 @@ private:
         double top;
         double height;
     };
-    struct FreeSurface {
-        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-    };
     struct FreeContext {
         void operator()(cairo_t* made) const { cairo_destroy(made); }
     };
@@ -58,14 +56,12 @@ private:
     void PaintLegend();
     void PaintFrame(const Panel& panel);
     void PaintName(const Panel& panel, const char* name);
-    void FindRange();
 
     const PlotRecorder& recorder;
     PlotCaption caption;
-    double duration;         // seconds, above 0
-    double topDecibel = 0;   // end of the colour map
-    double floorDecibel = 0; // its begin
-    std::unique_ptr<cairo_surface_t, FreeSurface> surface;
+    double duration; // seconds, above 0
+    LevelRange range;
+    Surface surface;
     std::unique_ptr<cairo_t, FreeContext> context;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/plot/Spectrogram.h"
 
+#include "wrappers/cli/plot/LowPass.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -18,26 +20,6 @@ constexpr size_t GreatestColumnCount = 1600;
 // Reduced samples on each side of the low-pass. What folds below 1 kHz lies above
 // reducedRate - 1 kHz, at least 3 kHz, where this length is far down.
 constexpr size_t FilterReach = 6;
-
-// Blackman-windowed sinc with its edge at half the reduced rate and gain 1 at 0 Hz.
-std::vector<float> MakeLowPass(size_t factor)
-{
-    const auto reach = static_cast<double>(FilterReach * factor);
-    std::vector<double> taps(2 * FilterReach * factor + 1);
-    for (size_t i = 0; i < taps.size(); ++i) {
-        const double t = static_cast<double>(i) - reach;
-        const double x = std::numbers::pi * t / static_cast<double>(factor);
-        const double sinc = t == 0 ? 1.0 : std::sin(x) / x;
-        const double phase = std::numbers::pi * t / (reach + 1.0);
-        taps[i] = sinc * (0.42 + 0.5 * std::cos(phase) + 0.08 * std::cos(2.0 * phase));
-    }
-    const double sum = std::accumulate(taps.begin(), taps.end(), 0.0);
-    std::vector<float> result;
-    for (const double tap : taps) {
-        result.push_back(static_cast<float>(tap / sum));
-    }
-    return result;
-}
 
 // Hann window, scaled so that a sine of amplitude 1 gives magnitude 1 in its bin.
 std::vector<float> MakeWindow(size_t length)
@@ -74,7 +56,7 @@ void SpectrumColumn::Fold(const SpectrumColumn& other)
 Spectrogram::Spectrogram(int sampleRate)
     : factor(static_cast<size_t>(std::max(1.0, sampleRate / ReducedRateAtLeast)))
     , reducedRate(static_cast<double>(sampleRate) / static_cast<double>(factor))
-    , filter(MakeLowPass(factor))
+    , filter(MakeLowPass(factor, FilterReach))
     , recent(2 * filter.size())
     , toSkip(FilterReach)
     , window(MakeWindow(2 * static_cast<size_t>(std::lround(WindowSeconds * reducedRate / 2))))

@@ -29,6 +29,28 @@ protected:
         }
     }
 
+    // A row and a clip for each prominent event, in order.
+    static void ExpectRows(const std::string& page, const Json& events)
+    {
+        constexpr std::string_view Begin = "id=\"data\">";
+        const size_t at = page.find(Begin) + Begin.size();
+        const Json rows = Json::parse(page.substr(at, page.find("</script>", at) - at))["events"];
+        size_t next = 0;
+        for (const Json& event : events) {
+            if (event["prominent"]) {
+                ASSERT_LT(next, rows.size());
+                const Json& row = rows[next];
+                EXPECT_EQ(row["time"], event["time"]);
+                EXPECT_NEAR(row["after"].get<double>() - row["before"].get<double>(),
+                            event["reduction"].get<double>(),
+                            1e-9);
+                const std::string clip = "id=\"clip-" + std::to_string(next++) + "\"";
+                EXPECT_NE(page.find(clip), std::string::npos);
+            }
+        }
+        EXPECT_EQ(rows.size(), next);
+    }
+
     // A line for each prominent event, in order.
     static void ExpectLabels(const std::string& labels, const Json& events)
     {
@@ -53,9 +75,10 @@ protected:
 
 TEST_F(CommandReports, OfADryRunAgreeAndHoldTheWholeSchema)
 {
-    const Words all = {"--events", "e.json", "--labels", "l.txt", "--plot", "p.png"};
+    const Words all = {
+        "--events", "e.json", "--labels", "l.txt", "--plot", "p.png", "--report", "r.html"};
     const Outcome outcome = Succeed(Join({"talk.wav", "-n"}, all), {.folder = folder.GetPath()});
-    EXPECT_EQ(folder.List(), (Words{"e.json", "l.txt", "p.png", "talk.wav"}));
+    EXPECT_EQ(folder.List(), (Words{"e.json", "l.txt", "p.png", "r.html", "talk.wav"}));
     EXPECT_EQ(ReadBytes(folder / "p.png").substr(0, 4), "\x89PNG");
     // A pipe shows no progress.
     EXPECT_EQ(outcome.err, "");
@@ -81,6 +104,7 @@ TEST_F(CommandReports, OfADryRunAgreeAndHoldTheWholeSchema)
     }
     ExpectEachBurst(json["events"]);
     ExpectLabels(ReadBytes(folder / "l.txt"), json["events"]);
+    ExpectRows(ReadBytes(folder / "r.html"), json["events"]);
 }
 
 TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
@@ -157,9 +181,37 @@ TEST_F(CommandReports, OfSeveralRecordingsStandInOrderAndAgreeWithTheSummary)
 
 TEST_F(CommandReports, AFailureLeavesNoReport)
 {
-    const Words reports = {
-        "--events", folder / "e.json", "--labels", folder / "l.txt", "--plot", folder / "p.png"};
+    const Words reports = {"--events",
+                           folder / "e.json",
+                           "--labels",
+                           folder / "l.txt",
+                           "--plot",
+                           folder / "p.png",
+                           "--report",
+                           folder / "r.html"};
     ExpectRefusal(Join({MakeCutRecording()}, reports), 1, "cut.flac");
+    ExpectRefusal({input, "-n", "--report", "/dev/full"}, 1, "/dev/full: No space left");
+}
+
+TEST_F(CommandReports, PagesHaveAnIndexAndAreTheSameHoweverTheRunIsCut)
+{
+    WriteAudio(folder / "b.wav", MakeSpeech(16000, 1, 1.0));
+    const Words both = {input, folder / "b.wav", "-n", "--keep-latency"};
+    Succeed(Join(both, {"-j1", "--report", folder / "one"}));
+    Succeed(Join(both, {"-j2", "--block", "777", "--report", folder / "two/{name}.html"}));
+    for (const char* name : {"index.html", "talk.html", "b.html"}) {
+        const std::string page = ReadBytes(folder / "one/" + name);
+        EXPECT_NE(page, "");
+        EXPECT_EQ(Bytes{page}, Bytes{ReadBytes(folder / "two/" + name)}) << name;
+    }
+    EXPECT_NE(ReadBytes(folder / "one/index.html").find(R"("link":"talk.html")"),
+              std::string::npos);
+    // One of the recordings would take the index's name.
+    WriteAudio(folder / "index.wav", MakeSpeech(16000, 1, 1.0));
+    const Outcome clash =
+        RunPuffguard({input, folder / "index.wav", "-n", "--report", folder / "x"});
+    EXPECT_EQ(clash.exitCode, 1);
+    EXPECT_NE(clash.err.find("is already the index of the pages"), std::string::npos) << clash.err;
 }
 
 TEST_F(CommandReports, QuietSaysNothingAndHelpAndVersionAnswer)

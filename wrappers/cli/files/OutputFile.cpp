@@ -44,6 +44,18 @@ void CheckNewFile(const std::string& target, Overwrite overwrite)
     }
 }
 
+void MakeFolderFor(const FileName& target)
+{
+    const auto folder = std::filesystem::path(target.Get()).parent_path();
+    std::error_code failure;
+    if (!folder.empty()) {
+        std::filesystem::create_directories(folder, failure);
+    }
+    if (failure) {
+        throw FileError(folder.string() + ": " + FileError::FromErrno(failure.value()).what());
+    }
+}
+
 OutputFile::OutputFile(const FileName& newTarget, Overwrite newOverwrite)
     : target(FollowLinks(newTarget.Get()))
     , overwrite(newOverwrite)

@@ -17,6 +17,10 @@ enum class Overwrite { Refuse, Allow };
 /// Throws FileError when `target` exists and may not be replaced, or is no regular file.
 void CheckNewFile(const std::string& target, Overwrite overwrite);
 
+/// Makes the folder that `target` is to lie in, where it isn't there yet. Throws FileError, whose
+/// text names the folder.
+void MakeFolderFor(const FileName& target);
+
 /// A file that appears under its name whole or not at all.
 ///
 /// The bytes go to a hidden file beside the target; Commit() flushes that to the disk and renames

@@ -12,14 +12,10 @@
 
 namespace Cli {
 
-namespace {
-
-double Decibel(double energyRatio)
+double EnergyDecibel(double ratio)
 {
-    return energyRatio > 0 ? std::max(10.0 * std::log10(energyRatio), LeastDecibel) : LeastDecibel;
+    return ratio > 0 ? std::max(10.0 * std::log10(ratio), LeastDecibel) : LeastDecibel;
 }
-
-} // namespace
 
 BandAverage AverageOf(const Wrapper::DetectionTotals& totals)
 {
@@ -43,11 +39,11 @@ Event MakeEvent(const Wrapper::Detection& detection, const BandAverage& average,
         event.pitch = static_cast<double>(detection.pitchHz);
     }
     if (detection.energyBefore > 0) {
-        event.reduction = Decibel(detection.energyAfter / detection.energyBefore);
+        event.reduction = EnergyDecibel(detection.energyAfter / detection.energyBefore);
     }
     const double usual = average.energyPerHop * static_cast<double>(detection.frames);
     const double ratio = usual > 0 ? (detection.energyBefore - detection.energyAfter) / usual : 0.0;
-    event.removed = Decibel(ratio);
+    event.removed = EnergyDecibel(ratio);
     event.isProminent = ratio >= 0.5;
     return event;
 }

@@ -32,6 +32,9 @@ struct BandAverage {
 /// Least value of the decibel members of Event; stands for "nothing".
 inline constexpr double LeastDecibel = -200.0;
 
+/// A ratio of energies in decibels, LeastDecibel at the least.
+double EnergyDecibel(double ratio);
+
 /// Mean energy of the analysed frames.
 BandAverage AverageOf(const Wrapper::DetectionTotals& totals);
 

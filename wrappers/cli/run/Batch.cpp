@@ -4,6 +4,7 @@
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/FileJob.h"
 #include "wrappers/cli/run/OptionChecks.h"
+#include "wrappers/cli/run/PageIndex.h"
 #include "wrappers/cli/text/Text.h"
 
 #include <fmt/format.h>
@@ -119,6 +120,17 @@ std::unique_ptr<EventsDocument> OpenEvents(const Options& options)
     return std::make_unique<EventsDocument>(options.events, options.overwrite, form);
 }
 
+// Answers null when no index is wanted.
+std::unique_ptr<PageIndex> OpenIndex(const Options& options)
+{
+    const FileName name = IndexName(options);
+    if (name.IsEmpty()) {
+        return nullptr;
+    }
+    MakeFolderFor(name);
+    return std::make_unique<PageIndex>(name, options.overwrite);
+}
+
 // Tells what went wrong with `work`, which is about the file `name`; answers whether nothing did.
 template <typename Work>
 bool Succeeds(Console& console, const std::string& name, Work work)
@@ -167,12 +179,19 @@ bool RunAll(const Options& options,
     if (!Succeeds(console, options.events.Get(), [&] { events = OpenEvents(options); })) {
         return false;
     }
+    const FileName indexName = IndexName(options);
+    std::unique_ptr<PageIndex> index;
+    if (!Succeeds(console, indexName.Get(), [&] { index = OpenIndex(options); })) {
+        return false;
+    }
     const auto reports =
         RunTasks({options, module, session, console, events.get()}, tasks, console);
     const bool hasEvents =
         !events || Succeeds(console, options.events.Get(), [&] { events->Finish(); });
+    const bool hasIndex =
+        !index || Succeeds(console, indexName.Get(), [&] { index->Write(reports); });
     const bool hasSummary = TellSummary(options, session, reports, console);
-    return hasEvents && hasSummary && !HasFailure(reports);
+    return hasEvents && hasIndex && hasSummary && !HasFailure(reports);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "wrappers/cli/effect/Effect.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/AutoJob.h"
+#include "wrappers/cli/run/EffectPage.h"
 #include "wrappers/cli/run/JobResults.h"
 #include "wrappers/cli/text/Text.h"
 
@@ -63,9 +64,10 @@ public:
         // What follows the recording is no part of its average.
         average = AverageOf(effect.ReadTotals());
         for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain()) {
+            SpoolDetections();
             results.Add(pair);
         }
-        SpoolDetections(report.frames);
+        SpoolDetections();
         report.lostRepairs = effect.GetLostDetections();
         // The picture takes a time of its own, which is no part of the repair's speed.
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -81,8 +83,9 @@ private:
     void Describe(FileReport& report) const;
     void ReadAll(FileReport& report);
     void PushBlocks(std::span<const double> samples);
-    void SpoolDetections(int64_t framesSoFar);
+    void SpoolDetections();
     void WriteReports(FileReport& report);
+    void WritePage(FileReport& report);
 
     const RunContext& context;
     const Options& options;
@@ -96,6 +99,7 @@ private:
     Alignment alignment;
     std::vector<Wrapper::Detection> detections;
     EventSpool spool;
+    int64_t framesPushed = 0;
     BandAverage average;
 };
 
@@ -128,7 +132,6 @@ void FileJob::ReadAll(FileReport& report)
         report.nonFiniteSamples += SilenceNonFinite(samples);
         PushBlocks(samples);
         report.frames += static_cast<int64_t>(count / channels);
-        SpoolDetections(report.frames);
         context.console.Progress(number, report.frames, reader.GetFrames(), report.sampleRate);
     }
 }
@@ -137,17 +140,26 @@ void FileJob::PushBlocks(std::span<const double> samples)
 {
     const size_t step = static_cast<size_t>(options.block) * channels;
     for (size_t begin = 0; begin < samples.size(); begin += step) {
-        results.Add(alignment.Push(samples.subspan(begin, std::min(step, samples.size() - begin))));
+        const auto block = samples.subspan(begin, std::min(step, samples.size() - begin));
+        const auto pair = alignment.Push(block);
+        framesPushed += static_cast<int64_t>(block.size() / channels);
+        // A repair is known before what it made comes out: its clip is asked for in time.
+        SpoolDetections();
+        results.Add(pair);
     }
 }
 
-void FileJob::SpoolDetections(int64_t framesSoFar)
+void FileJob::SpoolDetections()
 {
     detections.clear();
     effect.ReadDetections(detections);
     // The silence behind the recording can seem to hold something too.
     std::erase_if(detections,
-                  [&](const Wrapper::Detection& one) { return one.centre >= framesSoFar; });
+                  [&](const Wrapper::Detection& one) { return one.centre >= framesPushed; });
+    uint64_t place = spool.GetCount();
+    for (const Wrapper::Detection& detection : detections) {
+        results.Want(MakeClipRequest(place++, detection, reader.GetSampleRate()));
+    }
     spool.Append(detections);
 }
 
@@ -172,6 +184,25 @@ void FileJob::WriteReports(FileReport& report)
                                            FormatClock(event.time),
                                            -event.reduction));
     });
+    if (!task.page.IsEmpty()) {
+        WritePage(report);
+    }
+}
+
+void FileJob::WritePage(FileReport& report)
+{
+    report.page = task.page;
+    report.changedShare = results.GetChangedShare();
+    std::vector<PageEvent> rows;
+    uint64_t place = 0;
+    spool.ForEach([&](const Wrapper::Detection& detection) {
+        if (results.HasClip(place) &&
+            MakeEvent(detection, average, report.sampleRate).isProminent) {
+            rows.push_back(MakePageEvent(place, detection, average, report.sampleRate));
+        }
+        ++place;
+    });
+    results.WritePage(MakePageHead(report, effect.GetControls(), rows.size()), rows);
 }
 
 } // namespace

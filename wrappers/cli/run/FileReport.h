@@ -25,6 +25,7 @@ struct AutoSummary {
 struct FileReport {
     FileName input;
     FileName output;     ///< empty when no audio was written
+    FileName page;       ///< empty when none was wanted
     std::string preset;  ///< name of the one that was used; empty: none
     std::string failure; ///< not empty: why it failed; the rest then means nothing
     int sampleRate = 0;  ///< Hz
@@ -35,7 +36,8 @@ struct FileReport {
     std::optional<AutoSummary> automatic; ///< nothing when the effect repaired it
     uint64_t nonFiniteSamples = 0;
     uint64_t lostRepairs = 0;
-    double seconds = 0; ///< spent on reading, repairing and writing the audio
+    double changedShare = 0; ///< of the time, 0 to 1; known when there is a page
+    double seconds = 0;      ///< spent on reading, repairing and writing the audio
 
     double GetDuration() const
     {

@@ -15,30 +15,26 @@ namespace Cli {
 
 namespace {
 
-void MakeFolderOf(const FileName& name)
-{
-    const auto folder = std::filesystem::path(name.Get()).parent_path();
-    std::error_code failure;
-    if (!folder.empty()) {
-        std::filesystem::create_directories(folder, failure);
-    }
-    if (failure) {
-        throw FileError(folder.string() + ": " + FileError::FromErrno(failure.value()).what());
-    }
-}
-
-// A report that appears together with the audio; the reason of a failure names it.
-std::unique_ptr<OutputFile> OpenReport(const FileName& name, const Options& options)
+// A report that appears together with the audio, opened by `open`; the reason of a failure names
+// it.
+template <typename Open>
+auto OpenReport(const FileName& name, const Options& options, Open open) -> decltype(open())
 {
     if (name.IsEmpty()) {
         return nullptr;
     }
     return Naming(name.Get(), [&] {
         if (!options.isSingle) {
-            MakeFolderOf(name);
+            MakeFolderFor(name);
         }
-        return std::make_unique<OutputFile>(name, options.overwrite);
+        return open();
     });
+}
+
+std::unique_ptr<OutputFile> OpenReport(const FileName& name, const Options& options)
+{
+    return OpenReport(
+        name, options, [&] { return std::make_unique<OutputFile>(name, options.overwrite); });
 }
 
 } // namespace
@@ -50,15 +46,19 @@ JobResults::JobResults(const Options& newOptions, const Task& newTask, const Aud
     , channels(static_cast<size_t>(reader.GetChannels()))
     , labels(OpenReport(task.labels, options))
     , plot(OpenReport(task.plot, options))
+    , page(OpenReport(task.page, options, [&] {
+        return std::make_unique<RecordingPage>(
+            task.page, options.overwrite, reader.GetSampleRate(), reader.GetChannels());
+    }))
 {
-    if (plot) {
+    if (plot || page) {
         recorder = std::make_unique<PlotRecorder>(reader.GetSampleRate(), reader.GetChannels());
     }
 }
 
 void JobResults::OpenAudio(uint32_t lateFrames)
 {
-    plotFramesToSkip = lateFrames;
+    framesToSkip = lateFrames;
     if (task.output.IsEmpty()) {
         return;
     }
@@ -76,7 +76,7 @@ void JobResults::OpenAudio(uint32_t lateFrames)
         *target.frames += lateFrames;
     }
     if (!options.outputDirectory.empty()) {
-        MakeFolderOf(task.output);
+        MakeFolderFor(task.output);
     }
     writer = Naming(task.output.OutputLabel(),
                     [&] { return std::make_unique<AudioWriter>(target, reader.GetMetadata()); });
@@ -118,9 +118,14 @@ void JobResults::Add(const Alignment::Pair& pair)
 
 void JobResults::Record(const Alignment::Pair& pair)
 {
-    const size_t skipped = std::min(plotFramesToSkip, pair.output.size() / channels);
-    plotFramesToSkip -= skipped;
-    recorder->Add(pair.input.subspan(skipped * channels), pair.output.subspan(skipped * channels));
+    const size_t skipped = std::min(framesToSkip, pair.output.size() / channels);
+    framesToSkip -= skipped;
+    const auto before = pair.input.subspan(skipped * channels);
+    const auto after = pair.output.subspan(skipped * channels);
+    recorder->Add(before, after);
+    if (page) {
+        page->Add(before, after);
+    }
 }
 
 void JobResults::BeginEvents(const FileReport& report,
@@ -131,6 +136,12 @@ void JobResults::BeginEvents(const FileReport& report,
         return;
     }
     recorder->Finish();
+    if (page) {
+        page->Finish();
+    }
+    if (!plot) {
+        return;
+    }
     const auto name = std::filesystem::path(task.input.Get()).filename().string();
     PlotCaption caption;
     caption.title = task.input.IsStream() ? "standard input" : ToUtf8(Printable(name));
@@ -157,6 +168,30 @@ void JobResults::Mark(const Event& event)
     }
 }
 
+void JobResults::Want(const ClipRequest& request)
+{
+    if (page) {
+        page->Want(request);
+    }
+}
+
+bool JobResults::HasClip(uint64_t event) const
+{
+    return page && page->HasClip(event);
+}
+
+double JobResults::GetChangedShare() const
+{
+    return page ? page->GetChangedShare() : 0.0;
+}
+
+void JobResults::WritePage(const PageHead& head, const std::vector<PageEvent>& events)
+{
+    if (page) {
+        page->Write(head, events, *recorder);
+    }
+}
+
 void JobResults::Finish()
 {
     if (painter) {
@@ -170,6 +205,9 @@ void JobResults::Finish()
     }
     if (plot) {
         Naming(task.plot.Get(), [&] { plot->Commit(); });
+    }
+    if (page) {
+        page->Commit();
     }
 }
 

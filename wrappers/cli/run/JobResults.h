@@ -8,6 +8,7 @@
 #include "wrappers/cli/plot/PlotPainter.h"
 #include "wrappers/cli/run/FileReport.h"
 #include "wrappers/cli/run/Options.h"
+#include "wrappers/cli/run/RecordingPage.h"
 #include "wrappers/cli/run/Tasks.h"
 
 #include <cstddef>
@@ -17,9 +18,9 @@
 
 namespace Cli {
 
-/// The files that come of one recording, whichever way it is repaired: audio, label track, picture.
-/// They are given the recording from its first sample to its last, then its events; each appears
-/// whole at the end, or not at all. Everything throws FileError, whose text names the file.
+/// The files that come of one recording, whichever way it is repaired: audio, label track, picture,
+/// page. They are given the recording from its first sample to its last, then its events; each
+/// appears whole at the end, or not at all. Everything throws FileError, whose text names the file.
 class JobResults {
 public:
     /// Opens the reports. `newReader`, whose recording it is, must outlive this.
@@ -35,6 +36,9 @@ public:
     /// Whether anything comes of the samples at all.
     bool WantsSamples() const { return recorder || writer; }
 
+    /// Asks for a clip on the page, before the samples of its repair are added.
+    void Want(const ClipRequest& request);
+
     /// Takes the next samples before and after the repair, and may change the latter.
     void Add(const Alignment::Pair& pair);
 
@@ -44,6 +48,16 @@ public:
 
     /// Takes an event for the label track and the picture.
     void Mark(const Event& event);
+
+    /// Whether the page can have a row for an event that a clip was asked for; once the recording
+    /// has ended, as is the next.
+    bool HasClip(uint64_t event) const;
+
+    /// How much of the recording isn't the input's own, 0 to 1, where there is a page.
+    double GetChangedShare() const;
+
+    /// Fills the page, where one is wanted.
+    void WritePage(const PageHead& head, const std::vector<PageEvent>& events);
 
     /// Puts all files under their names.
     void Finish();
@@ -57,9 +71,10 @@ private:
     size_t channels;
     std::unique_ptr<OutputFile> labels;
     std::unique_ptr<OutputFile> plot;
+    std::unique_ptr<RecordingPage> page;
     std::unique_ptr<PlotRecorder> recorder;
     std::unique_ptr<PlotPainter> painter;
-    size_t plotFramesToSkip = 0;
+    size_t framesToSkip = 0; // that the picture and the page don't have
     int outputFormat = 0;
     std::unique_ptr<AudioWriter> writer;
     std::unique_ptr<Quantiser> quantiser;

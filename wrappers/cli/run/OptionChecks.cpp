@@ -32,8 +32,8 @@ auto CountStreams(const std::vector<FileName>& names)
 // Reports and the session, beside audio and summary.
 int CountReportsToStandardOutput(const Options& options)
 {
-    return static_cast<int>(
-        CountStreams({options.events, options.labels, options.plot, options.session.stateOut}));
+    return static_cast<int>(CountStreams(
+        {options.events, options.labels, options.plot, options.page, options.session.stateOut}));
 }
 
 // A report that the recordings of a run would all write to the same place.
@@ -73,14 +73,16 @@ void CheckReports(const Options& options)
 {
     const auto users = static_cast<int>(WritesAudioToStandardOutput(options)) +
                        static_cast<int>(options.wantsJson) + CountReportsToStandardOutput(options);
-    Refuse(
-        users > 1,
-        "only one of audio, --json, --events, --labels, --plot and --state-out can go to stdout");
+    Refuse(users > 1,
+           "only one of audio, --json, --events, --labels, --plot, --report and --state-out can go "
+           "to stdout");
     Refuse(options.isQuiet && options.isVerbose, "--quiet and --verbose exclude each other");
     Refuse(!options.isSingle && IsForOneRecording(options.labels),
            "with several recordings --labels takes a folder or a name with {name} in it");
     Refuse(!options.isSingle && IsForOneRecording(options.plot),
            "with several recordings --plot takes a folder or a name with {name} in it");
+    Refuse(!options.isSingle && IsForOneRecording(options.page),
+           "with several recordings --report takes a folder or a name with {name} in it");
 }
 
 void CheckSession(const Options& options)
@@ -100,7 +102,7 @@ bool NeedsRecording(const Options& options)
 {
     return !options.output.IsEmpty() || !options.outputDirectory.empty() || options.isInPlace ||
            options.isDryRun || !options.events.IsEmpty() || !options.labels.IsEmpty() ||
-           !options.plot.IsEmpty();
+           !options.plot.IsEmpty() || !options.page.IsEmpty();
 }
 
 void CheckTask(const Options& options)

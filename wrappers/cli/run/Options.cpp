@@ -157,6 +157,8 @@ void AddReportOptions(CLI::App& app, Options& options, Typed& typed)
         ->type_name("FILE.txt");
     app.add_option("--plot", options.plot, "Picture of 0 to 1 kHz before and after")
         ->type_name("FILE.png");
+    app.add_option("--report", options.page, "A page to see and hear what was done")
+        ->type_name("FILE.html");
     app.option_defaults()->group("Run");
     app.add_option("-j,--jobs", typed.jobs, "Files side by side (default: all cores)")
         ->type_name("N");

@@ -36,9 +36,10 @@ struct Options {
     std::optional<double> strictness; ///< of the automatic repair
     FileName repairLabels;            ///< empty: none
 
-    FileName events; ///< empty: none; so are the next two
+    FileName events; ///< empty: none; so are the next three
     FileName labels;
     FileName plot;
+    FileName page;
 
     ChosenControls controls;
     SessionOptions session;

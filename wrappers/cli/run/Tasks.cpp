@@ -214,6 +214,7 @@ void ClaimRunFiles(Claims& claims, const Options& options)
             }
         };
     claim("--events", options.events, "the list of events", {});
+    claim("--report", IndexName(options), "the index of the pages", {});
     claim("--save-preset", FileOf(session.savePreset.Get()), "the saved preset", preset);
     claim("--state-out", session.stateOut, "the saved session", session.stateIn);
 }
@@ -233,7 +234,7 @@ void RefuseClashes(std::vector<Task>& tasks, const Options& options)
         if (task.failure.empty()) {
             task.failure = claims.Claim(task.output, owner, itself);
         }
-        for (const FileName* report : {&task.labels, &task.plot}) {
+        for (const FileName* report : {&task.labels, &task.plot, &task.page}) {
             if (task.failure.empty()) {
                 task.failure = claims.ClaimReport(*report, owner);
             }
@@ -266,6 +267,14 @@ ReportName(const FileName& pattern, const FileName& input, std::string_view endi
     return FileName(fs::path(pattern.Get()) / below / (stem + std::string(ending)));
 }
 
+FileName IndexName(const Options& options)
+{
+    if (options.isSingle || options.page.IsEmpty()) {
+        return {};
+    }
+    return ReportName(options.page, FileName("index"), ".html", true);
+}
+
 std::vector<Task> MakeTasks(const Options& options)
 {
     std::vector<Task> tasks;
@@ -277,6 +286,7 @@ std::vector<Task> MakeTasks(const Options& options)
         task.labels = FolderReport(options.labels, found, ".txt", options);
         task.plot = FolderReport(options.plot, found, ".png", options);
         task.repairLabels = FolderReport(options.repairLabels, found, ".txt", options);
+        task.page = FolderReport(options.page, found, ".html", options);
         if (task.failure.empty() && !options.isInPlace && IsSameFile(task.input, task.output)) {
             task.failure = "is its own output; --in-place repairs in place";
         }

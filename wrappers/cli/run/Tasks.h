@@ -13,8 +13,9 @@ namespace Cli {
 struct Task {
     FileName input;
     FileName output; ///< empty in a dry run
-    FileName labels; ///< empty: not wanted; so is the next
+    FileName labels; ///< empty: not wanted; so are the next two
     FileName plot;
+    FileName page;
     FileName repairLabels; ///< read
     std::string failure;   ///< not empty: why it can't be begun
 };
@@ -32,5 +33,8 @@ FileName DefaultOutputName(const FileName& input, const std::string& extension);
 /// that is a folder, as NAME + `ending`; else `pattern` itself.
 FileName
 ReportName(const FileName& pattern, const FileName& input, std::string_view ending, bool isFolder);
+
+/// Where the index of all recordings' pages goes; empty when there is none.
+FileName IndexName(const Options& options);
 
 } // namespace Cli

@@ -91,6 +91,7 @@ TEST_F(TasksTest, KnowsAFileThatIsStillToComeByAnyNameOfIt)
     const std::vector<FileName*> results = {&options.output,
                                             &options.labels,
                                             &options.plot,
+                                            &options.page,
                                             &options.events,
                                             &options.session.savePreset,
                                             &options.session.stateOut};

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/page/ReportIndex.h"
+
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/page/Template.h"
+#include "wrappers/cli/text/Version.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Cli {
+
+namespace {
+
+std::string IndexJson(const ReportIndex& index)
+{
+    nlohmann::ordered_json json;
+    json["version"] = GetVersion();
+    json["subtitle"] = index.subtitle;
+    json["columns"] = index.columns;
+    json["totals"] = index.totals;
+    json["rows"] = nlohmann::ordered_json::array();
+    for (const IndexRow& row : index.rows) {
+        json["rows"].push_back({{"name", row.name},
+                                {"link", row.link},
+                                {"failure", row.failure},
+                                {"cells", row.cells}});
+    }
+    return EscapeScript(json.dump());
+}
+
+} // namespace
+
+void WriteReportIndex(int descriptor, const ReportIndex& index)
+{
+    const Slots slots = {{"data", [&](const TextSink& sink) { sink(IndexJson(index)); }}};
+    FillTemplate("index.html", slots, [&](std::string_view text) {
+        const int failure = WriteFully(descriptor, text);
+        if (failure != 0) {
+            throw FileError::FromErrno(failure);
+        }
+    });
+}
+
+} // namespace Cli

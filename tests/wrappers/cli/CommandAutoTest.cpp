@@ -139,8 +139,15 @@ TEST_F(CommandAuto, BlocksJobsAndPipesChangeNoByte)
 {
     const std::string second = folder / "second.wav";
     WriteAudio(second, Mix(2, SF_FORMAT_WAV | SF_FORMAT_PCM_24));
-    Succeed({input, second, "--auto", "-q", "-j", "1", "-O", folder / "one"});
-    Succeed({input, second, "--auto", "-q", "-j", "2", "-O", folder / "two", "--block", "333"});
+    const Words both = {input, second, "--auto", "-q"};
+    Succeed(Join(both, {"-j1", "-O", folder / "one", "--report", folder / "pages/"}));
+    Succeed(Join(both,
+                 {"-j2", "--block", "333", "-O", folder / "two", "--report", folder / "pages2/"}));
+    for (const std::string name : {"talk.html", "second.html", "index.html"}) {
+        EXPECT_EQ(Bytes{ReadBytes(folder / "pages/" + name)},
+                  Bytes{ReadBytes(folder / "pages2/" + name)})
+            << name;
+    }
     const Bytes expected{ReadBytes(folder / "one/talk.wav")};
     EXPECT_EQ(Bytes{ReadBytes(folder / "two/talk.wav")}, expected);
     EXPECT_EQ(Bytes{ReadBytes(folder / "two/second.wav")},
@@ -165,7 +172,12 @@ TEST_F(CommandAuto, LabelsThatAUserLeavesAreRepairedInTheSameWayAndNothingElse)
     const std::string labels = folder / "pops.txt";
     const std::string output = folder / "auto.wav";
     const Json found = RepairWithEvents(input, output).at("events");
-    Succeed({input, "--auto", "--dry-run", "-q", "--labels", labels});
+    const std::string page = folder / "r.html";
+    Succeed({input, "--auto", "--dry-run", "-q", "--labels", labels, "--report", page});
+    const std::string last = "id=\"clip-" + std::to_string(found.size() - 1) + "\"";
+    EXPECT_NE(ReadBytes(page).find(last), std::string::npos);
+    EXPECT_EQ(ReadBytes(page).find("id=\"clip-" + std::to_string(found.size()) + "\""),
+              std::string::npos);
     Succeed({input, "-q", "-o", folder / "labelled.wav", "--repair-labels", labels});
     EXPECT_EQ(ReadAudio(folder / "labelled.wav").samples, ReadAudio(output).samples);
     // One label is left, and reaches no further than 100 Hz.

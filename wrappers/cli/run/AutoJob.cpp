@@ -8,6 +8,7 @@
 #include "wrappers/cli/autorepair/LevelFile.h"
 #include "wrappers/cli/autorepair/MovingExcerpt.h"
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/run/AutoPage.h"
 #include "wrappers/cli/run/JobResults.h"
 #include "wrappers/cli/text/Text.h"
 
@@ -67,6 +68,7 @@ private:
                         AutoRepair::SpanRepair& repair);
     void Write();
     void Report(FileReport& report);
+    void WritePage(FileReport& report, const std::string& words);
     template <typename Take>
     void ReadAll(int pass, Take take);
     void ShowProgress(int pass) const;
@@ -272,6 +274,9 @@ void AutoJob::TryCandidates()
 void AutoJob::Write()
 {
     std::vector<double> before;
+    for (size_t i = 0; i < attempts.size(); ++i) {
+        results.Want(MakeClipRequest(i, attempts[i].event));
+    }
     size_t next = 0; // the first attempt that isn't wholly done
     ReadAll(2, [&](int64_t first, std::span<double> samples) {
         before.assign(samples.begin(), samples.end());
@@ -310,6 +315,22 @@ void AutoJob::Report(FileReport& report)
                                            attempt.event.before,
                                            attempt.event.before - attempt.event.after));
     }
+    if (!task.page.IsEmpty()) {
+        WritePage(report, words);
+    }
+}
+
+void AutoJob::WritePage(FileReport& report, const std::string& words)
+{
+    report.page = task.page;
+    report.changedShare = results.GetChangedShare();
+    std::vector<PageEvent> rows;
+    for (size_t i = 0; i < attempts.size(); ++i) {
+        if (results.HasClip(i)) {
+            rows.push_back(MakePageEvent(i, attempts[i].event));
+        }
+    }
+    results.WritePage(MakePageHead(report, words, rows), rows);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 
@@ -34,14 +35,14 @@ struct Sums {
     double seconds = 0;
     double changedSeconds = 0;
     uint64_t prominent = 0;
-    uint64_t repairs = 0;
+    uint64_t repairs = 0; // without controls: bursts that were judged
 
     void Add(const FileReport& report)
     {
         seconds += report.GetDuration();
         changedSeconds += report.changedShare * report.GetDuration();
         prominent += report.events.prominent;
-        repairs += report.events.repairs;
+        repairs += report.automatic ? report.automatic->candidates : report.events.repairs;
     }
 
     std::vector<std::string> Cells() const
@@ -79,7 +80,13 @@ PageIndex::PageIndex(const FileName& newName, Overwrite overwrite)
 void PageIndex::Write(const std::vector<FileReport>& reports)
 {
     ReportIndex index;
-    index.columns = {"Duration", "Prominent plosives", "Repairs", "Of the time changed"};
+    const bool isAutomatic = std::any_of(reports.begin(), reports.end(), [](const auto& report) {
+        return report.automatic.has_value();
+    });
+    index.columns = {"Duration",
+                     isAutomatic ? "Pops" : "Prominent plosives",
+                     isAutomatic ? "Bursts judged" : "Repairs",
+                     "Of the time changed"};
     Sums sums;
     size_t failures = 0;
     for (const FileReport& report : reports) {

@@ -87,18 +87,13 @@ void MeasureMemory(TargetTable& table, const Support::TemporaryFolder& folder)
     const std::string recording = folder / "hour.wav";
     WriteWave(recording, MakeSpeech(2, SampleRate, PieceSeconds), SampleRate, 3600 / PieceSeconds);
     bool succeeds = true;
-    const ProgramRun run = Run({"python3",
-                                "-c",
-                                "import resource, subprocess, sys\n"
-                                "subprocess.run(sys.argv[1:], check=True)\n"
-                                "used = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss\n"
-                                "print(used / 1024, file=sys.stderr)",
-                                PUFFGUARD_COMMAND,
-                                "-q",
-                                "--dry-run",
-                                "--auto",
-                                recording},
-                               succeeds);
+    const std::string script = "import resource, subprocess, sys\n"
+                               "subprocess.run(sys.argv[1:], check=True)\n"
+                               "used = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss\n"
+                               "print(used / 1024, file=sys.stderr)";
+    const ProgramRun run =
+        Run({"python3", "-c", script, PUFFGUARD_COMMAND, "-q", "--dry-run", "--auto", recording},
+            succeeds);
     Report(table,
            {"Memory of --auto for an hour of 48 kHz stereo (MiB)", 64, 32, "%.0f"},
            succeeds ? std::strtod(run.errors.c_str(), nullptr) : 0);

@@ -2,16 +2,12 @@
 #include "restoration/dsp/autorepair/LowBinTransform.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 
 namespace AutoRepair {
 
 namespace {
-
-// Places whose values are added to a bin at a time, so that it is read and written less often.
-constexpr std::size_t PlacesAtOnce = 4;
 
 // Reduced to one turn first: large angles would lose digits.
 double Turn(std::size_t bin, std::size_t place, std::size_t length)
@@ -37,7 +33,6 @@ LowBinTransform::LowBinTransform(int newLength, std::size_t newBins, std::size_t
             byPlace.push_back(static_cast<float>(std::sin(Turn(bin, place, 2 * half))));
         }
     }
-    byPlace.resize(2 * bins * (half + PlacesAtOnce)); // behind the last place, zeros
     for (std::size_t bin = 0; bin < inverseBins; ++bin) {
         // Bins above the first stand for their mirror images, too.
         const double share = (bin == 0 ? 1.0 : 2.0) / static_cast<double>(2 * half);
@@ -56,25 +51,16 @@ void LowBinTransform::Forward(const float* frame, LowBins& spectrum) const
     float* const im = spectrum.im.data();
     std::fill_n(re, bins, middle[0]);
     std::fill_n(im, bins, 0.0F);
-    for (std::size_t first = 1; first < half; first += PlacesAtOnce) {
-        std::array<float, PlacesAtOnce> sums{};
-        std::array<float, PlacesAtOnce> differences{};
-        for (std::size_t i = 0; i < std::min(PlacesAtOnce, half - first); ++i) {
-            const float behind = middle[first + i];
-            const float before = *(middle - (first + i));
-            sums[i] = behind + before;
-            differences[i] = behind - before;
-        }
-        const float* const cosines = byPlace.data() + 2 * bins * first;
+    for (std::size_t place = 1; place < half; ++place) {
+        const float behind = middle[place];
+        const float before = *(middle - place);
+        const float sum = behind + before;
+        const float difference = behind - before;
+        const float* const cosines = byPlace.data() + 2 * bins * place;
+        const float* const sines = cosines + bins;
         for (std::size_t bin = 0; bin < bins; ++bin) {
-            float realPart = re[bin];
-            float imaginaryPart = im[bin];
-            for (std::size_t i = 0; i < PlacesAtOnce; ++i) {
-                realPart += sums[i] * cosines[2 * bins * i + bin];
-                imaginaryPart -= differences[i] * cosines[2 * bins * i + bins + bin];
-            }
-            re[bin] = realPart;
-            im[bin] = imaginaryPart;
+            re[bin] += sum * cosines[bin];
+            im[bin] -= difference * sines[bin];
         }
     }
 }

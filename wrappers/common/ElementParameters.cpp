@@ -5,6 +5,7 @@
 #include "wrappers/common/Text.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace Wrapper {
 
@@ -47,6 +48,35 @@ std::optional<float> ElementParameters::Get(uint32_t index) const
     return instance->Request({}, SelectorGetElementParamValue, &record, "tell a parameter")
                ? std::optional(record.value)
                : std::nullopt;
+}
+
+std::optional<std::vector<ElementParameters::Changed>> ElementParameters::ReadChanged() const
+{
+    // Values may change between asking for the size and for the text: the text asks again then.
+    std::string text;
+    for (;;) {
+        ChangedParamsRecord record = {};
+        record.size = static_cast<uint32_t>(text.size());
+        record.text = text.data();
+        HostMessageRecord message = {PLUGIN_CORE_MESSAGE_CHANGED_PARAMS, sizeof record, &record};
+        if (!instance->Request({}, SelectorHostMessage, &message, "list what has changed")) {
+            return std::nullopt;
+        }
+        const bool hadRoom = record.size <= text.size();
+        text.resize(record.size);
+        if (hadRoom) {
+            break;
+        }
+    }
+    std::vector<Changed> changed;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t tab = line.find('\t');
+        if (tab != std::string::npos) {
+            changed.push_back({line.substr(0, tab), line.substr(tab + 1)});
+        }
+    }
+    return changed;
 }
 
 } // namespace Wrapper

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,14 @@ public:
     /// Which one is "element.parameter", in whatever case: an element's name has been spelt in two
     /// ways.
     std::optional<uint32_t> Find(std::string_view identifier) const;
+
+    /// One of those that a session keeps and whose value isn't the default.
+    struct Changed {
+        std::string identifier; ///< "element.parameter"
+        std::string value;      ///< as text for people, without the unit
+    };
+    /// None, after a line in the log, when the module refuses.
+    std::optional<std::vector<Changed>> ReadChanged() const;
 
     /// Normalised. False or none, after a line in the log, when the module refuses.
     bool Set(uint32_t index, float normalised);

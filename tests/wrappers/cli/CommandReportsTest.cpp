@@ -86,7 +86,8 @@ TEST_F(CommandReports, OfADryRunAgreeAndHoldTheWholeSchema)
     EXPECT_EQ(outcome.out.find('\033'), std::string::npos);
     EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1);
     const Json json = Events();
-    EXPECT_EQ(json.size(), 7U);
+    EXPECT_EQ(json.size(), 8U);
+    EXPECT_TRUE(json["changed"].is_object());
     EXPECT_EQ(json["file"], "talk.wav");
     EXPECT_EQ(json["sampleRate"], 48000);
     EXPECT_EQ(json["channels"], 2);
@@ -125,6 +126,7 @@ TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
                 EXPECT_EQ(parameter["minimum"], control.least) << control.option;
                 EXPECT_EQ(parameter["maximum"], control.most) << control.option;
                 EXPECT_EQ(parameter["value"], expected[control.member]) << control.option;
+                EXPECT_TRUE(parameter["changed"]) << control.option;
             }
         }
     }
@@ -132,6 +134,10 @@ TEST_F(CommandReports, EachControlIsThatOfTheModuleAndReported)
     Succeed(Join(words, {input, "-n", "--events", folder / "e.json"}));
     EXPECT_EQ(Events()["parameters"], expected);
     EXPECT_TRUE(Events()["events"].empty()) << "in spite of the bypass";
+    EXPECT_EQ(Events()["changed"].size(), found) << "of a session, to which no bypass belongs";
+    EXPECT_EQ(Events()["changed"]["PuffGuard.Strength"], "2.5");
+    Succeed({input, "-nf", "--events", folder / "e.json"});
+    EXPECT_TRUE(Events()["changed"].empty());
 }
 
 TEST_F(CommandReports, WhatLiesBehindTheEndIsNoEvent)

@@ -131,8 +131,8 @@ TEST_F(CommandSettings, ThePrintedTableHoldsWhatIsInForce)
     std::string squeezed = table;
     const auto isRun = [](char a, char b) { return a == ' ' && b == ' '; };
     squeezed.erase(std::unique(squeezed.begin(), squeezed.end(), isRun), squeezed.end());
-    for (const char* line : {"\nPuffGuard.Upper Repair Frequency 113.7 50 to 500 200 Hz\n",
-                             "\nPuffGuard.Strength 8.25 0 to 10 5\n",
+    for (const char* line : {"\nPuffGuard.Upper Repair Frequency 113.7 50 to 500 200 Hz *\n",
+                             "\nPuffGuard.Strength 8.25 0 to 10 5 *\n",
                              "\nGlobal.Global Bypass off off, on off\n"}) {
         EXPECT_NE(squeezed.find(line), std::string::npos) << table;
     }

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace Cli {
@@ -115,11 +116,20 @@ void Effect::Choose(const ChosenControls& chosen)
 
 std::vector<ParameterValue> Effect::ReadParameters() const
 {
+    const auto changed = ReadChanged();
     std::vector<ParameterValue> values;
     for (const Wrapper::Parameter& parameter : parameters.GetList()) {
-        values.push_back({parameter, ReadParam(static_cast<uint32_t>(values.size()))});
+        const bool isChanged = std::any_of(changed.begin(), changed.end(), [&](const auto& entry) {
+            return entry.identifier == parameter.identifier;
+        });
+        values.push_back({parameter, ReadParam(static_cast<uint32_t>(values.size())), isChanged});
     }
     return values;
+}
+
+std::vector<Wrapper::ElementParameters::Changed> Effect::ReadChanged() const
+{
+    return *Granted(parameters.ReadChanged());
 }
 
 bool Effect::LoadState(std::string_view state)

@@ -64,6 +64,9 @@ public:
     /// All parameters with their values. Throws ModuleError.
     std::vector<ParameterValue> ReadParameters() const;
 
+    /// Of these, what a session keeps and isn't the default. Throws ModuleError.
+    std::vector<Wrapper::ElementParameters::Changed> ReadChanged() const;
+
     const Controls& GetControls() const { return controls; }
 
     /// By how much the output is late, in samples.

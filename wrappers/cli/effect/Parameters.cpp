@@ -63,13 +63,14 @@ std::string FormatValue(const Wrapper::Parameter& parameter, double value)
 
 std::string ParameterTable(const std::vector<ParameterValue>& parameters)
 {
-    TextTable table({"NAME", "VALUE", "RANGE", "DEFAULT", "UNIT"});
-    for (const auto& [parameter, value] : parameters) {
+    TextTable table({"NAME", "VALUE", "RANGE", "DEFAULT", "UNIT", "CHANGED"});
+    for (const auto& [parameter, value, isChanged] : parameters) {
         table.Add({parameter.identifier,
                    FormatValue(parameter, value),
                    FormatRange(parameter),
                    FormatValue(parameter, parameter.defaultValue),
-                   parameter.unit});
+                   parameter.unit,
+                   isChanged ? "*" : ""});
     }
     return table.Format();
 }

@@ -122,6 +122,10 @@ void EventsDocument::Add(size_t number,
         parameters[ControlTable[i].member] = controls.values[i];
     }
     parameters["bypass"] = controls.bypass;
+    nlohmann::ordered_json& changed = json["changed"] = nlohmann::ordered_json::object();
+    for (const auto& [identifier, value] : report.changed) {
+        changed[ToUtf8(identifier)] = ToUtf8(value);
+    }
     AddObject(number, ObjectHead(json), [&](const EventVisitor& visit) {
         spool.ForEach([&](const Wrapper::Detection& detection) {
             visit(EventJson(MakeEvent(detection, average, report.sampleRate)));

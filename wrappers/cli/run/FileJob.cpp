@@ -109,6 +109,7 @@ void FileJob::Describe(FileReport& report) const
     report.sampleRate = reader.GetSampleRate();
     report.channels = reader.GetChannels();
     report.latency = effect.GetLatency();
+    report.changed = effect.ReadChanged();
     report.preset = context.session.preset ? context.session.preset->name : "";
     context.console.Detail(fmt::format("{}: {}, {} Hz, {} channel{}; latency {} samples; {}{}",
                                        Printable(task.input.Get()),

@@ -36,7 +36,7 @@ nlohmann::ordered_json ToJson(const Wrapper::Parameter& parameter, double value)
 
 nlohmann::ordered_json ToJson(const ParameterValue& entry)
 {
-    const auto& [parameter, value] = entry;
+    const auto& [parameter, value, isChanged] = entry;
     nlohmann::ordered_json json;
     json["name"] = ToUtf8(parameter.identifier);
     json["value"] = ToJson(parameter, value);
@@ -49,6 +49,7 @@ nlohmann::ordered_json ToJson(const ParameterValue& entry)
     }
     json["default"] = ToJson(parameter, parameter.defaultValue);
     json["unit"] = TextOrNull(parameter.unit);
+    json["changed"] = isChanged;
     return json;
 }
 

@@ -3,6 +3,7 @@
 
 #include "wrappers/cli/report/AutoEvent.h"
 #include "wrappers/cli/run/Session.h"
+#include "wrappers/common/ElementParameters.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -31,7 +32,8 @@ struct FileReport {
     int sampleRate = 0;  ///< Hz
     int channels = 0;
     int64_t frames = 0;
-    uint32_t latency = 0; ///< samples
+    uint32_t latency = 0;                                     ///< samples
+    std::vector<Wrapper::ElementParameters::Changed> changed; ///< settings that aren't the default
     EventSummary events;
     std::optional<AutoSummary> automatic; ///< nothing when the effect repaired it
     uint64_t nonFiniteSamples = 0;

@@ -68,10 +68,10 @@ TEST(ParametersTest, EachKindIsShownInItsOwnWords)
     Parameter bypass = Float(0, 1);
     bypass.identifier = "Bypass";
     bypass.kind = Parameter::Kind::Switch;
-    EXPECT_EQ(ParameterTable({{depth, 1}, {strength, 0.125}, {bypass, 1}}),
-              "NAME              VALUE    RANGE                        DEFAULT  UNIT\n"
+    EXPECT_EQ(ParameterTable({{depth, 1, false}, {strength, 0.125, true}, {bypass, 1, false}}),
+              "NAME              VALUE    RANGE                        DEFAULT  UNIT  CHANGED\n"
               "Element.Depth     Hundred  Fifty, Hundred, Without end  Hundred\n"
-              "Element.Strength  0.125    0 to 10                      0        dB\n"
+              "Element.Strength  0.125    0 to 10                      0        dB    *\n"
               "Bypass            on       off, on                      off\n");
 }
 

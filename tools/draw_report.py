@@ -54,12 +54,13 @@ def main():
         browser.open(modes)
         browser.wait("document.title === 'drawn'")
         browser.picture(IMAGES / "modes.png", browser.value("document.body.scrollHeight"))
-        browser.call("Emulation.setDeviceMetricsOverride", width=1180, height=1160, deviceScaleFactor=1,
+        browser.call("Emulation.setDeviceMetricsOverride", width=1180, height=1270, deviceScaleFactor=1,
                      mobile=False)
         browser.prefer(prefers_color_scheme="dark")
         browser.open(page)
         browser.value("document.querySelector('.event').focus({ preventScroll: true })")
         browser.press("ArrowDown")
+        browser.value("scrollTo(0, 0)")
         time.sleep(1) # the rows in view are drawn one after another
         browser.picture(IMAGES / "report.png")
         assert not browser.log, browser.log

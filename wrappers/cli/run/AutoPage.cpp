@@ -45,8 +45,7 @@ MakePageHead(const FileReport& report, const std::string& words, const std::vect
     head.facts = {{pops == 1 ? "pop repaired" : "pops repaired", fmt::format("{}", pops)}};
     if (report.automatic && report.automatic->strongest) {
         const AutoEvent& strongest = *report.automatic->strongest;
-        head.facts.push_back({fmt::format("over the speech's low end at {}, the strongest",
-                                          FormatClock(strongest.peak)),
+        head.facts.push_back({fmt::format("at its strongest, at {}", FormatClock(strongest.peak)),
                               fmt::format("{:+.1f} dB", strongest.before)});
         head.limitHz = strongest.upperFrequency;
     }
@@ -57,7 +56,7 @@ MakePageHead(const FileReport& report, const std::string& words, const std::vect
             ? fmt::format("The {} strongest of {} pops have a row and clips.", rows.size(), pops)
             : "Each pop has a row.";
     head.eventsNote += " Every sample that none of them reaches is the recording's own.";
-    head.levelNote = "that of the speech";
+    head.levelNote = "the usual one of the speech";
     head.details = {{"Score", "how clearly it is a pop, above 0"},
                     {"Keep", "decides whether it is repaired"},
                     {"Removed", "the loudest 10 ms taken out, against the speech level"}};

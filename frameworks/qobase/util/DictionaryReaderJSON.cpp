@@ -20,8 +20,9 @@ namespace Util {
 
 namespace {
 
-// Each dictionary or array nests two JSON values: its pair and what the pair holds.
-constexpr unsigned MostJsonLevels = 242;
+// Each dictionary or array nests two JSON values: its pair and what the pair holds. So does the
+// root with a value of its own.
+constexpr unsigned MostJsonLevels = 2 * DictionaryReaderJSON::MostNesting + 2;
 constexpr std::size_t MostParts = 1'000'000;
 
 Json::CharReader* MakeReader()
@@ -113,7 +114,8 @@ std::optional<double> ParseNumber(std::string_view text)
 /// to see whole numbers only, which it reads alike everywhere.
 class NumberTable {
 public:
-    /// False when a number is none, or when there are too many parts.
+    /// False when a number is none, or when there are too many parts. A "+" ahead of a number is no
+    /// JSON, which the library overlooks.
     bool Take(std::string_view text)
     {
         indexed.clear();
@@ -123,7 +125,7 @@ public:
         while (!text.empty()) {
             const char first = text.front();
             std::size_t length = 1;
-            if (first == ',' && ++parts > MostParts) {
+            if (first == '+' || (first == ',' && ++parts > MostParts)) {
                 return false;
             }
             if (first == '"') {

@@ -16,6 +16,9 @@ namespace Util {
 /// [ui]
 class DictionaryReaderJSON final : public DictionaryReader {
 public:
+    /// Dictionaries and arrays, one inside the other, that the root may hold.
+    static constexpr unsigned MostNesting = 120;
+
     DictionaryReaderJSON();
     ~DictionaryReaderJSON() override;
 

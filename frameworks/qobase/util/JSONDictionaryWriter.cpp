@@ -2,6 +2,7 @@
 #include "frameworks/qobase/util/JSONDictionaryWriter.h"
 
 #include "frameworks/qobase/util/Base64.h"
+#include "frameworks/qobase/util/DictionaryReaderJSON.h"
 
 #include <algorithm>
 #include <array>
@@ -19,13 +20,19 @@ namespace {
 // Made here and not by the library that reads it: that one writes numbers as the process's locale
 // says, and a host may have set any.
 
-bool IsWritable(const DictionaryValue& value)
+// `level`: dictionaries and arrays around the value, without the root.
+bool IsWritable(const DictionaryValue& value, unsigned level)
 {
+    if (level >= DictionaryReaderJSON::MostNesting) {
+        return false;
+    }
     if (const auto* number = std::get_if<double>(&value.value)) {
         return std::isfinite(*number);
     }
     if (const auto* array = std::get_if<DictionaryValue::Array>(&value.value)) {
-        return std::all_of(array->begin(), array->end(), IsWritable);
+        return std::all_of(array->begin(), array->end(), [level](const DictionaryValue& element) {
+            return IsWritable(element, level + 1);
+        });
     }
     return true;
 }
@@ -58,12 +65,16 @@ void AppendNumber(std::string& text, Number number)
     text.append(digits.data(), end);
 }
 
-void AppendDictionary(std::string& text, const Dictionary& dictionary, std::string_view lineBreak);
-void AppendArray(std::string& text, const DictionaryValue::Array& array);
+void AppendDictionary(std::string& text,
+                      const Dictionary& dictionary,
+                      unsigned level,
+                      std::string_view lineBreak);
+void AppendArray(std::string& text, const DictionaryValue::Array& array, unsigned level);
 
 /// Appends the two members of one value.
 struct PairAppender {
     std::string& text;
+    unsigned level;
 
     void operator()(uint32_t value) const { AppendNumber(Open("UInt"), value); }
     void operator()(int32_t value) const { AppendNumber(Open("Int"), value); }
@@ -76,11 +87,11 @@ struct PairAppender {
     }
     void operator()(const Dictionary& value) const
     {
-        AppendDictionary(Open("Dictionary"), value, "");
+        AppendDictionary(Open("Dictionary"), value, level + 1, "");
     }
     void operator()(const DictionaryValue::Array& value) const
     {
-        AppendArray(Open("Array"), value);
+        AppendArray(Open("Array"), value, level + 1);
     }
 
 private:
@@ -92,31 +103,34 @@ private:
     }
 };
 
-void AppendValue(std::string& text, const DictionaryValue& value)
+void AppendValue(std::string& text, const DictionaryValue& value, unsigned level)
 {
     text += '{';
-    std::visit(PairAppender{text}, value.value);
+    std::visit(PairAppender{text, level}, value.value);
     text += '}';
 }
 
-void AppendArray(std::string& text, const DictionaryValue::Array& array)
+void AppendArray(std::string& text, const DictionaryValue::Array& array, unsigned level)
 {
     text += '[';
     std::string_view separator;
     for (const DictionaryValue& value : array) {
         text += separator;
         separator = ",";
-        AppendValue(text, value);
+        AppendValue(text, value, level);
     }
     text += ']';
 }
 
-void AppendDictionary(std::string& text, const Dictionary& dictionary, std::string_view lineBreak)
+void AppendDictionary(std::string& text,
+                      const Dictionary& dictionary,
+                      unsigned level,
+                      std::string_view lineBreak)
 {
     text += '{';
     std::string_view separator;
     for (const auto& [key, value] : dictionary) {
-        if (!IsWritable(value)) {
+        if (!IsWritable(value, level)) {
             continue;
         }
         text += separator;
@@ -124,7 +138,7 @@ void AppendDictionary(std::string& text, const Dictionary& dictionary, std::stri
         text += lineBreak;
         AppendQuoted(text, key.View());
         text += ':';
-        AppendValue(text, value);
+        AppendValue(text, value, level);
     }
     text += lineBreak;
     text += '}';
@@ -136,7 +150,7 @@ void AppendDictionary(std::string& text, const Dictionary& dictionary, std::stri
 String JSONDictionaryWriter::GetText()
 {
     std::string text;
-    AppendDictionary(text, TakeRoot(), layout == Layout::Lines ? "\n" : "");
+    AppendDictionary(text, TakeRoot(), 0, layout == Layout::Lines ? "\n" : "");
     return {std::move(text)};
 }
 

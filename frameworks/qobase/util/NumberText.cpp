@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "frameworks/qobase/util/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -50,6 +52,22 @@ std::optional<float> ParseFloat(const String& text)
 {
     const auto value = Parse<float>(text.View());
     return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::optional<float> ParseFloatClamped(const String& text)
+{
+    const std::string_view view = text.View();
+    float value = 0;
+    const auto result = std::from_chars(view.data(), view.data() + view.size(), value);
+    const bool isWhole = result.ptr == view.data() + view.size();
+    if (result.ec != std::errc::result_out_of_range || !isWhole) {
+        return ParseFloat(text);
+    }
+    const std::size_t mark = std::min(view.find_first_of("eE"), view.size());
+    const bool isTiny = mark < view.size() ? view.substr(mark).size() > 1 && view[mark + 1] == '-'
+                                           : view.starts_with("0.") || view.starts_with("-0.");
+    const float end = isTiny ? 0.0F : std::numeric_limits<float>::max();
+    return view.starts_with('-') ? -end : end;
 }
 
 std::optional<uint32_t> ParseUInt(const String& text)

@@ -188,7 +188,7 @@ void PresetFileBase::SetFloatValue(const String& element, const String& param, f
 void PresetFileBase::SetTextValue(const String& element, const String& param, const String& value)
 {
     // At most one of the three finds a parameter of its type.
-    if (const auto number = Util::ParseFloat(value)) {
+    if (const auto number = Util::ParseFloatClamped(value)) {
         SetFloatValue(element, param, *number);
     }
     if (const auto number = Util::ParseUInt(value)) {

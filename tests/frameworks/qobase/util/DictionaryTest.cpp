@@ -127,9 +127,9 @@ TEST(Dictionary, OneBadMemberFailsTheWholeText)
     } types[] = {
         {"UInt", "4294967295", "4294967296|-1|0.5|\"1\""},
         {"Int", "-2147483648", "2147483648|99999999999999999999999999|true"},
-        {"Float", "3|-1.5e+3|-0.50E-01", "1e999|NaN|1.2.3|-|01|-00.5|1.|1.e5|-.5|1e+|null"},
+        {"Float", "3|-1.5e+3|-0.50E-01", "1e999|NaN|1.2.3|-|+9|01|-00.5|1.|1.e5|-.5|1e+|null"},
         {"Bool", "true", "1"},
-        {"String", R"("\ud83c\udfa4")", R"(false|"\ud83c")"},
+        {"String", R"("\ud83c\udfa4"|"+9")", R"(false|"\ud83c")"},
         {"Base64", R"("QQ==")", R"("QQ"|7)"},
         {"Dictionary", "{}", R"([]|{"x":1})"},
         {"Array", "[]", R"({}|[1]|[{"Type":"Bool","Value":true},])"},
@@ -231,6 +231,25 @@ TEST(Dictionary, DepthAndNumberOfPartsAreBounded)
         const Util::ByteSpan bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
         EXPECT_EQ(Util::ReadDictionary(reader, bytes).has_value(), isGood) << depth;
     }
+    // What is written can be read, to the level where it ends.
+    Dictionary deep;
+    Array row{{true}};
+    for (int i = 0; i < 150; ++i) {
+        Dictionary around;
+        around.Set("a", {std::move(deep)});
+        around.Set("b", {true});
+        deep = std::move(around);
+        row = Array{{std::move(row)}};
+    }
+    deep.Set("row", {row});
+    const auto back = Read(Write(deep));
+    ASSERT_TRUE(back);
+    EXPECT_FALSE(back->Has("row"));
+    int levels = 0;
+    for (const Dictionary* at = &*back; at != nullptr; at = at->Find<Dictionary>("a")) {
+        levels += at->Has("b") ? 1 : 0;
+    }
+    EXPECT_EQ(levels, 120);
     EXPECT_FALSE(Read(std::string(1000000, '[')));
     std::string many = R"({"a":{"Type":"Bool","Value":true,"More":[0)";
     for (int i = 0; i < 1100000; ++i) {

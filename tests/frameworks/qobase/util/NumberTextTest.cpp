@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <iomanip>
+#include <limits>
 #include <random>
 #include <set>
 #include <sstream>
@@ -77,6 +78,15 @@ TEST(NumberText, ReadsWholeNumbersWithinTheirRangeOnly)
         EXPECT_FALSE(Util::ParseFloat(text)) << text;
         EXPECT_FALSE(Util::ParseInt(text)) << text;
         EXPECT_FALSE(Util::ParseUInt(text)) << text;
+    }
+    constexpr float Most = std::numeric_limits<float>::max();
+    const std::pair<const char*, float> clamped[] = {
+        {"1e39", Most}, {"-1e400", -Most}, {"0.5e60", Most}, {"1e-60", 0.0F}, {"2", 2.0F}};
+    for (const auto& [text, value] : clamped) {
+        EXPECT_EQ(Util::ParseFloatClamped(text), value) << text;
+    }
+    for (const char* const text : {"", "nan", "inf", "1e60x", "+1", " 1e60"}) {
+        EXPECT_FALSE(Util::ParseFloatClamped(text)) << text;
     }
     EXPECT_FALSE(Util::ParseFloat(String()));
     EXPECT_FALSE(Util::ParseFloat(std::string("1\0", 2)));

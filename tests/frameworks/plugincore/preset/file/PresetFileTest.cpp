@@ -197,6 +197,8 @@ TEST_F(PresetFile, IsReadInEveryFormThatItMayHave)
         {Replaced(DefaultFile, "    <Global Enabled=\"1\" />\n", ""), 5.0F},
         {Replaced(DefaultFile, R"(<Puffguard Enabled="1")", R"(<Puffguard Enabled="yes")"), 5.0F},
         {Replaced(DefaultFile, amount, R"(ParamID="Amount" Value="1e30")"), 10.0F}, // clamped
+        {Replaced(DefaultFile, amount, R"(ParamID="Amount" Value="1e60")"), 10.0F},
+        {Replaced(DefaultFile, amount, R"(ParamID="Amount" Value="-1e400")"), 0.0F},
         // What isn't there, or isn't a number, leaves the value alone.
         {Replaced(DefaultFile, amount, R"(ParamID="amount" Value="5")"), 3.0F},
         {Replaced(DefaultFile, amount, R"(ParamID="Amount")"), 3.0F},

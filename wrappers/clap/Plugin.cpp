@@ -31,6 +31,7 @@ bool Plugin::Init()
     }
     parameters = std::make_unique<Parameters>(*instance);
     gestures.emplace(parameters->Count());
+    hostGestures.emplace(parameters->Count());
     isReady = true; // changes are noticed from here on, so that no value is missed
     parameters->Refresh();
     toldLatency = GetLatency();
@@ -92,6 +93,12 @@ void Plugin::OnMainThread()
     }
     if (areGesturesLost.exchange(false)) {
         host.RescanValues();
+    }
+    if (isReady) {
+        hostGestures->Take([this](uint32_t parameter, float before) {
+            instance->BeginGesture(parameter, before);
+            instance->EndGesture(parameter);
+        });
     }
     if (!isActive) {
         return;

@@ -3,6 +3,7 @@
 
 #include "wrappers/clap/Gestures.h"
 #include "wrappers/clap/Host.h"
+#include "wrappers/clap/HostGestures.h"
 #include "wrappers/clap/Layouts.h"
 #include "wrappers/clap/Parameters.h"
 #include "wrappers/common/HostBlock.h"
@@ -82,6 +83,7 @@ private:
     void RunEvents(const clap_input_events_t* events,
                    Wrapper::Side side,
                    Wrapper::HostBlock& block) noexcept;
+    void HearGesture(const clap_event_param_gesture_t& event, Wrapper::Side side) noexcept;
 
     clap_plugin_t functions;
     const std::shared_ptr<const Wrapper::Module> module;
@@ -90,7 +92,8 @@ private:
     std::atomic<bool> isReady{false};
     std::atomic<bool> isActive{false};
 
-    std::optional<Gestures> gestures; // from the begin of readiness on
+    std::optional<Gestures> gestures; // from the begin of readiness on, as the next
+    std::optional<HostGestures> hostGestures;
     std::atomic<uint32_t> toldLatency{0};
     std::atomic<bool> isTailNew{false};
     std::atomic<bool> isStateChanged{false};

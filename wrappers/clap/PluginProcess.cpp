@@ -30,6 +30,14 @@ std::optional<double> PositionIn(const clap_event_transport_t& transport, double
            static_cast<double>(CLAP_SECTIME_FACTOR) * rate;
 }
 
+// Whether it is one of the user's touches in a view of the host's own, which changes no sound.
+bool IsGesture(const clap_event_header_t& event) noexcept
+{
+    return event.space_id == CLAP_CORE_EVENT_SPACE_ID &&
+           (event.type == CLAP_EVENT_PARAM_GESTURE_BEGIN ||
+            event.type == CLAP_EVENT_PARAM_GESTURE_END);
+}
+
 // Whether it is an event that acts on the audio. Those of other spaces look alike and mean
 // something else.
 bool IsOurs(const clap_event_header_t& event) noexcept
@@ -108,6 +116,9 @@ void Plugin::RunEvents(const clap_input_events_t* events,
     const uint32_t count = events != nullptr ? events->size(events) : 0;
     for (uint32_t i = 0; i < count; ++i) {
         const clap_event_header_t* const event = events->get(events, i);
+        if (event != nullptr && IsGesture(*event)) {
+            HearGesture(*reinterpret_cast<const clap_event_param_gesture_t*>(event), side);
+        }
         if (event == nullptr || !IsOurs(*event)) {
             continue;
         }
@@ -127,6 +138,19 @@ void Plugin::RunEvents(const clap_input_events_t* events,
         if (const std::optional<uint32_t> index = parameters->Find(change.param_id)) {
             parameters->Set(side, *index, change.value);
         }
+    }
+}
+
+void Plugin::HearGesture(const clap_event_param_gesture_t& event, Wrapper::Side side) noexcept
+{
+    const std::optional<uint32_t> index = parameters->Find(event.param_id);
+    if (!index) {
+        return;
+    }
+    if (event.header.type == CLAP_EVENT_PARAM_GESTURE_BEGIN) {
+        hostGestures->Begin(*index, instance->GetParameter(side, *index));
+    } else if (hostGestures->End(*index)) {
+        host.RequestCallback();
     }
 }
 

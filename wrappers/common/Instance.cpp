@@ -292,6 +292,22 @@ float Instance::GetParameter(Side side, uint32_t index) const noexcept
     return record.value;
 }
 
+void Instance::BeginGesture(uint32_t index, float before)
+{
+    ReportGesture({ParamEventGestureBegins, index, before});
+}
+
+void Instance::EndGesture(uint32_t index)
+{
+    ReportGesture({ParamEventGestureEnds, index, 0.0F});
+}
+
+void Instance::ReportGesture(ParamEventRecord event)
+{
+    HostMessageRecord message = {PLUGIN_CORE_MESSAGE_GESTURE, sizeof event, &event};
+    Call(SelectorHostMessage, Side::UI, &message);
+}
+
 uint32_t Instance::CallEditor(EditorRecord& record) noexcept
 {
     return Call(SelectorEditorCommand, Side::UI, &record);

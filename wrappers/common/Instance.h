@@ -43,12 +43,13 @@ class EntryKey {
     EntryKey() = default;
     friend class Detections;
     friend class ElementParameters;
+    friend class History;
     friend class Presets;
     friend class SoftBypass;
 };
 
-/// One instance of the module. Detections, Editor, ElementParameters and Presets stand beside it
-/// for the wrappers that need them.
+/// One instance of the module. Detections, Editor, ElementParameters, History and Presets stand
+/// beside it for the wrappers that need them.
 ///
 /// Threads: [process] calls come from one thread at a time, [ui] calls from another one at a time;
 /// both may come at once. [setup] excludes all others. The process side takes no lock but the
@@ -102,6 +103,12 @@ public:
     void SetParameter(Side side, uint32_t index, float normalised) noexcept;
     float GetParameter(Side side, uint32_t index) const noexcept;
 
+    /// The user has taken hold of a parameter in a view of the host's own, where it stood at
+    /// `before`, normalised, and has let it go. What changes in between becomes one step of the
+    /// undo history. An index out of range does nothing. [ui]
+    void BeginGesture(uint32_t index, float before);
+    void EndGesture(uint32_t index);
+
     /// What a session keeps; empty, after a line in the log, when it can't be had. The bypass is no
     /// part of it: a format whose hosts don't keep it themselves saves it beside this. [ui]
     std::vector<uint8_t> SaveState();
@@ -142,6 +149,7 @@ private:
     bool SetModuleFormat(double sampleRate, uint32_t channels);
     bool Repair(float** channels, uint32_t frames, std::optional<double> position) noexcept;
     bool CallState(StateRecord& record);
+    void ReportGesture(ParamEventRecord event);
     bool Request(uint32_t selector, void* data, const char* purpose) const;
     uint32_t Call(uint32_t selector, Side side, void* data) const noexcept
     {

@@ -69,6 +69,10 @@ public:
     /// As the host's UI side has it; normalised, 0 for an unknown id. [ui]
     double GetValue(v3_param_id id) noexcept;
     bool SetValue(v3_param_id id, double normalised) noexcept; ///< [ui]
+    /// Around a row of SetValue() that is one touch of the user's in a view of the host's own.
+    /// False for an unknown id. [ui]
+    bool BeginEdit(v3_param_id id);
+    bool EndEdit(v3_param_id id);
     /// A value of a block, 0 to 1. [process]
     void HearValue(uint32_t index, double normalised) noexcept;
     /// Parameters, one a bit, that the user has changed and could not be reported to the host; each

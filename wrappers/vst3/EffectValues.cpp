@@ -43,6 +43,24 @@ bool Effect::SetValue(v3_param_id id, double normalised) noexcept
     return true;
 }
 
+bool Effect::BeginEdit(v3_param_id id)
+{
+    const std::optional<uint32_t> index = IndexOf(id);
+    if (index) {
+        instance->BeginGesture(*index, instance->GetParameter(Wrapper::Side::UI, *index));
+    }
+    return index.has_value();
+}
+
+bool Effect::EndEdit(v3_param_id id)
+{
+    const std::optional<uint32_t> index = IndexOf(id);
+    if (index) {
+        instance->EndGesture(*index);
+    }
+    return index.has_value();
+}
+
 void Effect::BeginBlock(Wrapper::HostBlock& block, bool newPlaying) noexcept
 {
     isPlaying = newPlaying;

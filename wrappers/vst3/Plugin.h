@@ -6,6 +6,7 @@
 #include "wrappers/vst3/Component.h"
 #include "wrappers/vst3/EditController.h"
 #include "wrappers/vst3/Effect.h"
+#include "wrappers/vst3/HostEditing.h"
 #include "wrappers/vst3/Object.h"
 
 #include <memory>
@@ -31,6 +32,7 @@ private:
     AudioProcessor processor;
     ContextRequirements requirements;
     EditController controller;
+    HostEditing hostEditing;
 };
 
 } // namespace Vst3

@@ -286,6 +286,18 @@ PLUGIN_CORE_AT(PresetRecord, presetComment, 296);
 PLUGIN_CORE_AT(PresetRecord, path, 1320);
 PLUGIN_CORE_AT(PresetRecord, message, 5416);
 
+PLUGIN_CORE_SIZE(HistoryRecord, 2104);
+PLUGIN_CORE_AT(HistoryRecord, op, 0);
+PLUGIN_CORE_AT(HistoryRecord, failed, 4);
+PLUGIN_CORE_AT(HistoryRecord, isSelected, 5);
+PLUGIN_CORE_AT(HistoryRecord, slots, 6);
+PLUGIN_CORE_AT(HistoryRecord, count, 8);
+PLUGIN_CORE_AT(HistoryRecord, index, 12);
+PLUGIN_CORE_AT(HistoryRecord, path, 16);
+PLUGIN_CORE_AT(HistoryRecord, time, 24);
+PLUGIN_CORE_AT(HistoryRecord, text, 56);
+PLUGIN_CORE_AT(HistoryRecord, message, 1080);
+
 PLUGIN_CORE_SIZE(ParamEventRecord, 12);
 PLUGIN_CORE_AT(ParamEventRecord, kind, 0);
 PLUGIN_CORE_AT(ParamEventRecord, index, 4);

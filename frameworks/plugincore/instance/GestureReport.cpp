@@ -2,16 +2,23 @@
 #include "frameworks/plugincore/instance/GestureReport.h"
 
 #include "frameworks/plugincore/instance/ParamRecords.h"
+#include "frameworks/plugincore/instance/ParamText.h"
 
 #include <algorithm>
 #include <utility>
 
-GestureReport::GestureReport(HostCallback& newHost,
-                             EditorLink& newEditor,
-                             const HostParams& newParams)
-    : host(newHost)
-    , editor(newEditor)
-    , params(newParams)
+namespace {
+
+// Neither a preference of the user nor what is saved nowhere is part of the state.
+bool IsOfSession(const DSP::Element& element, const String& name)
+{
+    return element.GetParamInfoByName(name).persistence == DSP::Persistence::Session;
+}
+
+} // namespace
+
+GestureReport::GestureReport(const Parts& newParts)
+    : parts(newParts)
 {
 }
 
@@ -19,14 +26,14 @@ void GestureReport::ReportToHost(PluginCoreParamEvent kind,
                                  const DSP::Element& element,
                                  const String& name)
 {
-    if (const auto index = params.FindAutomatable(element, name)) {
-        host.NotifyParam(MakeEvent(kind, *index));
+    if (const auto index = parts.params.FindAutomatable(element, name)) {
+        parts.host.NotifyParam(MakeEvent(kind, *index));
     }
 }
 
 ParamEventRecord GestureReport::MakeEvent(PluginCoreParamEvent kind, uint32_t index) const
 {
-    const HostParams::Place place = params.GetAutomatable(index).value();
+    const HostParams::Place place = parts.params.GetAutomatable(index).value();
     return {static_cast<uint32_t>(kind), index, GetNormalised(*place.param, DSP::Context::UI)};
 }
 
@@ -35,7 +42,7 @@ void GestureReport::ReportChange(const DSP::Element& element, const String& name
 {
     const ParamEventRecord event = MakeEvent(ParamEventValueChanged, index);
     if (actions == 0 || book.IsHeld(element, name)) {
-        host.NotifyParam(event);
+        parts.host.NotifyParam(event);
         return;
     }
     const auto former = std::find_if(collected.begin(), collected.end(), [&](const auto& entry) {
@@ -52,13 +59,16 @@ void GestureReport::ReportChange(const DSP::Element& element, const String& name
 void GestureReport::ReportRest()
 {
     if (!book.IsUnderWay() && std::exchange(mustReload, false)) {
-        host.NotifyReload();
+        parts.host.NotifyReload();
     }
 }
 
 void GestureReport::Grabbed(const DSP::Element& element, const String& name, bool mayReport)
 {
-    if (book.Grab(element, name, mayReport && editor.IsOpen())) {
+    if (mayReport && IsOfSession(element, name)) {
+        parts.history.onActionBegins();
+    }
+    if (book.Grab(element, name, mayReport && parts.editor.IsOpen())) {
         ReportToHost(ParamEventGestureBegins, element, name);
     }
 }
@@ -69,43 +79,71 @@ void GestureReport::Released(const DSP::Element& element, const String& name)
     if (ended.wasReported) {
         ReportToHost(ParamEventGestureEnds, element, name);
     }
-    if (ended.isActionDone) {
-        host.NotifyDirty();
-    }
+    EndAction(ended.isActionDone);
     ReportRest();
 }
 
 void GestureReport::Changed(const DSP::Element& element, const String& name)
 {
-    editor.ParamChanged(element.GetName(), name);
-    const DSP::Persistence persistence = element.GetParamInfoByName(name).persistence;
-    if (const auto index = params.FindAutomatable(element, name)) {
+    parts.editor.ParamChanged(element.GetName(), name);
+    if (const auto index = parts.params.FindAutomatable(element, name)) {
         ReportChange(element, name, *index);
-    } else if (persistence != DSP::Persistence::Transient) {
+    } else if (element.GetParamInfoByName(name).persistence != DSP::Persistence::Transient) {
         mustReload = true;
     }
-    // Neither a preference of the user nor what is saved nowhere is part of the host's state.
-    if (persistence == DSP::Persistence::Session && book.NoteChange()) {
-        host.NotifyDirty();
+    if (IsOfSession(element, name)) {
+        DescribeChange(element, name);
+        EndAction(book.NoteChange());
     }
     ReportRest();
 }
 
-GestureReport::UserAction::UserAction(GestureReport& newReport)
+void GestureReport::DescribeChange(const DSP::Element& element, const String& name)
+{
+    if (actions > 0) {
+        return;
+    }
+    const std::pair key(&element, name);
+    if (actionText.IsEmpty()) {
+        touchedParam = key;
+    }
+    const auto index = element.FindParamIndex(name);
+    if (touchedParam == key && index) {
+        actionText = DescribeValue(*element.FindParam(*index));
+    }
+}
+
+void GestureReport::EndAction(bool isDone)
+{
+    if (isDone) {
+        if (!actionText.IsEmpty()) {
+            parts.history.AddEntry(actionText);
+        }
+        parts.host.NotifyDirty();
+    }
+    if (!book.IsUnderWay()) {
+        actionText = "";
+        touchedParam.reset();
+    }
+}
+
+GestureReport::UserAction::UserAction(GestureReport& newReport, const String& newText)
     : report(newReport)
 {
+    report.parts.history.onActionBegins();
     report.book.BeginAction();
     ++report.actions;
+    if (report.actionText.IsEmpty()) {
+        report.actionText = newText;
+    }
 }
 
 GestureReport::UserAction::~UserAction()
 {
     if (--report.actions == 0) {
-        report.host.NotifyParams(std::exchange(report.collected, {}));
+        report.parts.host.NotifyParams(std::exchange(report.collected, {}));
     }
-    if (report.book.EndAction()) {
-        report.host.NotifyDirty();
-    }
+    report.EndAction(report.book.EndAction());
     report.ReportRest();
 }
 

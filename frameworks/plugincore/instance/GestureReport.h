@@ -3,20 +3,30 @@
 
 #include "frameworks/plugincore/instance/EditorLink.h"
 #include "frameworks/plugincore/instance/GestureBook.h"
+#include "frameworks/plugincore/instance/HistoryKeeper.h"
 #include "frameworks/plugincore/instance/HostCallback.h"
 #include "frameworks/plugincore/instance/HostParams.h"
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 /// Reports what the user does in an instance: each change to the open editor, then changes and
-/// gestures of automatable parameters to the host, and at the end of each action that the state has
-/// changed, if it has, or something that the host doesn't automate.
+/// gestures of automatable parameters to the host; and at the end of each action that has changed
+/// the state, that it has, to the host (also when it was something that the host doesn't automate),
+/// and what was done to the history.
 ///
 /// Threads: all under the UI lock. [ui]
 class GestureReport {
 public:
-    /// All three outlive the report; none is used before the first call.
-    GestureReport(HostCallback& newHost, EditorLink& newEditor, const HostParams& newParams);
+    /// All of it outlives the report; none is used before the first call.
+    struct Parts {
+        HostCallback& host;
+        EditorLink& editor;
+        const HostParams& params;
+        HistoryKeeper& history;
+    };
+    explicit GestureReport(const Parts& newParts);
 
     /// A control holds the parameter, which begins a gesture of the user's when an editor is open:
     /// values that are set by code are no touch. `mayReport` is false while what changes is none of
@@ -33,7 +43,9 @@ public:
     /// notified at the end, of all changes at once and that the state has changed, if it has. [ui]
     class UserAction {
     public:
-        explicit UserAction(GestureReport& newReport);
+        /// With a text the action becomes a step of the history, if it has changed something;
+        /// without one it becomes none, whatever changes.
+        explicit UserAction(GestureReport& newReport, const String& newText = {});
         UserAction(const UserAction&) = delete;
         UserAction& operator=(const UserAction&) = delete;
         ~UserAction();
@@ -50,12 +62,14 @@ private:
     ParamEventRecord MakeEvent(PluginCoreParamEvent kind, uint32_t index) const;
     void ReportChange(const DSP::Element& element, const String& name, uint32_t index);
     void ReportRest();
+    void DescribeChange(const DSP::Element& element, const String& name);
+    void EndAction(bool isDone);
 
-    HostCallback& host;
-    EditorLink& editor;
-    const HostParams& params;
+    const Parts parts;
     GestureBook book;
     uint32_t actions = 0;                    // under way
     std::vector<ParamEventRecord> collected; // changes of the actions, the last of each parameter
     bool mustReload = false;                 // something has changed that isn't automatable
+    String actionText; // of what is under way: the first that there is something to say of
+    std::optional<std::pair<const DSP::Element*, String>> touchedParam; // the text is about this
 };

@@ -22,12 +22,34 @@ HistoryKeeper::HistoryKeeper(const PluginDefinition& newDefinition, bool newIsOf
 {
 }
 
+void HistoryKeeper::onActionBegins() noexcept
+{
+    try {
+        if (history) {
+            history->onUserBegins();
+        }
+    } catch (...) {
+        Util::DebugTrace("Reading the history failed");
+    }
+}
+
+void HistoryKeeper::AddEntry(const String& text) noexcept
+{
+    try {
+        if (history && !history->AddSnapshot(text)) {
+            Util::DebugTrace("The history has no state for \"" + text + "\"");
+        }
+    } catch (...) {
+        Util::DebugTrace("Adding to the history failed");
+    }
+}
+
 void HistoryKeeper::onEditorAttached(bool isOpen)
 {
     if (!isOpen) {
         Flush();
     } else if (history) {
-        history->onEditorOpened();
+        history->onUserBegins();
     }
 }
 

@@ -22,6 +22,11 @@ public:
     /// Null when the product has no history.
     HistoryManager* Get() const { return history.get(); }
 
+    /// The user is about to change something: what was before is the first state to go back to. A
+    /// failure is only traced, here and in the next: what the user does is done all the same.
+    void onActionBegins() noexcept;
+    /// An action of the user's is finished: takes down the state of now.
+    void AddEntry(const String& text) noexcept;
     /// An editor begins to show, or the last one has gone.
     void onEditorAttached(bool isOpen);
     void onStateChanged();

@@ -41,14 +41,14 @@ Plugin::Plugin(const PluginFactory& newFactory, const PluginSetup& setup)
     , format(StreamFormat{setup.sampleRate, setup.channelConfig}.WithFallbacks())
     , latency(settings.ReadLatencySettings(), *this, GetHostCallback())
     , reinstantiateWatch(settings.ReadResourceOverride())
-    , gestures(GetHostCallback(), editor, params)
+    , gestures({GetHostCallback(), editor, params, history})
     , transform(factory.CreateTransform(*this, format.sampleRate, format.channelConfig))
     , translator(newFactory.CreateTranslator(GetForcedLanguage()))
     , params(*transform, *translator)
     , preferences(GetSet(), settings.GetProductFile(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
     , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
-    , presets(MakePresetSetup())
+    , messages(MakeMessages())
     , timer(MakeTimerSetup())
 {
     latency.Attach(transform.get());
@@ -74,19 +74,22 @@ Plugin::~Plugin()
     latency.Attach(nullptr);
 }
 
-PresetMessages::Setup Plugin::MakePresetSetup()
+InstanceMessages Plugin::MakeMessages()
 {
-    return {GetDefinition(),
-            GetModulePath(),
-            settings.GetProductFile(),
-            !IsOffline(),
-            GetSet(),
-            state,
-            gestures,
-            [this] {
-                latency.Check(DSP::Context::UI);
-                history.onStateChanged();
-            }};
+    const auto onChanged = [this] {
+        latency.Check(DSP::Context::UI);
+        history.onStateChanged();
+    };
+    return {{GetDefinition(),
+             GetModulePath(),
+             settings.GetProductFile(),
+             !IsOffline(),
+             GetSet(),
+             state,
+             gestures,
+             onChanged},
+            {history, *this, GetSet(), state, gestures, onChanged},
+            params};
 }
 
 IdleTimer::Setup Plugin::MakeTimerSetup()
@@ -306,13 +309,6 @@ uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& reco
         return PluginCoreSuccess;
     case EditorTextMessage:
         return PluginCoreNoEditor;
-    case PLUGIN_CORE_MESSAGE_PRESET: {
-        const bool isWhole = record.data != nullptr && record.length >= sizeof(PresetRecord);
-        if (context != DSP::Context::UI || !isWhole) {
-            return PluginCoreUnsupported;
-        }
-        return presets.Answer(*static_cast<PresetRecord*>(record.data));
-    }
     case PLUGIN_CORE_MESSAGE_CHANGED_PARAMS:
         if (context != DSP::Context::UI || record.data == nullptr ||
             record.length < sizeof(ChangedParamsRecord)) {
@@ -321,6 +317,9 @@ uint32_t Plugin::HostMessage(DSP::Context context, const HostMessageRecord& reco
         AnswerChangedParams(GetSet(), *static_cast<ChangedParamsRecord*>(record.data));
         return PluginCoreSuccess;
     default:
+        if (messages.Answer(context, record) == PluginCoreSuccess) {
+            return PluginCoreSuccess;
+        }
         return transform->HostMessage(context, record.message, record.length, record.data)
                    ? PluginCoreSuccess
                    : PluginCoreUnsupported;
@@ -364,6 +363,7 @@ void Plugin::RunIdleWork()
     preferences.ApplyChanges();
     settings.WriteWaiting();
     transform->Idle();
+    messages.onIdle();
     history.onIdle();
     if (reinstantiateWatch.TakeChange()) {
         GetHostCallback().NotifyReinstantiate();

@@ -8,12 +8,12 @@
 #include "frameworks/plugincore/instance/HostFacts.h"
 #include "frameworks/plugincore/instance/HostParams.h"
 #include "frameworks/plugincore/instance/IdleTimer.h"
+#include "frameworks/plugincore/instance/InstanceMessages.h"
 #include "frameworks/plugincore/instance/LatencyReport.h"
 #include "frameworks/plugincore/instance/PluginElementHost.h"
 #include "frameworks/plugincore/instance/PluginFactory.h"
 #include "frameworks/plugincore/instance/PluginSettings.h"
 #include "frameworks/plugincore/instance/Preferences.h"
-#include "frameworks/plugincore/instance/PresetMessages.h"
 #include "frameworks/plugincore/instance/ReinstantiateWatch.h"
 #include "frameworks/plugincore/instance/StateKeeper.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
@@ -90,6 +90,7 @@ public:
     // Util::HistoryDelegate
     uint32_t GetStateVersion() const override { return GetDefinition().GetStateVersion(); }
     bool GetState(uint32_t size, void* buffer) override;
+    void AddTime(Util::Bytes& chunk) override { state.AddTime(chunk); }
     bool SetState(uint32_t size, const void* buffer, uint32_t version) override;
     bool GetStateForFile(uint32_t size, void* buffer) override;
     void GetHistoryFilePath(String& path) override;
@@ -127,7 +128,7 @@ public:
 
 private:
     IdleTimer::Setup MakeTimerSetup();
-    PresetMessages::Setup MakePresetSetup();
+    InstanceMessages MakeMessages();
     void RunIdleWork();
     uint32_t
     SetParam(const std::optional<HostParams::Place>& place, DSP::Context context, float value);
@@ -150,7 +151,7 @@ private:
     Preferences preferences;
     HistoryKeeper history;
     StateKeeper state;
-    PresetMessages presets;
+    InstanceMessages messages;
     std::unique_ptr<Editor> ownEditor; // what OpenEditor() has made; null: none
     IdleTimer timer;
 };

@@ -17,6 +17,9 @@ const String SessionKey("Session UUID");
 const String MajorVersionKey("Major Version");
 const String MinorVersionKey("Minor Version");
 const String DefaultStateKey("PT Default State");
+// The history's file has no place for the time of a step, and what a user looks for there is known
+// by it. Within the state every reader of such files passes over it.
+const String TimeKey("Snapshot Time");
 
 bool IsInteger(const Util::DictionaryValue& value, int32_t expected)
 {
@@ -116,6 +119,24 @@ void StateDocument::ApplyContext(const Util::Dictionary& state)
     } else {
         context->LoadContext(*saved);
     }
+}
+
+String StateDocument::AddTime(Util::ByteSpan text, const String& time)
+{
+    auto state = Util::ReadDictionary(*reader, text);
+    if (!state) {
+        return "";
+    }
+    state->Set(TimeKey, {time});
+    Util::WriteDictionary(*writer, *state);
+    return writer->GetText();
+}
+
+String StateDocument::ReadTime(Util::ByteSpan text) const
+{
+    const Util::Dictionary state = Read(text);
+    const String* time = state.Find<String>(TimeKey);
+    return time != nullptr ? *time : String("");
 }
 
 std::optional<bool> StateDocument::IsSame(Util::ByteSpan text) const

@@ -33,6 +33,11 @@ public:
     /// can't be compared.
     std::optional<bool> IsSame(Util::ByteSpan text) const;
 
+    /// The text with a time in it, which no reader of states looks at; empty when it's no state.
+    String AddTime(Util::ByteSpan text, const String& time);
+    /// What AddTime() has put into the text; empty without.
+    String ReadTime(Util::ByteSpan text) const;
+
     /// The host has saved or loaded: the instance isn't as it was created.
     void ClearDefaultFlag() { isDefault = false; }
     /// Of this instance, or of the session whose state was applied.

@@ -2,6 +2,7 @@
 #include "frameworks/plugincore/instance/StateKeeper.h"
 
 #include "frameworks/plugincore/instance/StateChunk.h"
+#include "frameworks/qobase/util/TimeText.h"
 
 #include <optional>
 #include <utility>
@@ -62,6 +63,22 @@ bool StateKeeper::CompareChunk(Util::ByteSpan chunk, bool& equal)
     const std::optional<bool> isSame = document.IsSame(*text);
     equal = isSame.value_or(true);
     return isSame.has_value();
+}
+
+void StateKeeper::AddTime(Util::Bytes& chunk)
+{
+    const auto text = StateChunk::ReadText(chunk);
+    const String dated = text ? document.AddTime(*text, Util::GetPresentTimeText()) : String("");
+    if (!dated.IsEmpty()) {
+        chunk.resize(StateChunk::GetChunkSizeOfText(dated));
+        StateChunk::WriteText(dated, chunk);
+    }
+}
+
+String StateKeeper::ReadTime(Util::ByteSpan chunk) const
+{
+    const auto text = StateChunk::ReadText(chunk);
+    return text ? document.ReadTime(*text) : String("");
 }
 
 Util::Bytes StateKeeper::Save()

@@ -34,6 +34,11 @@ public:
     bool SetChunk(Util::ByteSpan chunk, uint32_t version, DSP::ValueSource source);
     bool CompareChunk(Util::ByteSpan chunk, bool& equal);
 
+    /// Adds to a chunk the present time; any reader takes it as before.
+    void AddTime(Util::Bytes& chunk);
+    /// "YYYY-MM-DDTHH:MM:SSZ"; empty when the chunk has none.
+    String ReadTime(Util::ByteSpan chunk) const;
+
     /// The chunk of now; empty when it can't be had, so that what is made anew then starts with its
     /// defaults.
     Util::Bytes Save();

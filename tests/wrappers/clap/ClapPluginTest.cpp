@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <random>
 
@@ -179,4 +181,31 @@ TEST_F(ClapPluginTest, StreamsThatFailOrLieAreGivenUp)
     EXPECT_EQ(host->valueRescans, 0U);
     EXPECT_TRUE(plugin.Load(saved));
     EXPECT_EQ(host->valueRescans, 1U) << "the host reads the values anew";
+}
+
+TEST_F(ClapTest, ATouchInTheHostsOwnViewIsAStepOfTheUndoHistory)
+{
+    {
+        Plugin plugin(host);
+        const clap_id id = plugin.Describe(TestHost::Sensitivity).id;
+        const auto touch = [&](double value) {
+            InputEvents events;
+            const auto add = [&](uint16_t type) {
+                events.AddValue(0, id, value, CLAP_CORE_EVENT_SPACE_ID, type);
+            };
+            add(CLAP_EVENT_PARAM_GESTURE_BEGIN);
+            add(CLAP_EVENT_PARAM_VALUE);
+            add(CLAP_EVENT_PARAM_GESTURE_END);
+            plugin.Flush(&events, nullptr);
+            plugin.Idle();
+        };
+        touch(6.5);
+        ASSERT_TRUE(plugin.Activate(Rate));
+        touch(7.5); // on the audio thread
+        plugin.Deactivate();
+    }
+    std::ifstream stored(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
+    const std::string file{std::istreambuf_iterator<char>(stored), {}};
+    EXPECT_NE(file.find("Sensitivity: 6.5"), std::string::npos);
+    EXPECT_NE(file.find("Sensitivity: 7.5"), std::string::npos);
 }

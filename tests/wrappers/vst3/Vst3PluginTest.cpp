@@ -7,6 +7,8 @@
 
 #include <array>
 #include <cmath>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 
@@ -21,6 +23,8 @@ using Vst3Host::Id::UpperFrequency;
 namespace {
 
 constexpr v3_tuid UnknownIid = V3_ID(0x01234567, 0x89ABCDEF, 0x01234567, 0x89ABCDEF);
+
+constexpr v3_tuid HostEditingIid = V3_ID(0xC1271208, 0x70594098, 0xB9DD34B3, 0x6BB0195E);
 
 class Vst3PluginTest : public testing::Test {
 protected:
@@ -321,4 +325,22 @@ TEST_F(Vst3PluginTest, CallsBeforeTheBeginningAndAfterTheEndAreRefused)
         EXPECT_EQ(component->SetActive(1), V3_OK);
         EXPECT_EQ(component->Terminate(), V3_OK);
     }
+}
+
+TEST_F(Vst3PluginTest, ATouchInTheHostsOwnViewIsAStepOfTheUndoHistory)
+{
+    {
+        Vst3Host::Plugin plugin;
+        const auto editing = Query<Vst3Host::IHostEditing>(*plugin.controller, HostEditingIid);
+        ASSERT_NE(editing, nullptr);
+        EXPECT_EQ(editing->BeginEditFromHost(Strength), V3_OK);
+        EXPECT_EQ(plugin.controller->SetValue(Strength, 0.6), V3_OK);
+        EXPECT_EQ(plugin.controller->SetValue(Strength, 0.7), V3_OK);
+        EXPECT_EQ(editing->EndEditFromHost(Strength), V3_OK);
+        EXPECT_EQ(editing->BeginEditFromHost(12345), V3_INVALID_ARG);
+    }
+    std::ifstream stored(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
+    const std::string file{std::istreambuf_iterator<char>(stored), {}};
+    EXPECT_NE(file.find("Strength: 7.0"), std::string::npos);
+    EXPECT_EQ(file.find("Strength: 6.0"), std::string::npos);
 }

@@ -191,6 +191,12 @@ bool HistoryLogic::StepForward()
     return selectedRow && SelectRow(*selectedRow + 1);
 }
 
+Util::Expected<HistoryModel> HistoryLogic::ReadFile(const String& path) const
+{
+    const std::array forms = {&DialogHistoryForm, &FrameworkHistoryForm};
+    return ReadHistoryFile(path, forms, delegate.GetStateVersion());
+}
+
 bool HistoryLogic::StoreSlot(uint32_t slot)
 {
     EnsureLoaded();
@@ -222,6 +228,19 @@ Util::Expected<void> HistoryLogic::Reset()
                                                           : stored.Remove();
 }
 
+Util::Expected<void> HistoryLogic::SetAside(const String& path) const
+{
+    const String aside = path + ".bak";
+    // Every instance that begins in a state of its own finds the file of another one, so that these
+    // would be more and more. A damaged file is rare, and may be all that somebody has.
+    if (ReadFile(path) && ReadFile(aside)) {
+        if (auto removed = Util::File(aside).Remove(); !removed) {
+            return removed;
+        }
+    }
+    return Util::SetFileAside(path, aside);
+}
+
 Util::Expected<void> HistoryLogic::Save()
 {
     const String path = GetPath();
@@ -234,7 +253,7 @@ Util::Expected<void> HistoryLogic::Save()
     const auto present = Util::GetFileIdentity(path);
     const bool mayBeTheOne = present == knownFile || !knownFile.isRegular;
     if (fileIsUnreadable && present.exists && mayBeTheOne) {
-        if (auto moved = Util::SetFileAside(path, path + ".bak"); !moved) {
+        if (auto moved = SetAside(path); !moved) {
             return moved;
         }
     }

@@ -25,9 +25,9 @@ public:
 /// What a history dialog does, apart from its looks: keeps the snapshots of an instance, steps
 /// through them, and keeps four of them in slots.
 ///
-/// The list outlives the dialog; it is read from its file when an editor opens, or at the first
-/// snapshot, and written back a while after its last change and by Flush(). All calls: [ui], under
-/// the UI lock.
+/// The list outlives the dialog; it is read from its file when an editor opens, or when the user
+/// first changes something, and written back a while after its last change and by Flush(). All
+/// calls: [ui], under the UI lock.
 class HistoryLogic final : public HistoryManager {
 public:
     /// Place in the list of depths that the user wants: 50, 100, 500, no limit.
@@ -42,9 +42,15 @@ public:
     // HistoryManager
     bool AddSnapshot(const String& label) override;
     void Flush() override;
-    void onEditorOpened() override { EnsureLoaded(); }
+    void onUserBegins() override { EnsureLoaded(); }
     void onStateChanged() override;
     void onIdle() override;
+    const HistoryModel& GetModel() const override { return model; }
+    std::optional<uint32_t> GetSelectedRow() const override { return selectedRow; }
+    bool SelectRow(uint32_t row) override;
+    bool StepBack() override;
+    bool StepForward() override;
+    Util::Expected<HistoryModel> ReadFile(const String& path) const override;
 
     /// Fills a list and keeps it filled; null when it goes. The view must outlive its stay here.
     void SetView(HistoryView* newView);
@@ -54,14 +60,6 @@ public:
     /// Gives the instance the state that a slot refers to. False when there is none, or it is no
     /// state. The list stays as it is.
     bool Restore(const std::optional<uint32_t>& slotRef);
-    /// Restores the snapshot of a row, which is then the selected one. A new snapshot takes the
-    /// place of all behind it.
-    bool SelectRow(uint32_t row);
-    /// To the row before or behind the selected one; false at the end of the list.
-    bool StepBack();
-    bool StepForward();
-    std::optional<uint32_t> GetSelectedRow() const { return selectedRow; }
-
     /// Slots are numbered from 0; false for one that there isn't, or with nothing to store or
     /// recall.
     bool StoreSlot(uint32_t slot);
@@ -72,10 +70,9 @@ public:
     Util::Expected<void> Reset();
 
     /// Writes the file. One that couldn't be read is kept under its name with ".bak" at the end, or
-    /// ".bak-2" and so on.
+    /// ".bak-2" and so on; a sound one, which only is of another state, in the place of the last
+    /// such.
     Util::Expected<void> Save();
-
-    const HistoryModel& GetModel() const { return model; }
 
 private:
     String GetPath() const;
@@ -85,6 +82,7 @@ private:
     void Rebuild();
     void FillView();
     void MarkUnsaved();
+    Util::Expected<void> SetAside(const String& path) const;
     bool IsFileStale();
 
     Util::HistoryDelegate& delegate;

@@ -3,17 +3,23 @@
 // of it, and which files it leaves.
 #include "frameworks/plugincore/instance/Plugin.h"
 
+#include "frameworks/plugincore/controller/GrabbedParamHandle.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
+#include "frameworks/qobase/util/TimeText.h"
 #include "restoration/plugin/Global.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "restoration/ui/dialog/historyfile/HistoryLogic.h"
 #include "tests/frameworks/plugincore/instance/TestDefinition.h"
+#include "tests/frameworks/plugincore/instance/TestHistory.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -42,7 +48,12 @@ public:
     {
         return LMPuffguard::GetPluginFactory().CreateTransform(host, rate, layout);
     }
+    std::unique_ptr<HistoryManager> CreateHistory(Plugin& /*plugin*/) const override
+    {
+        return std::make_unique<TestHistory>([this] { ++changes; });
+    }
     TestDefinition definition{"Short"};
+    mutable std::atomic<int> changes{0};
 };
 
 class PluginHistoryTest : public testing::Test {
@@ -73,6 +84,54 @@ protected:
     {
         plugin.SetAutomatableParam(Side::UI, {Sensitivity, value});
         EXPECT_TRUE(plugin.GetHistory()->AddSnapshot("Sensitivity"));
+    }
+    template <typename Record>
+    static uint32_t Send(Plugin& plugin, uint32_t message, Record& record)
+    {
+        return plugin.HostMessage(Side::UI, {message, sizeof record, &record});
+    }
+    static HistoryRecord Do(Plugin& plugin, int32_t op, uint32_t index = 0, const char* path = "")
+    {
+        HistoryRecord record{};
+        record.op = op;
+        record.index = index;
+        record.path = path;
+        EXPECT_EQ(Send(plugin, PLUGIN_CORE_MESSAGE_HISTORY, record), PluginCoreSuccess);
+        EXPECT_EQ(record.failed != 0, record.message[0] != 0);
+        return record;
+    }
+    static std::string TextOf(const HistoryRecord& record) { return &record.text[0]; }
+    static std::string MessageOf(const HistoryRecord& record) { return &record.message[0]; }
+    static void ApplyPreset(Plugin& plugin, const char* name)
+    {
+        PresetRecord record{};
+        record.op = PresetOpApply;
+        record.name = name;
+        EXPECT_EQ(Send(plugin, PLUGIN_CORE_MESSAGE_PRESET, record), PluginCoreSuccess);
+        EXPECT_EQ(record.failed, 0) << &record.message[0];
+    }
+    static void Gesture(Plugin& plugin, PluginCoreParamEvent kind, uint32_t index, float value = 0)
+    {
+        ParamEventRecord event{kind, index, value};
+        EXPECT_EQ(Send(plugin, PLUGIN_CORE_MESSAGE_GESTURE, event), PluginCoreSuccess);
+    }
+    template <typename Param>
+    static Param& Control(const Plugin& plugin, const char* path)
+    {
+        return *std::any_cast<Param*>(plugin.GetSet().ValueForKeyPath(path));
+    }
+    // What was done, oldest first, of what the message lists.
+    static std::vector<std::string> Texts(Plugin& plugin, uint32_t count)
+    {
+        std::vector<std::string> texts;
+        for (uint32_t index = 0; index < count; ++index) {
+            texts.push_back(TextOf(Do(plugin, HistoryOpDescribe, index)));
+        }
+        return texts;
+    }
+    static std::vector<std::string> Texts(Plugin& plugin)
+    {
+        return Texts(plugin, Do(plugin, HistoryOpList).count);
     }
     std::string FileNamed(const std::string& name) const { return user.Home() / ("data/" + name); }
 
@@ -180,6 +239,113 @@ TEST_F(PluginHistoryTest, ARendererOfFilesLeavesNone)
     EXPECT_EQ(model.snapshots.size(), 1U);
     plugin->Terminate();
     EXPECT_FALSE(std::filesystem::exists(FileNamed("")));
+}
+
+TEST_F(PluginHistoryTest, WhatTheUserFinishesBecomesAStepWithoutAnEditor)
+{
+    const String before = Util::GetPresentTimeText();
+    auto plugin = Make();
+    auto& sensitivity = Control<Controller::FloatParam>(*plugin, "PuffGuard.Sensitivity");
+    sensitivity.SetValue(6.5F);
+    sensitivity.SetValue(6.5F); // changes nothing
+    {
+        const Controller::GrabbedParamHandle<float> drag(sensitivity);
+        sensitivity.SetValue(7.0F);
+        Control<Controller::FloatParam>(*plugin, "PuffGuard.Strength").SetValue(2.0F); // linked
+        sensitivity.SetValue(8.0F);
+    }
+    Control<Controller::FloatParam>(*plugin, "PuffGuard.Upper Repair Frequency").SetValue(239.6F);
+    Control<Controller::BoolParam>(*plugin, "Global.Global Bypass").SetValue(true); // in no state
+    ApplyPreset(*plugin, "Factory settings");
+    Do(*plugin, HistoryOpResetAll); // there is nothing to reset
+    sensitivity.SetValue(1.0F);
+    Do(*plugin, HistoryOpResetAll);
+    EXPECT_EQ(Texts(*plugin),
+              (std::vector<std::string>{"Initial State",
+                                        "Sensitivity: 6.5",
+                                        "Sensitivity: 8.0",
+                                        "Upper Repair Frequency: 240",
+                                        "Preset: Factory settings",
+                                        "Sensitivity: 1.0",
+                                        "Reset All"}));
+    const HistoryRecord last = Do(*plugin, HistoryOpDescribe, 6);
+    EXPECT_EQ(last.isSelected, 1);
+    EXPECT_GE(String(&last.time[0]), before);
+    EXPECT_LE(String(&last.time[0]), Util::GetPresentTimeText());
+
+    EXPECT_EQ(TextOf(Do(*plugin, HistoryOpUndo)), "Sensitivity: 1.0");
+    EXPECT_EQ(sensitivity.GetValue(), 1.0F);
+    Do(*plugin, HistoryOpGoTo, 0);
+    EXPECT_EQ(sensitivity.GetValue(), 5.0F); // as it was before the first of them
+    EXPECT_EQ(Do(*plugin, HistoryOpUndo).failed, 1);
+    Do(*plugin, HistoryOpRedo);
+    EXPECT_EQ(sensitivity.GetValue(), 6.5F);
+    sensitivity.SetValue(2.0F);
+    EXPECT_EQ(Do(*plugin, HistoryOpRedo).failed, 1);
+    plugin.reset();
+
+    auto other = Make();
+    const std::string file = FileNamed("Norvane/LM6Pfgd/QoLM6Pfgd.hst");
+    const HistoryRecord opened = Do(*other, HistoryOpOpen, 0, file.c_str());
+    EXPECT_EQ(Texts(*other, opened.count),
+              (std::vector<std::string>{"Initial State", "Sensitivity: 6.5", "Sensitivity: 2.0"}));
+    Do(*other, HistoryOpGoTo, 1);
+    EXPECT_NEAR(Get(*other), 0.65F, 1e-6F);
+    std::ofstream(file, std::ios::app) << "what stands behind";
+    EXPECT_EQ(
+        MessageOf(Do(*other, HistoryOpOpen, 0, file.c_str())),
+        "The file " + file +
+            " is not a history that can be read. (Encountered unknown tag 1952540791 at byte " +
+            std::to_string(std::filesystem::file_size(file) - 18) + ")");
+}
+
+TEST_F(PluginHistoryTest, ATouchInTheHostsOwnViewIsAStep)
+{
+    auto plugin = Make();
+    Gesture(*plugin, ParamEventGestureBegins, Sensitivity, 0.5F);
+    for (const float value : {0.6F, 0.7F, 0.8F}) {
+        plugin->SetAutomatableParam(Side::UI, {Sensitivity, value});
+    }
+    EXPECT_EQ(Texts(*plugin).size(), 1U); // it is still held
+    Gesture(*plugin, ParamEventGestureEnds, Sensitivity);
+    plugin->SetAutomatableParam(Side::UI, {Strength, 0.1F}); // automation
+    Gesture(*plugin, ParamEventGestureBegins, Strength, 0.1F);
+    Gesture(*plugin, ParamEventGestureEnds, Strength);
+    // By way of the audio, which is late.
+    plugin->Initialize();
+    {
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        plugin->SetAutomatableParam(Side::Process, {Strength, 0.2F});
+    }
+    for (size_t steps = 0; steps < 3; std::this_thread::yield()) { // the test's limit ends it
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        steps = plugin->GetHistory()->GetModel().snapshots.size();
+    }
+    EXPECT_EQ(Texts(*plugin),
+              (std::vector<std::string>{"Initial State", "Sensitivity: 8.0", "Strength: 2.0"}));
+    ParamEventRecord unknown{ParamEventGestureBegins, 4, 0};
+    EXPECT_EQ(Send(*plugin, PLUGIN_CORE_MESSAGE_GESTURE, unknown), PluginCoreUnsupported);
+    unknown = {ParamEventValueChanged, 0, 0};
+    EXPECT_EQ(Send(*plugin, PLUGIN_CORE_MESSAGE_GESTURE, unknown), PluginCoreUnsupported);
+}
+
+TEST_F(PluginHistoryTest, EveryChangeOfTheStateReachesTheHistory)
+{
+    SessionFactory factory;
+    factory.definition.timerPeriod = 1;
+    auto plugin = Make(factory);
+    plugin->SetAutomatableParam(Side::UI, {Sensitivity, 0.25F});
+    EXPECT_EQ(factory.changes, 1);
+    plugin->SetAutomatableParam(Side::UI, {Sensitivity, 0.25F});
+    EXPECT_EQ(factory.changes, 1);
+    ApplyPreset(*plugin, "Factory settings");
+    EXPECT_EQ(factory.changes, 2);
+    plugin->SetAutomatableParam(Side::Process, {Sensitivity, 0.75F});
+    EXPECT_EQ(factory.changes, 2);
+    plugin->Initialize();
+    while (factory.changes < 3) { // the tick does it; the test's limit ends it
+        std::this_thread::yield();
+    }
 }
 
 TEST_F(PluginHistoryTest, TheInstancesOwnFileIsNamedByItsSession)

@@ -7,6 +7,7 @@
 #include "restoration/plugin/LMDSPSet.h"
 #include "tests/frameworks/plugincore/instance/TestDefinition.h"
 #include "tests/frameworks/plugincore/instance/TestEditor.h"
+#include "tests/frameworks/plugincore/instance/TestHistory.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -158,22 +159,6 @@ private:
     std::string& events;
 };
 
-class CountingHistory final : public HistoryManager {
-public:
-    explicit CountingHistory(std::string& newEvents)
-        : events(newEvents)
-    {
-    }
-    bool AddSnapshot(const String& /*label*/) override { return true; }
-    void Flush() override {}
-    void onEditorOpened() override {}
-    void onStateChanged() override { events += "history "; }
-    void onIdle() override {}
-
-private:
-    std::string& events;
-};
-
 class Factory final : public PluginFactory {
 public:
     const PluginDefinition& GetDefinition() const override { return definition; }
@@ -186,7 +171,7 @@ public:
     }
     std::unique_ptr<HistoryManager> CreateHistory(Plugin& /*plugin*/) const override
     {
-        return std::make_unique<CountingHistory>(events);
+        return std::make_unique<TestHistory>([this] { events += "history "; });
     }
 
     TestDefinition definition{"Plugin"};

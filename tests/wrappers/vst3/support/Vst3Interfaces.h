@@ -134,4 +134,14 @@ public:
     virtual IValueQueue* AddQueue(const uint32_t* id, int32_t* index) = 0;
 };
 
+/// What the user does in a view of the host's own.
+class IHostEditing : public IUnknown {
+public:
+    virtual int32_t BeginEditFromHost(uint32_t id) = 0;
+    virtual int32_t EndEditFromHost(uint32_t id) = 0;
+
+protected:
+    ~IHostEditing() = default;
+};
+
 } // namespace Vst3Host

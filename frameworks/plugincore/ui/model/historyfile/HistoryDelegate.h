@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/qobase/util/Bytes.h"
 #include "frameworks/qobase/util/Expected.h"
 
 #include <cstdint>
@@ -23,6 +24,8 @@ public:
     virtual uint32_t GetStateVersion() const = 0;
     /// Fills `buffer` with the state; false when that doesn't take exactly `size` bytes.
     virtual bool GetState(uint32_t size, void* buffer) = 0;
+    /// Adds to a state that GetState() has given when that was; it's as good a state as before.
+    virtual void AddTime(Bytes& /*state*/) {}
     /// False, and nothing changed, when the bytes are no state.
     virtual bool SetState(uint32_t size, const void* buffer, uint32_t version) = 0;
     /// As GetState(), in the form that states are compared in.

@@ -5,6 +5,8 @@
 #include "frameworks/plugincore/ui/model/historyfile/HistoryModel.h"
 #include "frameworks/qobase/util/DataStream.h"
 
+#include <span>
+
 /// What distinguishes the forms of the file.
 struct HistoryFileForm {
     uint32_t magic;           ///< the file's first word
@@ -17,7 +19,7 @@ struct HistoryFileForm {
 /// The form of the instance's own file.
 extern const HistoryFileForm FrameworkHistoryForm;
 
-/// The state of now; empty when it can't be had.
+/// The state of now, with the time; empty when it can't be had.
 std::optional<Snapshot> TakeSnapshot(Util::HistoryDelegate& delegate, const String& label);
 
 /// Keeps an undo history in a file. All numbers little-endian, 32 bits unless stated otherwise:
@@ -57,10 +59,20 @@ private:
     enum class Outcome { Complete, Dropped };
 
     Outcome ReadHeader(Util::DataStream& stream) const;
-    Outcome ReadRecords(Util::DataStream& stream, HistoryModel& model) const;
-    std::optional<Snapshot> ReadSnapshot(Util::DataStream& stream) const;
     void Write(Util::DataStream& stream, const HistoryModel& model) const;
 
     const HistoryFileForm& form;
     Util::HistoryDelegate& delegate;
 };
+
+struct HistoryErrorKind;
+
+/// Why a file can't be listed.
+using HistoryError = Util::BasicError<HistoryErrorKind>;
+
+/// What a file of one of these forms holds, whatever the size of the state that it was written
+/// beside: for looking at it, not for going on with it. A damaged one is a failure, and so is one
+/// of another version. [ui]
+Util::Expected<HistoryModel> ReadHistoryFile(const String& path,
+                                             std::span<const HistoryFileForm* const> forms,
+                                             uint32_t stateVersion);

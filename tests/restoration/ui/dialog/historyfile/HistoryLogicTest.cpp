@@ -141,7 +141,7 @@ TEST_F(HistoryLogicTest, AFullListLosesItsOldestAndSlotsFollow)
         SCOPED_TRACE(limits[depthIndex]);
         std::filesystem::remove(folder / "QoTest.hst");
         Begin();
-        logic->onEditorOpened();
+        logic->onUserBegins();
         ASSERT_TRUE(logic->StoreSlot(0)); // the initial state
         Add(1);
         ASSERT_TRUE(logic->StoreSlot(2));
@@ -187,7 +187,7 @@ TEST_F(HistoryLogicTest, TheListOutlivesTheInstance)
     instance.state.resize(4); // changed since, and no snapshot: the file goes with the state
     logic->Flush();
     Begin();
-    logic->onEditorOpened();
+    logic->onUserBegins();
     EXPECT_EQ(Rows(), (Labels{"Initial State", "5", std::string(200000, 'x')}));
     EXPECT_TRUE(logic->RecallSlot(3));
     EXPECT_EQ(instance.state[0], 5);
@@ -203,7 +203,7 @@ TEST_F(HistoryLogicTest, AnInstanceWithoutSnapshotsLeavesTheFileToAnother)
         }
         other.state = instance.state;
         HistoryLogic idle(other, "Test", [] { return 1U; });
-        idle.onEditorOpened();
+        idle.onUserBegins();
         Add(5);
         logic->Flush();
         const Util::Bytes written = *Util::ReadWholeFile(folder / "QoTest.hst");
@@ -214,7 +214,7 @@ TEST_F(HistoryLogicTest, AnInstanceWithoutSnapshotsLeavesTheFileToAnother)
     }
     // One that isn't its own, and that it can't use, neither.
     HistoryLogic idle(other, "Test", [] { return 1U; });
-    idle.onEditorOpened();
+    idle.onUserBegins();
     other.state.push_back(9);
     idle.Flush();
     EXPECT_FALSE(HasFile("QoTest.hst.bak"));
@@ -231,7 +231,7 @@ TEST_F(HistoryLogicTest, AFileThatCannotBeUsedIsSetAsideAtTheNextSave)
         ASSERT_TRUE(Util::ReplaceWholeFile(folder / "QoTest.hst", stored));
         instance.state.resize(stored == cut ? 3 : 4); // of another size, but for the cut one
         Begin();
-        logic->onEditorOpened();
+        logic->onUserBegins();
         EXPECT_EQ(Rows(), Labels{"Initial State"});
         EXPECT_EQ(*Util::ReadWholeFile(folder / "QoTest.hst"), stored);
         Add(6);
@@ -240,15 +240,29 @@ TEST_F(HistoryLogicTest, AFileThatCannotBeUsedIsSetAsideAtTheNextSave)
         EXPECT_EQ(*Util::ReadWholeFile(aside), stored);
         aside = folder / (stored == whole ? "QoTest.hst.bak-2" : "QoTest.hst.bak-3");
         Begin();
-        logic->onEditorOpened();
+        logic->onUserBegins();
         EXPECT_EQ(Rows(), (Labels{"Initial State", "6"}));
     }
+}
+
+TEST_F(HistoryLogicTest, SoundFilesOfOtherStatesTakeOnePlaceAside)
+{
+    for (uint8_t size = 3; size < 8; ++size) {
+        instance.state.resize(size);
+        Begin();
+        Add(size);
+        logic->Flush();
+    }
+    EXPECT_FALSE(HasFile("QoTest.hst.bak-2"));
+    const auto aside = logic->ReadFile(folder / "QoTest.hst.bak");
+    ASSERT_TRUE(aside);
+    EXPECT_EQ(aside->snapshots.back().label, "6");
 }
 
 TEST_F(HistoryLogicTest, OnlyTheFileThatFailedIsSetAside)
 {
     ASSERT_TRUE(Util::ReplaceWholeFile(folder / "QoTest.hst", Util::Bytes{1, 2, 3, 4}));
-    logic->onEditorOpened();
+    logic->onUserBegins();
     HistoryLogic other(instance, "Test", [] { return 1U; });
     ASSERT_TRUE(other.AddSnapshot("other"));
     other.Flush();
@@ -278,7 +292,7 @@ TEST_F(HistoryLogicTest, WhatIsNoFileIsNeitherReadNorLost)
     // What can't even be looked at may be a good file again later.
     std::filesystem::create_symlink("QoTest.hst", path);
     Begin();
-    logic->onEditorOpened();
+    logic->onUserBegins();
     std::filesystem::remove(path);
     ASSERT_TRUE(Util::ReplaceWholeFile(path, Util::Bytes{1}));
     Add(5);
@@ -294,7 +308,7 @@ TEST_F(HistoryLogicTest, AFileThatMemoryDidNotSufficeForIsKept)
     const Util::Bytes whole = *Util::ReadWholeFile(folder / "QoTest.hst");
     Begin();
     instance.failures = 1;
-    EXPECT_THROW(logic->onEditorOpened(), std::bad_alloc);
+    EXPECT_THROW(logic->onUserBegins(), std::bad_alloc);
     Add(6);
     logic->Flush();
     ASSERT_TRUE(HasFile("QoTest.hst.bak"));

@@ -191,7 +191,7 @@ TEST(Presets, AreForTheUISideAndWholeRecords)
     EXPECT_EQ(send(Process, sizeof record, &record), PluginCoreUnsupported);
     EXPECT_EQ(send(UI, sizeof record - 1, &record), PluginCoreUnsupported);
     EXPECT_EQ(send(UI, sizeof record, nullptr), PluginCoreUnsupported);
-    record.op = 4;
+    record.op = 8;
     EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreUnsupported);
     record.op = PresetOpDescribe; // of a list that nobody asked for
     EXPECT_EQ(send(UI, sizeof record, &record), PluginCoreUnsupported);

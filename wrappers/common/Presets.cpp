@@ -108,9 +108,48 @@ Presets::Save(const std::string& name, const std::string& comment, Replace repla
     record.op = PresetOpSave;
     record.mayReplace = replace == Replace::Allow ? 1 : 0;
     record.name = name.c_str();
-    record.comment = comment.c_str();
+    record.comment = comment.empty() ? nullptr : comment.c_str();
     return Request(instance, {}, record, "save a preset") ? std::optional(MakeResult(record))
                                                           : std::nullopt;
+}
+
+std::optional<Preset> Presets::Import(const std::string& file)
+{
+    PresetRecord record = {};
+    record.op = PresetOpImport;
+    record.name = file.c_str();
+    return Request(instance, {}, record, "import a preset") ? std::optional(MakeResult(record))
+                                                            : std::nullopt;
+}
+
+std::optional<Presets::Question> Presets::AskToRemove(const std::string& name)
+{
+    PresetRecord record = {};
+    record.op = PresetOpRemove;
+    record.name = name.c_str();
+    if (!Request(instance, {}, record, "look for a preset")) {
+        return std::nullopt;
+    }
+    return Question{TextOf(record.message), MakeResult(record).problem};
+}
+
+std::optional<Preset> Presets::Remove(const std::string& name)
+{
+    PresetRecord record = {};
+    record.op = PresetOpRemove;
+    record.mayReplace = 1;
+    record.name = name.c_str();
+    return Request(instance, {}, record, "remove a preset") ? std::optional(MakeResult(record))
+                                                            : std::nullopt;
+}
+
+std::optional<Preset> Presets::SetFolder(const std::string& folder)
+{
+    PresetRecord record = {};
+    record.op = PresetOpSetFolder;
+    record.name = folder.c_str();
+    return Request(instance, {}, record, "take a preset folder") ? std::optional(MakeResult(record))
+                                                                 : std::nullopt;
 }
 
 } // namespace Wrapper

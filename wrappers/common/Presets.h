@@ -33,9 +33,23 @@ public:
     std::optional<std::vector<Preset>> List();
     /// Sets the instance by a preset's name or file.
     std::optional<Preset> Apply(const std::string& name);
-    /// Writes what the instance is set to, under a name or into a file; `path` is where.
+    /// Writes what the instance is set to, under a name or into a file; `path` is where. Without a
+    /// comment a preset that is replaced hands on its own.
     std::optional<Preset>
     Save(const std::string& name, const std::string& comment, Replace replace);
+    /// Copies a preset's file into the user's folder, as `name` in `path`.
+    std::optional<Preset> Import(const std::string& file);
+    /// What to ask the user before Remove(), or why there is nothing to be removed.
+    struct Question {
+        std::string text;
+        std::string problem; ///< empty when there is something
+    };
+    std::optional<Question> AskToRemove(const std::string& name);
+    /// Removes one of the user's presets for good; `path` is where it was.
+    std::optional<Preset> Remove(const std::string& name);
+    /// Makes it the folder of the user's presets, by their settings; empty for the usual one.
+    /// `path` is the folder.
+    std::optional<Preset> SetFolder(const std::string& folder);
 
 private:
     Instance& instance;

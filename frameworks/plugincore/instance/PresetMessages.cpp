@@ -138,14 +138,21 @@ std::optional<PresetEntry> FindNamed(const PresetManager& presets, const String&
     return entry ? entry : presets.Find(Util::Path::GetStem(text));
 }
 
+// Also by the name that it was to be saved under.
+std::optional<PresetEntry> FindListed(PresetManager& presets, const String& name)
+{
+    presets.Refresh();
+    const auto entry = FindNamed(presets, name);
+    return entry ? entry : presets.Find(Preset::MakeGoodName(name));
+}
+
 void Apply(PresetManager& presets, const String& name, PresetRecord& record)
 {
     if (IsPath(name) && Util::File(name).Exists()) {
         ApplyFile(presets, name, record);
         return;
     }
-    presets.Refresh();
-    const auto entry = FindNamed(presets, name);
+    const auto entry = FindListed(presets, name);
     if (!entry) {
         Fail(DescribeUnknownName(name, presets), record);
         return;
@@ -159,7 +166,8 @@ void Apply(PresetManager& presets, const String& name, PresetRecord& record)
 
 void Save(PresetManager& presets, const String& name, PresetRecord& record)
 {
-    const String comment = record.comment;
+    const auto comment =
+        record.comment != nullptr ? std::optional<String>(record.comment) : std::nullopt;
     const auto existing =
         record.mayReplace != 0 ? Preset::Existing::Replace : Preset::Existing::Keep;
     Util::Expected<String> saved = name;
@@ -173,6 +181,41 @@ void Save(PresetManager& presets, const String& name, PresetRecord& record)
         CopyText(record.path, *saved);
     } else {
         Fail(Describe(name, saved.GetError()), record);
+    }
+}
+
+void Remove(PresetManager& presets, const String& name, PresetRecord& record)
+{
+    const auto entry = FindListed(presets, name);
+    if (!entry) {
+        Fail(DescribeUnknownName(name, presets), record);
+        return;
+    }
+    Show(*entry, record);
+    CopyText(record.message, {});
+    if (record.mayReplace == 0) {
+        CopyText(record.message, Preset::Texts::RemoveQuestion(entry->name));
+    } else if (const auto removed = presets.Remove(*entry); !removed) {
+        Fail(removed.GetDescription(), record);
+    }
+}
+
+void Import(PresetManager& presets, const String& path, PresetRecord& record)
+{
+    if (const auto imported = presets.Import(path); !imported) {
+        Fail(Describe(path, imported.GetError()), record);
+    } else if (const auto entry = presets.Find(*imported)) {
+        Show(*entry, record);
+        CopyText(record.message, {});
+    }
+}
+
+void SetFolder(PresetManager& presets, const String& path, PresetRecord& record)
+{
+    if (const auto chosen = presets.ChooseFolder(path); !chosen) {
+        Fail(Describe(path, chosen.GetError()), record);
+    } else {
+        CopyText(record.path, *chosen);
     }
 }
 
@@ -193,21 +236,21 @@ bool PresetMessages::MakeManager()
         return false;
     }
     const PluginDefinition& product = setup.product;
-    manager = std::make_unique<PresetManager>(
-        PresetManager::Setup{{product.GetPresetId(),
-                              product.GetStateVersion(),
-                              product.GetVersionNumber(),
-                              product.GetBuildNumber()},
-                             GetDefaultPresetFolder(product),
-                             GetFactoryPresetFolder(product, setup.modulePath),
-                             setup.settings,
-                             setup.keepsSettings,
-                             *interface,
-                             *metadata,
-                             [this](const String& /*name*/) {
-                                 setup.onApplied();
-                                 GestureReport::UserAction(setup.gestures).MarkChanged();
-                             }});
+    manager = std::make_unique<PresetManager>(PresetManager::Setup{
+        {product.GetPresetId(),
+         product.GetStateVersion(),
+         product.GetVersionNumber(),
+         product.GetBuildNumber()},
+        GetDefaultPresetFolder(product),
+        GetFactoryPresetFolder(product, setup.modulePath),
+        setup.settings,
+        setup.keepsSettings,
+        *interface,
+        *metadata,
+        [this](const String& name) {
+            setup.onApplied();
+            GestureReport::UserAction(setup.gestures, "Preset: " + name).MarkChanged();
+        }});
     return true;
 }
 
@@ -239,6 +282,22 @@ uint32_t PresetMessages::Answer(PresetRecord& record)
     case PresetOpSave:
         setup.state.LoadPending();
         Save(*manager, name, record);
+        return PluginCoreSuccess;
+    case PresetOpRemove:
+        Remove(*manager, name, record);
+        return PluginCoreSuccess;
+    case PresetOpImport:
+        Import(*manager, name, record);
+        return PluginCoreSuccess;
+    case PresetOpGetFolder:
+        CopyText(record.path, manager->GetFolder().Get());
+        return PluginCoreSuccess;
+    case PresetOpSetFolder:
+        if (setup.keepsSettings) {
+            SetFolder(*manager, name, record);
+        } else {
+            Fail("An instance for files changes no settings.", record);
+        }
         return PluginCoreSuccess;
     default:
         return PluginCoreUnsupported;

@@ -195,4 +195,59 @@ TEST_F(CommandPresets, TargetsThatAreNoFiles)
     ExpectRefusal({"--state-out", "/dev/full"}, 1, "No space left on device");
 }
 
+TEST_F(CommandPresets, AreImportedRemovedAndKeptInAFolderOfTheUsersChoice)
+{
+    Say({"--strength", "7.5", "--save-preset", preset, "--comment", "Anna"});
+    const std::string copy = std::filesystem::path(preset).stem();
+    EXPECT_NE(Say({"--import-preset", preset}).find("preset -> "), std::string::npos);
+    EXPECT_EQ(Find(copy)["comment"], "Anna");
+    Say({"--strength", "2", "--save-preset", copy, "--force"}); // keeps the comment
+    EXPECT_EQ(Find(copy)["comment"], "Anna");
+    WriteBytes(folder / "bad.xml", "no preset");
+    ExpectRefusal({"--import-preset", folder / "bad.xml"},
+                  1,
+                  "Preset Import Failed: The file " + (folder / "bad.xml") +
+                      " is not a valid preset file.");
+
+    const std::string question =
+        "Remove Preset: Are you sure you want to remove '" + copy + "'? [y/N] ";
+    const Outcome kept = RunPuffguard({"--remove-preset", copy}, {.input = "n\n"});
+    EXPECT_EQ(kept.exitCode, 1);
+    EXPECT_TRUE(kept.err.starts_with(question)) << kept.err;
+    EXPECT_TRUE(Find(copy).is_object());
+    EXPECT_EQ(RunPuffguard({"--remove-preset", copy}, {.input = "y\n"}).exitCode, 0);
+    EXPECT_FALSE(Find(copy).is_object());
+    ExpectRefusal({"--remove-preset", copy, "--force"}, 1, "There is no preset \"" + copy + "\"");
+    ExpectRefusal({"--remove-preset", "Strong", "--force"},
+                  1,
+                  "Remove Preset: Error removing preset Strong: it is read-only.");
+
+    const std::string team = folder / "team";
+    EXPECT_EQ(Say({"--preset-folder", team}), "presets -> " + team + "/\n");
+    Say({"--save-preset", "Ours"});
+    EXPECT_TRUE(std::filesystem::exists(team + "/Ours.xml"));
+    ExpectRefusal({"--preset-folder", "/proc/none"}, 1, "Choose a preset folder: ");
+    EXPECT_TRUE(Find("Ours").is_object());
+    Say({"--preset-folder", "default"});
+    EXPECT_FALSE(Find("Ours").is_object());
+}
+
+TEST_F(CommandPresets, AnUndoHistoryIsListedWithTimesTextsAndValues)
+{
+    const std::string file = RELEASE_FILES "/6.0.0/history.hst";
+    const Json steps = Json::parse(Say({"--history", file, "--json"}))["history"];
+    ASSERT_EQ(steps.size(), 2U);
+    EXPECT_EQ(steps[0]["text"], "Initial state");
+    EXPECT_EQ(steps[0]["values"]["strength"], 5.0);
+    EXPECT_EQ(steps[0]["time"], nullptr); // that version wrote none
+    EXPECT_EQ(steps[1]["slots"], Json::array({3}));
+    EXPECT_NE(steps[1]["values"], steps[0]["values"]);
+    const std::string table = Say({"--history", file});
+    EXPECT_TRUE(table.starts_with("TIME  TEXT")) << table;
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 3);
+    ExpectRefusal(
+        {"--history", input}, 1, "is not a history that can be read. (Invalid magic number");
+    ExpectRefusal({"--history", folder / "none.hst"}, 1, "none.hst");
+}
+
 } // namespace

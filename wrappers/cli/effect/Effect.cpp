@@ -2,6 +2,7 @@
 #include "wrappers/cli/effect/Effect.h"
 
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/common/History.h"
 #include "wrappers/common/Presets.h"
 
 #include <fmt/format.h>
@@ -31,9 +32,7 @@ Effect::Effect(std::shared_ptr<const Wrapper::Module> module,
     , parameters(*Granted(Wrapper::ElementParameters::Read(*instance)))
     , detections(*instance)
 {
-    for (const Control& control : ControlTable) {
-        SetToDefault(control.parameter);
-    }
+    SetControlsToDefaults();
     SetToDefault(Wrapper::BypassIdentifier);
     if (!settings.state.empty() && !LoadState(settings.state)) {
         throw ModuleError("the module refuses the settings that it gave itself");
@@ -81,6 +80,13 @@ void Effect::SetToDefault(std::string_view identifier)
 {
     const uint32_t index = FindParam(identifier);
     SetParam(index, parameters.GetList()[index].defaultValue);
+}
+
+void Effect::SetControlsToDefaults()
+{
+    for (const Control& control : ControlTable) {
+        SetToDefault(control.parameter);
+    }
 }
 
 void Effect::SetAll(float normalised)
@@ -160,6 +166,44 @@ Effect::SavePreset(const std::string& name, const std::string& comment, Overwrit
 std::vector<Wrapper::Preset> Effect::ListPresets()
 {
     return *Granted(Wrapper::Presets(*instance).List());
+}
+
+std::string Effect::ImportPreset(const std::string& file)
+{
+    return Usable(*Granted(Wrapper::Presets(*instance).Import(file))).path;
+}
+
+std::string Effect::AskToRemovePreset(const std::string& name)
+{
+    const auto question = *Granted(Wrapper::Presets(*instance).AskToRemove(name));
+    if (!question.problem.empty()) {
+        throw FileError(question.problem);
+    }
+    return question.text;
+}
+
+std::string Effect::RemovePreset(const std::string& name)
+{
+    return Usable(*Granted(Wrapper::Presets(*instance).Remove(name))).path;
+}
+
+std::vector<HistoryStep> Effect::ReadHistory(const std::string& file)
+{
+    Wrapper::History history(*instance);
+    const Wrapper::History::File opened = *Granted(history.Open(file));
+    if (!opened.problem.empty()) {
+        throw FileError(opened.problem);
+    }
+    std::vector<HistoryStep> steps;
+    for (const Wrapper::HistoryStep& step : opened.steps) {
+        SetControlsToDefaults(); // for what the step doesn't hold
+        steps.push_back({step, std::nullopt});
+        if (*Granted(history.GoTo(static_cast<uint32_t>(steps.size() - 1)))) {
+            Choose({});
+            steps.back().values = controls.values;
+        }
+    }
+    return steps;
 }
 
 void Effect::Process(float** channels, uint32_t frames)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wrappers/cli/effect/Controls.h"
+#include "wrappers/cli/effect/History.h"
 #include "wrappers/cli/effect/Module.h"
 #include "wrappers/cli/effect/Parameters.h"
 #include "wrappers/cli/files/OutputFile.h"
@@ -61,6 +62,20 @@ public:
     /// Throws ModuleError.
     std::vector<Wrapper::Preset> ListPresets();
 
+    /// Copies a preset's file into the user's folder, and returns the copy's place. Throws
+    /// FileError and ModuleError, as the next does.
+    std::string ImportPreset(const std::string& file);
+
+    /// What to ask before RemovePreset().
+    std::string AskToRemovePreset(const std::string& name);
+
+    /// Removes one of the user's presets for good, and returns where it was.
+    std::string RemovePreset(const std::string& name);
+
+    /// The steps of an undo history's file, oldest first, each with the values of the controls. The
+    /// effect itself is set to the last of them. Throws FileError and ModuleError.
+    std::vector<HistoryStep> ReadHistory(const std::string& file);
+
     /// All parameters with their values. Throws ModuleError.
     std::vector<ParameterValue> ReadParameters() const;
 
@@ -93,6 +108,7 @@ private:
     uint32_t FindParam(std::string_view identifier) const;
     void SetParam(uint32_t index, double value);
     void SetToDefault(std::string_view identifier);
+    void SetControlsToDefaults();
     double ChooseOne(std::string_view identifier, std::optional<double> value);
     double ReadParam(uint32_t index) const;
 

@@ -16,11 +16,23 @@ struct SessionOptions {
     FileName stateOut;
     bool listsPresets = false;
     bool printsParams = false;
+    std::string importPreset; ///< a file; empty: none; so are the next three
+    std::string removePreset; ///< a name
+    std::string presetFolder; ///< a folder, or "default"
+    std::string history;      ///< a file
+
+    /// True when the command has something to do that has nothing to do with recordings, which is
+    /// then all that it does.
+    bool IsChore() const
+    {
+        return listsPresets || !importPreset.empty() || !removePreset.empty() ||
+               !presetFolder.empty() || !history.empty();
+    }
 
     /// True when there is something to do without any recording.
     bool IsTaskInItself() const
     {
-        return listsPresets || printsParams || !savePreset.IsEmpty() || !stateOut.IsEmpty();
+        return IsChore() || printsParams || !savePreset.IsEmpty() || !stateOut.IsEmpty();
     }
 
     /// True when the settings come from somewhere else than the command line alone, or go

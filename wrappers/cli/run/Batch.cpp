@@ -2,6 +2,7 @@
 #include "wrappers/cli/run/Batch.h"
 
 #include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/run/Chores.h"
 #include "wrappers/cli/run/FileJob.h"
 #include "wrappers/cli/run/OptionChecks.h"
 #include "wrappers/cli/run/PageIndex.h"
@@ -198,8 +199,8 @@ bool RunAll(const Options& options,
 
 int RunBatch(const Options& options)
 {
-    if (options.session.listsPresets) {
-        WriteText(1, ListPresets(LoadModule(), options.wantsJson));
+    if (options.session.IsChore()) {
+        WriteText(1, RunChore(options, LoadModule()));
         return AllDone;
     }
     const std::vector<Task> tasks = MakeTasks(options);

@@ -105,14 +105,37 @@ bool NeedsRecording(const Options& options)
            !options.plot.IsEmpty() || !options.page.IsEmpty();
 }
 
+std::vector<const char*> NameChores(const SessionOptions& session)
+{
+    std::vector<const char*> names;
+    const auto name = [&](bool isWanted, const char* option) {
+        if (isWanted) {
+            names.push_back(option);
+        }
+    };
+    name(session.listsPresets, "--list-presets");
+    name(!session.importPreset.empty(), "--import-preset");
+    name(!session.removePreset.empty(), "--remove-preset");
+    name(!session.presetFolder.empty(), "--preset-folder");
+    name(!session.history.empty(), "--history");
+    return names;
+}
+
 void CheckTask(const Options& options)
 {
     const SessionOptions& session = options.session;
     const bool hasOther = session.printsParams || !session.savePreset.IsEmpty() ||
                           !session.stateOut.IsEmpty() || !session.preset.empty() ||
                           !session.stateIn.IsEmpty();
-    Refuse(session.listsPresets && (!options.inputs.empty() || hasOther || NeedsRecording(options)),
-           "--list-presets stands alone, or with --json");
+    const std::vector<const char*> chores = NameChores(session);
+    if (!chores.empty()) {
+        const bool isList = session.listsPresets || !session.history.empty();
+        const bool hasMore = chores.size() > 1 || !options.inputs.empty() || hasOther ||
+                             (options.wantsJson && !isList);
+        Refuse(hasMore || NeedsRecording(options),
+               (std::string(chores.front()) + " stands alone" + (isList ? ", or with --json" : ""))
+                   .c_str());
+    }
     Refuse(options.inputs.empty() && (!session.IsTaskInItself() || NeedsRecording(options)),
            "no input; puffguard --help shows how");
 }

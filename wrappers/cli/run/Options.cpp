@@ -99,7 +99,7 @@ void AddFileOptions(CLI::App& app, Options& options, Typed& typed)
         ->type_name("DIR");
     app.add_flag("--in-place", options.isInPlace, "Put each result in its input's place");
     app.add_flag("-r,--recursive", options.isRecursive, "Take the recordings inside folders");
-    app.add_flag("-f,--force", typed.force, "Overwrite results that are there already");
+    app.add_flag("-f,--force", typed.force, "Overwrite what is there already; ask nothing");
     app.add_option("--format", typed.container, "Container of the result: wav, flac, aiff, ...")
         ->type_name("NAME");
     app.add_option("--subtype", typed.subtype, "Sample format: pcm_16, pcm_24, float, ...")
@@ -142,6 +142,14 @@ void AddSessionOptions(CLI::App& app, SessionOptions& session)
     app.add_option("--save-preset", session.savePreset, "Save the controls as a preset")
         ->type_name("NAME|FILE");
     app.add_option("--comment", session.comment, "Comment in the saved preset")->type_name("TEXT");
+    app.add_option("--import-preset", session.importPreset, "Copy it to your presets and exit")
+        ->type_name("FILE");
+    app.add_option("--remove-preset", session.removePreset, "Remove one of your presets and exit")
+        ->type_name("NAME");
+    app.add_option("--preset-folder", session.presetFolder, "Keep your presets here and exit")
+        ->type_name("DIR|default");
+    app.add_option("--history", session.history, "List an undo history and exit")
+        ->type_name("FILE.hst");
     app.add_option("--state-in", session.stateIn, "Start from this session, before any preset")
         ->type_name("FILE");
     app.add_option("--state-out", session.stateOut, "Save the session")->type_name("FILE");

@@ -2,7 +2,6 @@
 #include "wrappers/cli/run/Session.h"
 
 #include "wrappers/cli/effect/Effect.h"
-#include "wrappers/cli/effect/Presets.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/files/OutputFile.h"
 #include "wrappers/cli/files/StateFile.h"
@@ -147,12 +146,6 @@ Session MakeSession(const Options& options, const SharedModule& module)
     }
     Save(*effect, options, session);
     return session;
-}
-
-std::string ListPresets(const SharedModule& module, bool asJson)
-{
-    const std::vector<Wrapper::Preset> presets = MakeEffect(module)->ListPresets();
-    return asJson ? PresetJson(presets) : PresetTable(presets);
 }
 
 } // namespace Cli

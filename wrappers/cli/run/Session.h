@@ -32,7 +32,4 @@ struct Session {
 /// written, ModuleError.
 Session MakeSession(const Options& options, const std::shared_ptr<const Wrapper::Module>& module);
 
-/// All presets that the module knows, as a table or as JSON. Throws ModuleError.
-std::string ListPresets(const std::shared_ptr<const Wrapper::Module>& module, bool asJson);
-
 } // namespace Cli

@@ -74,14 +74,14 @@ void PresetManager::ListFolder(const String& path, PresetGroup group)
         return;
     }
     for (const String& file : Util::Path::ListFiles(path, ".xml")) {
-        PresetEntry entry{Util::Path::GetStem(file), file, group, {}, {}, {}};
-        if (auto head = ReadPresetHead(file)) {
-            entry.fault = GetFaultOfHead(*head);
-            entry.metadata = std::move(head->metadata);
-        } else {
-            entry.fault = Texts::InvalidPreset;
-        }
-        entries.push_back(std::move(entry));
+        LmPresetFile preset = MakeFile();
+        const auto loaded = Load(preset, file, Naming::Entry); // whole: a fault may be anywhere
+        entries.push_back({Util::Path::GetStem(file),
+                           file,
+                           group,
+                           preset.GetHeadRead().metadata,
+                           loaded ? String("") : loaded.GetDescription(),
+                           {}});
     }
     std::vector<std::pair<String, PresetEntry>> sorted;
     for (auto entry = entries.begin() + first; entry != entries.end(); ++entry) {
@@ -93,23 +93,6 @@ void PresetManager::ListFolder(const String& path, PresetGroup group)
     std::transform(sorted.begin(), sorted.end(), entries.begin() + first, [](auto& entry) {
         return std::move(entry.second);
     });
-}
-
-String PresetManager::GetFaultOfHead(const PresetHead& head) const
-{
-    const LmPresetFile rules = MakeFile();
-    if (!rules.IsTypeValid(head.type) || head.xmlVersion != "1.0") {
-        return Texts::InvalidPreset;
-    }
-    const auto match = rules.CompareVersion(head);
-    if (match == VersionMatch::Same) {
-        return "";
-    }
-    if (!match) {
-        return Texts::InvalidPreset;
-    }
-    return Texts::DescribeEntryFault(match == VersionMatch::Newer ? FileFault::Newer
-                                                                  : FileFault::Earlier);
 }
 
 std::optional<PresetEntry> PresetManager::Find(const String& name) const
@@ -137,7 +120,8 @@ String PresetManager::MakeFreeName(const String& wanted, const std::vector<Strin
     const String base = wanted.IsEmpty() ? String(Texts::NewPreset) : wanted;
     const auto isTaken = [&](const String& name) {
         const String folded = name.ToLower();
-        return std::any_of(entries.begin(),
+        return IsReserved(name) ||
+               std::any_of(entries.begin(),
                            entries.end(),
                            [&](const PresetEntry& entry) {
                                return entry.group != PresetGroup::Factory &&

@@ -11,6 +11,7 @@
 namespace Preset {
 namespace {
 
+constexpr const char* FolderKey = "PresetFolder";
 constexpr const char* LastActiveKey = "PresetLastActive";
 constexpr const char* LastFolderKey = "PluginPresets/LastFolder";
 constexpr const char* ShowAtStartupKey = "PresetShowAtStartup";
@@ -58,6 +59,13 @@ String FindFile(const String& userFolder, const String& name)
         }
     }
     return similar;
+}
+
+// Empty for a file that can't be read, or isn't there.
+String ReadComment(const String& path)
+{
+    PresetMetadata metadata;
+    return metadata.ReadFromFile(path) ? metadata.GetComment() : String("");
 }
 
 bool IsFileReadOnly(const String& path)
@@ -111,6 +119,19 @@ Util::Expected<void> PresetManager::LoadAndSet(const String& path, Naming naming
 
 Util::Expected<void> PresetManager::Apply(const PresetEntry& entry)
 {
+    auto applied = ApplyValues(entry);
+    if (!applied && !entry.path.IsEmpty()) {
+        for (PresetEntry& listed : entries) {
+            if (listed.path == entry.path) {
+                listed.fault = applied.GetDescription();
+            }
+        }
+    }
+    return applied;
+}
+
+Util::Expected<void> PresetManager::ApplyValues(const PresetEntry& entry)
+{
     if (entry.group != PresetGroup::BuiltIn) {
         return LoadAndSet(entry.path, Naming::Entry);
     }
@@ -160,7 +181,7 @@ PresetManager::CreateUnderFreeName(const String& userFolder, const String& wante
 }
 
 Util::Expected<String>
-PresetManager::Save(const String& name, const String& comment, Existing existing)
+PresetManager::Save(const String& name, const std::optional<String>& comment, Existing existing)
 {
     if (!name.IsEmpty()) {
         if (auto allowed = CheckName(name); !allowed) {
@@ -176,8 +197,9 @@ PresetManager::Save(const String& name, const String& comment, Existing existing
             return Write(path, comment, Existing::Keep);
         });
     }
-    const String found = FindFile(*prepared, name);
-    const String path = found.IsEmpty() ? *prepared + name + ".xml" : found;
+    const String goodName = MakeGoodName(name);
+    const String found = FindFile(*prepared, goodName);
+    const String path = found.IsEmpty() ? *prepared + goodName + ".xml" : found;
     if (auto saved = SaveFile(path, comment, existing); !saved) {
         return saved.GetError();
     }
@@ -185,7 +207,7 @@ PresetManager::Save(const String& name, const String& comment, Existing existing
 }
 
 Util::Expected<void>
-PresetManager::SaveFile(const String& path, const String& comment, Existing existing)
+PresetManager::SaveFile(const String& path, const std::optional<String>& comment, Existing existing)
 {
     if (IsFileReadOnly(path)) {
         return ManagerError("The preset " + path + " is read-only.");
@@ -194,14 +216,20 @@ PresetManager::SaveFile(const String& path, const String& comment, Existing exis
     if (!written) {
         return written.GetError();
     }
-    return *written ? Util::Expected<void>() : ManagerError(Texts::ExistsAlready(path));
+    if (!*written) {
+        return ManagerError(Texts::ExistsAlready(path));
+    }
+    if (!entries.empty()) {
+        Refresh();
+    }
+    return {};
 }
 
 Util::Expected<bool>
-PresetManager::Write(const String& path, const String& comment, Existing existing)
+PresetManager::Write(const String& path, const std::optional<String>& comment, Existing existing)
 {
     PresetMetadata metadata;
-    metadata.SetComment(GetStoredComment(comment));
+    metadata.SetComment(comment ? GetStoredComment(*comment) : ReadComment(path));
     LmPresetFile file = MakeFile();
     file.SetMetadata(metadata.GetTexts());
     auto written = file.Write(path, setup.dsp.TakeSnapshot(), TouchModified::Yes, existing);
@@ -239,22 +267,41 @@ Util::Expected<String> PresetManager::Import(const String& path)
         return ManagerError(Texts::DescribeFileFault(FileFault::Unreadable, path, {}),
                             GetFullText(bytes.GetError()));
     }
-    if (auto allowed = CheckName(file.GetName()); !allowed) {
+    const String name = MakeImportedName(file.GetName());
+    if (auto allowed = CheckName(name); !allowed && !IsReserved(name)) {
         return allowed.GetError();
     }
-    String target = folder.Get() + file.GetName() + ".xml";
+    String target = folder.Get() + name + ".xml";
     const auto prepared = folder.Prepare();
     Util::Expected<String> made =
-        !prepared ? prepared
-                  : CreateUnderFreeName(*prepared, file.GetName(), [&](const String& newPath) {
-                        target = newPath;
-                        return Util::CreateWholeFile(newPath, *bytes);
-                    });
+        !prepared ? prepared : CreateUnderFreeName(*prepared, name, [&](const String& newPath) {
+            target = newPath;
+            return Util::CreateWholeFile(newPath, *bytes);
+        });
     if (!made) {
         return ManagerError(Texts::DescribeFileFault(FileFault::NotWritable, target, {}),
                             GetReason(made.GetError()));
     }
     return Util::Path::GetStem(*made);
+}
+
+Util::Expected<String> PresetManager::ChooseFolder(const String& path)
+{
+    const String former = setup.settings.ReadString(FolderKey, "");
+    const String usual = Util::Path::Join(setup.defaultFolder, "");
+    const String wanted = Util::Path::Join(Util::Path::ExpandUserFolders(path), "");
+    if (auto set = folder.Set(path); !set) {
+        return set.GetError();
+    }
+    auto prepared = folder.Prepare();
+    if (prepared && *prepared == usual && !path.IsEmpty() && wanted != usual) {
+        prepared = ManagerError(Texts::FolderUnusable(path)); // it was passed over
+    }
+    if (!prepared) {
+        setup.settings.WriteString(FolderKey, former);
+    }
+    Refresh();
+    return prepared;
 }
 
 String PresetManager::GetShownComment(const String& comment)

@@ -52,8 +52,8 @@ public:
     /// What the dialog does when it opens: keeps the settings of now for the entry that brings
     /// them back, and lists.
     void Open();
-    /// Looks at the folders anew. Reads only what the list shows. A folder that is there but can't
-    /// be looked into has a line of its own, with a fault, and so has a chosen one that is refused.
+    /// Looks at the folders anew, and into each file. A folder that is there but can't be looked
+    /// into has a line of its own, with a fault, and so has a chosen one that is refused.
     void Refresh();
     /// Built-in ones first, then factory, then user presets, these two in order of their names.
     const std::vector<PresetEntry>& GetEntries() const { return entries; }
@@ -61,18 +61,23 @@ public:
     /// same order. Empty for an unknown name.
     std::optional<PresetEntry> Find(const String& name) const;
 
+    /// One that fails has its fault in the list from then on.
     Util::Expected<void> Apply(const PresetEntry& entry);
     Util::Expected<void> ApplyFile(const String& path);
     /// Writes the values of now under a name into the user's folder, or to a path; gives the path.
-    /// A name that differs in case only is that of a preset which is there. Read-only ones stay in
-    /// any case. No name: a new one that is free.
-    Util::Expected<String> Save(const String& name, const String& comment, Existing existing);
-    Util::Expected<void> SaveFile(const String& path, const String& comment, Existing existing);
+    /// A name that differs in case only is that of a preset which is there; one that some file
+    /// system refuses is made good. Read-only ones stay in any case. No name: a new one that is
+    /// free. Without a comment, a preset that is replaced hands on its own.
+    Util::Expected<String>
+    Save(const String& name, const std::optional<String>& comment, Existing existing);
+    Util::Expected<void>
+    SaveFile(const String& path, const std::optional<String>& comment, Existing existing);
     /// Removes a preset's file for good. Read-only ones stay.
     Util::Expected<void> Remove(const PresetEntry& entry);
-    /// Copies a preset's file into the user's folder under a free name, which it gives. The copy is
-    /// the file byte by byte, so that one which its author made read-only stays so: it may be what
-    /// a group works with, and whoever wants it gone can remove its file.
+    /// Copies a preset's file into the user's folder under a free name, which it gives: its own,
+    /// made good, with a number where that is taken or reserved. The copy is the file byte by byte,
+    /// so that one which its author made read-only stays so: it may be what a group works with, and
+    /// whoever wants it gone can remove its file.
     Util::Expected<String> Import(const String& path);
 
     /// A name that is neither in the list as a user's or built-in one nor among `others`: the
@@ -83,6 +88,9 @@ public:
     static String GetStoredComment(const String& shown);
 
     PresetFolder& GetFolder() { return folder; }
+    /// Another folder for the user's presets, or none for the default, and lists it; gives the
+    /// folder. One that can't be made or written isn't taken.
+    Util::Expected<String> ChooseFolder(const String& path);
     String GetLastActive() const;
     /// Where the last import came from; empty before the first.
     String GetImportFolder() const;
@@ -93,7 +101,6 @@ private:
     void ListAll(const String& userFolder);
     void ListFolder(const String& path, PresetGroup group);
     void NoteHidden();
-    String GetFaultOfHead(const PresetHead& head) const;
     LmPresetFile MakeFile() const;
     /// Whose text a failure carries: that of the list, or that of a file.
     enum class Naming { Entry, File };
@@ -101,7 +108,9 @@ private:
     Util::Expected<void> Load(LmPresetFile& file, const String& path, Naming naming) const;
     void NoteApplied(const String& name);
     /// False when there is a file that is kept.
-    Util::Expected<bool> Write(const String& path, const String& comment, Existing existing);
+    Util::Expected<bool>
+    Write(const String& path, const std::optional<String>& comment, Existing existing);
+    Util::Expected<void> ApplyValues(const PresetEntry& entry);
     /// Calls `create(path)` with free names until it makes the file; gives the path.
     template <typename Create>
     Util::Expected<String>

@@ -5,6 +5,7 @@
 #include "frameworks/qobase/util/EditDistance.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -17,14 +18,58 @@ bool IsControl(char c)
     return code < 0x20 || code == 0x7F;
 }
 
-bool IsBuiltIn(const String& name)
+constexpr std::string_view ForbiddenCharacters = "/\\:*?\"<>|";
+
+bool IsForbidden(char c)
+{
+    return ForbiddenCharacters.find(c) != std::string_view::npos;
+}
+
+// What another system keeps for its devices, whatever stands behind a dot.
+bool IsDevice(std::string_view stem)
+{
+    const String folded = String(stem).ToLower();
+    const std::string_view text = folded.View();
+    if (text.size() == 4 && (text.starts_with("com") || text.starts_with("lpt"))) {
+        return text[3] >= '0' && text[3] <= '9';
+    }
+    constexpr std::array<std::string_view, 6> Names = {
+        "con", "prn", "aux", "nul", "conin$", "conout$"};
+    return std::find(Names.begin(), Names.end(), text) != Names.end();
+}
+
+std::string_view WithoutEnd(std::string_view text, const char* characters)
+{
+    return text.substr(0, text.find_last_not_of(characters) + 1);
+}
+
+} // namespace
+
+bool IsReserved(const String& name)
 {
     const String folded = name.ToLower();
     return folded == String(Texts::FactorySettings).ToLower() ||
            folded == String(Texts::FormerSettings).ToLower();
 }
 
-} // namespace
+String MakeGoodName(const String& name)
+{
+    std::string good(WithoutEnd(name.View(), ". "));
+    const std::size_t dot = std::min(good.find('.'), good.size());
+    const std::string_view stem = WithoutEnd(std::string_view(good).substr(0, dot), " ");
+    if (IsDevice(stem)) {
+        good.insert(stem.size(), "_");
+    }
+    return good;
+}
+
+String MakeImportedName(const String& name)
+{
+    std::string text = name.ToStdString();
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return IsForbidden(c) || IsControl(c); }, '-');
+    return MakeGoodName(text);
+}
 
 Util::Expected<void> CheckName(const String& name)
 {
@@ -32,7 +77,7 @@ Util::Expected<void> CheckName(const String& name)
     if (text.find_first_not_of(' ') == std::string_view::npos) {
         return ManagerError("A preset needs a name.");
     }
-    if (text.find_first_of("/\\:*?\"<>|") != std::string_view::npos) {
+    if (std::any_of(text.begin(), text.end(), IsForbidden)) {
         return ManagerError("A preset's name can't hold any of / \\ : * ? \" < > |");
     }
     if (std::any_of(text.begin(), text.end(), IsControl)) {
@@ -41,7 +86,7 @@ Util::Expected<void> CheckName(const String& name)
     if (text.front() == '.') {
         return ManagerError("A preset's name can't start with a dot.");
     }
-    if (IsBuiltIn(name)) {
+    if (IsReserved(name)) {
         return ManagerError("A preset can't be named \"" + name + "\", which is always there.");
     }
     return {};

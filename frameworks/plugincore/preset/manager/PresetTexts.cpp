@@ -24,6 +24,11 @@ String FolderNotWritable(const String& folder)
     return "The preset folder " + folder + " cannot be written.";
 }
 
+String FolderUnusable(const String& folder)
+{
+    return "The folder " + folder + " cannot hold presets.";
+}
+
 String RemoveQuestion(const String& name)
 {
     return String("Are you sure you want to remove '%1'?").arg(name);

@@ -38,6 +38,7 @@ String FolderUnreadable(const String& folder, const String& reason);
 /// For a folder that the user has chosen.
 String FolderRefused(const String& folder);
 String FolderNotWritable(const String& folder);
+String FolderUnusable(const String& folder);
 String RemoveQuestion(const String& name);
 String RemoveFailed(const String& name, const String& reason);
 

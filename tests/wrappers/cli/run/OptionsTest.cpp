@@ -109,7 +109,10 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
         "a.wav b.wav --labels -|a.wav b.wav --report r.html|a.wav --report - --json|"
         "a.wav --comment text|a.wav --save-preset -|"
         "a.wav --save-preset b.wav|a.wav --save-preset d/b.FLAC|a.wav --state-out - --json|"
-        "- --state-in -|a.wav --list-presets|--list-presets --preset p|--preset p|--state-in s|"
+        "- --state-in -|a.wav --list-presets|--list-presets --preset p|"
+        "--import-preset p.xml --list-presets|--import-preset p.xml --json|"
+        "a.wav --remove-preset p|--preset-folder d --save-preset p|--history h.hst -o b.wav|"
+        "--preset p|--state-in s|"
         "--print-params -o a.wav|--print-params --dry-run|--save-preset p.xml --plot p.png|"
         "a.wav --sensitivity";
     for (const std::string& words : Split(bad, '|')) {
@@ -118,7 +121,8 @@ TEST(OptionsTest, RefusesWhatContradictsItself)
     EXPECT_NE(Complaint({""}), "");
     const char* const good =
         "a.wav b.wav --plot {name}.png|a.wav b.wav --plot folder/|--list-presets --json|"
-        "--state-in - --state-out -|--preset p --save-preset q --comment text";
+        "--history h.hst --json|--remove-preset p --force|--state-in - --state-out -|--preset p "
+        "--save-preset q --comment text";
     for (const std::string& words : Split(good, '|')) {
         EXPECT_EQ(Complaint(Split(words, ' ')), "") << words;
     }

@@ -87,7 +87,8 @@ TEST_F(Manager, ListsWhatIsThereAndWhatIsWrongWithIt)
         "ReadOnly=\"1\" Comments=\"Lots &amp; lots\" PluginBuild");
     Put("user/beta.xml");
     Put("user/Alpha.XML");
-    Put("user/gamma.xml", "</Puffguard>", "<cut"); // its head is whole
+    Put("user/gamma.xml", "</Puffguard>", "<cut"); // its head is whole, as in the next
+    Put("user/delta.xml", "</LM6Pfgd>", "<Sliders><Slider/></Sliders></LM6Pfgd>");
     Put("user/no preset.txt");
     Put("user/far.xml", "PluginVer=\"6000\"", "PluginVer=\"7000\"");
     Put("user/old.xml", "PresetVer=\"1\"", "PresetVer=\"0\"");
@@ -100,7 +101,7 @@ TEST_F(Manager, ListsWhatIsThereAndWhatIsWrongWithIt)
     fs::create_symlink(folder / "nowhere", folder / "user/gone.xml");
     EXPECT_EQ(Names(),
               "Factory settings|Settings before you opened the preset manager|Strong|"
-              "Alpha|bad!|beta|far!|gamma|long|old!|other!|");
+              "Alpha|bad!|beta|delta!|far!|gamma!|long|old!|other!|");
     EXPECT_EQ(Find("bad").fault, Invalid);
     EXPECT_EQ(Find("far").fault, Newer);
     EXPECT_EQ(Find("old").fault, Earlier);
@@ -309,7 +310,6 @@ TEST_F(Manager, NamesAndComments)
         EXPECT_FALSE(manager->Save(name, "", Existing::Replace)) << name;
     }
     EXPECT_FALSE(manager->Import(Put("from/.hidden.xml")));
-    EXPECT_FALSE(manager->Import(Put("from/Factory settings.xml")));
     EXPECT_EQ(Names(), "Factory settings|Only here|New Preset|Voice|Voice 2|");
     EXPECT_TRUE(CheckName("50 % %1 & 'more'.xml \xC3\xA4"));
 
@@ -320,6 +320,65 @@ TEST_F(Manager, NamesAndComments)
     ASSERT_TRUE(manager->Save("said", "%1 said", Existing::Replace));
     EXPECT_EQ(Find("said").GetComment(), "%1 said");
     EXPECT_EQ(metadata.GetComment(), "%1 said");
+}
+
+TEST_F(Manager, MakesNamesGoodForEveryFileSystem)
+{
+    const std::pair<const char*, const char*> saved[] = {{"CON", "CON_"},
+                                                         {"aux.loud", "aux_.loud"},
+                                                         {"Lpt1 ", "Lpt1_"},
+                                                         {"Mine. .", "Mine"},
+                                                         {"COM10", "COM10"},
+                                                         {"Console", "Console"}};
+    for (const auto& [wanted, name] : saved) {
+        EXPECT_EQ(manager->Save(wanted, "", Existing::Keep).Value(),
+                  (folder / "user/") + name + ".xml");
+    }
+    const std::pair<const char*, const char*> imported[] = {
+        {"from/Factory settings.xml", "Factory settings 2"},
+        {"from/Settings before you opened the preset manager.xml",
+         "Settings before you opened the preset manager 2"},
+        {"from/nul.xml", "nul_"},
+        {"from/Live: \"low\".xml", "Live- -low-"},
+        {"from/end. .xml", "end"}};
+    for (const auto& [file, name] : imported) {
+        EXPECT_EQ(manager->Import(Put(file)).Value(), name);
+    }
+}
+
+TEST_F(Manager, KeepsItsListTrue)
+{
+    manager->Refresh();
+    ASSERT_TRUE(manager->Save("new", "", Existing::Keep));
+    ASSERT_TRUE(manager->SaveFile(folder / "user/path.xml", "", Existing::Keep));
+    EXPECT_TRUE(manager->Find("new"));
+    EXPECT_TRUE(manager->Find("path"));
+    // One that turns bad while it is listed.
+    const PresetEntry entry = *manager->Find("new");
+    Put("user/new.xml", "</Puffguard>", "");
+    ASSERT_FALSE(manager->Apply(entry));
+    EXPECT_EQ(manager->Find("new")->fault, Invalid);
+}
+
+TEST_F(Manager, KeepsTheCommentOfWhatItReplaces)
+{
+    ASSERT_TRUE(manager->Save("Mine", "for Anna", Existing::Keep));
+    ASSERT_TRUE(manager->Save("mine", std::nullopt, Existing::Replace));
+    EXPECT_EQ(Find("Mine").GetComment(), "for Anna");
+    ASSERT_TRUE(manager->Save("Mine", "", Existing::Replace));
+    EXPECT_EQ(Find("Mine").GetComment(), "");
+}
+
+TEST_F(Manager, ChoosesAFolder)
+{
+    Put("team/theirs.xml");
+    EXPECT_EQ(manager->ChooseFolder(folder / "team").Value(), folder / "team/");
+    EXPECT_TRUE(manager->Find("theirs"));
+    Write("file", "in the way");
+    EXPECT_FALSE(manager->ChooseFolder(folder / "file/below"));
+    EXPECT_EQ(settings.ReadString("PresetFolder", ""), folder / "team");
+    EXPECT_EQ(manager->ChooseFolder("").Value(), folder / "user/");
+    EXPECT_FALSE(manager->Find("theirs"));
 }
 
 TEST_F(Manager, AppliesAPresetAndRemembersItAndWhetherItIsShown)

@@ -28,7 +28,7 @@ public:
 
     bool IsHeld(const DSP::Element& element, const String& name) const
     {
-        return held.count({&element, name}) != 0;
+        return held.contains({&element, name});
     }
     /// Whether a gesture or an action goes on.
     bool IsUnderWay() const { return underWay != 0; }

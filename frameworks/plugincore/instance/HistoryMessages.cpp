@@ -82,7 +82,7 @@ uint32_t HistoryMessages::Describe(const HistoryManager& history, HistoryRecord&
     const Snapshot& snapshot = model.snapshots[record.index];
     CopyText(record.time, setup.state.ReadTime(snapshot.bytes));
     CopyText(record.text, snapshot.label);
-    record.isSelected = !opened && history.GetSelectedRow() == record.index;
+    record.isSelected = !opened && history.GetSelectedRow() == record.index ? 1 : 0;
     record.slots = GetSlots(model, record.index);
     return PluginCoreSuccess;
 }

@@ -135,7 +135,7 @@ String StateDocument::AddTime(Util::ByteSpan text, const String& time)
 String StateDocument::ReadTime(Util::ByteSpan text) const
 {
     const Util::Dictionary state = Read(text);
-    const String* time = state.Find<String>(TimeKey);
+    const auto* time = state.Find<String>(TimeKey);
     return time != nullptr ? *time : String("");
 }
 

@@ -314,7 +314,7 @@ TEST_F(PluginHistoryTest, ATouchInTheHostsOwnViewIsAStep)
     // By way of the audio, which is late.
     plugin->Initialize();
     {
-        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetProcessLock());
         plugin->SetAutomatableParam(Side::Process, {Strength, 0.2F});
     }
     for (size_t steps = 0; steps < 3; std::this_thread::yield()) { // the test's limit ends it

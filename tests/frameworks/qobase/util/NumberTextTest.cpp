@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -106,9 +107,10 @@ TEST(NumberText, ReadsWholeNumbersWithinTheirRangeOnly)
 
 TEST(TimeText, IsThePresentTimeInUtc)
 {
-    const std::time_t before = std::time(nullptr);
+    using Clock = std::chrono::system_clock; // time() may be some milliseconds behind it
+    const std::time_t before = Clock::to_time_t(Clock::now());
     const String text = Util::GetPresentTimeText();
-    const std::time_t after = std::time(nullptr);
+    const std::time_t after = Clock::to_time_t(Clock::now());
     EXPECT_EQ(text.Length(), 20U);
     std::tm parts{};
     std::istringstream(text.ToStdString()) >> std::get_time(&parts, "%Y-%m-%dT%H:%M:%SZ");

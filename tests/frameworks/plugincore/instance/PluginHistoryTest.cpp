@@ -340,7 +340,10 @@ TEST_F(PluginHistoryTest, EveryChangeOfTheStateReachesTheHistory)
     EXPECT_EQ(factory.changes, 1);
     ApplyPreset(*plugin, "Factory settings");
     EXPECT_EQ(factory.changes, 2);
-    plugin->SetAutomatableParam(Side::Process, {Sensitivity, 0.75F});
+    {
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetProcessLock());
+        plugin->SetAutomatableParam(Side::Process, {Sensitivity, 0.75F});
+    }
     EXPECT_EQ(factory.changes, 2);
     plugin->Initialize();
     while (factory.changes < 3) { // the tick does it; the test's limit ends it

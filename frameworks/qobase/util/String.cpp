@@ -128,14 +128,15 @@ std::optional<uint32_t> String::Find(const String& text, uint32_t start, bool ca
     }
     const auto tail = View().substr(start);
     const auto wanted = text.View();
-    const auto found = std::ranges::search(tail, wanted, [caseSensitive](char a, char b) {
+    const auto isSame = [caseSensitive](char a, char b) {
         return caseSensitive ? a == b : LowerAscii(a) == LowerAscii(b);
-    });
+    };
+    const auto found = std::search(tail.begin(), tail.end(), wanted.begin(), wanted.end(), isSame);
     // An empty text is found where the search starts, so the end always means that nothing was.
-    if (found.begin() == tail.end()) {
+    if (found == tail.end()) {
         return std::nullopt;
     }
-    return start + static_cast<uint32_t>(found.begin() - tail.begin());
+    return start + static_cast<uint32_t>(found - tail.begin());
 }
 
 String String::Left(uint32_t count) const

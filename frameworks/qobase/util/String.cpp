@@ -2,6 +2,7 @@
 #include "frameworks/qobase/util/String.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -131,12 +132,13 @@ std::optional<uint32_t> String::Find(const String& text, uint32_t start, bool ca
     const auto isSame = [caseSensitive](char a, char b) {
         return caseSensitive ? a == b : LowerAscii(a) == LowerAscii(b);
     };
-    const auto found = std::search(tail.begin(), tail.end(), wanted.begin(), wanted.end(), isSame);
+    const auto place = static_cast<uint32_t>(std::distance(
+        tail.begin(), std::search(tail.begin(), tail.end(), wanted.begin(), wanted.end(), isSame)));
     // An empty text is found where the search starts, so the end always means that nothing was.
-    if (found == tail.end()) {
+    if (place == tail.size()) {
         return std::nullopt;
     }
-    return start + static_cast<uint32_t>(found - tail.begin());
+    return start + place;
 }
 
 String String::Left(uint32_t count) const

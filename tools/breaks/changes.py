@@ -330,7 +330,7 @@ CHANGES = [
            "«from[i] == to[j - 1] && from[i - 1] == to[j]»", "false",
            "swapped letters count as two faults", UTIL + PRESET + CLI),
     Change("wrappers/cli/run/FileJob.cpp",
-           "return «one.centre >= framesSoFar»;", "false",
+           "return «one.centre >= framesPushed»;", "false",
            "what seems to lie behind a recording is reported", CLI),
     Change("wrappers/cli/run/Batch.cpp",
            "return «hasEvents && hasSummary && !HasFailure(reports)»;", "!HasFailure(reports)",

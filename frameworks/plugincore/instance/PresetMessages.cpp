@@ -146,19 +146,30 @@ std::optional<PresetEntry> FindListed(PresetManager& presets, const String& name
     return entry ? entry : presets.Find(Preset::MakeGoodName(name));
 }
 
+// The preset of that name as it is listed, without what is wrong with it; or why there is none.
+std::optional<PresetEntry>
+ShowListed(PresetManager& presets, const String& name, PresetRecord& record)
+{
+    auto entry = FindListed(presets, name);
+    if (entry) {
+        Show(*entry, record);
+        CopyText(record.message, {});
+    } else {
+        Fail(DescribeUnknownName(name, presets), record);
+    }
+    return entry;
+}
+
 void Apply(PresetManager& presets, const String& name, PresetRecord& record)
 {
     if (IsPath(name) && Util::File(name).Exists()) {
         ApplyFile(presets, name, record);
         return;
     }
-    const auto entry = FindListed(presets, name);
+    const auto entry = ShowListed(presets, name, record);
     if (!entry) {
-        Fail(DescribeUnknownName(name, presets), record);
         return;
     }
-    Show(*entry, record);
-    CopyText(record.message, {});
     if (const auto applied = presets.Apply(*entry); !applied) {
         Fail(Describe(name, applied.GetError()), record);
     }
@@ -186,13 +197,10 @@ void Save(PresetManager& presets, const String& name, PresetRecord& record)
 
 void Remove(PresetManager& presets, const String& name, PresetRecord& record)
 {
-    const auto entry = FindListed(presets, name);
+    const auto entry = ShowListed(presets, name, record);
     if (!entry) {
-        Fail(DescribeUnknownName(name, presets), record);
         return;
     }
-    Show(*entry, record);
-    CopyText(record.message, {});
     if (record.mayReplace == 0) {
         CopyText(record.message, Preset::Texts::RemoveQuestion(entry->name));
     } else if (const auto removed = presets.Remove(*entry); !removed) {

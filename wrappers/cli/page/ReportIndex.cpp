@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/page/ReportIndex.h"
 
-#include "wrappers/cli/files/FileDescriptor.h"
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/page/Template.h"
 #include "wrappers/cli/text/Version.h"
 
@@ -34,12 +32,7 @@ std::string IndexJson(const ReportIndex& index)
 void WriteReportIndex(int descriptor, const ReportIndex& index)
 {
     const Slots slots = {{"data", [&](const TextSink& sink) { sink(IndexJson(index)); }}};
-    FillTemplate("index.html", slots, [&](std::string_view text) {
-        const int failure = WriteFully(descriptor, text);
-        if (failure != 0) {
-            throw FileError::FromErrno(failure);
-        }
-    });
+    WriteTemplate("index.html", slots, descriptor);
 }
 
 } // namespace Cli

@@ -2,7 +2,6 @@
 #include "wrappers/cli/page/ReportPage.h"
 
 #include "frameworks/qobase/util/Base64.h"
-#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/page/Template.h"
 #include "wrappers/cli/plot/Levels.h"
 #include "wrappers/cli/plot/PlotDrawing.h"
@@ -172,12 +171,7 @@ void WriteReportPage(int descriptor,
         {"title", [&](const TextSink& sink) { sink(EscapeHtml(head.title)); }},
         {"data", [&](const TextSink& sink) { sink(PageJson(head, events, picture)); }},
         {"clips", [&](const TextSink& sink) { WriteClips(events, clips, sink); }}};
-    FillTemplate("page.html", slots, [&](std::string_view text) {
-        const int failure = WriteFully(descriptor, text);
-        if (failure != 0) {
-            throw FileError::FromErrno(failure);
-        }
-    });
+    WriteTemplate("page.html", slots, descriptor);
 }
 
 } // namespace Cli

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/page/Template.h"
 
+#include "wrappers/cli/files/FileDescriptor.h"
+#include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/page/Resources.h"
 
 namespace Cli {
@@ -28,6 +30,16 @@ void FillTemplate(std::string_view name, const Slots& slots, const TextSink& sin
         rest.remove_prefix(end + Closing.size());
     }
     sink(rest);
+}
+
+void WriteTemplate(std::string_view name, const Slots& slots, int descriptor)
+{
+    FillTemplate(name, slots, [descriptor](std::string_view text) {
+        const int failure = WriteFully(descriptor, text);
+        if (failure != 0) {
+            throw FileError::FromErrno(failure);
+        }
+    });
 }
 
 std::string EscapeHtml(std::string_view text)

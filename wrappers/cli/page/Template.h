@@ -18,6 +18,9 @@ using Slots = std::map<std::string, std::function<void(const TextSink&)>, std::l
 /// else to the resource of that name.
 void FillTemplate(std::string_view name, const Slots& slots, const TextSink& sink);
 
+/// The same into a file. Throws FileError.
+void WriteTemplate(std::string_view name, const Slots& slots, int descriptor);
+
 /// `text` for the inside of an HTML element or attribute.
 std::string EscapeHtml(std::string_view text);
 

@@ -3,11 +3,12 @@
 """Breaks the code on purpose, in one place after the other, and shows which test sees it.
 
     tools/breaks/breaks.py [--all] [--list FILE] [--tree FOLDER] [--jobs N] [NUMBER...]
+    tools/breaks/breaks.py --check
 
 The checkout is copied to build-breaks, or another folder, and every change of changes.py is written into it as a choice
 that PUFFGUARD_BREAK=<number> makes while the programs run; so all of it is built once. First the
 programs run without a change and must be green, then once for each change up to the first test that
-fails; --all goes on to the last. A change whose place isn't there exactly once is an error.
+fails; --all goes on to the last. A change whose place isn't there exactly once is an error, and --check looks for nothing else.
 Ends with 0 when each change was seen.
 """
 import argparse
@@ -54,6 +55,12 @@ def broken(path, content):
     for (start, end), number, new in sorted(places, reverse=True):
         content = content[:start] + choice(number, content[start:end], new) + content[end:]
     return f'#include "{CHOICE}"\n' + content
+
+
+def check():
+    """Ends with a message unless every change has its place."""
+    for path in {change.file for change in CHANGES}:
+        broken(path, (ROOT / path).read_text())
 
 
 def copy_to(tree):
@@ -112,6 +119,7 @@ def run(tree, program, number, to_the_end):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--check", action="store_true", help="whether each change has its place")
     parser.add_argument("--all", action="store_true", help="name every test that sees a change")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="of the build")
     parser.add_argument("--material", default=f"{ROOT}/../shared", help="recordings and vectors")
@@ -119,6 +127,9 @@ def main():
     parser.add_argument("--list", type=Path, help="writes the result to a file, too")
     parser.add_argument("numbers", nargs="*", type=int, help="changes; all without any")
     options = parser.parse_args()
+    if options.check:
+        check()
+        return 0
 
     numbers = options.numbers or range(1, len(CHANGES) + 1)
     chosen = [(number, CHANGES[number - 1]) for number in numbers]

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/run/AutoJob.h"
 
-#include "restoration/dsp/autorepair/KeepRule.h"
 #include "restoration/dsp/autorepair/PopFinder.h"
-#include "wrappers/cli/autorepair/ChangeFile.h"
 #include "wrappers/cli/autorepair/LabelTrack.h"
 #include "wrappers/cli/autorepair/LevelFile.h"
-#include "wrappers/cli/autorepair/MovingExcerpt.h"
+#include "wrappers/cli/autorepair/RecordingRepairs.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/AutoPage.h"
 #include "wrappers/cli/run/JobResults.h"
@@ -14,21 +12,15 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
-#include <map>
+#include <optional>
+#include <vector>
 
 namespace Cli {
 
 namespace {
 
 constexpr int Passes = 3;
-
-/// A span that may be repaired, with what would be added.
-struct Attempt {
-    AutoEvent event;
-    ChangeFile::Stretch stretch;
-};
 
 /// One recording on its way through.
 class AutoJob {
@@ -43,7 +35,6 @@ public:
         , channels(static_cast<size_t>(input.GetDescription().GetChannels()))
         , sampleRate(input.GetDescription().GetSampleRate())
         , results(options, task, input.GetDescription())
-        , changes(channels)
         , chunk(static_cast<size_t>(options.block) * channels)
     {
         results.OpenAudio(0);
@@ -55,17 +46,7 @@ private:
     static std::vector<Label> ReadLabels(const Task& task);
     void Describe(FileReport& report) const;
     void Find(FileReport& report);
-    void TryCandidates();
-    void TryLabels();
-    AutoEvent& Add(const AutoRepair::Span& span,
-                   const AutoRepair::Excerpt& around,
-                   const AutoRepair::Change& change,
-                   AutoRepair::SpanRepair& repair);
-    AutoRepair::SpanRepair& GetRepair(double upperFrequency);
-    double MeasureAfter(const AutoRepair::Span& span,
-                        const AutoRepair::Excerpt& excerpt,
-                        const AutoRepair::Change& change,
-                        AutoRepair::SpanRepair& repair);
+    void Repair(FileReport& report);
     void Write();
     void Report(FileReport& report);
     void WritePage(FileReport& report, const std::string& words);
@@ -84,15 +65,9 @@ private:
     size_t channels;
     int sampleRate;
     JobResults results;
-    ChangeFile changes;
     std::vector<double> chunk;
-    int64_t frames = 0;
-    AutoRepair::RecordingScale scale;
-    std::vector<AutoRepair::Candidate> candidates;
-    double threshold = 0;
-    std::map<double, AutoRepair::SpanRepair> repairs; // by upper frequency
-    std::vector<double> repaired;                     // scratch
-    std::vector<Attempt> attempts;                    // in order of time
+    AutoRepair::Findings findings;
+    std::optional<RecordingRepairs> repairs; // as soon as the recording's scale is known
 };
 
 std::vector<Label> AutoJob::ReadLabels(const Task& task)
@@ -107,11 +82,7 @@ void AutoJob::Run(FileReport& report)
 {
     Describe(report);
     Find(report);
-    if (options.isAutomatic) {
-        TryCandidates();
-    } else {
-        TryLabels();
-    }
+    Repair(report);
     if (results.WantsSamples()) {
         Write();
     }
@@ -120,12 +91,7 @@ void AutoJob::Run(FileReport& report)
     Report(report);
     results.Finish();
     if (context.events != nullptr) {
-        std::vector<AutoEvent> events;
-        events.reserve(attempts.size());
-        for (const Attempt& attempt : attempts) {
-            events.push_back(attempt.event);
-        }
-        context.events->Add(number, report, events);
+        context.events->Add(number, report, repairs->GetEvents());
     }
 }
 
@@ -178,142 +144,66 @@ void AutoJob::Find(FileReport& report)
     LevelFile levels;
     AutoRepair::PopFinder finder(sampleRate, static_cast<int>(channels), levels);
     ReadAll(0, [&](int64_t /*first*/, std::span<double> samples) { finder.Push(samples); });
-    frames = input.GetPosition();
-    report.frames = frames;
+    report.frames = input.GetPosition();
+    const double seconds = ToSeconds(report.frames);
     report.nonFiniteSamples = input.GetNonFinite();
-    const AutoRepair::Findings findings = finder.Finish();
-    scale = findings.scale;
+    findings = finder.Finish();
+    if (!options.isAutomatic) {
+        Naming(task.repairLabels.Get(), [&] { FitLabels(labels, seconds); });
+    }
+    report.automatic->isTooShort = options.isAutomatic && seconds < AutoRepair::LeastSeconds;
+    report.automatic->speechLevel = findings.scale.speechLevel;
+    report.automatic->candidates = findings.candidates.size();
+}
+
+void AutoJob::Repair(FileReport& report)
+{
+    repairs.emplace(
+        input, static_cast<size_t>(options.block), findings.scale, [this] { ShowProgress(1); });
     if (options.isAutomatic) {
-        candidates = findings.candidates;
+        report.automatic->threshold =
+            repairs->RepairPops(findings.candidates, options.strictness.value_or(0));
     } else {
-        Naming(task.repairLabels.Get(), [&] { FitLabels(labels, ToSeconds(frames)); });
+        repairs->RepairLabels(labels);
     }
-    report.automatic->isTooShort =
-        options.isAutomatic && ToSeconds(frames) < AutoRepair::LeastSeconds;
-    report.automatic->speechLevel = scale.speechLevel;
-    report.automatic->candidates = candidates.size();
-}
-
-AutoRepair::SpanRepair& AutoJob::GetRepair(double upperFrequency)
-{
-    const auto found =
-        repairs.try_emplace(upperFrequency, sampleRate, static_cast<int>(channels), upperFrequency);
-    return found.first->second;
-}
-
-double AutoJob::MeasureAfter(const AutoRepair::Span& span,
-                             const AutoRepair::Excerpt& excerpt,
-                             const AutoRepair::Change& change,
-                             AutoRepair::SpanRepair& repair)
-{
-    repaired.assign(excerpt.samples.begin(), excerpt.samples.end());
-    const int64_t offset = (change.first - excerpt.first) * static_cast<int64_t>(channels);
-    const auto end = static_cast<int64_t>(repaired.size());
-    for (size_t i = 0; i < change.samples.size(); ++i) {
-        const int64_t place = offset + static_cast<int64_t>(i);
-        if (place >= 0 && place < end) {
-            repaired[static_cast<size_t>(place)] += change.samples[i];
-        }
-    }
-    return repair.MeasureLowEnd(span, {excerpt.first, repaired});
-}
-
-AutoEvent& AutoJob::Add(const AutoRepair::Span& span,
-                        const AutoRepair::Excerpt& around,
-                        const AutoRepair::Change& change,
-                        AutoRepair::SpanRepair& repair)
-{
-    Attempt& attempt = attempts.emplace_back();
-    attempt.stretch = changes.Append(change.first, change.samples);
-    AutoEvent& event = attempt.event;
-    event.start = span.start;
-    event.end = span.end;
-    event.removed = change.removed - scale.speechLevel;
-    event.peak = std::clamp(ToSeconds(change.loudest), 0.0, ToSeconds(frames));
-    event.before = repair.MeasureLowEnd(span, around) - scale.lowEnd;
-    event.after = MeasureAfter(span, around, change, repair) - scale.lowEnd;
-    return event;
-}
-
-void AutoJob::TryLabels()
-{
-    MovingExcerpt excerpt(input, static_cast<size_t>(options.block));
-    for (const Label& label : labels) {
-        AutoRepair::SpanRepair& repair = GetRepair(label.upperFrequency);
-        const AutoRepair::Excerpt around = excerpt.Cover(repair.GetReach(label.span));
-        const AutoRepair::Change change = repair.Compute(label.span, around);
-        Add(label.span, around, change, repair).upperFrequency = label.upperFrequency;
-        ShowProgress(1);
-    }
-}
-
-void AutoJob::TryCandidates()
-{
-    MovingExcerpt excerpt(input, static_cast<size_t>(options.block));
-    AutoRepair::SpanRepair& repair = GetRepair(AutoRepair::UsualUpperFrequency);
-    AutoRepair::KeepRule rule(options.strictness.value_or(0));
-    for (const AutoRepair::Candidate& candidate : candidates) {
-        const AutoRepair::Excerpt around = excerpt.Cover(repair.GetReach(candidate.span));
-        const AutoRepair::Change change = repair.Compute(candidate.span, around);
-        const double keep = AutoRepair::GetKeep(candidate, change.removed - scale.speechLevel);
-        rule.Count(keep);
-        // What no threshold lets through need not wait for it.
-        if (keep > rule.GetLeastThreshold()) {
-            AutoEvent& event = Add(candidate.span, around, change, repair);
-            event.upperFrequency = AutoRepair::UsualUpperFrequency;
-            event.score = candidate.score;
-            event.keep = keep;
-        }
-        ShowProgress(1);
-    }
-    threshold = rule.GetThreshold(ToSeconds(frames));
-    std::erase_if(attempts,
-                  [this](const Attempt& attempt) { return attempt.event.keep <= threshold; });
 }
 
 void AutoJob::Write()
 {
-    std::vector<double> before;
-    for (size_t i = 0; i < attempts.size(); ++i) {
-        results.Want(MakeClipRequest(i, attempts[i].event));
+    const std::vector<AutoEvent>& events = repairs->GetEvents();
+    for (size_t i = 0; i < events.size(); ++i) {
+        results.Want(MakeClipRequest(i, events[i]));
     }
-    size_t next = 0; // the first attempt that isn't wholly done
+    std::vector<double> before;
     ReadAll(2, [&](int64_t first, std::span<double> samples) {
         before.assign(samples.begin(), samples.end());
-        const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
-        while (next < attempts.size() && attempts[next].stretch.end <= first) {
-            ++next;
-        }
-        for (size_t i = next; i < attempts.size() && attempts[i].stretch.first < end; ++i) {
-            changes.AddTo(attempts[i].stretch, first, samples);
-        }
+        repairs->AddTo(first, samples);
         results.Add({before, samples});
     });
 }
 
 void AutoJob::Report(FileReport& report)
 {
-    report.automatic->threshold = threshold;
     const std::string words = options.isAutomatic ? fmt::format("found by itself, strictness {}",
                                                                 options.strictness.value_or(0))
                                                   : "repaired by labels";
     results.BeginEvents(report, words, AutoRepair::UsualUpperFrequency);
     EventSummary& summary = report.events;
-    for (const Attempt& attempt : attempts) {
-        const Event event = ToEvent(attempt.event);
+    for (const AutoEvent& repair : repairs->GetEvents()) {
+        const Event event = ToEvent(repair);
         ++summary.repairs;
         ++summary.prominent;
         if (!summary.strongest || event.removed > summary.strongest->removed) {
             summary.strongest = event;
-            report.automatic->strongest = attempt.event;
+            report.automatic->strongest = repair;
         }
         results.Mark(event);
         context.console.Detail(fmt::format("{}: pop at {}, {:.1f} dB over the speech's low end, "
                                            "taken down {:.1f} dB",
                                            Printable(task.input.Get()),
-                                           FormatClock(attempt.event.peak),
-                                           attempt.event.before,
-                                           attempt.event.before - attempt.event.after));
+                                           FormatClock(repair.peak),
+                                           repair.before,
+                                           repair.before - repair.after));
     }
     if (!task.page.IsEmpty()) {
         WritePage(report, words);
@@ -324,10 +214,11 @@ void AutoJob::WritePage(FileReport& report, const std::string& words)
 {
     report.page = task.page;
     report.changedShare = results.GetChangedShare();
+    const std::vector<AutoEvent>& events = repairs->GetEvents();
     std::vector<PageEvent> rows;
-    for (size_t i = 0; i < attempts.size(); ++i) {
+    for (size_t i = 0; i < events.size(); ++i) {
         if (results.HasClip(i)) {
-            rows.push_back(MakePageEvent(i, attempts[i].event));
+            rows.push_back(MakePageEvent(i, events[i]));
         }
     }
     results.WritePage(MakePageHead(report, words, rows), rows);

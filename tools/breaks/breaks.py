@@ -52,7 +52,11 @@ def broken(path, content):
             places.append((found[0].span(1), number, change.new))
     if not places:
         return content
-    for (start, end), number, new in sorted(places, reverse=True):
+    places.sort()
+    for (before, one, _), (after, two, _) in zip(places, places[1:]):
+        if after[0] < before[1]:
+            sys.exit(f"changes {one} and {two} are at the same place in {path}")
+    for (start, end), number, new in reversed(places):
         content = content[:start] + choice(number, content[start:end], new) + content[end:]
     return f'#include "{CHOICE}"\n' + content
 

@@ -37,7 +37,13 @@ uint32_t Ask(PluginCore* instance, uint32_t selector)
 /// for a block.
 bool ActsAtOnce(Instance& instance)
 {
-    const float other = instance.Value(Strength, Process) < 0.5F ? 0.75F : 0.25F;
+    const auto isUsed = [&](float value) {
+        return value == instance.Value(Strength, Process) || value == instance.Value(Strength, UI);
+    };
+    float other = 0.25F; // neither what is in force nor what waits, which wouldn't be set again
+    while (isUsed(other)) {
+        other += 0.25F;
+    }
     instance.Set(Strength, other);
     return instance.Value(Strength, Process) == other;
 }

@@ -183,14 +183,18 @@ TEST_F(GesturesTest, ADraggedPreferenceIsWrittenOnceAtItsEnd)
     constexpr const char* Key = "Params.Global.Float.Selection Feathering";
     auto& feathering = instance.Get<FloatParam>("Global.Selection Feathering");
     plugin.Initialize(); // the tick writes nothing in between
+    Util::CriticalSection& lock = plugin.GetThreadController().GetUILock();
+    const Util::CriticalSectionGuard guard(lock);
     const int before = Support::flushCount;
     {
         const Handle drag(feathering);
         for (int i = 1; i <= 20; ++i) {
             feathering.SetValue(static_cast<float>(i));
             EXPECT_EQ(plugin.GetConfigFile().ReadFloat(Key, 0.0F), static_cast<float>(i));
-            std::this_thread::sleep_for(std::chrono::milliseconds(i == 10 ? 250 : 0));
         }
+        lock.Leave();
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+        lock.Enter();
         EXPECT_EQ(Support::flushCount, before);
     }
     EXPECT_EQ(Support::flushCount, before + 2) << "the file and its folder";

@@ -240,7 +240,8 @@ protected:
         setup.sampleRate = rate;
         setup.channelConfig = layout;
         plugin = std::make_unique<Plugin>(factory, setup);
-        plugin->Initialize();
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        plugin->Initialize(); // from here on its tick may come
         calls.clear();
         factory.events.clear();
         return factory.transform->GetBox();

@@ -87,20 +87,6 @@ check_latency() {
     result $? "jalv reports the latency"
 }
 
-# A preset as jalv would have saved it. The latency that it brings is what no control holds.
-check_preset() {
-    local bundle=$build/lib/lv2/puffguard.lv2 live=puffguard-live group
-    mkdir -p "$scratch/state"
-    sed -n -e '/^@prefix/p' -e '/^<.*#preset_live/,/ \.$/{s/^<.*>$/<>/;p}' "$bundle/stereo-presets.ttl" \
-        >"$scratch/state/state.ttl"
-    start_group "$longest" "$scratch/live" \
-        jalv -i -n "$live" -l "$scratch/state" https://puffguard.example/lv2/stereo
-    waits_for port_is_there "$live:out_right" && limited jack_lsp -l &&
-        [ "$(ports_with "$live" "capture latency = [ 9215 9215 ]")" -eq 2 ]
-    result $? "jalv loads a preset with another latency"
-    stop_group "$group"
-}
-
 check_in_time() {
     local before late
     before=$(late_blocks)
@@ -146,6 +132,5 @@ if start_client; then
     stop_group "$metro"
     check_counting
 fi
-check_preset
 stop_group "$server"
 finish

@@ -34,22 +34,22 @@ run_hosts() {
     done
 }
 
+# run_cli URI OPTION...: a host for the command line, whose options the rest are.
+run_cli() { limited "$2" -i "$scratch/in.wav" -o "$scratch/out.wav" "${@:3}" "$1"; }
+
 run_lv2apply() {
-    limited lv2apply -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -c sensitivity "$sensitivity" -c strength "$strength" \
-        -c upper_repair_frequency "$upper_frequency" "$1"
+    run_cli "$1" lv2apply -c sensitivity "$sensitivity" -c strength "$strength" \
+        -c upper_repair_frequency "$upper_frequency"
 }
 
 run_lv2file() {
-    limited lv2file -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -p "sensitivity:$sensitivity" -p "strength:$strength" \
-        -p "upper_repair_frequency:$upper_frequency" "$1"
+    run_cli "$1" lv2file -p "sensitivity:$sensitivity" -p "strength:$strength" \
+        -p "upper_repair_frequency:$upper_frequency"
 }
 
 run_lv2proc() {
-    limited lv2proc -i "$scratch/in.wav" -o "$scratch/out.wav" \
-        -c "sensitivity:$sensitivity" -c "strength:$strength" \
-        -c "upper_repair_frequency:$upper_frequency" "$1"
+    run_cli "$1" lv2proc -c "sensitivity:$sensitivity" -c "strength:$strength" \
+        -c "upper_repair_frequency:$upper_frequency"
 }
 
 run_ffmpeg() {

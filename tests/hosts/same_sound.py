@@ -33,11 +33,6 @@ def read(path):
     return channels, found[b"data"]
 
 
-def first_difference(one, other):
-    """In bytes; both are of one length."""
-    return next(i for i in range(len(one)) if one[i] != other[i])
-
-
 def main():
     (channels, expected), (same_channels, output), (_, source) = map(read, sys.argv[1:4])
     frame = 4 * channels
@@ -48,7 +43,9 @@ def main():
     if len(expected) < len(output):
         sys.exit("the reference is too short")
     if expected != output:
-        sys.exit(f"another sound from sample {first_difference(expected, output) // frame} on")
+        first = next(i for i in range(len(output)) if expected[i] != output[i])
+        sys.exit(f"another sound from sample {first // frame} on")
 
 
-main()
+if __name__ == "__main__":
+    main()

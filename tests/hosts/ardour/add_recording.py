@@ -9,7 +9,13 @@ into the document."""
 import os
 import re
 import shutil
+import struct
 import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+sys.dont_write_bytecode = True
+from same_sound import chunks # pylint: disable=wrong-import-position
 
 TICKS = 282240000  # of the host's clock, in a second
 
@@ -17,18 +23,9 @@ TICKS = 282240000  # of the host's clock, in a second
 def wav_format(path):
     """Channels, rate and frames of a RIFF file."""
     with open(path, "rb") as file:
-        data = file.read()
-    position, channels, rate, width = 12, 0, 0, 0
-    while position + 8 <= len(data):
-        name, size = data[position:position + 4], int.from_bytes(data[position + 4:position + 8], "little")
-        body = data[position + 8:position + 8 + size]
-        if name == b"fmt ":
-            channels, rate = int.from_bytes(body[2:4], "little"), int.from_bytes(body[4:8], "little")
-            width = int.from_bytes(body[12:14], "little")
-        elif name == b"data":
-            return channels, rate, len(body) // width
-        position += 8 + size + size % 2
-    raise ValueError(f"{path} has no audio")
+        found = dict(chunks(file.read()))
+    _, channels, rate, _, width, _ = struct.unpack_from("<HHIIHH", found[b"fmt "])
+    return channels, rate, len(found[b"data"]) // width
 
 
 def region(number, whole, channels, length):

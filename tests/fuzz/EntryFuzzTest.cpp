@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: ISC
 // Random calls of the built module's entry, with every record filled at random as far as it holds
 // no pointer. The seed stands in a failing test's output and gives the same calls again.
-#include "tests/fuzz/Rounds.h"
+#include "tests/support/FuzzRounds.h"
 #include "tests/support/ModuleHost.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
-#include <vector>
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "tests/fuzz/targets/TargetFolder.h"
 
 #include <cstdlib>
-#include <set>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

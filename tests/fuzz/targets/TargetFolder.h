@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace Fuzz {
@@ -20,9 +19,7 @@ public:
     std::string Put(const char* name, const uint8_t* data, size_t size) const
     {
         const std::filesystem::path file = GetPath() / name;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary)
-            .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+        Support::WriteText(file, {reinterpret_cast<const char*>(data), size});
         return file;
     }
 

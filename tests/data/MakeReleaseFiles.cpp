@@ -7,20 +7,11 @@
 #include "tests/support/TestHistoryDelegate.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
 using namespace ReleaseFiles;
 namespace fs = std::filesystem;
-
-void WriteBytes(const fs::path& path, const std::vector<uint8_t>& bytes)
-{
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-}
 
 bool MakeHistory(const fs::path& path,
                  const std::vector<uint8_t>& first,
@@ -66,7 +57,8 @@ int main(int argc, char** argv)
         instance.Set(index, value);
     }
     const std::vector<uint8_t> session = instance.SaveState();
-    WriteBytes(folder / SessionName, session);
+    Support::WriteText(folder / SessionName,
+                       {reinterpret_cast<const char*>(session.data()), session.size()});
     const PresetRecord saved =
         instance.RunPreset(PresetOpSave, (folder / PresetName).string(), 0, Comment);
     return saved.failed == 0 && MakeHistory(folder / HistoryName, first, session) ? 0 : 1;

@@ -4,13 +4,31 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 namespace Support {
+
+/// The bytes of a file; none where it can't be read.
+inline std::string ReadText(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Makes the file of these bytes, and the folders that lead to it.
+inline void WriteText(const std::filesystem::path& path, std::string_view text)
+{
+    std::error_code ignored; // a file in the way shows in what a test then finds
+    std::filesystem::create_directories(path.parent_path(), ignored);
+    std::ofstream(path, std::ios::binary) << text;
+}
 
 /// A fresh folder that goes with the object, whatever is in it by then.
 class TemporaryFolder {

@@ -12,8 +12,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 

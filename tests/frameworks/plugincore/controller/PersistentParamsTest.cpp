@@ -4,8 +4,8 @@
 #include "frameworks/plugincore/controller/ElementDispatcherControllerSet.h"
 #include "frameworks/plugincore/controller/PersistentParamsLink.h"
 #include "frameworks/plugincore/controller/PersistentRegistrationVisitor.h"
-#include "tests/frameworks/plugincore/controller/TestElement.h"
 #include "tests/support/Child.h"
+#include "tests/support/SavedElement.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestElementHost.h"
 
@@ -18,6 +18,7 @@
 namespace {
 
 using namespace Controller;
+using Support::SavedElement;
 using Side = DSP::Context;
 
 const char* const Settings = "SOFTWARE/Test/Persistent";
@@ -33,15 +34,15 @@ struct Instance {
     }
     void Set(float value)
     {
-        element.SetFloatValue(TestElement::Size, value, Side::UI, DSP::SourceHost);
+        element.SetFloatValue(SavedElement::Size, value, Side::UI, DSP::SourceHost);
     }
     float Value(Side side = Side::UI) const
     {
-        return element.GetFloatValue(TestElement::Size, side);
+        return element.GetFloatValue(SavedElement::Size, side);
     }
 
     Support::TestElementHost host;
-    TestElement element{host};
+    SavedElement element{host, "Test"};
     PersistentParamsLink link{PersistentParamsHolder::Share(Settings)};
 };
 
@@ -55,10 +56,10 @@ TEST_F(PersistentParamsTest, AnotherProcessLeavesItsValuesToTheNext)
     Support::Child child([] {
         Instance instance;
         instance.Set(33.5F);
-        instance.element.SetEnumValue(TestElement::Colour, 3, Side::UI, {});
-        instance.element.SetBoolValue(TestElement::Shown, false, Side::UI, {});
-        instance.element.SetFloatValue(TestElement::Level, 7.0F, Side::UI, {});  // not persistent
-        instance.element.SetBoolValue(TestElement::Active, false, Side::UI, {}); // nor this one
+        instance.element.SetEnumValue(SavedElement::Colour, 3, Side::UI, {});
+        instance.element.SetBoolValue(SavedElement::Shown, true, Side::UI, {});
+        instance.element.SetFloatValue(SavedElement::Amount, 7.0F, Side::UI, {}); // not persistent
+        instance.element.SetBoolValue(SavedElement::On, true, Side::UI, {});      // nor this one
     });
     ASSERT_EQ(child.Wait(), 0);
 
@@ -69,9 +70,9 @@ TEST_F(PersistentParamsTest, AnotherProcessLeavesItsValuesToTheNext)
                   "Params.Test.Bool.Shown", "Params.Test.Enum.Colour", "Params.Test.Float.Size"}));
     const Instance instance;
     EXPECT_EQ(instance.Value(Side::Process), 33.5F);
-    EXPECT_EQ(instance.element.GetEnumValue(TestElement::Colour, Side::Process), 3U);
-    EXPECT_FALSE(instance.element.GetBoolValue(TestElement::Shown, Side::Process));
-    EXPECT_EQ(instance.element.GetFloatValue(TestElement::Level, Side::UI), 1.0F);
+    EXPECT_EQ(instance.element.GetEnumValue(SavedElement::Colour, Side::Process), 3U);
+    EXPECT_TRUE(instance.element.GetBoolValue(SavedElement::Shown, Side::Process));
+    EXPECT_EQ(instance.element.GetFloatValue(SavedElement::Amount, Side::UI), 5.0F);
 }
 
 TEST_F(PersistentParamsTest, LiveInstancesFollowAtTheirOwnTickWithoutWritingAgain)
@@ -93,7 +94,7 @@ TEST_F(PersistentParamsTest, LiveInstancesFollowAtTheirOwnTickWithoutWritingAgai
     EXPECT_EQ(first.Value(), 50.0F);
     EXPECT_EQ(Instance().Value(), 50.0F);
     // What the process side changes is kept when it is polled.
-    first.element.SetFloatValue(TestElement::Size, 70.0F, Side::Process, DSP::SourceHost);
+    first.element.SetFloatValue(SavedElement::Size, 70.0F, Side::Process, DSP::SourceHost);
     first.element.SyncParams();
     EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 70.0F);
 }
@@ -137,7 +138,7 @@ TEST_F(PersistentParamsTest, ChangesAtTheSameTimeEndInOneValueEverywhere)
     EXPECT_EQ(file.ReadFloat("Params.Test.Float.Size", 0.0F), 60.0F);
     // One changes while the other is just taking over what it had before.
     bool changes = true;
-    second.element.GetDispatchInfo<float>(TestElement::Size)
+    second.element.GetDispatchInfo<float>(SavedElement::Size)
         ->AddObserver([&](Side, float, DSP::ValueSource) {
             if (std::exchange(changes, false)) {
                 first.Set(80.0F);
@@ -159,19 +160,19 @@ TEST_F(PersistentParamsTest, AListenerThatThrowsCostsNoOtherValue)
     Instance second;
     bool fails = true;
     const auto connection =
-        second.element.GetDispatchInfo<uint32_t>(TestElement::Colour)->Connect([&](uint32_t) {
+        second.element.GetDispatchInfo<uint32_t>(SavedElement::Colour)->Connect([&](uint32_t) {
             if (std::exchange(fails, false)) {
                 throw std::runtime_error("listener");
             }
         });
-    first.element.SetEnumValue(TestElement::Colour, 3, Side::UI, DSP::SourceHost);
+    first.element.SetEnumValue(SavedElement::Colour, 3, Side::UI, DSP::SourceHost);
     first.Set(77.0F); // its key comes after the other's
     EXPECT_THROW(second.link.ApplyChanges(), std::runtime_error);
     second.link.ApplyChanges();
-    EXPECT_EQ(second.element.GetEnumValue(TestElement::Colour, Side::UI), 3U);
+    EXPECT_EQ(second.element.GetEnumValue(SavedElement::Colour, Side::UI), 3U);
     EXPECT_EQ(second.Value(), 77.0F);
     // Taking over is done with: what changes here from now on is written.
-    second.element.SetEnumValue(TestElement::Colour, 1, Side::UI, DSP::SourceHost);
+    second.element.SetEnumValue(SavedElement::Colour, 1, Side::UI, DSP::SourceHost);
     EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 1U);
 }
 
@@ -181,9 +182,9 @@ TEST_F(PersistentParamsTest, ASettingThatCannotBeIsLimitedAndLeftAsItIs)
     file.WriteString("Params.Test.Float.Size", "nonsense");
     file.WriteString("Params.Test.Bool.Shown", "nonsense");
     const Instance instance;
-    EXPECT_EQ(instance.element.GetEnumValue(TestElement::Colour, Side::UI), 3U);
+    EXPECT_EQ(instance.element.GetEnumValue(SavedElement::Colour, Side::UI), 3U);
     EXPECT_EQ(instance.Value(), 20.0F);
-    EXPECT_TRUE(instance.element.GetBoolValue(TestElement::Shown, Side::UI));
+    EXPECT_FALSE(instance.element.GetBoolValue(SavedElement::Shown, Side::UI));
     EXPECT_EQ(file.ReadUInt("Params.Test.Enum.Colour", 0), 77U);
 }
 
@@ -206,7 +207,7 @@ TEST_F(PersistentParamsTest, LetsGoOfElementsAndTakesTheNextOnesAtTheSameValues)
 TEST_F(PersistentParamsTest, RegistrationKeepsItsOrderAndCanDoWithoutControllers)
 {
     Support::TestElementHost host;
-    TestElement element(host);
+    SavedElement element(host, "Test");
     PersistentParamsLink link(PersistentParamsHolder::Share(Settings));
     element.makeSet = []() -> std::shared_ptr<ControllerSet> {
         ADD_FAILURE() << "asked for controllers";
@@ -223,7 +224,7 @@ TEST_F(PersistentParamsTest, RegistrationKeepsItsOrderAndCanDoWithoutControllers
     Instance other;
     other.Set(40.0F);
     link.ApplyChanges();
-    EXPECT_EQ(element.GetFloatValue(TestElement::Size, Side::UI), 20.0F);
+    EXPECT_EQ(element.GetFloatValue(SavedElement::Size, Side::UI), 20.0F);
 }
 
 // Each thread is the UI thread of an instance that lives for a while, as in a host that has one a

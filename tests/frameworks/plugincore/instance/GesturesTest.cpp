@@ -13,10 +13,7 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstring>
-#include <filesystem>
 #include <sstream>
-#include <string>
 #include <thread>
 
 namespace {

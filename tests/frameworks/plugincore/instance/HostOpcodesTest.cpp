@@ -5,8 +5,6 @@
 #include "frameworks/plugincore/instance/GestureReport.h"
 #include "tests/frameworks/plugincore/instance/PluginRig.h"
 
-#include <chrono>
-#include <fstream>
 #include <future>
 #include <thread>
 
@@ -19,13 +17,6 @@ protected:
     uint32_t Dispatch(uint32_t selector, uint32_t context, void* data)
     {
         return DispatchEntryCall(factory, PLUGIN_CORE_MAGIC, selector, context, plugin.get(), data);
-    }
-    uint32_t Count(uint32_t opcode) const
-    {
-        return static_cast<uint32_t>(
-            std::count_if(calls.begin(), calls.end(), [opcode](const Call& call) {
-                return call.opcode == opcode;
-            }));
     }
 };
 
@@ -241,34 +232,10 @@ TEST_F(HostOpcodesTest, TheModuleListIsTheProducts)
     EXPECT_EQ(ask(ModuleListOpGetContent, 0), PluginCoreSuccess);
     EXPECT_STREQ(text, "first");
     EXPECT_EQ(bytes[1], 2U);
+    EXPECT_EQ(ask(6, 0), PluginCoreUnsupported);
     EXPECT_EQ(ask(ModuleListOpGetText, 0), PluginCoreSuccess);
     EXPECT_STREQ(text, "all of them");
 }
-
-/// An editor with a window, which notes its end.
-class WindowedEditor final : public Editor {
-public:
-    explicit WindowedEditor(bool& newIsOpen)
-        : isOpen(newIsOpen)
-    {
-        isOpen = true;
-    }
-    WindowedEditor(const WindowedEditor&) = delete;
-    WindowedEditor& operator=(const WindowedEditor&) = delete;
-    ~WindowedEditor() override { isOpen = false; }
-    uint64_t GetNativeWindow() const override { return 5; }
-    void BeginLoad() override {}
-    void EndLoad() override {}
-    void ParamChanged(const String& /*element*/, const String& /*param*/) override {}
-    void StateChanged() override {}
-    void CloseForFormat() override {}
-    void ReopenAfterFormat() override {}
-    void DetachControllers() override {}
-    void AttachControllers() override {}
-
-private:
-    bool& isOpen;
-};
 
 TEST_F(HostOpcodesTest, TheFactoryMakesTheEditorAndRegistersItsWidgetsOnce)
 {
@@ -276,30 +243,29 @@ TEST_F(HostOpcodesTest, TheFactoryMakesTheEditorAndRegistersItsWidgetsOnce)
     EditorRecord record{};
     record.x = 7;
     EXPECT_EQ(Dispatch(SelectorEditorCommand, ContextUI, &record), PluginCoreNoEditor);
-    bool isOpen = false;
     uint32_t made = 0;
     factory.makeEditor = [&](const PluginFactory::EditorPlace& place) {
         EXPECT_EQ(place.x, 7U);
         ++made;
-        return std::make_unique<WindowedEditor>(isOpen);
+        return std::make_unique<TestEditor>(factory.events, 5);
     };
     for (int i = 0; i < 2; ++i) { // the second time it is open
         EXPECT_EQ(Dispatch(SelectorEditorCommand, ContextUI, &record), PluginCoreSuccess);
-        EXPECT_TRUE(isOpen);
     }
     EXPECT_EQ(made, 1U);
     EXPECT_TRUE(plugin->HasNativeWindow());
     EditorRecord close{};
     close.op = EditorOpClose;
     EXPECT_EQ(Dispatch(SelectorEditorCommand, ContextUI, &close), PluginCoreSuccess);
-    EXPECT_FALSE(isOpen);
+    EXPECT_TRUE(factory.events.ends_with("gone "));
     EXPECT_FALSE(plugin->HasNativeWindow());
     EXPECT_EQ(Dispatch(SelectorEditorCommand, ContextUI, &record), PluginCoreSuccess);
     EXPECT_EQ(factory.registrations, 1U);
 
     const DestructorObserver observer(*plugin); // whoever is connected to an instance sees its end
+    factory.events.clear();
     plugin.reset();
-    EXPECT_FALSE(isOpen);
+    EXPECT_EQ(factory.events, "gone ");
     EXPECT_TRUE(observer.IsDestroyed());
 }
 

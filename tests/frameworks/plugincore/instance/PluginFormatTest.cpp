@@ -3,7 +3,6 @@
 #include "frameworks/plugincore/dispatch/Entry.h"
 #include "tests/frameworks/plugincore/instance/PluginRig.h"
 
-#include <string>
 #include <thread>
 
 namespace {
@@ -23,7 +22,7 @@ TEST_F(PluginFormatTest, ANewFormatOnTheEditorsThreadClosesAndReopensIt)
     plugin->SetStreamFormat(96000.0F, 1);
     EXPECT_EQ(Get(), 0.25F);
     EXPECT_EQ(Get(Gain, Side::UI), 0.25F);
-    EXPECT_EQ(CountParamEvents(), 0);
+    EXPECT_EQ(Count(HostOpcodeParamEvent), 0U);
     EXPECT_TRUE(factory.events.starts_with("save before close ")) << factory.events;
     EXPECT_EQ(factory.events.find("begin"), std::string::npos) << "it is closed while values load";
     EXPECT_NE(factory.events.find("after reopen "), std::string::npos) << factory.events;

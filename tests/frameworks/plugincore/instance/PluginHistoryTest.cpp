@@ -9,52 +9,30 @@
 #include "restoration/plugin/Global.h"
 #include "restoration/plugin_LM_Puffguard/PluginFactoryImpl.h"
 #include "restoration/ui/dialog/historyfile/HistoryLogic.h"
-#include "tests/frameworks/plugincore/instance/TestDefinition.h"
-#include "tests/frameworks/plugincore/instance/TestHistory.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/frameworks/plugincore/instance/PluginRig.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <thread>
-#include <vector>
 
 namespace {
 
 using Side = DSP::Context; // `Context` is a namespace of its own
 
-class TestEditor final : public Editor {
-public:
-    void BeginLoad() override {}
-    void EndLoad() override {}
-    void ParamChanged(const String& /*elementName*/, const String& /*paramName*/) override {}
-    void StateChanged() override { ++stateChanges; }
-    void CloseForFormat() override {}
-    void ReopenAfterFormat() override {}
-    void DetachControllers() override {}
-    void AttachControllers() override {}
-    int stateChanges = 0;
-};
+template <typename Record>
+uint32_t Send(Plugin& plugin, uint32_t message, Record& record)
+{
+    return plugin.HostMessage(Side::UI, {message, sizeof record, &record});
+}
 
-// Another product, with sessions.
-class SessionFactory final : public PluginFactory {
-public:
-    const PluginDefinition& GetDefinition() const override { return definition; }
-    std::unique_ptr<DSP::TransformBase>
-    CreateTransform(DSP::ElementHost& host, float rate, uint32_t layout) const override
-    {
-        return LMPuffguard::GetPluginFactory().CreateTransform(host, rate, layout);
-    }
-    std::unique_ptr<HistoryManager> CreateHistory(Plugin& /*plugin*/) const override
-    {
-        return std::make_unique<TestHistory>([this] { ++changes; });
-    }
-    TestDefinition definition{"Short"};
-    mutable std::atomic<int> changes{0};
-};
+void ApplyPreset(Plugin& plugin, const char* name)
+{
+    PresetRecord record{};
+    record.op = PresetOpApply;
+    record.name = name;
+    EXPECT_EQ(Send(plugin, PLUGIN_CORE_MESSAGE_PRESET, record), PluginCoreSuccess);
+    EXPECT_EQ(record.failed, 0) << &record.message[0];
+}
 
 class PluginHistoryTest : public testing::Test {
 protected:
@@ -62,13 +40,10 @@ protected:
     static constexpr uint32_t Sensitivity = 0;
     static constexpr uint32_t Strength = 1;
 
-    std::unique_ptr<Plugin> Make(const PluginFactory& factory, const char* options = "")
-    {
-        return std::make_unique<Plugin>(factory, MakeSetup(&OnHostCall, &opcodes, options));
-    }
     std::unique_ptr<Plugin> Make(const char* options = "")
     {
-        return Make(LMPuffguard::GetPluginFactory(), options);
+        return std::make_unique<Plugin>(LMPuffguard::GetPluginFactory(),
+                                        MakeSetup(&OnHostCall, &opcodes, options));
     }
     static UI::Dialog::HistoryLogic& LogicOf(const Plugin& plugin)
     {
@@ -85,11 +60,6 @@ protected:
         plugin.SetAutomatableParam(Side::UI, {Sensitivity, value});
         EXPECT_TRUE(plugin.GetHistory()->AddSnapshot("Sensitivity"));
     }
-    template <typename Record>
-    static uint32_t Send(Plugin& plugin, uint32_t message, Record& record)
-    {
-        return plugin.HostMessage(Side::UI, {message, sizeof record, &record});
-    }
     static HistoryRecord Do(Plugin& plugin, int32_t op, uint32_t index = 0, const char* path = "")
     {
         HistoryRecord record{};
@@ -102,14 +72,6 @@ protected:
     }
     static std::string TextOf(const HistoryRecord& record) { return &record.text[0]; }
     static std::string MessageOf(const HistoryRecord& record) { return &record.message[0]; }
-    static void ApplyPreset(Plugin& plugin, const char* name)
-    {
-        PresetRecord record{};
-        record.op = PresetOpApply;
-        record.name = name;
-        EXPECT_EQ(Send(plugin, PLUGIN_CORE_MESSAGE_PRESET, record), PluginCoreSuccess);
-        EXPECT_EQ(record.failed, 0) << &record.message[0];
-    }
     static void Gesture(Plugin& plugin, PluginCoreParamEvent kind, uint32_t index, float value = 0)
     {
         ParamEventRecord event{kind, index, value};
@@ -120,23 +82,23 @@ protected:
     {
         return *std::any_cast<Param*>(plugin.GetSet().ValueForKeyPath(path));
     }
-    // What was done, oldest first, of what the message lists.
-    static std::vector<std::string> Texts(Plugin& plugin, uint32_t count)
+    // What was done, oldest first, of what the message lists; all of it without a count.
+    static std::string Texts(Plugin& plugin, std::optional<uint32_t> count = std::nullopt)
     {
-        std::vector<std::string> texts;
-        for (uint32_t index = 0; index < count; ++index) {
-            texts.push_back(TextOf(Do(plugin, HistoryOpDescribe, index)));
+        std::string texts;
+        const uint32_t end = count ? *count : Do(plugin, HistoryOpList).count;
+        for (uint32_t index = 0; index < end; ++index) {
+            texts += index > 0 ? "|" : "";
+            texts += TextOf(Do(plugin, HistoryOpDescribe, index));
         }
         return texts;
-    }
-    static std::vector<std::string> Texts(Plugin& plugin)
-    {
-        return Texts(plugin, Do(plugin, HistoryOpList).count);
     }
     std::string FileNamed(const std::string& name) const { return user.Home() / ("data/" + name); }
 
     Support::UserFolders user;
     std::vector<uint32_t> opcodes; // that the host was called with
+    std::string events;
+    TestEditor editor{events};
 
 private:
     static uint32_t OnHostCall(
@@ -150,7 +112,6 @@ private:
 TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
 {
     auto plugin = Make();
-    TestEditor editor;
     plugin->AttachEditor(&editor);
     const float before = Get(*plugin);
     Change(*plugin, 0.25F);
@@ -170,11 +131,13 @@ TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
     EXPECT_EQ(LogicOf(*plugin).GetModel().snapshots.size(), 3U);
 
     // The editor was told once, since it hasn't looked yet.
-    EXPECT_EQ(editor.stateChanges, 1);
+    EXPECT_EQ(events.find("state "), events.rfind("state ")) << events;
+    EXPECT_NE(events.find("state "), std::string::npos) << events;
+    events.clear();
     EXPECT_TRUE(plugin->TakeStateChange());
     EXPECT_FALSE(plugin->TakeStateChange());
     EXPECT_TRUE(LogicOf(*plugin).StepForward());
-    EXPECT_EQ(editor.stateChanges, 2);
+    EXPECT_NE(events.find("state "), std::string::npos) << events;
     plugin->AttachEditor(nullptr);
     plugin->StateChanged();
     EXPECT_FALSE(plugin->TakeStateChange());
@@ -183,7 +146,6 @@ TEST_F(PluginHistoryTest, AStepBackBringsTheValueBackAndTheHostHearsOfIt)
 TEST_F(PluginHistoryTest, TheListReturnsWithTheSession)
 {
     auto first = Make();
-    TestEditor editor;
     first->AttachEditor(&editor);
     Change(*first, 0.25F);
     ASSERT_TRUE(LogicOf(*first).StoreSlot(2));
@@ -191,9 +153,10 @@ TEST_F(PluginHistoryTest, TheListReturnsWithTheSession)
     first->SetAutomatableParam(Side::UI, {Sensitivity, 0.123F});
     Util::Bytes chunk(first->GetStateSize());
     ASSERT_TRUE(first->GetChunk(chunk));
-    first->Terminate();
-    first.reset();
-    EXPECT_TRUE(std::filesystem::exists(FileNamed("Norvane/LM6Pfgd/QoLM6Pfgd.hst")));
+    first.reset(); // by a host that doesn't end it first
+    const std::string own = FileNamed("Norvane/LM6Pfgd");
+    EXPECT_TRUE(std::filesystem::exists(own + "/QoLM6Pfgd.hst"));
+    EXPECT_EQ(std::filesystem::status(own).permissions(), std::filesystem::perms(0700));
 
     auto second = Make();
     ASSERT_TRUE(second->SetChunk(chunk, 1, DSP::SourceHost));
@@ -202,16 +165,6 @@ TEST_F(PluginHistoryTest, TheListReturnsWithTheSession)
     EXPECT_TRUE(LogicOf(*second).RecallSlot(2));
     EXPECT_NEAR(Get(*second), 0.25F, 1e-6F);
     second->AttachEditor(nullptr);
-}
-
-TEST_F(PluginHistoryTest, AnInstanceThatIsDestroyedAtOnceKeepsItsList)
-{
-    const std::string folder = FileNamed("Norvane/LM6Pfgd");
-    auto plugin = Make();
-    Change(*plugin, 0.25F);
-    plugin.reset(); // by a host that doesn't end it first
-    EXPECT_TRUE(std::filesystem::exists(folder + "/QoLM6Pfgd.hst"));
-    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms(0700));
 }
 
 TEST_F(PluginHistoryTest, TheDepthIsTheUsersSetting)
@@ -261,13 +214,8 @@ TEST_F(PluginHistoryTest, WhatTheUserFinishesBecomesAStepWithoutAnEditor)
     sensitivity.SetValue(1.0F);
     Do(*plugin, HistoryOpResetAll);
     EXPECT_EQ(Texts(*plugin),
-              (std::vector<std::string>{"Initial State",
-                                        "Sensitivity: 6.5",
-                                        "Sensitivity: 8.0",
-                                        "Upper Repair Frequency: 240",
-                                        "Preset: Factory settings",
-                                        "Sensitivity: 1.0",
-                                        "Reset All"}));
+              "Initial State|Sensitivity: 6.5|Sensitivity: 8.0|Upper Repair Frequency: 240|"
+              "Preset: Factory settings|Sensitivity: 1.0|Reset All");
     const HistoryRecord last = Do(*plugin, HistoryOpDescribe, 6);
     EXPECT_EQ(last.isSelected, 1);
     EXPECT_GE(String(&last.time[0]), before);
@@ -287,8 +235,7 @@ TEST_F(PluginHistoryTest, WhatTheUserFinishesBecomesAStepWithoutAnEditor)
     auto other = Make();
     const std::string file = FileNamed("Norvane/LM6Pfgd/QoLM6Pfgd.hst");
     const HistoryRecord opened = Do(*other, HistoryOpOpen, 0, file.c_str());
-    EXPECT_EQ(Texts(*other, opened.count),
-              (std::vector<std::string>{"Initial State", "Sensitivity: 6.5", "Sensitivity: 2.0"}));
+    EXPECT_EQ(Texts(*other, opened.count), "Initial State|Sensitivity: 6.5|Sensitivity: 2.0");
     Do(*other, HistoryOpGoTo, 1);
     EXPECT_NEAR(Get(*other), 0.65F, 1e-6F);
     std::ofstream(file, std::ios::app) << "what stands behind";
@@ -306,7 +253,7 @@ TEST_F(PluginHistoryTest, ATouchInTheHostsOwnViewIsAStep)
     for (const float value : {0.6F, 0.7F, 0.8F}) {
         plugin->SetAutomatableParam(Side::UI, {Sensitivity, value});
     }
-    EXPECT_EQ(Texts(*plugin).size(), 1U); // it is still held
+    EXPECT_EQ(Texts(*plugin), "Initial State"); // it is still held
     Gesture(*plugin, ParamEventGestureEnds, Sensitivity);
     plugin->SetAutomatableParam(Side::UI, {Strength, 0.1F}); // automation
     Gesture(*plugin, ParamEventGestureBegins, Strength, 0.1F);
@@ -321,51 +268,52 @@ TEST_F(PluginHistoryTest, ATouchInTheHostsOwnViewIsAStep)
         const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
         steps = plugin->GetHistory()->GetModel().snapshots.size();
     }
-    EXPECT_EQ(Texts(*plugin),
-              (std::vector<std::string>{"Initial State", "Sensitivity: 8.0", "Strength: 2.0"}));
+    EXPECT_EQ(Texts(*plugin), "Initial State|Sensitivity: 8.0|Strength: 2.0");
     ParamEventRecord unknown{ParamEventGestureBegins, 4, 0};
     EXPECT_EQ(Send(*plugin, PLUGIN_CORE_MESSAGE_GESTURE, unknown), PluginCoreUnsupported);
     unknown = {ParamEventValueChanged, 0, 0};
     EXPECT_EQ(Send(*plugin, PLUGIN_CORE_MESSAGE_GESTURE, unknown), PluginCoreUnsupported);
 }
 
-TEST_F(PluginHistoryTest, EveryChangeOfTheStateReachesTheHistory)
+// With a signal path made for the test, and sessions.
+using RigHistoryTest = PluginRig::StateFixture;
+
+TEST_F(RigHistoryTest, EveryChangeOfTheStateReachesTheHistory)
 {
-    SessionFactory factory;
     factory.definition.timerPeriod = 1;
-    auto plugin = Make(factory);
-    plugin->SetAutomatableParam(Side::UI, {Sensitivity, 0.25F});
-    EXPECT_EQ(factory.changes, 1);
-    plugin->SetAutomatableParam(Side::UI, {Sensitivity, 0.25F});
-    EXPECT_EQ(factory.changes, 1);
+    plugin = std::make_unique<Plugin>(factory, MakeSetup(Answer, this));
+    factory.events.clear();
+    SetGain(0.25F);
+    EXPECT_EQ(factory.events, "history ");
+    SetGain(0.25F);
+    EXPECT_EQ(factory.events, "history ");
+    factory.events.clear();
     ApplyPreset(*plugin, "Factory settings");
-    EXPECT_EQ(factory.changes, 2);
-    {
-        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetProcessLock());
-        plugin->SetAutomatableParam(Side::Process, {Sensitivity, 0.75F});
-    }
-    EXPECT_EQ(factory.changes, 2);
+    EXPECT_NE(factory.events.find("history "), std::string::npos);
+    factory.events.clear();
+    Set(PluginRig::Gain, 0.75F, Side::Process);
+    EXPECT_EQ(factory.events, "");
     plugin->Initialize();
-    while (factory.changes < 3) { // the tick does it; the test's limit ends it
-        std::this_thread::yield();
+    for (bool isThere = false; !isThere; std::this_thread::yield()) { // the test's limit ends it
+        const Util::CriticalSectionGuard guard(plugin->GetThreadController().GetUILock());
+        isThere = factory.events.find("history ") != std::string::npos;
     }
 }
 
-TEST_F(PluginHistoryTest, TheInstancesOwnFileIsNamedByItsSession)
+TEST_F(RigHistoryTest, TheInstancesOwnFileIsNamedByItsSession)
 {
-    SessionFactory factory;
     for (const SessionMode mode :
          {SessionMode::Shared, SessionMode::OwnHistory, SessionMode::KeptIdentifier}) {
         factory.definition.sessionMode = mode;
-        auto plugin = Make(factory);
-        const String session = Util::FormatUuid(plugin->GetSessionUuid());
+        Create();
+        const std::string session = Util::FormatUuid(plugin->GetSessionUuid()).ToStdString();
         String path;
         plugin->GetHistoryFilePath(path);
-        const std::string expected = mode == SessionMode::Shared
-                                         ? "QoShort.hst"
-                                         : "QoShort_" + session.ToStdString() + ".hst";
-        EXPECT_EQ(path.ToStdString(), FileNamed("Test/Short/" + expected));
-        EXPECT_TRUE(std::filesystem::is_directory(FileNamed("Test/Short")));
+        const std::filesystem::path own = folders.Home() / "data/Test/Plugin";
+        EXPECT_EQ(
+            path.ToStdString(),
+            own / (mode == SessionMode::Shared ? "QoPlugin.hst" : "QoPlugin_" + session + ".hst"));
+        EXPECT_TRUE(std::filesystem::is_directory(own));
 
         HistoryModel model;
         plugin->LoadHistory(model);

@@ -226,11 +226,12 @@ protected:
         }
         return opcode == HostOpcodeLatencyChanged ? PluginCoreSuccess : PluginCoreUnsupported;
     }
-    std::ptrdiff_t CountParamEvents() const
+    uint32_t Count(uint32_t opcode) const
     {
-        return std::count_if(calls.begin(), calls.end(), [](const Call& call) {
-            return call.opcode == HostOpcodeParamEvent;
-        });
+        return static_cast<uint32_t>(
+            std::count_if(calls.begin(), calls.end(), [opcode](const Call& call) {
+                return call.opcode == opcode;
+            }));
     }
 
     Box& Create(float rate = 48000.0F, uint32_t layout = 0)

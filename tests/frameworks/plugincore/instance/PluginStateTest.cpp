@@ -2,8 +2,6 @@
 // The state of an instance: what a chunk holds, and what one of another form or a damaged one does.
 #include "tests/frameworks/plugincore/instance/PluginRig.h"
 
-#include <string>
-
 namespace {
 
 using namespace PluginRig;
@@ -71,9 +69,9 @@ TEST_F(PluginStateTest, LoadsByFormAndVersionOrChangesNothing)
         EXPECT_FLOAT_EQ(Get(), row.gain) << row.text.Left(200).c_str();
         EXPECT_FLOAT_EQ(Get(Gain, Side::UI), row.gain) << row.text.Left(200).c_str();
     }
-    EXPECT_EQ(CountParamEvents(), 0) << "the host is not told of its own change";
+    EXPECT_EQ(Count(HostOpcodeParamEvent), 0U) << "the host is not told of its own change";
     ASSERT_TRUE(plugin->SetChunk(ChunkOf(legacy), 1, DSP::SourceController));
-    EXPECT_EQ(CountParamEvents(), 1);
+    EXPECT_EQ(Count(HostOpcodeParamEvent), 1U);
 }
 
 TEST_F(PluginStateTest, ADamagedChunkReachesNobody)

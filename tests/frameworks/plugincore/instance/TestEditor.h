@@ -10,10 +10,15 @@
 /// Writes down what it is told.
 class TestEditor final : public Editor {
 public:
-    explicit TestEditor(std::string& newEvents)
+    explicit TestEditor(std::string& newEvents, uint64_t newWindow = 0)
         : events(newEvents)
+        , window(newWindow)
     {
     }
+    TestEditor(const TestEditor&) = delete;
+    TestEditor& operator=(const TestEditor&) = delete;
+    ~TestEditor() override { events += "gone "; }
+    uint64_t GetNativeWindow() const override { return window; }
     void BeginLoad() override { events += "begin "; }
     void EndLoad() override { events += "end "; }
     void ParamChanged(const String& element, const String& param) override
@@ -41,4 +46,5 @@ public:
 
 private:
     std::string& events;
+    const uint64_t window;
 };

@@ -8,12 +8,6 @@
 
 #include <bit>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <optional>
-#include <set>
-#include <string>
 #include <vector>
 
 #include <sys/resource.h>
@@ -23,22 +17,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using Support::ReadText;
+using Support::WriteText;
 using Util::Bytes;
 using Util::ConfigFile;
 
 constexpr const char* ProductKey = "SOFTWARE/Norvane/LM6Pfgd";
-
-std::string Slurp(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void Spill(const fs::path& path, const std::string& content)
-{
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-}
 
 class ConfigFileTest : public testing::Test {
 protected:
@@ -75,16 +59,14 @@ std::set<String> SubKeys(const ConfigFile& config, const String& subPath = {})
 
 TEST_F(ConfigFileTest, KeyPathsNameOneFileEachInsideTheConfigurationFolder)
 {
-    const struct {
-        const char* keyPath;
-        const char* file;
-    } cases[] = {{ProductKey, "Norvane/LM6Pfgd.json"},
-                 {"SOFTWARE\\Norvane\\Other", "Norvane/Other.json"},
-                 {"Norvane/Headless", "Norvane/Headless.json"},
-                 {"SOFTWARE/../../../up/./../x", "up/x.json"},
-                 {"//A//B/", "A/B.json"},
-                 {"A/B:*?\n..", "A/B____.json"},
-                 {"..hidden/1.2", "..hidden/1.2.json"}};
+    const std::pair<const char*, const char*> cases[] = {
+        {ProductKey, "Norvane/LM6Pfgd.json"},
+        {"SOFTWARE\\Norvane\\Other", "Norvane/Other.json"},
+        {"Norvane/Headless", "Norvane/Headless.json"},
+        {"SOFTWARE/../../../up/./../x", "up/x.json"},
+        {"//A//B/", "A/B.json"},
+        {"A/B:*?\n..", "A/B____.json"},
+        {"..hidden/1.2", "..hidden/1.2.json"}};
     for (const auto& [keyPath, file] : cases) {
         ConfigFile(keyPath).WriteBool("x", true);
         EXPECT_TRUE(fs::is_regular_file(Configuration() / file)) << keyPath;
@@ -125,10 +107,11 @@ TEST_F(ConfigFileTest, ValuesComeBackToAnotherObjectAndFromTheDisk)
         config.WriteBinary("binary", Bytes{0, 255, 10});
         config.WriteBool("bool", true);
     };
-    Spill(ProductFile(), "{}");
+    WriteText(ProductFile(), "{}");
     fs::create_hard_link(ProductFile(), Configuration() / "former");
     writeAll(); // the object is gone afterwards, and with it what was kept in memory
-    EXPECT_EQ(Slurp(Configuration() / "former"), "{}") << "a file is replaced, never written into";
+    EXPECT_EQ(ReadText(Configuration() / "former"), "{}")
+        << "a file is replaced, never written into";
     const ConfigFile config(ProductKey);
     EXPECT_EQ(config.ReadString("a/b.c=\"\xc3\xa4\"", ""), "line\nline");
     EXPECT_EQ(config.ReadString("", "default"), "");
@@ -169,23 +152,6 @@ TEST_F(ConfigFileTest, AnotherKindGivesTheDefaultAndNumbersAreOneKind)
     EXPECT_EQ(ValueNames(config), (std::set<String>{"five", "four", "number", "three"}));
 }
 
-TEST_F(ConfigFileTest, ReadsSeeAFileThatSomebodyEdited)
-{
-    const ConfigFile config(ProductKey);
-    const auto now = fs::file_time_type::clock::now();
-    // A file that is younger than the clock can tell may change and keep its time: here one time
-    // and one length for all. Then files that were there long before.
-    for (const auto& [age, step] : {std::pair(-1h, 0h), std::pair(2h, 1h)}) {
-        for (int32_t number = 1; number < 9; ++number) {
-            const auto text = String(R"({"x":{"Type":"Int","Value":%1}})").arg(number);
-            Spill(ProductFile(), text.ToStdString());
-            fs::last_write_time(ProductFile(), now - age - number * step);
-            EXPECT_EQ(config.ReadInt("x", 0), number);
-            EXPECT_EQ(config.ReadInt("x", 0), number);
-        }
-    }
-}
-
 // A clock of coarse steps gives two changes one time: a file that is hardly older than the reading
 // is read again. Whoever is kept waiting for too long in between tries once more.
 TEST_F(ConfigFileTest, ReadsSeeASecondChangeWithinAStepOfTheClock)
@@ -194,12 +160,12 @@ TEST_F(ConfigFileTest, ReadsSeeASecondChangeWithinAStepOfTheClock)
     const ConfigFile config(ProductKey);
     for (auto time = Clock::now() - 1h; Clock::now() - time > 50ms;) {
         time = Clock::now();
-        Spill(ProductFile(), R"({"x":{"Type":"Int","Value":1}})");
+        WriteText(ProductFile(), R"({"x":{"Type":"Int","Value":1}})");
         fs::last_write_time(ProductFile(), time);
         EXPECT_EQ(config.ReadInt("x", 0), 1);
     }
     const auto time = fs::last_write_time(ProductFile());
-    Spill(ProductFile(), R"({"x":{"Type":"Int","Value":2}})");
+    WriteText(ProductFile(), R"({"x":{"Type":"Int","Value":2}})");
     fs::last_write_time(ProductFile(), time);
     EXPECT_EQ(config.ReadInt("x", 0), 2);
 }
@@ -237,23 +203,23 @@ TEST_F(ConfigFileTest, DamagedFilesAreSetAsideByTheFirstWriteAndNeverLost)
     const std::vector<std::string> contents{
         "", "{", "[]", R"({"x":1})", badEnd + "\xff", std::string("\x7f") + "ELF"};
     for (const std::string& content : contents) {
-        Spill(ProductFile(), content);
+        WriteText(ProductFile(), content);
         ConfigFile config(ProductKey);
         EXPECT_FALSE(config.ReadBool("x", false)) << content;
-        EXPECT_EQ(Slurp(ProductFile()), content) << "a read changes nothing";
+        EXPECT_EQ(ReadText(ProductFile()), content) << "a read changes nothing";
         config.WriteString("y", content.substr(0, 1));
         EXPECT_EQ(config.ReadString("y", "none"), content.substr(0, 1).c_str());
     }
     std::multiset<std::string> kept;
     for (const fs::path& path : SetAside()) {
-        kept.insert(Slurp(path));
+        kept.insert(ReadText(path));
     }
     EXPECT_EQ(kept, std::multiset<std::string>(contents.begin(), contents.end()));
 }
 
 TEST_F(ConfigFileTest, AHugeFileGivesDefaultsAndIsSetAside)
 {
-    Spill(ProductFile(), "{");
+    WriteText(ProductFile(), "{");
     fs::resize_file(ProductFile(), (64U << 20) + 1);
     ConfigFile config(ProductKey);
     EXPECT_FALSE(config.HasValue("x"));
@@ -285,22 +251,22 @@ TEST_F(ConfigFileTest, WhatCannotBeWrittenIsKeptAndWrittenLater)
     for (const int32_t number : {2, 3}) {
         std::optional<ConfigFile> config(ProductKey);
         config->WriteInt("gone", 1);
-        const std::string before = Slurp(ProductFile());
+        const std::string before = ReadText(ProductFile());
         {
             const FullDisk full;
             config->WriteInt("kept", number);
             config->DeleteValue("gone");
             config->WriteWaiting();
         }
-        EXPECT_EQ(Slurp(ProductFile()), before);
+        EXPECT_EQ(ReadText(ProductFile()), before);
         EXPECT_EQ(ConfigFile(ProductKey).ReadInt("kept", 0), number);
         EXPECT_FALSE(config->HasValue("gone"));
         // What another process writes meanwhile stays.
-        Spill(ProductFile(),
-              R"({"gone":{"Type":"Int","Value":1},"other":{"Type":"Int","Value":4}})");
+        WriteText(ProductFile(),
+                  R"({"gone":{"Type":"Int","Value":1},"other":{"Type":"Int","Value":4}})");
         if (number == 2) {
             config->WriteWaiting();
-            EXPECT_NE(Slurp(ProductFile()).find("kept"), std::string::npos);
+            EXPECT_NE(ReadText(ProductFile()).find("kept"), std::string::npos);
         }
         config.reset(); // the end, at the latest
         EXPECT_EQ(ConfigFile(ProductKey).ReadInt("kept", 0), number);
@@ -325,14 +291,14 @@ TEST_F(ConfigFileTest, ACollectionIsWrittenOnceAtItsEnd)
         EXPECT_EQ(Support::flushCount, before);
         EXPECT_FALSE(fs::exists(ProductFile()));
     }
-    EXPECT_NE(Slurp(ProductFile()).find("\"y\""), std::string::npos);
+    EXPECT_NE(ReadText(ProductFile()).find("\"y\""), std::string::npos);
     EXPECT_EQ(ValueNames(config), std::set<String>{"y"});
 }
 
 TEST_F(ConfigFileTest, WhatCanNeverBeWrittenHarmsNobody)
 {
     fs::create_directories(ProductFile()); // a folder where the file should be
-    Spill(Configuration() / "Plain", "");
+    WriteText(Configuration() / "Plain", "");
     for (const char* keyPath : {ProductKey, "Plain/File", "Plain/Folder/File"}) {
         ConfigFile config(keyPath);
         config.WriteBool("x", true);

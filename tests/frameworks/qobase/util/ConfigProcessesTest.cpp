@@ -17,13 +17,6 @@
 #include <cerrno>
 #include <chrono>
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
-#include <optional>
-#include <set>
-#include <string>
 #include <thread>
 
 namespace {
@@ -123,8 +116,7 @@ TEST(ConfigProcesses, OneThatHangsWithTheLockHangsNoOther)
         << "who waited in vain doesn't wait again";
     holder.Kill();
     config.WriteWaiting();
-    std::ifstream file(folder / "LM6Pfgd.json");
-    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const std::string text = Support::ReadText(folder / "LM6Pfgd.json");
     EXPECT_NE(text.find("\"y\""), std::string::npos) << text;
 }
 

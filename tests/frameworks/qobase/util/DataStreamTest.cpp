@@ -11,7 +11,6 @@
 #include <functional>
 #include <initializer_list>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <string>
 #include <string_view>
 
 namespace {
@@ -173,10 +172,7 @@ TEST(Dictionary, OneBadMemberFailsTheWholeText)
 TEST(Dictionary, ANumberTooSmallForItsTypeIsZeroAndOneTooLargeIsRefused)
 {
     const std::string zeros(400, '0');
-    const struct {
-        std::string text;
-        std::optional<double> value;
-    } cases[] = {
+    const std::pair<std::string, std::optional<double>> cases[] = {
         {"1e-400", 0.0},
         {"-123.4e-999", -0.0},
         {"0." + zeros + "1", 0.0},
@@ -199,20 +195,11 @@ TEST(Dictionary, ANumberTooSmallForItsTypeIsZeroAndOneTooLargeIsRefused)
     }
 }
 
-TEST(Dictionary, DamagedTextIsRefusedOrReadButNeverHarmful)
+TEST(Dictionary, TextThatIsCutOffIsRefused)
 {
     const std::string text = Write(MakeTree());
     for (std::size_t length = 0; length < text.size(); ++length) {
         EXPECT_FALSE(Read(std::string_view(text).substr(0, length))) << length;
-    }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        for (const char character : {'"', '\\', '{', ']', ',', '9', '-', '\0', '\xff'}) {
-            std::string damaged = text;
-            damaged[i] = character;
-            // What passes as good has to be a tree that stands a further round.
-            const auto tree = Read(damaged);
-            EXPECT_TRUE(!tree || Read(Write(*tree)) == *tree) << damaged;
-        }
     }
 }
 

@@ -13,15 +13,8 @@
 #include <csignal>
 #include <cstdio>
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <limits>
 #include <set>
-#include <string>
-#include <string_view>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -33,6 +26,8 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Support::ReadText;
+using Support::WriteText;
 using Util::File;
 
 constexpr unsigned ChildSeconds = 60; // a child that hangs ends itself
@@ -40,17 +35,6 @@ constexpr unsigned ChildSeconds = 60; // a child that hangs ends itself
 Util::Bytes BytesOf(std::string_view text)
 {
     return {text.begin(), text.end()};
-}
-
-void Put(const std::string& path, std::string_view contents)
-{
-    std::ofstream(path, std::ios::binary) << contents;
-}
-
-std::string Contents(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::set<std::string> NamesIn(const fs::path& folder)
@@ -71,7 +55,7 @@ std::string TextOf(const Util::Expected<T>& result)
 /// A file of four bytes that is open for reading.
 File OpenForReading(const std::string& path)
 {
-    Put(path, "four");
+    WriteText(path, "four");
     File file(path);
     EXPECT_TRUE(file.Open(File::Mode::Read));
     return file;
@@ -123,7 +107,7 @@ TEST(File, IsWrittenReadAndMovedOverAnother)
 {
     const Support::TemporaryFolder folder;
     File file(folder / "file");
-    Put(folder / "file", "longer than what comes");
+    WriteText(folder / "file", "longer than what comes");
     ASSERT_TRUE(file.Open(File::Mode::Write));
     ASSERT_TRUE(file.Write("abcdef", 6));
     ASSERT_TRUE(file.Seek(2));
@@ -138,16 +122,16 @@ TEST(File, IsWrittenReadAndMovedOverAnother)
     ASSERT_TRUE(moved.Read(read, 4));
     EXPECT_EQ(std::string(read, 4), "bXYe");
 
-    Put(folder / "target", "replaced");
+    WriteText(folder / "target", "replaced");
     ASSERT_TRUE(File(folder / "file").Move(folder / "target"));
-    EXPECT_EQ(Contents(folder / "target"), "abXYef");
+    EXPECT_EQ(ReadText(folder / "target"), "abXYef");
     EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"target"});
 }
 
 TEST(File, NoCallTouchesTheFileBeforeANulByte)
 {
     const Support::TemporaryFolder folder;
-    Put(folder / "kept", "kept");
+    WriteText(folder / "kept", "kept");
     const String path = folder / std::string("kept\0.old", 9);
     EXPECT_FALSE(File(path).Exists());
     EXPECT_FALSE(File(path).Open(File::Mode::Write));
@@ -155,17 +139,17 @@ TEST(File, NoCallTouchesTheFileBeforeANulByte)
     EXPECT_FALSE(File(path).Move(folder / "moved"));
     EXPECT_FALSE(Util::ReplaceWholeFile(path, {}));
     EXPECT_FALSE(Util::ReadWholeFile(path));
-    EXPECT_EQ(Contents(folder / "kept"), "kept");
+    EXPECT_EQ(ReadText(folder / "kept"), "kept");
 }
 
 TEST(ReadWholeFile, TakesWhatComesUpToTheLimit)
 {
     const Support::TemporaryFolder folder;
-    Put(folder / "file", std::string(100000, 'x'));
+    WriteText(folder / "file", std::string(100000, 'x'));
     EXPECT_EQ(Util::ReadWholeFile(folder / "file", 100000)->size(), 100000U);
     const auto larger = Util::ReadWholeFile(folder / "file", 99999);
     EXPECT_EQ(TextOf(larger), "File is larger than 99999 bytes");
-    Put(folder / "empty", "");
+    WriteText(folder / "empty", "");
     EXPECT_TRUE(Util::ReadWholeFile(folder / "empty", 0)->empty());
     // States a size of 0, and has contents.
     EXPECT_GT(Util::ReadWholeFile("/proc/self/status")->size(), 100U);
@@ -194,7 +178,7 @@ TEST(WholeFile, IsOnTheDiskBeforeItHasItsNameAndTheFolderAfterwards)
     Support::onFlush = [&](int descriptor) {
         struct stat status {};
         fstat(descriptor, &status);
-        flushes.emplace_back(S_ISDIR(status.st_mode), Contents(path));
+        flushes.emplace_back(S_ISDIR(status.st_mode), ReadText(path));
     };
     const auto made = Util::CreateWholeFile(path, BytesOf("first"));
     const auto replaced = Util::ReplaceWholeFile(path, BytesOf("second"));
@@ -207,7 +191,7 @@ TEST(WholeFile, IsOnTheDiskBeforeItHasItsNameAndTheFolderAfterwards)
     Support::flushError = EIO;
     EXPECT_EQ(TextOf(Util::ReplaceWholeFile(path, BytesOf("third"))), "Flush failed");
     Support::flushError = 0;
-    EXPECT_EQ(Contents(path), "second");
+    EXPECT_EQ(ReadText(path), "second");
     EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"file"});
 }
 
@@ -215,18 +199,18 @@ TEST(ReplaceWholeFile, KeepsPermissionsAndFollowsLinks)
 {
     const Support::TemporaryFolder folder;
     fs::create_directory(folder / "deep");
-    Put(folder / "deep/file", "old");
+    WriteText(folder / "deep/file", "old");
     fs::permissions(folder / "deep/file", fs::perms(0640));
     fs::create_symlink("deep/file", folder / "near");
     fs::create_symlink(folder / "near", folder / "far");
     ASSERT_TRUE(Util::ReplaceWholeFile(folder / "far", BytesOf("new")));
-    EXPECT_EQ(Contents(folder / "deep/file"), "new");
+    EXPECT_EQ(ReadText(folder / "deep/file"), "new");
     EXPECT_EQ(fs::status(folder / "deep/file").permissions(), fs::perms(0640));
     EXPECT_TRUE(fs::is_symlink(folder / "near") && fs::is_symlink(folder / "far"));
 
     fs::create_symlink("deep/none", folder / "dangling");
     ASSERT_TRUE(Util::ReplaceWholeFile(folder / "dangling", BytesOf("made")));
-    EXPECT_EQ(Contents(folder / "deep/none"), "made");
+    EXPECT_EQ(ReadText(folder / "deep/none"), "made");
     EXPECT_EQ(NamesIn(folder / "deep"), (std::set<std::string>{"file", "none"}));
 
     // The user's mask counts for a new file, and not for one that had its permissions already.
@@ -242,7 +226,7 @@ TEST(ReplaceWholeFile, KeepsPermissionsAndFollowsLinks)
 TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)
 {
     const Support::TemporaryFolder folder;
-    Put(folder / "file", "old");
+    WriteText(folder / "file", "old");
     fs::create_directory(folder / "folder");
     fs::create_symlink("loop", folder / "loop");
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -254,12 +238,12 @@ TEST(ReplaceWholeFile, LeavesTheFolderAsItWasWhenItFails)
     const std::string longName(300, 'n');
     EXPECT_FALSE(Util::ReplaceWholeFile(folder / longName, BytesOf("new")));
     EXPECT_EQ(NamesIn(folder.Path()), before);
-    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_EQ(ReadText(folder / "file"), "old");
     EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
     if (geteuid() != 0) { // nothing is read-only for an administrator
         fs::permissions(folder / "file", fs::perms(0444));
         EXPECT_FALSE(Util::ReplaceWholeFile(folder / "file", BytesOf("new")));
-        EXPECT_EQ(Contents(folder / "file"), "old");
+        EXPECT_EQ(ReadText(folder / "file"), "old");
     }
 }
 
@@ -280,12 +264,12 @@ void RunWithSmallFiles(const std::function<Util::Expected<void>()>& action)
 TEST(FileDeathTest, AFullDiskEndsTheWriteAndNotTheProcess)
 {
     const Support::TemporaryFolder folder;
-    Put(folder / "file", "old");
+    WriteText(folder / "file", "old");
     const Util::Bytes large(5000, 'x');
     EXPECT_EXIT(RunWithSmallFiles([&] { return Util::ReplaceWholeFile(folder / "file", large); }),
                 testing::ExitedWithCode(0),
                 "^Attempt to write 5000 bytes, only wrote 1000 bytes$");
-    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_EQ(ReadText(folder / "file"), "old");
     EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"file"});
     EXPECT_EXIT(RunWithSmallFiles([&] {
                     File file(folder / "other");
@@ -299,7 +283,7 @@ TEST(FileDeathTest, AFullDiskEndsTheWriteAndNotTheProcess)
 TEST(FileDeathTest, AFileSystemWithoutOwnersOrPermissionsIsWrittenToAllTheSame)
 {
     const Support::TemporaryFolder folder;
-    Put(folder / "file", "old");
+    WriteText(folder / "file", "old");
     fs::permissions(folder / "file", fs::perms(0642));
     if (geteuid() == 0) {
         ASSERT_EQ(chown((folder / "file").c_str(), 12345, 12345), 0); // or no owner is to be kept
@@ -313,7 +297,7 @@ TEST(FileDeathTest, AFileSystemWithoutOwnersOrPermissionsIsWrittenToAllTheSame)
         _exit(Util::ReplaceWholeFile(folder / "file", BytesOf("new")) ? 0 : 1);
     };
     EXPECT_EXIT(replace(), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(Contents(folder / "file"), "new");
+    EXPECT_EQ(ReadText(folder / "file"), "new");
     EXPECT_EQ(fs::status(folder / "file").permissions() & ~fs::perms(0642), fs::perms::none);
 }
 
@@ -364,7 +348,7 @@ TEST(CreateWholeFile, NeverReplaces)
         const auto made = Util::CreateWholeFile(folder / name, BytesOf("new"));
         EXPECT_TRUE(made && !*made) << name;
     }
-    EXPECT_EQ(Contents(folder / "file"), "old");
+    EXPECT_EQ(ReadText(folder / "file"), "old");
     EXPECT_FALSE(Util::CreateWholeFile(folder / std::string(300, 'n'), BytesOf("new")));
     EXPECT_FALSE(Util::CreateWholeFile(folder / "file/below", BytesOf("new")));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 3);
@@ -416,7 +400,7 @@ TEST(WholeFile, ClearsAwayWhatKilledProcessesLeft)
 {
     const Support::TemporaryFolder folder;
     const auto put = [&](const std::string& name, std::chrono::hours age) {
-        Put(folder / name, "x");
+        WriteText(folder / name, "x");
         fs::last_write_time(folder / name, fs::file_time_type::clock::now() - age);
         return name;
     };

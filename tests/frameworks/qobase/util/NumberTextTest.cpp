@@ -8,7 +8,6 @@
 
 #include <bit>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -17,7 +16,6 @@
 #include <random>
 #include <set>
 #include <sstream>
-#include <string>
 
 namespace {
 

@@ -6,11 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
+#include <tuple>
 #include <utility>
-#include <vector>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -23,11 +20,7 @@ namespace Path = Util::Path;
 
 TEST(Path, JoinsWithOneSeparator)
 {
-    const struct {
-        const char* folder;
-        const char* file;
-        const char* joined;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"a", "b", "a/b"},
         {"a/", "b", "a/b"},
         {"a//", "//b/c", "a/b/c"},
@@ -36,19 +29,14 @@ TEST(Path, JoinsWithOneSeparator)
         {"", "/b", "/b"},
         {"a", "", "a/"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Path::Join(row.folder, row.file), row.joined);
+    for (const auto& [folder, file, joined] : rows) {
+        EXPECT_EQ(Path::Join(folder, file), joined);
     }
 }
 
 TEST(Path, TakesPathsApart)
 {
-    const struct {
-        const char* path;
-        const char* folder;
-        const char* name;
-        const char* stem;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
         {"a/b.c.xml", "a", "b.c.xml", "b.c"},
         {"/b", "/", "b", "b"},
         {"/a.b/c", "/a.b", "c", "c"},
@@ -58,10 +46,10 @@ TEST(Path, TakesPathsApart)
         {"a/b.", "a", "b.", "b"},
         {"", "", "", ""},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Path::GetFolder(row.path), row.folder) << row.path;
-        EXPECT_EQ(Path::GetFileName(row.path), row.name) << row.path;
-        EXPECT_EQ(Path::GetStem(row.path), row.stem) << row.path;
+    for (const auto& [path, folder, name, stem] : rows) {
+        EXPECT_EQ(Path::GetFolder(path), folder) << path;
+        EXPECT_EQ(Path::GetFileName(path), name) << path;
+        EXPECT_EQ(Path::GetStem(path), stem) << path;
     }
     EXPECT_EQ(Path::ToNative("a\\b/c"), "a/b/c");
 }
@@ -82,11 +70,7 @@ TEST(Path, MakesFoldersOrTellsWhyNot)
     const std::string place = folder.Path().string();
     std::ofstream(folder / "file") << "in the way";
     const std::string malformed = "Create(true) failed.  Input looks like a malformed UNC path";
-    const struct {
-        std::string path;
-        Path::Recursive recursive;
-        std::string text;
-    } rows[] = {
+    const std::tuple<std::string, Path::Recursive, std::string> rows[] = {
         {folder / "a/b", No, "_wmkdir() failed"},
         {folder / "a/b/c", Yes, "success"},
         {folder / "a/b/c", Yes, "success"},
@@ -108,8 +92,8 @@ TEST(Path, MakesFoldersOrTellsWhyNot)
         {"//" + place, Yes, "success"}, // three separators
         {"/" + place + "/e", Yes, "success"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(MakeText(row.path, row.recursive), row.text) << row.path;
+    for (const auto& [path, recursive, text] : rows) {
+        EXPECT_EQ(MakeText(path, recursive), text) << path;
     }
     for (const char* const made : {"a/b/c", "a/b/d", "s/t/u", "e"}) {
         EXPECT_TRUE(Path::IsDirectory(folder / made)) << made;
@@ -161,10 +145,7 @@ TEST(UserFolders, ReadDocumentsAsTheDesktopSetsThem)
     const Support::TemporaryFolder config;
     setenv("XDG_CONFIG_HOME", config.Path().c_str(), 1);
     EXPECT_EQ(Path::GetDocumentsFolder(), "/home/x/Documents");
-    const struct {
-        const char* lines;
-        const char* folder;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n", "/home/x/Dokumente"},
         {"# comment\n \tXDG_DOCUMENTS_DIR = \"/srv/my docs/\"", "/srv/my docs"},
         {"XDG_DOCUMENTS_DIR=\"$HOME/\"\n", "/home/x"},
@@ -176,9 +157,9 @@ TEST(UserFolders, ReadDocumentsAsTheDesktopSetsThem)
         {"XDG_DOCUMENTS_DIR=/a\nXDG_DOCUMENTS_DIR\nXDG_DOCUMENTS_DIR=", "/home/x/Documents"},
         {"XDG_DOCUMENTS_DIR=\"$HOMER/a\"\n", "/home/x/Documents"},
     };
-    for (const auto& row : rows) {
-        std::ofstream(config / "user-dirs.dirs") << row.lines;
-        EXPECT_EQ(Path::GetDocumentsFolder(), row.folder) << row.lines;
+    for (const auto& [lines, folder] : rows) {
+        std::ofstream(config / "user-dirs.dirs") << lines;
+        EXPECT_EQ(Path::GetDocumentsFolder(), folder) << lines;
     }
     std::ofstream(config / "user-dirs.dirs") << "XDG_DOCUMENTS_DIR=\"/d\\\\e\"\n";
     EXPECT_EQ(Path::ExpandUserFolders("%USERDOCS%\\a/b"), "/d\\e/a/b");

@@ -3,12 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <limits>
 #include <map>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace {
 
@@ -57,11 +53,7 @@ TEST(String, ComparesUnsignedBytesWhateverTheSignOfChar)
 
 TEST(String, ArgFillsTheLowestDigitLeftmostOnceOrIsAppended)
 {
-    const struct {
-        const char* pattern;
-        std::vector<const char*> arguments;
-        const char* expected;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<const char*>, const char*> rows[] = {
         {"%2 %1", {"a", "b"}, "b a"},
         {"%1%1", {"x"}, "x%1"},
         {"%1->%1", {"5", "5"}, "5->5"},

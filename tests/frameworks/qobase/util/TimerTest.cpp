@@ -6,7 +6,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <future>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>

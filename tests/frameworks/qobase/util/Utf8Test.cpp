@@ -10,10 +10,7 @@ using Util::Utf8::Decode;
 
 TEST(Utf8Test, TheFirstAndLastCharactersOfEachLengthDecode)
 {
-    const struct {
-        std::string text;
-        uint32_t code;
-    } cases[] = {
+    const std::pair<std::string, uint32_t> cases[] = {
         {std::string(1, '\0'), 0},
         {"\x7F", 0x7F},
         {"\xC2\x80", 0x80},
@@ -25,13 +22,13 @@ TEST(Utf8Test, TheFirstAndLastCharactersOfEachLengthDecode)
         {"\xF0\x90\x80\x80", 0x10000},
         {"\xF4\x8F\xBF\xBF", 0x10FFFF},
     };
-    for (const auto& one : cases) {
-        const auto character = Decode(one.text + "\x80");
-        ASSERT_TRUE(character) << one.text;
-        EXPECT_EQ(character->code, one.code);
-        EXPECT_EQ(character->length, one.text.size());
+    for (const auto& [text, code] : cases) {
+        const auto character = Decode(text + "\x80");
+        ASSERT_TRUE(character) << text;
+        EXPECT_EQ(character->code, code);
+        EXPECT_EQ(character->length, text.size());
         // Without its last byte it is none.
-        EXPECT_FALSE(Decode(one.text.substr(0, one.text.size() - 1))) << one.text;
+        EXPECT_FALSE(Decode(text.substr(0, text.size() - 1))) << text;
     }
 }
 

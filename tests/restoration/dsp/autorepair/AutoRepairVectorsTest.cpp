@@ -5,10 +5,10 @@
 #include "restoration/dsp/autorepair/PopFinder.h"
 #include "restoration/dsp/autorepair/SpanRepair.h"
 #include "tests/restoration/dsp/autorepair/MemoryStore.h"
+#include "tests/support/AudioFile.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sndfile.h>
 
 #include <cmath>
 #include <filesystem>
@@ -25,25 +25,7 @@ const double LargestChange = std::pow(10.0, -90.0 / 20); // -90 dBFS
 // Times in the vectors have four decimals: half a step beside the one sample.
 constexpr double TimeRounding = 0.5e-4;
 
-struct Audio {
-    std::vector<double> samples; // interleaved
-    int sampleRate = 0;
-    int channels = 0;
-};
-
-Audio ReadAudio(const fs::path& path)
-{
-    SF_INFO info{};
-    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
-    if (file == nullptr) {
-        throw std::runtime_error("can't read " + path.string());
-    }
-    Audio audio{{}, info.samplerate, info.channels};
-    audio.samples.resize(static_cast<std::size_t>(info.frames * info.channels));
-    sf_readf_double(file, audio.samples.data(), info.frames);
-    sf_close(file);
-    return audio;
-}
+using Audio = Support::AudioFile;
 
 Findings Find(const Audio& audio)
 {
@@ -102,7 +84,7 @@ double CompareScores(const ScoreTrack& track, const nlohmann::json& vector)
 void CompareVector(const fs::path& path, const fs::path& recordings)
 {
     const nlohmann::json vector = nlohmann::json::parse(std::ifstream(path));
-    const Audio audio = ReadAudio(recordings / vector.at("recording").get<std::string>());
+    const Audio audio = Support::ReadAudio(recordings / vector.at("recording").get<std::string>());
     const Findings findings = Find(audio);
     EXPECT_NEAR(findings.scale.speechLevel, vector.at("speechLevelDb").get<double>(), 0.01);
     const double scoreError = CompareScores(findings.track, vector);
@@ -123,7 +105,7 @@ void CompareVector(const fs::path& path, const fs::path& recordings)
     EXPECT_LE(keepError, LargestKeepError);
 
     fs::path changePath = path;
-    const Audio expected = ReadAudio(changePath.replace_extension("change.flac"));
+    const Audio expected = Support::ReadAudio(changePath.replace_extension("change.flac"));
     ASSERT_EQ(expected.samples.size(), outcome.change.size());
     double changeError = 0;
     for (std::size_t i = 0; i < expected.samples.size(); ++i) {

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <deque>
 #include <numeric>
-#include <vector>
 
 namespace {
 

@@ -10,11 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <complex>
 #include <cstring>
 #include <numbers>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -145,34 +143,6 @@ TEST(OversampledFilterbank, FramesAddedNowAndThenComeOntoTheirOwnChannelOnly)
             std::equal(audio[0].begin() + begin, audio[0].begin() + end, input[0].begin() + begin))
             << begin;
     }
-}
-
-TEST(OversampledFilterbank, SineAtABinLeaksAsTheWindowsCosinesSay)
-{
-    // Blackman: neighbours at 0.25 / 0.42 and 0.04 / 0.42, nothing beyond. A sine at bin 100 has
-    // period F / 100, so that every full frame shows the same magnitudes.
-    DSP::FFTPool transforms("Test");
-    DSP::OversampledFilterbank bank(transforms);
-    bank.initialise(1, 8000, 1024);
-    bank.configure(0.1F, 8, DSP::WindowBlackman, -1);
-    Channels audio(1);
-    for (int i = 0; i < 1024; ++i) {
-        audio[0].push_back(static_cast<float>(std::sin(2 * std::numbers::pi * 100 * i / 1024.0)));
-    }
-    Channels spectra(1, std::vector<float>(8 * 1026));
-    bank.analyse(GetPointers(audio).data(), 1024, GetPointers(spectra).data(), 0, 0);
-    const auto bin = [&](std::size_t k) {
-        const float* const full = spectra[0].data() + 7 * 1026; // the first frame without silence
-        return std::complex<double>(std::complex(full[2 * k], full[2 * k + 1]));
-    };
-    EXPECT_NEAR(std::abs(bin(98) / bin(100)), 0.04 / 0.42, 1e-5);
-    EXPECT_LT(std::abs(bin(103) / bin(100)), 1e-5);
-    // The window is symmetric about n = (W - 1) / 2, which turns the neighbour by pi / F: seen only
-    // here is a window that is off by half a sample.
-    const std::complex<double> neighbour = -0.25 / 0.42 * std::polar(1.0, std::numbers::pi / 1024);
-    EXPECT_LT(std::abs(bin(101) / bin(100) - neighbour), 1e-5);
-    EXPECT_LT(std::abs(bin(100).real() / bin(100).imag()), 1e-5); // a sine from the frame's start
-    EXPECT_LT(bin(100).imag(), 0.0);
 }
 
 } // namespace

@@ -106,12 +106,7 @@ DSP::PeakTest TestMiddle(const std::vector<float>& history, float threshold)
 
 TEST(PeakTest, IsTheLargestOfItsWindowOrALocalOneWhileTheLevelStays)
 {
-    struct Row {
-        std::array<float, 7> window;
-        float threshold;
-        bool isPeak;
-    };
-    const Row rows[] = {
+    const std::tuple<std::array<float, 7>, float, bool> rows[] = {
         {{1, 4, 30, 100, 50, 2, 3}, 99, true},
         {{1, 4, 30, 100, 50, 2, 3}, 100, false},    // strictly above
         {{0, 50, 50, 50, 50, 50, 0}, 10, true},     // every frame of a plateau is one
@@ -141,12 +136,7 @@ TEST(PeakTest, IsTheLargestOfItsWindowOrALocalOneWhileTheLevelStays)
 // Level: fourth root of 100 * 1 = 3.16, 100 being the peak and 1 the noise.
 TEST(RepairRegion, ReachesFromFootToFoot)
 {
-    struct Row {
-        std::array<float, 7> window;
-        float threshold;
-        std::array<int32_t, 2> region;
-    };
-    const Row rows[] = {
+    const std::tuple<std::array<float, 7>, float, std::array<int32_t, 2>> rows[] = {
         // Left: 3 holds 1, 4 holds 4, which exceeds it; down to its foot at 3. Right: 9 and 8 don't
         // exceed it, so from 7 down: 8, where 3 behind it rises.
         {{1, 4, 30, 100, 50, 2, 3}, 99, {3, 8}},

@@ -11,7 +11,6 @@
 #include <numbers>
 #include <random>
 #include <utility>
-#include <vector>
 
 namespace {
 

@@ -46,26 +46,6 @@ TEST(RunningHann, IsTheWeightedMeanOfTheLastValues)
     }
 }
 
-TEST(RunningHann, ResetRepeatsTheFirstRun)
-{
-    DSP::RunningHanns<float> averages;
-    averages.configure(2, 5, 1.0F);
-    const std::vector<float> values = MakeNoise(40, 1);
-    const auto run = [&] {
-        std::vector<float> results;
-        for (const float value : values) {
-            results.push_back(averages[0].process(value));
-            results.push_back(averages[1].process(2 * value));
-        }
-        return results;
-    };
-    const std::vector<float> first = run();
-    EXPECT_NE(run(), first);
-    averages.reset();
-    averages.reset(); // a second one finds nothing to do
-    EXPECT_EQ(run(), first);
-}
-
 TEST(RunningMax, IsTheLargestOfTheLastValues)
 {
     DSP::RunningMaxs<float> maxima;

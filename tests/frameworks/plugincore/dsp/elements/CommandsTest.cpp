@@ -8,9 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -44,15 +42,6 @@ private:
 
     std::string& notes;
     int steps;
-};
-
-class Element final : public DSP::ElementDispatcher {
-public:
-    explicit Element(DSP::ElementHost& owner)
-        : ElementDispatcher({owner, "Test", 48000.0F, 0})
-    {
-        FinaliseParams();
-    }
 };
 
 std::vector<std::unique_ptr<NullCommand>> MakeCommands(std::size_t count)
@@ -142,7 +131,7 @@ TEST(ElementCommands, PassBetweenTheSidesUntilAStepEndsThem)
     };
     for (const auto& [steps, events, expected] : cases) {
         Support::TestElementHost host;
-        Element element(host);
+        DSP::ElementDispatcher element({host, "Test", 48000.0F, 0});
         std::string notes;
         auto* const command = new NotingCommand(notes, steps);
         host.processing = *events == 'a';
@@ -165,7 +154,7 @@ TEST(ElementCommands, PassBetweenTheSidesUntilAStepEndsThem)
 TEST(ElementCommands, OlderOnesGoFirst)
 {
     Support::TestElementHost host;
-    Element element(host);
+    DSP::ElementDispatcher element({host, "Test", 48000.0F, 0});
     std::string notes;
     host.processing = true;
     element.PostCommand(new NotingCommand(notes, 1));
@@ -182,7 +171,7 @@ TEST(ElementCommands, AreDeletedWithTheirElement)
     host.processing = true;
     std::string notes;
     {
-        Element element(host);
+        DSP::ElementDispatcher element({host, "Test", 48000.0F, 0});
         element.PostCommand(new NotingCommand(notes, 9));
         element.PostCommand(new NotingCommand(notes, 9));
         element.SetCommandsDisabled(true);

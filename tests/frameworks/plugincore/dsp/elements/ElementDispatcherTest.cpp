@@ -9,8 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <new>
-#include <string>
-#include <vector>
 
 namespace {
 

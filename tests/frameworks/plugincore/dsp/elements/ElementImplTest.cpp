@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <numeric>
-#include <string>
-#include <vector>
 
 namespace {
 

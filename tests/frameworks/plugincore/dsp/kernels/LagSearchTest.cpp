@@ -7,10 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <functional>
 #include <random>
-#include <vector>
 
 using namespace DSP::Kernels;
 

@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <vector>
-
 using namespace DSP::Kernels;
 using Support::MakeNoise;
 

@@ -9,8 +9,6 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -125,12 +123,7 @@ TEST_F(ElementStateTest, SavesWhatWasAskedForLastNotWhatHasArrived)
 
 TEST_F(ElementStateTest, TakesOverWhatFitsAndKeepsTheRest)
 {
-    struct Row {
-        const char* name;
-        DictionaryValue value;
-        const char* expected;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, DictionaryValue, const char*> rows[] = {
         {"Amount", {3.5}, "3.5 2 on"},
         {"Amount", {1e300}, "10.0 2 on"},
         {"Amount", {-std::numeric_limits<double>::infinity()}, "0.0 2 on"},
@@ -149,13 +142,13 @@ TEST_F(ElementStateTest, TakesOverWhatFitsAndKeepsTheRest)
         {"Element Name", {1.0}, "2.5 2 on"},
     };
     const Dictionary before = DSP::BuildElementDictionary(*box);
-    for (const Row& row : rows) {
+    for (const auto& [name, value, expected] : rows) {
         Apply(before);
-        Apply(row.name, row.value);
-        EXPECT_EQ(Values(), row.expected) << row.name << " " << row.value.value.index();
+        Apply(name, value);
+        EXPECT_EQ(Values(), expected) << name << " " << value.value.index();
     }
-    Apply("Taste", {9.0});
-    EXPECT_EQ(box->GetFloatValue(Box::Taste, Context::Process), 0.0F);
+    Apply("Size", {9.0});
+    EXPECT_EQ(box->GetFloatValue(Box::Size, Context::Process), 20.0F);
     EXPECT_EQ(box->changes, 0) << "the host is not told of its own change";
     EXPECT_TRUE(box->extraBytes.empty()) << "none were saved";
     Apply("Extra Bytes", {Util::Bytes{9}});
@@ -201,7 +194,7 @@ TEST_F(ElementStateTest, ComparesWhatIsThereUnlessTheTablesDiffer)
     EXPECT_EQ(DSP::IsSameState(*box, data), true);
     data.SetFloat("Amount", 2.5F);
     data.SetEnum("Mode", 2);
-    data.SetFloat("Taste", 8.0F);
+    data.SetFloat("Size", 8.0F);
     EXPECT_EQ(DSP::IsSameState(*box, data), true);
     data.SetBool("On", false);
     EXPECT_EQ(DSP::IsSameState(*box, data), false);

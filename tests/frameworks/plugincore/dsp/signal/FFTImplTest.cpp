@@ -11,7 +11,6 @@
 #include <complex>
 #include <functional>
 #include <stdexcept>
-#include <vector>
 
 namespace {
 

@@ -9,8 +9,6 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestElementHost.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace PresetTests {
@@ -59,14 +57,10 @@ struct Fixture {
     std::string Write(const std::string& name, const std::string& text) const
     {
         const std::string path = folder / name;
-        std::ofstream(path, std::ios::binary) << text;
+        Support::WriteText(path, text);
         return path;
     }
-    static std::string Read(const std::string& path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    static std::string Read(const std::string& path) { return Support::ReadText(path); }
 };
 
 /// `text` with the first `from` replaced.

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,7 +39,6 @@ struct Manager : testing::Test, Fixture {
     std::string
     Put(const std::string& name, const std::string& from = "", const std::string& to = "")
     {
-        fs::create_directories((folder / name).substr(0, (folder / name).rfind('/')));
         return Write(name,
                      Replaced(Replaced(DefaultFile, "Amount\" Value=\"5\"", "Amount\" Value=\"9\""),
                               from,
@@ -360,27 +357,6 @@ TEST_F(Manager, KeepsItsListTrue)
     EXPECT_EQ(manager->Find("new")->fault, Invalid);
 }
 
-TEST_F(Manager, KeepsTheCommentOfWhatItReplaces)
-{
-    ASSERT_TRUE(manager->Save("Mine", "for Anna", Existing::Keep));
-    ASSERT_TRUE(manager->Save("mine", std::nullopt, Existing::Replace));
-    EXPECT_EQ(Find("Mine").GetComment(), "for Anna");
-    ASSERT_TRUE(manager->Save("Mine", "", Existing::Replace));
-    EXPECT_EQ(Find("Mine").GetComment(), "");
-}
-
-TEST_F(Manager, ChoosesAFolder)
-{
-    Put("team/theirs.xml");
-    EXPECT_EQ(manager->ChooseFolder(folder / "team").Value(), folder / "team/");
-    EXPECT_TRUE(manager->Find("theirs"));
-    Write("file", "in the way");
-    EXPECT_FALSE(manager->ChooseFolder(folder / "file/below"));
-    EXPECT_EQ(settings.ReadString("PresetFolder", ""), folder / "team");
-    EXPECT_EQ(manager->ChooseFolder("").Value(), folder / "user/");
-    EXPECT_FALSE(manager->Find("theirs"));
-}
-
 TEST_F(Manager, AppliesAPresetAndRemembersItAndWhetherItIsShown)
 {
     EXPECT_EQ(manager->GetLastActive(), "Default");
@@ -470,11 +446,7 @@ TEST_F(Manager, KeepsReadOnlyPresets)
 TEST_F(Manager, SaysWhyAFileCannotBeImported)
 {
     const std::string at = folder / "from/";
-    const struct {
-        const char* from;
-        const char* to;
-        const std::string message;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const std::string> cases[] = {
         {"</Puffguard>", "", "The file " + at + "bad.xml is not a valid preset file."},
         {"</LM6Pfgd>",
          "<Sliders><Slider/></Sliders></LM6Pfgd>",

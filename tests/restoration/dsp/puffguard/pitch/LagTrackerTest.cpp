@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
-#include <vector>
 
 namespace {
 
@@ -78,21 +77,6 @@ TEST(LagTracker, KeepsToWhatItHasFollowed)
     EXPECT_NEAR(Follow(high, MakeMixture(0, 0.2), 100), 190.0, 5.0);
     EXPECT_NEAR(Follow(low, mixture, 8), 120.0, 12.0);
     EXPECT_NEAR(Follow(high, mixture, 8), 190.0, 19.0);
-}
-
-TEST(LagTracker, ResetForgetsWhatItHasFollowed)
-{
-    const std::vector<float> mixture = MakeMixture(0.2, 0.2);
-    for (const double level : {0.0, 0.2}) {
-        LagTracker fresh = MakeTracker();
-        LagTracker used = MakeTracker();
-        Follow(used, MakeMixture(0.2 - level, level), 100);
-        used.Reset();
-        for (std::size_t run = 1; run < 20; ++run) {
-            const double expected = Follow(fresh, mixture, run);
-            EXPECT_EQ(Follow(used, mixture, run), expected) << run;
-        }
-    }
 }
 
 } // namespace

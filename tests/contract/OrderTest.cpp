@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <cstring>
 #include <random>
@@ -15,15 +14,14 @@ namespace {
 using namespace TestHost;
 using namespace Contract;
 
-/// Makes an instance and nothing more; for its caller to end.
-PluginCore* Create(uint32_t channels)
+/// Makes an instance of one channel and nothing more; for its caller to end.
+PluginCore* Create()
 {
     PluginCore* instance = nullptr;
     CreateRecord record{};
     std::strcpy(&record.modulePath[0], PUFFGUARD_MODULE);
     record.instance = &instance;
     record.sampleRate = 48000;
-    record.channelConfig = LayoutOf(channels);
     EXPECT_EQ(Call(SelectorCreatePlugin, UI, nullptr, &record), PluginCoreSuccess);
     return instance;
 }
@@ -50,26 +48,9 @@ bool ActsAtOnce(Instance& instance)
 
 } // namespace
 
-TEST(Order, InstancesEndFromEveryPointOfTheirLife)
-{
-    constexpr std::array<uint32_t, 4> Initialize = {0, 1, 2, 1};
-    constexpr std::array<uint32_t, 4> Terminate = {0, 0, 1, 2};
-    for (uint32_t round = 0; round < Rounds(1000); ++round) {
-        PluginCore* const instance = Create(1 + round % 2);
-        ASSERT_NE(instance, nullptr);
-        for (uint32_t i = 0; i < Initialize[round % 4]; ++i) {
-            EXPECT_EQ(Ask(instance, SelectorInitialize), PluginCoreSuccess);
-        }
-        for (uint32_t i = 0; i < Terminate[round % 4]; ++i) {
-            EXPECT_EQ(Ask(instance, SelectorTerminate), PluginCoreSuccess);
-        }
-        EXPECT_EQ(Ask(instance, SelectorDestroyPlugin), PluginCoreSuccess);
-    }
-}
-
 TEST(Order, NoTimerTicksForAnInstanceBeforeItIsInitialized)
 {
-    PluginCore* const instance = Create(1);
+    PluginCore* const instance = Create();
     const auto valueOf = [&](uint32_t context) {
         ParamValueRecord record = {Strength, 0};
         Call(SelectorGetAutomatableParamValue, context, instance, &record);

@@ -4,12 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstddef>
+#include <algorithm>
 #include <cstring>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -118,6 +115,7 @@ using ParamLists = Records;
 using ParamValues = Records;
 using ElementCommand = Records;
 using EditorCommand = Records;
+using StateCommands = Records;
 using OtherRecords = Records;
 
 TEST_F(ParamLists, HoldTheAutomatableRowsInOrder)
@@ -304,7 +302,7 @@ TEST_F(EditorCommand, WithoutAnEditorAnswersAsThereIsNone)
     EXPECT_EQ(point.found, 0U);
 }
 
-TEST_F(OtherRecords, StateCommandsAreOfFiveOperations)
+TEST_F(StateCommands, AreFiveOperationsThatTellNoStateFromOne)
 {
     for (int32_t op = -1; op <= 9; ++op) {
         // Four bytes that are no state: too short to hold anything.
@@ -322,19 +320,51 @@ TEST_F(OtherRecords, StateCommandsAreOfFiveOperations)
     }
 }
 
-TEST_F(OtherRecords, TheModuleListIsEmpty)
+TEST_F(StateCommands, SizeAndChunkBelongTogether)
 {
-    ModuleListRecord record{};
-    record.count = 9;
-    EXPECT_EQ(Ask(SelectorModuleListQuery, &record), PluginCoreSuccess);
-    EXPECT_EQ(record.count, 0U);
+    StateRecord record{};
+    record.op = StateOpGetSize;
+    ASSERT_EQ(Ask(SelectorStateCommand, &record), PluginCoreSuccess);
+    const uint32_t size = record.size;
+    std::vector<uint8_t> buffer;
+    for (record.op = StateOpGetCompareChunk; record.op >= StateOpGetChunk; --record.op) {
+        for (const uint32_t place : {0U, 3U, 4U, size - 1, size, size + 1}) {
+            buffer.assign(size + 8, 0xEE);
+            record.buffer = buffer.data();
+            record.size = place;
+            Ask(SelectorStateCommand, &record);
+            EXPECT_EQ(record.failed, place == size ? 0 : 1) << record.op << " " << place;
+            for (std::size_t i = std::min(place, size); i < buffer.size(); ++i) {
+                ASSERT_EQ(buffer[i], 0xEE) << record.op << " " << place << " " << i;
+            }
+        }
+        record.buffer = nullptr;
+        record.size = size;
+        Ask(SelectorStateCommand, &record);
+        EXPECT_EQ(record.failed, 1);
+    }
+    EXPECT_EQ(instance.SaveState(), instance.SaveState()) << "the same values give the same bytes";
+    // Hosts take "equal" for "the session is saved", and rely on it for any chunk of today.
+    std::vector<uint8_t> chunk = instance.SaveState();
+    instance.Set(Strength, 0.9F);
+    for (const uint32_t missing : {0U, 1U}) {
+        record = {};
+        record.op = StateOpCompareChunk;
+        record.buffer = chunk.data();
+        record.size = size - missing;
+        record.version = 1;
+        record.equal = 9;
+        Ask(SelectorStateCommand, &record);
+        EXPECT_EQ(record.failed, static_cast<int32_t>(missing));
+        EXPECT_EQ(record.equal, missing == 0 ? 1U : 9U) << "only a comparison that was made tells";
+    }
+}
+
+TEST_F(OtherRecords, ThereAreNoExtensions)
+{
     uint32_t extensions = 9;
     EXPECT_EQ(Ask(SelectorGetExtensionCount, &extensions), PluginCoreSuccess);
     EXPECT_EQ(extensions, 0U);
-    record.op = 6;
-    EXPECT_EQ(Ask(SelectorModuleListQuery, &record), PluginCoreUnsupported);
-    record.op = 3; // wants both pointers
-    EXPECT_EQ(Ask(SelectorModuleListQuery, &record), PluginCoreNullRecord);
 }
 
 TEST_F(OtherRecords, AHostMessageIsTakenWhenItIsForTheModule)

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
-
 namespace Realtime {
 
 std::string NameOf(const void* lock)

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <mutex>
 #include <new>
-#include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
@@ -23,29 +22,24 @@ void* kept = nullptr;
 /// Does the thing of this name; false when it doesn't know it.
 extern "C" __attribute__((visibility("default"))) bool Misbehave(const char* name)
 {
-    const std::string_view what = name;
-    if (what == "malloc") {
-        kept = std::malloc(16);
-    } else if (what == "free") {
-        std::free(std::exchange(kept, nullptr));
-    } else if (what == "new") {
-        kept = ::operator new(16);
-    } else if (what == "delete") {
-        ::operator delete(std::exchange(kept, nullptr));
-    } else if (what == "aligned new") {
-        kept = ::operator new (64, std::align_val_t{64});
-    } else if (what == "lock") {
-        const std::scoped_lock guard(plainMutex);
-    } else if (what == "try lock") {
-        const std::unique_lock attempt(plainMutex, std::try_to_lock);
-    } else if (what == "notify") {
-        plainCondition.notify_one();
-    } else if (what == "yield") {
-        std::this_thread::yield();
-    } else if (what == "write") {
-        return ::write(-1, "", 0) == -1;
-    } else if (what != "nothing") {
-        return false;
+    static constexpr std::pair<std::string_view, void (*)()> Deeds[] = {
+        {"nothing", [] {}},
+        {"malloc", [] { kept = std::malloc(16); }},
+        {"free", [] { std::free(std::exchange(kept, nullptr)); }},
+        {"new", [] { kept = ::operator new(16); }},
+        {"delete", [] { ::operator delete(std::exchange(kept, nullptr)); }},
+        {"aligned new", [] { kept = ::operator new (64, std::align_val_t{64}); }},
+        {"lock", [] { const std::scoped_lock guard(plainMutex); }},
+        {"try lock", [] { const std::unique_lock attempt(plainMutex, std::try_to_lock); }},
+        {"notify", [] { plainCondition.notify_one(); }},
+        {"yield", [] { std::this_thread::yield(); }},
+        {"write", [] { static_cast<void>(::write(-1, "", 0)); }},
+    };
+    for (const auto& [what, commit] : Deeds) {
+        if (what == name) {
+            commit();
+            return true;
+        }
     }
-    return true;
+    return false;
 }

@@ -3,14 +3,10 @@
 // the heap and the system, and takes no lock but the stated ones: whatever it sends or loads
 // between the blocks.
 #include "tests/contract/support/AudioCall.h"
-#include "tests/contract/support/Formats.h"
-#include "tests/contract/support/Takes.h"
+#include "tests/contract/support/FormatTest.h"
 #include "tests/realtime/Clean.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
-#include <optional>
 #include <random>
 #include <utility>
 
@@ -48,39 +44,27 @@ private:
     static inline uint32_t calls = 0;
 };
 
-class FormatRealtime : public testing::TestWithParam<Format> {
+class FormatRealtime : public FormatTest {
 protected:
-    // A new instance at each turn.
-    void Make(double newRate = 48000, uint32_t newChannels = 2)
-    {
-        rate = newRate;
-        channels = newChannels;
-        host = GetParam().make(rate, channels);
-        ASSERT_NE(host, nullptr);
-        ASSERT_TRUE(host->Activate(rate, 20'000));
-    }
-
     // Speech with bad samples in blocks of up to `longest` frames, with `between` before each, all
     // of it watched.
-    void PlayWatched(uint32_t longest, const std::function<void(uint32_t)>& between)
+    static void PlayWatched(FormatHost& host,
+                            Audio speech,
+                            uint32_t longest,
+                            const std::function<void(uint32_t)>& between)
     {
-        Audio speech = MakeSpeech(rate, channels);
         for (size_t i = 0; i < speech[0].size(); i += 1000) {
             speech[0][i] = std::numeric_limits<float>::quiet_NaN();
         }
         std::mt19937 engine(1);
         const CallWatch watch;
         uint32_t number = 0;
-        Play(*host, speech, [&] {
+        Play(host, speech, [&] {
             between(number++);
             return static_cast<uint32_t>(1 + engine() % longest);
         });
         EXPECT_GE(CallWatch::Count(), number) << "the host tells of its calls";
     }
-
-    double rate = 0;
-    uint32_t channels = 0;
-    std::unique_ptr<FormatHost> host;
 };
 
 constexpr struct {
@@ -93,11 +77,11 @@ constexpr struct {
 
 TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 {
-    for (const auto& [rateOfTurn, channelsOfTurn, longest] : Variety) {
-        SCOPED_TRACE(testing::Message() << rateOfTurn << " Hz, " << channelsOfTurn << " channels");
-        ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
+    for (const auto& [rate, channels, longest] : Variety) {
+        SCOPED_TRACE(testing::Message() << rate << " Hz, " << channels << " channels");
+        auto host = Make(rate, channels);
         const uint32_t every = longest < 100 ? 50 : 1;
-        PlayWatched(longest, [&](uint32_t number) {
+        PlayWatched(*host, MakeSpeech(rate, channels), longest, [&](uint32_t number) {
             if (number % every != 0) {
                 return;
             }
@@ -114,10 +98,10 @@ TEST_P(FormatRealtime, WhileEveryControlMovesAndTheBypassComesAndGoes)
 
 TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
 {
-    ASSERT_NO_FATAL_FAILURE(Make());
+    auto host = Make();
     const auto shortest = host->MakeSession(MakeShortestState());
     const std::vector<uint8_t> longest = host->Save();
-    PlayWatched(500, [&](uint32_t number) {
+    PlayWatched(*host, MakeSpeech(Rate, 2), 500, [&](uint32_t number) {
         if (number % 20 == 10) {
             ASSERT_TRUE(host->Load(number % 40 == 10 ? shortest : longest));
             host->Idle();
@@ -127,13 +111,13 @@ TEST_P(FormatRealtime, AfterAStateThatChangesTheLatencyToo)
 
 TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingOrCrossedAndAfterAReset)
 {
-    for (const auto& [rateOfTurn, channelsOfTurn, longest] : Variety) {
-        ASSERT_NO_FATAL_FAILURE(Make(rateOfTurn, channelsOfTurn));
+    for (const auto& [rate, channels, longest] : Variety) {
+        auto host = Make(rate, channels);
         std::vector<float> left(512, 0.25F);
         const float* inputs[8] = {left.data()};
         float* outputs[8] = {left.data()};
         float* none[8] = {};
-        PlayWatched(1000, [&](uint32_t number) {
+        PlayWatched(*host, MakeSpeech(rate, channels), 1000, [&](uint32_t number) {
             host->SetParameter(TestHost::Strength, static_cast<float>(number % 9) / 8);
             if (number % 3 == 0) {
                 host->Process(nullptr, nullptr, 0);
@@ -147,7 +131,4 @@ TEST_P(FormatRealtime, WithNoFramesWithChannelsMissingOrCrossedAndAfterAReset)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats,
-                         FormatRealtime,
-                         testing::ValuesIn(GetFormats()),
-                         Contract::NameOf<testing::TestParamInfo<Format>>);
+CONTRACT_FORMATS(FormatRealtime);

@@ -121,41 +121,19 @@ bool StartReporting() noexcept
 // Dynamic symbols of the program come before those of every library.
 #define STAND_IN extern "C" __attribute__((visibility("default")))
 
-STAND_IN void* malloc(std::size_t size) noexcept
-{
-    CountHeap();
-    return __libc_malloc(size);
-}
+#define STAND_IN_FOR_HEAP(Result, name, parameters, call)                                          \
+    STAND_IN Result name parameters noexcept                                                       \
+    {                                                                                              \
+        CountHeap();                                                                               \
+        return call;                                                                               \
+    }
 
-STAND_IN void* calloc(std::size_t count, std::size_t size) noexcept
-{
-    CountHeap();
-    return __libc_calloc(count, size);
-}
-
-STAND_IN void* realloc(void* memory, std::size_t size) noexcept
-{
-    CountHeap();
-    return __libc_realloc(memory, size);
-}
-
-STAND_IN void free(void* memory) noexcept
-{
-    CountHeap();
-    __libc_free(memory);
-}
-
-STAND_IN void* memalign(std::size_t alignment, std::size_t size) noexcept
-{
-    CountHeap();
-    return __libc_memalign(alignment, size);
-}
-
-STAND_IN void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept
-{
-    CountHeap();
-    return __libc_memalign(alignment, size);
-}
+STAND_IN_FOR_HEAP(void*, malloc, (std::size_t size), __libc_malloc(size))
+STAND_IN_FOR_HEAP(void*, calloc, (std::size_t n, std::size_t size), __libc_calloc(n, size))
+STAND_IN_FOR_HEAP(void*, realloc, (void* old, std::size_t size), __libc_realloc(old, size))
+STAND_IN_FOR_HEAP(void, free, (void* memory), __libc_free(memory))
+STAND_IN_FOR_HEAP(void*, memalign, (std::size_t a, std::size_t size), __libc_memalign(a, size))
+STAND_IN_FOR_HEAP(void*, aligned_alloc, (std::size_t a, std::size_t size), __libc_memalign(a, size))
 
 STAND_IN int posix_memalign(void** memory, std::size_t alignment, std::size_t size) noexcept
 {

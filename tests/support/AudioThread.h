@@ -1,33 +1,35 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "tests/support/ModuleHost.h"
-
 #include <atomic>
-#include <cmath>
-#include <random>
+#include <cstdint>
+#include <functional>
 #include <thread>
-#include <vector>
 
-namespace TestHost {
+namespace Support {
 
-/// Runs blocks of changing length on a thread of its own until the end of its life.
+/// Moves blocks on a thread of its own until the end of its life: `play` is one block, which
+/// answers whether it was good.
 class AudioThread {
 public:
-    explicit AudioThread(Instance& newInstance)
-        : instance(newInstance)
+    explicit AudioThread(std::function<bool()> play)
+        : thread([this, play = std::move(play)] {
+            while (!ending) {
+                good = play() && good;
+                ++blocks;
+            }
+        })
     {
     }
     AudioThread(const AudioThread&) = delete;
-    AudioThread(AudioThread&&) = delete;
     AudioThread& operator=(const AudioThread&) = delete;
-    AudioThread& operator=(AudioThread&&) = delete;
     ~AudioThread()
     {
         ending = true;
         thread.join();
     }
     bool SawOnlyGoodAudio() const { return good; }
+    uint32_t CountBlocks() const { return blocks; }
     /// Returns after so many more blocks.
     void WaitForBlocks(uint32_t count) const
     {
@@ -38,37 +40,10 @@ public:
     }
 
 private:
-    void Run()
-    {
-        // Buffers for the largest layout, since the other thread may change it before any block.
-        Audio audio(PLUGIN_CORE_MAX_CHANNELS, std::vector<float>(3000));
-        std::mt19937 engine(3);
-        while (!ending) {
-            for (auto& channel : audio) {
-                for (float& sample : channel) {
-                    sample = static_cast<float>(engine() % 1000) / 1000.0F - 0.5F;
-                }
-            }
-            const auto frames = static_cast<uint32_t>(1 + engine() % 3000);
-            if (instance.RunBlock(audio, 0, frames) != PluginCoreSuccess) {
-                good = false;
-            }
-            for (const auto& channel : audio) {
-                for (const float sample : channel) {
-                    if (!std::isfinite(sample) || std::abs(sample) > 8.0F) {
-                        good = false;
-                    }
-                }
-            }
-            ++blocks;
-        }
-    }
-
-    Instance& instance;
     std::atomic<bool> ending = false;
     std::atomic<bool> good = true;
     std::atomic<uint32_t> blocks = 0;
-    std::thread thread = std::thread([this] { Run(); });
+    std::thread thread; // last: it uses the rest
 };
 
-} // namespace TestHost
+} // namespace Support

@@ -12,29 +12,6 @@
 #include <random>
 
 namespace TestHost {
-namespace {
-
-/// Holds a flag for a few instructions.
-class SpinGuard {
-public:
-    explicit SpinGuard(std::atomic_flag& newFlag)
-        : flag(newFlag)
-    {
-        while (flag.test_and_set(std::memory_order_acquire)) {
-        }
-    }
-    SpinGuard(const SpinGuard&) = delete;
-    SpinGuard(SpinGuard&&) = delete;
-    SpinGuard& operator=(const SpinGuard&) = delete;
-    SpinGuard& operator=(SpinGuard&&) = delete;
-    ~SpinGuard() { flag.clear(std::memory_order_release); }
-
-private:
-    std::atomic_flag& flag;
-};
-
-} // namespace
-
 PluginCoreEntryFunction Entry()
 {
     // The module looks for the user's settings and finds a home of its own.
@@ -83,11 +60,8 @@ Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refc
         std::memcpy(&call.word, data, sizeof call.word);
     }
     auto& self = *static_cast<Instance*>(refcon);
-    {
-        const SpinGuard guard(self.callsBusy);
-        if (self.callCount < self.calls.size()) {
-            self.calls[self.callCount++] = call;
-        }
+    if (const std::size_t place = self.callCount++; place < self.calls.size()) {
+        self.calls[place] = uint64_t{opcode} << 40U | uint64_t{context} << 32U | call.word;
     }
     if (self.onHostCall) {
         self.onHostCall(call);
@@ -97,8 +71,14 @@ Instance::Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refc
 
 std::vector<HostCall> Instance::Calls()
 {
-    const SpinGuard guard(callsBusy);
-    return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(callCount)};
+    std::vector<HostCall> all;
+    for (std::size_t i = 0; i < std::min(callCount.load(), calls.size()); ++i) {
+        const uint64_t call = calls[i];
+        all.push_back({static_cast<uint32_t>(call >> 40U),
+                       static_cast<uint32_t>(call >> 32U & 0xFFU),
+                       static_cast<uint32_t>(call)});
+    }
+    return all;
 }
 
 uint32_t Instance::SetFormat(float sampleRate, uint32_t layout)

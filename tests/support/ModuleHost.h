@@ -97,11 +97,9 @@ private:
     Callback(uint32_t magic, uint32_t opcode, uint32_t context, void* refcon, void* data);
 
     PluginCore* instance = nullptr;
-    // Host calls come on the audio thread too, so keeping them takes neither the heap nor a lock
-    // that could wait.
-    std::atomic_flag callsBusy = ATOMIC_FLAG_INIT;
-    std::array<HostCall, 1024> calls{}; // guarded by callsBusy
-    std::size_t callCount = 0;          // guarded by callsBusy
+    // Host calls come on the audio thread too, so keeping them takes neither the heap nor a lock.
+    std::array<std::atomic<uint64_t>, 1024> calls{}; // opcode, context in a byte, word
+    std::atomic<std::size_t> callCount = 0;
 };
 
 /// A quiet noise floor with bursts of air that the module repairs: [channels][frames], the same for

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: ISC
 // The process call of every format under the real-time sanitizer: the wrappers and the module mark
 // theirs as non-blocking, and whatever could wait inside of one ends the program with a report.
-#include "tests/contract/support/Formats.h"
-#include "tests/contract/support/Takes.h"
+#include "tests/contract/support/FormatTest.h"
 
 #include "frameworks/qobase/util/CriticalSection.h"
 #include "frameworks/qobase/util/Realtime.h"
@@ -17,37 +16,22 @@
 #include <mutex>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace {
 
-using Contract::Audio;
-using Contract::Format;
-using Contract::FormatHost;
-
-constexpr double Rate = 48000;
 constexpr uint32_t Longest = 4096;
 constexpr int ExitOfReport = 43; // the sanitizer's own
 
-class RealtimeSanitizer : public testing::TestWithParam<Format> {
-protected:
-    void Make(uint32_t channels)
-    {
-        host = GetParam().make(Rate, channels);
-        ASSERT_NE(host, nullptr);
-        ASSERT_TRUE(host->Activate(Rate, Longest));
-    }
-
-    std::unique_ptr<FormatHost> host;
-};
+class RealtimeSanitizer : public Contract::FormatTest {};
 
 TEST_P(RealtimeSanitizer, FindsNothingWhileEveryControlMoves)
 {
     for (const uint32_t channels : {1U, 2U, 6U}) {
-        Make(channels);
+        auto host = Make(Rate, channels);
         for (const uint32_t block : {1U, 64U, 480U, Longest}) {
             const uint32_t every = block < 64 ? 500 : 1;
-            const Audio input = Contract::MakeSpeech(Rate, channels, block < 64 ? 0.1 : 0.8);
+            const Contract::Audio input =
+                Contract::MakeSpeech(Rate, channels, block < 64 ? 0.1 : 0.8);
             uint32_t number = 0;
             Contract::Play(*host, input, [&] {
                 if (const uint32_t step = number / every; number++ % every == 0) {
@@ -93,7 +77,7 @@ TEST_P(RealtimeSanitizer, WatchesFromTheFirstTouchOfTheHostsMemory)
 {
     // The module has a thread of its own, which a mere fork would leave behind.
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    Make(1);
+    auto host = Make(Rate, 1);
     std::vector<float> elsewhere(64);
     const auto run = [&](bool isInPlace) {
         const Trap trap;
@@ -108,10 +92,7 @@ TEST_P(RealtimeSanitizer, WatchesFromTheFirstTouchOfTheHostsMemory)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats,
-                         RealtimeSanitizer,
-                         testing::ValuesIn(Contract::GetFormats()),
-                         [](const auto& info) { return Contract::NameOf(info); });
+CONTRACT_FORMATS(RealtimeSanitizer);
 
 void CallWatched(void (*function)()) noexcept UTIL_NONBLOCKING
 {

@@ -4,8 +4,6 @@
 
 #include <dlfcn.h>
 
-#include <filesystem>
-#include <memory>
 #include <set>
 
 using ClapEntryTest = ClapTest;

@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
-#include <limits>
 #include <random>
 
 using ClapHost::InputEvents;
@@ -104,28 +101,15 @@ TEST_F(ClapPluginTest, AnEventCutsTheBlockAtItsSample)
     }
 }
 
-TEST_F(ClapPluginTest, FlushedOrProcessedAValueIsTheSame)
+// While it is active, the contract's host does so before each block of no frames.
+TEST_F(ClapPluginTest, AValueThatIsFlushedBeforeTheBeginningCounts)
 {
-    enum class Way { FlushedBefore, Flushed, InABlockOfNone, InTheBlock };
-    const Audio expected = Expected(8.0F);
-    for (const Way way : {Way::FlushedBefore, Way::Flushed, Way::InABlockOfNone, Way::InTheBlock}) {
-        SCOPED_TRACE(static_cast<int>(way));
-        Plugin one(host);
-        InputEvents events;
-        events.AddValue(0, strength, 8.0);
-        if (way == Way::FlushedBefore) {
-            one.Flush(&events, nullptr);
-            EXPECT_EQ(one.GetValue(strength), 8.0);
-        }
-        ASSERT_TRUE(one.Activate(Rate));
-        if (way == Way::Flushed) {
-            one.Flush(&events, nullptr);
-        } else if (way == Way::InABlockOfNone) {
-            one.Send(nullptr, nullptr, 0, &events);
-        }
-        EXPECT_EQ(one.Send(Speech(), way == Way::InTheBlock ? &events : nullptr), expected);
-        EXPECT_EQ(one.GetValue(strength), 8.0);
-    }
+    InputEvents events;
+    events.AddValue(0, strength, 8.0);
+    plugin.Flush(&events, nullptr);
+    EXPECT_EQ(plugin.GetValue(strength), 8.0);
+    ASSERT_TRUE(plugin.Activate(Rate));
+    EXPECT_EQ(plugin.Send(Speech()), Expected(8.0F));
 }
 
 TEST_F(ClapPluginTest, WhatIsNotMeantForUsChangesNothing)
@@ -204,8 +188,8 @@ TEST_F(ClapTest, ATouchInTheHostsOwnViewIsAStepOfTheUndoHistory)
         touch(7.5); // on the audio thread
         plugin.Deactivate();
     }
-    std::ifstream stored(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
-    const std::string file{std::istreambuf_iterator<char>(stored), {}};
+    const std::string file =
+        Support::ReadText(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
     EXPECT_NE(file.find("Sensitivity: 6.5"), std::string::npos);
     EXPECT_NE(file.find("Sensitivity: 7.5"), std::string::npos);
 }

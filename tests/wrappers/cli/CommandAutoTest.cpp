@@ -2,9 +2,7 @@
 // The automatic repair as users run it, on a synthetic voice with bursts whose places are known.
 #include "tests/wrappers/cli/support/CommandFixture.h"
 
-#include <array>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <numbers>
 #include <random>

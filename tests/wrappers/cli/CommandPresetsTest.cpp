@@ -6,8 +6,6 @@
 
 #include <sys/stat.h>
 
-#include <filesystem>
-
 namespace {
 
 using namespace CliTest;

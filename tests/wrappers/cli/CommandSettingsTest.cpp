@@ -6,8 +6,6 @@
 #include "frameworks/qobase/util/ConfigFile.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <iterator>
 #include <map>
 
 namespace {

@@ -79,20 +79,6 @@ TEST_F(CommandStreams, AWavOfUnknownLengthRunsToItsEnd)
     EXPECT_EQ(Decode(outcome.out).samples, audio.samples);
 }
 
-TEST_F(CommandStreams, RawSamplesStayRaw)
-{
-    Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    std::string bytes;
-    for (const double sample : audio.samples) {
-        const auto value = static_cast<int16_t>(sample * 32768);
-        bytes += static_cast<char>(value & 0xFF);
-        bytes += static_cast<char>(value >> 8);
-    }
-    const Outcome outcome =
-        Succeed({"-", "-o", "-", "--raw", "s16,48000,2", "--bypass"}, {.input = bytes});
-    EXPECT_TRUE(outcome.out == bytes);
-}
-
 TEST_F(CommandStreams, AShortOrEmptyOrForeignStreamFails)
 {
     const std::string bytes = Make("wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);

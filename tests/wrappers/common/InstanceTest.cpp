@@ -18,40 +18,26 @@ TEST_F(InstanceTest, AStateThatGrowsWhileItIsSavedIsSavedWhole)
     EXPECT_EQ(instance->SaveState(), (std::vector<uint8_t>{'a', 'b', 'c'}));
 }
 
-TEST_F(InstanceTest, ABlockThatIsRefusedStaysAsItWas)
-{
-    const float input[2] = {0.25F, -0.5F};
-    float output[2] = {};
-    const float* inputs[2] = {input, input + 1};
-    float* outputs[2] = {output, output + 1};
-    EXPECT_TRUE(instance->Process({inputs, outputs, 1}, std::nullopt));
-    Refuse(SelectorProcess);
-    EXPECT_FALSE(instance->Process({inputs, outputs, 1}, std::nullopt));
-    EXPECT_EQ(output[0], 0.25F);
-    EXPECT_EQ(output[1], -0.5F);
-    EXPECT_TRUE(logged.empty()); // no log on the audio thread
-}
-
 TEST_F(InstanceTest, FromARefusedPieceOnABlockStaysAsItWas)
 {
     constexpr uint32_t Piece = Wrapper::BlockBuffers::PieceFrames;
-    std::vector<float> input(3 * Piece, 0.25F);
-    input[Piece] = 2.0F; // is refused
-    std::vector<float> expected = input;
-    std::fill_n(expected.begin(), Piece, -0.25F);
-    std::vector<float> output(input.size());
-    const float* inputs[2] = {input.data(), input.data()};
-    float* outputs[2] = {output.data(), nullptr}; // so that it goes in pieces
-    EXPECT_FALSE(instance->Process({inputs, outputs, 3 * Piece}, std::nullopt));
-    EXPECT_EQ(output, expected);
+    for (const uint32_t refused : {0U, Piece}) {
+        std::vector<float> input(3 * Piece, 0.25F);
+        input[refused] = 2.0F; // is refused
+        std::vector<float> expected = input;
+        std::fill_n(expected.begin(), refused, -0.25F);
+        std::vector<float> output(input.size());
+        const float* inputs[2] = {input.data(), input.data()};
+        float* outputs[2] = {output.data(), nullptr}; // so that it goes in pieces
+        EXPECT_FALSE(instance->Process({inputs, outputs, 3 * Piece}, std::nullopt));
+        EXPECT_EQ(output, expected);
+    }
+    EXPECT_TRUE(logged.empty()); // no log on the audio thread
 }
 
 TEST_F(InstanceTest, AModuleThatRefusesToBeginMakesNoInstanceAndTheLogSaysWhy)
 {
-    const struct {
-        uint32_t selector;
-        const char* line;
-    } cases[] = {
+    const std::pair<uint32_t, const char*> cases[] = {
         {SelectorCreatePlugin, "the module makes no instance (answer 6)"},
         {SelectorInitialize, "the module refuses to be initialised (answer 6)"},
         {SelectorGetAutomatableParamCount, "the module refuses to count its parameters (answer 6)"},

@@ -51,25 +51,6 @@ TEST_F(LastWordsTest, AValueIsSaidAgainUntilTheUISideActsOnItsParameter)
     EXPECT_EQ(Restate(), (Said{{0, 1.0F}, {1, 0.0F}}));
 }
 
-TEST_F(LastWordsTest, ABlockHasToBeginOnceForWhatTheUISideHasSet)
-{
-    words.Keep(0, 0.25F);
-    EXPECT_FALSE(words.MustBeginBlock());
-    words.MarkUIAhead();
-    words.MarkUIAhead();
-    EXPECT_TRUE(words.MustBeginBlock());
-    EXPECT_FALSE(words.MustBeginBlock());
-}
-
-TEST_F(LastWordsTest, ASessionTakesThePlaceOfWhatTheHostHasSetBefore)
-{
-    words.Keep(0, 0.25F);
-    EXPECT_TRUE(Load(true));
-    EXPECT_EQ(taken, (std::set<uint32_t>{0, 1}));
-    EXPECT_EQ(Restate(), Said{});
-    EXPECT_TRUE(words.MustBeginBlock());
-}
-
 TEST_F(LastWordsTest, WhatTheHostSetsWhileASessionIsLoadedStaysInEveryBlock)
 {
     words.Keep(0, 0.25F);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "tests/wrappers/common/support/ModuleTest.h"
 
-#include <fstream>
-
 using LoadingTest = ModuleTest;
 
 TEST_F(LoadingTest, WhatIsNoModuleOfThisVersionIsRefusedAndTheLogSaysWhy)

@@ -53,11 +53,7 @@ TEST(ParameterTest, NamesLoseTheUnitThatHostsShowElsewhere)
 
 TEST(ParameterTest, ValuesReadAsPeopleWriteThem)
 {
-    const struct {
-        Parameter parameter;
-        float normalised;
-        const char* text;
-    } cases[] = {
+    const std::tuple<Parameter, float, const char*> cases[] = {
         {Frequency(), 0.0F, "50.0 Hz"},
         {Frequency(), 1.0F, "500.0 Hz"},
         {Frequency(), 1.0F / 3, "200.0 Hz"},
@@ -81,11 +77,7 @@ TEST(ParameterTest, ValuesReadAsPeopleWriteThem)
 
 TEST(ParameterTest, TextIsTakenInTheFormsThatPeopleType)
 {
-    const struct {
-        Parameter parameter;
-        const char* text;
-        double value;
-    } cases[] = {
+    const std::tuple<Parameter, const char*, double> cases[] = {
         {Frequency(), "120", 120},
         {Frequency(), " 120.5hz ", 120.5},
         {Frequency(), "+1.2e2 HZ", 120},

@@ -5,10 +5,7 @@
 
 TEST(TextTest, AFieldHoldsWholeCharactersAndIsTerminated)
 {
-    const struct {
-        const char* text;
-        const char* expected;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"abcde", "abcde"},
         {"abcdef", "abcde"},
         {"abcd\xC3\xA9", "abcd"},     // two bytes, of which one would fit
@@ -17,10 +14,10 @@ TEST(TextTest, AFieldHoldsWholeCharactersAndIsTerminated)
         {"a\xF0\x9D\x84\x9E", "a\xF0\x9D\x84\x9E"},
         {"", ""},
     };
-    for (const auto& one : cases) {
+    for (const auto& [text, expected] : cases) {
         char field[6] = {'x', 'x', 'x', 'x', 'x', 'x'};
-        Wrapper::CopyText(one.text, field);
-        EXPECT_EQ(Wrapper::TextOf(field), one.expected);
-        EXPECT_EQ(field[5], '\0') << one.text;
+        Wrapper::CopyText(text, field);
+        EXPECT_EQ(Wrapper::TextOf(field), expected);
+        EXPECT_EQ(field[5], '\0') << text;
     }
 }

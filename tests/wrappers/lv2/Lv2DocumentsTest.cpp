@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: ISC
 // The bundle's documents say of ports and presets what the module says of its parameters and
 // presets. Hosts believe them without asking the plug-in.
+#include "frameworks/qobase/util/Base64.h"
 #include "tests/contract/support/Takes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/wrappers/lv2/support/Lv2Host.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <fstream>
-#include <iterator>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -23,26 +19,16 @@ using Texts = std::vector<std::string>;
 const std::string Address = "https://puffguard.example/lv2/";
 
 // Designations are those of the port groups' own vocabulary, in the order of wave files.
-const struct {
-    std::string name;
-    std::string group;
-    Texts designations;
-} Variants[] = {
+const std::tuple<std::string, std::string, std::vector<String>> Variants[] = {
     {"mono", "MonoGroup", {"center"}},
     {"stereo", "StereoGroup", {"left", "right"}},
     {"surround51",
      "FivePointOneGroup",
-     {"left", "right", "center", "lowFrequencyEffects", "rearLeft", "rearRight"}},
+     String("left|right|center|lowFrequencyEffects|rearLeft|rearRight").Split('|')},
     {"surround71",
      "SevenPointOneGroup",
-     {"left",
-      "right",
-      "center",
-      "lowFrequencyEffects",
-      "rearLeft",
-      "rearRight",
-      "sideLeft",
-      "sideRight"}},
+     String("left|right|center|lowFrequencyEffects|rearLeft|rearRight|sideLeft|sideRight")
+         .Split('|')},
 };
 
 // For good: sessions hold them.
@@ -51,8 +37,7 @@ const std::array<std::string, 4> Symbols = {
 
 std::string ReadDocument(const std::string& name)
 {
-    std::ifstream stream(PUFFGUARD_BUNDLE "/" + name + ".ttl", std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    return Support::ReadText(PUFFGUARD_BUNDLE "/" + name + ".ttl");
 }
 
 /// The text between the two, from behind `begin` on; empty when there is none.
@@ -99,23 +84,6 @@ float NumberOf(const std::string& piece, const std::string& property)
 std::string Quoted(const std::string& text)
 {
     return '"' + text + '"';
-}
-
-std::vector<uint8_t> DecodeBase64(const std::string& text)
-{
-    const std::string digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::vector<uint8_t> bytes;
-    uint32_t bits = 0;
-    uint32_t count = 0;
-    for (const char letter : text.substr(0, text.find('='))) {
-        bits = bits << 6U | static_cast<uint32_t>(digits.find(letter));
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes.push_back(static_cast<uint8_t>(bits >> count));
-        }
-    }
-    return bytes;
 }
 
 class Lv2DocumentsTest : public testing::Test {
@@ -192,13 +160,13 @@ TEST_F(Lv2DocumentsTest, AudioPortsAreTheSpeakersOfTheirGroup)
         for (const std::string direction : {"in", "out"}) {
             const std::string uri = "<" + Address + variant + "#" + direction + ">";
             EXPECT_NE(document.find(uri + "\n\ta pg:" + group + " ,"), std::string::npos);
-            for (const std::string& designation : designations) {
+            for (const String& designation : designations) {
                 ASSERT_LT(index, ports.size());
                 const std::string& port = ports[index];
                 EXPECT_EQ(ValueOf(port, "lv2:index"), std::to_string(index));
                 EXPECT_TRUE(ValueOf(port, "lv2:symbol").starts_with("\"" + direction + "_"));
                 EXPECT_EQ(ValueOf(port, "pg:group"), uri);
-                EXPECT_EQ(ValueOf(port, "lv2:designation"), "pg:" + designation);
+                EXPECT_EQ(ValueOf(port, "lv2:designation"), "pg:" + designation.ToStdString());
                 ++index;
             }
         }
@@ -227,8 +195,8 @@ TEST_F(Lv2DocumentsTest, PresetsAreTheProductsAndSetWhatTheModuleSets)
             // The state has what no port sets, such as a shorter delay.
             const auto channels = static_cast<uint32_t>(designations.size());
             Lv2Host::Plugin plugin(channels, 48000);
-            const auto chunk = DecodeBase64(Between(preset, Address + "state> \"", "\""));
-            ASSERT_EQ(plugin.Restore(plugin.MakeSaved(chunk)), LV2_STATE_SUCCESS);
+            const auto chunk = Util::DecodeBase64(Between(preset, Address + "state> \"", "\""));
+            ASSERT_EQ(plugin.Restore(plugin.MakeSaved(chunk.value())), LV2_STATE_SUCCESS);
             Contract::PlaySilence(plugin, channels, 64);
             EXPECT_EQ(plugin.GetLatency(), module.Latency());
             labels.insert(label);

@@ -50,11 +50,7 @@ TEST_F(Lv2Test, WhatIsNoStateIsRefusedAndChangesNothing)
     EXPECT_EQ(good->type, plugin.MakeSaved({}).type);
     Saved cut = *good;
     cut.bytes.pop_back();
-    const struct {
-        const char* name;
-        std::optional<Saved> saved;
-        LV2_State_Status status;
-    } cases[] = {
+    const std::tuple<const char*, std::optional<Saved>, LV2_State_Status> cases[] = {
         {"no property", std::nullopt, LV2_STATE_ERR_NO_PROPERTY},
         {"another type", Saved{good->key, 0, good->bytes}, LV2_STATE_ERR_BAD_TYPE},
         {"cut off", cut, LV2_STATE_ERR_UNKNOWN},

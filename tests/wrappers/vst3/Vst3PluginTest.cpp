@@ -5,12 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <fstream>
-#include <iterator>
-#include <map>
-#include <string>
 
 using Vst3Host::Held;
 using Vst3Host::Query;
@@ -79,13 +74,10 @@ TEST_F(Vst3PluginTest, TheFactoryDeclinesWhatItDoesNotHave)
     }
     ASSERT_EQ(factory->GetClassInfo(0, &info), V3_OK);
     int mark = 0;
-    const struct {
-        const uint8_t* classId;
-        const uint8_t* iid;
-    } cases[] = {{UnknownIid, v3_component_iid},
-                 {info.class_id, UnknownIid},
-                 {nullptr, v3_component_iid},
-                 {info.class_id, nullptr}};
+    const std::pair<const uint8_t*, const uint8_t*> cases[] = {{UnknownIid, v3_component_iid},
+                                                               {info.class_id, UnknownIid},
+                                                               {nullptr, v3_component_iid},
+                                                               {info.class_id, nullptr}};
     for (const auto& [classId, iid] : cases) {
         void* object = &mark;
         EXPECT_NE(factory->CreateInstance(classId, iid, &object), V3_OK);
@@ -129,12 +121,7 @@ TEST_F(Vst3PluginTest, ThereIsOneBusEachWayWithWhatTheHostArranges)
 {
     Vst3Host::Plugin plugin;
     ASSERT_TRUE(plugin);
-    const struct {
-        uint64_t inputs;
-        uint64_t outputs;
-        uint64_t result;
-        int32_t channels;
-    } cases[] = {
+    const std::tuple<uint64_t, uint64_t, uint64_t, int32_t> cases[] = {
         {Vst3Host::Mono, Vst3Host::Mono, Vst3Host::Mono, 1},
         {V3_SPEAKER_C, V3_SPEAKER_C, V3_SPEAKER_C, 1},
         {Vst3Host::Surround51, Vst3Host::Surround51, Vst3Host::Surround51, 6},
@@ -221,12 +208,7 @@ TEST_F(Vst3PluginTest, ValuesAreTextAndPlainNumbersBothWays)
 {
     Vst3Host::Plugin plugin;
     Vst3Host::IEditController& controller = *plugin.controller;
-    const struct {
-        uint32_t id;
-        double normalised;
-        double plain;
-        const char* text;
-    } cases[] = {
+    const std::tuple<uint32_t, double, double, const char*> cases[] = {
         {Strength, 0.0, 0.0, "0.00"},
         {Strength, 0.75, 7.5, "7.50"},
         {UpperFrequency, 0.5, 275.0, "275.0"},
@@ -339,8 +321,8 @@ TEST_F(Vst3PluginTest, ATouchInTheHostsOwnViewIsAStepOfTheUndoHistory)
         EXPECT_EQ(editing->EndEditFromHost(Strength), V3_OK);
         EXPECT_EQ(editing->BeginEditFromHost(12345), V3_INVALID_ARG);
     }
-    std::ifstream stored(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
-    const std::string file{std::istreambuf_iterator<char>(stored), {}};
+    const std::string file =
+        Support::ReadText(folders.Home() / "data/Norvane/LM6Pfgd/QoLM6Pfgd.hst");
     EXPECT_NE(file.find("Strength: 7.0"), std::string::npos);
     EXPECT_EQ(file.find("Strength: 6.0"), std::string::npos);
 }

@@ -8,8 +8,6 @@
 #include <dlfcn.h>
 
 #include <functional>
-#include <memory>
-#include <vector>
 
 using Vst3Host::Changes;
 

@@ -132,16 +132,13 @@ const void* Host::Find(const char* id)
             const std::scoped_lock guard(Of(self).mutex);
             Of(self).logged.emplace_back(text);
         }};
-    const struct {
-        std::string_view id;
-        const void* table;
-    } tables[] = {{CLAP_EXT_AUDIO_PORTS, &Ports},
-                  {CLAP_EXT_LATENCY, &Latency},
-                  {CLAP_EXT_PARAMS, &Params},
-                  {CLAP_EXT_STATE, &State},
-                  {CLAP_EXT_THREAD_CHECK, &Threads},
-                  {Clap::Abi::ExtLog, &Log},
-                  {Clap::Abi::ExtTail, &Tail}};
+    const std::pair<std::string_view, const void*> tables[] = {{CLAP_EXT_AUDIO_PORTS, &Ports},
+                                                               {CLAP_EXT_LATENCY, &Latency},
+                                                               {CLAP_EXT_PARAMS, &Params},
+                                                               {CLAP_EXT_STATE, &State},
+                                                               {CLAP_EXT_THREAD_CHECK, &Threads},
+                                                               {Clap::Abi::ExtLog, &Log},
+                                                               {Clap::Abi::ExtTail, &Tail}};
     Check(true, "get_extension");
     for (const auto& [name, table] : tables) {
         if (offersExtensions && name == id) {

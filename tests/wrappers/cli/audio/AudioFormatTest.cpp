@@ -14,20 +14,14 @@ using Cli::ChangeFormat;
 
 TEST(AudioFormatTest, ReplacesOnlyASubtypeThatTheContainerLacks)
 {
-    struct Case {
-        int format;
-        std::optional<int> container;
-        int expected;
-    };
     const int own = SF_FORMAT_AIFF | SF_FORMAT_PCM_24 | SF_ENDIAN_LITTLE;
     for (const auto& [format, container, expected] :
-         {Case{own, {}, own},
-          Case{SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_FLAC, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
-          Case{SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_16},
-          Case{SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_U8},
-          Case{SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_24},
-          Case{
-              SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_OGG, SF_FORMAT_OGG | SF_FORMAT_VORBIS}}) {
+         {std::tuple(own, std::optional<int>(), own),
+          {SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_FLAC, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+          {SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_16},
+          {SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_U8},
+          {SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_WAV, SF_FORMAT_WAV | SF_FORMAT_PCM_24},
+          {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_OGG, SF_FORMAT_OGG | SF_FORMAT_VORBIS}}) {
         EXPECT_EQ(ChangeFormat(format, container, std::nullopt, 48000, 1), expected);
     }
     const int plain = SF_FORMAT_WAV | SF_FORMAT_PCM_16;

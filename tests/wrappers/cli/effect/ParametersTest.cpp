@@ -28,13 +28,8 @@ float Stored(const Parameter& parameter, double value)
 TEST(ParametersTest, AValueComesBackAsItWasTyped)
 {
     // Every value with as many digits as a float surely holds, over three kinds of range.
-    struct Case {
-        double minimum;
-        double maximum;
-        int perUnit;
-    };
     for (const auto& [minimum, maximum, perUnit] :
-         {Case{50, 500, 1000}, Case{0, 10, 10000}, Case{0, 1, 100000}, Case{-1, 1, 10000}}) {
+         {std::tuple(50.0, 500.0, 1000), {0, 10, 10000}, {0, 1, 100000}, {-1, 1, 10000}}) {
         const Parameter parameter = Float(minimum, maximum);
         const int begin = static_cast<int>(minimum) * perUnit;
         const int end = static_cast<int>(maximum) * perUnit;

@@ -14,7 +14,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <filesystem>
 #include <utility>
 
 namespace {
@@ -122,16 +121,6 @@ TEST(OutputFileTest, FollowsALinkAndKeepsPermissions)
     ASSERT_EQ(::stat((folder / "real").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0640U);
     EXPECT_EQ(folder.List(), (Names{"link", "real"}));
-}
-
-TEST(OutputFileTest, TellsOfFoldersAndFullDevices)
-{
-    const TemporaryFolder folder;
-    EXPECT_THROW(OutputFile(FileName(folder.GetPath()), Overwrite::Allow), FileError);
-    EXPECT_THROW(OutputFile(FileName(folder / "no/such/folder"), Overwrite::Refuse), FileError);
-    EXPECT_THROW(OutputFile(FileName("/dev/full"), Overwrite::Refuse).WriteWhole("x"), FileError);
-    OutputFile(FileName("/dev/null"), Overwrite::Refuse).WriteWhole("x");
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
 } // namespace

@@ -59,18 +59,13 @@ TEST(OptionsTest, TakesEachControlUpToTheEndsOfItsRange)
 
 TEST(OptionsTest, NamesTheRangeThatAValueLeaves)
 {
-    struct Case {
-        const char* option;
-        const char* value;
-        const char* range;
-    };
-    for (const auto& [option, value, range] : {Case{"--sensitivity", "10.01", "0 to 10"},
-                                               Case{"--strength", "-1", "0 to 10"},
-                                               Case{"--upper-frequency", "49", "50 to 500"},
-                                               Case{"--latency-scaling", "nan", "0 to 1"},
-                                               Case{"--strength", "5x", "0 to 10"},
-                                               Case{"--block", "0", "1 to 65536"},
-                                               Case{"--jobs", "0", "1 to 256"}}) {
+    for (const auto& [option, value, range] : {std::tuple("--sensitivity", "10.01", "0 to 10"),
+                                               {"--strength", "-1", "0 to 10"},
+                                               {"--upper-frequency", "49", "50 to 500"},
+                                               {"--latency-scaling", "nan", "0 to 1"},
+                                               {"--strength", "5x", "0 to 10"},
+                                               {"--block", "0", "1 to 65536"},
+                                               {"--jobs", "0", "1 to 256"}}) {
         EXPECT_EQ(Complaint({"a.wav", option, value}),
                   fmt::format("{} {} is outside {}", option, value, range));
     }

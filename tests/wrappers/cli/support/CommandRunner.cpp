@@ -9,11 +9,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
-#include <filesystem>
-#include <functional>
-#include <string_view>
 #include <thread>
 
 namespace CliTest {

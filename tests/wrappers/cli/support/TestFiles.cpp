@@ -5,10 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <numbers>
 #include <random>
-#include <sstream>
 
 namespace CliTest {
 
@@ -79,36 +77,10 @@ void WriteAudio(const std::string& path, const Audio& audio)
     sf_close(file);
 }
 
-Audio ReadAudio(const std::string& path)
-{
-    Audio audio;
-    SF_INFO info = {};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    EXPECT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
-    if (file == nullptr) {
-        return audio;
-    }
-    audio.sampleRate = info.samplerate;
-    audio.channels = info.channels;
-    audio.format = info.format;
-    audio.samples.resize(static_cast<size_t>(info.frames * info.channels));
-    EXPECT_EQ(sf_readf_double(file, audio.samples.data(), info.frames), info.frames);
-    sf_close(file);
-    return audio;
-}
-
 std::string ReadBytes(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file.good()) << path;
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
-
-void WriteBytes(const std::string& path, const std::string& bytes)
-{
-    std::ofstream(path, std::ios::binary) << bytes;
+    EXPECT_TRUE(std::filesystem::exists(path)) << path;
+    return Support::ReadText(path);
 }
 
 } // namespace CliTest

@@ -3,8 +3,6 @@
 
 #include "tests/contract/support/AudioCall.h"
 
-#include <array>
-
 namespace Vst3Host {
 
 std::basic_string<int16_t> Text16(const std::string& text)

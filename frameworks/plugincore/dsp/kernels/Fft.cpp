@@ -66,16 +66,11 @@ struct Passed {
     const float* factors; // of the first one of two
 };
 
-template <typename Source>
-Passed RunAllButLastStep(const FftTables& tables, Source source) noexcept
+/// The passes between the first, whose results lie in array 0, and the last step.
+Passed RunMiddlePasses(const FftTables& tables) noexcept
 {
     SplitArray from = GetArray(tables, 0);
     SplitArray to = GetArray(tables, 1);
-    if (tables.half < FftFirstRadix * LevelLanes) {
-        RunFirstPass<NarrowLanes>(source, from, tables.half, tables.first);
-    } else {
-        RunFirstPass<LevelLanes>(source, from, tables.half, tables.first);
-    }
     Index length = tables.half / FftFirstRadix;
     Index stride = FftFirstRadix;
     const float* factors = tables.middle;
@@ -97,6 +92,18 @@ Passed RunAllButLastStep(const FftTables& tables, Source source) noexcept
     return {from, to, length, factors};
 }
 
+template <typename Source>
+Passed RunAllButLastStep(const FftTables& tables, Source source) noexcept
+{
+    const SplitArray target = GetArray(tables, 0);
+    if (tables.half < FftFirstRadix * LevelLanes) {
+        RunFirstPass<NarrowLanes>(source, target, tables.half, tables.first);
+    } else {
+        RunFirstPass<LevelLanes>(source, target, tables.half, tables.first);
+    }
+    return RunMiddlePasses(tables);
+}
+
 template <typename Target>
 void RunLastStep(const Passed& passed, Target target, Index half) noexcept
 {
@@ -109,14 +116,43 @@ void RunLastStep(const Passed& passed, Target target, Index half) noexcept
     }
 }
 
-/// Leaves the transform of the pairs of samples where it returns, Z[M] included.
-template <typename Source>
-SplitArray TransformPairs(const FftTables& tables, Source source) noexcept
+/// Leaves the transform where it returns, Z[M] included.
+SplitArray RunLastPass(const FftTables& tables, const Passed& passed) noexcept
 {
-    const Passed passed = RunAllButLastStep(tables, source);
     RunLastStep(passed, passed.free, tables.half);
     CloseCircle(passed.free, tables.half);
     return passed.free;
+}
+
+template <typename Source>
+SplitArray TransformPairs(const FftTables& tables, Source source) noexcept
+{
+    return RunLastPass(tables, RunAllButLastStep(tables, source));
+}
+
+/// The same of `count` products, at most a quarter of what the transform takes, and zeros.
+SplitArray TransformPaddedProduct(const FftTables& tables,
+                                  const float* samples,
+                                  const float* window,
+                                  Index count) noexcept
+{
+    const Index sixteenth = tables.half / FftFirstRadix;
+    const Index inputs = ((count + 1) / 2 + sixteenth - 1) / sixteenth;
+    float* const padded = GetArray(tables, 1).re; // free until the first pass is done
+    for (Index i = 0; i < count; ++i) {
+        padded[i] = samples[i] * window[i];
+    }
+    for (Index i = count; i < 2 * sixteenth * inputs; ++i) {
+        padded[i] = 0.0F;
+    }
+    const PairSource source = {padded};
+    const SplitArray target = GetArray(tables, 0);
+    if (tables.half < FftFirstRadix * LevelLanes) {
+        RunFirstPassOfFew<NarrowLanes>(source, inputs, target, tables.half, tables.first);
+    } else {
+        RunFirstPassOfFew<LevelLanes>(source, inputs, target, tables.half, tables.first);
+    }
+    return RunLastPass(tables, RunMiddlePasses(tables));
 }
 
 template <typename Source>
@@ -161,6 +197,25 @@ void ForwardOfProductWithPower(const FftTables& tables,
     SeparateMiddle(halves, tables, target);
 }
 
+void PowerOfPaddedProduct(const FftTables& tables,
+                          const float* samples,
+                          const float* window,
+                          std::ptrdiff_t count,
+                          std::ptrdiff_t binCount,
+                          float* power) noexcept
+{
+    const SplitArray halves = TransformPaddedProduct(tables, samples, window, count);
+    const PowerTarget target = {power};
+    const Index middle = tables.half / 2;
+    if (binCount > middle) {
+        Separate(halves, tables, 0, middle, target, target);
+        SeparateMiddle(halves, tables, target);
+    } else {
+        const Index end = (binCount + LevelLanes - 1) / LevelLanes * LevelLanes;
+        Separate(halves, tables, 0, end, target, NoTarget{});
+    }
+}
+
 /// The inverse transform of what was joined to array 1, which the first pass reads and frees.
 void InvertJoined(const FftTables& tables, float* samples) noexcept
 {
@@ -201,6 +256,7 @@ constinit const FftKernels Ffts = {
     .forward = Forward,
     .forwardOfProduct = ForwardOfProduct,
     .forwardOfProductWithPower = ForwardOfProductWithPower,
+    .powerOfPaddedProduct = PowerOfPaddedProduct,
     .inverse = Inverse,
     .inverseOfLowBins = InverseOfLowBins,
 };

@@ -64,6 +64,16 @@ struct FftKernels {
                                       float* spectrum,
                                       float* power) noexcept;
 
+    /// Powers re * re + im * im of the transform of samples[i] * window[i] for i below `count`, at
+    /// most F / 4, and zeros behind them. Of `power`, which has F / 2 + 1 floats, those below
+    /// `binCount` are of use. Nothing overlaps.
+    void (*powerOfPaddedProduct)(const FftTables& tables,
+                                 const float* samples,
+                                 const float* window,
+                                 std::ptrdiff_t count,
+                                 std::ptrdiff_t binCount,
+                                 float* power) noexcept;
+
     /// Counterpart of forward(), divided by F, so that one after the other gives the samples back.
     /// Doesn't read the imaginary parts of the first and the last bin.
     void (*inverse)(const FftTables& tables, const float* spectrum, float* samples) noexcept;

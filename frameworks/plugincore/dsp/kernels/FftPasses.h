@@ -104,22 +104,15 @@ struct Between {
     Vector<float, N> im[16];
 };
 
-/// The outer radix 4 of the first pass, of inputs `input` + 4 j. Lane 4 g + j of its results goes
-/// to lanes 4 g to 4 g + 3 of result j.
-template <int N, typename Source>
-[[gnu::always_inline]] inline void RunOuterButterfly(Source source,
-                                                     Index p,
-                                                     Index step,
+/// Results of an outer butterfly of the first pass, turned. Lane 4 g + j of them goes to lanes 4 g
+/// to 4 g + 3 of result j.
+template <int N>
+[[gnu::always_inline]] inline void PutOuterButterfly(const Four<N>& b,
                                                      Index input,
                                                      const FirstFactors<N>& factors,
                                                      Between<N>& target) noexcept
 {
     constexpr auto Indices = std::make_integer_sequence<int, N>{};
-    const Index from = p + step * input;
-    const Four<N> b = Butterfly(Four<N>{source.template Get<N>(from),
-                                        source.template Get<N>(from + 4 * step),
-                                        source.template Get<N>(from + 8 * step),
-                                        source.template Get<N>(from + 12 * step)});
     const ComplexVector<N> y1 = b.v1 * factors.Get(3 * input);
     const ComplexVector<N> y2 = b.v2 * factors.Get(3 * input + 1);
     const ComplexVector<N> y3 = b.v3 * factors.Get(3 * input + 2);
@@ -129,6 +122,37 @@ template <int N, typename Source>
     target.Put(1, input, {re.r1, im.r1});
     target.Put(2, input, {re.r2, im.r2});
     target.Put(3, input, {re.r3, im.r3});
+}
+
+/// The outer radix 4 of the first pass, of inputs `input` + 4 j.
+template <int N, typename Source>
+[[gnu::always_inline]] inline void RunOuterButterfly(Source source,
+                                                     Index p,
+                                                     Index step,
+                                                     Index input,
+                                                     const FirstFactors<N>& factors,
+                                                     Between<N>& target) noexcept
+{
+    const Index from = p + step * input;
+    PutOuterButterfly(Butterfly(Four<N>{source.template Get<N>(from),
+                                        source.template Get<N>(from + 4 * step),
+                                        source.template Get<N>(from + 8 * step),
+                                        source.template Get<N>(from + 12 * step)}),
+                      input,
+                      factors,
+                      target);
+}
+
+/// The same where all inputs but the first are 0.
+template <int N, typename Source>
+[[gnu::always_inline]] inline void RunOuterButterflyOfOne(Source source,
+                                                          Index from,
+                                                          Index input,
+                                                          const FirstFactors<N>& factors,
+                                                          Between<N>& target) noexcept
+{
+    const ComplexVector<N> x = source.template Get<N>(from);
+    PutOuterButterfly(Four<N>{x, x, x, x}, input, factors, target);
 }
 
 /// Lane `lane` of each group of four, in all four.
@@ -157,6 +181,27 @@ template <int N, int lane>
     StoreGroups<N>(target.im + at + 16 * lane, {b.v0.im, z1.im, z2.im, z3.im});
 }
 
+/// The inner ones, of all results of the outer ones.
+template <int N>
+[[gnu::always_inline]] inline void RunInnerButterflies(const Between<N>& source,
+                                                       const FirstFactors<N>& factors,
+                                                       SplitArray target,
+                                                       Index at) noexcept
+{
+    RunInnerButterfly<N, 0>(source, factors, target, at);
+    RunInnerButterfly<N, 1>(source, factors, target, at);
+    RunInnerButterfly<N, 2>(source, factors, target, at);
+    RunInnerButterfly<N, 3>(source, factors, target, at);
+}
+
+template <int N>
+[[gnu::always_inline]] inline FirstFactors<N> GetFirstFactors(const float* factors,
+                                                              Index p) noexcept
+{
+    const Index group = p / FftFirstGroup * FftFirstGroup;
+    return {factors + 2 * FftFirstFactors * group + (p - group)};
+}
+
 /// First pass: one of radix 4 and stride 1, and one of radix 4 and stride 4 that takes its results
 /// while they are at hand. `length` is at least 16 * N.
 template <int N, typename Source>
@@ -165,17 +210,29 @@ RunFirstPass(Source source, SplitArray target, Index length, const float* factor
 {
     const Index step = length / 16;
     for (Index p = 0; p < step; p += N) {
-        const Index group = p / FftFirstGroup * FftFirstGroup;
-        const FirstFactors<N> w = {factors + 2 * FftFirstFactors * group + (p - group)};
+        const FirstFactors<N> w = GetFirstFactors<N>(factors, p);
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the outer butterflies fill it
         Between<N> between;
         for (Index input = 0; input < 4; ++input) {
             RunOuterButterfly<N>(source, p, step, input, w, between);
         }
-        RunInnerButterfly<N, 0>(between, w, target, 16 * p);
-        RunInnerButterfly<N, 1>(between, w, target, 16 * p);
-        RunInnerButterfly<N, 2>(between, w, target, 16 * p);
-        RunInnerButterfly<N, 3>(between, w, target, 16 * p);
+        RunInnerButterflies(between, w, target, 16 * p);
+    }
+}
+
+/// The same of a source of which only the first `inputs` sixteenths, at most four, aren't 0.
+template <int N, typename Source>
+inline void RunFirstPassOfFew(
+    Source source, Index inputs, SplitArray target, Index length, const float* factors) noexcept
+{
+    const Index step = length / 16;
+    Between<N> between = {}; // what isn't filled stays 0
+    for (Index p = 0; p < step; p += N) {
+        const FirstFactors<N> w = GetFirstFactors<N>(factors, p);
+        for (Index input = 0; input < inputs; ++input) {
+            RunOuterButterflyOfOne<N>(source, p + step * input, input, w, between);
+        }
+        RunInnerButterflies(between, w, target, 16 * p);
     }
 }
 

@@ -56,6 +56,15 @@ struct PowerTarget {
     void PutOne(Index bin, float re, float im) const noexcept { power[bin] = re * re + im * im; }
 };
 
+/// Takes mirrors that nobody needs.
+struct NoTarget {
+    template <int N>
+    [[gnu::always_inline]] void PutMirrored(Index /*bin*/,
+                                            const ComplexVector<N>& /*value*/) const noexcept
+    {
+    }
+};
+
 /// The powers, and as pairs the bins below `binCount`.
 struct LowBinTarget {
     PairTarget low;

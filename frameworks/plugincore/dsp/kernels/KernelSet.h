@@ -4,9 +4,12 @@
 #include "frameworks/plugincore/dsp/kernels/Cascade.h"
 #include "frameworks/plugincore/dsp/kernels/Correlation.h"
 #include "frameworks/plugincore/dsp/kernels/Fft.h"
+#include "frameworks/plugincore/dsp/kernels/HalfBand.h"
 #include "frameworks/plugincore/dsp/kernels/LagSearch.h"
 #include "frameworks/plugincore/dsp/kernels/Level.h"
+#include "frameworks/plugincore/dsp/kernels/Matrix.h"
 #include "frameworks/plugincore/dsp/kernels/Overlap.h"
+#include "frameworks/plugincore/dsp/kernels/Rank.h"
 
 namespace DSP::Kernels {
 
@@ -15,8 +18,11 @@ struct KernelSet {
     const CascadeKernels& cascade;
     const CorrelationKernels& correlation;
     const FftKernels& fft;
+    const HalfBandKernels& halfBand;
     const LagSearchKernels& lagSearch;
+    const MatrixKernels& matrix;
     const OverlapKernels& overlap;
+    const RankKernels& rank;
 };
 
 /// The kernels that this processor runs best. [any]

@@ -9,8 +9,11 @@ constinit const KernelSet All = {
     .cascade = Cascades,
     .correlation = Correlations,
     .fft = Ffts,
+    .halfBand = HalfBands,
     .lagSearch = LagSearches,
+    .matrix = Matrices,
     .overlap = Overlaps,
+    .rank = Ranks,
 };
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

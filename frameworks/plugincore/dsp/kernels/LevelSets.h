@@ -17,8 +17,11 @@ namespace DSP::Kernels::PUFFGUARD_LEVEL {
 extern const CascadeKernels Cascades;
 extern const CorrelationKernels Correlations;
 extern const FftKernels Ffts;
+extern const HalfBandKernels HalfBands;
 extern const LagSearchKernels LagSearches;
+extern const MatrixKernels Matrices;
 extern const OverlapKernels Overlaps;
+extern const RankKernels Ranks;
 
 extern const KernelSet All;
 

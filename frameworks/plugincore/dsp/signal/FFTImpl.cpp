@@ -158,6 +158,24 @@ void FFTImpl<float>::ForwardOfProductWithPower(const float* samples,
     }
 }
 
+void FFTImpl<float>::PowerOfPaddedProduct(const float* samples,
+                                          const float* window,
+                                          int count,
+                                          int binCount,
+                                          float* power) noexcept UTIL_NONBLOCKING
+{
+    if (!IsDirect()) {
+        kernels->powerOfPaddedProduct(GetTables(), samples, window, count, binCount, power);
+        return;
+    }
+    Kernels::GetKernels().overlap.multiply(samples, window, work.data(), At(count));
+    std::fill(work.begin() + count, work.end(), 0.0F);
+    for (Index k = 0; k < binCount; ++k) {
+        const std::complex<float> bin = GetDirectBin(k);
+        power[k] = bin.real() * bin.real() + bin.imag() * bin.imag();
+    }
+}
+
 void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING
 {
     if (IsDirect()) {

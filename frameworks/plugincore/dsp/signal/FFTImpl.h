@@ -69,6 +69,15 @@ public:
                                    float* spectrum,
                                    float* power) noexcept UTIL_NONBLOCKING;
 
+    /// Powers re^2 + im^2 of the transform of samples[i] * window[i] for i below `count`, at most
+    /// F/4, and zeros behind them. `power` has F/2 + 1 floats, of which those below `binCount` are
+    /// of use. Nothing overlaps. [process]
+    void PowerOfPaddedProduct(const float* samples,
+                              const float* window,
+                              int count,
+                              int binCount,
+                              float* power) noexcept UTIL_NONBLOCKING;
+
     /// Counterpart of Forward(); the imaginary parts of bins 0 and F/2 are not read. Leaves
     /// `spectrum` as it is unless `samples` is the same memory. [process]
     void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;

@@ -137,6 +137,38 @@ TEST_P(FFTImplTest, AtEveryLevelProductsLowBinsAndPowersAreThoseOfTheWholeSpectr
     }
 }
 
+TEST_P(FFTImplTest, AtEveryLevelPowersOfAPaddedProductAreThoseOfTheWholeTransform)
+{
+    const std::vector<float> samples = MakeNoise(size, 15);
+    const std::vector<float> window = MakeNoise(size, 16);
+    const std::size_t all = size / 2 + 1;
+    for (const std::size_t count : {std::size_t{1}, size / 16 + 1, size / 4}) {
+        std::vector<float> padded(size);
+        std::transform(samples.begin(),
+                       samples.begin() + static_cast<std::ptrdiff_t>(std::min(count, size / 4)),
+                       window.begin(),
+                       padded.begin(),
+                       std::multiplies<>());
+        fft.Forward(padded.data(), spectrum.data());
+        for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
+            FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
+            for (const std::size_t bins : {all / 3, all}) {
+                std::vector<float> power(all);
+                transform.PowerOfPaddedProduct(samples.data(),
+                                               window.data(),
+                                               static_cast<int>(std::min(count, size / 4)),
+                                               static_cast<int>(bins),
+                                               power.data());
+                for (std::size_t k = 0; k < bins; ++k) {
+                    const float re = spectrum[2 * k];
+                    const float im = spectrum[2 * k + 1];
+                    ASSERT_EQ(power[k], re * re + im * im) << static_cast<int>(level) << ", " << k;
+                }
+            }
+        }
+    }
+}
+
 TEST_P(FFTImplTest, AtEveryLevelTheInverseOfLowBinsTakesTheOthersAsZeros)
 {
     const std::vector<float> noise = MakeNoise(size + 2, 14);

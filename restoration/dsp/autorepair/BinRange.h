@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <cstddef>
+#include <span>
+
 namespace AutoRepair {
 
 /// Bins of a transform that a range of frequencies falls on: `first` up to, not including, `end`.
@@ -9,6 +12,13 @@ struct BinRange {
     int end = 0;
 
     int GetCount() const { return end - first; }
+
+    /// The values of these bins.
+    std::span<const float> Of(std::span<const float> values) const
+    {
+        return values.subspan(static_cast<std::size_t>(first),
+                              static_cast<std::size_t>(GetCount()));
+    }
 };
 
 /// Where the bins of a transform of `size` samples lie.

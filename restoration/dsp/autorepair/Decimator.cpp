@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/autorepair/Decimator.h"
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -25,6 +27,17 @@ double BesselI0(double x)
     return sum;
 }
 
+// Appends every second sample of `input`, from number `first` on.
+void AppendEverySecond(std::span<const float> input, std::size_t first, std::vector<float>& target)
+{
+    const std::size_t former = target.size();
+    const std::size_t count = (input.size() + 1 - first) / 2;
+    target.resize(former + count);
+    for (std::size_t i = 0; i < count; ++i) {
+        target[former + i] = input[first + 2 * i];
+    }
+}
+
 } // namespace
 
 HalfBandDecimator::HalfBandDecimator()
@@ -47,10 +60,9 @@ HalfBandDecimator::HalfBandDecimator()
 
 void HalfBandDecimator::Process(std::span<const float> input, std::vector<float>& output)
 {
-    for (const float sample : input) {
-        (isOddNext ? odd : even).push_back(sample);
-        isOddNext = !isOddNext;
-    }
+    AppendEverySecond(input, isOddNext ? 1 : 0, even);
+    AppendEverySecond(input, isOddNext ? 0 : 1, odd);
+    isOddNext = isOddNext != (input.size() % 2 == 1);
     const std::size_t reach = 2 * Pairs - 1; // of odd inputs behind the first of an output
     if (odd.size() <= reach) {
         return;
@@ -58,15 +70,8 @@ void HalfBandDecimator::Process(std::span<const float> input, std::vector<float>
     const std::size_t count = std::min(even.size(), odd.size() - reach);
     const std::size_t former = output.size();
     output.resize(former + count);
-    float* const target = output.data() + former;
-    for (std::size_t m = 0; m < count; ++m) {
-        const float* const middle = odd.data() + Pairs + m; // half a step behind even[m]
-        float sum = 0.5F * even[m];
-        for (std::size_t i = 0; i < Pairs; ++i) {
-            sum += coefficients[i] * (*(middle - i - 1) + middle[i]);
-        }
-        target[m] = sum;
-    }
+    DSP::Kernels::GetKernels().halfBand.decimate(
+        coefficients.data(), Pairs, even.data(), odd.data(), output.data() + former, count);
     even.erase(even.begin(), even.begin() + static_cast<std::ptrdiff_t>(count));
     odd.erase(odd.begin(), odd.begin() + static_cast<std::ptrdiff_t>(count));
 }

@@ -2,6 +2,7 @@
 #include "restoration/dsp/autorepair/LevelAnalysis.h"
 
 #include "restoration/dsp/autorepair/Decibel.h"
+#include "restoration/dsp/autorepair/Sums.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,7 +13,8 @@ namespace {
 
 constexpr double LongSeconds = 0.03;      // resolves 60 Hz, no longer than a burst
 constexpr double ShortSeconds = 0.02;     // for what begins and ends
-constexpr unsigned LeastVoiceRate = 8000; // Hz, so that 3 kHz stay as they were
+constexpr double HighestVoice = 3000;     // Hz, the end of the highest band
+constexpr unsigned LeastVoiceRate = 8000; // Hz, so that these stay as they were
 constexpr int LowShift = 2;               // from there to 2 kHz or more, for 520 Hz
 constexpr std::size_t FramesAtOnce = 256;
 constexpr std::size_t SilenceAtOnce = 1024;
@@ -31,30 +33,6 @@ int64_t LeadOf(int sampleRate, int shift)
     return (reach / step + 1) * step;
 }
 
-// Sum of the squares; several at once, since each addition has to wait for the one before.
-float SumSquares(const float* values, std::size_t count)
-{
-    std::array<float, 8> sums{};
-    const std::size_t whole = count / sums.size() * sums.size();
-    for (std::size_t i = 0; i < whole; i += sums.size()) {
-        for (std::size_t j = 0; j < sums.size(); ++j) {
-            sums[j] += values[i + j] * values[i + j];
-        }
-    }
-    float rest = 0;
-    for (std::size_t i = whole; i < count; ++i) {
-        rest += values[i] * values[i];
-    }
-    return ((sums[0] + sums[1]) + (sums[2] + sums[3])) +
-           ((sums[4] + sums[5]) + (sums[6] + sums[7])) + rest;
-}
-
-float BandPower(const float* spectrum, const BinRange& range)
-{
-    return SumSquares(spectrum + 2 * static_cast<std::ptrdiff_t>(range.first),
-                      2 * static_cast<std::size_t>(range.GetCount()));
-}
-
 template <std::size_t count>
 std::array<BinRange, count> FindRanges(const std::array<Band, count>& bands, const BinScale& scale)
 {
@@ -66,12 +44,12 @@ std::array<BinRange, count> FindRanges(const std::array<Band, count>& bands, con
 }
 
 template <std::size_t count>
-void AddPowers(const float* spectrum,
+void AddPowers(std::span<const float> power,
                const std::array<BinRange, count>& ranges,
                std::array<float, count>& powers)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        powers[i] += BandPower(spectrum, ranges[i]);
+        powers[i] += SumOf<float>(ranges[i].Of(power));
     }
 }
 
@@ -92,9 +70,9 @@ LevelAnalysis::LevelAnalysis(int sampleRate, int newChannels, LevelStore& newSto
     , grid(sampleRate)
     , voiceShift(VoiceShift(sampleRate))
     , lead(LeadOf(sampleRate, voiceShift + LowShift))
-    , longWindow({LongSeconds, sampleRate, voiceShift, lead})
-    , shortWindow({ShortSeconds, sampleRate, voiceShift, lead})
-    , lowWindow({LowSpectrumSeconds, sampleRate, voiceShift + LowShift, lead})
+    , longWindow({LongSeconds, sampleRate, voiceShift, lead, HighestVoice})
+    , shortWindow({ShortSeconds, sampleRate, voiceShift, lead, HighestVoice})
+    , lowWindow({LowSpectrumSeconds, sampleRate, voiceShift + LowShift, lead, HighestLowSpectrum})
     , lowSpectrum(lowWindow.GetScale())
     , longRanges(FindRanges(LongBands, longWindow.GetScale()))
     , shortRanges(FindRanges(ShortBands, shortWindow.GetScale()))
@@ -178,11 +156,9 @@ FrameLevels LevelAnalysis::MeasureNext(int64_t centre)
     for (const Channel& channel : channels) {
         AddPowers(longWindow.Compute(channel.voice, centre), longRanges, levels.bands);
         AddPowers(shortWindow.Compute(channel.voice, centre), shortRanges, levels.shortBands);
-        const float* const spectrum = lowWindow.Compute(channel.low, centre);
+        const std::span<const float> low = lowWindow.Compute(channel.low, centre);
         for (std::size_t bin = 0; bin < power.size(); ++bin) {
-            const float re = spectrum[2 * bin];
-            const float im = spectrum[2 * bin + 1];
-            power[bin] += share * (re * re + im * im);
+            power[bin] += share * low[bin];
         }
     }
     ToMeanLevels(levels.bands, channelCount);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/autorepair/LowBinTransform.h"
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -16,21 +18,30 @@ double Turn(std::size_t bin, std::size_t place, std::size_t length)
            static_cast<double>(length);
 }
 
+void MultiplyAdd(const DSP::Kernels::MatrixProduct& product, float* target, std::size_t distance)
+{
+    DSP::Kernels::GetKernels().matrix.multiplyAdd(product, target, distance);
+}
+
 } // namespace
 
 LowBinTransform::LowBinTransform(int newLength, std::size_t newBins, std::size_t newInverseBins)
     : half(static_cast<std::size_t>(newLength) / 2)
-    , bins(newBins)
+    , rowLength(DSP::Kernels::RoundUpColumns(newBins))
     , inverseBins(newInverseBins)
-    , even(half)
-    , odd(half)
+    , placeCount(DSP::Kernels::RoundUpColumns(half))
+    , cosines(half * rowLength)
+    , sines(half * rowLength)
+    , inverseCosines(inverseBins * placeCount)
+    , inverseSines(inverseBins * placeCount)
+    , even(FramesAtOnce * placeCount)
+    , odd(FramesAtOnce * placeCount)
 {
     for (std::size_t place = 0; place < half; ++place) {
-        for (std::size_t bin = 0; bin < bins; ++bin) {
-            byPlace.push_back(static_cast<float>(std::cos(Turn(bin, place, 2 * half))));
-        }
-        for (std::size_t bin = 0; bin < bins; ++bin) {
-            byPlace.push_back(static_cast<float>(std::sin(Turn(bin, place, 2 * half))));
+        for (std::size_t bin = 0; bin < newBins; ++bin) {
+            const double turn = Turn(bin, place, 2 * half);
+            cosines[place * rowLength + bin] = static_cast<float>(std::cos(turn));
+            sines[place * rowLength + bin] = static_cast<float>(std::sin(turn));
         }
     }
     for (std::size_t bin = 0; bin < inverseBins; ++bin) {
@@ -38,50 +49,83 @@ LowBinTransform::LowBinTransform(int newLength, std::size_t newBins, std::size_t
         const double share = (bin == 0 ? 1.0 : 2.0) / static_cast<double>(2 * half);
         for (std::size_t place = 0; place < half; ++place) {
             const double turn = Turn(bin, place, 2 * half);
-            inverseCosines.push_back(static_cast<float>(share * std::cos(turn)));
-            inverseSines.push_back(static_cast<float>(share * std::sin(turn)));
+            inverseCosines[bin * placeCount + place] = static_cast<float>(share * std::cos(turn));
+            inverseSines[bin * placeCount + place] = static_cast<float>(share * std::sin(turn));
         }
     }
 }
 
-void LowBinTransform::Forward(const float* frame, LowBins& spectrum) const
+void LowBinTransform::Fold(const float* frame, std::size_t number)
 {
     const float* const middle = frame + half;
-    float* const re = spectrum.re.data();
-    float* const im = spectrum.im.data();
-    std::fill_n(re, bins, middle[0]);
-    std::fill_n(im, bins, 0.0F);
+    float* const sums = even.data() + number * placeCount;
+    float* const differences = odd.data() + number * placeCount;
+    sums[0] = middle[0];
+    differences[0] = 0.0F;
     for (std::size_t place = 1; place < half; ++place) {
         const float behind = middle[place];
         const float before = *(middle - place);
-        const float sum = behind + before;
-        const float difference = behind - before;
-        const float* const cosines = byPlace.data() + 2 * bins * place;
-        const float* const sines = cosines + bins;
-        for (std::size_t bin = 0; bin < bins; ++bin) {
-            re[bin] += sum * cosines[bin];
-            im[bin] -= difference * sines[bin];
-        }
+        sums[place] = behind + before;
+        differences[place] = before - behind;
     }
 }
 
-void LowBinTransform::Inverse(const LowBins& spectrum, float* frame)
+void LowBinTransform::Forward(std::span<const float> frames,
+                              std::size_t bins,
+                              LowSpectra& spectra,
+                              std::size_t first)
 {
+    const std::size_t count = frames.size() / (2 * half);
+    for (std::size_t i = 0; i < count; ++i) {
+        Fold(frames.data() + 2 * half * i, i);
+    }
+    const std::size_t columns = DSP::Kernels::RoundUpColumns(bins);
+    const std::size_t distance = spectra.GetDistance();
+    MultiplyAdd({count, half, columns, even.data(), placeCount, cosines.data(), rowLength},
+                spectra.GetRe(first),
+                distance);
+    MultiplyAdd({count, half, columns, odd.data(), placeCount, sines.data(), rowLength},
+                spectra.GetIm(first),
+                distance);
+}
+
+void LowBinTransform::Unfold(std::size_t number, float* frame) const
+{
+    const float* const sums = even.data() + number * placeCount;
+    const float* const differences = odd.data() + number * placeCount;
+    frame[0] = 0.0F; // a window makes a 0 of it whatever it is
+    for (std::size_t place = 0; place < half; ++place) {
+        frame[half - place] = sums[place] + differences[place];
+        frame[half + place] = sums[place] - differences[place];
+    }
+}
+
+void LowBinTransform::Inverse(LowSpectra& spectra, std::size_t first, std::span<float> frames)
+{
+    const std::size_t count = frames.size() / (2 * half);
+    const std::size_t distance = spectra.GetDistance();
     std::fill(even.begin(), even.end(), 0.0F);
     std::fill(odd.begin(), odd.end(), 0.0F);
-    for (std::size_t bin = 0; bin < inverseBins; ++bin) {
-        const float* const cosines = inverseCosines.data() + bin * half;
-        const float* const sines = inverseSines.data() + bin * half;
-        for (std::size_t place = 0; place < half; ++place) {
-            even[place] += spectrum.re[bin] * cosines[place];
-            odd[place] += spectrum.im[bin] * sines[place];
-        }
-    }
-    // A window makes a 0 of it whatever it is.
-    frame[0] = 0.0F;
-    for (std::size_t place = 0; place < half; ++place) {
-        frame[half - place] = even[place] + odd[place];
-        frame[half + place] = even[place] - odd[place];
+    MultiplyAdd({count,
+                 inverseBins,
+                 placeCount,
+                 spectra.GetRe(first),
+                 distance,
+                 inverseCosines.data(),
+                 placeCount},
+                even.data(),
+                placeCount);
+    MultiplyAdd({count,
+                 inverseBins,
+                 placeCount,
+                 spectra.GetIm(first),
+                 distance,
+                 inverseSines.data(),
+                 placeCount},
+                odd.data(),
+                placeCount);
+    for (std::size_t i = 0; i < count; ++i) {
+        Unfold(i, frames.data() + 2 * half * i);
     }
 }
 

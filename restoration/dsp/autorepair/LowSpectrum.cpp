@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/autorepair/LowSpectrum.h"
 
+#include "frameworks/plugincore/dsp/kernels/KernelSet.h"
 #include "restoration/dsp/autorepair/Decibel.h"
 #include "restoration/dsp/autorepair/Hann.h"
+#include "restoration/dsp/autorepair/Sums.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <span>
 
 namespace AutoRepair {
 
@@ -17,11 +20,12 @@ constexpr Band LowValley{20, 110};   // under a bass voice's first harmonics
 constexpr Band UpperValley{50, 210}; // between them
 constexpr double LowValleyPercent = 35;
 constexpr double UpperValleyPercent = 30;
-constexpr Band Line{60, 250};      // where the fundamental of a voice lies
-constexpr Band Voiced{40, 500};    // harmonics that make a lag show
-constexpr double LeastLag = 0.004; // seconds: 250 Hz
+constexpr Band Line{60, 250};                  // where the fundamental of a voice lies
+constexpr Band Voiced{40, HighestLowSpectrum}; // harmonics that make a lag show
+constexpr double LeastLag = 0.004;             // seconds: 250 Hz
 constexpr double LagStep = 0.00025;
-constexpr int LagCount = 53;                // up to 17 ms: 59 Hz
+constexpr std::size_t LagCount = 53; // up to 17 ms: 59 Hz
+constexpr std::size_t RowLength = DSP::Kernels::RoundUpColumns(LagCount);
 constexpr double PeriodicityScale = 30;     // brings it to the size of the levels
 constexpr double GreatestCorrelation = 1.2; // beyond 1 by dividing the window's fall out
 constexpr double LeastSum = 1e-14;          // keeps silence from dividing by 0
@@ -56,10 +60,11 @@ PercentilePlace PlaceIn(const BinRange& range, double percent)
     return {static_cast<std::size_t>(range.GetCount()), percent};
 }
 
-std::span<const float> Part(std::span<const float> power, const BinRange& range)
+// Floats that the search for a rank among so many needs.
+std::size_t RoomFor(int count)
 {
-    return power.subspan(static_cast<std::size_t>(range.first),
-                         static_cast<std::size_t>(range.GetCount()));
+    constexpr std::size_t Group = DSP::Kernels::RankGroup;
+    return (static_cast<std::size_t>(count) + Group - 1) / Group * Group;
 }
 
 float LevelOf(float power)
@@ -77,14 +82,17 @@ LowSpectrum::LowSpectrum(const BinScale& scale)
     , lowPlace(PlaceIn(lowValley, LowValleyPercent))
     , upperPlace(PlaceIn(upperValley, UpperValleyPercent))
     , binCount(voiced.end)
-    , correlation(LagCount)
+    , cosines(static_cast<std::size_t>(voiced.GetCount()) * RowLength)
+    , correlation(RowLength)
+    , valley(RoomFor(std::max(lowValley.GetCount(), upperValley.GetCount())))
 {
     const std::vector<double> fall = CorrelateWindow();
-    for (int bin = voiced.first; bin < voiced.end; ++bin) {
-        for (int i = 0; i < LagCount; ++i) {
-            const double lag = LeastLag + i * LagStep;
+    float* row = cosines.data();
+    for (int bin = voiced.first; bin < voiced.end; ++bin, row += RowLength) {
+        for (std::size_t i = 0; i < LagCount; ++i) {
+            const double lag = LeastLag + static_cast<double>(i) * LagStep;
             const double turn = 2.0 * std::numbers::pi * scale.GetFrequency(bin) * lag;
-            cosines.push_back(static_cast<float>(std::cos(turn) / WindowFall(fall, lag)));
+            row[i] = static_cast<float>(std::cos(turn) / WindowFall(fall, lag));
         }
     }
 }
@@ -93,38 +101,35 @@ RankedPair LowSpectrum::MeasureValley(std::span<const float> power,
                                       const BinRange& range,
                                       const PercentilePlace& place)
 {
-    const std::span<const float> bins = Part(power, range);
-    sorted.assign(bins.begin(), bins.end());
-    const RankedPair pair = SelectPair(sorted, place);
-    return {LevelOf(pair.lower), LevelOf(pair.upper), pair.part};
+    const std::span<const float> bins = range.Of(power);
+    std::copy(bins.begin(), bins.end(), valley.begin());
+    const DSP::Kernels::RankedValues values =
+        DSP::Kernels::GetKernels().rank.select(valley.data(), bins.size(), place.lower);
+    return {LevelOf(values.lower), LevelOf(values.upper), static_cast<float>(place.part)};
 }
 
 float LowSpectrum::MeasurePeriodicity(std::span<const float> power)
 {
     std::fill(correlation.begin(), correlation.end(), 0.0F);
-    const std::span<const float> bins = Part(power, voiced);
-    const float* row = cosines.data();
-    for (const float bin : bins) {
-        for (std::size_t i = 0; i < correlation.size(); ++i) {
-            correlation[i] += bin * row[i];
-        }
-        row += correlation.size();
-    }
-    const double best =
-        static_cast<double>(*std::max_element(correlation.begin(), correlation.end()));
-    const double sum = std::accumulate(bins.begin(), bins.end(), 0.0);
-    return static_cast<float>(PeriodicityScale *
-                              std::clamp(best / (sum + LeastSum), 0.0, GreatestCorrelation));
+    const std::span<const float> bins = voiced.Of(power);
+    DSP::Kernels::GetKernels().matrix.multiplyAdd(
+        {1, bins.size(), RowLength, bins.data(), bins.size(), cosines.data(), RowLength},
+        correlation.data(),
+        RowLength);
+    const auto best =
+        static_cast<double>(*std::max_element(correlation.begin(), correlation.begin() + LagCount));
+    return static_cast<float>(PeriodicityScale * std::clamp(best / (SumOf<double>(bins) + LeastSum),
+                                                            0.0,
+                                                            GreatestCorrelation));
 }
 
 void LowSpectrum::Measure(std::span<const float> power, FrameLevels& levels)
 {
     levels.lowValley = MeasureValley(power, lowValley, lowPlace);
     levels.upperValley = MeasureValley(power, upperValley, upperPlace);
-    const std::span<const float> bins = Part(power, line);
+    const std::span<const float> bins = line.Of(power);
     levels.line = LevelOf(*std::max_element(bins.begin(), bins.end()));
-    const float sum = std::accumulate(bins.begin(), bins.end(), 0.0F);
-    levels.lineMean = LevelOf(sum / static_cast<float>(bins.size()));
+    levels.lineMean = LevelOf(SumOf<float>(bins) / static_cast<float>(bins.size()));
     levels.periodicity = MeasurePeriodicity(power);
 }
 

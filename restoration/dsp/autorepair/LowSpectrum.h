@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "frameworks/plugincore/dsp/kernels/LaneVector.h"
 #include "restoration/dsp/autorepair/BinRange.h"
 #include "restoration/dsp/autorepair/FrameLevels.h"
 
@@ -13,6 +14,9 @@ namespace AutoRepair {
 /// Window of the low spectrum in seconds: long enough for the harmonics of a bass voice, 80 Hz and
 /// more apart, to stand apart.
 inline constexpr double LowSpectrumSeconds = 0.07;
+
+/// Hz, up to which the low spectrum goes.
+inline constexpr double HighestLowSpectrum = 500;
 
 /// Tells a low voice's harmonics from a pop, which fills the gaps between them: valleys, the one
 /// line that stands out, and periodicity.
@@ -43,9 +47,10 @@ private:
     PercentilePlace lowPlace;
     PercentilePlace upperPlace;
     int binCount;
-    std::vector<float> cosines; // by bin of `voiced`, then by lag, the window's fall divided out
-    std::vector<float> correlation; // scratch, by lag
-    std::vector<float> sorted;      // scratch
+    DSP::Kernels::LaneVector
+        cosines; // by bin of `voiced`, then by lag, the window's fall divided out
+    DSP::Kernels::LaneVector correlation; // scratch, by lag
+    std::vector<float> valley;            // scratch
 };
 
 } // namespace AutoRepair

@@ -4,6 +4,8 @@
 #include "restoration/dsp/autorepair/Decibel.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 #include <vector>
 
 namespace AutoRepair {
@@ -47,12 +49,51 @@ void ForEachFrame(const LevelStore& store, Visit visit)
     }
 }
 
-/// Percentiles over the frames in speech, one after the other: the memory of one value a frame.
+/// A percentile of the frames in speech.
+struct Measure {
+    double RecordingScale::*target;
+    double percent;
+    double (*value)(const LimitedLevels&);
+};
+
+double LowOf(const LimitedLevels& levels)
+{
+    return levels.bands[0];
+}
+
+constexpr std::array Measures = {
+    Measure{&RecordingScale::low, Median, LowOf},
+    Measure{&RecordingScale::lowQuartile, UpperQuartile, LowOf},
+    Measure{&RecordingScale::upperQuartile,
+            UpperQuartile,
+            [](const LimitedLevels& levels) { return levels.bands[2]; }},
+    Measure{&RecordingScale::lowShort,
+            Median,
+            [](const LimitedLevels& levels) { return levels.shortBands[0]; }},
+    Measure{&RecordingScale::lowValley,
+            Median,
+            [](const LimitedLevels& levels) { return levels.lowValley; }},
+    Measure{&RecordingScale::upperValley,
+            Median,
+            [](const LimitedLevels& levels) { return levels.upperValley; }},
+    Measure{&RecordingScale::lowOverVoice,
+            Median,
+            [](const LimitedLevels& levels) { return levels.GetLowOverVoice(); }},
+    Measure{&RecordingScale::lowEnd,
+            Median,
+            [](const LimitedLevels& levels) { return levels.GetLowEnd(); }},
+};
+
+// Of which the values of all frames are held at once: memory against reading the levels again.
+constexpr std::size_t MeasuresAtOnce = 4;
+
+/// The frames in speech.
 class SpeechFrames {
 public:
     explicit SpeechFrames(const LevelStore& newStore)
         : store(newStore)
     {
+        voice.reserve(store.GetCount());
         ForEachFrame(store, [&](std::size_t /*number*/, const FrameLevels& levels) {
             voice.push_back(
                 static_cast<float>(SumLevel(levels.bands, FirstSpeechBand, levels.bands.size())));
@@ -63,19 +104,32 @@ public:
 
     double GetSpeechLevel() const { return speechLevel; }
 
-    template <typename Value>
-    double Measure(double percent, Value value) const
+    /// Takes at most MeasuresAtOnce measures.
+    void Take(std::span<const Measure> measures, RecordingScale& scale) const
     {
-        std::vector<float> values;
+        std::array<std::vector<float>, MeasuresAtOnce> values;
+        const auto count = static_cast<std::size_t>(std::count_if(
+            voice.begin(), voice.end(), [&](float level) { return IsSpeech(level); }));
+        for (std::size_t i = 0; i < measures.size(); ++i) {
+            values[i].reserve(count);
+        }
         ForEachFrame(store, [&](std::size_t number, const FrameLevels& levels) {
-            if (static_cast<double>(voice[number]) > speechLevel - InSpeech) {
-                values.push_back(static_cast<float>(value(LimitedLevels(levels, speechLevel))));
+            if (!IsSpeech(voice[number])) {
+                return;
+            }
+            const LimitedLevels limited(levels, speechLevel);
+            for (std::size_t i = 0; i < measures.size(); ++i) {
+                values[i].push_back(static_cast<float>(measures[i].value(limited)));
             }
         });
-        return Percentile(values, percent);
+        for (std::size_t i = 0; i < measures.size(); ++i) {
+            scale.*measures[i].target = Percentile(values[i], measures[i].percent);
+        }
     }
 
 private:
+    bool IsSpeech(float level) const { return static_cast<double>(level) > speechLevel - InSpeech; }
+
     const LevelStore& store;
     std::vector<float> voice; // dB, 170 to 3000 Hz, by frame
     double speechLevel = 0;
@@ -119,21 +173,10 @@ RecordingScale MeasureScale(const LevelStore& store)
     const SpeechFrames speech(store);
     RecordingScale scale;
     scale.speechLevel = speech.GetSpeechLevel();
-    const auto lowOf = [](const LimitedLevels& levels) { return levels.bands[0]; };
-    scale.low = speech.Measure(Median, lowOf);
-    scale.lowQuartile = speech.Measure(UpperQuartile, lowOf);
-    scale.upperQuartile =
-        speech.Measure(UpperQuartile, [](const LimitedLevels& levels) { return levels.bands[2]; });
-    scale.lowShort =
-        speech.Measure(Median, [](const LimitedLevels& levels) { return levels.shortBands[0]; });
-    scale.lowValley =
-        speech.Measure(Median, [](const LimitedLevels& levels) { return levels.lowValley; });
-    scale.upperValley =
-        speech.Measure(Median, [](const LimitedLevels& levels) { return levels.upperValley; });
-    scale.lowOverVoice = speech.Measure(
-        Median, [](const LimitedLevels& levels) { return levels.GetLowOverVoice(); });
-    scale.lowEnd =
-        speech.Measure(Median, [](const LimitedLevels& levels) { return levels.GetLowEnd(); });
+    const std::span<const Measure> all = Measures;
+    for (std::size_t first = 0; first < all.size(); first += MeasuresAtOnce) {
+        speech.Take(all.subspan(first, std::min(MeasuresAtOnce, all.size() - first)), scale);
+    }
     return scale;
 }
 

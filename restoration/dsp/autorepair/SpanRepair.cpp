@@ -55,16 +55,16 @@ std::vector<int64_t> Series(int64_t first, int64_t step, int64_t count)
     return series;
 }
 
-double LevelOf(const LowBins& bins, std::size_t bin)
+double LevelOf(const LowSpectra& spectra, std::size_t frame, std::size_t bin)
 {
-    return ToDecibel(static_cast<double>(bins.GetPower(bin)));
+    return ToDecibel(static_cast<double>(spectra.GetPower(frame, bin)));
 }
 
-double SumPower(const LowBins& bins, const BinRange& range)
+double SumPower(const LowSpectra& spectra, std::size_t frame, const BinRange& range)
 {
     double sum = 0;
     for (int bin = range.first; bin < range.end; ++bin) {
-        sum += static_cast<double>(bins.GetPower(static_cast<std::size_t>(bin)));
+        sum += static_cast<double>(spectra.GetPower(frame, static_cast<std::size_t>(bin)));
     }
     return sum;
 }
@@ -90,8 +90,12 @@ SpanRepair::SpanRepair(int newSampleRate, int newChannels, double upperFrequency
     , binCount(static_cast<std::size_t>(scale.FirstFrom(upperFrequency)) + 1)
     , window(MakeHann(length))
     , synthesis(window)
-    , transform(length, std::max(binCount, static_cast<std::size_t>(voice.end)), binCount)
-    , frame(window.size())
+    , allBins(std::max(binCount, static_cast<std::size_t>(voice.end)))
+    , transform(length, allBins, binCount)
+    , before(allBins)
+    , inside(allBins)
+    , behind(allBins)
+    , frames(LowBinTransform::FramesAtOnce * window.size())
 {
     const double norm = Energy(window) / static_cast<double>(hop);
     for (double& value : synthesis) {
@@ -134,50 +138,64 @@ Reach SpanRepair::GetReach(const Span& span) const
     return {CentresBefore(layout).back() - length / 2, CentresBehind(layout).back() + length / 2};
 }
 
+void SpanRepair::CutFrame(const Excerpt& excerpt,
+                          std::size_t channel,
+                          int64_t centre,
+                          float* frame) const
+{
+    const int64_t first = centre - length / 2 - excerpt.first;
+    const auto held = static_cast<int64_t>(excerpt.samples.size() / channels);
+    const int64_t begin = std::clamp<int64_t>(-first, 0, length);
+    const int64_t end = std::clamp<int64_t>(held - first, begin, length);
+    std::fill(frame, frame + begin, 0.0F);
+    const auto step = static_cast<std::ptrdiff_t>(channels);
+    const double* const samples =
+        excerpt.samples.data() + first * step + static_cast<std::ptrdiff_t>(channel);
+    for (std::ptrdiff_t i = begin; i < end; ++i) {
+        frame[i] = static_cast<float>(samples[i * step] * window[static_cast<std::size_t>(i)]);
+    }
+    std::fill(frame + end, frame + length, 0.0F);
+}
+
 void SpanRepair::TransformFrames(const Excerpt& excerpt,
                                  std::size_t channel,
                                  const std::vector<int64_t>& centres,
-                                 Spectra& spectra)
+                                 std::size_t bins,
+                                 LowSpectra& spectra)
 {
-    const auto end = static_cast<int64_t>(excerpt.samples.size() / channels);
-    spectra.clear();
-    for (const int64_t centre : centres) {
-        const int64_t offset = centre - length / 2 - excerpt.first;
-        for (int i = 0; i < length; ++i) {
-            const int64_t at = offset + i;
-            const bool isInside = at >= 0 && at < end;
-            const auto place = static_cast<std::size_t>(at) * channels + channel;
-            const auto number = static_cast<std::size_t>(i);
-            frame[number] =
-                isInside ? static_cast<float>(excerpt.samples[place] * window[number]) : 0.0F;
+    spectra.SetCount(centres.size());
+    for (std::size_t first = 0; first < centres.size(); first += LowBinTransform::FramesAtOnce) {
+        const std::size_t count = std::min(LowBinTransform::FramesAtOnce, centres.size() - first);
+        for (std::size_t i = 0; i < count; ++i) {
+            CutFrame(excerpt, channel, centres[first + i], frames.data() + i * window.size());
         }
-        transform.Forward(frame.data(), spectra.emplace_back(transform.GetBinCount()));
+        transform.Forward(std::span(frames).first(count * window.size()), bins, spectra, first);
     }
 }
 
-std::vector<double> SpanRepair::MeanLevels(const Spectra& spectra) const
+std::vector<double> SpanRepair::MeanLevels(const LowSpectra& spectra) const
 {
     std::vector<double> levels(binCount);
-    for (const LowBins& bins : spectra) {
+    for (std::size_t frame = 0; frame < spectra.GetCount(); ++frame) {
         for (std::size_t bin = 0; bin < binCount; ++bin) {
-            levels[bin] += LevelOf(bins, bin) / static_cast<double>(spectra.size());
+            levels[bin] += LevelOf(spectra, frame, bin) / static_cast<double>(spectra.GetCount());
         }
     }
     return levels;
 }
 
-double SpanRepair::GetVoice(const LowBins& bins) const
+double SpanRepair::GetVoice(const LowSpectra& spectra, std::size_t number) const
 {
-    return ToDecibel(SumPower(bins, voice));
+    return ToDecibel(SumPower(spectra, number, voice));
 }
 
-double SpanRepair::MeanVoice(const Spectra& spectra) const
+double SpanRepair::MeanVoice(const LowSpectra& spectra) const
 {
     double sum = 0;
-    for (const LowBins& bins : spectra) {
-        sum += GetVoice(bins);
+    for (std::size_t frame = 0; frame < spectra.GetCount(); ++frame) {
+        sum += GetVoice(spectra, frame);
     }
-    return sum / static_cast<double>(spectra.size());
+    return sum / static_cast<double>(spectra.GetCount());
 }
 
 // By frame of the span: 0 where the low end is still what it was before, 1 where it is what it will
@@ -189,10 +207,10 @@ std::vector<double> SpanRepair::GetTransition() const
     const double trust = std::clamp((std::abs(rise) - LeastRise) / RiseWidth, 0.0, 1.0);
     const double divisor = std::abs(rise) > LeastDivisor ? rise : LeastDivisor;
     std::vector<double> transition;
-    for (const LowBins& bins : inside) {
+    for (std::size_t frame = 0; frame < inside.GetCount(); ++frame) {
         const double inTime =
-            static_cast<double>(transition.size()) / static_cast<double>(inside.size() - 1);
-        const double byVoice = std::clamp((GetVoice(bins) - from) / divisor, 0.0, 1.0);
+            static_cast<double>(frame) / static_cast<double>(inside.GetCount() - 1);
+        const double byVoice = std::clamp((GetVoice(inside, frame) - from) / divisor, 0.0, 1.0);
         transition.push_back(trust * byVoice + (1 - trust) * inTime);
     }
     return transition;
@@ -221,11 +239,11 @@ SpanRepair::Rows SpanRepair::GetExcess() const
     const std::vector<double> to = MeanLevels(behind);
     const std::vector<double> transition = GetTransition();
     Rows excess;
-    for (const LowBins& bins : inside) {
-        const double part = transition[excess.size()];
+    for (std::size_t frame = 0; frame < inside.GetCount(); ++frame) {
+        const double part = transition[frame];
         std::vector<double>& row = excess.emplace_back(binCount);
         for (std::size_t bin = 0; bin < binCount; ++bin) {
-            row[bin] = LevelOf(bins, bin) - (from[bin] + (to[bin] - from[bin]) * part);
+            row[bin] = LevelOf(inside, frame, bin) - (from[bin] + (to[bin] - from[bin]) * part);
         }
         SmoothOverBins(row);
     }
@@ -233,33 +251,46 @@ SpanRepair::Rows SpanRepair::GetExcess() const
 }
 
 // Leaves what is to be added.
-void SpanRepair::TakeDown(const std::vector<double>& excess, LowBins& spectrum) const
+void SpanRepair::TakeDown(const std::vector<double>& excess, std::size_t number)
 {
+    float* const re = inside.GetRe(number);
+    float* const im = inside.GetIm(number);
     for (std::size_t bin = 0; bin < binCount; ++bin) {
         const double opening = std::clamp((excess[bin] - margins[bin]) / MarginSoftness, 0.0, 1.0);
         const double cut = std::max(excess[bin], 0.0) * opening;
         const auto factor = static_cast<float>((std::pow(10.0, -cut / 20) - 1) * shares[bin]);
-        spectrum.re[bin] *= factor;
-        spectrum.im[bin] *= factor;
+        re[bin] *= factor;
+        im[bin] *= factor;
     }
 }
 
-void SpanRepair::RepairChannel(const Layout& layout,
-                               const Excerpt& excerpt,
-                               std::size_t channel,
-                               std::vector<double>& change)
+void SpanRepair::TransformAround(const Layout& layout, const Excerpt& excerpt, std::size_t channel)
 {
-    TransformFrames(excerpt, channel, CentresBefore(layout), before);
-    TransformFrames(excerpt, channel, CentresIn(layout), inside);
-    TransformFrames(excerpt, channel, CentresBehind(layout), behind);
+    TransformFrames(excerpt, channel, CentresBefore(layout), allBins, before);
+    TransformFrames(excerpt, channel, CentresIn(layout), allBins, inside);
+    TransformFrames(excerpt, channel, CentresBehind(layout), allBins, behind);
+}
+
+void SpanRepair::AddFrame(const float* frame, std::size_t place, std::vector<double>& change) const
+{
+    for (std::size_t i = 0; i < synthesis.size(); ++i) {
+        change[place + i * channels] += static_cast<double>(frame[i]) * synthesis[i];
+    }
+}
+
+// Of what TransformAround() has left.
+void SpanRepair::AddRepair(std::size_t channel, std::vector<double>& change)
+{
     const Rows excess = GetExcess();
-    for (std::size_t i = 0; i < inside.size(); ++i) {
-        TakeDown(excess[i], inside[i]);
-        transform.Inverse(inside[i], frame.data());
-        const std::size_t offset = i * static_cast<std::size_t>(hop);
-        for (std::size_t j = 0; j < frame.size(); ++j) {
-            change[(offset + j) * channels + channel] +=
-                static_cast<double>(frame[j]) * synthesis[j];
+    for (std::size_t i = 0; i < excess.size(); ++i) {
+        TakeDown(excess[i], i);
+    }
+    for (std::size_t first = 0; first < excess.size(); first += LowBinTransform::FramesAtOnce) {
+        const std::size_t count = std::min(LowBinTransform::FramesAtOnce, excess.size() - first);
+        transform.Inverse(inside, first, std::span(frames).first(count * window.size()));
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t start = (first + i) * static_cast<std::size_t>(hop);
+            AddFrame(frames.data() + i * window.size(), start * channels + channel, change);
         }
     }
 }
@@ -296,11 +327,30 @@ Change SpanRepair::Compute(const Span& span, const Excerpt& excerpt)
     Change change;
     change.first = layout.start - length / 2;
     change.samples.resize(static_cast<std::size_t>(hop * layout.steps + length) * channels);
+    std::vector<double> lowEndPowers(static_cast<std::size_t>(layout.steps) + 1);
     for (std::size_t channel = 0; channel < channels; ++channel) {
-        RepairChannel(layout, excerpt, channel, change.samples);
+        TransformAround(layout, excerpt, channel);
+        AddLowEnd(lowEndPowers);
+        AddRepair(channel, change.samples);
     }
+    change.lowEnd = GetGreatestLevel(lowEndPowers);
     FindLoudest(change);
     return change;
+}
+
+void SpanRepair::AddLowEnd(std::vector<double>& powers) const
+{
+    for (std::size_t i = 0; i < powers.size(); ++i) {
+        powers[i] += SumPower(inside, i, lowEnd);
+    }
+}
+
+double SpanRepair::GetGreatestLevel(const std::vector<double>& powers) const
+{
+    const double greatest = *std::max_element(powers.begin(), powers.end());
+    // A mean square: the window's energy spreads over `length` bins, of which half are here.
+    const double share = 2.0 / (Energy(window) * length * static_cast<double>(channels));
+    return ToDecibel(greatest * share);
 }
 
 double SpanRepair::MeasureLowEnd(const Span& span, const Excerpt& excerpt)
@@ -308,15 +358,10 @@ double SpanRepair::MeasureLowEnd(const Span& span, const Excerpt& excerpt)
     const std::vector<int64_t> centres = CentresIn(GetLayout(span));
     std::vector<double> powers(centres.size());
     for (std::size_t channel = 0; channel < channels; ++channel) {
-        TransformFrames(excerpt, channel, centres, inside);
-        for (std::size_t i = 0; i < powers.size(); ++i) {
-            powers[i] += SumPower(inside[i], lowEnd);
-        }
+        TransformFrames(excerpt, channel, centres, static_cast<std::size_t>(lowEnd.end), inside);
+        AddLowEnd(powers);
     }
-    const double greatest = *std::max_element(powers.begin(), powers.end());
-    // A mean square: the window's energy spreads over `length` bins, of which half are here.
-    const double share = 2.0 / (Energy(window) * length * static_cast<double>(channels));
-    return ToDecibel(greatest * share);
+    return GetGreatestLevel(powers);
 }
 
 } // namespace AutoRepair

@@ -37,6 +37,7 @@ struct Reach {
 struct Change {
     int64_t first = 0;
     std::vector<double> samples; ///< interleaved
+    double lowEnd = 0;           ///< dB, what MeasureLowEnd() gives for the span as it was
     double removed = 0;          ///< dB, its loudest 10 ms, of the channels' mean
     int64_t loudest = 0;         ///< the sample in the middle of these
 };
@@ -62,7 +63,6 @@ public:
     double MeasureLowEnd(const Span& span, const Excerpt& excerpt);
 
 private:
-    using Spectra = std::vector<LowBins>;
     using Rows = std::vector<std::vector<double>>; // by frame, then by bin
 
     /// Where the frames of a repair lie.
@@ -75,21 +75,24 @@ private:
     std::vector<int64_t> CentresIn(const Layout& layout) const;
     std::vector<int64_t> CentresBehind(const Layout& layout) const;
 
+    void CutFrame(const Excerpt& excerpt, std::size_t channel, int64_t centre, float* frame) const;
     void TransformFrames(const Excerpt& excerpt,
                          std::size_t channel,
                          const std::vector<int64_t>& centres,
-                         Spectra& spectra);
-    void RepairChannel(const Layout& layout,
-                       const Excerpt& excerpt,
-                       std::size_t channel,
-                       std::vector<double>& change);
+                         std::size_t bins,
+                         LowSpectra& spectra);
+    void TransformAround(const Layout& layout, const Excerpt& excerpt, std::size_t channel);
+    void AddRepair(std::size_t channel, std::vector<double>& change);
+    void AddFrame(const float* frame, std::size_t place, std::vector<double>& change) const;
     Rows GetExcess() const;
     std::vector<double> GetTransition() const;
-    std::vector<double> MeanLevels(const Spectra& spectra) const;
-    double MeanVoice(const Spectra& spectra) const;
-    double GetVoice(const LowBins& bins) const;
+    std::vector<double> MeanLevels(const LowSpectra& spectra) const;
+    double MeanVoice(const LowSpectra& spectra) const;
+    double GetVoice(const LowSpectra& spectra, std::size_t number) const;
     void SmoothOverBins(std::vector<double>& excess) const;
-    void TakeDown(const std::vector<double>& excess, LowBins& spectrum) const;
+    void TakeDown(const std::vector<double>& excess, std::size_t number);
+    void AddLowEnd(std::vector<double>& powers) const;
+    double GetGreatestLevel(const std::vector<double>& powers) const;
     void FindLoudest(Change& change) const;
 
     double sampleRate;
@@ -106,11 +109,12 @@ private:
     std::vector<double> synthesis; // the window, scaled so that unchanged frames add up to 1
     std::vector<double> shares;    // 1 to 0, by bin: how much of the change is made
     std::vector<double> margins;   // dB, by bin
+    std::size_t allBins;           // that are looked at
     LowBinTransform transform;
-    Spectra before; // of one channel
-    Spectra inside;
-    Spectra behind;
-    std::vector<float> frame; // scratch
+    LowSpectra before; // of one channel
+    LowSpectra inside;
+    LowSpectra behind;
+    std::vector<float> frames; // scratch
 };
 
 } // namespace AutoRepair

@@ -21,7 +21,8 @@ WindowedSpectrum::WindowedSpectrum(const Config& newConfig)
     , order(PaddedOrder(length))
     , scale(1 << order, config.sampleRate)
     , transform(order - config.shift)
-    , frame(static_cast<std::size_t>(transform.GetSize()) + 2)
+    , bins(scale.FirstFrom(config.highest) + 1)
+    , power(static_cast<std::size_t>(transform.GetSize()) / 2 + 1)
 {
     const auto step = std::size_t{1} << static_cast<unsigned>(config.shift);
     const std::vector<double> hann = MakeHann(length);
@@ -50,16 +51,15 @@ bool WindowedSpectrum::IsReady(const SignalHistory& copy, int64_t centre) const
     return GetFirst(centre) + static_cast<int64_t>(count) <= copy.GetEnd();
 }
 
-const float* WindowedSpectrum::Compute(const SignalHistory& copy, int64_t centre)
+std::span<const float> WindowedSpectrum::Compute(const SignalHistory& copy, int64_t centre)
 {
     const int64_t first = GetFirst(centre);
     const int64_t begin = centre - length / 2 + config.lead;
     const auto place = static_cast<std::size_t>((first << config.shift) - begin);
     const float* const window = windows.data() + place * count;
-    DSP::Kernels::GetKernels().overlap.multiply(copy.From(first), window, frame.data(), count);
-    std::fill(frame.begin() + static_cast<std::ptrdiff_t>(count), frame.end(), 0.0F);
-    transform.Forward(frame.data(), frame.data());
-    return frame.data();
+    transform.PowerOfPaddedProduct(
+        copy.From(first), window, static_cast<int>(count), bins, power.data());
+    return std::span(power).first(static_cast<std::size_t>(bins));
 }
 
 } // namespace AutoRepair

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace AutoRepair {
@@ -23,7 +24,8 @@ public:
         double seconds = 0; ///< length of the window
         int sampleRate = 0; ///< R, Hz
         int shift = 0;
-        int64_t lead = 0; ///< samples of silence that the copy begins with, counted at R
+        int64_t lead = 0;   ///< samples of silence that the copy begins with, counted at R
+        double highest = 0; ///< Hz, up to which the spectrum is of use
     };
 
     explicit WindowedSpectrum(const Config& newConfig);
@@ -31,14 +33,14 @@ public:
     /// Whether the copy has come far enough for a window around sample `centre` of the stream.
     bool IsReady(const SignalHistory& copy, int64_t centre) const;
 
-    /// The spectrum as pairs (re, im), scaled so that re^2 + im^2 added up over the bins of a band
-    /// is the mean power in it. Valid until the next call.
-    const float* Compute(const SignalHistory& copy, int64_t centre);
+    /// The power spectrum, scaled so that the sum over the bins of a band is the mean power in it.
+    /// Valid until the next call.
+    std::span<const float> Compute(const SignalHistory& copy, int64_t centre);
 
     /// The first sample of the copy that a window around `centre` needs.
     int64_t GetFirst(int64_t centre) const;
 
-    /// Where the bins lie; there are some up to half the copy's rate.
+    /// Where the bins lie.
     const BinScale& GetScale() const { return scale; }
 
 private:
@@ -51,7 +53,8 @@ private:
     std::size_t count;          // samples of the copy under the window at most
     std::vector<float> windows; // for each place of the copy's samples: `count` values
     DSP::FFTImpl<float> transform;
-    std::vector<float> frame; // scratch: the product, then its spectrum
+    int bins;
+    std::vector<float> power; // scratch
 };
 
 } // namespace AutoRepair

@@ -11,7 +11,9 @@ namespace Cli {
 /// Replaces what is no finite number in single precision by 0 and returns how many were.
 inline uint64_t SilenceNonFinite(std::span<double> samples)
 {
-    const auto isBad = [](double sample) { return !std::isfinite(static_cast<float>(sample)); };
+    // From here on the nearest number in single precision is infinity.
+    constexpr double TooGreat = 0x1.ffffffp127;
+    const auto isBad = [](double sample) { return !(std::abs(sample) < TooGreat); };
     const auto count = std::count_if(samples.begin(), samples.end(), isBad);
     if (count > 0) {
         std::replace_if(samples.begin(), samples.end(), isBad, 0.0);

@@ -54,16 +54,30 @@ public:
     /// they get no dither either.
     void ApplyToChanged(std::span<const double> before, std::span<double> samples)
     {
-        const double step = 1.0 / steps;
-        for (size_t i = 0; i < samples.size(); ++i) {
-            const bool isHeld = RoundToStep(samples[i], steps) * step == samples[i];
-            if (samples[i] != before[i] || !isHeld) {
-                Apply(samples.subspan(i, 1));
+        // Most stretches have nothing to be changed, which a loop without branches sees soonest.
+        constexpr size_t Stretch = 256;
+        for (size_t begin = 0; begin < samples.size(); begin += Stretch) {
+            const size_t end = std::min(begin + Stretch, samples.size());
+            size_t changed = 0;
+            for (size_t i = begin; i < end; ++i) {
+                changed += IsKept(before[i], samples[i]) ? 0 : 1;
+            }
+            for (size_t i = begin; changed > 0 && i < end; ++i) {
+                if (!IsKept(before[i], samples[i])) {
+                    Apply(samples.subspan(i, 1));
+                }
             }
         }
     }
 
 private:
+    // Whether a sample is the one before and the format can hold it.
+    bool IsKept(double before, double sample) const
+    {
+        const bool isHeld = RoundToStep(sample, steps) * (1.0 / steps) == sample;
+        return (static_cast<int>(sample == before) & static_cast<int>(isHeld)) != 0;
+    }
+
     void AddNoise(std::span<double> samples)
     {
         for (double& sample : samples) {

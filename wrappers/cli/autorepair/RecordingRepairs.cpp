@@ -57,7 +57,7 @@ AutoEvent& RecordingRepairs::Add(const Attempt& attempt, AutoRepair::SpanRepair&
     event.end = attempt.span.end;
     event.removed = attempt.change.removed - scale.speechLevel;
     event.peak = std::clamp(toSeconds(attempt.change.loudest), 0.0, toSeconds(frames));
-    event.before = repair.MeasureLowEnd(attempt.span, attempt.around) - scale.lowEnd;
+    event.before = attempt.change.lowEnd - scale.lowEnd;
     event.after = MeasureAfter(attempt, repair) - scale.lowEnd;
     return event;
 }

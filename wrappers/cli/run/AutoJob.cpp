@@ -40,7 +40,7 @@ public:
         results.OpenAudio(0);
     }
 
-    void Run(FileReport& report);
+    void Run(FileReport& report, JobPlaces::Place& place);
 
 private:
     static std::vector<Label> ReadLabels(const Task& task);
@@ -78,7 +78,7 @@ std::vector<Label> AutoJob::ReadLabels(const Task& task)
     return Naming(task.repairLabels.Get(), [&] { return ReadLabelTrack(task.repairLabels); });
 }
 
-void AutoJob::Run(FileReport& report)
+void AutoJob::Run(FileReport& report, JobPlaces::Place& place)
 {
     Describe(report);
     Find(report);
@@ -89,6 +89,8 @@ void AutoJob::Run(FileReport& report)
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     report.seconds = elapsed.count();
     Report(report);
+    results.SavePlot();
+    place.Leave();
     results.Finish();
     if (context.events != nullptr) {
         context.events->Add(number, report, repairs->GetEvents());
@@ -226,9 +228,13 @@ void AutoJob::WritePage(FileReport& report, const std::string& words)
 
 } // namespace
 
-void RunAutoFile(const RunContext& context, const Task& task, size_t number, FileReport& report)
+void RunAutoFile(const RunContext& context,
+                 const Task& task,
+                 size_t number,
+                 JobPlaces::Place& place,
+                 FileReport& report)
 {
-    AutoJob(context, task, number).Run(report);
+    AutoJob(context, task, number).Run(report, place);
 }
 
 } // namespace Cli

@@ -11,6 +11,10 @@ namespace Cli {
 /// The recording is read three times: for its levels, for the repairs of its candidates, and, when
 /// their number has said which of them count, for its samples. Levels and repairs wait in temporary
 /// files, so that memory stays the same however long it is.
-void RunAutoFile(const RunContext& context, const Task& task, size_t number, FileReport& report);
+void RunAutoFile(const RunContext& context,
+                 const Task& task,
+                 size_t number,
+                 JobPlaces::Place& place,
+                 FileReport& report);
 
 } // namespace Cli

@@ -65,15 +65,23 @@ RunTasks(const RunContext& context, const std::vector<Task>& tasks, Console& con
 {
     std::vector<FileReport> reports(tasks.size());
     std::atomic<size_t> next = 0;
+    const auto jobs = static_cast<size_t>(context.options.jobs);
+    JobPlaces places(jobs);
     const auto work = [&] {
-        for (size_t i = next++; i < tasks.size(); i = next++) {
-            reports[i] = RunFile(context, tasks[i], i);
+        for (;;) {
+            JobPlaces::Place place(places);
+            const size_t i = next++;
+            if (i >= tasks.size()) {
+                return;
+            }
+            reports[i] = RunFile(context, tasks[i], i, place);
             console.Finished(i);
             Tell(console, reports[i]);
         }
     };
+    // While one file is flushed to the disk, another is computed; a single job keeps their order.
     std::vector<std::thread> workers;
-    const size_t count = std::min(tasks.size(), static_cast<size_t>(context.options.jobs));
+    const size_t count = std::min(tasks.size(), jobs == 1 ? 1 : 2 * jobs);
     for (size_t i = 1; i < count; ++i) {
         workers.emplace_back(work);
     }

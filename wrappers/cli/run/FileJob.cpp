@@ -57,7 +57,7 @@ public:
         results.OpenAudio(options.keepsLatency ? effect.GetLatency() : 0);
     }
 
-    void Run(FileReport& report)
+    void Run(FileReport& report, JobPlaces::Place& place)
     {
         Describe(report);
         ReadAll(report);
@@ -73,6 +73,8 @@ public:
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         report.seconds = elapsed.count();
         WriteReports(report);
+        results.SavePlot();
+        place.Leave();
         results.Finish();
         if (context.events != nullptr) {
             context.events->Add(number, report, effect.GetControls(), spool, average);
@@ -208,7 +210,8 @@ void FileJob::WritePage(FileReport& report)
 
 } // namespace
 
-FileReport RunFile(const RunContext& context, const Task& task, size_t number)
+FileReport
+RunFile(const RunContext& context, const Task& task, size_t number, JobPlaces::Place& place)
 {
     FileReport report;
     report.input = task.input;
@@ -217,9 +220,9 @@ FileReport RunFile(const RunContext& context, const Task& task, size_t number)
             throw FileError(task.failure);
         }
         if (context.options.IsForWholeFiles()) {
-            RunAutoFile(context, task, number, report);
+            RunAutoFile(context, task, number, place, report);
         } else {
-            FileJob(context, task, number).Run(report);
+            FileJob(context, task, number).Run(report, place);
         }
     } catch (const std::exception& error) {
         report.failure = error.what();

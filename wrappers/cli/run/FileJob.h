@@ -5,6 +5,7 @@
 #include "wrappers/cli/report/Console.h"
 #include "wrappers/cli/run/EventsDocument.h"
 #include "wrappers/cli/run/FileReport.h"
+#include "wrappers/cli/run/JobPlaces.h"
 #include "wrappers/cli/run/Options.h"
 #include "wrappers/cli/run/Session.h"
 #include "wrappers/cli/run/Tasks.h"
@@ -24,7 +25,9 @@ struct RunContext {
 };
 
 /// Takes one recording through an instance of its own and writes what was asked for. Several may
-/// run on different threads. Failures stand in the report, none is thrown.
-FileReport RunFile(const RunContext& context, const Task& task, size_t number);
+/// run on different threads. Leaves `place` when nothing is left but to flush what was written.
+/// Failures stand in the report, none is thrown.
+FileReport
+RunFile(const RunContext& context, const Task& task, size_t number, JobPlaces::Place& place);
 
 } // namespace Cli

@@ -192,11 +192,15 @@ void JobResults::WritePage(const PageHead& head, const std::vector<PageEvent>& e
     }
 }
 
-void JobResults::Finish()
+void JobResults::SavePlot()
 {
     if (painter) {
         Naming(task.plot.Get(), [&] { painter->Save(plot->GetDescriptor()); });
     }
+}
+
+void JobResults::Finish()
+{
     if (writer) {
         Naming(task.output.OutputLabel(), [&] { writer->Finish(); });
     }

@@ -59,7 +59,10 @@ public:
     /// Fills the page, where one is wanted.
     void WritePage(const PageHead& head, const std::vector<PageEvent>& events);
 
-    /// Puts all files under their names.
+    /// Paints the picture, with all events in it.
+    void SavePlot();
+
+    /// Flushes all files to the disk and puts them under their names.
     void Finish();
 
 private:

@@ -154,7 +154,11 @@ TEST_F(CommandAuto, BlocksJobsAndPipesChangeNoByte)
     WriteBytes(folder / "piped.wav", piped.out);
     EXPECT_EQ(ReadAudio(folder / "piped.wav").samples, ReadAudio(folder / "one/talk.wav").samples);
     EXPECT_NE(piped.err.find("stdin: kept in a temporary file"), std::string::npos) << piped.err;
-    Succeed({input, "--auto", "-q", "--difference", "-o", folder / "difference.wav"});
+    // The page shows the recording before and after, whatever the audio is.
+    const std::string page = folder / "difference.html";
+    Succeed(
+        {input, "--auto", "-q", "--difference", "-o", folder / "difference.wav", "--report", page});
+    EXPECT_EQ(ReadBytes(page), ReadBytes(folder / "pages/talk.html"));
     const Audio before = ReadAudio(input);
     const Audio after = ReadAudio(folder / "one/talk.wav");
     const Audio difference = ReadAudio(folder / "difference.wav");
@@ -251,6 +255,49 @@ TEST_F(CommandAuto, WhatHoldsNoSpeechComesOutAsItWas)
     audio.samples.clear();
     WriteAudio(input, audio);
     ExpectRefusal({input, "--auto"}, 1, "holds no samples");
+}
+
+TEST_F(CommandAuto, ABassDrumIsMentionedAndSpeechIsNot)
+{
+    const std::string page = folder / "drum.html";
+    for (const int beatsAMinute : {80, 97, 120, 160}) {
+        // Three bars in four: kicks on beats 1 and 3 and an eighth before 3; then a bar's pause.
+        Audio drum = Voice();
+        drum.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+        drum.samples.assign(static_cast<size_t>(20 * drum.sampleRate), 0.0);
+        std::mt19937 random(7);
+        for (size_t i = 0; i < drum.samples.size(); ++i) {
+            const double time = static_cast<double>(i) / drum.sampleRate;
+            const double beats = time * beatsAMinute / 60;
+            const double inBar = std::fmod(beats, 4);
+            const double since = inBar < 1.5 ? inBar : inBar < 2 ? inBar - 1.5 : inBar - 2;
+            const double kick = since * 60 / beatsAMinute;
+            const double hiss = static_cast<double>(random()) / 4294967296.0 - 0.5;
+            const bool isPause = std::fmod(beats, 16) >= 12;
+            drum.samples[i] = (isPause ? 0.0 : 0.6) * std::exp(-kick / 0.08) *
+                                  (1 - std::exp(-kick / 0.003)) *
+                                  std::sin(2 * std::numbers::pi * (55 * kick)) +
+                              0.02 * hiss +
+                              0.1 * std::sin(2 * std::numbers::pi * 440 * time) *
+                                  std::pow(std::sin(std::numbers::pi * beats), 2);
+        }
+        WriteAudio(input, drum);
+        const Outcome outcome =
+            Succeed({input, "--auto", "--dry-run", "--json", "--report", page, "-f"});
+        EXPECT_NE(outcome.err.find("sounds like music"), std::string::npos)
+            << beatsAMinute << outcome.out;
+        EXPECT_NE(ReadBytes(page).find("This recording sounds like music"), std::string::npos);
+        const Json beat = Json::parse(outcome.out).at("files")[0].at("automatic").at("beat");
+        EXPECT_NEAR(beat.get<double>(), 30.0 / beatsAMinute, 0.002);
+    }
+    // A voice that pops often enough to say: the mix three times.
+    Audio speech = Mix(1, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    const std::vector<double> once = speech.samples;
+    speech.samples.insert(speech.samples.end(), once.begin(), once.end());
+    speech.samples.insert(speech.samples.end(), once.begin(), once.end());
+    WriteAudio(input, speech);
+    const Outcome outcome = Succeed({input, "--auto", "--dry-run"});
+    EXPECT_EQ(outcome.err, "");
 }
 
 TEST_F(CommandAuto, ChannelsAreRepairedEachForItself)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "wrappers/cli/run/AutoJob.h"
 
+#include "restoration/dsp/autorepair/Beat.h"
 #include "restoration/dsp/autorepair/PopFinder.h"
 #include "wrappers/cli/autorepair/LabelTrack.h"
 #include "wrappers/cli/autorepair/LevelFile.h"
@@ -191,7 +192,9 @@ void AutoJob::Report(FileReport& report)
                                                   : "repaired by labels";
     results.BeginEvents(report, words, AutoRepair::UsualUpperFrequency);
     EventSummary& summary = report.events;
+    std::vector<double> times;
     for (const AutoEvent& repair : repairs->GetEvents()) {
+        times.push_back(repair.peak);
         const Event event = ToEvent(repair);
         ++summary.repairs;
         ++summary.prominent;
@@ -206,6 +209,9 @@ void AutoJob::Report(FileReport& report)
                                            FormatClock(repair.peak),
                                            repair.before,
                                            repair.before - repair.after));
+    }
+    if (options.isAutomatic) {
+        report.automatic->beat = AutoRepair::FindBeat(times);
     }
     if (!task.page.IsEmpty()) {
         WritePage(report, words);

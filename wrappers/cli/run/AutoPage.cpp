@@ -56,6 +56,9 @@ MakePageHead(const FileReport& report, const std::string& words, const std::vect
             ? fmt::format("The {} strongest of {} pops have a row and clips.", rows.size(), pops)
             : "Each pop has a row.";
     head.eventsNote += " Every sample that none of them reaches is the recording's own.";
+    if (report.automatic && report.automatic->beat) {
+        head.eventsNote += " This recording " + DescribeMusic(*report.automatic) + ".";
+    }
     head.levelNote = "the usual one of the speech";
     head.details = {{"Score", "how clearly it is a pop, above 0"},
                     {"Keep", "decides whether it is repaired"},

@@ -57,6 +57,9 @@ void Tell(Console& console, const FileReport& report)
                          fmt::format("{} repairs were made but are missing from the reports",
                                      report.lostRepairs));
     }
+    if (report.automatic && report.automatic->beat) {
+        console.Complain(report.input.InputLabel(), DescribeMusic(*report.automatic));
+    }
     console.Result(SummaryLine(report));
 }
 

@@ -139,6 +139,10 @@ void EventsDocument::Add(size_t number, const FileReport& report, std::span<cons
     json["speechLevel"] = report.automatic->speechLevel;
     json["threshold"] = report.automatic->threshold;
     json["candidates"] = report.automatic->candidates;
+    json["beat"] = nullptr;
+    if (report.automatic->beat) {
+        json["beat"] = report.automatic->beat->seconds;
+    }
     AddObject(number, ObjectHead(json), [&](const EventVisitor& visit) {
         for (const AutoEvent& event : events) {
             visit(EventJson(event));

@@ -99,7 +99,11 @@ nlohmann::ordered_json ToJson(const FileReport& report)
     if (report.automatic) {
         json["automatic"] = {{"candidates", report.automatic->candidates},
                              {"speechLevel", report.automatic->speechLevel},
-                             {"threshold", report.automatic->threshold}};
+                             {"threshold", report.automatic->threshold},
+                             {"beat", nullptr}};
+        if (report.automatic->beat) {
+            json["automatic"]["beat"] = report.automatic->beat->seconds;
+        }
     }
     json["nonFiniteSamples"] = report.nonFiniteSamples;
     json["seconds"] = report.seconds;
@@ -137,6 +141,18 @@ std::string AutomaticFindings(const EventSummary& events, const AutoSummary& sum
 }
 
 } // namespace
+
+std::string DescribeMusic(const AutoSummary& summary)
+{
+    if (!summary.beat) {
+        return "";
+    }
+    return fmt::format("sounds like music: {} of {} pops come whole beats of {:.2f} s behind the "
+                       "one before; a bass drum is taken for pops",
+                       summary.beat->onBeat,
+                       summary.beat->compared,
+                       summary.beat->seconds);
+}
 
 std::string SummaryLine(const FileReport& report)
 {

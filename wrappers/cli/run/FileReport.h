@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "restoration/dsp/autorepair/Beat.h"
 #include "wrappers/cli/report/AutoEvent.h"
 #include "wrappers/cli/run/Session.h"
 #include "wrappers/common/ElementParameters.h"
@@ -20,6 +21,7 @@ struct AutoSummary {
     size_t candidates = 0;   ///< bursts that were judged
     bool isTooShort = false; ///< for finding anything by itself
     std::optional<AutoEvent> strongest;
+    std::optional<AutoRepair::Beat> beat; ///< that the pops keep to, as in music
 };
 
 /// What came of one recording.
@@ -49,6 +51,9 @@ struct FileReport {
     /// Seconds of recording a second of work.
     double GetSpeed() const { return seconds > 0 ? GetDuration() / seconds : 0.0; }
 };
+
+/// What --auto should have been kept from: "sounds like music ..."; empty when there is nothing.
+std::string DescribeMusic(const AutoSummary& summary);
 
 /// One line for a reader: what was found, the strongest and where, how fast.
 std::string SummaryLine(const FileReport& report);

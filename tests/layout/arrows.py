@@ -7,7 +7,8 @@ A folder that is still to come stands here already, so that its first file finds
 UTIL, ENTRY = "frameworks/qobase/util", "frameworks/plugincore/entry"
 KERNELS, SIGNAL = "frameworks/plugincore/dsp/kernels", "frameworks/plugincore/dsp/signal"
 ELEMENTS, PATH = "frameworks/plugincore/dsp/elements", "frameworks/plugincore/dsp/path"
-DSP = {KERNELS, SIGNAL, ELEMENTS, PATH}
+OFFLINE = "frameworks/plugincore/dsp/offline" # recordings, their regions, and how these fade
+DSP = {KERNELS, SIGNAL, OFFLINE, ELEMENTS, PATH}
 CONTROLLER = "frameworks/plugincore/controller"
 PRESET, PRESETS = "frameworks/plugincore/preset/file", "frameworks/plugincore/preset/manager"
 HISTORY, HISTORY_DIALOG = "frameworks/plugincore/ui/model/historyfile", "restoration/ui/dialog/historyfile"
@@ -28,7 +29,8 @@ ARROWS = {
     ENTRY: set(),
     KERNELS: set(),
     SIGNAL: {KERNELS, UTIL},
-    ELEMENTS: {SIGNAL, UTIL},
+    OFFLINE: {SIGNAL, UTIL},
+    ELEMENTS: {OFFLINE, SIGNAL, UTIL},
     PATH: {ELEMENTS, SIGNAL, ENTRY, UTIL},
     CONTROLLER: {ELEMENTS, UTIL},
     PRESET: {PATH, ELEMENTS, UTIL},
@@ -48,14 +50,15 @@ ARROWS = {
                      UI + "archive", UTIL},
     HISTORY_DIALOG: {HISTORY, UTIL},
     DEFINITION: {ENTRY, UTIL},
-    CORE: {DEFINITION, CONTROLLER, PRESETS, PRESET, HISTORY, PATH, ELEMENTS, SIGNAL, ENTRY, UTIL},
+    CORE: {DEFINITION, CONTROLLER, PRESETS, PRESET, HISTORY, PATH, ELEMENTS, OFFLINE, SIGNAL, ENTRY,
+           UTIL},
     EDITOR: {CORE, DEFINITION, SERVICES, HISTORY, CONTROLLER, PRESETS, PRESET, ENTRY, UTIL,
              UI + "rhubarb", UI + "layout", UI + "window", UI + "native", UI + "style", UI + "draw",
              UI + "archive"},
     DISPATCH: {CORE, DEFINITION, ENTRY, UTIL},
     FAMILY: {PRESET, PATH, ELEMENTS, UTIL},
     AUTO: {SIGNAL, KERNELS, UTIL},
-    REPAIR: {PATH, ELEMENTS, SIGNAL, KERNELS, ENTRY, UTIL},
+    REPAIR: {PATH, ELEMENTS, OFFLINE, SIGNAL, KERNELS, ENTRY, UTIL},
     PRODUCT: {DISPATCH, DEFINITION, CORE, FAMILY, REPAIR, HISTORY_DIALOG, PRESET, UTIL},
     "wrappers/common": {ENTRY}, # the one wrapper that fills the records of the entry
     # UTIL for EditDistance.h: plain arithmetic on texts, whole in its header, so that nothing of the
@@ -68,10 +71,11 @@ ARROWS = {
     COMMAND + "plot": {COMMAND + "files", COMMAND + "report"},
     COMMAND + "autorepair": {COMMAND + "audio", COMMAND + "files", COMMAND + "report", COMMAND + "text",
                              "wrappers/common", AUTO},
+    COMMAND + "regions": {COMMAND + "autorepair", COMMAND + "files", COMMAND + "text", "wrappers/common"},
     COMMAND + "page": {COMMAND + "files", COMMAND + "plot", COMMAND + "text", UTIL},
     COMMAND + "run": {COMMAND + "audio", COMMAND + "autorepair", COMMAND + "effect", COMMAND + "files",
-                      COMMAND + "page", COMMAND + "plot", COMMAND + "report", COMMAND + "text",
-                      "wrappers/common", AUTO},
+                      COMMAND + "page", COMMAND + "plot", COMMAND + "regions", COMMAND + "report",
+                      COMMAND + "text", "wrappers/common", AUTO},
     "wrappers/lv2": {"wrappers/common"},
     "wrappers/clap": {"wrappers/common"},
     "wrappers/vst3": {"wrappers/common"},

@@ -12,6 +12,9 @@
 
 namespace DSP {
 
+class OfflineJob;
+enum class OfflineResult;
+
 /// One node of the signal chain. It lives as long as the instance; what depends on the stream
 /// format follows SetFormat().
 class Element : public DSPCommandMailbox {
@@ -115,6 +118,10 @@ public:
     /// Takes in commands, then works on the block in place. With 0 frames or null channels only
     /// the commands run. Holds the process lock. [process, locks]
     virtual void ProcessRegion(uint32_t region, uint32_t frames, float* const* channels) = 0;
+
+    /// Works on regions of a recording, from the state after a reset each, and leaves the element
+    /// in that state. Holds the process lock from begin to end. Not on the audio thread. [setup]
+    virtual OfflineResult RunOffline(OfflineJob& job) = 0;
 
     /// Whether the element changes the signal; a change is faded over 10 ms. [process]
     virtual bool IsActive(uint32_t region) const = 0;

@@ -12,6 +12,12 @@
 
 namespace DSP {
 
+class OfflineSource;
+class Region;
+class RegionCrossover;
+class RegionRun;
+struct Preroll;
+
 /// Shared behaviour of all elements: format, latency, block assembly, the way of commands, and the
 /// dry signal that a bypassed element fades to. A concrete element overrides the few protected
 /// hooks at the end.
@@ -71,6 +77,7 @@ public:
         ProcessRegion(0, frames, channels);
     }
     void ProcessRegion(uint32_t region, uint32_t frames, float* const* channels) override;
+    OfflineResult RunOffline(OfflineJob& job) override;
     bool IsActive(uint32_t /*region*/) const override { return true; }
     void SetDryHistoryEnabled(bool enabled) override;
     std::size_t GetProcessingMemorySize() const override;
@@ -117,6 +124,27 @@ protected:
     virtual bool UsesRegionCrossfade() const { return true; }
     /// Whether a block is processed at all, and counts as one since the last reset.
     virtual bool ProcessesBlocks() const { return true; }
+    /// The regions that a job touches, in order. [setup], as all that follows up to RunRegion()
+    virtual void
+    GetRegionInfo(std::vector<Region>& regions, OfflineSource& source, const OfflineJob& job) const;
+    virtual Preroll GetPreroll() const;
+    /// Frames before a region after which the element works there as if it had always run.
+    virtual uint32_t GetWarmupFrames() const;
+    /// Whether it is cleared between two regions, and not only reset where it has run.
+    virtual bool ClearsBetweenRegions() const { return true; }
+    /// What leads a region's blocks in and out; it outlives neither region nor job.
+    virtual std::unique_ptr<RegionCrossover> PrepareCrossover(const OfflineJob& job,
+                                                              const Region& region);
+    virtual OfflineResult RunRegions(OfflineJob& job);
+    /// One region, whose share of the progress goes from `begin` to `end`; `label` says which one
+    /// it is, when there are several.
+    struct RegionShare {
+        double begin = 0;
+        double end = 1;
+        String label{};
+    };
+    virtual OfflineResult RunRegion(RegionRun& run, const Region& region, const RegionShare& share);
+
     /// Whether ProcessRegion() leaves the commands alone.
     virtual bool DefersCommands() const { return false; }
     /// After a round of polling; `any`: whether a value had changed. [ui]
@@ -162,6 +190,7 @@ private:
     std::vector<float*> pieceChannels; // a passing block's channels, advanced piece by piece
     bool initialised = false;          // set by Reset(), cleared by a processed block
     bool commandsDisabled = false;
+    bool runsOffline = false;
     int suspendCount = 0;
     uint32_t blockOffset = 0; // frames
     std::optional<uint32_t> nextInputPosition;

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "frameworks/plugincore/dsp/elements/Element.h"
+#include "frameworks/plugincore/dsp/offline/OfflineJob.h"
+#include "frameworks/plugincore/dsp/offline/ReadaheadCache.h"
+#include "frameworks/plugincore/dsp/offline/RegionCrossover.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace DSP {
+
+/// The blocks of an offline job on their way from its source through an element to its sink.
+///
+/// Threads: all calls on the thread of the job, under the process lock.
+class RegionRun {
+public:
+    /// Both outlive the run.
+    RegionRun(OfflineJob& newJob, Element& newElement);
+
+    OfflineJob& GetJob() const { return job; }
+
+    /// How far a region is, 0 to 1; false cancels.
+    using Progress = std::function<bool(double)>;
+
+    /// Leads the element up to a region from `lead` frames before it on, and through it.
+    OfflineResult
+    Run(const Region& region, uint32_t lead, RegionCrossover& crossover, const Progress& progress);
+
+private:
+    struct Buffers {
+        Buffers(uint32_t channelCount, uint32_t frames)
+            : block(channelCount, frames)
+            , recording(channelCount, frames)
+        {
+        }
+        MultichannelBuffer block;     // what the element works on
+        MultichannelBuffer recording; // as it is, where the block belongs
+    };
+
+    void PrepareBuffers(const RegionCrossover& crossover);
+    bool ReadBlock(int64_t position, uint32_t frames);
+    OfflineResult
+    GiveOut(const Region& region, RegionCrossover& crossover, int64_t position, uint32_t frames);
+
+    OfflineJob& job;
+    Element& element;
+    std::unique_ptr<ReadaheadCache> cache;
+    std::unique_ptr<Buffers> buffers;
+};
+
+} // namespace DSP

@@ -80,6 +80,10 @@ public:
                     int32_t outputOffset,
                     int32_t spectrumOffset) noexcept UTIL_NONBLOCKING;
 
+    /// Of the bins 0 to F/2, in Hz; empty without channels. [setup]
+    const std::vector<float>& GetLowerBandEdges() const noexcept { return lowerBandEdges; }
+    const std::vector<float>& GetUpperBandEdges() const noexcept { return upperBandEdges; }
+
     int32_t GetFFTSize() const noexcept { return fftSize; } ///< F
     int32_t GetHop() const noexcept { return hop; }         ///< H
     int32_t GetLatency() const noexcept { return latency; } ///< W - H, samples

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/PuffguardElement.h"
 
+#include "frameworks/plugincore/dsp/offline/OfflineJob.h"
+#include "restoration/dsp/puffguard/region/BandCrossover.h"
+
 #include <utility>
 
 namespace DSP::Puffguard {
@@ -54,6 +57,21 @@ std::unique_ptr<Shared::PuffGuard> Puffguard::MakeRepair() const
 {
     return std::make_unique<Shared::PuffGuard>(
         Shared::PuffGuard::Format{GetHost(), GetSampleRate(), GetChannelConfig()}, *log);
+}
+
+std::unique_ptr<RegionCrossover> Puffguard::PrepareCrossover(const OfflineJob& job,
+                                                             const Region& region)
+{
+    if (!SupportsFrequencyBounds() || !region.IsBounded()) {
+        return ElementDispatcher::PrepareCrossover(job, region);
+    }
+    return std::make_unique<BandCrossover>(
+        region,
+        BandCrossover::Setup{GetHost(),
+                             GetChannelCount(),
+                             static_cast<double>(GetSampleRate()),
+                             GetLatency(Context::Process),
+                             job.GetFadeMilliseconds()});
 }
 
 void Puffguard::OnFormatChanged()

@@ -4,6 +4,7 @@
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
 #include "restoration/dsp/puffguard/DetectionLog.h"
 #include "restoration/dsp/puffguard/PuffGuard.h"
+#include "restoration/dsp/puffguard/RestorationElement.h"
 
 #include <memory>
 
@@ -15,7 +16,7 @@ namespace DSP::Puffguard {
 /// its own ranges are the narrower ones. Blocks of any length are accepted.
 ///
 /// It lives as long as the instance; for a new format it makes a new repair inside.
-class Puffguard final : public ElementDispatcher {
+class Puffguard final : public ElementDispatcher, public RestorationElement {
 public:
     enum Param : uint32_t {
         Sensitivity = 0,          ///< 0 to 10
@@ -44,6 +45,9 @@ protected:
         repair->Process(frames, channels);
     }
     void OnFormatChanged() override;
+    std::unique_ptr<RegionCrossover> PrepareCrossover(const OfflineJob& job,
+                                                      const Region& region) override;
+    bool PassesThrough() const override { return values[Strength] == 0; }
 
 private:
     void Register(Param index, const char* paramName, ValueRange<float> range, float defaultValue);

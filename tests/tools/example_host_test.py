@@ -28,13 +28,18 @@ def pops():
 def main():
     host, module, command = sys.argv[1:]
     sound = pops()
-    by_host = subprocess.run([host, module], input=sound, capture_output=True, check=True, timeout=60)
-    by_command = subprocess.run([command, "-", "-o", "-", "--raw", f"f32,{RATE},1", "--strength", "8",
-                                 "--quiet"],
-                                input=sound, capture_output=True, check=True, timeout=60).stdout
-    print(f"{len(sound)} bytes in, {len(by_host.stdout)} and {len(by_command)} out")
-    # Without a repair the two would be equal for nothing.
-    return 0 if by_host.stdout == by_command != sound else 1
+    same = True
+    # As a stream, and a region of the whole.
+    for times, options in ([], []), (["1.4", "1.7"], ["--region", "1.4-1.7"]):
+        by_host = subprocess.run([host, module, *times], input=sound, capture_output=True, check=True,
+                                 timeout=60).stdout
+        by_command = subprocess.run([command, "-", "-o", "-", "--raw", f"f32,{RATE},1", "--strength", "8",
+                                     "--quiet", *options],
+                                    input=sound, capture_output=True, check=True, timeout=60).stdout
+        print(f"{times}: {len(sound)} bytes in, {len(by_host)} and {len(by_command)} out")
+        # Without a repair the two would be equal for nothing.
+        same = same and by_host == by_command != sound
+    return 0 if same else 1
 
 
 if __name__ == "__main__":

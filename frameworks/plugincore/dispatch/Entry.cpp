@@ -108,6 +108,18 @@ constexpr bool RulesStandAtTheirPlace()
 }
 static_assert(RulesStandAtTheirPlace());
 
+// It takes long, and would keep the user interface waiting.
+constexpr Rule RenderRule{
+    SelectorHostMessage, Side::Either, Record::Required, Lock::None, H::Render};
+
+const Rule& FindRule(uint32_t selector, const void* data)
+{
+    const bool isRender =
+        selector == SelectorHostMessage && data != nullptr &&
+        static_cast<const HostMessageRecord*>(data)->message == PLUGIN_CORE_MESSAGE_RENDER;
+    return isRender ? RenderRule : Rules[selector - FirstRule];
+}
+
 bool Takes(Side side, uint32_t context)
 {
     switch (side) {
@@ -233,7 +245,7 @@ uint32_t Dispatch(
     if (selector - FirstRule >= Rules.size()) {
         return PluginCoreUnknownSelector;
     }
-    const Rule& rule = Rules[selector - FirstRule];
+    const Rule& rule = FindRule(selector, data);
     if (instance == nullptr) {
         return PluginCoreNullInstance;
     }

@@ -37,6 +37,8 @@ uint32_t GetParamAtPoint(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t ElementCommand(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t SetHostTrackValue(PluginCore& plugin, DSP::Context context, void* data);
 uint32_t HostMessage(PluginCore& plugin, DSP::Context context, void* data);
+/// The one message that comes without a lock; the record is that of SelectorHostMessage.
+uint32_t Render(PluginCore& plugin, DSP::Context context, void* data);
 
 // Signal path
 uint32_t SetStreamFormat(PluginCore& plugin, DSP::Context context, void* data);

@@ -158,4 +158,14 @@ uint32_t HostMessage(PluginCore& plugin, DSP::Context context, void* data)
     return plugin.HostMessage(context, As<HostMessageRecord>(data));
 }
 
+uint32_t Render(PluginCore& plugin, DSP::Context context, void* data)
+{
+    const auto& message = As<HostMessageRecord>(data);
+    if (context != DSP::Context::UI || message.data == nullptr ||
+        message.length < sizeof(RenderRecord)) {
+        return PluginCoreUnsupported;
+    }
+    return plugin.Render(*static_cast<RenderRecord*>(message.data));
+}
+
 } // namespace EntryHandlers

@@ -17,6 +17,7 @@
 #include "PluginCoreInstance.h"
 #include "PluginCoreParams.h"
 #include "PluginCoreProtocol.h"
+#include "PluginCoreRender.h"
 #include "PluginCoreSignal.h"
 #include "PluginCoreState.h"
 

@@ -298,6 +298,27 @@ PLUGIN_CORE_AT(HistoryRecord, time, 24);
 PLUGIN_CORE_AT(HistoryRecord, text, 56);
 PLUGIN_CORE_AT(HistoryRecord, message, 1080);
 
+PLUGIN_CORE_SIZE(RenderRegionRecord, 24);
+PLUGIN_CORE_AT(RenderRegionRecord, last, 8);
+PLUGIN_CORE_AT(RenderRegionRecord, lowHz, 16);
+PLUGIN_CORE_AT(RenderRegionRecord, highHz, 20);
+
+PLUGIN_CORE_SIZE(RenderRecord, 352);
+PLUGIN_CORE_AT(RenderRecord, frames, 8);
+PLUGIN_CORE_AT(RenderRecord, regions, 16);
+PLUGIN_CORE_AT(RenderRecord, regionCount, 24);
+PLUGIN_CORE_AT(RenderRecord, fadeMilliseconds, 28);
+PLUGIN_CORE_AT(RenderRecord, refcon, 32);
+PLUGIN_CORE_AT(RenderRecord, read, 40);
+PLUGIN_CORE_AT(RenderRecord, write, 48);
+PLUGIN_CORE_AT(RenderRecord, progress, 56);
+PLUGIN_CORE_AT(RenderRecord, repair, 64);
+PLUGIN_CORE_AT(RenderRecord, result, 72);
+PLUGIN_CORE_AT(RenderRecord, failedRegion, 76);
+PLUGIN_CORE_AT(RenderRecord, hops, 80);
+PLUGIN_CORE_AT(RenderRecord, bandEnergy, 88);
+PLUGIN_CORE_AT(RenderRecord, message, 96);
+
 PLUGIN_CORE_SIZE(ParamEventRecord, 12);
 PLUGIN_CORE_AT(ParamEventRecord, kind, 0);
 PLUGIN_CORE_AT(ParamEventRecord, index, 4);

@@ -3,6 +3,7 @@
 
 #include "frameworks/plugincore/dsp/signal/BlockPieces.h"
 #include "frameworks/plugincore/dsp/signal/ChannelConfig.h"
+#include "frameworks/plugincore/instance/UsableSamples.h"
 #include "frameworks/qobase/util/Tick.h"
 
 #include <algorithm>
@@ -15,19 +16,13 @@ namespace {
 // Gaps in the stream that are shorter than this don't hand the signal path to the UI side.
 constexpr uint32_t ProcessingHoldMilliseconds = 2500;
 
-// The power of larger ones would overflow.
-bool IsUnusable(float sample)
-{
-    return !(std::abs(sample) <= PLUGIN_CORE_LARGEST_SAMPLE); // also a NaN
-}
-
 // One bad sample from another plug-in would otherwise stay in the repair's statistics for good.
 void ReplaceUnusable(const ProcessRecord& record, uint32_t channelCount)
 {
     for (uint32_t channel = 0; channel < channelCount; ++channel) {
         float* samples = record.channels[channel];
         if (samples != nullptr) {
-            std::replace_if(samples, samples + record.frames, IsUnusable, 0.0F);
+            ::ReplaceUnusable(std::span(samples, record.frames));
         }
     }
 }

@@ -48,6 +48,7 @@ Plugin::Plugin(const PluginFactory& newFactory, const PluginSetup& setup)
     , preferences(GetSet(), settings.GetProductFile(), IsOffline())
     , history(factory.GetDefinition(), IsOffline())
     , state({*transform, editor, history}, factory, hostFacts.GetNumber() == HostIdentity::ProTools)
+    , rendering({factory, *transform, format, state, GetThreadController().GetUILock()})
     , messages(MakeMessages())
     , timer(MakeTimerSetup())
 {
@@ -64,6 +65,7 @@ Plugin::Plugin(const PluginFactory& newFactory, const PluginSetup& setup)
 
 Plugin::~Plugin()
 {
+    rendering.End();
     GetPhase().suspended = true;
     timer.Stop();
     {

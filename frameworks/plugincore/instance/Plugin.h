@@ -15,6 +15,7 @@
 #include "frameworks/plugincore/instance/PluginSettings.h"
 #include "frameworks/plugincore/instance/Preferences.h"
 #include "frameworks/plugincore/instance/ReinstantiateWatch.h"
+#include "frameworks/plugincore/instance/Rendering.h"
 #include "frameworks/plugincore/instance/StateKeeper.h"
 #include "frameworks/plugincore/instance/StreamFormat.h"
 #include "frameworks/plugincore/ui/model/historyfile/HistoryDelegate.h"
@@ -72,6 +73,7 @@ public:
     void TransformReset() override;
     bool TransformRead(TransformReadRecord& record) override { return transform->Read(record); }
     bool LoadTransformData(uint32_t size, const void* data) override;
+    uint32_t Render(RenderRecord& record) override { return rendering.Answer(record); }
     uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) override;
     uint32_t ElementCommand(ElementRecord& record) override;
     void SetHostTrackValue(uint64_t value) override { hostFacts.SetTrackValue(value); }
@@ -151,6 +153,7 @@ private:
     Preferences preferences;
     HistoryKeeper history;
     StateKeeper state;
+    Rendering rendering;
     InstanceMessages messages;
     std::unique_ptr<Editor> ownEditor; // what OpenEditor() has made; null: none
     IdleTimer timer;

@@ -104,6 +104,8 @@ struct PluginCore {
     virtual bool TransformRead(TransformReadRecord& record) = 0;
     virtual bool LoadTransformData(uint32_t size, const void* data) = 0;
 
+    /// Renders regions of a recording: comes without a lock, on a thread of the host's own.
+    virtual uint32_t Render(RenderRecord& record) = 0;
     virtual uint32_t HostMessage(DSP::Context context, const HostMessageRecord& record) = 0;
     virtual uint32_t ElementCommand(ElementRecord& record) = 0;
     virtual void SetHostTrackValue(uint64_t value) = 0;

@@ -130,5 +130,6 @@ void Plugin::Reconfigure(const StreamFormat& wanted)
     const Util::ScopedFlag suspended(GetPhase().suspended);
     const Util::ScopedFlag switching(GetPhase().switching);
     GetBlocks().ForgetBlocks();
+    rendering.Stop(); // the host's recording is of the former format
     FormatChange({format, *transform, latency, params, preferences, editor, state}).Run(wanted);
 }

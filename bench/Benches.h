@@ -28,6 +28,9 @@ void PrintCommandRatios(TargetTable& table);
 /// The command's automatic repair: speed, memory, and two threads against one.
 void PrintAutoFigures(TargetTable& table);
 
+/// Regions of a recording: what many cost, or bounds in frequency, and memory.
+void PrintRegionFigures(TargetTable& table);
+
 /// Saving and loading an instance's state.
 void PrintStateTimes();
 

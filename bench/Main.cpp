@@ -18,6 +18,7 @@ int main()
     Bench::PrintInstructions(table);
     Bench::PrintCommandRatios(table);
     Bench::PrintAutoFigures(table);
+    Bench::PrintRegionFigures(table);
     Bench::PrintStateTimes();
     Bench::PrintPresetListing();
     Bench::PrintKernelRatios();

@@ -1,24 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "bench/Benches.h"
+#include "bench/Heap.h"
 #include "tests/support/ModuleHost.h"
-
-#include <malloc.h>
 
 #include <cstddef>
 #include <cstdio>
 
 namespace Bench {
-
-namespace {
-
-/// Bytes that the heap has given out, in its arenas and as mappings of their own.
-std::size_t GetHeapBytes()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
-} // namespace
 
 void PrintMemory(TargetTable& table)
 {

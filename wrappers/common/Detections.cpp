@@ -2,32 +2,12 @@
 #include "wrappers/common/Detections.h"
 
 #include "frameworks/plugincore/entry/PluginCoreCallback.h"
+#include "wrappers/common/DetectionRecords.h"
 
 #include <algorithm>
 #include <array>
 
 namespace Wrapper {
-
-namespace {
-
-Detection MakeDetection(const DetectionRecord& record)
-{
-    Detection detection;
-    detection.number = record.number;
-    detection.centre = record.centre;
-    detection.start = record.start;
-    detection.end = record.end;
-    detection.severity = record.severity;
-    detection.pitchHz = record.pitchHz;
-    detection.energyBefore = record.energyBefore;
-    detection.energyAfter = record.energyAfter;
-    if (record.regionEnd >= record.regionStart) {
-        detection.frames = record.regionEnd - record.regionStart + 1;
-    }
-    return detection;
-}
-
-} // namespace
 
 Detections::Detections(const Instance& newInstance)
     : instance(newInstance)

@@ -45,11 +45,12 @@ class EntryKey {
     friend class ElementParameters;
     friend class History;
     friend class Presets;
+    friend class RegionRenderer;
     friend class SoftBypass;
 };
 
-/// One instance of the module. Detections, Editor, ElementParameters, History and Presets stand
-/// beside it for the wrappers that need them.
+/// One instance of the module. Detections, Editor, ElementParameters, History, Presets and
+/// RegionRenderer stand beside it for the wrappers that need them.
 ///
 /// Threads: [process] calls come from one thread at a time, [ui] calls from another one at a time;
 /// both may come at once. [setup] excludes all others. The process side takes no lock but the

@@ -16,4 +16,8 @@ inline constexpr int GreatestChannelCount = static_cast<int>(Wrapper::BlockBuffe
 inline constexpr int GreatestBlock = 65536;
 inline constexpr int DefaultBlock = 4096;
 
+/// At the edges of regions, in ms.
+inline constexpr double GreatestFade = 10000;
+inline constexpr double DefaultFade = 10;
+
 } // namespace Cli

@@ -53,48 +53,58 @@ AutoRepair::Span ParsePair(std::string_view fields, const char* first, const cha
     return {from, to};
 }
 
-Label ParseLabel(std::string_view fields, int line)
+LabelEntry ParseEntry(std::string_view fields, int line)
 {
-    Label label;
-    label.line = line;
-    label.span = ParsePair(fields, "start", "end", line);
-    if (label.span.start < 0) {
-        Refuse(line, "begins before the recording");
-    }
-    if (label.span.end < label.span.start) {
-        Refuse(line, "ends before it begins");
-    }
-    if (label.span.end == label.span.start) {
-        Refuse(line, "is empty: it ends where it begins");
-    }
-    if (label.span.end - label.span.start > LongestLabel) {
-        Refuse(line, fmt::format("is longer than {} s, which no plosive is", LongestLabel));
-    }
-    return label;
+    LabelEntry entry;
+    entry.line = line;
+    entry.span = ParsePair(fields, "start", "end", line);
+    return entry;
 }
 
-void ParseFrequencies(std::string_view fields, int line, std::vector<Label>& labels)
+void ParseBand(std::string_view fields, int line, std::vector<LabelEntry>& entries)
 {
-    if (labels.empty()) {
+    if (entries.empty()) {
         Refuse(line, "a range of frequencies without a label before it");
     }
     TakeUntil(fields, '\t');
     const auto [low, high] = ParsePair(fields, "lower frequency", "upper frequency", line);
-    // A negative one stands for an edge that wasn't drawn.
-    if (high < 0) {
-        return;
-    }
-    if (low > high) {
+    // An edge that wasn't drawn is below neither.
+    if (high >= 0 && low > high) {
         Refuse(line, "the lower frequency is above the upper one");
     }
+    entries.back().band = {low, high, line};
+}
+
+Label MakeLabel(const LabelEntry& entry)
+{
+    if (entry.span.start < 0) {
+        Refuse(entry.line, "begins before the recording");
+    }
+    if (entry.span.end < entry.span.start) {
+        Refuse(entry.line, "ends before it begins");
+    }
+    if (entry.span.end == entry.span.start) {
+        Refuse(entry.line, "is empty: it ends where it begins");
+    }
+    if (entry.span.end - entry.span.start > LongestLabel) {
+        Refuse(entry.line, fmt::format("is longer than {} s, which no plosive is", LongestLabel));
+    }
+    Label label;
+    label.line = entry.line;
+    label.span = entry.span;
+    if (!entry.band || entry.band->high < 0) {
+        return label;
+    }
+    const double high = entry.band->high;
     if (high < AutoRepair::LeastUpperFrequency || high > AutoRepair::GreatestUpperFrequency) {
-        Refuse(line,
+        Refuse(entry.band->line,
                fmt::format("the upper frequency {} Hz is outside {} to {} Hz",
                            high,
                            AutoRepair::LeastUpperFrequency,
                            AutoRepair::GreatestUpperFrequency));
     }
-    labels.back().upperFrequency = high;
+    label.upperFrequency = high;
+    return label;
 }
 
 void SortAndRefuseOverlaps(std::vector<Label>& labels)
@@ -113,28 +123,37 @@ void SortAndRefuseOverlaps(std::vector<Label>& labels)
 
 } // namespace
 
-std::vector<Label> ParseLabelTrack(std::string_view text)
+std::vector<LabelEntry> ParseLabelEntries(std::string_view text)
 {
     if (text.starts_with(ByteOrderMark)) {
         text.remove_prefix(ByteOrderMark.size());
     }
-    std::vector<Label> labels;
+    std::vector<LabelEntry> entries;
     for (int line = 1; !text.empty(); ++line) {
         std::string_view fields = TakeUntil(text, '\n');
         if (fields.ends_with('\r')) {
             fields.remove_suffix(1);
         }
         if (fields.starts_with("\\\t")) {
-            ParseFrequencies(fields, line, labels);
+            ParseBand(fields, line, entries);
         } else if (!fields.empty()) {
-            labels.push_back(ParseLabel(fields, line));
+            entries.push_back(ParseEntry(fields, line));
         }
+    }
+    return entries;
+}
+
+std::vector<Label> ParseLabelTrack(std::string_view text)
+{
+    std::vector<Label> labels;
+    for (const LabelEntry& entry : ParseLabelEntries(text)) {
+        labels.push_back(MakeLabel(entry));
     }
     SortAndRefuseOverlaps(labels);
     return labels;
 }
 
-std::vector<Label> ReadLabelTrack(const FileName& name)
+std::string ReadLabelText(const FileName& name)
 {
     const FileDescriptor file = OpenForReading(name);
     std::string text(LongestTrack + 1, '\0');
@@ -142,7 +161,12 @@ std::vector<Label> ReadLabelTrack(const FileName& name)
     if (text.size() > LongestTrack) {
         throw FileError("is too large for a label track");
     }
-    return ParseLabelTrack(text);
+    return text;
+}
+
+std::vector<Label> ReadLabelTrack(const FileName& name)
+{
+    return ParseLabelTrack(ReadLabelText(name));
 }
 
 void FitLabels(std::vector<Label>& labels, double seconds)

@@ -213,6 +213,17 @@ void Effect::Process(float** channels, uint32_t frames)
     }
 }
 
+Wrapper::DetectionTotals Effect::RenderRegions(Wrapper::RenderClient& client,
+                                               const std::vector<Wrapper::RenderRegion>& regions,
+                                               double fade) const
+{
+    const auto outcome = *Granted(Wrapper::RegionRenderer(*instance).Render(client, regions, fade));
+    if (!outcome.isDone) {
+        throw FileError(outcome.problem);
+    }
+    return outcome.totals;
+}
+
 void Effect::ReadDetections(std::vector<Wrapper::Detection>& found)
 {
     Granted(detections.Read(found));

@@ -10,6 +10,7 @@
 #include "wrappers/common/ElementParameters.h"
 #include "wrappers/common/Instance.h"
 #include "wrappers/common/Preset.h"
+#include "wrappers/common/RegionRenderer.h"
 #include "wrappers/common/SilentListener.h"
 
 #include <cstdint>
@@ -90,6 +91,13 @@ public:
     /// Processes a block in place: `channels` points to one array of `frames` floats a channel.
     /// Throws ModuleError.
     void Process(float** channels, uint32_t frames);
+
+    /// Repairs regions of a recording with these controls, on elements of their own: Process() goes
+    /// on as if this hadn't been. Throws FileError with the reason when it can't be done, what
+    /// `client` throws, and ModuleError.
+    Wrapper::DetectionTotals RenderRegions(Wrapper::RenderClient& client,
+                                           const std::vector<Wrapper::RenderRegion>& regions,
+                                           double fade) const;
 
     /// Appends the repairs made since the last call to `found`, oldest first. Throws ModuleError.
     void ReadDetections(std::vector<Wrapper::Detection>& found);

@@ -37,6 +37,7 @@ constexpr Colour GridInk = {0.6, 0.63, 0.68, 0.35};
 constexpr Colour MarkInk = {0.0, 0.62, 0.68};
 constexpr Colour MarkFill = {0.25, 0.95, 1.0, 0.16};
 constexpr Colour MarkEdge = {0.2, 0.8, 0.85, 0.7};
+constexpr Colour RegionInk = {0.55, 0.95, 0.35};
 constexpr Colour BeforeInk = {0.93, 0.5, 0.22};
 constexpr Colour AfterInk = {0.16, 0.32, 0.55};
 constexpr Colour Paper = {1, 1, 1};
@@ -65,6 +66,9 @@ PlotPainter::PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption
     PaintSpectrogram({BeforeTop, SpectrumHeight}, recorder.GetBefore());
     PaintSpectrogram({AfterTop, SpectrumHeight}, recorder.GetAfter());
     PaintWave({WaveTop, WaveHeight});
+    for (const PlotRegion& region : caption.regions) {
+        Outline(region);
+    }
     PaintColourBar();
     PaintLegend();
 }
@@ -72,6 +76,11 @@ PlotPainter::PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption
 double PlotPainter::TimeToX(double seconds) const
 {
     return PlotLeft + seconds / duration * Width;
+}
+
+double PlotPainter::FrequencyToY(const Panel& panel, double hertz) const
+{
+    return panel.top + panel.height * (1.0 - hertz / SpectrogramLimitHz);
 }
 
 void PlotPainter::PaintTitle()
@@ -138,7 +147,7 @@ void PlotPainter::PaintFrequencyAxis(const Panel& panel)
 {
     SetColour(context.get(), Ink);
     for (int hz = 0; hz <= 1000; hz += 200) {
-        const double y = panel.top + panel.height * (1.0 - hz / SpectrogramLimitHz);
+        const double y = FrequencyToY(panel, hz);
         DrawLine(context.get(), PlotLeft - 6, y, PlotLeft, y);
         DrawText(
             context.get(), PlotLeft - 11, y + 5, std::to_string(hz), {14, Anchor::Right, false});
@@ -152,7 +161,7 @@ void PlotPainter::PaintRepairLimit(const Panel& panel)
         return;
     }
     constexpr std::array Dashes = {7.0, 6.0};
-    const double y = panel.top + panel.height * (1.0 - caption.repairLimitHz / SpectrogramLimitHz);
+    const double y = FrequencyToY(panel, caption.repairLimitHz);
     SetColour(context.get(), {1, 1, 1, 0.6});
     cairo_set_dash(context.get(), Dashes.data(), static_cast<int>(Dashes.size()), 0);
     DrawLine(context.get(), PlotLeft, y, PlotRight, y);
@@ -288,6 +297,9 @@ void PlotPainter::PaintLegend()
         x += 62 + TextWidth(context.get(), text, {14, Anchor::Left, false});
     };
     addEntry(MarkInk, "prominent plosive, span of its repair");
+    if (!caption.regions.empty()) {
+        addEntry(RegionInk, "region");
+    }
     addEntry(BeforeInk, "waveform before");
     addEntry(AfterInk, "waveform after");
     if (caption.repairLimitHz > 0) {
@@ -298,6 +310,30 @@ void PlotPainter::PaintLegend()
                  fmt::format("dashed: repairs reach up to {:g} Hz", caption.repairLimitHz),
                  {14, Anchor::Right, false});
     }
+}
+
+void PlotPainter::Outline(const PlotRegion& region)
+{
+    for (const Panel& panel : {Panel{BeforeTop, SpectrumHeight}, Panel{AfterTop, SpectrumHeight}}) {
+        const double high =
+            region.highHz > 0 ? std::min(region.highHz, SpectrogramLimitHz) : SpectrogramLimitHz;
+        if (region.lowHz < high) {
+            OutlineSpan({FrequencyToY(panel, high),
+                         (high - region.lowHz) / SpectrogramLimitHz * panel.height},
+                        region);
+        }
+    }
+    OutlineSpan({WaveTop, WaveHeight}, region);
+}
+
+void PlotPainter::OutlineSpan(const Panel& panel, const PlotRegion& region)
+{
+    const double begin = std::max(PlotLeft, TimeToX(region.start));
+    const double end = std::min(PlotRight, TimeToX(region.end));
+    SetColour(context.get(), RegionInk);
+    cairo_set_line_width(context.get(), 1.5);
+    cairo_rectangle(context.get(), begin, panel.top + 1, end - begin, panel.height - 2);
+    cairo_stroke(context.get());
 }
 
 void PlotPainter::Mark(const Event& event)

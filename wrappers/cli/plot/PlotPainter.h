@@ -13,15 +13,25 @@
 
 namespace Cli {
 
-/// The words around a picture.
+/// A rectangle of time and frequency.
+struct PlotRegion {
+    double start = 0; ///< seconds
+    double end = 0;
+    double lowHz = 0;
+    double highHz = 0; ///< 0: no upper bound
+};
+
+/// The words around a picture, and what is outlined in it.
 struct PlotCaption {
     std::string title;
     std::string details;
-    double repairLimitHz = 0; ///< drawn as a line; 0: none
+    double repairLimitHz = 0;        ///< drawn as a line; 0: none
+    std::vector<PlotRegion> regions; ///< outlined in all panels
 };
 
 /// Paints what a PlotRecorder gathered: spectrograms of 0 to 1 kHz before and after, the waveform,
-/// axes, legends, and a mark for each event that it is given.
+/// axes, legends, outlines of
+/// regions, and a mark for each event that it is given.
 class PlotPainter {
 public:
     PlotPainter(const PlotRecorder& newRecorder, PlotCaption newCaption);
@@ -54,6 +64,9 @@ private:
     void PaintTimeAxis(const Panel& panel, bool hasNumbers);
     void PaintColourBar();
     void PaintLegend();
+    void Outline(const PlotRegion& region);
+    void OutlineSpan(const Panel& panel, const PlotRegion& region);
+    double FrequencyToY(const Panel& panel, double hertz) const;
     void PaintFrame(const Panel& panel);
     void PaintName(const Panel& panel, const char* name);
 

@@ -7,8 +7,8 @@
 #include "wrappers/cli/effect/Effect.h"
 #include "wrappers/cli/files/FileError.h"
 #include "wrappers/cli/run/AutoJob.h"
-#include "wrappers/cli/run/EffectPage.h"
-#include "wrappers/cli/run/JobResults.h"
+#include "wrappers/cli/run/EffectEvents.h"
+#include "wrappers/cli/run/RegionJob.h"
 #include "wrappers/cli/text/Text.h"
 
 #include <fmt/format.h>
@@ -53,6 +53,7 @@ public:
                     effect.GetLatency(),
                     options.keepsLatency ? LatencyMode::Keep : LatencyMode::Trim,
                     [this](float** data, uint32_t frames) { effect.Process(data, frames); })
+        , events(context, task, results)
     {
         results.OpenAudio(options.keepsLatency ? effect.GetLatency() : 0);
     }
@@ -62,7 +63,7 @@ public:
         Describe(report);
         ReadAll(report);
         // What follows the recording is no part of its average.
-        average = AverageOf(effect.ReadTotals());
+        events.SetAverage(AverageOf(effect.ReadTotals()));
         for (auto pair = alignment.Drain(); !pair.output.empty(); pair = alignment.Drain()) {
             SpoolDetections();
             results.Add(pair);
@@ -72,13 +73,11 @@ public:
         // The picture takes a time of its own, which is no part of the repair's speed.
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         report.seconds = elapsed.count();
-        WriteReports(report);
+        events.Write(report, effect.GetControls());
         results.SavePlot();
         place.Leave();
         results.Finish();
-        if (context.events != nullptr) {
-            context.events->Add(number, report, effect.GetControls(), spool, average);
-        }
+        events.AddToList(number, report, effect.GetControls());
     }
 
 private:
@@ -86,8 +85,6 @@ private:
     void ReadAll(FileReport& report);
     void PushBlocks(std::span<const double> samples);
     void SpoolDetections();
-    void WriteReports(FileReport& report);
-    void WritePage(FileReport& report);
 
     const RunContext& context;
     const Options& options;
@@ -100,9 +97,8 @@ private:
     Effect effect;
     Alignment alignment;
     std::vector<Wrapper::Detection> detections;
-    EventSpool spool;
+    EffectEvents events;
     int64_t framesPushed = 0;
-    BandAverage average;
 };
 
 void FileJob::Describe(FileReport& report) const
@@ -159,53 +155,7 @@ void FileJob::SpoolDetections()
     // The silence behind the recording can seem to hold something too.
     std::erase_if(detections,
                   [&](const Wrapper::Detection& one) { return one.centre >= framesPushed; });
-    uint64_t place = spool.GetCount();
-    for (const Wrapper::Detection& detection : detections) {
-        results.Want(MakeClipRequest(place++, detection, reader.GetSampleRate()));
-    }
-    spool.Append(detections);
-}
-
-void FileJob::WriteReports(FileReport& report)
-{
-    const Controls& controls = effect.GetControls();
-    results.BeginEvents(report, ControlCaption(controls), controls.GetRepairLimit());
-    EventSummary& summary = report.events;
-    spool.ForEach([&](const Wrapper::Detection& detection) {
-        const Event event = MakeEvent(detection, average, report.sampleRate);
-        ++summary.repairs;
-        if (!summary.strongest || event.removed > summary.strongest->removed) {
-            summary.strongest = event;
-        }
-        if (!event.isProminent) {
-            return;
-        }
-        ++summary.prominent;
-        results.Mark(event);
-        context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
-                                           Printable(task.input.Get()),
-                                           FormatClock(event.time),
-                                           -event.reduction));
-    });
-    if (!task.page.IsEmpty()) {
-        WritePage(report);
-    }
-}
-
-void FileJob::WritePage(FileReport& report)
-{
-    report.page = task.page;
-    report.changedShare = results.GetChangedShare();
-    std::vector<PageEvent> rows;
-    uint64_t place = 0;
-    spool.ForEach([&](const Wrapper::Detection& detection) {
-        if (results.HasClip(place) &&
-            MakeEvent(detection, average, report.sampleRate).isProminent) {
-            rows.push_back(MakePageEvent(place, detection, average, report.sampleRate));
-        }
-        ++place;
-    });
-    results.WritePage(MakePageHead(report, effect.GetControls(), rows.size()), rows);
+    events.Add(detections, reader.GetSampleRate());
 }
 
 } // namespace
@@ -221,6 +171,8 @@ RunFile(const RunContext& context, const Task& task, size_t number, JobPlaces::P
         }
         if (context.options.IsForWholeFiles()) {
             RunAutoFile(context, task, number, place, report);
+        } else if (context.options.HasRegions()) {
+            RunRegionFile(context, task, number, place, report);
         } else {
             FileJob(context, task, number).Run(report, place);
         }

@@ -103,7 +103,7 @@ void JobResults::Add(const Alignment::Pair& pair)
         return;
     }
     // Rounded before the difference is taken, so that difference and result add up to the input.
-    if (quantiser && options.IsForWholeFiles()) {
+    if (quantiser && options.KeepsTheRest()) {
         quantiser->ApplyToChanged(pair.input, pair.output);
     } else if (quantiser) {
         quantiser->Apply(pair.output);
@@ -152,6 +152,7 @@ void JobResults::BeginEvents(const FileReport& report,
                                   report.channels == 1 ? "" : "s",
                                   FormatClock(report.GetDuration()),
                                   words);
+    caption.regions = regions;
     painter = std::make_unique<PlotPainter>(*recorder, caption);
 }
 

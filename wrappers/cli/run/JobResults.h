@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Cli {
 
@@ -41,6 +43,9 @@ public:
 
     /// Takes the next samples before and after the repair, and may change the latter.
     void Add(const Alignment::Pair& pair);
+
+    /// The picture outlines these.
+    void SetRegions(std::vector<PlotRegion> newRegions) { regions = std::move(newRegions); }
 
     /// Ends the recording; `words` stand below the picture's title, `repairLimitHz` is the line in
     /// it, 0 for none.
@@ -77,6 +82,7 @@ private:
     std::unique_ptr<RecordingPage> page;
     std::unique_ptr<PlotRecorder> recorder;
     std::unique_ptr<PlotPainter> painter;
+    std::vector<PlotRegion> regions;
     size_t framesToSkip = 0; // that the picture and the page don't have
     int outputFormat = 0;
     std::unique_ptr<AudioWriter> writer;

@@ -170,6 +170,21 @@ void CheckWholeFiles(const Options& options)
            "with several recordings --repair-labels takes a folder or a name with {name} in it");
 }
 
+void CheckRegions(const Options& options)
+{
+    Refuse(options.hasFade && !options.HasRegions(), "--fade needs --region or --regions");
+    if (!options.HasRegions()) {
+        return;
+    }
+    Refuse(options.IsForWholeFiles(),
+           "--region and --regions belong to the effect, which has no part in --auto and "
+           "--repair-labels");
+    Refuse(options.keepsLatency, "--keep-latency: regions have no latency to keep");
+    Refuse(options.regionFile.IsStream(), "--regions needs a file, not -");
+    Refuse(!options.isSingle && IsForOneRecording(options.regionFile),
+           "with several recordings --regions takes a folder or a name with {name} in it");
+}
+
 } // namespace
 
 void CheckOptions(Options& options)
@@ -183,6 +198,7 @@ void CheckOptions(Options& options)
     CheckReports(options);
     CheckSession(options);
     CheckWholeFiles(options);
+    CheckRegions(options);
     Refuse(options.hasDither && options.isDryRun, "--dither has no use in a --dry-run");
 }
 

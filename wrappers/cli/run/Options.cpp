@@ -27,6 +27,9 @@ constexpr const char* ExampleText = R"(Examples:
                                             look through its pops in Audacity ...
   puffguard talk.wav --repair-labels pops.txt
                                             ... and repair those that are left
+  puffguard talk.wav --region 1:02.5-1:02.9,20-150
+                                            the low end of one word, and nothing else
+  puffguard talk.wav --regions labels.txt   what a label track of Audacity names
   puffguard talk.wav -o clean.flac          another name and container
   puffguard *.wav --output-dir clean        many files, all cores
   puffguard -r archive --in-place           every recording below a folder
@@ -50,6 +53,8 @@ Exit code: 0 all files done, 1 some file failed, 2 the command line is not valid
 struct Typed {
     ForEachControl<std::string> controls;
     std::string strictness;
+    std::vector<std::string> regions;
+    std::string fade;
     std::string block;
     std::string jobs;
     std::string container;
@@ -127,6 +132,15 @@ void AddControlOptions(CLI::App& app, Options& options, Typed& typed)
                    options.repairLabels,
                    "Repair what this label track of Audacity names, and nothing else")
         ->type_name("FILE.txt");
+    app.add_option("--region", typed.regions, "Repair this alone, to the bit; may be repeated")
+        ->type_name("START-END[,LOW-HIGH]")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
+    app.add_option("--regions",
+                   options.regionFile,
+                   "Repair what this label track, or list of --events, names alone")
+        ->type_name("FILE");
+    app.add_option("--fade", typed.fade, "At the edges of regions (default 10)")->type_name("MS");
     app.add_flag("--bypass", options.controls.bypass, "Pass everything unchanged");
     app.add_flag("--difference", options.wantsDifference, "Write what is taken away");
     app.add_flag("--keep-latency", options.keepsLatency, "Write the raw, late stream");
@@ -187,6 +201,13 @@ void Interpret(const Typed& typed, Options& options)
     if (!typed.strictness.empty()) {
         constexpr double Most = AutoRepair::GreatestStrictness;
         options.strictness = ParseNumber<double>(typed.strictness, "--strictness", -Most, Most);
+    }
+    for (const std::string& region : typed.regions) {
+        options.regions.push_back(ParseRegion(region));
+    }
+    if (!typed.fade.empty()) {
+        options.fade = ParseNumber<double>(typed.fade, "--fade", 0, GreatestFade);
+        options.hasFade = true;
     }
     if (!typed.block.empty()) {
         options.block = ParseNumber<int>(typed.block, "--block", 1, GreatestBlock);

@@ -7,6 +7,7 @@
 #include "wrappers/cli/effect/SessionOptions.h"
 #include "wrappers/cli/files/FileName.h"
 #include "wrappers/cli/files/OutputFile.h"
+#include "wrappers/cli/regions/WantedRegion.h"
 
 #include <optional>
 #include <string>
@@ -36,6 +37,11 @@ struct Options {
     std::optional<double> strictness; ///< of the automatic repair
     FileName repairLabels;            ///< empty: none
 
+    std::vector<WantedRegion> regions; ///< repaired alone, with those of the file
+    FileName regionFile;               ///< empty: none
+    double fade = DefaultFade;         ///< ms, at the edges of regions
+    bool hasFade = false;              ///< it was asked for
+
     FileName events; ///< empty: none; so are the next three
     FileName labels;
     FileName plot;
@@ -55,6 +61,12 @@ struct Options {
 
     /// True when recordings are repaired as a whole, without the effect.
     bool IsForWholeFiles() const { return isAutomatic || !repairLabels.IsEmpty(); }
+
+    /// True when the effect repairs regions alone.
+    bool HasRegions() const { return !regions.empty() || !regionFile.IsEmpty(); }
+
+    /// True when what isn't repaired stays as it is, to the bit.
+    bool KeepsTheRest() const { return IsForWholeFiles() || HasRegions(); }
 };
 
 /// A text to print on standard output instead of any work.

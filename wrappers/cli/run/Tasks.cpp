@@ -226,6 +226,7 @@ void RefuseClashes(std::vector<Task>& tasks, const Options& options)
     for (const Task& task : tasks) {
         claims.Protect(task.input, "a recording");
         claims.Protect(task.repairLabels, "a label track");
+        claims.Protect(task.regionFile, "a list of regions");
     }
     ClaimRunFiles(claims, options);
     for (Task& task : tasks) {
@@ -286,6 +287,7 @@ std::vector<Task> MakeTasks(const Options& options)
         task.labels = FolderReport(options.labels, found, ".txt", options);
         task.plot = FolderReport(options.plot, found, ".png", options);
         task.repairLabels = FolderReport(options.repairLabels, found, ".txt", options);
+        task.regionFile = FolderReport(options.regionFile, found, ".txt", options);
         task.page = FolderReport(options.page, found, ".html", options);
         if (task.failure.empty() && !options.isInPlace && IsSameFile(task.input, task.output)) {
             task.failure = "is its own output; --in-place repairs in place";

@@ -16,8 +16,9 @@ struct Task {
     FileName labels; ///< empty: not wanted; so are the next two
     FileName plot;
     FileName page;
-    FileName repairLabels; ///< read
-    std::string failure;   ///< not empty: why it can't be begun
+    FileName repairLabels; ///< read; so is the next
+    FileName regionFile;
+    std::string failure; ///< not empty: why it can't be begun
 };
 
 /// Finds the recordings that the options name and where their results go, in a stable order: as

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: ISC
+#include "wrappers/cli/run/RegionJob.h"
+
+#include "wrappers/cli/autorepair/ChangeFile.h"
+#include "wrappers/cli/effect/Effect.h"
+#include "wrappers/cli/files/FileError.h"
+#include "wrappers/cli/regions/RegionFile.h"
+#include "wrappers/cli/regions/RegionSource.h"
+#include "wrappers/cli/run/EffectEvents.h"
+#include "wrappers/cli/text/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace Cli {
+
+namespace {
+
+// What the effect goes back before a region: two seconds and what it reads ahead.
+constexpr int KeptSeconds = 4;
+constexpr size_t KeptFrames = 80000;
+
+/// One recording on its way through: its regions are rendered first, then it's copied with what
+/// has changed there.
+class RegionJob final : public Wrapper::RenderClient {
+public:
+    RegionJob(const RunContext& newContext, const Task& newTask, size_t newNumber)
+        : context(newContext)
+        , options(newContext.options)
+        , task(newTask)
+        , number(newNumber)
+        , input(task.input, options.raw)
+        , channels(static_cast<size_t>(input.GetDescription().GetChannels()))
+        , sampleRate(input.GetDescription().GetSampleRate())
+        , frames(CountFrames())
+        , regions(PlaceRegions(ReadWanted(), sampleRate, frames))
+        , results(options, task, input.GetDescription())
+        , effect(context.module,
+                 sampleRate,
+                 input.GetDescription().GetChannels(),
+                 context.session.settings)
+        , events(context, task, results)
+        , source(input, static_cast<size_t>(KeptSeconds) * sampleRate + KeptFrames)
+        , changes(channels)
+    {
+        results.OpenAudio(0);
+    }
+
+    void Run(FileReport& report, JobPlaces::Place& place);
+
+    int64_t GetFrames() const override { return frames; }
+    void ReadFrames(int64_t position, uint32_t count, float* const* target) override
+    {
+        source.Read(position, count, target);
+    }
+    void WriteFrames(int64_t position, uint32_t count, const float* const* made) override;
+    bool OnProgress(double done, const char* text) override;
+    void OnRepair(const Wrapper::Detection& repair) override
+    {
+        events.Add({&repair, 1}, sampleRate);
+    }
+
+private:
+    int64_t CountFrames();
+    std::vector<WantedRegion> ReadWanted() const;
+    void Describe(FileReport& report) const;
+    void Outline();
+    void Copy(FileReport& report);
+    void AddChanges(int64_t first, std::span<double> samples);
+    void ShowProgress(double done) const;
+
+    const RunContext& context;
+    const Options& options;
+    const Task& task;
+    size_t number;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    RepeatedInput input;
+    size_t channels;
+    int sampleRate;
+    int64_t frames;
+    std::vector<Wrapper::RenderRegion> regions;
+    JobResults results;
+    Effect effect;
+    EffectEvents events;
+    RegionSource source;
+    ChangeFile changes;
+    std::vector<ChangeFile::Stretch> stretches; // in order of time
+    size_t next = 0;                            // the first stretch that isn't wholly added
+    std::vector<float> given;                   // what the effect got, [channel][frame]
+    std::vector<double> change;
+};
+
+// Only the end of some recordings shows how long they are.
+int64_t RegionJob::CountFrames()
+{
+    if (const auto known = input.GetDescription().GetFrames()) {
+        return *known;
+    }
+    std::vector<double> chunk(static_cast<size_t>(options.block) * channels);
+    input.Begin();
+    while (input.Read(chunk) * channels == chunk.size()) {
+    }
+    return input.GetPosition();
+}
+
+std::vector<WantedRegion> RegionJob::ReadWanted() const
+{
+    std::vector<WantedRegion> wanted = options.regions;
+    if (!task.regionFile.IsEmpty()) {
+        const auto more = Naming(task.regionFile.Get(),
+                                 [&] { return ReadRegionFile(task.regionFile, task.input); });
+        wanted.insert(wanted.end(), more.begin(), more.end());
+    }
+    return wanted;
+}
+
+void RegionJob::Run(FileReport& report, JobPlaces::Place& place)
+{
+    Describe(report);
+    Outline();
+    events.SetAverage(AverageOf(effect.RenderRegions(*this, regions, options.fade)));
+    Copy(report);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    report.seconds = elapsed.count();
+    events.Write(report, effect.GetControls());
+    results.SavePlot();
+    place.Leave();
+    results.Finish();
+    events.AddToList(number, report, effect.GetControls());
+}
+
+void RegionJob::Describe(FileReport& report) const
+{
+    report.output = task.output;
+    report.sampleRate = sampleRate;
+    report.channels = static_cast<int>(channels);
+    report.frames = frames;
+    report.changed = effect.ReadChanged();
+    report.preset = context.session.preset ? context.session.preset->name : "";
+    if (input.IsSpooled()) {
+        context.console.Result(Printable(task.input.InputLabel()) +
+                               ": kept in a temporary file, since it is read more than once");
+    }
+    context.console.Detail(fmt::format("{}: {} Hz, {} channel{}; {} region{}; {}{}",
+                                       Printable(task.input.Get()),
+                                       sampleRate,
+                                       channels,
+                                       channels == 1 ? "" : "s",
+                                       regions.size(),
+                                       regions.size() == 1 ? "" : "s",
+                                       DescribeControls(effect.GetControls()),
+                                       results.DescribeAudio()));
+}
+
+void RegionJob::Outline()
+{
+    const double rate = sampleRate;
+    std::vector<PlotRegion> outlines;
+    for (const Wrapper::RenderRegion& region : regions) {
+        outlines.push_back({static_cast<double>(region.first) / rate,
+                            static_cast<double>(region.end) / rate,
+                            region.lowHz,
+                            region.highHz});
+    }
+    results.SetRegions(std::move(outlines));
+}
+
+void RegionJob::ShowProgress(double done) const
+{
+    context.console.Progress(
+        number, static_cast<int64_t>(done * static_cast<double>(frames)), frames, sampleRate);
+}
+
+bool RegionJob::OnProgress(double done, const char* /*text*/)
+{
+    ShowProgress(done / 2);
+    return true;
+}
+
+// What is changed goes by itself, so that whatever the recording holds beyond single precision
+// stays.
+void RegionJob::WriteFrames(int64_t position, uint32_t count, const float* const* made)
+{
+    given.resize(channels * count);
+    std::vector<float*> pointers;
+    for (size_t channel = 0; channel < channels; ++channel) {
+        pointers.push_back(given.data() + channel * count);
+    }
+    source.Read(position, count, pointers.data());
+    change.resize(channels * count);
+    bool isChanged = false;
+    for (size_t i = 0; i < change.size(); ++i) {
+        const size_t channel = i % channels;
+        const size_t frame = i / channels;
+        change[i] = static_cast<double>(made[channel][frame]) -
+                    static_cast<double>(pointers[channel][frame]);
+        isChanged = isChanged || change[i] != 0;
+    }
+    if (isChanged) {
+        stretches.push_back(changes.Append(position, change));
+    }
+}
+
+void RegionJob::AddChanges(int64_t first, std::span<double> samples)
+{
+    const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
+    while (next < stretches.size() && stretches[next].end <= first) {
+        ++next;
+    }
+    for (size_t i = next; i < stretches.size() && stretches[i].first < end; ++i) {
+        changes.AddTo(stretches[i], first, samples);
+    }
+}
+
+void RegionJob::Copy(FileReport& report)
+{
+    report.nonFiniteSamples = input.GetNonFinite();
+    if (!results.WantsSamples()) {
+        return;
+    }
+    std::vector<double> before;
+    std::vector<double> chunk(static_cast<size_t>(options.block) * channels);
+    input.Begin();
+    size_t count = chunk.size();
+    while (count == chunk.size()) {
+        const int64_t first = input.GetPosition();
+        count = input.Read(chunk) * channels;
+        const std::span samples = std::span(chunk).first(count);
+        before.assign(samples.begin(), samples.end());
+        AddChanges(first, samples);
+        results.Add({before, samples});
+        ShowProgress(0.5 +
+                     0.5 * static_cast<double>(input.GetPosition()) / static_cast<double>(frames));
+    }
+    report.nonFiniteSamples = input.GetNonFinite();
+}
+
+} // namespace
+
+void RunRegionFile(const RunContext& context,
+                   const Task& task,
+                   size_t number,
+                   JobPlaces::Place& place,
+                   FileReport& report)
+{
+    RegionJob(context, task, number).Run(report, place);
+}
+
+} // namespace Cli

@@ -18,8 +18,9 @@ public:
         if (process != 0) {
             return;
         }
-        // As one starts from a shell: whoever runs the tests may have hangups ignored.
+        // As one starts from a terminal: in the background or without one, these are ignored.
         std::signal(SIGHUP, SIG_DFL);
+        std::signal(SIGINT, SIG_DFL);
         alarm(120); // ends it should the work hang
         work();
         _exit(0);

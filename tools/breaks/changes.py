@@ -201,7 +201,7 @@ CHANGES = [
            "if («side.reported.exchange(reported) != reported» && notify == Notify::Yes)",
            "(side.reported.exchange(reported), true)",
            "the host is told a latency that hasn't changed", INSTANCE + ["contract_test"]),
-    Change("frameworks/plugincore/instance/BlockRunner.cpp",
+    Change("frameworks/plugincore/instance/UsableSamples.h",
            "return «!(std::abs(sample) <= PLUGIN_CORE_LARGEST_SAMPLE)»;", "std::isnan(sample)",
            "an infinite sample goes into the repair", ["contract_test"] + INSTANCE),
     Change("frameworks/plugincore/instance/BlockRunner.cpp",

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <future>
 #include <mutex>
 #include <optional>
@@ -14,33 +13,14 @@ namespace {
 
 constexpr uint32_t Period = 1; // ms; tests wait for counts, never for times
 
-/// Counts, and lets a test wait until a count is reached.
-class Counter {
-public:
-    void Add()
-    {
-        {
-            const std::scoped_lock lock(mutex);
-            ++count;
-        }
-        changed.notify_all();
-    }
-    void WaitFor(int wanted)
-    {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return count >= wanted; });
-    }
-    int Get()
-    {
-        const std::scoped_lock lock(mutex);
-        return count;
-    }
+using Counter = std::atomic<int>;
 
-private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    int count = 0;
-};
+void WaitFor(const Counter& counter, int wanted)
+{
+    while (counter < wanted) {
+        std::this_thread::yield();
+    }
+}
 
 std::atomic<bool> firstThreadEnded = false;
 
@@ -54,24 +34,24 @@ void MarkThread()
 TEST(PeriodicTimer, AllTimersShareOneThreadAndItEndsWithTheLast)
 {
     firstThreadEnded = false;
-    Counter firstTicks;
-    Counter secondTicks;
+    Counter firstTicks = 0;
+    Counter secondTicks = 0;
     std::thread::id firstThread;
     std::thread::id secondThread;
     auto first = std::make_unique<Util::PeriodicTimer>(Period, [&] {
         MarkThread();
         firstThread = std::this_thread::get_id();
-        firstTicks.Add();
+        ++firstTicks;
     });
     auto second = std::make_unique<Util::PeriodicTimer>(Period, [&] {
         secondThread = std::this_thread::get_id();
-        secondTicks.Add();
+        ++secondTicks;
     });
-    firstTicks.WaitFor(1);
-    secondTicks.WaitFor(1);
+    WaitFor(firstTicks, 1);
+    WaitFor(secondTicks, 1);
     first.reset();
     EXPECT_FALSE(firstThreadEnded);
-    secondTicks.WaitFor(secondTicks.Get() + 2);
+    WaitFor(secondTicks, secondTicks + 2);
     second.reset();
     EXPECT_TRUE(firstThreadEnded);
     EXPECT_EQ(firstThread, secondThread);
@@ -122,7 +102,7 @@ TEST(PeriodicTimer, ABusyTimerDoesNotHoldUpTheEndOfAnother)
 TEST(PeriodicTimer, MayEndWithinItsOwnCallbackAndANewOneStartsThereOrElsewhere)
 {
     for (int round = 0; round < 20; ++round) {
-        Counter done;
+        Counter done = 0;
         std::unique_ptr<Util::PeriodicTimer> timer;
         std::unique_ptr<Util::PeriodicTimer> successor;
         std::mutex ready; // held until `timer` is assigned
@@ -136,27 +116,27 @@ TEST(PeriodicTimer, MayEndWithinItsOwnCallbackAndANewOneStartsThereOrElsewhere)
             const bool starts = startsThere;
             timer.reset(); // the captures of this callback live on until it returns
             if (starts) {
-                made = std::make_unique<Util::PeriodicTimer>(Period, [&counter] { counter.Add(); });
+                made = std::make_unique<Util::PeriodicTimer>(Period, [&counter] { ++counter; });
             } else {
-                counter.Add();
+                ++counter;
             }
         });
         hold.unlock();
-        done.WaitFor(1);
-        Counter ticks;
-        const Util::PeriodicTimer next(Period, [&ticks] { ticks.Add(); });
-        ticks.WaitFor(1);
+        WaitFor(done, 1);
+        Counter ticks = 0;
+        const Util::PeriodicTimer next(Period, [&ticks] { ++ticks; });
+        WaitFor(ticks, 1);
     }
 }
 
 TEST(PeriodicTimer, AFailingCallbackIsCalledAgain)
 {
-    Counter ticks;
+    Counter ticks = 0;
     const Util::PeriodicTimer timer(Period, [&ticks] {
-        ticks.Add();
+        ++ticks;
         throw 1;
     });
-    ticks.WaitFor(3);
+    WaitFor(ticks, 3);
 }
 
 } // namespace

@@ -13,7 +13,6 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 IMAGES = ROOT / "docs/images"
-sys.path.insert(0, str(ROOT / "tests/browser"))
 sys.dont_write_bytecode = True
 from browser import Browser # pylint: disable=wrong-import-position
 

@@ -19,6 +19,7 @@ import unittest
 import wave
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 sys.dont_write_bytecode = True
 from browser import Browser, is_installed # pylint: disable=wrong-import-position
 

@@ -214,7 +214,12 @@ TEST_F(RenderTest, RegionsFarApartAreRenderedEachAsIfItWereAlone)
         }
     }
     EXPECT_EQ(both.result, expected);
-    EXPECT_NE(both.result, recording);
+    // Led up to by two seconds, it repairs there about what it repairs when it has always run.
+    const auto part = [&](std::vector<double> change) {
+        const auto first = change.begin() + regions[0].first;
+        return Energy({first, first + 3200});
+    };
+    EXPECT_NEAR(part(both.GetChange()) / part(whole), 1, 0.3);
     EXPECT_TRUE(std::is_sorted(both.done.begin(), both.done.end()));
     EXPECT_EQ(both.done.back(), 1);
     EXPECT_NE(std::find(both.texts.begin(), both.texts.end(), "Running Puffguard (region 1/2)"),

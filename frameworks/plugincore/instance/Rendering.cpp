@@ -145,6 +145,7 @@ Rendering::Start Rendering::TakeStart()
     stopped = false; // a new format comes under this lock, too
     setup.state.LoadPending();
     const DSP::DSPSet& set = setup.path.GetSet();
+    set.GetGlobalElement()->SyncParams(); // the process side may have switched the bypass
     return {setup.format, DSP::BuildElements(set), set.GetBypassParam().GetValue(DSP::Context::UI)};
 }
 

@@ -10,94 +10,59 @@
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 
-enum { Process = 0, UI = 1, BlockFrames = 512, Rate = 48000 };
+enum { Process = 0, UI = 1, BlockFrames = 512, Rate = 48000, MostFrames = 60 * Rate };
 
-/* A whole recording in memory. */
-typedef struct Recording {
-    float* samples;
-    int64_t frames;
-} Recording;
+/* A recording of at most a minute. It is read on behind what has been written, so that one copy of
+ * it would not be enough. */
+static float before[MostFrames];
+static float after[MostFrames];
 
-static Recording read_all(void)
+static uint32_t ReadFrames(void* refcon, int64_t position, uint32_t frames, float* const* channels)
 {
-    Recording recording = {NULL, 0};
-    float block[BlockFrames];
-    for (size_t count = 1; count > 0; recording.frames += (int64_t)count) {
-        count = fread(block, sizeof(float), BlockFrames, stdin);
-        float* longer =
-            realloc(recording.samples, ((size_t)recording.frames + BlockFrames) * sizeof(float));
-        if (longer == NULL) {
-            abort();
-        }
-        recording.samples = longer;
-        memcpy(recording.samples + recording.frames, block, count * sizeof(float));
+    (void)refcon;
+    for (uint32_t i = 0; i < frames; ++i) {
+        channels[0][i] = before[position + i];
     }
-    return recording;
-}
-
-/* The recording is read on behind what has been written, so that one copy is not enough. */
-typedef struct Job {
-    Recording before;
-    float* after;
-} Job;
-
-static uint32_t read_frames(void* refcon, int64_t position, uint32_t frames, float* const* channels)
-{
-    const Job* job = refcon;
-    memcpy(channels[0], job->before.samples + position, frames * sizeof(float));
-    return 0;
+    return 0; /* anything else is a failure, here and in the next */
 }
 
 static uint32_t
-write_frames(void* refcon, int64_t position, uint32_t frames, const float* const* channels)
+WriteFrames(void* refcon, int64_t position, uint32_t frames, const float* const* channels)
 {
-    const Job* job = refcon;
-    memcpy(job->after + position, channels[0], frames * sizeof(float));
+    (void)refcon;
+    for (uint32_t i = 0; i < frames; ++i) {
+        after[position + i] = channels[0][i];
+    }
     return 0;
 }
 
-static uint32_t show_progress(void* refcon, double done, const char* text)
+/* Takes long: a host with windows calls it on a thread of its own, while they go on. `progress` of
+ * the record would follow it, and could cancel. */
+static int RepairRegion(PluginCoreEntryFunction entry, PluginCore* plugin, double start, double end)
 {
-    (void)refcon;
-    fprintf(stderr, "%3.0f %% %s\r", 100 * done, text);
-    return 0; /* anything else cancels */
-}
-
-/* Takes long: a host with windows calls it on a thread of its own, while they go on. */
-static int
-repair_region(PluginCoreEntryFunction entry, PluginCore* plugin, double start, double end)
-{
-    Job job = {read_all(), NULL};
-    const size_t bytes = (size_t)job.before.frames * sizeof(float);
-    job.after = malloc(bytes + 1);
-    if (job.after == NULL) {
-        abort();
+    const size_t frames = fread(before, sizeof(float), MostFrames, stdin);
+    for (size_t i = 0; i < frames; ++i) {
+        after[i] = before[i]; /* what isn't written stays */
     }
-    memcpy(job.after, job.before.samples, bytes);
     const RenderRegionRecord region = {.first = (int64_t)(start * Rate + 0.5),
                                        .last = (int64_t)(end * Rate + 0.5) - 1};
     RenderRecord render = {.recordBytes = sizeof render,
                            .regionBytes = sizeof region,
-                           .frames = job.before.frames,
+                           .frames = (int64_t)frames,
                            .regions = &region,
                            .regionCount = 1,
                            .fadeMilliseconds = 10,
-                           .refcon = &job,
-                           .read = read_frames,
-                           .write = write_frames,
-                           .progress = show_progress};
+                           .read = ReadFrames,
+                           .write = WriteFrames};
     HostMessageRecord message = {PLUGIN_CORE_MESSAGE_RENDER, sizeof render, &render};
     entry(PLUGIN_CORE_MAGIC, SelectorHostMessage, UI, plugin, &message);
-    fprintf(stderr, "\n%s\n", render.message);
-    fwrite(job.after, sizeof(float), (size_t)job.before.frames, stdout);
-    free(job.before.samples);
-    free(job.after);
+    fputs(render.message, stderr); /* why it could not be done */
+    fwrite(after, sizeof(float), frames, stdout);
     return render.result == RenderDone;
 }
 
-static void repair_all(PluginCoreEntryFunction entry, PluginCore* plugin)
+static void RepairAll(PluginCoreEntryFunction entry, PluginCore* plugin)
 {
     uint32_t late = 0; /* samples by which the output lags behind the input */
     entry(PLUGIN_CORE_MAGIC, SelectorGetLatency, UI, plugin, &late);
@@ -138,9 +103,9 @@ int main(int argc, char** argv)
     entry(PLUGIN_CORE_MAGIC, SelectorSetAutomatableParamValue, UI, plugin, &strength);
     int isDone = 1;
     if (argc == 4) {
-        isDone = repair_region(entry, plugin, atof(argv[2]), atof(argv[3]));
+        isDone = RepairRegion(entry, plugin, strtod(argv[2], NULL), strtod(argv[3], NULL));
     } else {
-        repair_all(entry, plugin);
+        RepairAll(entry, plugin);
     }
 
     entry(PLUGIN_CORE_MAGIC, SelectorTerminate, UI, plugin, NULL);

@@ -11,6 +11,7 @@
 #include <future>
 #include <limits>
 #include <map>
+#include <numbers>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,6 +30,7 @@ public:
         : recording(std::move(newRecording))
         , result(recording)
     {
+        record.fadeMilliseconds = 10;
     }
 
     RenderRecord& Run(PluginCore* instance, const std::vector<RenderRegionRecord>& regions)
@@ -63,7 +65,7 @@ public:
 
     Audio recording;
     Audio result;
-    RenderRecord record{.fadeMilliseconds = 10};
+    RenderRecord record{};
     uint32_t answer = 0;
     std::map<int64_t, uint32_t> written; // frames from each place on
     std::vector<double> done;
@@ -140,7 +142,7 @@ double Energy(const std::vector<double>& samples)
 /// By frequencies well above `hertz`: high-passes of first order, one behind the other.
 double EnergyAbove(std::vector<double> samples, double hertz)
 {
-    const double keep = std::exp(-2 * 3.14159265358979 * hertz / static_cast<double>(Rate));
+    const double keep = std::exp(-2 * std::numbers::pi * hertz / static_cast<double>(Rate));
     for (int pass = 0; pass < 4; ++pass) {
         double before = 0;
         double made = 0;
@@ -325,7 +327,8 @@ TEST_F(RenderTest, WhatCannotBeDoneSaysWhyAndLeavesNothingLocked)
     broken.recording[0][static_cast<std::size_t>(loudest)] = NAN;
     EXPECT_EQ(broken.Run(instance.Get(), {Around(loudest, 800)}).result, RenderDone);
     EXPECT_FALSE(std::isnan(broken.result[0][static_cast<std::size_t>(loudest)]));
-    RenderRecord record{.recordBytes = sizeof record + 8};
+    RenderRecord record{};
+    record.recordBytes = sizeof record + 8;
     HostMessageRecord message{PLUGIN_CORE_MESSAGE_RENDER, sizeof record, &record};
     EXPECT_EQ(Call(SelectorHostMessage, UI, instance.Get(), &message), PluginCoreUnsupported);
     EXPECT_EQ(Call(SelectorHostMessage, Process, instance.Get(), &message), PluginCoreUnsupported);

@@ -105,12 +105,14 @@ Rendering::Rendering(const Setup& newSetup)
 {
 }
 
-void Rendering::End() UTIL_NO_THREAD_SAFETY_ANALYSIS
+void Rendering::End()
 {
     Stop();
-    std::unique_lock lock(turnLock);
+    const Util::CriticalSectionGuard guard(turnLock);
     hasEnded = true;
-    turnEnded.wait(lock, [this] { return !isTaken; });
+    while (isTaken) {
+        turnEnded.wait(turnLock);
+    }
 }
 
 uint32_t Rendering::Answer(RenderRecord& record)

@@ -58,6 +58,9 @@ TEST_F(CommandRegions, OnlyWhatIsNamedIsRepairedHoweverItIsNamed)
                R"([{"file": "else.wav", "events": []}, {"file": ")" + input +
                    R"(", "events": [{"start": 1.55, "end": 1.8}]}])");
     EXPECT_EQ(Repair(Join(strong, {"--regions", labels})), repaired);
+    // A moment stands for what is around it, and may hang over the end.
+    WriteBytes(labels, R"({"events": [{"start": 2.99, "end": 2.99}, {"start": -1, "end": 9}]})");
+    EXPECT_EQ(Repair(Join(strong, {"--regions", labels})), plain);
     EXPECT_EQ(Repair(Join(strong, {"--regions", labels, "--bypass"})), recorded.samples);
     // A wider fade reaches further out.
     const auto wide = FindChange(Repair(Join(strong, {"--region", "1.55-1.8", "--fade", "60"})));

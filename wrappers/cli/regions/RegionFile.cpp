@@ -9,12 +9,15 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace Cli {
 
 namespace {
 
 using Json = nlohmann::json;
+
+constexpr double OneMoment = 0.02; // s to each side of it
 
 WantedRegion MakeRegion(double start, double end, std::string name)
 {
@@ -45,7 +48,8 @@ std::vector<WantedRegion> FromLabels(std::string_view text)
     return regions;
 }
 
-const Json& FindRecording(const Json& document, const FileName& recording)
+// Of a list of several recordings, this one's.
+Json TakeRecording(Json document, const FileName& recording)
 {
     if (document.is_object()) {
         return document;
@@ -56,24 +60,30 @@ const Json& FindRecording(const Json& document, const FileName& recording)
     if (found == document.end()) {
         throw FileError("holds no events of this recording");
     }
-    return *found;
+    return std::move(*found);
 }
 
-// A repair may begin before the recording, as analysed moments do, and be a moment long, where its
-// frame is all of it.
+// Events say which moments were analysed: the first and the last may lie beside the recording, and
+// may be one.
+WantedRegion FromEvent(const Json& event, int number)
+{
+    const double start = event.at("start").get<double>();
+    const double end = event.at("end").get<double>();
+    const double room = end > start ? 0 : OneMoment;
+    WantedRegion region =
+        MakeRegion(std::max(start - room, 0.0), end + room, fmt::format("event {}", number));
+    region.mayHangOver = true;
+    return region;
+}
+
 std::vector<WantedRegion> FromEvents(std::string_view text, const FileName& recording)
 {
     std::vector<WantedRegion> regions;
     try {
-        const Json document = Json::parse(text);
+        const Json found = TakeRecording(Json::parse(text), recording);
         int number = 0;
-        for (const Json& event : FindRecording(document, recording).at("events")) {
-            const double start = std::max(event.at("start").get<double>(), 0.0);
-            const double end = event.at("end").get<double>();
-            ++number;
-            if (end > start) {
-                regions.push_back(MakeRegion(start, end, fmt::format("event {}", number)));
-            }
+        for (const Json& event : found.at("events")) {
+            regions.push_back(FromEvent(event, ++number));
         }
     } catch (const Json::exception&) {
         throw FileError("is no list of events that --events has written");

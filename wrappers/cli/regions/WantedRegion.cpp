@@ -102,7 +102,7 @@ Wrapper::RenderRegion PlaceRegion(const WantedRegion& region, double rate, int64
     if (first >= length) {
         Refuse(region, "begins behind the end of the recording, " + FormatClock(length / rate));
     }
-    if (end > length + std::max(LastDigit * rate, 0.5)) {
+    if (!region.mayHangOver && end > length + std::max(LastDigit * rate, 0.5)) {
         Refuse(region, "ends behind the end of the recording, " + FormatClock(length / rate));
     }
     if (region.lowHz >= rate / 2) {

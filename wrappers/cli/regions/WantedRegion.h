@@ -25,6 +25,8 @@ struct WantedRegion {
     double lowHz = 0;  ///< 0: no lower bound
     double highHz = 0; ///< 0: no upper bound
     std::string name;  ///< what messages call it, such as "line 3"
+    /// What of it lies behind the recording's end is left out without a word.
+    bool mayHangOver = false;
 };
 
 /// Reads "START-END" or "START-END,LOW-HIGH": times in seconds, as m:ss or h:mm:ss, with decimals,

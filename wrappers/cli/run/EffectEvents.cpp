@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace Cli {
 
 void EffectEvents::Add(std::span<const Wrapper::Detection> detections, int sampleRate)
@@ -22,7 +24,7 @@ void EffectEvents::Write(FileReport& report, const Controls& controls)
     results.BeginEvents(report, ControlCaption(controls), controls.GetRepairLimit());
     EventSummary& summary = report.events;
     spool.ForEach([&](const Wrapper::Detection& detection) {
-        const Event event = MakeEvent(detection, average, report.sampleRate);
+        Event event = MakeEvent(detection, average, report.sampleRate);
         ++summary.repairs;
         if (!summary.strongest || event.removed > summary.strongest->removed) {
             summary.strongest = event;
@@ -31,6 +33,7 @@ void EffectEvents::Write(FileReport& report, const Controls& controls)
             return;
         }
         ++summary.prominent;
+        event.end = std::min(event.end, report.GetDuration()); // its last moment may be behind it
         results.Mark(event);
         context.console.Detail(fmt::format("{}: plosive at {}, taken down {:.1f} dB",
                                            Printable(task.input.Get()),

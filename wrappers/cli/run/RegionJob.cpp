@@ -19,7 +19,7 @@ namespace Cli {
 namespace {
 
 // What the effect goes back before a region: two seconds and what it reads ahead.
-constexpr int KeptSeconds = 4;
+constexpr size_t KeptSeconds = 4;
 constexpr size_t KeptFrames = 80000;
 
 /// One recording on its way through: its regions are rendered first, then it's copied with what
@@ -42,7 +42,7 @@ public:
                  input.GetDescription().GetChannels(),
                  context.session.settings)
         , events(context, task, results)
-        , source(input, static_cast<size_t>(KeptSeconds) * sampleRate + KeptFrames)
+        , source(input, KeptSeconds * static_cast<size_t>(sampleRate) + KeptFrames)
         , changes(channels)
     {
         results.OpenAudio(0);
@@ -158,6 +158,7 @@ void RegionJob::Outline()
 {
     const double rate = sampleRate;
     std::vector<PlotRegion> outlines;
+    outlines.reserve(regions.size());
     for (const Wrapper::RenderRegion& region : regions) {
         outlines.push_back({static_cast<double>(region.first) / rate,
                             static_cast<double>(region.end) / rate,
@@ -185,6 +186,7 @@ void RegionJob::WriteFrames(int64_t position, uint32_t count, const float* const
 {
     given.resize(channels * count);
     std::vector<float*> pointers;
+    pointers.reserve(channels);
     for (size_t channel = 0; channel < channels; ++channel) {
         pointers.push_back(given.data() + channel * count);
     }

@@ -9,8 +9,10 @@ namespace {
 
 // As long as the repair's hop at the usual rates, so that a step of the work is one block.
 constexpr uint32_t LeastBlockFrames = 512;
-// Blocks that are read ahead beyond those between the two places that are read.
-constexpr uint32_t BlocksAhead = 128;
+// What is read ahead beyond what lies between the two places that are read: of blocks as long as
+// that, hardly one in a hundred then asks the source; of longer ones at least a few.
+constexpr uint32_t FramesAhead = 128 * LeastBlockFrames;
+constexpr uint32_t LeastBlocksAhead = 4;
 
 } // namespace
 
@@ -24,8 +26,8 @@ void RegionRun::PrepareBuffers(const RegionCrossover& crossover)
 {
     const uint32_t channels = element.GetChannelCount();
     const uint32_t frames = std::max(LeastBlockFrames, crossover.GetBlockUnit());
-    const uint32_t window =
-        element.GetLatency(Context::Process) + crossover.GetLatency() + frames * BlocksAhead;
+    const uint32_t window = element.GetLatency(Context::Process) + crossover.GetLatency() +
+                            std::max(FramesAhead, LeastBlocksAhead * frames);
     if (!buffers || buffers->block.GetFrames() != frames) {
         buffers = std::make_unique<Buffers>(channels, frames);
         cache = std::make_unique<ReadaheadCache>(job.GetSource(), channels, window);

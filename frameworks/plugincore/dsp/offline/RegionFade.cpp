@@ -34,7 +34,7 @@ float GetGain(const Region::Part& part, int64_t frame) noexcept
 
 int64_t GetFadeFrames(double milliseconds, double rate, int64_t length) noexcept
 {
-    const double most = static_cast<double>(length / 2);
+    const double most = std::floor(static_cast<double>(length) / 2);
     return std::llround(std::clamp(rate * milliseconds * 0.001, 0.0, most));
 }
 

@@ -60,7 +60,8 @@ TEST(Crossover, TheBandsBelowInsideAndAboveAddUpToTheSignal)
         }
         double difference = 0;
         for (std::size_t i = latency; i < sum.size(); ++i) {
-            difference = std::max(difference, std::abs(double{sum[i]} - signal[i - latency]));
+            difference =
+                std::max(difference, static_cast<double>(std::abs(sum[i] - signal[i - latency])));
         }
         EXPECT_LT(difference, 1e-6); // -120 dBFS
     }

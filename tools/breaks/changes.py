@@ -223,7 +223,7 @@ CHANGES = [
            "«rendering.Stop();» // the host's recording", ";",
            "a rendering goes on in a format that is gone", ["contract_test"]),
     Change("frameworks/plugincore/instance/Rendering.cpp",
-           "«stopped = false;» // a new format", ";",
+           "«ForgetStop();» // a new format", ";",
            "a stopped rendering stops the next one, too", ["contract_test"]),
     Change("frameworks/plugincore/instance/PluginProcess.cpp",
            "if («active && !hold») {", "active",

@@ -107,9 +107,9 @@ Rendering::Rendering(const Setup& newSetup)
 
 void Rendering::End()
 {
-    Stop();
     const Util::CriticalSectionGuard guard(turnLock);
     hasEnded = true;
+    Stop();
     while (isTaken) {
         turnEnded.wait(turnLock);
     }
@@ -141,10 +141,17 @@ uint32_t Rendering::Answer(RenderRecord& record)
     return PluginCoreSuccess;
 }
 
+// What has ended stays stopped.
+void Rendering::ForgetStop()
+{
+    const Util::CriticalSectionGuard guard(turnLock);
+    stopped = hasEnded;
+}
+
 Rendering::Start Rendering::TakeStart()
 {
     const Util::CriticalSectionGuard guard(setup.uiLock);
-    stopped = false; // a new format comes under this lock, too
+    ForgetStop(); // a new format comes under this lock, too
     setup.state.LoadPending();
     const DSP::DSPSet& set = setup.path.GetSet();
     set.GetGlobalElement()->SyncParams(); // the process side may have switched the bypass

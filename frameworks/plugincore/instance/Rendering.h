@@ -45,6 +45,7 @@ private:
         bool isBypassed = false;
     };
 
+    void ForgetStop();
     Start TakeStart();
     bool CheckRegions(RenderRecord& record, float sampleRate) const;
     void Render(RenderRecord& record);

@@ -259,6 +259,9 @@ TEST_F(RenderTest, ABandIsRepairedAndNothingBesideIt)
     EXPECT_GT(Energy(change), 0.3 * Energy(all.GetChange()));
     EXPECT_LT(EnergyAbove(change, 400),
               1e-3 * EnergyAbove(all.GetChange(), 400) + 1e-6 * Energy(change));
+    EXPECT_TRUE(std::any_of(band.repairs.begin(), band.repairs.end(), [&](const auto& repair) {
+        return std::abs(repair.centre - loudest) < 800;
+    }));
     // Where it is too high for any repair, all is as it was: to the bit, not to some rounding.
     Rendered high(recording);
     EXPECT_EQ(high.Run(instance.Get(), {Around(loudest, 4000, 3000, 5000)}).result, RenderDone);

@@ -79,7 +79,7 @@ OfflineResult RegionRun::Run(const Region& region,
     const int64_t begin = std::max<int64_t>(region.GetFirst() - lead, 0);
     const int64_t end = region.GetEnd() + latency;
     const uint32_t frames = buffers->block.GetFrames();
-    job.onRegionBegins(region, begin);
+    job.onRegionBegins(region, begin - crossover.GetLatencyBefore());
     for (int64_t position = begin; position < end; position += frames) {
         if (!ReadBlock(position, frames)) {
             return OfflineResult::SourceFailed;

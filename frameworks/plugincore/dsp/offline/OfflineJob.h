@@ -36,7 +36,8 @@ public:
     virtual OfflineSource& GetSource() = 0;
     virtual double GetFadeMilliseconds() const = 0;
 
-    /// The element comes to a region; the first frame that it gets is number `begin`.
+    /// The element comes to a region; the first frame that it gets is number `begin` of the
+    /// recording, or would be, where that is below 0.
     virtual void onRegionBegins(const Region& region, int64_t begin) = 0;
     /// The frames from `position` on, in order and without overlaps: what may differ from the
     /// source, and nothing else. False ends the work.

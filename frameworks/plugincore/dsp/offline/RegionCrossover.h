@@ -29,6 +29,8 @@ public:
 
     /// Frames by which the region's blocks come later than the element makes them.
     virtual uint32_t GetLatency() const { return 0; }
+    /// Those of them by which they come later to the element.
+    virtual uint32_t GetLatencyBefore() const { return 0; }
     /// Blocks have whole multiples of so many frames.
     virtual uint32_t GetBlockUnit() const { return 1; }
 

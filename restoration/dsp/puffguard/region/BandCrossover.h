@@ -29,6 +29,7 @@ public:
     BandCrossover(const Region& newRegion, const Setup& setup);
 
     uint32_t GetLatency() const override { return split.GetLatency() + mask.GetLatency(); }
+    uint32_t GetLatencyBefore() const override { return split.GetLatency(); }
     uint32_t GetBlockUnit() const override { return split.GetHop(); }
     void Split(uint32_t frames, float* const* channels) override;
     void Take(int64_t position, uint32_t frames, float* const* channels) override;

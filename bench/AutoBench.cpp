@@ -2,6 +2,7 @@
 #include "bench/Benches.h"
 #include "bench/Measure.h"
 #include "bench/Program.h"
+#include "bench/SampleVoice.h"
 #include "bench/Signal.h"
 #include "bench/WaveFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -11,7 +12,6 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -57,43 +57,49 @@ void Report(TargetTable& table, const Target& target, double measured)
     table.Add(target, measured);
 }
 
-/// How often a burst comes in the recordings that the speed is measured with. As in speech: 40 a
-/// minute, for real recordings chosen for their pops have 38, and many have none. Pop after pop,
-/// 100 a minute, is what the repair's own time shows in.
-constexpr int SyllablesABurstInSpeech = 5;
-constexpr int SyllablesABurstAtMost = 2;
-
-std::vector<std::string> EffectOn(const Support::TemporaryFolder& folder, int syllablesABurst)
+/// Ten minutes and a bit, mono, of a stretch that repeats.
+std::string WriteLong(const Support::TemporaryFolder& folder,
+                      const char* name,
+                      const std::vector<float>& stretch)
 {
-    const std::string recording = folder / "long" + std::to_string(syllablesABurst) + ".wav";
-    WriteWave(recording,
-              MakeSpeech(1, SampleRate, PieceSeconds, syllablesABurst),
-              SampleRate,
-              RecordingSeconds / PieceSeconds);
-    return {PUFFGUARD_COMMAND, "-q", "-f", "-j1", recording, "-o", folder / "repaired.wav"};
+    const std::string path = folder / name;
+    const std::size_t frames = std::size_t{RecordingSeconds} * SampleRate;
+    WriteWave(path, {stretch}, SampleRate, static_cast<int>(frames / stretch.size() + 1));
+    return path;
 }
 
+/// Finding and repairing, with how it compares with the effect.
+void MeasureSpeed(TargetTable& table,
+                  const Support::TemporaryFolder& folder,
+                  const std::string& kind,
+                  const std::string& recording)
+{
+    const std::vector<std::string> effect = {
+        PUFFGUARD_COMMAND, "-q", "-f", "-j1", recording, "-o", folder / "repaired.wav"};
+    std::vector<std::string> automatic = effect;
+    automatic.emplace_back("--auto");
+    std::vector<double> speeds;
+    const double ratio = MeasureRuns([&](bool& succeeds) {
+        const ProgramRun run = Run(automatic, succeeds);
+        speeds.push_back(RecordingSeconds / run.computingSeconds);
+        return run.computingSeconds / Run(effect, succeeds).computingSeconds;
+    });
+    Report(table,
+           {kind + ", 10 minutes mono at 48 kHz, one core, times real time", 200, 400, "%.0f"},
+           ratio == 0 ? 0 : Median(speeds));
+    Report(table, {kind + " over the effect's run of the command", 1.0, 0.4}, ratio);
+}
+
+/// As many pops as speech has, and, which shows the repair's own time, pop after pop.
 void MeasureSpeed(TargetTable& table, const Support::TemporaryFolder& folder)
 {
-    for (const auto& [syllablesABurst, name] :
-         {std::pair(SyllablesABurstInSpeech, "--auto"),
-          std::pair(SyllablesABurstAtMost, "--auto, pop after pop")}) {
-        const std::vector<std::string> effect = EffectOn(folder, syllablesABurst);
-        std::vector<std::string> automatic = effect;
-        automatic.emplace_back("--auto");
-        std::vector<double> speeds;
-        const double ratio = MeasureRuns([&](bool& succeeds) {
-            const ProgramRun run = Run(automatic, succeeds);
-            speeds.push_back(RecordingSeconds / run.computingSeconds);
-            return run.computingSeconds / Run(effect, succeeds).computingSeconds;
-        });
-        const std::string figure = name;
-        Report(
-            table,
-            {figure + ", 10 minutes mono at 48 kHz, one core, times real time", 200, 400, "%.0f"},
-            ratio == 0 ? 0 : Median(speeds));
-        Report(table, {figure + " over the effect's run of the command", 1.0, 0.4}, ratio);
+    const std::vector<float> voice = ReadSampleVoice();
+    if (!voice.empty()) {
+        MeasureSpeed(table, folder, "--auto", WriteLong(folder, "voice.wav", voice));
     }
+    const auto dense = MakeSpeech(1, SampleRate, PieceSeconds);
+    MeasureSpeed(
+        table, folder, "--auto, two pops a second", WriteLong(folder, "dense.wav", dense.front()));
 }
 
 /// Greatest memory of a run in MiB, as a small program sees it that starts it: one with much memory
@@ -120,7 +126,7 @@ void MeasureJobs(TargetTable& table, const Support::TemporaryFolder& folder)
     constexpr int Files = 20;
     std::vector<std::string> one = {
         PUFFGUARD_COMMAND, "-q", "-f", "--auto", "-O", folder / "results"};
-    const auto speech = MakeSpeech(1, SampleRate, PieceSeconds, SyllablesABurstInSpeech);
+    const auto speech = MakeSpeech(1, SampleRate, PieceSeconds);
     for (int i = 0; i < Files; ++i) {
         one.push_back(folder / (std::to_string(i) + ".wav"));
         WriteWave(one.back(), speech, SampleRate, 4);

@@ -35,8 +35,7 @@ double GetBurst(double inSyllable)
 
 } // namespace
 
-std::vector<std::vector<float>>
-MakeSpeech(uint32_t channels, float sampleRate, double seconds, int syllablesABurst)
+std::vector<std::vector<float>> MakeSpeech(uint32_t channels, float sampleRate, double seconds)
 {
     const auto rate = static_cast<double>(sampleRate);
     std::minstd_rand random;
@@ -48,7 +47,7 @@ MakeSpeech(uint32_t channels, float sampleRate, double seconds, int syllablesABu
         phase += 2 * std::numbers::pi * pitchHz / rate;
         const double syllable = std::floor(time / SyllableSeconds);
         const double inSyllable = time - syllable * SyllableSeconds;
-        const bool hasBurst = std::fmod(syllable, syllablesABurst) == 0;
+        const bool hasBurst = std::fmod(syllable, 2) == 0;
         const double noise = 0.002 * (static_cast<double>(random() % 2000) * 0.001 - 1);
         const double burst = hasBurst ? GetBurst(inSyllable) : 0.0;
         mono[i] = static_cast<float>(GetVoice(phase, inSyllable) + burst + noise);

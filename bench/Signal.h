@@ -6,10 +6,8 @@
 
 namespace Bench {
 
-/// A voice whose pitch wanders, in syllables of 0.3 s with pauses and a little noise, and before
-/// each `syllablesABurst`-th syllable a burst of air that gets repaired. The same for the same
-/// arguments; full scale 1.0.
-std::vector<std::vector<float>>
-MakeSpeech(uint32_t channels, float sampleRate, double seconds, int syllablesABurst = 2);
+/// A voice whose pitch wanders, in syllables with pauses and a little noise, and before every other
+/// syllable a burst of air that gets repaired. The same for the same arguments; full scale 1.0.
+std::vector<std::vector<float>> MakeSpeech(uint32_t channels, float sampleRate, double seconds);
 
 } // namespace Bench

@@ -225,4 +225,26 @@ size_t AudioReader::Read(std::span<double> target)
     return static_cast<size_t>(count);
 }
 
+bool AudioReader::Skip(int64_t count)
+{
+    switch (info.format & SF_FORMAT_TYPEMASK) {
+    case SF_FORMAT_WAV:
+    case SF_FORMAT_WAVEX:
+    case SF_FORMAT_W64:
+    case SF_FORMAT_RF64:
+    case SF_FORMAT_AIFF:
+    case SF_FORMAT_RAW:
+        break;
+    default:
+        return false;
+    }
+    // A stream can't be gone forward in either.
+    if (BytesPerSample(info.format) == 0 ||
+        sf_seek(handle.get(), count, SEEK_CUR) != framesRead + count) {
+        return false;
+    }
+    framesRead += count;
+    return true;
+}
+
 } // namespace Cli

@@ -53,6 +53,11 @@ public:
     /// its head states.
     size_t Read(std::span<double> target);
 
+    /// Leaves the next `count` frames out, where a file's samples all take the same room, so that
+    /// nothing needs to be read for it; all of them must be there. Otherwise returns false and
+    /// leaves nothing out.
+    bool Skip(int64_t count);
+
 private:
     void OpenFile();
     void OpenStream(const std::optional<RawFormat>& raw);

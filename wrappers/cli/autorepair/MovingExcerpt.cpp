@@ -25,6 +25,10 @@ void MovingExcerpt::ReadOn()
 
 AutoRepair::Excerpt MovingExcerpt::Cover(const AutoRepair::Reach& reach)
 {
+    if (reach.first > input.GetPosition() && input.SkipTo(reach.first)) {
+        samples.clear();
+        first = reach.first;
+    }
     while (!hasEnded && input.GetPosition() < reach.end) {
         const int64_t held = input.GetPosition() - first;
         const int64_t unused = std::clamp<int64_t>(reach.first - first, 0, held);

@@ -88,4 +88,13 @@ size_t RepeatedInput::Read(std::span<double> target)
     return frames;
 }
 
+bool RepeatedInput::SkipTo(int64_t target)
+{
+    if (!reader->Skip(target - position)) {
+        return false;
+    }
+    position = target;
+    return true;
+}
+
 } // namespace Cli

@@ -29,6 +29,10 @@ public:
     /// The next samples, as AudioReader::Read() has them; what is no finite number is 0.
     size_t Read(std::span<double> target);
 
+    /// Goes on at frame `target`, which the recording has and which lies no further back, without
+    /// reading what lies before it. Returns false, and stays, where that isn't possible.
+    bool SkipTo(int64_t target);
+
     /// Frames from the first sample to where reading has come.
     int64_t GetPosition() const { return position; }
 

@@ -26,6 +26,10 @@ TEST(RepeatedInput, GivesTheSameSamplesAgainAndNoticesAFileThatGrowsOrShrinks)
         input.Begin();
         ASSERT_EQ(input.Read(std::span(second).first(1000)), 1000U);
         EXPECT_TRUE(std::equal(second.begin(), second.begin() + 1000, first.begin()));
+        ASSERT_TRUE(input.SkipTo(3000));
+        ASSERT_EQ(input.Read(std::span(second).first(500)), 500U);
+        EXPECT_TRUE(std::equal(second.begin(), second.begin() + 500, first.begin() + 3000));
+        EXPECT_EQ(input.GetPosition(), 3500);
         CliTest::WriteBytes(path, (bytes + "xx").substr(0, size));
         EXPECT_THROW(input.Read(second), FileError);
         EXPECT_THROW(input.Begin(), FileError);

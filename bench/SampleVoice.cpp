@@ -16,7 +16,8 @@ constexpr int VoicesWithoutPops = 2;
 std::vector<float> ReadMono(const char* name)
 {
     SndfileHandle file(std::string(PUFFGUARD_SAMPLE) + "/" + name);
-    std::vector<float> samples(file && file.channels() == 1 ? file.frames() : 0);
+    const bool isMono = file && file.channels() == 1;
+    std::vector<float> samples(static_cast<std::size_t>(isMono ? file.frames() : 0));
     file.readf(samples.data(), static_cast<sf_count_t>(samples.size()));
     return samples;
 }

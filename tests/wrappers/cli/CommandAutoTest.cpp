@@ -201,8 +201,10 @@ TEST_F(CommandAuto, LabelsThatAUserLeavesAreRepairedInTheSameWayAndNothingElse)
 TEST_F(CommandAuto, LabelTracksThatMakeNoSenseAreRefusedWithTheLine)
 {
     const std::string labels = folder / "pops.txt";
-    const std::array<std::pair<const char*, const char*>, 12> tracks = {{
+    const std::string binary(100000, 'x'); // a file of another kind
+    const std::array<std::pair<const char*, std::string>, 13> tracks = {{
         {"0.1\t0.2\tp\nabc\t0.5\tp\n", "line 2: the start \"abc\" is no number"},
+        {binary.c_str(), "the start \"" + std::string(40, 'x') + "...\" is no number"},
         {"0.1\t\tp\n", "line 1: the end \"\" is no number"},
         {"0.1 0.2 p\n", "line 1: the start \"0.1 0.2 p\" is no number"},
         {"0.1\tnan\tp\n", "line 1: the end \"nan\" is no number"},

@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr size_t LongestTrack = size_t{16} << 20U; // bytes, a label every few milliseconds of a day
+constexpr size_t MostQuoted = 40;                  // bytes of what is no number
 constexpr double LastDigit = 1e-5; // seconds, more than the rounding of six decimals
 
 [[noreturn]] void Refuse(int line, const std::string& reason)
@@ -40,7 +41,9 @@ double ParseNumber(std::string_view text, const char* what, int line)
     const char* const end = text.data() + text.size();
     const auto [stop, failure] = std::from_chars(text.data(), end, value);
     if (failure != std::errc{} || stop != end || !std::isfinite(value)) {
-        Refuse(line, fmt::format("the {} \"{}\" is no number", what, Printable(text)));
+        const std::string quoted = Printable(text.substr(0, MostQuoted));
+        const char* const rest = text.size() > MostQuoted ? "..." : "";
+        Refuse(line, fmt::format("the {} \"{}{}\" is no number", what, quoted, rest));
     }
     return value;
 }

@@ -19,6 +19,7 @@ namespace {
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr size_t LongestTrack = size_t{16} << 20U; // bytes, a label every few milliseconds of a day
 constexpr size_t MostQuoted = 40;                  // bytes of what is no number
+constexpr size_t PieceOfTrack = size_t{64} << 10U;
 constexpr double LastDigit = 1e-5; // seconds, more than the rounding of six decimals
 
 [[noreturn]] void Refuse(int line, const std::string& reason)
@@ -159,10 +160,15 @@ std::vector<Label> ParseLabelTrack(std::string_view text)
 std::string ReadLabelText(const FileName& name)
 {
     const FileDescriptor file = OpenForReading(name);
-    std::string text(LongestTrack + 1, '\0');
-    text.resize(ReadFully(file.Get(), text));
-    if (text.size() > LongestTrack) {
-        throw FileError("is too large for a label track");
+    std::string text;
+    std::string piece(PieceOfTrack, '\0');
+    size_t count = piece.size();
+    while (count == piece.size()) {
+        count = ReadFully(file.Get(), piece);
+        text.append(piece, 0, count);
+        if (text.size() > LongestTrack) {
+            throw FileError("is too large for a label track");
+        }
     }
     return text;
 }

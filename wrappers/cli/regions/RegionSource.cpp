@@ -16,52 +16,57 @@ constexpr size_t FramesAtOnce = 4096;
 RegionSource::RegionSource(RepeatedInput& newInput, size_t newKeptFrames)
     : input(newInput)
     , channelCount(static_cast<size_t>(newInput.GetDescription().GetChannels()))
-    , keptFrames(newKeptFrames)
+    , keptFrames(std::max(newKeptFrames, 2 * FramesAtOnce))
+    , kept(keptFrames * channelCount)
     , scratch(FramesAtOnce * channelCount)
 {
-    Restart();
-}
-
-void RegionSource::Restart()
-{
     input.Begin();
-    kept.clear();
-    first = 0;
 }
 
 void RegionSource::ReadOn()
 {
-    const size_t held = kept.size() / channelCount;
-    // Seldom, so that what stays is seldom moved.
-    if (held > 2 * keptFrames) {
-        const size_t dropped = held - keptFrames;
-        kept.erase(kept.begin(),
-                   kept.begin() + static_cast<std::ptrdiff_t>(dropped * channelCount));
-        first += static_cast<int64_t>(dropped);
-    }
-    const size_t count = input.Read(scratch) * channelCount;
+    const auto first = static_cast<size_t>(input.GetPosition());
+    const size_t count = input.Read(scratch);
     if (count == 0) {
         throw FileError("has become shorter while it was read");
     }
-    for (const double sample : std::span(scratch).first(count)) {
-        kept.push_back(static_cast<float>(sample));
+    for (size_t frame = 0; frame < count; ++frame) {
+        float* const target = kept.data() + (first + frame) % keptFrames * channelCount;
+        const double* const samples = scratch.data() + frame * channelCount;
+        for (size_t channel = 0; channel < channelCount; ++channel) {
+            target[channel] = static_cast<float>(samples[channel]);
+        }
+    }
+}
+
+void RegionSource::CopyOut(int64_t position,
+                           size_t frames,
+                           size_t offset,
+                           float* const* channels) const
+{
+    for (size_t frame = 0; frame < frames; ++frame) {
+        const size_t place = (static_cast<size_t>(position) + frame) % keptFrames;
+        const float* const samples = kept.data() + place * channelCount;
+        for (size_t channel = 0; channel < channelCount; ++channel) {
+            channels[channel][offset + frame] = samples[channel];
+        }
     }
 }
 
 void RegionSource::Read(int64_t position, uint32_t frames, float* const* channels)
 {
-    if (position < first) {
-        Restart();
+    if (position < input.GetPosition() - static_cast<int64_t>(keptFrames)) {
+        input.Begin();
     }
-    while (input.GetPosition() < position + frames) {
-        ReadOn();
-    }
-    const auto begin = static_cast<size_t>(position - first) * channelCount;
-    for (size_t channel = 0; channel < channelCount; ++channel) {
-        const float* sample = kept.data() + begin + channel;
-        for (uint32_t frame = 0; frame < frames; ++frame, sample += channelCount) {
-            channels[channel][frame] = *sample;
+    // Piece by piece, since there may be more of them than are kept.
+    for (size_t done = 0; done < frames;) {
+        const auto begin = position + static_cast<int64_t>(done);
+        const size_t count = std::min(frames - done, FramesAtOnce);
+        while (input.GetPosition() < begin + static_cast<int64_t>(count)) {
+            ReadOn();
         }
+        CopyOut(begin, count, done, channels);
+        done += count;
     }
 }
 

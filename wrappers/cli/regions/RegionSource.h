@@ -21,14 +21,13 @@ public:
     void Read(int64_t position, uint32_t frames, float* const* channels);
 
 private:
-    void Restart();
     void ReadOn();
+    void CopyOut(int64_t position, size_t frames, size_t offset, float* const* channels) const;
 
     RepeatedInput& input;
     size_t channelCount;
     size_t keptFrames;
-    int64_t first = 0;           // number of the oldest frame that is kept
-    std::vector<float> kept;     // interleaved
+    std::vector<float> kept;     // interleaved, a ring: frame n lies at n % keptFrames
     std::vector<double> scratch; // a piece as it is read
 };
 

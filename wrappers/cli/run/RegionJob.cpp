@@ -43,7 +43,7 @@ public:
                  context.session.settings)
         , events(context, task, results)
         , source(input, KeptSeconds * static_cast<size_t>(sampleRate) + KeptFrames)
-        , changes(channels)
+        , rendered(channels)
     {
         results.OpenAudio(0);
     }
@@ -68,7 +68,8 @@ private:
     void Describe(FileReport& report) const;
     void Outline();
     void Copy(FileReport& report);
-    void AddChanges(int64_t first, std::span<double> samples);
+    static void TakeOver(double& sample, double made);
+    void PutInto(int64_t first, std::span<double> samples);
     void ShowProgress(double done) const;
 
     const RunContext& context;
@@ -85,11 +86,10 @@ private:
     Effect effect;
     EffectEvents events;
     RegionSource source;
-    ChangeFile changes;
+    ChangeFile rendered;
     std::vector<ChangeFile::Stretch> stretches; // in order of time
     size_t next = 0;                            // the first stretch that isn't wholly added
-    std::vector<float> given;                   // what the effect got, [channel][frame]
-    std::vector<double> change;
+    std::vector<double> interleaved;            // scratch
 };
 
 // Only the end of some recordings shows how long they are.
@@ -180,39 +180,40 @@ bool RegionJob::OnProgress(double done, const char* /*text*/)
     return true;
 }
 
-// What is changed goes by itself, so that whatever the recording holds beyond single precision
-// stays.
 void RegionJob::WriteFrames(int64_t position, uint32_t count, const float* const* made)
 {
-    given.resize(channels * count);
-    std::vector<float*> pointers;
-    pointers.reserve(channels);
-    for (size_t channel = 0; channel < channels; ++channel) {
-        pointers.push_back(given.data() + channel * count);
+    if (!results.WantsSamples()) {
+        return;
     }
-    source.Read(position, count, pointers.data());
-    change.resize(channels * count);
-    bool isChanged = false;
-    for (size_t i = 0; i < change.size(); ++i) {
-        const size_t channel = i % channels;
-        const size_t frame = i / channels;
-        change[i] = static_cast<double>(made[channel][frame]) -
-                    static_cast<double>(pointers[channel][frame]);
-        isChanged = isChanged || change[i] != 0;
+    interleaved.resize(channels * count);
+    for (size_t i = 0; i < interleaved.size(); ++i) {
+        interleaved[i] = static_cast<double>(made[i % channels][i / channels]);
     }
-    if (isChanged) {
-        stretches.push_back(changes.Append(position, change));
+    const ChangeFile::Stretch stretch = rendered.Append(position, interleaved);
+    if (!stretches.empty() && stretches.back().end == position) {
+        stretches.back().end = stretch.end; // they lie behind each other in the file, too
+    } else {
+        stretches.push_back(stretch);
     }
 }
 
-void RegionJob::AddChanges(int64_t first, std::span<double> samples)
+// The change alone, so that whatever the recording holds beyond single precision stays.
+void RegionJob::TakeOver(double& sample, double made)
+{
+    const auto given = static_cast<double>(static_cast<float>(sample));
+    if (made != given) {
+        sample += made - given;
+    }
+}
+
+void RegionJob::PutInto(int64_t first, std::span<double> samples)
 {
     const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
     while (next < stretches.size() && stretches[next].end <= first) {
         ++next;
     }
     for (size_t i = next; i < stretches.size() && stretches[i].first < end; ++i) {
-        changes.AddTo(stretches[i], first, samples);
+        rendered.ForEach(stretches[i], first, samples, TakeOver);
     }
 }
 
@@ -231,7 +232,7 @@ void RegionJob::Copy(FileReport& report)
         count = input.Read(chunk) * channels;
         const std::span samples = std::span(chunk).first(count);
         before.assign(samples.begin(), samples.end());
-        AddChanges(first, samples);
+        PutInto(first, samples);
         results.Add({before, samples});
         ShowProgress(0.5 +
                      0.5 * static_cast<double>(input.GetPosition()) / static_cast<double>(frames));

@@ -34,9 +34,20 @@ void RegionRun::PrepareBuffers(const RegionCrossover& crossover)
     }
 }
 
-// What lies behind the end of the recording is silence.
-bool RegionRun::ReadBlock(int64_t position, uint32_t frames)
+RegionRun::Piece RegionRun::Cut(const Region& region, int64_t position) const
 {
+    const int64_t first = std::max(position, region.GetFirst());
+    const int64_t end = std::min(position + buffers->block.GetFrames(), region.GetEnd());
+    if (first >= end) {
+        return {};
+    }
+    return {first, static_cast<uint32_t>(first - position), static_cast<uint32_t>(end - first)};
+}
+
+// What lies behind the end of the recording is silence.
+bool RegionRun::ReadBlock(int64_t position)
+{
+    const uint32_t frames = buffers->block.GetFrames();
     const int64_t left = std::clamp<int64_t>(job.GetSource().GetFrames() - position, 0, frames);
     const auto count = static_cast<uint32_t>(left);
     if (!cache->Read(position, count, buffers->block.GetChannels())) {
@@ -49,24 +60,15 @@ bool RegionRun::ReadBlock(int64_t position, uint32_t frames)
     return true;
 }
 
-OfflineResult RegionRun::GiveOut(const Region& region,
-                                 RegionCrossover& crossover,
-                                 int64_t position,
-                                 uint32_t frames)
+bool RegionRun::GiveOut(const Piece& piece, RegionCrossover& crossover)
 {
-    const int64_t from = std::max(position, region.GetFirst());
-    const int64_t to = std::min(position + frames, region.GetEnd());
-    if (from >= to) {
-        return OfflineResult::Done;
+    if (piece.count == 0) {
+        return true;
     }
-    const auto count = static_cast<uint32_t>(to - from);
-    if (!cache->Read(from, count, buffers->recording.GetChannels())) {
-        return OfflineResult::SourceFailed;
-    }
-    const auto recording = buffers->recording.View(count);
-    const auto offset = static_cast<uint32_t>(from - position);
-    crossover.Join(from, buffers->block.View(frames).Part(offset, count), recording);
-    return job.Write(from, recording) ? OfflineResult::Done : OfflineResult::SinkFailed;
+    const auto recording = buffers->recording.View(piece.count);
+    const auto processed = buffers->block.View(buffers->block.GetFrames());
+    crossover.Join(piece.first, processed.Part(piece.offset, piece.count), recording);
+    return job.Write(piece.first, recording);
 }
 
 OfflineResult RegionRun::Run(const Region& region,
@@ -79,17 +81,20 @@ OfflineResult RegionRun::Run(const Region& region,
     const int64_t begin = std::max<int64_t>(region.GetFirst() - lead, 0);
     const int64_t end = region.GetEnd() + latency;
     const uint32_t frames = buffers->block.GetFrames();
+    float* const* const channels = buffers->block.GetChannels();
     job.onRegionBegins(region, begin - crossover.GetLatencyBefore());
     for (int64_t position = begin; position < end; position += frames) {
-        if (!ReadBlock(position, frames)) {
+        // The earlier place first: what is read ahead of it holds the later one as well.
+        const Piece piece = Cut(region, position - latency);
+        if (!cache->Read(piece.first, piece.count, buffers->recording.GetChannels()) ||
+            !ReadBlock(position)) {
             return OfflineResult::SourceFailed;
         }
-        crossover.Split(frames, buffers->block.GetChannels());
-        element.Process(frames, buffers->block.GetChannels());
-        crossover.Take(position - latency, frames, buffers->block.GetChannels());
-        const OfflineResult given = GiveOut(region, crossover, position - latency, frames);
-        if (given != OfflineResult::Done) {
-            return given;
+        crossover.Split(frames, channels);
+        element.Process(frames, channels);
+        crossover.Take(position - latency, frames, channels);
+        if (!GiveOut(piece, crossover)) {
+            return OfflineResult::SinkFailed;
         }
         const auto done = static_cast<double>(std::min(position + frames, end) - begin);
         if (!progress(done / static_cast<double>(end - begin))) {

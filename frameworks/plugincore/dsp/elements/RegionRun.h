@@ -41,10 +41,17 @@ private:
         MultichannelBuffer recording; // as it is, where the block belongs
     };
 
+    /// What of a block that comes out belongs to the region.
+    struct Piece {
+        int64_t first = 0;   // frame of the recording
+        uint32_t offset = 0; // of it in the block
+        uint32_t count = 0;
+    };
+
     void PrepareBuffers(const RegionCrossover& crossover);
-    bool ReadBlock(int64_t position, uint32_t frames);
-    OfflineResult
-    GiveOut(const Region& region, RegionCrossover& crossover, int64_t position, uint32_t frames);
+    Piece Cut(const Region& region, int64_t position) const;
+    bool ReadBlock(int64_t position);
+    bool GiveOut(const Piece& piece, RegionCrossover& crossover);
 
     OfflineJob& job;
     Element& element;

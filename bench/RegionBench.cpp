@@ -89,8 +89,8 @@ void MeasureCache(TargetTable& table)
     std::array<float, Block> samples{};
     std::array<float*, 1> channels{samples.data()};
     for (int64_t place = Latency; place + Block <= RecordingFrames; place += Block) {
-        cache.Read(place, Block, channels.data());
         cache.Read(place - Latency, Block, channels.data());
+        cache.Read(place, Block, channels.data());
     }
     const auto hits = static_cast<double>(cache.GetHits());
     table.Add({"Regions: hits of the read-ahead cache (%)", 99, 99.2, "%.2f"},

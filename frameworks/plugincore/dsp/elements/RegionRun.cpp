@@ -82,6 +82,7 @@ OfflineResult RegionRun::Run(const Region& region,
     const int64_t end = region.GetEnd() + latency;
     const uint32_t frames = buffers->block.GetFrames();
     float* const* const channels = buffers->block.GetChannels();
+    crossover.Begin(begin);
     job.onRegionBegins(region, begin - crossover.GetLatencyBefore());
     for (int64_t position = begin; position < end; position += frames) {
         // The earlier place first: what is read ahead of it holds the later one as well.

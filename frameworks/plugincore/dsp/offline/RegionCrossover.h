@@ -14,7 +14,8 @@ namespace DSP {
 /// crossfade between processed and unprocessed audio at the edges. Elements whose regions have
 /// bounds in frequency derive from it.
 ///
-/// Threads: [setup] but for the three calls of each block, which come in turn on one thread.
+/// Threads: [setup] but for Begin() and the three calls of each block, which come in turn on one
+/// thread.
 class RegionCrossover {
 public:
     /// `newRegion` outlives this.
@@ -34,6 +35,8 @@ public:
     /// Blocks have whole multiples of so many frames.
     virtual uint32_t GetBlockUnit() const { return 1; }
 
+    /// Blocks come from frame `position` of the recording on.
+    virtual void Begin(int64_t /*position*/) {}
     /// Leaves of a block what the element is to get.
     virtual void Split(uint32_t /*frames*/, float* const* /*channels*/) {}
     /// Takes what the element has made of it; the block is late by both latencies. `position` is

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/region/BandCrossover.h"
 
+#include <algorithm>
+
 namespace DSP {
 
 BandCrossover::BandCrossover(const Region& newRegion, const Setup& setup)
@@ -24,9 +26,27 @@ BandCrossover::BandCrossover(const Region& newRegion, const Setup& setup)
                      newRegion.GetHighHz()});
 }
 
+// The band rises slowly from nothing at first, which the element would take for the recording's
+// noise floor for two seconds. So it begins as a recording does, at once: where there is something
+// before the first frame, when all of it is in, else with the recording.
+void BandCrossover::Begin(int64_t position)
+{
+    silentFrames = split.GetLatency() * (position > 0 ? 2 : 1);
+}
+
+void BandCrossover::SilenceStart(uint32_t frames, float* const* channels)
+{
+    const uint32_t count = std::min(frames, silentFrames);
+    silentFrames -= count;
+    for (std::size_t channel = 0; channel < lines.size(); ++channel) {
+        std::fill_n(channels[channel], count, 0.0F);
+    }
+}
+
 void BandCrossover::Split(uint32_t frames, float* const* channels)
 {
     split.Process(frames, channels);
+    SilenceStart(frames, channels);
     for (std::size_t channel = 0; channel < lines.size(); ++channel) {
         unchanged[channel].resize(frames);
         lines[channel].Process(channels[channel], unchanged[channel].data(), frames);

@@ -31,6 +31,7 @@ public:
     uint32_t GetLatency() const override { return split.GetLatency() + mask.GetLatency(); }
     uint32_t GetLatencyBefore() const override { return split.GetLatency(); }
     uint32_t GetBlockUnit() const override { return split.GetHop(); }
+    void Begin(int64_t position) override;
     void Split(uint32_t frames, float* const* channels) override;
     void Take(int64_t position, uint32_t frames, float* const* channels) override;
     void Join(int64_t position,
@@ -38,9 +39,12 @@ public:
               const MultichannelBufferView<float>& recording) override;
 
 private:
+    void SilenceStart(uint32_t frames, float* const* channels);
+
     Crossover split;
     BandMask mask;
     std::vector<DelayLine> lines;              // the band, as late as the element is
+    uint32_t silentFrames = 0;                 // that the band doesn't count as settled for yet
     std::vector<std::vector<float>> unchanged; // of the block, [channel][frame]
 };
 

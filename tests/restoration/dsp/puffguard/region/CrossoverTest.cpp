@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "restoration/dsp/puffguard/region/Crossover.h"
+#include "restoration/dsp/puffguard/region/BandCrossover.h"
 #include "restoration/dsp/puffguard/region/BandMask.h"
 
 #include "frameworks/plugincore/dsp/signal/FFTPool.h"
@@ -7,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -87,6 +89,27 @@ TEST(Crossover, KeepsWhatLiesInTheBandAndNothingElse)
     EXPECT_NEAR(level(60), 1.0F, 1e-3F);
     EXPECT_NEAR(level(150), 0.5F, 0.05F);
     EXPECT_LT(level(240), 1e-3F);
+}
+
+TEST(BandCrossover, GivesTheElementASignalThatBeginsAtOnce)
+{
+    Support::TestElementHost host;
+    const DSP::Region region(std::vector<DSP::Region::Part>{{{0, 100'000, 30, Infinite}}});
+    // The window's slope would pass for the quiet that the repair measures noise by.
+    for (const int64_t begin : {0, 5'000}) {
+        DSP::BandCrossover crossover(region, {host, 1, Rate, 100, 10});
+        const uint32_t unit = crossover.GetBlockUnit();
+        const uint32_t latency = crossover.GetLatencyBefore();
+        std::vector<float> samples = Noise(24 * std::size_t{unit});
+        float* channels[] = {samples.data()};
+        crossover.Begin(begin);
+        crossover.Split(24 * unit, channels);
+        const uint32_t silent = begin > 0 ? 2 * latency : latency;
+        EXPECT_EQ(std::count(samples.begin(), samples.begin() + silent, 0.0F), silent);
+        const auto greatest =
+            std::max_element(samples.begin() + silent, samples.begin() + silent + 100);
+        EXPECT_GT(*greatest, 0.2F);
+    }
 }
 
 TEST(BandMask, FollowsTheBoxesFrameByFrameAndLeavesSilenceAlone)

@@ -31,28 +31,35 @@ public:
 
     void Configure(const RepairSizes& newSizes) { sizes = newSizes; }
 
-    /// After the open frame got its detection value and a pitch: `noise` is that of this frame.
-    void Run(const Controls& controls, float noise) noexcept UTIL_NONBLOCKING;
+    /// After the open frame got its detection value and a pitch: looks for a peak and works out
+    /// what the frames' power is to become. `noise` is that of the open frame.
+    void Search(const Controls& controls, float noise) noexcept UTIL_NONBLOCKING;
+    /// Brings the spectra there, if a peak has been found, and enters that in the log. Once after
+    /// each search, before the next frame is the open one.
+    void Finish() noexcept UTIL_NONBLOCKING;
 
 private:
-    /// A peak that has been found, and what belongs to it.
+    /// A repair from the search to its end.
     struct Plosive {
         PeakTest peak;
         RepairRegion region;
+        RepairFrames frames;
+        int32_t bins = 0; // repaired; 0 when there is nothing to do
         float threshold = 0;
+        float severity = 0;
+        float pitchHz = 0; // 0 where unvoiced
+        double energyBefore = 0;
     };
 
-    void Repair(const Plosive& plosive, const Controls& controls) noexcept UTIL_NONBLOCKING;
-    void ScaleSpectra(const RepairRegion& region,
-                      const RepairFrames& repaired,
-                      int32_t bins,
-                      float severity) noexcept UTIL_NONBLOCKING;
-    void Log(const Plosive& plosive, DetectionRecord record) noexcept UTIL_NONBLOCKING;
+    void Reduce(const RepairSettings& settings) noexcept UTIL_NONBLOCKING;
+    void ScaleSpectra() noexcept UTIL_NONBLOCKING;
+    void Log() noexcept UTIL_NONBLOCKING;
     int64_t GetFrameCentre(int32_t historyIndex) const noexcept UTIL_NONBLOCKING;
 
     WaitingFrames& frames;
     DetectionLog& log;
     RepairSizes sizes;
+    Plosive plosive;
 };
 
 } // namespace DSP

@@ -31,17 +31,22 @@ void FrameAnalysis::Reset() noexcept UTIL_NONBLOCKING
     VectorOps::Zero(noiseFloor.data(), noiseFloor.size());
 }
 
-void FrameAnalysis::Transform(OversampledFilterbank& filterbank, uint32_t channel) noexcept
-    UTIL_NONBLOCKING
+void FrameAnalysis::Transform(OversampledFilterbank& filterbank,
+                              uint32_t channel,
+                              FFTPart part) noexcept UTIL_NONBLOCKING
 {
     SpectrumRing& spectra = frames.GetSpectra();
     const uint32_t slot = frames.GetOpenSlot();
     float* const largest = frames.GetOpenPower();
     float* const power = channel == 0 ? largest : channelPower.data();
-    filterbank.transform(static_cast<int32_t>(channel),
+    filterbank.transform(part,
+                         static_cast<int32_t>(channel),
                          static_cast<int32_t>(spectra.GetBinCount()),
                          spectra.GetSpectrum(slot, channel),
                          power);
+    if (part != FFTPart::Last) {
+        return;
+    }
     if (channel == 0) {
         spectra.Renew(slot);
     } else {

@@ -29,8 +29,10 @@ public:
     /// Forgets the noise floor.
     void Reset() noexcept UTIL_NONBLOCKING;
 
-    /// Transforms what `filterbank` has of a channel. All channels, from 0 on, make a frame.
-    void Transform(OversampledFilterbank& filterbank, uint32_t channel) noexcept UTIL_NONBLOCKING;
+    /// Does a part of the transform of what `filterbank` has of a channel. All channels, from 0 on,
+    /// make a frame.
+    void Transform(OversampledFilterbank& filterbank, uint32_t channel, FFTPart part) noexcept
+        UTIL_NONBLOCKING;
     /// Then the value of the frame.
     void Detect() noexcept UTIL_NONBLOCKING;
 

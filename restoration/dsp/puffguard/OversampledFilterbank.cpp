@@ -108,14 +108,25 @@ void OversampledFilterbank::take(const float* const* input, int32_t offset) noex
     }
 }
 
-void OversampledFilterbank::transform(int32_t channel,
+void OversampledFilterbank::transform(FFTPart part,
+                                      int32_t channel,
                                       int32_t binCount,
                                       float* spectrum,
                                       float* power) noexcept UTIL_NONBLOCKING
 {
     assert(windowLength == fftSize);
     fft->ForwardOfProductWithPower(
-        inputTail.GetChannel(channel), windows.analysis.data(), binCount, spectrum, power);
+        part, inputTail.GetChannel(channel), windows.analysis.data(), binCount, spectrum, power);
+}
+
+void OversampledFilterbank::transform(int32_t channel,
+                                      int32_t binCount,
+                                      float* spectrum,
+                                      float* power) noexcept UTIL_NONBLOCKING
+{
+    for (const FFTPart part : FFTParts) {
+        transform(part, channel, binCount, spectrum, power);
+    }
 }
 
 void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING
@@ -131,17 +142,29 @@ void OversampledFilterbank::transform(int32_t channel, float* spectrum) noexcept
     fft->Forward(frame.data(), spectrum);
 }
 
+void OversampledFilterbank::add(FFTPart part,
+                                int32_t channel,
+                                int32_t binCount,
+                                const float* spectrum) noexcept UTIL_NONBLOCKING
+{
+    assert(windowLength == fftSize);
+    fft->AddInverseOfLowBins(
+        part, spectrum, binCount, windows.synthesis.data(), outputTail.GetChannel(channel));
+    if (part == FFTPart::Last) {
+        countOpenHops(channel);
+    }
+}
+
 void OversampledFilterbank::add(int32_t channel, int32_t binCount, const float* spectrum) noexcept
     UTIL_NONBLOCKING
 {
-    fft->InverseOfLowBins(spectrum, binCount, frame.data());
-    addFrame(channel);
+    for (const FFTPart part : FFTParts) {
+        add(part, channel, binCount, spectrum);
+    }
 }
 
-void OversampledFilterbank::addFrame(int32_t channel) noexcept UTIL_NONBLOCKING
+void OversampledFilterbank::countOpenHops(int32_t channel) noexcept UTIL_NONBLOCKING
 {
-    Kernels::GetKernels().overlap.multiplyAdd(
-        frame.data(), windows.synthesis.data(), outputTail.GetChannel(channel), Size(windowLength));
     openHops[Size(channel)] = (windowLength + hop - 1) / hop;
 }
 
@@ -197,7 +220,11 @@ void OversampledFilterbank::synthesise(float* const* output,
         for (int32_t channel = 0; channel < channels; ++channel) {
             VectorOps::Zero(output[channel] + outputOffset + hop * f, Size(hop));
             fft->Inverse(spectra[channel] + spectrumOffset + frameFloats * f, frame.data());
-            addFrame(channel);
+            Kernels::GetKernels().overlap.multiplyAdd(frame.data(),
+                                                      windows.synthesis.data(),
+                                                      outputTail.GetChannel(channel),
+                                                      Size(windowLength));
+            countOpenHops(channel);
         }
         giveOnto(output, outputOffset + hop * f);
     }

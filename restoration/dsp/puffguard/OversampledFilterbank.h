@@ -50,13 +50,25 @@ public:
     /// Takes the next H samples a channel.
     void take(const float* const* input) noexcept UTIL_NONBLOCKING;
 
-    /// The frame of a channel that ends with the samples taken last: its spectrum in bins 0 to
-    /// `binCount` - 1, and the power re^2 + im^2 of all bins. For a bank with W = F.
+    /// One part of the transform of the frame of a channel that ends with the samples taken last:
+    /// after the last part, its spectrum in bins 0 to `binCount` - 1, and the power re^2 + im^2 of
+    /// all bins. All parts get the same arguments, and no other transform begins between them. For
+    /// a bank with W = F.
+    void transform(FFTPart part,
+                   int32_t channel,
+                   int32_t binCount,
+                   float* spectrum,
+                   float* power) noexcept UTIL_NONBLOCKING;
+    /// All parts at once.
     void transform(int32_t channel, int32_t binCount, float* spectrum, float* power) noexcept
         UTIL_NONBLOCKING;
 
-    /// Adds a frame, whose bins from `binCount` on are 0, to what a channel gives; at most once
-    /// before each giveOnto(), at any time before it. A frame that isn't added counts as silence.
+    /// One part, as above, of what adds a frame, whose bins from `binCount` on are 0, to what a
+    /// channel gives; at most one frame before each giveOnto(), at any time before it. A frame that
+    /// isn't added counts as silence. For a bank with W = F.
+    void add(FFTPart part, int32_t channel, int32_t binCount, const float* spectrum) noexcept
+        UTIL_NONBLOCKING;
+    /// All parts at once.
     void add(int32_t channel, int32_t binCount, const float* spectrum) noexcept UTIL_NONBLOCKING;
 
     /// Adds the next H samples a channel onto `output`. A channel stays as it is, to the bit, where
@@ -91,7 +103,7 @@ public:
 private:
     void MakeBandEdges();
     void transform(int32_t channel, float* spectrum) noexcept UTIL_NONBLOCKING;
-    void addFrame(int32_t channel) noexcept UTIL_NONBLOCKING;
+    void countOpenHops(int32_t channel) noexcept UTIL_NONBLOCKING;
     void take(const float* const* input, int32_t offset) noexcept UTIL_NONBLOCKING;
     void giveOnto(float* const* output, int32_t offset) noexcept UTIL_NONBLOCKING;
 

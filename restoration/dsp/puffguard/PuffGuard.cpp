@@ -41,7 +41,8 @@ PuffGuard::PuffGuard(const Format& format, DetectionLog& newLog)
                          .name = "PuffGuard",
                          .sampleRate = CheckRate(format.sampleRate),
                          .channelConfig = format.channelConfig})
-    , filterbank(format.host)
+    , transforms("PuffGuardFFTPool")
+    , filterbank(transforms)
     , analysis(waiting)
     , repair(waiting, newLog)
     , pitchDetect({format.host, format.sampleRate, format.channelConfig})
@@ -114,6 +115,7 @@ void PuffGuard::SetUpFilterbank()
 void PuffGuard::RestartSteps() noexcept UTIL_NONBLOCKING
 {
     step = 0;
+    transformParts = 0;
     hasFrame = false;
 }
 

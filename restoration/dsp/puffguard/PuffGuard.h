@@ -2,9 +2,11 @@
 #pragma once
 
 #include "frameworks/plugincore/dsp/elements/ElementDispatcher.h"
+#include "frameworks/plugincore/dsp/signal/FFTPool.h"
 #include "restoration/dsp/puffguard/BurstRepair.h"
 #include "restoration/dsp/puffguard/DetectionLog.h"
 #include "restoration/dsp/puffguard/FrameAnalysis.h"
+#include "restoration/dsp/puffguard/HopSchedule.h"
 #include "restoration/dsp/puffguard/OversampledFilterbank.h"
 #include "restoration/dsp/puffguard/RepairOutput.h"
 #include "restoration/dsp/puffguard/RepairSizes.h"
@@ -90,12 +92,13 @@ private:
     void RestartSteps() noexcept UTIL_NONBLOCKING;
     uint32_t GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING;
     void FeedTracker(uint32_t offset, uint32_t frames, float* const* channels);
-    void AnalyseFrame() noexcept UTIL_NONBLOCKING;
-    void FinishFrame() noexcept UTIL_NONBLOCKING;
-    void Synthesise() noexcept UTIL_NONBLOCKING;
-    uint32_t GetLeavingSlot() const noexcept UTIL_NONBLOCKING;
+    void RunTransforms() noexcept UTIL_NONBLOCKING;
+    void Synthesise(uint32_t channel, FFTPart part) noexcept UTIL_NONBLOCKING;
+    void AnalyseFrame(const HopSchedule::Step& work) noexcept UTIL_NONBLOCKING;
+    void Search() noexcept UTIL_NONBLOCKING;
 
     Values values;
+    FFTPool transforms; // its own: what they work on waits in them from step to step
     OversampledFilterbank filterbank;
     RepairSizes sizes;
     WaitingFrames waiting;
@@ -106,6 +109,7 @@ private:
     Latency latency;
     DetectionLog& log;              // not owned
     uint32_t step = 0;              // of the hop that is coming in: the next one
+    uint32_t transformParts = 0;    // done in that hop
     bool hasFrame = false;          // a hop has been completed since the restart
     BurstRepair::Controls controls; // at the end of that hop
     std::vector<float*> arriving;   // pointers to a step's samples

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: ISC
 // How PuffGuard's work is spread over time, so that no call of the host has a whole hop's.
 //
-// A hop is cut into StepCount steps. Each is taken as soon as its samples are there, and does what
-// falls to it:
-//  - of the hop that was completed last: the spectra, channel by channel; the detection value; the
-//    tracker's work part by part, first its frames' correlations and then its runs; with the pitch
-//    at that hop's end, the search and a repair;
+// A hop is cut into steps, and HopSchedule deals the work out to them. Each is taken as soon as its
+// samples are there, and does what falls to it:
+//  - of the hop that was completed last: the spectra, each in three parts, since at high rates a
+//    whole transform is most of a call; the detection value; the tracker's work part by part, first
+//    its frames' correlations and then its runs; with the pitch at that hop's end, the search; what
+//    that has found is repaired in the step after it;
 //  - of the hop that is coming in: what repairs have changed in the oldest frame is transformed
-//    back, channel by channel;
+//    back in the same way;
 //  - the pitch tracker gets the samples.
 // The last sample of a hop leaves nothing but to take its samples and to give out those made.
 //
@@ -19,76 +20,19 @@
 // same order. Only the tracker's filters may get the samples of several steps at once; they don't
 // care about cuts.
 #include "frameworks/plugincore/dsp/signal/BlockPieces.h"
+#include "restoration/dsp/puffguard/HopSchedule.h"
 #include "restoration/dsp/puffguard/PuffGuard.h"
 
-#include <algorithm>
-
 namespace DSP::Shared {
-
-namespace {
-
-constexpr uint32_t StepCount = 16;
-
-/// Which of some steps have more of the pieces that can't be shared out evenly.
-enum class Rest { First, Last };
-
-/// Neighbouring steps that share some equal pieces of work.
-struct Steps {
-    uint32_t first;
-    uint32_t count;
-    Rest rest;
-
-    constexpr uint32_t GetEnd() const noexcept { return first + count; }
-
-    /// Pieces of `pieces` that are done when `step` begins.
-    constexpr uint32_t GetDone(uint32_t step, uint32_t pieces) const noexcept
-    {
-        const uint32_t steps = std::clamp(step, first, first + count) - first;
-        return (pieces * steps + (rest == Rest::First ? count - 1 : 0)) / count;
-    }
-};
-
-/// Which steps have what falls to each channel.
-struct Schedule {
-    Steps transforms;
-    uint32_t detection; // the step of it
-    Steps synthesis;
-};
-
-constexpr uint32_t FirstTrackerStep = 2; // from here to the search each step has one part
-constexpr uint32_t SearchStep = 12;
-static_assert(SearchStep - FirstTrackerStep == PitchDetect::PitchDetect::BlockParts);
-
-// A channel's transform takes as long as two parts of the tracker's work: with one or two channels
-// no step has both. Two neighbouring steps, a call of 64 frames at 48 kHz, stay below twice the
-// mean, also where a repair is made.
-constexpr Schedule ForTwoChannels = {{0, 3, Rest::First}, 3, {13, 3, Rest::Last}};
-// Transforms are most of the work: all steps share it.
-constexpr Schedule ForMoreChannels = {{0, 11, Rest::First}, 11, {0, StepCount, Rest::Last}};
-
-constexpr bool IsInOrder(const Schedule& schedule)
-{
-    return schedule.transforms.GetEnd() <= schedule.detection && schedule.detection < SearchStep &&
-           schedule.synthesis.GetEnd() <= StepCount;
-}
-
-static_assert(IsInOrder(ForTwoChannels) && IsInOrder(ForMoreChannels));
-
-constexpr const Schedule& GetSchedule(uint32_t channels) noexcept
-{
-    return channels <= 2 ? ForTwoChannels : ForMoreChannels;
-}
-
-} // namespace
 
 void PuffGuard::OnFrameArriving(uint32_t arrived, float* const* channels)
 {
     const uint32_t begin = GetStepBegin(step);
-    for (; step < StepCount && GetStepBegin(step + 1) <= arrived; ++step) {
+    for (; step < HopSchedule::StepCount && GetStepBegin(step + 1) <= arrived; ++step) {
+        RunTransforms();
         if (hasFrame) {
-            AnalyseFrame();
+            AnalyseFrame(HopSchedule::GetTable(sizes.channels)[step]);
         }
-        Synthesise();
     }
     const uint32_t end = GetStepBegin(step);
     if (end > begin) {
@@ -99,7 +43,7 @@ void PuffGuard::OnFrameArriving(uint32_t arrived, float* const* channels)
 /// In samples of the hop.
 uint32_t PuffGuard::GetStepBegin(uint32_t index) const noexcept UTIL_NONBLOCKING
 {
-    return static_cast<uint32_t>(uint64_t{index} * sizes.hopSize / StepCount);
+    return static_cast<uint32_t>(uint64_t{index} * sizes.hopSize / HopSchedule::StepCount);
 }
 
 void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
@@ -112,6 +56,7 @@ void PuffGuard::ProcessAudio(uint32_t frames, float* const* channels)
     log.CountHop();
     hasFrame = true;
     step = 0;
+    transformParts = 0;
 }
 
 void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* channels)
@@ -120,57 +65,61 @@ void PuffGuard::FeedTracker(uint32_t offset, uint32_t frames, float* const* chan
     pitchDetect.Process(frames, arriving.data());
 }
 
-/// The present step's part of the work on the hop completed last.
-void PuffGuard::AnalyseFrame() noexcept UTIL_NONBLOCKING
+/// The present step's parts of transforms, of both ways.
+void PuffGuard::RunTransforms() noexcept UTIL_NONBLOCKING
 {
-    const uint32_t channels = sizes.channels;
-    const Schedule& schedule = GetSchedule(channels);
-    const uint32_t end = schedule.transforms.GetDone(step + 1, channels);
-    for (uint32_t channel = schedule.transforms.GetDone(step, channels); channel < end; ++channel) {
-        analysis.Transform(filterbank, channel);
-    }
-    if (step == schedule.detection) {
-        analysis.Detect();
-        log.AddEnergy(waiting.GetEnergy(waiting.GetOpenSlot()));
-    }
-    if (step >= FirstTrackerStep && step < SearchStep) {
-        pitchDetect.Advance(1);
-    }
-    if (step == SearchStep) {
-        FinishFrame();
+    const uint32_t end = HopSchedule::GetTransformPartsDone(step, sizes.channels);
+    for (; transformParts < end; ++transformParts) {
+        const HopSchedule::TransformPart next =
+            HopSchedule::GetTransformPart(transformParts, sizes.channels);
+        if (!next.isForward) {
+            Synthesise(next.channel, next.part);
+        } else if (hasFrame) {
+            analysis.Transform(filterbank, next.channel, next.part);
+        }
     }
 }
 
-void PuffGuard::FinishFrame() noexcept UTIL_NONBLOCKING
+/// The rest of a step's work on the hop completed last.
+void PuffGuard::AnalyseFrame(const HopSchedule::Step& work) noexcept UTIL_NONBLOCKING
+{
+    pitchDetect.Advance(work.trackerParts);
+    switch (work.task) {
+    case HopSchedule::Task::None:
+        break;
+    case HopSchedule::Task::Measure:
+        log.AddEnergy(waiting.GetEnergy(waiting.GetOpenSlot()));
+        break;
+    case HopSchedule::Task::Detect:
+        analysis.Detect();
+        break;
+    case HopSchedule::Task::Search:
+        Search();
+        break;
+    case HopSchedule::Task::Repair:
+        repair.Finish();
+        waiting.Advance();
+        break;
+    }
+}
+
+void PuffGuard::Search() noexcept UTIL_NONBLOCKING
 {
     const FrameDetection& detection = analysis.GetDetection();
     const float pitch = pitchDetect.GetBlockPitch();
     waiting.AppendPitch(pitch);
     latest = {detection.value, GetDetectionThreshold(detection.noise, controls.sensitivity), pitch};
-    repair.Run(controls, detection.noise);
-    waiting.Advance();
+    repair.Search(controls, detection.noise);
 }
 
-/// The present step's part of what the hop that is coming in gives out.
-void PuffGuard::Synthesise() noexcept UTIL_NONBLOCKING
-{
-    const uint32_t slot = GetLeavingSlot();
-    if (waiting.GetSpectra().GetChangedBins(slot) == 0) {
-        return;
-    }
-    const Steps& steps = GetSchedule(sizes.channels).synthesis;
-    const uint32_t end = steps.GetDone(step + 1, sizes.channels);
-    for (uint32_t channel = steps.GetDone(step, sizes.channels); channel < end; ++channel) {
-        output.Add(filterbank, waiting.GetSpectra(), slot, channel);
-    }
-}
-
-/// Slot of the frame that goes out with the hop that is coming in. The frame before it went out
+/// A part of what a channel of the hop that is coming in gives out. The frame before it went out
 /// last; its slot is for the frame that this hop will make.
-uint32_t PuffGuard::GetLeavingSlot() const noexcept UTIL_NONBLOCKING
+void PuffGuard::Synthesise(uint32_t channel, FFTPart part) noexcept UTIL_NONBLOCKING
 {
-    const bool isNewestOpen = hasFrame && step < SearchStep;
-    return waiting.GetOpenSlot(isNewestOpen ? 2 : 1);
+    const uint32_t slot = waiting.GetOpenSlot(hasFrame ? 2 : 1); // the newest one is open meanwhile
+    if (waiting.GetSpectra().GetChangedBins(slot) != 0) {
+        output.Add(part, filterbank, waiting.GetSpectra(), slot, channel);
+    }
 }
 
 } // namespace DSP::Shared

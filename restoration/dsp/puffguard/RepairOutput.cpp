@@ -27,13 +27,18 @@ void RepairOutput::Clear() noexcept UTIL_NONBLOCKING
     }
 }
 
-void RepairOutput::Add(OversampledFilterbank& filterbank,
+void RepairOutput::Add(FFTPart part,
+                       OversampledFilterbank& filterbank,
                        const SpectrumRing& spectra,
                        uint32_t slot,
                        uint32_t channel) noexcept UTIL_NONBLOCKING
 {
-    if (spectra.GetChange(slot, channel, change.data())) {
-        filterbank.add(static_cast<int32_t>(channel),
+    if (part == FFTPart::First) {
+        hasChange = spectra.GetChange(slot, channel, change.data());
+    }
+    if (hasChange) {
+        filterbank.add(part,
+                       static_cast<int32_t>(channel),
                        static_cast<int32_t>(spectra.GetChangedBins(slot)),
                        change.data());
     }

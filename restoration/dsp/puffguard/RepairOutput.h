@@ -25,8 +25,10 @@ public:
     /// Forgets the input.
     void Clear() noexcept UTIL_NONBLOCKING;
 
-    /// Adds to `filterbank` what has changed in a channel of the frame in a slot.
-    void Add(OversampledFilterbank& filterbank,
+    /// Does a part of what adds to `filterbank` what has changed in a channel of a frame. Between
+    /// the parts the frame stays as it is, whatever slot it lies in, and no other one begins.
+    void Add(FFTPart part,
+             OversampledFilterbank& filterbank,
              const SpectrumRing& spectra,
              uint32_t slot,
              uint32_t channel) noexcept UTIL_NONBLOCKING;
@@ -38,6 +40,7 @@ public:
 private:
     std::vector<DelayLine> delays;     // the input of each channel
     Util::AlignedVector<float> change; // scratch: a spectrum of the ring
+    bool hasChange = false;            // there is something in it, from the first part on
     uint32_t hopSize = 0;
 };
 

@@ -97,19 +97,34 @@ template <int N>
     return Unzip<N>(Load<N>(source), Load<N>(source + N), std::make_integer_sequence<int, N>{});
 }
 
+/// Pairs (re, im), of the lower lanes and of the upper ones.
+template <int N>
+struct PairVectors {
+    Vector<float, N> lower;
+    Vector<float, N> upper;
+};
+
 template <int N, int... i>
-[[gnu::always_inline]] inline void
-StoreZipped(float* target, const ComplexVector<N>& value, std::integer_sequence<int, i...>) noexcept
+[[gnu::always_inline]] inline PairVectors<N> Zip(const ComplexVector<N>& value,
+                                                 std::integer_sequence<int, i...>) noexcept
 {
-    Store(target, __builtin_shufflevector(value.re, value.im, (i / 2 + i % 2 * N)...));
-    Store(target + N, __builtin_shufflevector(value.re, value.im, (i / 2 + i % 2 * N + N / 2)...));
+    return {__builtin_shufflevector(value.re, value.im, (i / 2 + i % 2 * N)...),
+            __builtin_shufflevector(value.re, value.im, (i / 2 + i % 2 * N + N / 2)...)};
+}
+
+template <int N>
+[[gnu::always_inline]] inline PairVectors<N> Zip(const ComplexVector<N>& value) noexcept
+{
+    return Zip<N>(value, std::make_integer_sequence<int, N>{});
 }
 
 /// Pairs (re, im) to any address.
 template <int N>
 [[gnu::always_inline]] inline void StorePairs(float* target, const ComplexVector<N>& value) noexcept
 {
-    StoreZipped<N>(target, value, std::make_integer_sequence<int, N>{});
+    const PairVectors<N> pairs = Zip<N>(value);
+    Store(target, pairs.lower);
+    Store(target + N, pairs.upper);
 }
 
 /// An array of complex numbers whose parts lie in arrays of their own.

@@ -71,6 +71,9 @@ struct Batch {
     using Transform = LaneTransform<L>;
     using Complex = ComplexVector<L>;
 
+    /// Differences wait in chunks so that the sums' registers are free meanwhile.
+    static constexpr int FoldChunk = 8;
+
     const CorrelationPlan& plan;
     const PolyphaseView source;      ///< of the first of these frames
     float* const spectrum = nullptr; ///< N elements
@@ -113,9 +116,8 @@ struct Batch {
         }
     }
 
-    /// These from `p` to below `end`.
     template <int Legs>
-    void RunFirstStage(Index p, Index end) const
+    void RunFirstButterflies(Index p, Index end) const
     {
         for (; p < end; ++p) {
             Transform::PutTurned(spectrum + 2 * L * p,
@@ -125,26 +127,19 @@ struct Batch {
         }
     }
 
-    /// The first stage, and the others on the first of the quarters that it leaves.
-    void StartTransform() const
+    /// The first stage's butterflies from `begin` to below `end`.
+    void RunFirstStage(Index begin, Index end) const
     {
         const Index step = GetFirstStep();
         const Index filled = (plan.frameLength + 1) / 2; // elements, more than one leg's
         const Index three = filled > 2 * step ? filled - 2 * step : 0;
         const Index two = filled - step < step ? filled - step : step;
-        RunFirstStage<3>(0, three);
-        RunFirstStage<2>(three, two);
-        RunFirstStage<1>(two, step);
-        FinishQuarter(0);
+        RunFirstButterflies<3>(begin, three < end ? three : end);
+        RunFirstButterflies<2>(three > begin ? three : begin, two < end ? two : end);
+        RunFirstButterflies<1>(two > begin ? two : begin, end);
     }
 
-    void FinishTransform() const
-    {
-        for (Index quarter = 1; quarter < 4; ++quarter) {
-            FinishQuarter(quarter);
-        }
-    }
-
+    /// The other stages on one of the quarters that the first one leaves.
     void FinishQuarter(Index quarter) const
     {
         const Index step = GetFirstStep();
@@ -166,31 +161,62 @@ struct Batch {
         return difference;
     }
 
+    /// What the fold adds up besides, in double; see Fold().
+    struct FoldSums {
+        Wide even;
+        Wide odd;
+    };
+
     /// Folds the magnitudes m so that a transform of half their number holds the even outputs of
     /// the cosine transform in its real parts and the differences of the odd ones in its imaginary
     /// parts. Output 1, from which the other odd ones are reached by steps, becomes lag 1,
     /// eightfold; its sum is in double, since its rounding would show in all of them.
-    void Fold() const
+    ///
+    /// Here the pairs from `k` to below `end`, whole chunks.
+    [[gnu::always_inline]] FoldSums FoldPairs(Index k, Index end, FoldSums sums) const
     {
-        constexpr int Chunk = 8; // differences wait so that the sums' registers are free meanwhile
-        const Index middle = plan.whole.length / 2;
-        Wide even = {};
-        Wide odd = {};
-        for (Index k = 0; k < middle; k += Chunk) {
-            V differences[Chunk];
+        for (; k < end; k += FoldChunk) {
+            V differences[FoldChunk];
 #pragma GCC unroll 8
-            for (int i = 0; i < Chunk; ++i) {
+            for (int i = 0; i < FoldChunk; ++i) {
                 differences[i] = FoldPair(k + i);
             }
             differences[0] *= k == 0 ? 0.5F : 1.0F;
-            for (int i = 0; i < Chunk; i += 2) {
-                even = even + Wide::From(differences[i]) * plan.cosines[k + i];
-                odd = odd + Wide::From(differences[i + 1]) * plan.cosines[k + i + 1];
+            for (int i = 0; i < FoldChunk; i += 2) {
+                sums.even = sums.even + Wide::From(differences[i]) * plan.cosines[k + i];
+                sums.odd = sums.odd + Wide::From(differences[i + 1]) * plan.cosines[k + i + 1];
             }
         }
+        return sums;
+    }
+
+    /// Pairs that the first half of the fold takes; the middle one comes by itself.
+    Index GetHalfOfPairs() const
+    {
+        return plan.whole.length / 4;
+    }
+
+    /// Where the sums wait: lags are made later.
+    float* GetFoldSums() const
+    {
+        return lags + 2 * L;
+    }
+
+    void StartFold() const
+    {
+        const FoldSums sums = FoldPairs(0, GetHalfOfPairs(), FoldSums{});
+        __builtin_memcpy(GetFoldSums(), &sums, sizeof sums);
+    }
+
+    void FinishFold() const
+    {
+        const Index middle = 2 * GetHalfOfPairs();
+        FoldSums sums{};
+        __builtin_memcpy(&sums, GetFoldSums(), sizeof sums);
+        sums = FoldPairs(GetHalfOfPairs(), middle, sums);
         const Complex centre = Transform::Get(spectrum, plan.whole.order[middle]);
         Store(folded + L * middle, Sqrt<L>(centre.re * centre.re + centre.im * centre.im) * 4.0F);
-        Store(lags + L, (even + odd).Narrow());
+        Store(lags + L, (sums.even + sums.odd).Narrow());
     }
 
     void PutLag(Index lag, V value) const
@@ -201,7 +227,7 @@ struct Batch {
 
     /// Writes two lags from a bin of the half-size transform, twofold: odd lags are a running sum
     /// of imaginary parts, even ones are real parts.
-    void PutLags(Index bin, Complex value, Wide& odd) const
+    void PutLagPair(Index bin, Complex value, Wide& odd) const
     {
         PutLag(2 * bin - 1, odd.Narrow());
         PutLag(2 * bin, value.re);
@@ -217,12 +243,12 @@ struct Batch {
         PutLag(0, Transform::Separate(folded, half, 0).low.re);
         Index bin = 1;
         for (; bin <= last && bin < middle; ++bin) {
-            PutLags(bin, Transform::Separate(folded, half, bin).low, odd);
+            PutLagPair(bin, Transform::Separate(folded, half, bin).low, odd);
         }
         for (; bin <= last; ++bin) {
             // The middle bin comes out as its own mirror image.
             const Complex image = Transform::Separate(folded, half, half.length - bin).high;
-            PutLags(bin, {image.re, -image.im}, odd);
+            PutLagPair(bin, {image.re, -image.im}, odd);
         }
         for (Index lag = plan.maxLag + 1; lag < GetLagCount(plan.maxLag); ++lag) {
             Store(lags + L * lag, V{});
@@ -271,15 +297,23 @@ struct Batch {
         }
     }
 
-    void PutResult(int frames, const CorrelationResult& result) const
+    void PutFirstLags(int frames, const CorrelationResult& result) const
     {
-        const Index stride = GetCorrelationStride(plan.maxLag);
         const Ints firstLag = FindEndOfFall();
         for (int frame = 0; frame < frames; ++frame) {
             result.firstLags[frame] = firstLag[frame];
         }
-        const Index count = GetLagCount(plan.maxLag);
-        for (Index lag = 0; lag < count; lag += L) {
+    }
+
+    /// The lags from `lag` to below `end`, after the first lags.
+    void PutLags(Index lag, Index end, int frames, const CorrelationResult& result) const
+    {
+        const Index stride = GetCorrelationStride(plan.maxLag);
+        Ints firstLag = {};
+        for (int frame = 0; frame < frames; ++frame) {
+            firstLag[frame] = result.firstLags[frame];
+        }
+        for (; lag < end; lag += L) {
             V rows[L];
             TakeGhosts(lag, firstLag, rows);
             Transpose<L>(rows);
@@ -297,31 +331,50 @@ struct Batch {
         }
     }
 
-    /// The way in as many stages as a correlation has parts; they take about the same time.
+    /// The way in as many stages as a correlation has parts, such that none takes much longer than
+    /// the others.
     void RunStage(int stage, int frames, const CorrelationResult& result) const
     {
+        const Index firstStep = GetFirstStep();
+        const Index allLags = GetLagCount(plan.maxLag);
+        const Index middleLag = allLags / (2 * MaxFrames) * MaxFrames;
         switch (stage) {
         case 0:
-            StartTransform();
+            RunFirstStage(0, firstStep / 2);
             break;
         case 1:
-            FinishTransform();
+            RunFirstStage(firstStep / 2, firstStep);
             break;
         case 2:
-            Fold();
-            break;
         case 3:
+        case 4:
+        case 5:
+            FinishQuarter(stage - 2);
+            break;
+        case 6:
+            StartFold();
+            break;
+        case 7:
+            FinishFold();
+            break;
+        case 8:
             Transform::Run(folded, plan.half.length, plan.half.factors);
             break;
-        default:
+        case 9:
             MakeLags();
-            PutResult(frames, result);
+            break;
+        case 10:
+            PutFirstLags(frames, result);
+            PutLags(0, middleLag, frames, result);
+            break;
+        default:
+            PutLags(middleLag, allLags, frames, result);
         }
     }
 };
 
-/// Stages of several batches. They follow each other batch by batch, so that a batch stays near and
-/// one batch's scratch is enough.
+/// Stages of several batches, each with a scratch of its own: a part has the same stage of all, so
+/// that at each level parts have the same share of the work.
 struct Batches {
     const CorrelationPlan& plan;
     const PolyphaseView& source;
@@ -329,16 +382,16 @@ struct Batches {
     float* scratch;
     const CorrelationResult& result;
 
-    int GetCount() const { return (frames + LevelLanes - 1) / LevelLanes; }
-
     /// Of the batch of up to L frames that begins with the frame `first`.
     template <int L>
     void RunStage(int first, int stage) const
     {
-        float* const folded = scratch + 2 * L * plan.whole.length;
+        float* const spectrum =
+            scratch + first * (3 * plan.whole.length + GetLagCount(plan.maxLag));
+        float* const folded = spectrum + 2 * L * plan.whole.length;
         float* const lags = folded + L * plan.whole.length;
         const PolyphaseView view = {source.samples + first, source.rowLength, source.stepShift};
-        const Batch<L> batch = {plan, view, scratch, folded, lags};
+        const Batch<L> batch = {plan, view, spectrum, folded, lags};
         const Index row = GetCorrelationStride(plan.maxLag) * first;
         batch.RunStage(stage,
                        frames - first < L ? frames - first : L,
@@ -348,12 +401,13 @@ struct Batches {
     void RunStage(int stage) const
     {
         constexpr int FewLanes = LevelLanes < 8 ? LevelLanes : LevelLanes / 2;
-        const int first = stage / CorrelationParts * LevelLanes;
-        // NOLINTNEXTLINE(bugprone-branch-clone): at levels of 4 lanes both are the same
-        if (frames - first > FewLanes) {
-            RunStage<LevelLanes>(first, stage % CorrelationParts);
-        } else {
-            RunStage<FewLanes>(first, stage % CorrelationParts);
+        for (int first = 0; first < frames; first += LevelLanes) {
+            // NOLINTNEXTLINE(bugprone-branch-clone): at levels of 4 lanes both are the same
+            if (frames - first > FewLanes) {
+                RunStage<LevelLanes>(first, stage);
+            } else {
+                RunStage<FewLanes>(first, stage);
+            }
         }
     }
 };
@@ -366,10 +420,7 @@ void CorrelatePart(int part,
                    const CorrelationResult& result) noexcept
 {
     const Batches batches = {plan, source, frames, scratch, result};
-    const int stages = batches.GetCount();
-    for (int stage = stages * part; stage < stages * (part + 1); ++stage) {
-        batches.RunStage(stage);
-    }
+    batches.RunStage(part);
 }
 
 } // namespace

@@ -48,8 +48,8 @@ inline constexpr int MaxFrames = 16;
     return (maxLag + 2 + MaxFrames - 1) / MaxFrames * MaxFrames;
 }
 
-/// Parts of about the same size that the work of a correlation comes in.
-inline constexpr int CorrelationParts = 5;
+/// Parts that the work of a correlation comes in; the longest takes a seventh of it.
+inline constexpr int CorrelationParts = 12;
 
 /// Room that a row of results takes, in floats.
 [[gnu::always_inline]] constexpr std::ptrdiff_t GetCorrelationStride(std::ptrdiff_t maxLag) noexcept

@@ -50,6 +50,26 @@ struct ExchangedPairTarget {
     }
 };
 
+/// The same, whose samples are added to sums, each times that of a window.
+struct ExchangedSumTarget {
+    const float* window;
+    float* sums;
+
+    template <int N>
+    [[gnu::always_inline]] void Put(Index index, const ComplexVector<N>& value) const noexcept
+    {
+        const PairVectors<N> samples = Zip<N>(Exchange(value));
+        Add<N>(2 * index, samples.lower);
+        Add<N>(2 * index + N, samples.upper);
+    }
+
+    template <int N>
+    [[gnu::always_inline]] void Add(Index index, const Vector<float, N>& samples) const noexcept
+    {
+        Store(sums + index, Load<N>(sums + index) + samples * Load<N>(window + index));
+    }
+};
+
 SplitArray GetArray(const FftTables& tables, Index number) noexcept
 {
     const Index part = tables.half + FftPadding;
@@ -57,51 +77,76 @@ SplitArray GetArray(const FftTables& tables, Index number) noexcept
     return {start, start + part};
 }
 
-/// What the passes before the last step leave: `from` is what the last step reads, `free` may be
-/// written.
+/// What some of the passes leave: `from` is what the next one reads, `free` may be written.
 struct Passed {
     SplitArray from;
     SplitArray free;
-    Index length;         // 4, 8, or 16 for two passes in one
-    const float* factors; // of the first one of two
+    Index length;         // of the transforms that are left to do
+    const float* factors; // of the next pass
 };
 
-/// The passes between the first, whose results lie in array 0, and the last step.
-Passed RunMiddlePasses(const FftTables& tables) noexcept
+Passed GetPassedFirst(const FftTables& tables) noexcept
 {
-    SplitArray from = GetArray(tables, 0);
-    SplitArray to = GetArray(tables, 1);
-    Index length = tables.half / FftFirstRadix;
-    Index stride = FftFirstRadix;
-    const float* factors = tables.middle;
-    while (length > 16) {
-        const float* const next = factors + length / 4 * 6;
-        const bool areTwo = length > 32;
-        if (areTwo) {
-            RunTwoPasses<LevelLanes, false>(from, to, length, stride, factors, next);
-        } else {
-            RunMiddlePass<LevelLanes>(from, to, length, stride, factors);
-        }
-        const SplitArray swapped = from;
-        from = to;
-        to = swapped;
-        factors = areTwo ? next + length / 16 * 6 : next;
-        length /= areTwo ? 16 : 4;
-        stride *= areTwo ? 16 : 4;
+    return {GetArray(tables, 0), GetArray(tables, 1), tables.half / FftFirstRadix, tables.middle};
+}
+
+/// Whether what is left is the last step: a pass of radix 4 or 8, or two passes in one.
+bool IsLastStep(const Passed& passed) noexcept
+{
+    return passed.length <= 16;
+}
+
+/// One walk through memory in the middle: two passes, unless one is all that is left there.
+void RunMiddleStep(const Passed& passed, Index half) noexcept
+{
+    const Index stride = half / passed.length;
+    if (passed.length > 32) {
+        RunTwoPasses<LevelLanes, false>(passed.from,
+                                        passed.free,
+                                        passed.length,
+                                        stride,
+                                        passed.factors,
+                                        passed.factors + passed.length / 4 * 6);
+    } else {
+        RunMiddlePass<LevelLanes>(passed.from, passed.free, passed.length, stride, passed.factors);
     }
-    return {from, to, length, factors};
+}
+
+Passed GetPassedMiddleStep(const Passed& passed) noexcept
+{
+    const float* const next = passed.factors + passed.length / 4 * 6;
+    if (passed.length > 32) {
+        return {passed.free, passed.from, passed.length / 16, next + passed.length / 16 * 6};
+    }
+    return {passed.free, passed.from, passed.length / 4, next};
+}
+
+/// What there is before the last step.
+Passed GetPassedMiddle(const FftTables& tables) noexcept
+{
+    Passed passed = GetPassedFirst(tables);
+    while (!IsLastStep(passed)) {
+        passed = GetPassedMiddleStep(passed);
+    }
+    return passed;
 }
 
 template <typename Source>
-Passed RunAllButLastStep(const FftTables& tables, Source source) noexcept
+void RunFirstStep(const FftTables& tables, Source source) noexcept
 {
-    const SplitArray target = GetArray(tables, 0);
     if (tables.half < FftFirstRadix * LevelLanes) {
-        RunFirstPass<NarrowLanes>(source, target, tables.half, tables.first);
+        RunFirstPass<NarrowLanes>(source, GetArray(tables, 0), tables.half, tables.first);
     } else {
-        RunFirstPass<LevelLanes>(source, target, tables.half, tables.first);
+        RunFirstPass<LevelLanes>(source, GetArray(tables, 0), tables.half, tables.first);
     }
-    return RunMiddlePasses(tables);
+}
+
+void RunMiddle(const FftTables& tables) noexcept
+{
+    for (Passed passed = GetPassedFirst(tables); !IsLastStep(passed);
+         passed = GetPassedMiddleStep(passed)) {
+        RunMiddleStep(passed, tables.half);
+    }
 }
 
 template <typename Target>
@@ -117,20 +162,15 @@ void RunLastStep(const Passed& passed, Target target, Index half) noexcept
 }
 
 /// Leaves the transform where it returns, Z[M] included.
-SplitArray RunLastPass(const FftTables& tables, const Passed& passed) noexcept
+SplitArray RunLastPass(const FftTables& tables) noexcept
 {
+    const Passed passed = GetPassedMiddle(tables);
     RunLastStep(passed, passed.free, tables.half);
     CloseCircle(passed.free, tables.half);
     return passed.free;
 }
 
-template <typename Source>
-SplitArray TransformPairs(const FftTables& tables, Source source) noexcept
-{
-    return RunLastPass(tables, RunAllButLastStep(tables, source));
-}
-
-/// The same of `count` products, at most a quarter of what the transform takes, and zeros.
+/// The transform of `count` products, at most a quarter of what it takes, and zeros.
 SplitArray TransformPaddedProduct(const FftTables& tables,
                                   const float* samples,
                                   const float* window,
@@ -152,13 +192,16 @@ SplitArray TransformPaddedProduct(const FftTables& tables,
     } else {
         RunFirstPassOfFew<LevelLanes>(source, inputs, target, tables.half, tables.first);
     }
-    return RunLastPass(tables, RunMiddlePasses(tables));
+    RunMiddle(tables);
+    return RunLastPass(tables);
 }
 
 template <typename Source>
 void RunForward(const FftTables& tables, Source source, float* spectrum) noexcept
 {
-    const SplitArray halves = TransformPairs(tables, source);
+    RunFirstStep(tables, source);
+    RunMiddle(tables);
+    const SplitArray halves = RunLastPass(tables);
     const PairTarget target = {spectrum};
     Separate(halves, tables, 0, tables.half / 2, target, target);
     SeparateMiddle(halves, tables, target);
@@ -177,14 +220,17 @@ void ForwardOfProduct(const FftTables& tables,
     RunForward(tables, WindowedPairSource{samples, window}, spectrum);
 }
 
-void ForwardOfProductWithPower(const FftTables& tables,
-                               const float* samples,
-                               const float* window,
-                               std::ptrdiff_t binCount,
-                               float* spectrum,
-                               float* power) noexcept
+void FirstPartOfProduct(const FftTables& tables, const float* samples, const float* window) noexcept
 {
-    const SplitArray halves = TransformPairs(tables, WindowedPairSource{samples, window});
+    RunFirstStep(tables, WindowedPairSource{samples, window});
+}
+
+void LastPartWithPower(const FftTables& tables,
+                       std::ptrdiff_t binCount,
+                       float* spectrum,
+                       float* power) noexcept
+{
+    const SplitArray halves = RunLastPass(tables);
     const LowBinTarget target = {{spectrum}, binCount, {power}};
     const Index middle = tables.half / 2;
     if (binCount > middle) {
@@ -216,23 +262,28 @@ void PowerOfPaddedProduct(const FftTables& tables,
     }
 }
 
-/// The inverse transform of what was joined to array 1, which the first pass reads and frees.
-void InvertJoined(const FftTables& tables, float* samples) noexcept
+/// The first pass of the inverse transform of what was joined to array 1, which that frees.
+void RunFirstStepOfJoined(const FftTables& tables) noexcept
 {
-    const Passed passed = RunAllButLastStep(tables, GetArray(tables, 1));
-    RunLastStep(passed, ExchangedPairTarget{samples}, tables.half);
+    RunFirstStep(tables, GetArray(tables, 1));
+}
+
+void AddLastPartOfInverse(const FftTables& tables, const float* window, float* sums) noexcept
+{
+    RunLastStep(GetPassedMiddle(tables), ExchangedSumTarget{window, sums}, tables.half);
 }
 
 void Inverse(const FftTables& tables, const float* spectrum, float* samples) noexcept
 {
     JoinAllExchanged(spectrum, tables, GetArray(tables, 1));
-    InvertJoined(tables, samples);
+    RunFirstStepOfJoined(tables);
+    RunMiddle(tables);
+    RunLastStep(GetPassedMiddle(tables), ExchangedPairTarget{samples}, tables.half);
 }
 
-void InverseOfLowBins(const FftTables& tables,
-                      const float* spectrum,
-                      std::ptrdiff_t binCount,
-                      float* samples) noexcept
+void FirstPartOfLowBins(const FftTables& tables,
+                        const float* spectrum,
+                        std::ptrdiff_t binCount) noexcept
 {
     const bool isLow = binCount <= tables.half / 2;
     const Index end =
@@ -247,7 +298,7 @@ void InverseOfLowBins(const FftTables& tables,
     } else {
         JoinAllExchanged(padded, tables, GetArray(tables, 1));
     }
-    InvertJoined(tables, samples);
+    RunFirstStepOfJoined(tables);
 }
 
 } // namespace
@@ -255,10 +306,13 @@ void InverseOfLowBins(const FftTables& tables,
 constinit const FftKernels Ffts = {
     .forward = Forward,
     .forwardOfProduct = ForwardOfProduct,
-    .forwardOfProductWithPower = ForwardOfProductWithPower,
+    .firstPartOfProduct = FirstPartOfProduct,
+    .middlePart = RunMiddle,
+    .lastPartWithPower = LastPartWithPower,
     .powerOfPaddedProduct = PowerOfPaddedProduct,
     .inverse = Inverse,
-    .inverseOfLowBins = InverseOfLowBins,
+    .firstPartOfLowBins = FirstPartOfLowBins,
+    .addLastPartOfInverse = AddLastPartOfInverse,
 };
 
 } // namespace DSP::Kernels::PUFFGUARD_LEVEL

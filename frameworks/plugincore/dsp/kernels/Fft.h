@@ -54,15 +54,18 @@ struct FftKernels {
                              const float* window,
                              float* spectrum) noexcept;
 
-    /// The same, of which `spectrum` gets only the bins below `binCount`, which is at most F / 2 +
-    /// 1: 2 * binCount floats. `power` gets re * re + im * im of all F / 2 + 1 bins. They don't
-    /// overlap each other or what is read.
-    void (*forwardOfProductWithPower)(const FftTables& tables,
-                                      const float* samples,
-                                      const float* window,
-                                      std::ptrdiff_t binCount,
-                                      float* spectrum,
-                                      float* power) noexcept;
+    /// The same in three parts, one after the other, with nothing else done with the tables in
+    /// between: what a part leaves lies in their work. Of the spectrum come out only the bins below
+    /// `binCount`, which is at most F / 2 + 1: 2 * binCount floats. `power` gets re * re + im * im
+    /// of all F / 2 + 1 bins. They don't overlap each other.
+    void (*firstPartOfProduct)(const FftTables& tables,
+                               const float* samples,
+                               const float* window) noexcept;
+    void (*middlePart)(const FftTables& tables) noexcept;
+    void (*lastPartWithPower)(const FftTables& tables,
+                              std::ptrdiff_t binCount,
+                              float* spectrum,
+                              float* power) noexcept;
 
     /// Powers re * re + im * im of the transform of samples[i] * window[i] for i below `count`, at
     /// most F / 4, and zeros behind them. Of `power`, which has F / 2 + 1 floats, those below
@@ -79,11 +82,14 @@ struct FftKernels {
     void (*inverse)(const FftTables& tables, const float* spectrum, float* samples) noexcept;
 
     /// The same of `binCount` bins, at most F / 2 + 1, and zeros behind them, which `spectrum` need
-    /// not have.
-    void (*inverseOfLowBins)(const FftTables& tables,
-                             const float* spectrum,
-                             std::ptrdiff_t binCount,
-                             float* samples) noexcept;
+    /// not have, with sums[i] += samples[i] * window[i] at the end. In parts, with middlePart()
+    /// between these two.
+    void (*firstPartOfLowBins)(const FftTables& tables,
+                               const float* spectrum,
+                               std::ptrdiff_t binCount) noexcept;
+    void (*addLastPartOfInverse)(const FftTables& tables,
+                                 const float* window,
+                                 float* sums) noexcept;
 };
 
 } // namespace DSP::Kernels

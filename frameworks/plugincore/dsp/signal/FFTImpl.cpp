@@ -2,6 +2,7 @@
 #include "frameworks/plugincore/dsp/signal/FFTImpl.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -137,24 +138,30 @@ void FFTImpl<float>::ForwardOfProduct(const float* samples,
     kernels->forwardOfProduct(GetTables(), samples, window, spectrum);
 }
 
-void FFTImpl<float>::ForwardOfProductWithPower(const float* samples,
+void FFTImpl<float>::ForwardOfProductWithPower(FFTPart part,
+                                               const float* samples,
                                                const float* window,
                                                int binCount,
                                                float* spectrum,
                                                float* power) noexcept UTIL_NONBLOCKING
 {
-    if (!IsDirect()) {
-        kernels->forwardOfProductWithPower(GetTables(), samples, window, binCount, spectrum, power);
+    if (IsDirect()) {
+        if (part == FFTPart::Last) { // so short that it needs no parts
+            Kernels::GetKernels().overlap.multiply(samples, window, work.data(), At(GetSize()));
+            ForwardDirectWithPower(binCount, spectrum, power);
+        }
         return;
     }
-    Kernels::GetKernels().overlap.multiply(samples, window, work.data(), At(GetSize()));
-    for (Index k = 0; k <= half; ++k) {
-        const std::complex<float> bin = GetDirectBin(k);
-        if (k < binCount) {
-            spectrum[2 * k] = bin.real();
-            spectrum[2 * k + 1] = bin.imag();
-        }
-        power[k] = bin.real() * bin.real() + bin.imag() * bin.imag();
+    switch (part) {
+    case FFTPart::First:
+        kernels->firstPartOfProduct(GetTables(), samples, window);
+        break;
+    case FFTPart::Middle:
+        kernels->middlePart(GetTables());
+        break;
+    case FFTPart::Last:
+        kernels->lastPartWithPower(GetTables(), binCount, spectrum, power);
+        break;
     }
 }
 
@@ -186,15 +193,29 @@ void FFTImpl<float>::Inverse(const float* spectrum, float* samples) noexcept UTI
     kernels->inverse(GetTables(), spectrum, samples);
 }
 
-void FFTImpl<float>::InverseOfLowBins(const float* spectrum, int binCount, float* samples) noexcept
-    UTIL_NONBLOCKING
+void FFTImpl<float>::AddInverseOfLowBins(FFTPart part,
+                                         const float* spectrum,
+                                         int binCount,
+                                         const float* window,
+                                         float* sums) noexcept UTIL_NONBLOCKING
 {
     if (IsDirect()) {
-        std::fill(std::copy_n(spectrum, 2 * binCount, work.begin()), work.end(), 0.0F);
-        InverseDirect(samples);
+        if (part == FFTPart::Last) {
+            AddInverseDirect(spectrum, binCount, window, sums);
+        }
         return;
     }
-    kernels->inverseOfLowBins(GetTables(), spectrum, binCount, samples);
+    switch (part) {
+    case FFTPart::First:
+        kernels->firstPartOfLowBins(GetTables(), spectrum, binCount);
+        break;
+    case FFTPart::Middle:
+        kernels->middlePart(GetTables());
+        break;
+    case FFTPart::Last:
+        kernels->addLastPartOfInverse(GetTables(), window, sums);
+        break;
+    }
 }
 
 /// A bin of the transform of what lies in `work`.
@@ -209,6 +230,20 @@ std::complex<float> FFTImpl<float>::GetDirectBin(Index bin) const noexcept UTIL_
     }
     // The table's sine isn't quite 0 at a half turn, but the ends of a real signal's spectrum are.
     return {re, bin == 0 || bin == half ? 0.0F : im};
+}
+
+/// The transform of what lies in `work`, as ForwardOfProductWithPower() gives it.
+void FFTImpl<float>::ForwardDirectWithPower(int binCount, float* spectrum, float* power) noexcept
+    UTIL_NONBLOCKING
+{
+    for (Index k = 0; k <= half; ++k) {
+        const std::complex<float> bin = GetDirectBin(k);
+        if (k < binCount) {
+            spectrum[2 * k] = bin.real();
+            spectrum[2 * k + 1] = bin.imag();
+        }
+        power[k] = bin.real() * bin.real() + bin.imag() * bin.imag();
+    }
 }
 
 /// The transform of what lies in `work`.
@@ -234,6 +269,18 @@ void FFTImpl<float>::InverseDirect(float* samples) const noexcept UTIL_NONBLOCKI
         const float ends = work[0] + (n % 2 == 0 ? work[At(size)] : -work[At(size)]);
         samples[n] = (2 * sum + ends) / static_cast<float>(size);
     }
+}
+
+void FFTImpl<float>::AddInverseDirect(const float* spectrum,
+                                      int binCount,
+                                      const float* window,
+                                      float* sums) noexcept UTIL_NONBLOCKING
+{
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
+    std::array<float, LongestDirect> samples;
+    std::fill(std::copy_n(spectrum, 2 * binCount, work.begin()), work.end(), 0.0F);
+    InverseDirect(samples.data());
+    Kernels::GetKernels().overlap.multiplyAdd(samples.data(), window, sums, At(GetSize()));
 }
 
 } // namespace DSP

@@ -5,14 +5,20 @@
 #include "frameworks/qobase/util/AlignedVector.h"
 #include "frameworks/qobase/util/Realtime.h"
 
+#include <array>
 #include <complex>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace DSP {
 
 template <typename T>
 class FFTImpl;
+
+/// The parts of a transform that is spread over several calls, in the order of their values.
+enum class FFTPart : uint8_t { First, Middle, Last };
+inline constexpr std::array FFTParts = {FFTPart::First, FFTPart::Middle, FFTPart::Last};
 
 /// Real discrete Fourier transform of F = 2^order samples, in single precision.
 ///
@@ -60,10 +66,12 @@ public:
     void ForwardOfProduct(const float* samples, const float* window, float* spectrum) noexcept
         UTIL_NONBLOCKING;
 
-    /// ForwardOfProduct() of which only bins 0 to binCount - 1 come out, 2 * binCount floats, and
-    /// with them the power re^2 + im^2 of all bins 0 to F/2. `binCount` is 0 to F/2 + 1. Neither
-    /// output may overlap another array. [process]
-    void ForwardOfProductWithPower(const float* samples,
+    /// One part of ForwardOfProduct() of which only bins 0 to binCount - 1 come out, 2 * binCount
+    /// floats, and with them the power re^2 + im^2 of all bins 0 to F/2. `binCount` is 0 to F/2 +
+    /// 1. Neither output may overlap another array. All parts get the same arguments, one after the
+    /// other, and nothing else is done with this transform between them. [process]
+    void ForwardOfProductWithPower(FFTPart part,
+                                   const float* samples,
                                    const float* window,
                                    int binCount,
                                    float* spectrum,
@@ -82,10 +90,14 @@ public:
     /// `spectrum` as it is unless `samples` is the same memory. [process]
     void Inverse(const float* spectrum, float* samples) noexcept UTIL_NONBLOCKING;
 
-    /// Inverse() of a spectrum that is 0 from bin `binCount` on, 0 to F/2 + 1, of which 2 *
-    /// binCount floats are read. [process]
-    void InverseOfLowBins(const float* spectrum, int binCount, float* samples) noexcept
-        UTIL_NONBLOCKING;
+    /// One part, as above, of Inverse() of a spectrum that is 0 from bin `binCount` on, 0 to F/2 +
+    /// 1, of which 2 * binCount floats are read, times a window and added: sums[i] += samples[i] *
+    /// window[i]. Neither overlaps another array. [process]
+    void AddInverseOfLowBins(FFTPart part,
+                             const float* spectrum,
+                             int binCount,
+                             const float* window,
+                             float* sums) noexcept UTIL_NONBLOCKING;
 
 private:
     void MakeFirstFactors();
@@ -95,8 +107,15 @@ private:
     Kernels::FftTables GetTables() noexcept UTIL_NONBLOCKING;
     std::complex<float> GetDirectBin(std::ptrdiff_t bin) const noexcept UTIL_NONBLOCKING;
     void ForwardDirect(float* spectrum) noexcept UTIL_NONBLOCKING;
+    void ForwardDirectWithPower(int binCount, float* spectrum, float* power) noexcept
+        UTIL_NONBLOCKING;
     void InverseDirect(float* samples) const noexcept UTIL_NONBLOCKING;
-    bool IsDirect() const noexcept { return half < 64; }
+    void
+    AddInverseDirect(const float* spectrum, int binCount, const float* window, float* sums) noexcept
+        UTIL_NONBLOCKING;
+    bool IsDirect() const noexcept { return GetSize() <= LongestDirect; }
+
+    static constexpr int LongestDirect = 64;
 
     const Kernels::FftKernels* kernels;
     int order;

@@ -26,7 +26,8 @@ public:
 
     /// Runs of the tracker that its dynamic programming looks ahead.
     static constexpr int DelayFrames = 64;
-    /// Parts of about the same size that the work on a block comes in.
+    /// Parts that the work on a block comes in: first those of the correlations, then the runs.
+    static constexpr int CorrelationParts = Synapse::PitchEngine::CorrelationParts;
     static constexpr int BlockParts = Synapse::PitchEngine::BlockParts;
 
     /// Where the element works: that of the element around it.

@@ -73,12 +73,11 @@ void PitchEngine::Advance(int parts) noexcept UTIL_NONBLOCKING
 {
     const int end = std::min(partsDone + parts, runs > 0 ? BlockParts : 0);
     for (; partsDone < end; ++partsDone) {
-        if (partsDone < Autocorr::Parts) {
+        if (partsDone < CorrelationParts) {
             autocorr.ComputePart(partsDone, history.GetFrames(), runs);
         } else {
-            constexpr int RunParts = BlockParts - Autocorr::Parts;
-            const int part = partsDone - Autocorr::Parts;
-            MakeRuns((runs * (part + 1) + RunParts - 1) / RunParts);
+            const int done = partsDone + 1 - CorrelationParts;
+            MakeRuns((runs * done + RunParts - 1) / RunParts);
         }
     }
 }

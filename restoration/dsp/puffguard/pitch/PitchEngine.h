@@ -52,8 +52,11 @@ public:
     /// earlier.
     float GetPitch() noexcept UTIL_NONBLOCKING;
 
-    /// Parts of about the same size that the tracker's runs up to the end of a block come in.
-    static constexpr int BlockParts = Autocorr::Parts + 5;
+    /// Parts that the tracker's work up to the end of a block comes in: those of the correlations,
+    /// then one for each run at most.
+    static constexpr int CorrelationParts = Autocorr::Parts;
+    static constexpr int RunParts = Autocorr::MaxFrames;
+    static constexpr int BlockParts = CorrelationParts + RunParts;
 
     /// For one who wants the pitch at this sample, but later: the tracker's runs up to here can
     /// then be made part by part, while samples of the next block come in.

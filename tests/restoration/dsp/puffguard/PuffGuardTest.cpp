@@ -241,6 +241,27 @@ TEST_F(PuffGuardTest, CutsChangeNoBitThoughParametersMoveAndResetsComeInMidHop)
     }
 }
 
+TEST_F(PuffGuardTest, OthersMayUseTheHostsTransformsInMidHop)
+{
+    const std::vector<float> input = MakeSpeechWithBurst(0.5F);
+    Make(Rate, Stereo);
+    const Channels wanted = Run({input, input});
+    Make(Rate, Stereo);
+    const std::size_t step = element->GetHop() / 16;
+    DSP::FFTImpl<float>* const transform = host.GetFFT(11);
+    ASSERT_EQ(static_cast<uint32_t>(transform->GetSize()), element->GetFrameSize());
+    std::vector<float> spectrum(element->GetFrameSize() + 2);
+    for (std::size_t done = 0; done < input.size(); done += step) {
+        const auto begin = input.begin() + static_cast<std::ptrdiff_t>(done);
+        const std::vector<float> piece(begin, begin + static_cast<std::ptrdiff_t>(step));
+        const Channels output = Run({piece, piece}, step);
+        ASSERT_TRUE(std::equal(output[0].begin(), output[0].end(), wanted[0].data() + done))
+            << done;
+        transform->Forward(input.data(), spectrum.data());
+    }
+    EXPECT_GT(GetRepairs().size(), 0U);
+}
+
 TEST_F(PuffGuardTest, ParametersCountAsTheyAreAtTheEndOfAHop)
 {
     const std::vector<float> input = MakeSpeechWithBurst(0.5F);

@@ -129,8 +129,10 @@ TEST_P(FFTImplTest, AtEveryLevelProductsLowBinsAndPowersAreThoseOfTheWholeSpectr
             std::vector<float> low = wanted;
             std::copy_n(spectrum.begin(), 2 * count, wanted.begin());
             std::vector<float> power(all + 1, -1.0F);
-            transform.ForwardOfProductWithPower(
-                samples.data(), window.data(), count, low.data(), power.data());
+            for (const DSP::FFTPart part : DSP::FFTParts) {
+                transform.ForwardOfProductWithPower(
+                    part, samples.data(), window.data(), count, low.data(), power.data());
+            }
             EXPECT_EQ(low, wanted) << static_cast<int>(level) << ", " << count;
             EXPECT_EQ(power, wantedPower) << static_cast<int>(level) << ", " << count;
         }
@@ -169,9 +171,11 @@ TEST_P(FFTImplTest, AtEveryLevelPowersOfAPaddedProductAreThoseOfTheWholeTransfor
     }
 }
 
-TEST_P(FFTImplTest, AtEveryLevelTheInverseOfLowBinsTakesTheOthersAsZeros)
+TEST_P(FFTImplTest, AtEveryLevelTheInverseOfLowBinsTakesTheOthersAsZerosAndIsAdded)
 {
     const std::vector<float> noise = MakeNoise(size + 2, 14);
+    const std::vector<float> window = MakeNoise(size, 15);
+    const std::vector<float> before = MakeNoise(size, 16);
     for (const DSP::Kernels::Level level : Support::GetSupportedLevels()) {
         FFTImpl<float> transform(GetParam(), DSP::Kernels::GetKernels(level).fft);
         for (const int count : GetBinCounts(static_cast<int>(size / 2 + 1))) {
@@ -182,10 +186,16 @@ TEST_P(FFTImplTest, AtEveryLevelTheInverseOfLowBinsTakesTheOthersAsZeros)
             std::vector<float> wanted(size);
             std::vector<float> samples(size);
             fft.Inverse(zeroed.data(), wanted.data());
-            transform.InverseOfLowBins(low.data(), count, samples.data());
-            EXPECT_EQ(samples, wanted) << static_cast<int>(level) << ", " << count;
             transform.Inverse(zeroed.data(), samples.data());
             EXPECT_EQ(samples, wanted) << static_cast<int>(level) << ", " << count;
+            std::vector<float> sums = before;
+            for (const DSP::FFTPart part : DSP::FFTParts) {
+                transform.AddInverseOfLowBins(part, low.data(), count, window.data(), sums.data());
+            }
+            for (std::size_t i = 0; i < size; ++i) {
+                wanted[i] = before[i] + wanted[i] * window[i];
+            }
+            EXPECT_EQ(sums, wanted) << static_cast<int>(level) << ", " << count;
         }
     }
 }

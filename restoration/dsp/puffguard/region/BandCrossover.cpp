@@ -67,12 +67,12 @@ void BandCrossover::Join(int64_t position,
                          const MultichannelBufferView<float>& processed,
                          const MultichannelBufferView<float>& recording)
 {
-    const std::span<const float> gains = GetGains(position, recording.GetFrames());
+    const std::span<const float> shares = GetGains(position, recording.GetFrames());
     for (uint32_t channel = 0; channel < recording.GetChannelCount(); ++channel) {
         const float* const change = processed.GetChannel(channel);
         float* const samples = recording.GetChannel(channel);
-        for (std::size_t i = 0; i < gains.size(); ++i) {
-            samples[i] += gains[i] * change[i];
+        for (std::size_t i = 0; i < shares.size(); ++i) {
+            samples[i] += shares[i] * change[i];
         }
     }
 }

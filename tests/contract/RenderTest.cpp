@@ -267,12 +267,17 @@ TEST_F(RenderTest, ABandIsRepairedAndNothingBesideIt)
     EXPECT_EQ(high.Run(instance.Get(), {Around(loudest, 4000, 3000, 5000)}).result, RenderDone);
     EXPECT_FALSE(high.written.empty());
     EXPECT_EQ(high.result, recording);
+    // In a region of two boxes, each has its own band for as long as it lasts.
+    Rendered two(recording);
+    two.Run(instance.Get(),
+            {Around(loudest - 3000, 5000, 3000, 5000), Around(loudest + 4000, 2000, 0, 90)});
+    EXPECT_LT(Energy(two.GetChange()), 0.01 * Energy(change));
     // Two bands side by side are one region, 1 Hz apart or not.
     for (const float low : {90.0F, 89.0F}) {
-        Rendered two(recording);
-        two.Run(instance.Get(), {Around(loudest, 4000, 0, 90), Around(loudest, 4000, low, 200)});
-        EXPECT_EQ(two.record.result, RenderDone);
-        EXPECT_GT(Energy(two.GetChange()), 0.3 * Energy(all.GetChange()));
+        Rendered joined(recording);
+        joined.Run(instance.Get(), {Around(loudest, 4000, 0, 90), Around(loudest, 4000, low, 200)});
+        EXPECT_EQ(joined.record.result, RenderDone);
+        EXPECT_GT(Energy(joined.GetChange()), 0.3 * Energy(all.GetChange()));
     }
 }
 

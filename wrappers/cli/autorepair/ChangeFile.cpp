@@ -22,9 +22,4 @@ std::span<const double> ChangeFile::Read(const Stretch& stretch, int64_t begin, 
     return piece;
 }
 
-void ChangeFile::AddTo(const Stretch& stretch, int64_t first, std::span<double> samples)
-{
-    ForEach(stretch, first, samples, [](double& sample, double change) { sample += change; });
-}
-
 } // namespace Cli

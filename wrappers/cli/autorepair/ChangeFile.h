@@ -11,8 +11,8 @@
 
 namespace Cli {
 
-/// What is added to a recording, stretch by stretch: from when a stretch has been worked out until
-/// the recording comes by again. In a nameless temporary file. Throws FileError.
+/// What a recording is changed by, stretch by stretch: from when a stretch has been worked out
+/// until the recording comes by again. In a nameless temporary file. Throws FileError.
 class ChangeFile {
 public:
     /// Where a stretch lies in the recording, in frames, and in the file.
@@ -28,29 +28,30 @@ public:
     {
     }
 
-    /// Keeps `samples`, interleaved, to be added from frame `first` on.
+    /// Keeps `samples`, interleaved, for the frames from `first` on.
     Stretch Append(int64_t first, std::span<const double> samples);
 
     /// Calls `work(double& sample, double kept)` for each of `samples`, the recording from frame
-    /// `first` on, that `stretch` holds something for.
+    /// `first` on, that one of `stretches` holds something for; these are in order of their ends,
+    /// and of their beginnings.
     template <typename Work>
-    void ForEach(const Stretch& stretch, int64_t first, std::span<double> samples, Work work)
+    void
+    ForEach(std::span<const Stretch> stretches, int64_t first, std::span<double> samples, Work work)
     {
-        const int64_t begin = std::max(first, stretch.first);
-        const int64_t end =
-            std::min(first + static_cast<int64_t>(samples.size() / channels), stretch.end);
-        if (begin >= end) {
-            return;
-        }
-        const std::span<const double> kept = Read(stretch, begin, end);
-        double* const target = samples.data() + (begin - first) * static_cast<int64_t>(channels);
-        for (std::size_t i = 0; i < kept.size(); ++i) {
-            work(target[i], kept[i]);
+        const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
+        auto stretch =
+            std::partition_point(stretches.begin(), stretches.end(), [first](const Stretch& one) {
+                return one.end <= first;
+            });
+        for (; stretch != stretches.end() && stretch->first < end; ++stretch) {
+            const int64_t from = std::max(first, stretch->first);
+            const std::span<const double> kept = Read(*stretch, from, std::min(end, stretch->end));
+            double* const target = samples.data() + (from - first) * static_cast<int64_t>(channels);
+            for (std::size_t i = 0; i < kept.size(); ++i) {
+                work(target[i], kept[i]);
+            }
         }
     }
-
-    /// Adds what of `stretch` falls on `samples`, the recording from frame `first` on.
-    void AddTo(const Stretch& stretch, int64_t first, std::span<double> samples);
 
 private:
     std::span<const double> Read(const Stretch& stretch, int64_t begin, int64_t end);

@@ -116,13 +116,8 @@ void RecordingRepairs::KeepAbove(double threshold)
 
 void RecordingRepairs::AddTo(int64_t first, std::span<double> samples)
 {
-    const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
-    while (next < stretches.size() && stretches[next].end <= first) {
-        ++next;
-    }
-    for (size_t i = next; i < stretches.size() && stretches[i].first < end; ++i) {
-        changes.AddTo(stretches[i], first, samples);
-    }
+    changes.ForEach(
+        stretches, first, samples, [](double& sample, double change) { sample += change; });
 }
 
 } // namespace Cli

@@ -39,8 +39,7 @@ public:
     /// What is repaired, in order of time.
     const std::vector<AutoEvent>& GetEvents() const { return events; }
 
-    /// Repairs `samples`, interleaved, the recording from frame `first` on; from call to call
-    /// further on in it.
+    /// Repairs `samples`, interleaved, the recording from frame `first` on.
     void AddTo(int64_t first, std::span<double> samples);
 
 private:
@@ -66,7 +65,6 @@ private:
     ChangeFile changes;
     std::vector<AutoEvent> events;
     std::vector<ChangeFile::Stretch> stretches; // of each event
-    size_t next = 0;                            // the first stretch that isn't wholly added
     std::vector<double> repaired;               // scratch
 };
 

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace Cli {
 
@@ -32,6 +34,22 @@ public:
     /// Goes on at frame `target`, which the recording has and which lies no further back, without
     /// reading what lies before it. Returns false, and stays, where that isn't possible.
     bool SkipTo(int64_t target);
+
+    /// Reads all of it, so many frames at a time: calls `take(int64_t first, std::span<double>
+    /// samples)`, where `first` is the frame that the samples begin with. The last may be none.
+    template <typename Take>
+    void ReadAll(size_t framesAtOnce, Take take)
+    {
+        const auto channels = static_cast<size_t>(description->GetChannels());
+        std::vector<double> chunk(framesAtOnce * channels);
+        Begin();
+        size_t count = chunk.size();
+        while (count == chunk.size()) {
+            const int64_t first = position;
+            count = Read(chunk) * channels;
+            take(first, std::span(chunk).first(count));
+        }
+    }
 
     /// Frames from the first sample to where reading has come.
     int64_t GetPosition() const { return position; }

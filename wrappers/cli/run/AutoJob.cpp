@@ -36,7 +36,6 @@ public:
         , channels(static_cast<size_t>(input.GetDescription().GetChannels()))
         , sampleRate(input.GetDescription().GetSampleRate())
         , results(options, task, input.GetDescription())
-        , chunk(static_cast<size_t>(options.block) * channels)
     {
         results.OpenAudio(0);
     }
@@ -66,7 +65,6 @@ private:
     size_t channels;
     int sampleRate;
     JobResults results;
-    std::vector<double> chunk;
     AutoRepair::Findings findings;
     std::optional<RecordingRepairs> repairs; // as soon as the recording's scale is known
 };
@@ -106,8 +104,7 @@ void AutoJob::Describe(FileReport& report) const
     report.channels = reader.GetChannels();
     report.automatic.emplace();
     if (input.IsSpooled()) {
-        context.console.Result(Printable(task.input.InputLabel()) +
-                               ": kept in a temporary file, since it is read more than once");
+        ReportSpooling(context, task);
     }
     context.console.Detail(
         fmt::format("{}: {}/{}, {} Hz, {} channel{}; {}{}",
@@ -132,14 +129,11 @@ void AutoJob::ShowProgress(int pass) const
 template <typename Take>
 void AutoJob::ReadAll(int pass, Take take)
 {
-    input.Begin();
-    size_t count = chunk.size();
-    while (count == chunk.size()) {
-        const int64_t first = input.GetPosition();
-        count = input.Read(chunk) * channels;
-        take(first, std::span(chunk).first(count));
-        ShowProgress(pass);
-    }
+    input.ReadAll(static_cast<size_t>(options.block),
+                  [&](int64_t first, std::span<double> samples) {
+                      take(first, samples);
+                      ShowProgress(pass);
+                  });
 }
 
 void AutoJob::Find(FileReport& report)

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/cli/run/FileJob.h"
+#include "wrappers/cli/run/FileReport.h"
+#include "wrappers/cli/run/JobPlaces.h"
+#include "wrappers/cli/run/RunContext.h"
+
+#include <cstddef>
 
 namespace Cli {
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "wrappers/cli/run/FileJob.h"
+#include "wrappers/cli/run/FileReport.h"
 #include "wrappers/cli/run/JobResults.h"
+#include "wrappers/cli/run/RunContext.h"
 
 #include <span>
 

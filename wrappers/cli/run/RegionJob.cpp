@@ -69,7 +69,6 @@ private:
     void Outline();
     void Copy(FileReport& report);
     static void TakeOver(double& sample, double made);
-    void PutInto(int64_t first, std::span<double> samples);
     void ShowProgress(double done) const;
 
     const RunContext& context;
@@ -88,7 +87,6 @@ private:
     RegionSource source;
     ChangeFile rendered;
     std::vector<ChangeFile::Stretch> stretches; // in order of time
-    size_t next = 0;                            // the first stretch that isn't wholly added
     std::vector<double> interleaved;            // scratch
 };
 
@@ -98,10 +96,8 @@ int64_t RegionJob::CountFrames()
     if (const auto known = input.GetDescription().GetFrames()) {
         return *known;
     }
-    std::vector<double> chunk(static_cast<size_t>(options.block) * channels);
-    input.Begin();
-    while (input.Read(chunk) * channels == chunk.size()) {
-    }
+    input.ReadAll(static_cast<size_t>(options.block),
+                  [](int64_t /*first*/, std::span<double> /*samples*/) {});
     return input.GetPosition();
 }
 
@@ -140,8 +136,7 @@ void RegionJob::Describe(FileReport& report) const
     report.changed = effect.ReadChanged();
     report.preset = context.session.preset ? context.session.preset->name : "";
     if (input.IsSpooled()) {
-        context.console.Result(Printable(task.input.InputLabel()) +
-                               ": kept in a temporary file, since it is read more than once");
+        ReportSpooling(context, task);
     }
     context.console.Detail(fmt::format("{}: {} Hz, {} channel{}; {} region{}; {}{}",
                                        Printable(task.input.Get()),
@@ -206,17 +201,6 @@ void RegionJob::TakeOver(double& sample, double made)
     }
 }
 
-void RegionJob::PutInto(int64_t first, std::span<double> samples)
-{
-    const int64_t end = first + static_cast<int64_t>(samples.size() / channels);
-    while (next < stretches.size() && stretches[next].end <= first) {
-        ++next;
-    }
-    for (size_t i = next; i < stretches.size() && stretches[i].first < end; ++i) {
-        rendered.ForEach(stretches[i], first, samples, TakeOver);
-    }
-}
-
 void RegionJob::Copy(FileReport& report)
 {
     report.nonFiniteSamples = input.GetNonFinite();
@@ -224,19 +208,14 @@ void RegionJob::Copy(FileReport& report)
         return;
     }
     std::vector<double> before;
-    std::vector<double> chunk(static_cast<size_t>(options.block) * channels);
-    input.Begin();
-    size_t count = chunk.size();
-    while (count == chunk.size()) {
-        const int64_t first = input.GetPosition();
-        count = input.Read(chunk) * channels;
-        const std::span samples = std::span(chunk).first(count);
-        before.assign(samples.begin(), samples.end());
-        PutInto(first, samples);
-        results.Add({before, samples});
-        ShowProgress(0.5 +
-                     0.5 * static_cast<double>(input.GetPosition()) / static_cast<double>(frames));
-    }
+    input.ReadAll(static_cast<size_t>(options.block),
+                  [&](int64_t first, std::span<double> samples) {
+                      before.assign(samples.begin(), samples.end());
+                      rendered.ForEach(stretches, first, samples, TakeOver);
+                      results.Add({before, samples});
+                      ShowProgress(0.5 + 0.5 * static_cast<double>(input.GetPosition()) /
+                                             static_cast<double>(frames));
+                  });
     report.nonFiniteSamples = input.GetNonFinite();
 }
 
